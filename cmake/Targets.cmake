@@ -1,0 +1,36 @@
+# What every target of this project shares: the include root, the warnings, the sanitizers.
+
+add_library(txs_options INTERFACE)
+target_include_directories(txs_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_options(txs_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(TXS_SANITIZE)
+  target_compile_options(txs_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(txs_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(TXS_FUZZ)
+  target_compile_options(txs_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# txs_add_library(NAME SOURCES ... LINKS ...): one floor of the house as a static library.
+function(txs_add_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC txs_options ${arg_LINKS})
+endfunction()
+
+# txs_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [ENVIRONMENT ...]): one GoogleTest program;
+# each of its tests becomes a test of CTest.
+function(txs_add_test name)
+  cmake_parse_arguments(arg "OWN_MAIN" "" "SOURCES;LINKS;LABELS;ENVIRONMENT" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE txs_options ${arg_LINKS} GTest::gtest)
+  if(NOT arg_OWN_MAIN)
+    target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 600
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${arg_ENVIRONMENT}")
+endfunction()

@@ -1,0 +1,102 @@
+// The disk as compound/ and store/ see it. platform/ implements it on the real file system; the
+// tests implement it in memory, record it, cut its power, fill it up and make any call fail.
+//
+// Every call throws compound::Error naming the file; a failed call has done nothing, except that a
+// failed write() or truncate() may have reached part of the range it was given.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace compound {
+
+enum class Access { Read, ReadWrite };
+
+// One open file. Closing (destruction) releases its lock and writes nothing.
+class DiskFile {
+  public:
+    virtual ~DiskFile() = default;
+    DiskFile(const DiskFile&) = delete;
+    DiskFile& operator=(const DiskFile&) = delete;
+
+    // The path by which the file was opened; for messages.
+    virtual const std::filesystem::path& path() const = 0;
+
+    // Reads into `into` from byte `offset` on; returns the bytes read, fewer only at the file's end.
+    virtual std::size_t read(std::uint64_t offset, std::span<std::byte> into) = 0;
+
+    // Writes all of `bytes` at byte `offset`; a write past the end extends the file.
+    virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+
+    // Returns once everything written so far, and the file's length, is on the medium.
+    virtual void sync() = 0;
+
+    // Cuts or extends (with zeros) the file to `size` bytes.
+    virtual void truncate(std::uint64_t size) = 0;
+
+    virtual std::uint64_t size() = 0;
+
+    // Takes the exclusive kernel lock, which goes with the handle. Waits up to `wait` for another
+    // holder; false when it still holds then. A second handle of the same process counts as another
+    // holder.
+    virtual bool lock(std::chrono::milliseconds wait) = 0;
+
+    // Whether path() still names this very file (it may have been renamed or replaced between
+    // opening and locking).
+    virtual bool isStillAtPath() = 0;
+
+  protected:
+    DiskFile() = default;
+};
+
+struct FolderEntry {
+    std::filesystem::path name; // without its folder
+    bool isRegularFile = false; // after following a link
+};
+
+class Disk {
+  public:
+    virtual ~Disk() = default;
+    Disk(const Disk&) = delete;
+    Disk& operator=(const Disk&) = delete;
+
+    // Opens an existing regular file. NotFound, Denied.
+    virtual std::unique_ptr<DiskFile> open(const std::filesystem::path& path, Access access) = 0;
+
+    // Creates a new file and opens it for reading and writing; Exists when the path is taken.
+    virtual std::unique_ptr<DiskFile> create(const std::filesystem::path& path) = 0;
+
+    // Gives `to` the permissions and, as far as the system lets us, the owner of `from`.
+    virtual void copyAttributes(DiskFile& from, DiskFile& to) = 0;
+
+    // The entries of a folder in no particular order, without "." and "..".
+    virtual std::vector<FolderEntry> list(const std::filesystem::path& folder) = 0;
+
+    virtual bool exists(const std::filesystem::path& path) = 0;
+
+    // Renames within one folder; Exists (and nothing changed) when `to` is taken.
+    virtual void renameWithoutReplacing(const std::filesystem::path& from,
+                                        const std::filesystem::path& to) = 0;
+
+    // Makes the folder's entries (created, renamed, removed files) durable.
+    virtual void syncFolder(const std::filesystem::path& folder) = 0;
+
+    // Moves a file of the user's to the desktop's trash, or to the program's kept folder where
+    // there is none; never unlinks it.
+    virtual void trash(const std::filesystem::path& path) = 0;
+
+    // Unlinks a file that this program created for its own use (a temporary file). Missing is no
+    // error.
+    virtual void removeTemporary(const std::filesystem::path& path) = 0;
+
+  protected:
+    Disk() = default;
+};
+
+} // namespace compound
