@@ -1,0 +1,106 @@
+// Adding, finding, reading, renaming and removing pictures. See library.h for errors and
+// transactions.
+//
+// A picture is a stream of the group storage with the file's bytes, unchanged, and a record stream
+// of the same name in the info storage. Names compare without regard to case; `Name` and `Parent`
+// are the group's own streams and never a picture's.
+#pragma once
+
+#include "store/library.h"
+#include "store/picture_record.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace store {
+
+enum class IfPictureExists { Refuse, Replace };
+
+// Larger source files are refused with TooLarge before they are read.
+inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{256} << 20U;
+
+// Reads, measures and stores a picture file. Everything that can fail for the picture's sake is
+// done before the group file is touched. Exists, InvalidName, InvalidPicture, TooLarge.
+void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,
+                const std::filesystem::path& source,
+                IfPictureExists ifExists = IfPictureExists::Replace);
+
+// Several pictures in one transaction: all of them or none. The group file stays locked from the
+// construction until commit() or destruction; destruction without commit() changes nothing.
+class PictureBatch {
+  public:
+    PictureBatch(const Library& library, const GroupAddress& group);
+    ~PictureBatch();
+    PictureBatch(const PictureBatch&) = delete;
+    PictureBatch& operator=(const PictureBatch&) = delete;
+
+    // As addPicture. After an exception the batch is as before the call.
+    void add(const PictureName& name, const std::filesystem::path& source,
+             IfPictureExists ifExists);
+    void commit();
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+// Whether a stream of that name could be created in the group. True for a picture that exists.
+// Never throws and changes nothing.
+bool testPictureName(const Library& library, const GroupAddress& group,
+                     const PictureName& name) noexcept;
+
+// Without regard to case; always true for `Name` and `Parent`.
+bool pictureExists(const Library& library, const GroupAddress& group, const PictureName& name);
+
+struct PictureEntry {
+    PictureName name;
+    std::uint64_t bytes = 0;
+    PictureRecord record;
+};
+
+// All pictures of a group in the fixed order of its storage.
+std::vector<PictureEntry> listPictures(const Library& library, const GroupAddress& group);
+
+struct StoredPicture {
+    PictureName name; // as stored
+    PictureRecord record;
+    std::vector<std::byte> bytes;
+};
+
+StoredPicture readPicture(const Library& library, const GroupAddress& group,
+                          const PictureName& name);
+
+// The type code of the record; empty when there is none.
+std::string readPictureType(const Library& library, const GroupAddress& group,
+                            const PictureName& name);
+
+// Walks the elements of the group storage from the element index `start` on (`Name` and `Parent`
+// count as elements, but are not delivered) and hands each picture to `take`, until take returns
+// TakePicture::Stop or the elements end.
+enum class TakePicture { Continue, Stop };
+void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
+                  const std::function<TakePicture(const StoredPicture&)>& take);
+
+// The element indexes of the group's pictures, ascending (for paging by element index).
+std::vector<std::size_t> pictureIndexes(const Library& library, const GroupAddress& group);
+
+// Renames stream and record. Exists when another picture has the new name in any case, InvalidName,
+// NotFound. A missing record is no error; a stale one under the new name is replaced.
+void renamePicture(const Library& library, const GroupAddress& group, const PictureName& from,
+                   const PictureName& to);
+
+// Removes stream and record; an empty name does nothing, a missing record is no error.
+void deletePicture(const Library& library, const GroupAddress& group, const PictureName& name);
+
+// Writes the picture's bytes to FOLDER/BASE.TYPE (type code in upper case) and returns that path;
+// an earlier file of that name is replaced, a link of that name is never followed.
+std::filesystem::path exportPicture(const Library& library, const GroupAddress& group,
+                                    const PictureName& name, const std::filesystem::path& folder,
+                                    const std::string& baseName);
+
+} // namespace store

@@ -1,0 +1,32 @@
+// The picture record: "h" HEIGHT "w" WIDTH "t" TYPE, sizes in pixels as single-precision decimals,
+// for example h48w64tGIF or h31,5w64tBMP.
+#pragma once
+
+#include "store/library.h"
+
+#include <string>
+#include <string_view>
+
+namespace store {
+
+struct PictureRecord {
+    float height = 0; // pixels; 0 when the record is missing or garbled
+    float width = 0;
+    std::string type; // one of the seven type codes; empty when the record is missing or garbled
+};
+
+// The seven type codes in the order of testing; what matches none of them is "JPG".
+// `fileName` is a file's name or path; its last three characters decide.
+std::string typeCodeOf(std::u16string_view fileName);
+
+PictureRecord recordOf(const TwipSize& size, std::string type);
+
+// Shortest decimal text that gives the number back (7 digits at most), no grouping.
+std::string numberText(float number, char16_t decimalSeparator);
+
+std::string formatRecord(const PictureRecord& record, char16_t decimalSeparator);
+
+// Strict: anything that is no record gives the empty record. Takes "." and "," for the separator.
+PictureRecord parseRecord(std::string_view text);
+
+} // namespace store
