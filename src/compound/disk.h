@@ -84,6 +84,11 @@ class Disk {
     virtual void renameWithoutReplacing(const std::filesystem::path& from,
                                         const std::filesystem::path& to) = 0;
 
+    // Renames within one folder, atomically taking the place of `to`, whose content the caller has
+    // made durable in `from`. A link at `to` is resolved: its target is replaced.
+    virtual void renameReplacing(const std::filesystem::path& from,
+                                 const std::filesystem::path& to) = 0;
+
     // Makes the folder's entries (created, renamed, removed files) durable.
     virtual void syncFolder(const std::filesystem::path& folder) = 0;
 
@@ -91,8 +96,8 @@ class Disk {
     // there is none; never unlinks it.
     virtual void trash(const std::filesystem::path& path) = 0;
 
-    // Unlinks a file that this program created for its own use (a temporary file). Missing is no
-    // error.
+    // Unlinks a file that this program created for its own use (a temporary file), or whose whole
+    // content it has made durable under another name. Missing is no error.
     virtual void removeTemporary(const std::filesystem::path& path) = 0;
 
   protected:
