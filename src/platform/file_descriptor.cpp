@@ -1,0 +1,136 @@
+#include "platform/file_descriptor.h"
+
+#include "compound/error.h"
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+using compound::systemError;
+
+constexpr mode_t kPermissionBits = 07777;
+constexpr mode_t kNewFileMode = 0666;
+
+void requireRegular(const struct stat& status, const std::filesystem::path& path) {
+    if (!S_ISREG(status.st_mode))
+        throw Error(ErrorCode::Failed, path, "not a regular file");
+}
+
+void copyBytes(const FileDescriptor& source, const std::filesystem::path& from,
+               const FileDescriptor& target, const std::filesystem::path& to) {
+    std::array<char, std::size_t{64} * 1024> buffer;
+    for (;;) {
+        const ssize_t count = ::read(source.get(), buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw systemError(errno, from, "read");
+        if (count == 0)
+            return;
+        for (ssize_t done = 0; done < count;) {
+            const ssize_t written =
+                ::write(target.get(), buffer.data() + done, static_cast<std::size_t>(count - done));
+            if (written < 0 && errno != EINTR)
+                throw systemError(errno, to, "write");
+            done += written < 0 ? 0 : written;
+        }
+    }
+}
+
+// For file systems without the atomic call: a second link fails when the name is taken, and until
+// the first one is gone the file merely has two names.
+void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to) {
+    if (::link(from.c_str(), to.c_str()) == 0) {
+        if (::unlink(from.c_str()) != 0) {
+            const int cause = errno;
+            ::unlink(to.c_str());
+            throw systemError(cause, from, "rename");
+        }
+        return;
+    }
+    if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS)
+        throw systemError(errno, errno == EEXIST ? to : from, "rename");
+    struct stat status {};
+    if (::lstat(to.c_str(), &status) == 0)
+        throw systemError(EEXIST, to, "rename");
+    if (::rename(from.c_str(), to.c_str()) != 0)
+        throw systemError(errno, from, "rename");
+}
+
+} // namespace
+
+FileDescriptor::~FileDescriptor() {
+    if (number_ >= 0)
+        ::close(number_);
+}
+
+FileDescriptor openRegularFile(const std::filesystem::path& path, int flags) {
+    // Looked at before opening too, because merely opening some devices has effects; without
+    // O_NONBLOCK a pipe put there in between would make the opening wait for a writer.
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        throw systemError(errno, path, "open");
+    requireRegular(status, path);
+    FileDescriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0)
+        throw systemError(errno, path, "open");
+    requireRegular(status, path);
+    return descriptor;
+}
+
+FileDescriptor createFile(const std::filesystem::path& path) {
+    FileDescriptor descriptor(
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode));
+    if (!descriptor.isOpen())
+        throw systemError(errno, path, "create");
+    return descriptor;
+}
+
+void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to) {
+    const FileDescriptor source = openRegularFile(from, O_RDONLY);
+    const FileDescriptor target = createFile(to);
+    try {
+        copyBytes(source, from, target, to);
+        struct stat status {};
+        if (::fstat(source.get(), &status) == 0)
+            (void)::fchmod(target.get(), status.st_mode & kPermissionBits);
+        if (::fsync(target.get()) != 0)
+            throw systemError(errno, to, "sync");
+    } catch (...) {
+        ::unlink(to.c_str());
+        throw;
+    }
+}
+
+void renameFileWithoutReplacing(const std::filesystem::path& from,
+                                const std::filesystem::path& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return;
+    if (errno == EINVAL || errno == ENOSYS)
+        return renameByLinking(from, to);
+    throw systemError(errno, errno == EEXIST ? to : from, "rename");
+}
+
+void syncFolderEntries(const std::filesystem::path& folder) {
+    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor.isOpen())
+        throw systemError(errno, folder, "open");
+    if (::fsync(descriptor.get()) != 0 && errno != EINVAL && errno != EROFS)
+        throw systemError(errno, folder, "sync");
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& path) {
+    return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+}
+
+} // namespace platform

@@ -1,0 +1,46 @@
+// A file descriptor that closes itself, and the durable copy that both the disk and the trash need
+// where a rename cannot cross volumes.
+#pragma once
+
+#include <filesystem>
+#include <utility>
+
+namespace platform {
+
+class FileDescriptor {
+  public:
+    explicit FileDescriptor(int number = -1) : number_(number) {}
+    ~FileDescriptor();
+    FileDescriptor(FileDescriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+        std::swap(number_, other.number_);
+        return *this;
+    }
+
+    int get() const { return number_; }
+    bool isOpen() const { return number_ >= 0; }
+
+  private:
+    int number_;
+};
+
+// Opens an existing regular file with open(2) `flags`; throws compound::Error naming `path`.
+FileDescriptor openRegularFile(const std::filesystem::path& path, int flags);
+
+// Creates `path`, which must not exist (compound::ErrorCode::Exists), for reading and writing.
+FileDescriptor createFile(const std::filesystem::path& path);
+
+// Writes a new file `to` with the content and permissions of `from` and syncs it. A failure leaves
+// no `to` behind; `from` is never changed.
+void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Renames; throws Exists, with nothing changed, when `to` is taken.
+void renameFileWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// Makes the entries of `folder` durable. A file system that cannot sync folders is no error.
+void syncFolderEntries(const std::filesystem::path& folder);
+
+// The folder that holds `path`; "." for a bare name.
+std::filesystem::path folderOf(const std::filesystem::path& path);
+
+} // namespace platform

@@ -1,0 +1,16 @@
+// Where files of the user's go when the program takes them out of a library.
+#pragma once
+
+#include <filesystem>
+
+namespace platform {
+
+// Moves the file to the desktop's trash; where that is impossible (no trash on the volume, a name
+// the desktop cannot express) to keptFolder(). Under TXSGRAPHICSLIB_HOME it goes to trashFolder()
+// instead. A file of the same name that is there already stays; the new one gets a number. Both
+// folders are synced before returning.
+//
+// Throws compound::Error naming the file, which then is still where it was.
+void moveToTrash(const std::filesystem::path& file);
+
+} // namespace platform
