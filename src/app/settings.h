@@ -1,0 +1,67 @@
+// The state that the whole program shares: the paths, the temporary folder, and what is remembered
+// from one run to the next. One instance; everything runs on one thread.
+//
+// Texts are kept exactly as configured and joined ("C:\TalvixStudio\Common\Graphics\Storages\");
+// the functions that return a std::filesystem::path convert to this system (platform/paths.h).
+#pragma once
+
+#include "platform/settings_backend.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <filesystem>
+
+namespace app {
+
+class Settings {
+  public:
+    explicit Settings(platform::SettingsBackend& backend);
+
+    // Reads `LCID`, chooses the language and builds the text table. First step of every start.
+    void chooseLanguage();
+
+    // Reads `Common` (once for each of the two paths built from it), makes the temporary folder,
+    // reads `Drive` and `Path`. Where no `Common` is configured, the default storages folder is
+    // created; a configured one never is. A missing or unreadable folder is not an error here.
+    // Throws compound::Error only when no temporary folder can be made.
+    void readPaths();
+
+    // Reads `CurrentGroup` (the key S/T of the group last selected; empty for none).
+    void readCurrentGroup();
+
+    // Writes `CurrentGroup`, `Drive` and `Path`, in this order. Throws compound::Error naming the
+    // settings file; what was written before the failure stays written.
+    void save();
+
+    const QString& storagesFolder() const { return storagesFolder_; }
+    const QString& helpFile() const { return helpFile_; }
+    const QString& temporaryFolder() const { return temporaryFolder_; } // ends in a separator
+    std::filesystem::path storagesFolderPath() const;
+    std::filesystem::path helpFilePath() const;
+    std::filesystem::path temporaryFolderPath() const;
+
+    const QString& drive() const { return drive_; }
+    void setDrive(const QString& drive) { drive_ = drive; }
+    const QString& path() const { return path_; }
+    void setPath(const QString& path) { path_ = path; }
+    const QString& currentGroup() const { return currentGroup_; }
+    void setCurrentGroup(const QString& key) { currentGroup_ = key; }
+
+  private:
+    QString readCommon() const;
+    void createDefaultStoragesFolder() const;
+
+    platform::SettingsBackend& backend_;
+    QString storagesFolder_;
+    QString helpFile_;
+    QString temporaryFolder_;
+    QString drive_;
+    QString path_;
+    QString currentGroup_;
+};
+
+// The program's instance, on the native backend.
+Settings& settings();
+
+} // namespace app

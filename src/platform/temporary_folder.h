@@ -1,0 +1,46 @@
+// The program's folder for temporary pictures: its own for each process, readable by its user only.
+#pragma once
+
+#include "platform/file_descriptor.h"
+
+#include <QString>
+
+#include <filesystem>
+
+namespace platform {
+
+enum class CopiedPicture { Remove, Keep };
+
+// A private folder below `parent` (mode 0700, locked by the kernel for as long as the object
+// lives, so that other processes can tell it from the leftover of a dead one). The constructor
+// removes such leftovers of the same user. Throws compound::Error naming the folder.
+class TemporaryFolder {
+  public:
+    explicit TemporaryFolder(const QString& parent);
+    ~TemporaryFolder(); // as wipe(CopiedPicture::Remove)
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    // With a trailing separator, at most kLongestTemporaryPath characters.
+    const QString& path() const { return path_; }
+
+    // Removes everything in the folder and the folder itself. Keep leaves the files named
+    // "CopiedPicture" and a type, and so the folder, to the client that was given their path.
+    void wipe(CopiedPicture copiedPicture);
+
+  private:
+    QString path_;
+    FileDescriptor lock_;
+    bool isWiped_ = false;
+};
+
+inline constexpr int kLongestTemporaryPath = 254;
+
+// The process's temporary folder, made at the first call below the system's temporary path (or
+// TXSGRAPHICSLIB_HOME/tmp), or in the program's data folder when nothing can be made there.
+QString temporaryFolder();
+
+// The same folder's end; call it when the program ends.
+void wipeTemporaryFolder(CopiedPicture copiedPicture);
+
+} // namespace platform
