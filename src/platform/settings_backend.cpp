@@ -1,0 +1,159 @@
+#include "platform/settings_backend.h"
+
+#include "compound/error.h"
+#include "platform/native_disk.h"
+#include "platform/paths.h"
+#include "platform/settings_file.h"
+#include "platform/trash.h"
+
+#include <QDir>
+#include <QSaveFile>
+#include <QSet>
+#include <QSettings>
+
+#include <iostream>
+#include <span>
+
+namespace platform {
+
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+
+#ifdef Q_OS_WIN
+
+class RegistrySettings final : public SettingsBackend {
+  public:
+    QString read(Hive hive, const QString& key, const QString& name,
+                 const QString& fallback) override {
+        const QString root = hive == Hive::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE\\")
+                                                        : QStringLiteral("HKEY_CURRENT_USER\\");
+        for (const QSettings::Format view :
+             {QSettings::Registry64Format, QSettings::Registry32Format}) {
+            const QVariant value = QSettings(root + key, view).value(name);
+            if (value.isValid())
+                return value.toString();
+        }
+        return fallback;
+    }
+
+    void write(const QString& key, const QString& name, const QString& value) override {
+        QSettings registry(QStringLiteral("HKEY_CURRENT_USER\\") + key, QSettings::NativeFormat);
+        registry.setValue(name, value);
+        registry.sync();
+        if (registry.status() != QSettings::NoError)
+            throw Error(ErrorCode::Denied, toFilePath(key), "write to the registry");
+    }
+};
+
+#endif
+
+QString machineFile(const QString& folder) {
+    return joinPath(folder, QStringLiteral("machine.conf"));
+}
+
+QString userFile() {
+    return joinPath(userSettingsFolder(), QStringLiteral("user.conf"));
+}
+
+// A start reads several values from one file and shall not repeat itself.
+void reportOnce(const std::string& message) {
+    static QSet<QString> reported;
+    const QString text = QString::fromStdString(message);
+    if (reported.contains(text))
+        return;
+    reported.insert(text);
+    std::cerr << message << '\n';
+}
+
+// Throws compound::Error when the file cannot be reached, and Damaged when its content is no
+// settings file.
+SettingsFile load(const QString& path) {
+    const std::filesystem::path file = toFilePath(path);
+    const auto disk = nativeDisk().open(file, compound::Access::Read);
+    const std::uint64_t size = disk->size();
+    if (size > static_cast<std::uint64_t>(kMaximumSettingsBytes))
+        throw Error(ErrorCode::Damaged, file, "too large for a settings file");
+    QByteArray bytes(static_cast<qsizetype>(size), '\0');
+    const std::size_t count = disk->read(
+        0, std::as_writable_bytes(std::span(bytes.data(), static_cast<std::size_t>(bytes.size()))));
+    bytes.truncate(static_cast<qsizetype>(count));
+    std::optional<SettingsFile> settings = SettingsFile::parse(bytes);
+    if (!settings)
+        throw Error(ErrorCode::Damaged, file, "not a settings file");
+    for (const int line : settings->oddLines())
+        reportOnce(file.string() + ": line " + std::to_string(line) + " is not understood");
+    return *std::move(settings);
+}
+
+// The value in one file. Settings that cannot be read must not keep anybody from the library, so
+// what is wrong with them is told and the next source asked.
+std::optional<QString> valueIn(const QString& path, const QString& key, const QString& name) {
+    try {
+        return load(path).value(key, name);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NotFound)
+            reportOnce(std::string(error.what()) + "; defaults are used");
+        return std::nullopt;
+    }
+}
+
+SettingsFile loadForWriting(const QString& path) {
+    try {
+        return load(path);
+    } catch (const Error& error) {
+        if (error.code() == ErrorCode::Damaged)
+            moveToTrash(toFilePath(path));
+        else if (error.code() != ErrorCode::NotFound)
+            throw;
+        return {};
+    }
+}
+
+class FileSettings final : public SettingsBackend {
+  public:
+    QString read(Hive hive, const QString& key, const QString& name,
+                 const QString& fallback) override {
+        QStringList files;
+        if (hive == Hive::CurrentUser) {
+            files += userFile();
+        } else {
+            for (const QString& folder : systemSettingsFolders())
+                files += machineFile(folder);
+            files += machineFile(userSettingsFolder());
+        }
+        for (const QString& file : files)
+            if (const std::optional<QString> value = valueIn(file, key, name))
+                return *value;
+        return fallback;
+    }
+
+    void write(const QString& key, const QString& name, const QString& value) override {
+        const QString path = userFile();
+        if (!QDir().mkpath(userSettingsFolder()))
+            throw Error(ErrorCode::Denied, toFilePath(userSettingsFolder()),
+                        "the folder cannot be created");
+        SettingsFile settings = loadForWriting(path);
+        settings.setValue(key, name, value);
+        const QByteArray bytes = settings.toBytes();
+        QSaveFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+            throw Error(ErrorCode::Failed, toFilePath(path),
+                        "write: " + file.errorString().toStdString());
+    }
+};
+
+} // namespace
+
+SettingsBackend& nativeSettings() {
+#ifdef Q_OS_WIN
+    static RegistrySettings registry;
+    if (homeRoot().isEmpty())
+        return registry;
+#endif
+    static FileSettings files;
+    return files;
+}
+
+} // namespace platform

@@ -1,0 +1,140 @@
+#include "platform/temporary_folder.h"
+
+#include "compound/error.h"
+#include "platform/paths.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+using compound::Error;
+
+// A folder this young may belong to a process that has not locked it yet.
+constexpr qint64 kStartUpSeconds = 60;
+const QString kCopiedPicture = QStringLiteral("CopiedPicture.");
+
+QString namePrefix() {
+    return QStringLiteral("TXSGraphicsLib-%1-").arg(::geteuid());
+}
+
+FileDescriptor openFolder(const QString& path) {
+    return FileDescriptor(::open(QFile::encodeName(path).constData(),
+                                 O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+bool tryLock(const FileDescriptor& folder) {
+    return folder.isOpen() && ::flock(folder.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+bool isOwnedByUser(const FileDescriptor& folder) {
+    struct stat status {};
+    return ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid();
+}
+
+// Whatever cannot be removed is the next start's business.
+void removeLeftovers(const QString& parent) {
+    const QDir::Filters folders =
+        QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot;
+    const QDateTime youngest = QDateTime::currentDateTime().addSecs(-kStartUpSeconds);
+    QDirIterator leftovers(parent, {namePrefix() + u'*'}, folders);
+    while (leftovers.hasNext()) {
+        const QString path = leftovers.next();
+        if (leftovers.fileInfo().lastModified() > youngest)
+            continue;
+        const FileDescriptor folder = openFolder(path);
+        if (tryLock(folder) && isOwnedByUser(folder))
+            QDir(path).removeRecursively();
+    }
+}
+
+std::unique_ptr<TemporaryFolder>& processFolder() {
+    static std::unique_ptr<TemporaryFolder> folder;
+    return folder;
+}
+
+std::unique_ptr<TemporaryFolder> makeProcessFolder() {
+    const QString spare = joinPath(dataFolder(), QStringLiteral("tmp"));
+    const QString parent =
+        homeRoot().isEmpty() ? QDir::tempPath() : joinPath(homeRoot(), QStringLiteral("tmp"));
+    try {
+        return std::make_unique<TemporaryFolder>(parent);
+    } catch (const Error&) {
+        return std::make_unique<TemporaryFolder>(spare);
+    }
+}
+
+} // namespace
+
+TemporaryFolder::TemporaryFolder(const QString& parent) {
+    (void)QDir().mkpath(parent);
+    removeLeftovers(parent);
+    const QString pattern =
+        joinPath(parent, namePrefix() + QStringLiteral("%1-XXXXXX").arg(::getpid()));
+    QByteArray name = QFile::encodeName(pattern);
+    if (::mkdtemp(name.data()) == nullptr)
+        throw compound::systemError(errno, toFilePath(parent), "create a temporary folder");
+    path_ = QFile::decodeName(name) + u'/';
+    lock_ = openFolder(path_);
+    if (path_.size() > kLongestTemporaryPath) {
+        wipe(CopiedPicture::Remove);
+        throw compound::systemError(ENAMETOOLONG, toFilePath(parent), "create a temporary folder");
+    }
+    if (!tryLock(lock_)) {
+        const int cause = errno;
+        wipe(CopiedPicture::Remove);
+        throw compound::systemError(cause, toFilePath(parent), "lock the temporary folder");
+    }
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    wipe(CopiedPicture::Remove);
+}
+
+void TemporaryFolder::wipe(CopiedPicture copiedPicture) {
+    if (isWiped_)
+        return;
+    isWiped_ = true;
+    const QDir folder(path_);
+    const QDir::Filters everything =
+        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
+    for (const QFileInfo& entry : folder.entryInfoList(everything)) {
+        const QString name = entry.fileName();
+        const bool isClients = name.startsWith(kCopiedPicture, Qt::CaseInsensitive);
+        if (isClients && copiedPicture == CopiedPicture::Keep)
+            continue;
+        if (entry.isDir() && !entry.isSymLink())
+            QDir(entry.filePath()).removeRecursively();
+        else
+            QFile::remove(entry.filePath());
+    }
+    // Fails, as it shall, when the client's picture is still in it.
+    (void)QDir().rmdir(path_);
+}
+
+QString temporaryFolder() {
+    if (!processFolder())
+        processFolder() = makeProcessFolder();
+    return processFolder()->path();
+}
+
+void wipeTemporaryFolder(CopiedPicture copiedPicture) {
+    if (processFolder())
+        processFolder()->wipe(copiedPicture);
+    processFolder().reset();
+}
+
+} // namespace platform
