@@ -1,0 +1,100 @@
+// The window that stores picture files in a group: browse to a file, see it fitted into the
+// preview, name it, save it. It stays open, so that several files can be stored one after another.
+#pragma once
+
+#include "app/twips.h"
+#include "store/library.h"
+
+#include <QDialog>
+#include <QPixmap>
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace editing {
+
+class DriveList;
+class FileList;
+class FolderBrowser;
+class FolderList;
+class PictureBox;
+
+// The group that pictures go to, as it was when the window was opened. No address: saving tells the
+// user that no group is selected.
+struct TargetGroup {
+    std::optional<store::GroupAddress> address;
+    QString name;
+};
+
+// The fitted preview box for a picture of this height and width (any unit, whole numbers), in twips
+// relative to the preview's frame. At most 1395 wide and 1185 high. A wide picture's height is
+// scaled from 1185 and not from 1395, which shows it slightly stretched; that is intended. A side
+// of zero gives the square box.
+app::TwipRect previewRect(int height, int width);
+
+class frmOpen : public QDialog {
+    Q_OBJECT
+
+  public:
+    // `Aktualisieren` refreshes the main window; it runs when the user goes back by button.
+    frmOpen(QWidget* owner, std::function<void()> Aktualisieren);
+    ~frmOpen() override;
+
+    // Opens the window modally for `target` and returns when it is closed. The drive and folder
+    // that the user browses to are remembered in app::settings(). The library is copied.
+    void openFor(const store::Library& library, TargetGroup target);
+
+    // The opening alone: captions, position, one check of all group files, drive, folder.
+    void load(const store::Library& library, TargetGroup target);
+
+    // Tests every group file and sets aside the damaged ones; returns how many are sound.
+    int Scan();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void makeControls();
+    void makePreview();
+    void placeControls();
+    void connectControls();
+    void setCaptions();
+    void centreOnScreen();
+    void clearPicture();
+
+    void openFile(const QString& fileName);
+    void VorschauAnpassen();
+    void save();
+    std::optional<QString> refusal() const;
+    void store(const store::GroupAddress& group, const store::PictureName& name);
+    void goBack();
+    int tell(int textId);
+
+    std::function<void()> Aktualisieren_;
+    std::optional<store::Library> library_;
+    TargetGroup target_;
+    bool isInvalidPicture_ = false;
+
+    QGroupBox* fraOrdner_ = nullptr;
+    DriveList* drvDrive_ = nullptr;
+    FolderList* dirOrdner_ = nullptr;
+    QGroupBox* fraDatei_ = nullptr;
+    FileList* filDatei_ = nullptr;
+    QGroupBox* fraVorschau_ = nullptr;
+    PictureBox* imgVorschau_ = nullptr;
+    PictureBox* picBild_ = nullptr;
+    QLabel* lblName_ = nullptr;
+    QLineEdit* txtName_ = nullptr;
+    QPushButton* cmdOK_ = nullptr;
+    QPushButton* cmdAbbruch_ = nullptr;
+    QPushButton* cmdHilfe_ = nullptr;
+    FolderBrowser* browser_ = nullptr;
+};
+
+} // namespace editing
