@@ -102,8 +102,9 @@ QStringList mountedVolumes(const QByteArray& mountTable) {
         if (separator < 0 || separator + 1 >= fields.size())
             continue;
         const QString point = fromFilePath(unescaped(fields.at(kMountPointField)).toStdString());
-        if (point != u'/' && !isKernelFileSystem(fields.at(separator + 1)) &&
-            !isSystemMount(point) && !volumes.contains(point))
+        if (point.startsWith(u'/') && point.size() > 1 &&
+            !isKernelFileSystem(fields.at(separator + 1)) && !isSystemMount(point) &&
+            !volumes.contains(point))
             volumes += point;
     }
     volumes.sort(Qt::CaseInsensitive);

@@ -81,8 +81,11 @@ std::optional<SettingsFile> SettingsFile::parse(const QByteArray& bytes) {
     QStringList lines = text.split(u'\n');
     if (lines.last().isEmpty())
         lines.removeLast();
-    for (const QString& line : lines)
-        file.addLine(line.endsWith(u'\r') ? line.chopped(1) : line, key);
+    for (QString& line : lines) {
+        while (line.endsWith(u'\r'))
+            line.chop(1);
+        file.addLine(line, key);
+    }
     return file;
 }
 

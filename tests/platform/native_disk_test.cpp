@@ -1,0 +1,217 @@
+#include "compound/error.h"
+#include "platform/native_disk.h"
+#include "platform/own_home.h"
+
+#include <array>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using compound::Access;
+using compound::ErrorCode;
+using platform::nativeDisk;
+using std::chrono::milliseconds;
+namespace fs = std::filesystem;
+
+class NativeDiskTest : public testing::Test {
+  protected:
+    fs::path at(const std::string& name) const { return home_.root().toStdString() + "/" + name; }
+
+    void write(const std::string& name, const std::string& content) const {
+        home_.write(QString::fromStdString(name), QByteArray::fromStdString(content));
+    }
+
+    std::string read(const std::string& name) const {
+        return home_.read(QString::fromStdString(name)).toStdString();
+    }
+
+    OwnHome home_;
+};
+
+template <typename Action>
+ErrorCode codeOf(Action action) {
+    try {
+        action();
+    } catch (const compound::Error& error) {
+        EXPECT_FALSE(error.file().empty());
+        return error.code();
+    }
+    ADD_FAILURE() << "no error";
+    return ErrorCode::Failed;
+}
+
+std::span<const std::byte> bytesOf(const std::string& text) {
+    return std::as_bytes(std::span(text));
+}
+
+std::string textAt(compound::DiskFile& file, std::uint64_t offset, std::size_t length) {
+    std::string text(length, '?');
+    text.resize(file.read(offset, std::as_writable_bytes(std::span(text))));
+    return text;
+}
+
+TEST_F(NativeDiskTest, readsAndWritesAnywhereInAFile) {
+    const auto file = nativeDisk().create(at("a"));
+    file->write(4, bytesOf("tail"));
+    file->write(0, bytesOf("head"));
+    EXPECT_EQ(textAt(*file, 2, 4), "adta");
+    EXPECT_EQ(textAt(*file, 6, 100), "il");
+    EXPECT_EQ(textAt(*file, 100, 4), "");
+    file->truncate(2);
+    file->sync();
+    EXPECT_EQ(file->size(), 2U);
+    EXPECT_EQ(read("a"), "he");
+    EXPECT_EQ(codeOf([&] { nativeDisk().create(at("a")); }), ErrorCode::Exists);
+}
+
+// Opening a pipe for reading would wait for somebody who writes to it.
+TEST_F(NativeDiskTest, refusesWhatIsNoRegularFileWithoutWaiting) {
+    ASSERT_EQ(::mkfifo(at("pipe.bmp").c_str(), 0600), 0);
+    fs::create_directory(at("folder.stg"));
+    fs::create_symlink("pipe.bmp", at("link.bmp"));
+    for (const char* name : {"pipe.bmp", "folder.stg", "link.bmp"})
+        for (const Access access : {Access::Read, Access::ReadWrite})
+            EXPECT_EQ(codeOf([&] { nativeDisk().open(at(name), access); }), ErrorCode::Failed)
+                << name;
+    EXPECT_EQ(codeOf([&] { nativeDisk().open(at("none"), Access::Read); }), ErrorCode::NotFound);
+}
+
+TEST_F(NativeDiskTest, opensAReadOnlyFileForReadingOnly) {
+    write("a", "text");
+    const auto file = nativeDisk().open(at("a"), Access::Read);
+    EXPECT_EQ(textAt(*file, 0, 4), "text");
+    EXPECT_THROW(file->write(0, bytesOf("x")), compound::Error);
+    EXPECT_EQ(read("a"), "text");
+}
+
+TEST_F(NativeDiskTest, locksEveryOtherHandleOutUntilTheHolderGoes) {
+    write("a", "");
+    auto holder = nativeDisk().open(at("a"), Access::Read);
+    const auto other = nativeDisk().open(at("a"), Access::ReadWrite);
+    EXPECT_TRUE(holder->lock(milliseconds(0)));
+    EXPECT_FALSE(other->lock(milliseconds(30)));
+    std::thread release([&] {
+        std::this_thread::sleep_for(milliseconds(20));
+        holder.reset();
+    });
+    EXPECT_TRUE(other->lock(milliseconds(20000)));
+    release.join();
+}
+
+TEST_F(NativeDiskTest, noticesThatThePathNamesAnotherFile) {
+    write("a", "old");
+    write("b", "new");
+    const auto file = nativeDisk().open(at("a"), Access::Read);
+    EXPECT_TRUE(file->isStillAtPath());
+    nativeDisk().renameReplacing(at("b"), at("a"));
+    EXPECT_FALSE(file->isStillAtPath());
+    fs::remove(at("a"));
+    EXPECT_FALSE(file->isStillAtPath());
+}
+
+TEST_F(NativeDiskTest, renamesWithoutReplacing) {
+    write("a", "one");
+    write("b", "two");
+    EXPECT_EQ(codeOf([&] { nativeDisk().renameWithoutReplacing(at("a"), at("b")); }),
+              ErrorCode::Exists);
+    EXPECT_EQ(read("a"), "one");
+    EXPECT_EQ(read("b"), "two");
+    nativeDisk().renameWithoutReplacing(at("a"), at("c"));
+    EXPECT_FALSE(nativeDisk().exists(at("a")));
+    EXPECT_EQ(read("c"), "one");
+    EXPECT_EQ(codeOf([&] { nativeDisk().renameWithoutReplacing(at("a"), at("d")); }),
+              ErrorCode::NotFound);
+}
+
+TEST_F(NativeDiskTest, replacesTheTargetOfALinkAndKeepsTheLink) {
+    fs::create_directory(at("elsewhere"));
+    write("elsewhere/real", "old");
+    write("new", "new");
+    fs::create_symlink("elsewhere/real", at("link"));
+    nativeDisk().renameReplacing(at("new"), at("link"));
+    EXPECT_TRUE(fs::is_symlink(at("link")));
+    EXPECT_EQ(read("elsewhere/real"), "new");
+}
+
+TEST_F(NativeDiskTest, tellsRegularFilesFromTheRestInAFolder) {
+    write("library/a.stg", "");
+    fs::create_directory(at("library/sub.stg"));
+    ASSERT_EQ(::mkfifo(at("library/pipe.stg").c_str(), 0600), 0);
+    fs::create_symlink("a.stg", at("library/link.stg"));
+    fs::create_symlink("gone", at("library/dangling.stg"));
+    std::set<std::string> regular;
+    const auto entries = nativeDisk().list(at("library"));
+    for (const auto& entry : entries)
+        if (entry.isRegularFile)
+            regular.insert(entry.name.string());
+    EXPECT_EQ(entries.size(), 5U);
+    EXPECT_EQ(regular, (std::set<std::string>{"a.stg", "link.stg"}));
+    EXPECT_EQ(codeOf([&] { nativeDisk().list(at("none")); }), ErrorCode::NotFound);
+}
+
+TEST_F(NativeDiskTest, copiesPermissions) {
+    write("a", "");
+    fs::permissions(at("a"), fs::perms(0640));
+    const auto from = nativeDisk().open(at("a"), Access::Read);
+    const auto to = nativeDisk().create(at("b"));
+    nativeDisk().copyAttributes(*from, *to);
+    EXPECT_EQ(fs::status(at("b")).permissions(), fs::perms(0640));
+}
+
+// Two groups of one name that are removed one after the other must both be found in the trash.
+TEST_F(NativeDiskTest, keepsEveryTrashedFile) {
+    for (const char* content : {"first", "second", "third"}) {
+        write("library/Pumps.stg", content);
+        nativeDisk().trash(at("library/Pumps.stg"));
+        EXPECT_FALSE(nativeDisk().exists(at("library/Pumps.stg")));
+    }
+    EXPECT_EQ(read("trash/Pumps.stg"), "first");
+    EXPECT_EQ(read("trash/Pumps.stg.2"), "second");
+    EXPECT_EQ(read("trash/Pumps.stg.3"), "third");
+    EXPECT_EQ(codeOf([&] { nativeDisk().trash(at("library/Pumps.stg")); }), ErrorCode::NotFound);
+}
+
+TEST_F(NativeDiskTest, leavesAFileWhereItIsWhenTheTrashCannotTakeIt) {
+    write("trash", "a file where the folder should be");
+    write("a.stg", "kept");
+    EXPECT_THROW(nativeDisk().trash(at("a.stg")), compound::Error);
+    EXPECT_EQ(read("a.stg"), "kept");
+}
+
+// The desktop's trash knows files by text, so a name that is none has to go elsewhere.
+TEST_F(NativeDiskTest, usesTheDesktopsTrashAndKeepsWhatItCannotName) {
+    qunsetenv(platform::kHomeVariable);
+    qputenv("XDG_DATA_HOME", home_.at("share").toUtf8());
+    fs::create_directory(at("share"));
+    write("library/a.err", "plain");
+    write("library/odd", "odd");
+    fs::rename(at("library/odd"), at("library/odd\xff.err"));
+    nativeDisk().trash(at("library/a.err"));
+    nativeDisk().trash(at("library/odd\xff.err"));
+    qunsetenv("XDG_DATA_HOME");
+    EXPECT_TRUE(fs::is_empty(at("library")));
+    EXPECT_EQ(read("share/Trash/files/a.err"), "plain");
+    EXPECT_TRUE(fs::exists(at("share/TXSGraphicsLib/kept/odd\xff.err")));
+}
+
+// Shared memory lies on another volume than the temporary folder, so a rename cannot do it.
+TEST_F(NativeDiskTest, movesAFileToTheTrashOfAnotherVolume) {
+    const fs::path volume = "/dev/shm";
+    std::string name = (volume / "txs-XXXXXX").string();
+    if (!fs::exists(volume) || ::mkdtemp(name.data()) == nullptr)
+        GTEST_SKIP() << "no second volume";
+    const fs::path file = fs::path(name) / "a.err";
+    nativeDisk().create(file)->write(0, bytesOf("content"));
+    nativeDisk().trash(file);
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(read("trash/a.err"), "content");
+    fs::remove(name);
+}
+
+} // namespace

@@ -1,0 +1,68 @@
+#include "platform/own_home.h"
+#include "platform/temporary_folder.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <optional>
+#include <unistd.h>
+
+namespace {
+
+using platform::CopiedPicture;
+using platform::TemporaryFolder;
+namespace fs = std::filesystem;
+
+class TemporaryFolderTest : public testing::Test {
+  protected:
+    QString leftover(int number) const {
+        return home_.at(QStringLiteral("TXSGraphicsLib-%1-99-%2").arg(::geteuid()).arg(number));
+    }
+
+    void makeOld(const QString& path) const {
+        const auto old = fs::file_time_type::clock::now() - std::chrono::hours(1);
+        fs::last_write_time(path.toStdString(), old);
+    }
+
+    OwnHome home_;
+};
+
+TEST_F(TemporaryFolderTest, isPrivateAndGoesWithItsContent) {
+    std::optional<TemporaryFolder> folder(std::in_place, home_.root());
+    const fs::path path = folder->path().toStdString();
+    EXPECT_TRUE(folder->path().endsWith(u'/'));
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700));
+    fs::create_directories(path / "sub" / "deeper");
+    home_.write("kept", "");
+    fs::create_symlink(home_.root().toStdString(), path / "link");
+    folder.reset();
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_TRUE(fs::exists(home_.at("kept").toStdString()));
+}
+
+TEST_F(TemporaryFolderTest, leavesTheClientsPictureOnRequest) {
+    TemporaryFolder folder(home_.root());
+    const fs::path path = folder.path().toStdString();
+    for (const char* name : {"CopiedPicture.BMP", "Picture.BMP", "Undo1.BMP"})
+        fs::copy_file("/proc/self/comm", path / name);
+    folder.wipe(CopiedPicture::Keep);
+    EXPECT_TRUE(fs::exists(path / "CopiedPicture.BMP"));
+    EXPECT_FALSE(fs::exists(path / "Picture.BMP"));
+    EXPECT_FALSE(fs::exists(path / "Undo1.BMP"));
+}
+
+TEST_F(TemporaryFolderTest, cleansUpAfterDeadProcessesOnly) {
+    const TemporaryFolder living(home_.root());
+    makeOld(living.path());
+    home_.write(leftover(1).mid(home_.root().size() + 1) + "/Picture.bmp", "");
+    makeOld(leftover(1));
+    QDir().mkpath(leftover(2)); // just made: its process may not have locked it yet
+    QDir().mkpath(home_.at("precious"));
+    fs::create_directory_symlink(home_.at("precious").toStdString(), leftover(3).toStdString());
+    const TemporaryFolder next(home_.root());
+    EXPECT_TRUE(fs::exists(living.path().toStdString()));
+    EXPECT_FALSE(fs::exists(leftover(1).toStdString()));
+    EXPECT_TRUE(fs::exists(leftover(2).toStdString()));
+    EXPECT_TRUE(fs::exists(home_.at("precious").toStdString()));
+}
+
+} // namespace
