@@ -6,7 +6,6 @@
 #include "store/library.h"
 
 #include <QDialog>
-#include <QPixmap>
 #include <QString>
 
 #include <functional>
@@ -71,10 +70,10 @@ class frmOpen : public QDialog {
     void openFile(const QString& fileName);
     void VorschauAnpassen();
     void save();
-    std::optional<QString> refusal() const;
-    void store(const store::GroupAddress& group, const store::PictureName& name);
+    std::optional<int> refusal() const;
+    void addToGroup(const store::GroupAddress& group, const store::PictureName& name);
     void goBack();
-    int tell(int textId);
+    void tell(int textId);
 
     std::function<void()> Aktualisieren_;
     std::optional<store::Library> library_;
@@ -88,7 +87,7 @@ class frmOpen : public QDialog {
     FileList* filDatei_ = nullptr;
     QGroupBox* fraVorschau_ = nullptr;
     PictureBox* imgVorschau_ = nullptr;
-    PictureBox* picBild_ = nullptr;
+    QWidget* picBild_ = nullptr; // never shown; has the picture's size in pixels
     QLabel* lblName_ = nullptr;
     QLineEdit* txtName_ = nullptr;
     QPushButton* cmdOK_ = nullptr;

@@ -1,0 +1,37 @@
+#include "editing/drive_list.h"
+
+#include "platform/drives.h"
+
+#include <QSignalBlocker>
+
+namespace editing {
+
+DriveList::DriveList(QWidget* parent) : QComboBox(parent) {
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    connect(this, &QComboBox::activated, this, &DriveList::driveChosen);
+}
+
+QString DriveList::drive() const {
+    return currentText();
+}
+
+void DriveList::setDrive(const QString& folder) {
+    refill(folder);
+}
+
+void DriveList::showPopup() {
+    refill(drive());
+    QComboBox::showPopup();
+}
+
+void DriveList::refill(const QString& chosen) {
+    const QSignalBlocker blocker(this);
+    QStringList drives = platform::drives();
+    if (!chosen.isEmpty() && !drives.contains(chosen))
+        drives += chosen;
+    clear();
+    addItems(drives);
+    setCurrentIndex(static_cast<int>(drives.indexOf(chosen)));
+}
+
+} // namespace editing

@@ -1,0 +1,80 @@
+#include "editing/file_list.h"
+
+#include "compound/error.h"
+#include "platform/drives.h"
+#include "platform/native_disk.h"
+#include "platform/paths.h"
+
+#include <QMouseEvent>
+#include <QSignalBlocker>
+
+namespace editing {
+
+namespace {
+
+bool hasSuffix(const QString& name, const QStringList& suffixes) {
+    for (const QString& suffix : suffixes)
+        if (name.endsWith(suffix, Qt::CaseInsensitive))
+            return true;
+    return false;
+}
+
+// The list stays empty for a folder without permission, as for one without pictures.
+QStringList picturesIn(const QString& folder, const QStringList& suffixes) {
+    QStringList names;
+    if (!platform::isListable(folder))
+        return names;
+    try {
+        for (const auto& entry : platform::nativeDisk().list(platform::toFilePath(folder))) {
+            const QString name = platform::fromFilePath(entry.name);
+            if (entry.isRegularFile && hasSuffix(name, suffixes))
+                names += name;
+        }
+    } catch (const compound::Error&) {
+        names.clear();
+    }
+    names.sort(Qt::CaseInsensitive);
+    return names;
+}
+
+} // namespace
+
+FileList::FileList(const QStringList& suffixes, QWidget* parent)
+    : QListWidget(parent), suffixes_(suffixes) {
+    setUniformItemSizes(true);
+    // Under a pressed button the click is announced at its release, so that a box that it may bring
+    // up does not come between press and release.
+    connect(this, &QListWidget::itemSelectionChanged, this, [this] {
+        if (!isPressed_ && !fileName().isEmpty())
+            emit fileClicked(fileName());
+    });
+}
+
+void FileList::setFolder(const QString& folder) {
+    const QSignalBlocker blocker(this);
+    folder_ = folder;
+    clear();
+    addItems(picturesIn(folder, suffixes_));
+}
+
+QString FileList::fileName() const {
+    const QList<QListWidgetItem*> selected = selectedItems();
+    return selected.isEmpty() ? QString() : selected.first()->text();
+}
+
+void FileList::mousePressEvent(QMouseEvent* event) {
+    isPressed_ = true;
+    nameAtPress_ = fileName();
+    QListWidget::mousePressEvent(event);
+}
+
+void FileList::mouseReleaseEvent(QMouseEvent* event) {
+    QListWidget::mouseReleaseEvent(event);
+    const bool wasPressed = std::exchange(isPressed_, false);
+    const QString name = fileName();
+    const bool isOnSelected = itemAt(event->position().toPoint()) == currentItem();
+    if (wasPressed && !name.isEmpty() && (isOnSelected || name != nameAtPress_))
+        emit fileClicked(name);
+}
+
+} // namespace editing

@@ -1,0 +1,60 @@
+#include "editing/folder_browser.h"
+
+#include "app/message_box.h"
+#include "app/settings.h"
+#include "app/texts.h"
+#include "editing/drive_list.h"
+#include "editing/file_list.h"
+#include "editing/folder_list.h"
+#include "platform/paths.h"
+
+#include <QDir>
+
+namespace editing {
+
+FolderBrowser::FolderBrowser(DriveList* drives, FolderList* folders, FileList* files,
+                             UnreadableTexts texts, QWidget* window)
+    : QObject(window),
+      drives_(drives),
+      folders_(folders),
+      files_(files),
+      texts_(texts),
+      window_(window) {
+    connect(drives_, &DriveList::driveChosen, this, &FolderBrowser::changeDrive);
+    connect(folders_, &FolderList::folderChanged, this, &FolderBrowser::changeFolder);
+}
+
+void FolderBrowser::goToRememberedPlace() {
+    isMemorySuppressed_ = true;
+    drives_->setDrive(QDir::cleanPath(platform::nativePath(app::settings().drive())));
+    const QString remembered = app::settings().path();
+    changeDrive();
+    if (!folders_->setFolder(platform::nativePath(remembered))) {
+        // Perhaps only unplugged: the next start shall look for it again.
+        isMemorySuppressed_ = true;
+        folders_->setFolder(QDir::homePath());
+    }
+    isMemorySuppressed_ = false;
+    files_->setFolder(folders_->folder());
+}
+
+void FolderBrowser::changeDrive() {
+    while (!folders_->setDrive(drives_->drive())) {
+        const QString message =
+            app::text(texts_.before) + drives_->drive() + app::text(texts_.after);
+        if (app::msgBox(message, app::Buttons::RetryCancel, app::text(texts_.title), window_) !=
+            app::kAnswerRetry)
+            return;
+    }
+    app::settings().setDrive(drives_->drive());
+    files_->setFolder(folders_->folder());
+}
+
+void FolderBrowser::changeFolder() {
+    files_->setFolder(folders_->folder());
+    if (!isMemorySuppressed_)
+        app::settings().setPath(folders_->folder());
+    isMemorySuppressed_ = false;
+}
+
+} // namespace editing

@@ -1,0 +1,43 @@
+// The folders of one drive as a tree that is read level by level when it is opened.
+#pragma once
+
+#include <QString>
+#include <QTreeWidget>
+
+namespace editing {
+
+class FolderList : public QTreeWidget {
+    Q_OBJECT
+
+  public:
+    explicit FolderList(QWidget* parent);
+
+    // The chosen folder, a path of this system; empty before the first one is set.
+    const QString& folder() const { return folder_; }
+
+    // Shows the tree of `drive` (a folder) with the drive itself chosen. False, with nothing
+    // changed, when it cannot be listed.
+    bool setDrive(const QString& drive);
+
+    // Chooses a folder, opening the tree down to it; a folder outside the drive brings its own
+    // drive along. False, with nothing changed, when it cannot be listed.
+    bool setFolder(const QString& folder);
+
+  signals:
+    // Another folder is chosen, by the user or by a call.
+    void folderChanged();
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void showDrive(const QString& drive);
+    void choose(const QString& folder);
+    void fill(QTreeWidgetItem* item);
+    QTreeWidgetItem* openDownTo(const QString& folder);
+
+    QString folder_;
+    QString drive_;
+};
+
+} // namespace editing

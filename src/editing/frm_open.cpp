@@ -1,0 +1,366 @@
+#include "editing/frm_open.h"
+
+#include "app/help.h"
+#include "app/message_box.h"
+#include "app/settings.h"
+#include "app/texts.h"
+#include "compound/error.h"
+#include "editing/drive_list.h"
+#include "editing/file_list.h"
+#include "editing/folder_browser.h"
+#include "editing/folder_list.h"
+#include "editing/picture_box.h"
+#include "imaging/picture.h"
+#include "platform/native_disk.h"
+#include "platform/paths.h"
+#include "store/damaged_groups.h"
+#include "store/picture_operations.h"
+
+#include <QApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+#include <span>
+#include <stdexcept>
+#include <utility>
+
+namespace editing {
+
+namespace {
+
+constexpr int kTextTitle = 900;
+constexpr int kTextFolder = 901;
+constexpr int kTextFiles = 902;
+constexpr int kTextName = 905;
+constexpr int kTextPreview = 906;
+constexpr int kTextSave = 907;
+constexpr int kTextBack = 908;
+constexpr int kTextHelp = 909;
+constexpr int kTextNoFile = 950;
+constexpr int kTextInvalidName = 951;
+constexpr int kTextNoGroup = 952;
+constexpr int kTextNoName = 953;
+constexpr int kTextOverwrite = 954;
+constexpr int kTextDriveBefore = 955;
+constexpr int kTextDriveAfter = 956;
+constexpr int kTextUnreadable = 957;
+
+constexpr app::TextPair kDriveCaption = {u"Laufwerk", u"Drive"};
+
+constexpr double kWidth = 7140;
+constexpr double kHeight = 4875;
+constexpr double kBoxWidth = 1395;
+constexpr double kBoxHeight = 1185;
+constexpr double kBoxLeft = 90;
+constexpr double kBoxTop = 270;
+constexpr double kFrameSlack = 90;
+
+constexpr app::TwipRect kFolderFrame{120, 90, 3390, 3030};
+constexpr app::TwipRect kFileFrame{3630, 90, 3390, 3030};
+constexpr app::TwipRect kPreviewFrame{120, 3195, kBoxLeft + kBoxWidth + kFrameSlack,
+                                      kBoxTop + kBoxHeight + kFrameSlack};
+constexpr app::TwipRect kNameLabel{1860, 3180, 5160, 270};
+constexpr app::TwipRect kNameField{1860, 3480, 5160, 390};
+constexpr app::TwipRect kOkButton{1860, 4305, 1620, 435};
+constexpr app::TwipRect kBackButton{3630, 4305, 1620, 435};
+constexpr app::TwipRect kHelpButton{5400, 4305, 1620, 435};
+constexpr int kFrameMargin = 6;
+
+constexpr std::chrono::milliseconds kScanPatience{1000};
+
+const QStringList kSuffixes{QStringLiteral(".gif"), QStringLiteral(".bmp"), QStringLiteral(".jpg"),
+                            QStringLiteral(".wmf"), QStringLiteral(".ico"), QStringLiteral(".cur"),
+                            QStringLiteral(".emf")};
+
+class WaitCursor {
+  public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
+app::TwipRect Normal() {
+    return {(kBoxWidth - kBoxHeight) / 2 + kBoxLeft, kBoxTop, kBoxHeight, kBoxHeight};
+}
+
+app::TwipRect ReduceWidth(int height, int width) {
+    const double fitted = static_cast<double>(width) / height * kBoxHeight;
+    return {(kBoxWidth - fitted) / 2 + kBoxLeft, kBoxTop, fitted, kBoxHeight};
+}
+
+app::TwipRect ReduceHeight(int height, int width) {
+    const double fitted = static_cast<double>(height) / width * kBoxHeight;
+    return {kBoxLeft, (kBoxHeight - fitted) / 2 + kBoxTop, kBoxWidth, fitted};
+}
+
+std::filesystem::path pathOf(const FileList& files) {
+    return platform::toFilePath(platform::joinPath(files.folder(), files.fileName()));
+}
+
+// Throws compound::Error or imaging::DecodeError.
+imaging::Picture readPicture(const std::filesystem::path& path) {
+    const auto file = platform::nativeDisk().open(path, compound::Access::Read);
+    const std::uint64_t size = file->size();
+    if (size > store::kMaximumPictureBytes)
+        throw compound::Error(compound::ErrorCode::TooLarge, path, "too large for a picture");
+    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    bytes.resize(file->read(0, bytes));
+    return imaging::decode(bytes);
+}
+
+// Without a folder there is nothing to scan; saving will say what is wrong with it.
+std::vector<store::FileName> filesOf(const store::Library& library) {
+    try {
+        return store::groupFiles(library);
+    } catch (const compound::Error&) {
+        return {};
+    }
+}
+
+// A damaged file that cannot be set aside, as on a read-only medium, stays where it is.
+bool isSoundOrSetAside(const store::Library& library, const store::FileName& file,
+                       const store::LockBudget& budget) {
+    const auto state = store::testGroupFile(library, store::pathOf(library, file), budget);
+    try {
+        if (state == store::GroupFileState::Damaged)
+            store::setAside(library, file);
+    } catch (const compound::Error&) {
+        return false;
+    }
+    return state == store::GroupFileState::Sound;
+}
+
+// A group's own two streams; no picture can have their names.
+bool isReservedName(const QString& name) {
+    return name.compare(QStringLiteral("Name"), Qt::CaseInsensitive) == 0 ||
+           name.compare(QStringLiteral("Parent"), Qt::CaseInsensitive) == 0;
+}
+
+template <typename Control, typename... Arguments>
+Control* makeNamed(const char* name, Arguments... arguments) {
+    auto* control = new Control(arguments...);
+    control->setObjectName(QString::fromLatin1(name));
+    return control;
+}
+
+} // namespace
+
+app::TwipRect previewRect(int height, int width) {
+    if (height == width || height <= 0 || width <= 0)
+        return Normal();
+    return height > width ? ReduceWidth(height, width) : ReduceHeight(height, width);
+}
+
+frmOpen::frmOpen(QWidget* owner, std::function<void()> Aktualisieren)
+    : QDialog(owner), Aktualisieren_(std::move(Aktualisieren)) {
+    setObjectName(QStringLiteral("frmOpen"));
+    setModal(true);
+    setFixedSize(app::toPixels(kWidth, kHeight));
+    makeControls();
+    makePreview();
+    placeControls();
+    connectControls();
+    setCaptions();
+}
+
+frmOpen::~frmOpen() = default;
+
+// In reading order, which so is the order of the Tab key.
+void frmOpen::makeControls() {
+    fraOrdner_ = makeNamed<QGroupBox>("fraOrdner", this);
+    drvDrive_ = makeNamed<DriveList>("drvDrive", fraOrdner_);
+    dirOrdner_ = makeNamed<FolderList>("dirOrdner", fraOrdner_);
+    fraDatei_ = makeNamed<QGroupBox>("fraDatei", this);
+    filDatei_ = makeNamed<FileList>("filDatei", kSuffixes, fraDatei_);
+    fraVorschau_ = makeNamed<QGroupBox>("fraVorschau", this);
+    lblName_ = makeNamed<QLabel>("lblName", this);
+    txtName_ = makeNamed<QLineEdit>("txtName", this);
+    cmdOK_ = makeNamed<QPushButton>("cmdOK", this);
+    cmdAbbruch_ = makeNamed<QPushButton>("cmdAbbruch", this);
+    cmdHilfe_ = makeNamed<QPushButton>("cmdHilfe", this);
+    lblName_->setTextFormat(Qt::PlainText);
+    lblName_->setBuddy(txtName_);
+    cmdOK_->setDefault(true);
+    const FolderBrowser::UnreadableTexts texts{kTextDriveBefore, kTextDriveAfter, kTextTitle};
+    browser_ = new FolderBrowser(drvDrive_, dirOrdner_, filDatei_, texts, this);
+}
+
+void frmOpen::makePreview() {
+    imgVorschau_ = makeNamed<PictureBox>("imgVorschau", fraVorschau_);
+    picBild_ = makeNamed<QWidget>("picBild", fraVorschau_);
+    picBild_->hide();
+}
+
+void frmOpen::placeControls() {
+    fraOrdner_->setGeometry(app::toPixels(kFolderFrame));
+    fraDatei_->setGeometry(app::toPixels(kFileFrame));
+    fraVorschau_->setGeometry(app::toPixels(kPreviewFrame));
+    lblName_->setGeometry(app::toPixels(kNameLabel));
+    txtName_->setGeometry(app::toPixels(kNameField));
+    cmdOK_->setGeometry(app::toPixels(kOkButton));
+    cmdAbbruch_->setGeometry(app::toPixels(kBackButton));
+    cmdHilfe_->setGeometry(app::toPixels(kHelpButton));
+    auto* folders = new QVBoxLayout(fraOrdner_);
+    folders->addWidget(drvDrive_);
+    folders->addWidget(dirOrdner_);
+    auto* files = new QVBoxLayout(fraDatei_);
+    files->addWidget(filDatei_);
+    for (QVBoxLayout* layout : {folders, files})
+        layout->setContentsMargins(kFrameMargin, kFrameMargin, kFrameMargin, kFrameMargin);
+}
+
+void frmOpen::connectControls() {
+    connect(filDatei_, &FileList::fileClicked, this, &frmOpen::openFile);
+    connect(cmdOK_, &QPushButton::clicked, this, &frmOpen::save);
+    connect(cmdAbbruch_, &QPushButton::clicked, this, &frmOpen::goBack);
+    const auto help = [this] { app::showHelp(app::HelpTopic::AddPicture, this); };
+    connect(cmdHilfe_, &QPushButton::clicked, this, help);
+    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+}
+
+void frmOpen::setCaptions() {
+    setWindowTitle(app::text(kTextTitle));
+    fraOrdner_->setTitle(app::text(kTextFolder));
+    fraDatei_->setTitle(app::text(kTextFiles));
+    fraVorschau_->setTitle(app::text(kTextPreview));
+    lblName_->setText(app::text(kTextName));
+    cmdOK_->setText(app::text(kTextSave));
+    cmdAbbruch_->setText(app::text(kTextBack));
+    cmdHilfe_->setText(app::text(kTextHelp));
+    drvDrive_->setAccessibleName(app::text(kDriveCaption));
+    dirOrdner_->setAccessibleName(app::text(kTextFolder));
+    filDatei_->setAccessibleName(app::text(kTextFiles));
+    txtName_->setAccessibleName(app::text(kTextName));
+    imgVorschau_->setAccessibleName(app::text(kTextPreview));
+}
+
+void frmOpen::openFor(const store::Library& library, TargetGroup target) {
+    load(library, std::move(target));
+    exec();
+}
+
+void frmOpen::load(const store::Library& library, TargetGroup target) {
+    library_.emplace(library);
+    target_ = std::move(target);
+    setCaptions();
+    clearPicture();
+    centreOnScreen();
+    (void)Scan();
+    browser_->goToRememberedPlace();
+    drvDrive_->setFocus();
+}
+
+int frmOpen::Scan() {
+    const WaitCursor waiting;
+    const store::LockBudget budget(kScanPatience);
+    int sound = 0;
+    for (const store::FileName& file : filesOf(*library_))
+        sound += isSoundOrSetAside(*library_, file, budget) ? 1 : 0;
+    return sound;
+}
+
+void frmOpen::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous())
+        centreOnScreen();
+}
+
+void frmOpen::centreOnScreen() {
+    const QRect area = (parentWidget() != nullptr ? parentWidget() : this)->screen()->geometry();
+    move(area.left() + (area.width() - width()) / 2, area.top() + (area.height() - height()) / 2);
+}
+
+void frmOpen::clearPicture() {
+    isInvalidPicture_ = false;
+    imgVorschau_->clear();
+    txtName_->clear();
+}
+
+void frmOpen::openFile(const QString& fileName) {
+    isInvalidPicture_ = false;
+    try {
+        const WaitCursor waiting;
+        const imaging::Picture picture = readPicture(pathOf(*filDatei_));
+        const imaging::TwipSize twips = picture.facts().twips;
+        picBild_->resize(app::toPixels(twips.width, twips.height));
+        imgVorschau_->hide();
+        VorschauAnpassen();
+        imgVorschau_->show();
+        imgVorschau_->setPicture(picture);
+        const qsizetype dot = fileName.indexOf(u'.');
+        if (dot < 0)
+            throw std::invalid_argument("a file name without a dot");
+        txtName_->setText(fileName.left(dot));
+        return;
+    } catch (const std::exception&) {
+        // Whatever is wrong with it, to the user it is a file that is no picture.
+        isInvalidPicture_ = true;
+    }
+    tell(kTextUnreadable);
+}
+
+void frmOpen::VorschauAnpassen() {
+    imgVorschau_->setGeometry(app::toPixels(previewRect(picBild_->height(), picBild_->width())));
+}
+
+// The text id of what keeps the picture from being saved before the group is asked.
+std::optional<int> frmOpen::refusal() const {
+    const QString name = txtName_->text();
+    if (isInvalidPicture_ || filDatei_->fileName().isEmpty())
+        return kTextNoFile;
+    if (name == app::text(app::kTextNoPicture))
+        return kTextInvalidName;
+    if (name.isEmpty())
+        return kTextNoName;
+    if (!target_.address)
+        return kTextNoGroup;
+    if (isReservedName(name))
+        return kTextInvalidName;
+    return std::nullopt;
+}
+
+void frmOpen::save() {
+    if (const std::optional<int> reason = refusal()) {
+        tell(*reason);
+        return;
+    }
+    try {
+        addToGroup(*target_.address, {txtName_->text().toStdU16String()});
+    } catch (const std::exception& error) {
+        app::msgBox(app::errorText(error), app::Buttons::Ok, app::text(kTextTitle), this);
+    }
+}
+
+void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureName& name) {
+    auto ifExists = store::IfPictureExists::Refuse;
+    if (store::pictureExists(*library_, group, name)) {
+        if (app::msgBox(app::text(kTextOverwrite), app::Buttons::YesNo, app::text(kTextTitle),
+                        this) != app::kAnswerYes)
+            return;
+        ifExists = store::IfPictureExists::Replace;
+    } else if (!store::testPictureName(*library_, group, name)) {
+        tell(kTextInvalidName);
+        return;
+    }
+    const WaitCursor waiting;
+    store::addPicture(*library_, group, name, pathOf(*filDatei_), ifExists);
+}
+
+void frmOpen::goBack() {
+    if (Aktualisieren_)
+        Aktualisieren_();
+    reject();
+}
+
+void frmOpen::tell(int textId) {
+    app::msgBox(app::text(textId), app::Buttons::Ok, app::text(kTextTitle), this);
+}
+
+} // namespace editing
