@@ -13,6 +13,8 @@ if(TXS_FUZZ)
   target_compile_options(txs_options INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+set(CMAKE_AUTOMOC_MOC_OPTIONS --include ${CMAKE_SOURCE_DIR}/cmake/moc_prelude.h)
+
 # txs_add_library(NAME SOURCES ... LINKS ...): one floor of the house as a static library.
 function(txs_add_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
