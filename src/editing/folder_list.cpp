@@ -89,7 +89,7 @@ bool FolderList::setFolder(const QString& folder) {
         const QSignalBlocker blocker(this);
         QTreeWidgetItem* item = openDownTo(wanted);
         setCurrentItem(item);
-        scrollToItem(item, QAbstractItemView::PositionAtCenter);
+        scrollToItem(item);
     }
     choose(wanted);
     return true;

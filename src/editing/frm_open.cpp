@@ -268,8 +268,10 @@ int frmOpen::Scan() {
 
 void frmOpen::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (!event->spontaneous())
-        centreOnScreen();
+    if (event->spontaneous())
+        return;
+    centreOnScreen();
+    dirOrdner_->scrollToItem(dirOrdner_->currentItem(), QAbstractItemView::PositionAtCenter);
 }
 
 void frmOpen::centreOnScreen() {

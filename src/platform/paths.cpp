@@ -97,7 +97,7 @@ QString nativePath(const QString& text) {
 #else
 
 QString nativePath(const QString& text) {
-    const QString path = withSingleSlashes(text);
+    QString path = withSingleSlashes(text);
     if (isBelowStudio(path))
         return studioFolder() + path.mid(kStudioPrefix.size());
     if (!startsWithDrive(path))

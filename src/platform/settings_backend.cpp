@@ -9,10 +9,13 @@
 #include <QDir>
 #include <QSaveFile>
 #include <QSet>
-#include <QSettings>
 
 #include <iostream>
 #include <span>
+
+#ifdef Q_OS_WIN
+#include <QSettings>
+#endif
 
 namespace platform {
 
