@@ -60,7 +60,8 @@ class Stream {
     // Replaces the content.
     void assign(std::span<const std::byte> bytes);
 
-    // Adds to the end. The first bytes that make the stream 4096 long move it out of the mini stream.
+    // Adds to the end. The first bytes that make the stream 4096 long move it out of the mini
+    // stream.
     void append(std::span<const std::byte> bytes);
 
   private:
@@ -85,9 +86,11 @@ class ElementCursor {
   private:
     friend class Storage;
     ElementCursor(FileState* file, EntryId storage);
+    void descend(EntryId id);
+
     FileState* file_;
     std::vector<EntryId> path_; // entries whose left side is done, the next one last
-    std::size_t seen_ = 0;      // bound against rings
+    std::uint64_t seen_ = 0;    // bound against rings
 };
 
 // A storage's handle; cheap to copy, usable while its CompoundFile lives and the storage exists.
@@ -168,6 +171,7 @@ class CompoundFile {
     DiskFile& disk();
 
   private:
+    friend void copyAll(CompoundFile& from, CompoundFile& to);
     explicit CompoundFile(std::unique_ptr<FileState> state);
     std::unique_ptr<FileState> state_;
 };

@@ -28,7 +28,8 @@ class DiskFile {
     // The path by which the file was opened; for messages.
     virtual const std::filesystem::path& path() const = 0;
 
-    // Reads into `into` from byte `offset` on; returns the bytes read, fewer only at the file's end.
+    // Reads into `into` from byte `offset` on; returns the bytes read, fewer only at the file's
+    // end.
     virtual std::size_t read(std::uint64_t offset, std::span<std::byte> into) = 0;
 
     // Writes all of `bytes` at byte `offset`; a write past the end extends the file.

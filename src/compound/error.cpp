@@ -7,7 +7,9 @@
 namespace compound {
 
 Error::Error(ErrorCode code, std::filesystem::path file, std::string cause)
-    : code_(code), file_(std::move(file)), cause_(std::move(cause)),
+    : code_(code),
+      file_(std::move(file)),
+      cause_(std::move(cause)),
       message_(file_.empty() ? cause_ : file_.string() + ": " + cause_) {}
 
 namespace {

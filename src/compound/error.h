@@ -8,10 +8,10 @@
 namespace compound {
 
 enum class ErrorCode {
-    NotFound,        // the file, storage or stream does not exist
-    Exists,          // an element or file of that name is there already
-    Locked,          // another opener holds the file
-    Damaged,         // the bytes are no sound compound file (a finding about bytes, never about access)
+    NotFound, // the file, storage or stream does not exist
+    Exists,   // an element or file of that name is there already
+    Locked,   // another opener holds the file
+    Damaged,  // the bytes are no sound compound file (a finding about bytes, never about access)
     NotCompoundFile, // the header signature is missing: some other kind of file
     NoSpace,         // the disk is full
     TooLarge,        // the format or a stated limit cannot hold the result
@@ -40,7 +40,8 @@ class Error : public std::exception {
     std::string message_;
 };
 
-// The error for the system's error number `systemError` (errno); the cause is "ACTION: system text".
+// The error for the system's error number `systemError` (errno); the cause is "ACTION: system
+// text".
 Error systemError(int systemError, const std::filesystem::path& file, const std::string& action);
 
 } // namespace compound

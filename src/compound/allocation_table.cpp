@@ -1,0 +1,402 @@
+#include "compound/allocation_table.h"
+
+#include <algorithm>
+#include <string>
+
+namespace compound {
+
+using namespace format;
+
+namespace {
+
+constexpr std::uint32_t kNone = kFreeSector; // no sector
+constexpr std::uint64_t kVersion3Limit = 0x7FFFFFFF;
+
+} // namespace
+
+AllocationTable::AllocationTable(SectorFile& file, Header& header)
+    : file_(file), header_(header), perSector_(file.sectorSize() / 4) {}
+
+// --- reading ------------------------------------------------------------------------------------
+
+void AllocationTable::loadDifat() {
+    if (difatLoaded_)
+        return;
+    difatLoaded_ = true;
+    bool ended = false;
+    const auto take = [&](std::uint32_t sector) {
+        if (sector == kFreeSector || sector == kEndOfChain)
+            ended = true;
+        if (ended)
+            return;
+        if (sector < file_.count())
+            fatSectors_.push_back(sector);
+        else if (fatSectors_.size() < header_.fatSectors)
+            file_.throwDamaged("FAT sector " + std::to_string(fatSectors_.size()) +
+                               " lies outside the file");
+        else
+            ended = true;
+    };
+    for (const std::uint32_t sector : header_.difat)
+        take(sector);
+    std::vector<std::byte> bytes(file_.sectorSize());
+    // Some writers end the chain with "free" instead of "end of chain".
+    for (std::uint32_t at = header_.firstDifat; at != kEndOfChain && at != kFreeSector;) {
+        if (difatSectors_.size() >= file_.count() || ended)
+            file_.throwDamaged("the DIFAT is longer than its FAT sectors");
+        file_.read(at, bytes);
+        difatSectors_.push_back(at);
+        for (std::uint32_t i = 0; i + 1 < perSector_; ++i)
+            take(read32(bytes.data() + std::size_t{4} * i));
+        at = read32(bytes.data() + std::size_t{4} * (perSector_ - 1));
+    }
+    ranges_.resize(fatSectors_.size());
+}
+
+AllocationTable::Range& AllocationTable::load(std::uint32_t index) {
+    loadDifat();
+    if (index >= ranges_.size())
+        file_.throwDamaged("sector " + std::to_string(std::uint64_t{index} * perSector_) +
+                           " has no FAT sector");
+    std::unique_ptr<Range>& range = ranges_[index];
+    if (range)
+        return *range;
+    std::vector<std::byte> bytes(file_.sectorSize());
+    file_.read(fatSectors_[index], bytes);
+    range = std::make_unique<Range>();
+    range->entries.resize(perSector_);
+    for (std::uint32_t i = 0; i < perSector_; ++i) {
+        range->entries[i] = read32(bytes.data() + std::size_t{4} * i);
+        if (range->entries[i] == kFreeSector && isUsable(index * perSector_ + i))
+            ++range->free;
+    }
+    return *range;
+}
+
+std::uint32_t AllocationTable::entry(std::uint32_t sector) {
+    return load(sector / perSector_).entries[sector % perSector_];
+}
+
+std::uint32_t AllocationTable::next(std::uint32_t sector) {
+    const std::uint32_t value = entry(sector);
+    if (value != kEndOfChain && value > kMaximumSector)
+        file_.throwDamaged("a chain runs into sector " + std::to_string(sector) +
+                           ", which is in no chain");
+    return value;
+}
+
+const std::vector<std::uint32_t>& AllocationTable::fatSectors() {
+    loadDifat();
+    return fatSectors_;
+}
+
+const std::vector<std::uint32_t>& AllocationTable::difatSectors() {
+    loadDifat();
+    return difatSectors_;
+}
+
+// --- taking and freeing -------------------------------------------------------------------------
+
+std::uint32_t AllocationTable::limit() const {
+    if (header_.majorVersion == 3)
+        return static_cast<std::uint32_t>(kVersion3Limit / file_.sectorSize()) - 1;
+    return kMaximumSector;
+}
+
+std::uint32_t AllocationTable::rangeLock() const {
+    return header_.majorVersion == 3
+               ? kNone
+               : static_cast<std::uint32_t>(kRangeLockOffset / file_.sectorSize()) - 1;
+}
+
+bool AllocationTable::isUsable(std::uint32_t sector) const {
+    return sector < limit() && sector != rangeLock();
+}
+
+void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
+    Range& range = load(sector / perSector_);
+    range.entries[sector % perSector_] = value;
+    range.dirty = true;
+    anyDirty_ = true;
+}
+
+std::uint32_t AllocationTable::take(std::uint32_t sector) {
+    set(sector, kEndOfChain);
+    --load(sector / perSector_).free;
+    fresh_.insert(sector);
+    const std::uint32_t lock = rangeLock();
+    if (lock != kNone && sector > lock && entry(lock) == kFreeSector)
+        set(lock, kEndOfChain);
+    return sector;
+}
+
+// A free sector of the range, from its entry `from` on and then from its start; kNone when no more
+// than `reserve` are left.
+std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
+                                        std::uint32_t reserve) {
+    const Range& range = load(index);
+    if (range.free <= reserve)
+        return kNone;
+    for (std::uint32_t i = 0; i < perSector_; ++i) {
+        const std::uint32_t at = (from + i) % perSector_;
+        const std::uint32_t sector = index * perSector_ + at;
+        if (range.entries[at] == kFreeSector && isUsable(sector) && !pending_.contains(sector))
+            return sector;
+    }
+    return kNone;
+}
+
+void AllocationTable::addRange() {
+    loadDifat();
+    const std::uint64_t first = std::uint64_t{ranges_.size()} * perSector_;
+    if (first >= limit())
+        throw Error(ErrorCode::TooLarge, file_.disk().path(),
+                    "the file has reached the greatest size of its format");
+    auto range = std::make_unique<Range>();
+    range->entries.assign(perSector_, kFreeSector);
+    for (std::uint32_t i = 0; i < perSector_; ++i)
+        range->free += isUsable(static_cast<std::uint32_t>(first) + i) ? 1U : 0U;
+    range->dirty = range->moved = true;
+    ranges_.push_back(std::move(range));
+    const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
+    fatSectors_.push_back(take(place));
+    set(place, kFatSector);
+    touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
+}
+
+std::uint32_t AllocationTable::allocate(std::uint32_t near) {
+    constexpr std::uint32_t kForTheFat = 1; // each range keeps room to move its own FAT sector
+    loadDifat();
+    const std::uint32_t home = near < kMaximumSector ? near / perSector_ : 0;
+    if (home < ranges_.size()) {
+        const std::uint32_t found = findFree(home, 0, kForTheFat);
+        if (found != kNone)
+            return take(found);
+    }
+    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+        // Only what is in memory anyway, and the last one, in which the file can grow.
+        if (!ranges_[index] && index + 1 != ranges_.size())
+            continue;
+        const std::uint32_t found = findFree(index, 0, kForTheFat);
+        if (found != kNone)
+            return take(found);
+    }
+    addRange();
+    return take(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kForTheFat));
+}
+
+// Where a transaction begins to store data: a range with a good many free sectors among a few that
+// are looked at, different ones in each transaction; otherwise the last one.
+std::uint32_t AllocationTable::chooseDataRange() {
+    constexpr std::uint32_t kLooks = 4;
+    const auto count = static_cast<std::uint32_t>(ranges_.size());
+    for (std::uint32_t i = 0; i < std::min(kLooks, count - 1); ++i) {
+        const std::uint32_t index = (header_.transaction * kLooks + i) % (count - 1);
+        if (load(index).free > perSector_ / 16)
+            return index;
+    }
+    return count - 1;
+}
+
+std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
+    constexpr std::uint32_t kForMetadata = 8; // room for moving directory and tables nearby
+    loadDifat();
+    if (ranges_.empty())
+        addRange();
+    if (previous == kEndOfChain)
+        previous = dataHint_ != kNone ? dataHint_ : chooseDataRange() * perSector_;
+    const std::uint32_t index =
+        std::min(previous / perSector_, static_cast<std::uint32_t>(ranges_.size() - 1));
+    std::uint32_t found = findFree(index, previous % perSector_, kForMetadata);
+    for (auto last = static_cast<std::uint32_t>(ranges_.size() - 1); found == kNone; ++last) {
+        found = findFree(last, 0, kForMetadata);
+        if (found == kNone)
+            addRange();
+    }
+    dataHint_ = found;
+    return take(found);
+}
+
+void AllocationTable::link(std::uint32_t sector, std::uint32_t next) {
+    set(sector, next);
+}
+
+void AllocationTable::release(std::uint32_t sector) {
+    set(sector, kFreeSector);
+    if (fresh_.erase(sector) > 0)
+        ++load(sector / perSector_).free;
+    else
+        pending_.insert(sector);
+}
+
+void AllocationTable::releaseChain(std::uint32_t first) {
+    std::uint64_t seen = 0;
+    for (std::uint32_t at = first; at != kEndOfChain;) {
+        const std::uint32_t following = next(at);
+        if (++seen > std::uint64_t{file_.count()} + fresh_.size())
+            file_.throwDamaged("a chain of sectors never ends");
+        release(at);
+        at = following;
+    }
+}
+
+// --- writing ------------------------------------------------------------------------------------
+
+void AllocationTable::touchDifat(std::uint32_t fatIndex) {
+    difatTouched_ = std::max(difatTouched_, fatIndex + 1);
+}
+
+void AllocationTable::mark(std::uint32_t sector, std::uint32_t as) {
+    const std::uint32_t found = entry(sector);
+    if (found == as)
+        return;
+    if (found <= kMaximumSector || found == kEndOfChain)
+        file_.throwDamaged("a chain runs through sector " + std::to_string(sector) +
+                           ", which belongs to the FAT");
+    if (found == kFreeSector && isUsable(sector))
+        --load(sector / perSector_).free;
+    set(sector, as);
+}
+
+void AllocationTable::makeSound() {
+    loadDifat();
+    for (const std::uint32_t sector : fatSectors_)
+        mark(sector, kFatSector);
+    for (const std::uint32_t sector : difatSectors_)
+        mark(sector, kDifatSector);
+    difatTouched_ = static_cast<std::uint32_t>(fatSectors_.size());
+}
+
+std::uint32_t AllocationTable::freeInside(std::uint32_t count) const {
+    auto free = static_cast<std::uint32_t>(pending_.size());
+    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+        for (std::uint32_t at = 0; ranges_[index] && at < perSector_; ++at) {
+            const std::uint32_t sector = index * perSector_ + at;
+            const bool isFree = ranges_[index]->entries[at] == kFreeSector && sector < count;
+            free += isFree && !pending_.contains(sector) ? 1U : 0U;
+        }
+    }
+    return free;
+}
+
+std::uint32_t AllocationTable::roomBehind(std::uint32_t count) const {
+    const auto end = static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(std::uint64_t{ranges_.size()} * perSector_, limit()));
+    return end > count ? end - count : 0;
+}
+
+// Gives every changed FAT sector a new place; true when that changed anything.
+bool AllocationTable::moveFatSectors() {
+    bool any = false;
+    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+        if (!ranges_[index] || !ranges_[index]->dirty || ranges_[index]->moved)
+            continue;
+        any = ranges_[index]->moved = true;
+        const std::uint32_t own = findFree(index, 0, 0);
+        const std::uint32_t place = own != kNone ? take(own) : allocate(fatSectors_[index]);
+        set(place, kFatSector);
+        release(fatSectors_[index]);
+        fatSectors_[index] = place;
+        touchDifat(index);
+    }
+    return any;
+}
+
+// Gives the DIFAT sectors up to the last changed one new places; true when that changed anything.
+bool AllocationTable::moveDifat() {
+    const auto perDifat = perSector_ - 1;
+    const auto sectorsFor = [&](std::size_t fatSectors) {
+        return fatSectors <= kHeaderDifatEntries
+                   ? std::size_t{0}
+                   : (fatSectors - kHeaderDifatEntries + perDifat - 1) / perDifat;
+    };
+    bool any = false;
+    const std::size_t changed = sectorsFor(difatTouched_);
+    for (; difatMoved_ < changed; ++difatMoved_, any = true) {
+        const bool isNew = difatMoved_ >= difatSectors_.size();
+        const std::uint32_t place = allocate(isNew ? 0 : difatSectors_[difatMoved_]);
+        set(place, kDifatSector);
+        if (isNew) {
+            difatSectors_.push_back(place);
+        } else {
+            release(difatSectors_[difatMoved_]);
+            difatSectors_[difatMoved_] = place;
+        }
+    }
+    while (difatSectors_.size() > sectorsFor(fatSectors_.size())) {
+        release(difatSectors_.back()); // a foreign file kept more than it needs
+        difatSectors_.pop_back();
+        any = true;
+    }
+    return any;
+}
+
+void AllocationTable::writeRange(std::uint32_t index) {
+    std::vector<std::byte> bytes(file_.sectorSize());
+    const Range& range = *ranges_[index];
+    for (std::uint32_t i = 0; i < perSector_; ++i)
+        write32(bytes.data() + std::size_t{4} * i, range.entries[i]);
+    file_.write(fatSectors_[index], bytes);
+}
+
+void AllocationTable::writeDifatSector(std::size_t index) {
+    std::vector<std::byte> bytes(file_.sectorSize());
+    const std::uint32_t perDifat = perSector_ - 1;
+    for (std::uint32_t i = 0; i < perDifat; ++i) {
+        const std::size_t fat = kHeaderDifatEntries + index * perDifat + i;
+        write32(bytes.data() + std::size_t{4} * i,
+                fat < fatSectors_.size() ? fatSectors_[fat] : kFreeSector);
+    }
+    write32(bytes.data() + std::size_t{4} * perDifat,
+            index + 1 < difatSectors_.size() ? difatSectors_[index + 1] : kEndOfChain);
+    file_.write(difatSectors_[index], bytes);
+}
+
+void AllocationTable::writeOut() {
+    // Moving one sector changes entries, which may lie in a FAT sector not yet moved; each sector
+    // moves once, so this ends.
+    for (bool again = true; again;) {
+        again = moveFatSectors();
+        again = moveDifat() || again;
+    }
+    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+        if (ranges_[index] && ranges_[index]->dirty)
+            writeRange(index);
+    }
+    for (std::size_t index = 0; index < difatMoved_; ++index)
+        writeDifatSector(index);
+    header_.fatSectors = static_cast<std::uint32_t>(fatSectors_.size());
+    header_.difatSectors = static_cast<std::uint32_t>(difatSectors_.size());
+    header_.firstDifat = difatSectors_.empty() ? kEndOfChain : difatSectors_.front();
+    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i)
+        header_.difat[i] = i < fatSectors_.size() ? fatSectors_[i] : kFreeSector;
+}
+
+void AllocationTable::committed() {
+    for (const std::uint32_t sector : pending_)
+        load(sector / perSector_).free += isUsable(sector) ? 1U : 0U;
+    pending_.clear();
+    fresh_.clear();
+    for (const std::unique_ptr<Range>& range : ranges_) {
+        if (range)
+            range->dirty = range->moved = false;
+    }
+    difatTouched_ = 0;
+    difatMoved_ = 0;
+    anyDirty_ = false;
+    dataHint_ = kNone;
+}
+
+std::uint32_t AllocationTable::usedEnd() {
+    loadDifat();
+    for (std::size_t index = ranges_.size(); index-- > 0;) {
+        const Range& range = load(static_cast<std::uint32_t>(index));
+        for (std::uint32_t at = perSector_; at-- > 0;) {
+            if (range.entries[at] != kFreeSector)
+                return static_cast<std::uint32_t>(index) * perSector_ + at + 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace compound

@@ -1,0 +1,120 @@
+// The file allocation table (FAT): which sector follows which, and which are free.
+//
+// It is loaded one FAT sector at a time, when an entry of its range is first asked for, and is
+// changed in memory only; writeOut() puts changed FAT (and DIFAT) sectors to new places. Sectors
+// that the committed state uses are never handed out before the next commit, even when this
+// transaction has freed them.
+#pragma once
+
+#include "compound/header.h"
+#include "compound/sector_file.h"
+
+#include <cstdint>
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+namespace compound {
+
+class AllocationTable {
+  public:
+    AllocationTable(SectorFile& file, Header& header);
+
+    // The entry of a sector. Damaged when the sector lies outside the file.
+    std::uint32_t entry(std::uint32_t sector);
+
+    // The sector behind `sector` in its chain, or kEndOfChain. Damaged for anything else.
+    std::uint32_t next(std::uint32_t sector);
+
+    // Whether a FAT sector describes the sector.
+    bool covers(std::uint32_t sector) { return sector / perSector_ < fatSectors().size(); }
+
+    // The sector that no file may use, which covers byte 0x7FFFFFFF; kFreeSector in version 3.
+    std::uint32_t rangeLock() const;
+
+    // Takes a free sector, near `near` if there is one, and ends its chain with it. TooLarge when
+    // the format can number no more.
+    std::uint32_t allocate(std::uint32_t near);
+
+    // Takes a free sector for data: anywhere, preferring the one behind `previous` (kEndOfChain for
+    // a chain's first).
+    std::uint32_t allocateData(std::uint32_t previous);
+
+    void link(std::uint32_t sector, std::uint32_t next);
+
+    // Frees one sector; one that the committed state uses stays untouchable until the commit.
+    void release(std::uint32_t sector);
+
+    // Frees a whole chain. Damaged when it is longer than the file.
+    void releaseChain(std::uint32_t first);
+
+    // Whether this transaction has taken the sector, so that it may be written in place.
+    bool isFresh(std::uint32_t sector) const { return fresh_.contains(sector); }
+
+    // Writes all changed FAT sectors and the DIFAT to new places and tells the header of them.
+    void writeOut();
+
+    // Comes before the first change of another program's file: its FAT and DIFAT sectors are marked
+    // as such, and the whole DIFAT is written anew by the next writeOut(). Damaged when a chain
+    // runs through one of them.
+    void makeSound();
+
+    // Free sectors within the first `count` of the file, freed ones included, as far as the table
+    // is in memory.
+    std::uint32_t freeInside(std::uint32_t count) const;
+
+    // Sectors that the file can grow by from `count` on without another FAT sector.
+    std::uint32_t roomBehind(std::uint32_t count) const;
+
+    // After the header is down: what the old state used is free.
+    void committed();
+
+    // Sectors from here on are free in the table as it stands (looks at the loaded tail only).
+    std::uint32_t usedEnd();
+
+    bool hasChanges() const { return anyDirty_; }
+
+    // The places of the FAT sectors, in order.
+    const std::vector<std::uint32_t>& fatSectors();
+    const std::vector<std::uint32_t>& difatSectors();
+
+  private:
+    struct Range {
+        std::vector<std::uint32_t> entries;
+        std::uint32_t free = 0; // free and allowed to be taken
+        bool dirty = false;
+        bool moved = false; // has its new place already
+    };
+
+    Range& load(std::uint32_t index);
+    void set(std::uint32_t sector, std::uint32_t value);
+    void loadDifat();
+    void addRange();
+    std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
+    std::uint32_t take(std::uint32_t sector);
+    std::uint32_t limit() const;
+    bool isUsable(std::uint32_t sector) const;
+    std::uint32_t chooseDataRange();
+    void touchDifat(std::uint32_t fatIndex);
+    void mark(std::uint32_t sector, std::uint32_t as);
+    bool moveFatSectors();
+    bool moveDifat();
+    void writeRange(std::uint32_t index);
+    void writeDifatSector(std::size_t index);
+
+    SectorFile& file_;
+    Header& header_;
+    std::uint32_t perSector_; // entries of one FAT sector
+    bool difatLoaded_ = false;
+    bool anyDirty_ = false;
+    std::vector<std::uint32_t> fatSectors_;
+    std::vector<std::uint32_t> difatSectors_;
+    std::vector<std::unique_ptr<Range>> ranges_;
+    std::unordered_set<std::uint32_t> fresh_;
+    std::unordered_set<std::uint32_t> pending_; // freed, but used by the committed state
+    std::uint32_t difatTouched_ = 0;            // FAT sectors before this one have moved
+    std::size_t difatMoved_ = 0; // DIFAT sectors before this one have their new places
+    std::uint32_t dataHint_ = format::kFreeSector;
+};
+
+} // namespace compound

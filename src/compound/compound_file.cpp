@@ -1,0 +1,270 @@
+#include "compound/compound_file.h"
+
+#include "compound/check.h"
+#include "compound/error.h"
+#include "compound/file_state.h"
+#include "compound/names.h"
+
+#include <array>
+#include <utility>
+
+namespace compound {
+
+using namespace format;
+
+namespace {
+
+std::string utf8(std::u16string_view name) {
+    std::string text;
+    for (const char16_t unit : name)
+        text.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
+    return text;
+}
+
+void requireLegal(FileState& file, std::u16string_view name) {
+    if (!isLegalName(name))
+        throw Error(ErrorCode::InvalidName, file.file().disk().path(),
+                    "\"" + utf8(name) + "\" cannot name a storage or stream");
+}
+
+Error notFound(FileState& file, std::u16string_view name) {
+    return {ErrorCode::NotFound, file.file().disk().path(),
+            "there is no \"" + utf8(name) + "\" in the file"};
+}
+
+Element elementOf(Directory& directory, EntryId id) {
+    const bool isStream = directory.type(id) == EntryType::Stream;
+    return {directory.name(id), isStream ? ElementKind::Stream : ElementKind::Storage,
+            isStream ? directory.size(id) : 0, id};
+}
+
+EntryId require(FileState& file, EntryId storage, std::u16string_view name, EntryType type) {
+    const auto id = file.directory().find(storage, name);
+    if (!id || file.directory().type(*id) != type)
+        throw notFound(file, name);
+    return *id;
+}
+
+// Frees a stream, or a storage with all below it. The number of entries bounds the walk.
+void destroyTree(FileState& file, EntryId parent, EntryId id) {
+    Directory& directory = file.directory();
+    if (directory.type(id) == EntryType::Stream) {
+        file.content().release(id);
+        directory.remove(parent, id);
+        return;
+    }
+    struct Storage {
+        EntryId parent, id;
+    };
+    std::vector<Storage> open{{parent, id}};
+    std::vector<Storage> emptied;
+    while (!open.empty()) {
+        const Storage storage = open.back();
+        open.pop_back();
+        emptied.push_back(storage);
+        if (emptied.size() > directory.bound())
+            file.file().throwDamaged("the directory runs in a ring");
+        for (const EntryId element : directory.elements(storage.id)) {
+            if (directory.type(element) == EntryType::Storage) {
+                open.push_back({storage.id, element});
+            } else {
+                file.content().release(element);
+                directory.remove(storage.id, element);
+            }
+        }
+    }
+    for (std::size_t i = emptied.size(); i-- > 0;)
+        directory.remove(emptied[i].parent, emptied[i].id);
+}
+
+EntryId createElement(FileState& file, EntryId storage, std::u16string_view name, EntryType type,
+                      IfExists ifExists) {
+    requireLegal(file, name);
+    file.beginChange();
+    if (const auto existing = file.directory().find(storage, name)) {
+        if (ifExists == IfExists::Refuse)
+            throw Error(ErrorCode::Exists, file.file().disk().path(),
+                        "there is a \"" + utf8(name) + "\" in the file already");
+        destroyTree(file, storage, *existing);
+    }
+    return file.directory().insert(storage, name, type);
+}
+
+} // namespace
+
+// --- Stream -------------------------------------------------------------------------------------
+
+std::uint64_t Stream::size() const {
+    return file_->directory().size(id_);
+}
+
+std::size_t Stream::read(std::uint64_t offset, std::span<std::byte> into) const {
+    return file_->content().read(id_, offset, into);
+}
+
+std::vector<std::byte> Stream::readAll() const {
+    return file_->content().readAll(id_);
+}
+
+void Stream::assign(std::span<const std::byte> bytes) {
+    file_->beginChange();
+    file_->content().assign(id_, bytes);
+}
+
+void Stream::append(std::span<const std::byte> bytes) {
+    file_->beginChange();
+    file_->content().append(id_, bytes);
+}
+
+// --- ElementCursor ------------------------------------------------------------------------------
+
+ElementCursor::ElementCursor(FileState* file, EntryId storage) : file_(file) {
+    descend(file_->directory().child(storage));
+}
+
+void ElementCursor::descend(EntryId id) {
+    for (; id != kNoEntry; id = file_->directory().left(id)) {
+        if (++seen_ > file_->directory().bound())
+            file_->file().throwDamaged("the directory runs in a ring");
+        path_.push_back(id);
+    }
+}
+
+bool ElementCursor::next(Element& element) {
+    if (path_.empty())
+        return false;
+    const EntryId id = path_.back();
+    path_.pop_back();
+    descend(file_->directory().right(id));
+    element = elementOf(file_->directory(), id);
+    return true;
+}
+
+std::size_t ElementCursor::skip(std::size_t count) {
+    std::size_t skipped = 0;
+    for (; skipped < count && !path_.empty(); ++skipped) {
+        const EntryId id = path_.back();
+        path_.pop_back();
+        descend(file_->directory().right(id));
+    }
+    return skipped;
+}
+
+// --- Storage ------------------------------------------------------------------------------------
+
+std::optional<Element> Storage::find(std::u16string_view name) const {
+    const auto id = file_->directory().find(id_, name);
+    return id ? std::optional(elementOf(file_->directory(), *id)) : std::nullopt;
+}
+
+ElementCursor Storage::elements() const {
+    return {file_, id_};
+}
+
+Storage Storage::openStorage(std::u16string_view name) const {
+    return {file_, require(*file_, id_, name, EntryType::Storage)};
+}
+
+Stream Storage::openStream(std::u16string_view name) const {
+    return {file_, require(*file_, id_, name, EntryType::Stream)};
+}
+
+Stream Storage::openStream(const Element& element) const {
+    if (element.kind != ElementKind::Stream)
+        throw notFound(*file_, element.name);
+    return {file_, element.id};
+}
+
+Storage Storage::createStorage(std::u16string_view name, IfExists ifExists) {
+    return {file_, createElement(*file_, id_, name, EntryType::Storage, ifExists)};
+}
+
+Stream Storage::createStream(std::u16string_view name, IfExists ifExists) {
+    return {file_, createElement(*file_, id_, name, EntryType::Stream, ifExists)};
+}
+
+void Storage::rename(std::u16string_view from, std::u16string_view to) {
+    requireLegal(*file_, to);
+    file_->beginChange();
+    const auto id = file_->directory().find(id_, from);
+    if (!id)
+        throw notFound(*file_, from);
+    const auto taken = file_->directory().find(id_, to);
+    if (taken && *taken != *id)
+        throw Error(ErrorCode::Exists, file_->file().disk().path(),
+                    "there is a \"" + utf8(to) + "\" in the file already");
+    file_->directory().rename(id_, *id, to);
+}
+
+void Storage::destroy(std::u16string_view name) {
+    file_->beginChange();
+    const auto id = file_->directory().find(id_, name);
+    if (!id)
+        throw notFound(*file_, name);
+    destroyTree(*file_, id_, *id);
+}
+
+// --- CompoundFile -------------------------------------------------------------------------------
+
+CompoundFile::CompoundFile(std::unique_ptr<FileState> state) : state_(std::move(state)) {}
+CompoundFile::CompoundFile(CompoundFile&&) noexcept = default;
+CompoundFile& CompoundFile::operator=(CompoundFile&&) noexcept = default;
+CompoundFile::~CompoundFile() = default;
+
+CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access) {
+    const Header header = readHeader(*file);
+    return CompoundFile(std::make_unique<FileState>(std::move(file), header, access, false));
+}
+
+CompoundFile CompoundFile::create(std::unique_ptr<DiskFile> file, SectorSize sectorSize) {
+    Header header;
+    header.majorVersion = sectorSize == SectorSize::Bytes512 ? 3 : 4;
+    header.difat.fill(kFreeSector);
+    return CompoundFile(
+        std::make_unique<FileState>(std::move(file), header, Access::ReadWrite, true));
+}
+
+bool CompoundFile::hasSignature(DiskFile& file) {
+    std::array<std::byte, kSignature.size()> bytes{};
+    if (file.read(0, bytes) != bytes.size())
+        return false;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (std::to_integer<std::uint8_t>(bytes[i]) != kSignature[i])
+            return false;
+    }
+    return true;
+}
+
+Storage CompoundFile::root() {
+    return {state_.get(), DirectoryEntries::kRoot};
+}
+
+void CompoundFile::commit() {
+    state_->commit();
+}
+
+void CompoundFile::dropChanges() {
+    state_->drop();
+}
+
+bool CompoundFile::hasChanges() const {
+    return state_->hasChanges();
+}
+
+std::vector<Finding> CompoundFile::check() {
+    return checkFile(*state_);
+}
+
+SectorSize CompoundFile::sectorSize() const {
+    return static_cast<SectorSize>(state_->header().sectorSize());
+}
+
+std::uint32_t CompoundFile::transactionSignature() const {
+    return state_->header().transaction;
+}
+
+DiskFile& CompoundFile::disk() {
+    return state_->file().disk();
+}
+
+} // namespace compound

@@ -1,0 +1,203 @@
+#include "compound/directory.h"
+
+#include "compound/names.h"
+#include "compound/red_black_tree.h"
+
+#include <algorithm>
+#include <bit>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+namespace compound {
+
+using namespace format;
+
+namespace {
+
+bool isFree(const std::byte* raw) {
+    return raw[entry::kTypeAt] == static_cast<std::byte>(EntryType::Free);
+}
+
+} // namespace
+
+void Directory::createRoot() {
+    const EntryId id = takeFreeEntry();
+    setName(id, u"Root Entry");
+    std::byte* const at = change(id);
+    at[entry::kTypeAt] = static_cast<std::byte>(EntryType::Root);
+    at[entry::kColourAt] = static_cast<std::byte>(Colour::Black);
+    setContent(id, kEndOfChain, 0);
+}
+
+std::optional<EntryId> Directory::freeEntryOn(std::uint32_t page) {
+    const std::byte* const bytes = chain_.read(page);
+    for (std::uint32_t i = 0; i < perPage_; ++i) {
+        if (isFree(bytes + kEntrySize * i))
+            return page * perPage_ + i;
+    }
+    return std::nullopt;
+}
+
+// Looks at what this transaction freed, at the last page and at a few others, so that taking an
+// entry costs the same in a large directory; then the directory grows.
+EntryId Directory::takeFreeEntry() {
+    constexpr std::uint32_t kLooks = 6;
+    std::optional<EntryId> id;
+    if (!freed_.empty()) {
+        id = freed_.back();
+        freed_.pop_back();
+    }
+    const std::uint32_t pages = chain_.count();
+    if (!id && pages > 0)
+        id = freeEntryOn(pages - 1);
+    for (std::uint32_t look = 0; !id && look < std::min(kLooks, pages); ++look)
+        id = freeEntryOn((file_.count() * kLooks + look) % pages);
+    if (!id)
+        id = chain_.append(std::byte{0}) * perPage_;
+    std::byte* const page = chain_.write(*id / perPage_);
+    for (std::uint32_t i = 0; i < perPage_; ++i) {
+        std::byte* const at = page + kEntrySize * i;
+        if (isFree(at))
+            clear(at);
+    }
+    return *id;
+}
+
+// --- the trees ----------------------------------------------------------------------------------
+
+std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name) {
+    EntryId at = child(storage);
+    for (std::uint64_t steps = 0; at != kNoEntry; ++steps) {
+        if (steps > bound())
+            file_.throwDamaged("the directory runs in a ring");
+        const int order = compare(name, at);
+        if (order == 0)
+            return at;
+        at = order < 0 ? left(at) : right(at);
+    }
+    if (trusted_)
+        return std::nullopt;
+    for (const EntryId id : elements(storage)) {
+        if (compare(name, id) == 0)
+            return id;
+    }
+    return std::nullopt;
+}
+
+EntryId Directory::insert(EntryId storage, std::u16string_view name, EntryType type) {
+    const EntryId id = takeFreeEntry();
+    setName(id, name);
+    change(id)[entry::kTypeAt] = static_cast<std::byte>(type);
+    setContent(id, type == EntryType::Stream ? kEndOfChain : 0, 0);
+    RedBlackTree(*this, storage).insert(id);
+    return id;
+}
+
+void Directory::remove(EntryId storage, EntryId id) {
+    RedBlackTree(*this, storage).remove(id);
+    clear(change(id));
+    freed_.push_back(id);
+}
+
+void Directory::rename(EntryId storage, EntryId id, std::u16string_view name) {
+    RedBlackTree(*this, storage).remove(id);
+    setName(id, name);
+    RedBlackTree(*this, storage).insert(id);
+}
+
+std::vector<EntryId> Directory::elements(EntryId storage) {
+    std::vector<EntryId> ordered;
+    std::vector<EntryId> open;
+    std::uint64_t seen = 0;
+    const auto descend = [&](EntryId id) {
+        for (; id != kNoEntry; id = left(id)) {
+            if (++seen > bound())
+                file_.throwDamaged("the directory runs in a ring");
+            open.push_back(id);
+        }
+    };
+    descend(child(storage));
+    while (!open.empty()) {
+        const EntryId id = open.back();
+        open.pop_back();
+        ordered.push_back(id);
+        descend(right(id));
+    }
+    return ordered;
+}
+
+// Order, no two reds in a row, a black root, and equal numbers of blacks on every way down.
+bool Directory::isSound(EntryId storage, const std::vector<EntryId>& walked) {
+    for (std::size_t i = 1; i < walked.size(); ++i) {
+        if (compare(name(walked[i - 1]), walked[i]) >= 0)
+            return false;
+    }
+    return RedBlackTree(*this, storage).hasSoundColours();
+}
+
+void Directory::makeSound() {
+    if (trusted_)
+        return;
+    std::unordered_set<EntryId> seen{kRoot};
+    std::vector<EntryId> open{kRoot};
+    while (!open.empty()) {
+        const EntryId storage = open.back();
+        open.pop_back();
+        std::vector<EntryId> walked = elements(storage);
+        for (const EntryId id : walked) {
+            if (!seen.insert(id).second)
+                file_.throwDamaged("the directory's trees cross at entry " + std::to_string(id));
+            if (type(id) == EntryType::Storage)
+                open.push_back(id);
+        }
+        if (isSound(storage, walked))
+            continue;
+        sortByName(walked);
+        rebuild(storage, walked);
+    }
+    trusted_ = true;
+}
+
+void Directory::sortByName(std::vector<EntryId>& ids) {
+    std::vector<std::pair<std::u16string, EntryId>> named;
+    named.reserve(ids.size());
+    for (const EntryId id : ids)
+        named.emplace_back(name(id), id);
+    std::sort(named.begin(), named.end(), [](const auto& one, const auto& other) {
+        return compareNames(one.first, other.first) < 0;
+    });
+    for (std::size_t i = 0; i < named.size(); ++i) {
+        if (i > 0 && compareNames(named[i - 1].first, named[i].first) == 0)
+            file_.throwDamaged("two elements of one storage bear one name");
+        ids[i] = named[i].second;
+    }
+}
+
+// A tree of the least height: all levels but the lowest are full and black, the lowest is red.
+void Directory::rebuild(EntryId storage, const std::vector<EntryId>& ordered) {
+    struct Part {
+        std::size_t from, to;
+        unsigned depth;
+        EntryId parent;
+        std::size_t side;
+    };
+    const unsigned fullLevels = static_cast<unsigned>(std::bit_width(ordered.size() + 1)) - 1;
+    std::vector<Part> open{{0, ordered.size(), 0, storage, entry::kChildAt}};
+    while (!open.empty()) {
+        const Part part = open.back();
+        open.pop_back();
+        if (part.from == part.to) {
+            setLink(part.parent, part.side, kNoEntry);
+            continue;
+        }
+        const std::size_t middle = part.from + (part.to - part.from) / 2;
+        const EntryId id = ordered[middle];
+        setLink(part.parent, part.side, id);
+        setColour(id, part.depth < fullLevels ? Colour::Black : Colour::Red);
+        open.push_back({part.from, middle, part.depth + 1, id, entry::kLeftAt});
+        open.push_back({middle + 1, part.to, part.depth + 1, id, entry::kRightAt});
+    }
+}
+
+} // namespace compound

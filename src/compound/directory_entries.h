@@ -1,0 +1,67 @@
+// The directory's entries, 128 bytes each: their fields, and the names' order
+// ([MS-CFB] 2.6). What links them into trees stands in directory.h.
+#pragma once
+
+#include "compound/compound_file.h"
+#include "compound/format.h"
+#include "compound/sector_chain.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace compound {
+
+class DirectoryEntries {
+  public:
+    static constexpr EntryId kRoot = 0;
+
+    // `sizeMask` is what counts of a stream's size.
+    DirectoryEntries(SectorFile& file, SectorChain& chain, std::uint64_t sizeMask);
+
+    // The fields of an element. Damaged when the entry does not exist or is no element.
+    format::EntryType type(EntryId id);
+    std::u16string name(EntryId id);
+    std::uint64_t size(EntryId id);
+    std::uint32_t start(EntryId id);
+    EntryId left(EntryId id) { return link(id, format::entry::kLeftAt); }
+    EntryId right(EntryId id) { return link(id, format::entry::kRightAt); }
+    EntryId child(EntryId id) { return link(id, format::entry::kChildAt); }
+    format::Colour colour(EntryId id);
+
+    void setContent(EntryId id, std::uint32_t start, std::uint64_t size);
+    void setLink(EntryId id, std::size_t at, EntryId value); // `at`: the field's offset
+    void setColour(EntryId id, format::Colour colour);
+    void setName(EntryId id, std::u16string_view name);
+
+    // Class id, state bits and times, 36 bytes, as they stand in the entry.
+    std::vector<std::byte> attributes(EntryId id);
+    void setAttributes(EntryId id, const std::vector<std::byte>& attributes);
+
+    // Negative, 0 or positive as `name` comes before, is, or comes after the entry's.
+    int compare(std::u16string_view name, EntryId id);
+
+    // No walk of a sound file meets more entries than this.
+    std::uint64_t bound() const;
+
+    // The entry's bytes in any state.
+    const std::byte* raw(EntryId id);
+    std::byte* change(EntryId id);
+    std::uint64_t count(); // free ones included
+
+  protected:
+    // Zeros, and no links.
+    static void clear(std::byte* at);
+
+    SectorFile& file_;
+    SectorChain& chain_;
+    std::uint32_t perPage_;
+
+  private:
+    const std::byte* element(EntryId id);
+    EntryId link(EntryId id, std::size_t at);
+
+    std::uint64_t sizeMask_;
+};
+
+} // namespace compound

@@ -1,0 +1,173 @@
+#include "compound/file_state.h"
+
+#include "compound/error.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace compound {
+
+using namespace format;
+
+namespace {
+
+// The transaction signatures that this program writes begin with this byte. Its trees are sound,
+// so that a name which searching does not find is not there; in other programs' files it may be.
+constexpr std::uint32_t kOwnSignature = 0x54000000;
+constexpr std::uint32_t kSignatureMask = 0xFF000000;
+
+bool isOurs(const Header& header) {
+    return (header.transaction & kSignatureMask) == kOwnSignature;
+}
+
+std::uint32_t nextTransaction(const Header& header) {
+    return isOurs(header) ? kOwnSignature | ((header.transaction + 1) & ~kSignatureMask)
+                          : kOwnSignature + 1;
+}
+
+std::uint64_t sizeMask(const Header& header) {
+    return header.majorVersion == 3 ? 0xFFFFFFFFULL : ~0ULL;
+}
+
+} // namespace
+
+FileState::Parts::Parts(SectorFile& file, Header& header, bool trusted)
+    : table(file, header),
+      directoryChain(file, table, header.firstDirectory, "the directory"),
+      directory(file, directoryChain, trusted, sizeMask(header)),
+      mini(file, header, table, directory),
+      content(file, table, directory, mini) {}
+
+FileState::FileState(std::unique_ptr<DiskFile> file, const Header& committed, Access access,
+                     bool isNew)
+    : file_(std::move(file), committed.sectorSize()),
+      committed_(committed),
+      header_(committed),
+      access_(access),
+      isNew_(isNew),
+      lengthBefore_(file_.disk().size()),
+      parts_(std::make_unique<Parts>(file_, header_, isNew || isOurs(committed))) {
+    if (isNew_)
+        startNewFile();
+}
+
+FileState::~FileState() {
+    if (changed_)
+        restoreLength();
+}
+
+void FileState::startNewFile() {
+    changed_ = true;
+    parts_->directory.createRoot();
+}
+
+void FileState::beginChange() {
+    if (access_ == Access::Read)
+        throw Error(ErrorCode::Denied, file_.disk().path(), "the file is open for reading only");
+    if (changed_)
+        return;
+    changed_ = true;
+    if (isOurs(committed_))
+        return;
+    parts_->table.makeSound();
+    parts_->directory.makeSound();
+}
+
+void FileState::commit() {
+    if (!changed_)
+        return;
+    parts_->mini.writeOut();
+    header_.firstDirectory = parts_->directoryChain.first();
+    header_.directorySectors = header_.majorVersion == 3 ? 0 : parts_->directoryChain.count();
+    parts_->directoryChain.writeOut();
+    parts_->table.writeOut();
+    keepReserve();
+    header_.transaction = nextTransaction(committed_);
+    file_.disk().sync();
+    writeHeader();
+    committed_ = header_;
+    isNew_ = false;
+    changed_ = false;
+    parts_->mini.committed();
+    parts_->directoryChain.committed();
+    parts_->table.committed();
+    cutFreeTail();
+    lengthBefore_ = file_.disk().size();
+}
+
+// Leaves a few free sectors in the file, so that a later change that frees space finds room for its
+// own pages on a full disk.
+void FileState::keepReserve() {
+    constexpr std::uint32_t kReserve = 12;
+    if (file_.lengthOf(file_.count()) <= lengthBefore_)
+        return;
+    const std::uint32_t free = parts_->table.freeInside(file_.count());
+    if (free >= kReserve)
+        return;
+    const std::uint32_t wanted = std::min(kReserve - free, parts_->table.roomBehind(file_.count()));
+    const std::vector<std::byte> zeros(std::size_t{wanted} * file_.sectorSize());
+    if (wanted > 0)
+        file_.write(file_.count(), zeros);
+}
+
+void FileState::writeHeader() {
+    try {
+        file_.disk().write(0, encodeHeader(header_));
+        file_.disk().sync();
+    } catch (const std::exception& failure) {
+        try {
+            if (isNew_)
+                file_.disk().write(0, std::vector<std::byte>(kHeaderSize));
+            else
+                file_.disk().write(0, encodeHeader(committed_));
+            file_.disk().sync();
+        } catch (const std::exception&) {
+            outcomeUnknown_ = true;
+            throw Error(ErrorCode::OutcomeUnknown, file_.disk().path(),
+                        std::string("the change may or may not have been stored: ") +
+                            failure.what());
+        }
+        throw;
+    }
+}
+
+// Gives a long free tail back. The change is durable already, so a failure loses nothing but space.
+void FileState::cutFreeTail() noexcept {
+    constexpr std::uint32_t kWorthIt = 64;
+    constexpr std::uint32_t kKept = 16;
+    try {
+        const std::uint32_t end = parts_->table.usedEnd();
+        if (file_.count() > end + kWorthIt)
+            file_.resize(end + kKept);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+void FileState::drop() noexcept {
+    if (!changed_)
+        return;
+    restoreLength();
+    changed_ = false;
+    header_ = committed_;
+    parts_ = std::make_unique<Parts>(file_, header_, isNew_ || isOurs(committed_));
+    if (isNew_)
+        startNewFile();
+}
+
+// What the transaction added to the file's length goes with it; should that fail, the tail is of
+// unused sectors. A header that may name the new sectors keeps them.
+void FileState::restoreLength() noexcept {
+    if (outcomeUnknown_)
+        return;
+    try {
+        if (file_.disk().size() > lengthBefore_) {
+            file_.disk().truncate(lengthBefore_);
+            file_.refresh();
+        }
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+} // namespace compound

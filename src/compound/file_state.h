@@ -1,0 +1,69 @@
+// An open compound file's parts, and the transaction on them.
+#pragma once
+
+#include "compound/allocation_table.h"
+#include "compound/compound_file.h"
+#include "compound/directory.h"
+#include "compound/header.h"
+#include "compound/mini_stream.h"
+#include "compound/sector_chain.h"
+#include "compound/sector_file.h"
+#include "compound/stream_content.h"
+
+#include <memory>
+
+namespace compound {
+
+class FileState {
+  public:
+    // `committed`: the header that stands in the file; `isNew`: none stands there yet.
+    FileState(std::unique_ptr<DiskFile> file, const Header& committed, Access access, bool isNew);
+    ~FileState();
+    FileState(const FileState&) = delete;
+    FileState& operator=(const FileState&) = delete;
+
+    Directory& directory() { return parts_->directory; }
+    StreamContent& content() { return parts_->content; }
+    MiniStream& mini() { return parts_->mini; }
+    AllocationTable& table() { return parts_->table; }
+    SectorChain& directoryChain() { return parts_->directoryChain; }
+    SectorFile& file() { return file_; }
+    const Header& header() const { return header_; }
+
+    // Comes before every change: refuses it in a file opened for reading (Denied), and makes
+    // another program's file sound first.
+    void beginChange();
+
+    void commit();
+    void drop() noexcept;
+    bool hasChanges() const { return changed_; }
+
+  private:
+    struct Parts {
+        Parts(SectorFile& file, Header& header, bool trusted);
+
+        AllocationTable table;
+        SectorChain directoryChain;
+        Directory directory;
+        MiniStream mini;
+        StreamContent content;
+    };
+
+    void startNewFile();
+    void keepReserve();
+    void writeHeader();
+    void cutFreeTail() noexcept;
+    void restoreLength() noexcept;
+
+    SectorFile file_;
+    Header committed_;
+    Header header_; // the transaction's
+    Access access_;
+    bool isNew_;
+    bool changed_ = false;
+    bool outcomeUnknown_ = false;
+    std::uint64_t lengthBefore_;
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace compound

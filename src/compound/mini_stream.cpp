@@ -1,0 +1,173 @@
+#include "compound/mini_stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+namespace compound {
+
+using namespace format;
+
+MiniStream::MiniStream(SectorFile& file, Header& header, AllocationTable& table,
+                       DirectoryEntries& directory)
+    : file_(file),
+      header_(header),
+      allocation_(table),
+      directory_(directory),
+      perPage_(file.sectorSize() / 4),
+      miniPerPage_(file.sectorSize() / kMiniSectorSize),
+      table_(file, table, header.miniFatSectors == 0 ? kEndOfChain : header.firstMiniFat,
+             "the mini FAT") {}
+
+SectorChain& MiniStream::dataChain() {
+    if (!data_) {
+        const std::uint64_t size = directory_.size(DirectoryEntries::kRoot);
+        const std::uint32_t start =
+            size == 0 ? kEndOfChain : directory_.start(DirectoryEntries::kRoot);
+        data_ = std::make_unique<SectorChain>(file_, allocation_, start, "the mini stream");
+        // A root entry may claim more than there is; reading finds that out where it matters.
+        const std::uint64_t most = std::uint64_t{file_.count()} * miniPerPage_;
+        count_ = static_cast<std::uint32_t>(
+            std::min((size + kMiniSectorSize - 1) / kMiniSectorSize, most));
+        hint_ = count_;
+    }
+    return *data_;
+}
+
+std::uint32_t MiniStream::count() {
+    dataChain();
+    return count_;
+}
+
+std::uint32_t MiniStream::entry(std::uint32_t mini) {
+    return read32(table_.read(mini / perPage_) + std::size_t{4} * (mini % perPage_));
+}
+
+std::uint32_t MiniStream::next(std::uint32_t mini) {
+    const std::uint32_t value = mini < count() ? entry(mini) : kFreeSector;
+    if (value != kEndOfChain && value >= count())
+        file_.throwDamaged("a chain of mini sectors runs out of the mini stream at " +
+                           std::to_string(mini));
+    return value;
+}
+
+void MiniStream::set(std::uint32_t mini, std::uint32_t value) {
+    write32(table_.write(mini / perPage_) + std::size_t{4} * (mini % perPage_), value);
+}
+
+void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::byte> into) {
+    std::uint32_t mini = first;
+    std::uint64_t skip = offset / kMiniSectorSize;
+    std::size_t within = offset % kMiniSectorSize;
+    for (std::size_t done = 0; done < into.size();) {
+        if (mini >= count())
+            file_.throwDamaged("a stream of the mini stream ends before its size");
+        if (skip > 0) {
+            --skip;
+        } else {
+            const std::byte* const page = dataChain().read(mini / miniPerPage_);
+            const std::size_t part = std::min(into.size() - done, kMiniSectorSize - within);
+            std::memcpy(into.data() + done,
+                        page + std::size_t{kMiniSectorSize} * (mini % miniPerPage_) + within, part);
+            done += part;
+            within = 0;
+        }
+        if (done < into.size())
+            mini = next(mini);
+    }
+}
+
+// The last free mini sectors before `end` on one page of the table.
+std::uint32_t MiniStream::findFree(std::uint32_t page, std::uint32_t end) {
+    const std::byte* const entries = table_.read(page);
+    for (std::uint32_t i = 0; i < perPage_ && page * perPage_ + i < end; ++i) {
+        if (read32(entries + std::size_t{4} * i) == kFreeSector)
+            return page * perPage_ + i;
+    }
+    return kFreeSector;
+}
+
+// Adds one mini sector at the end, with the pages that it needs.
+void MiniStream::grow() {
+    while (!table_.has(count_ / perPage_))
+        table_.append(std::byte{0xFF});
+    while (!data_->has(count_ / miniPerPage_))
+        data_->append(std::byte{0});
+    ++count_;
+}
+
+// Looks behind the last one taken, on the table's last page and on a few others; then the mini
+// stream grows.
+std::uint32_t MiniStream::allocate() {
+    constexpr std::uint32_t kLooks = 4;
+    dataChain();
+    std::uint32_t found = kFreeSector;
+    if (hint_ + 1 < count_ && entry(hint_ + 1) == kFreeSector)
+        found = hint_ + 1;
+    const std::uint32_t pages = (count_ + perPage_ - 1) / perPage_;
+    if (found == kFreeSector && pages > 0 && !exhausted_)
+        found = findFree(pages - 1, count_);
+    for (std::uint32_t look = 0;
+         found == kFreeSector && !exhausted_ && look + 1 < pages && look < kLooks; ++look)
+        found = findFree((header_.transaction * kLooks + look) % pages, count_);
+    if (found == kFreeSector) {
+        exhausted_ = true;
+        grow();
+        found = count_ - 1;
+    }
+    hint_ = found;
+    set(found, kEndOfChain);
+    return found;
+}
+
+std::uint32_t MiniStream::store(std::span<const std::byte> bytes) {
+    std::uint32_t first = kEndOfChain;
+    std::uint32_t previous = kEndOfChain;
+    for (std::size_t done = 0; done < bytes.size(); done += kMiniSectorSize) {
+        const std::uint32_t mini = allocate();
+        if (previous == kEndOfChain)
+            first = mini;
+        else
+            set(previous, mini);
+        const std::size_t part = std::min<std::size_t>(bytes.size() - done, kMiniSectorSize);
+        std::byte* const at = dataChain().write(mini / miniPerPage_) +
+                              std::size_t{kMiniSectorSize} * (mini % miniPerPage_);
+        std::memset(at, 0, kMiniSectorSize);
+        std::memcpy(at, bytes.data() + done, part);
+        previous = mini;
+    }
+    return first;
+}
+
+void MiniStream::releaseChain(std::uint32_t first) {
+    std::uint64_t seen = 0;
+    for (std::uint32_t mini = first; mini != kEndOfChain;) {
+        const std::uint32_t following = next(mini);
+        if (++seen > count())
+            file_.throwDamaged("a chain of mini sectors never ends");
+        set(mini, kFreeSector);
+        mini = following;
+    }
+    exhausted_ = false;
+}
+
+void MiniStream::writeOut() {
+    if (data_ && data_->hasChanges()) {
+        directory_.setContent(DirectoryEntries::kRoot, data_->first(),
+                              std::uint64_t{count_} * kMiniSectorSize);
+        data_->writeOut();
+    }
+    if (table_.hasChanges()) {
+        header_.firstMiniFat = table_.first();
+        header_.miniFatSectors = table_.count();
+        table_.writeOut();
+    }
+}
+
+void MiniStream::committed() {
+    table_.committed();
+    if (data_)
+        data_->committed();
+}
+
+} // namespace compound

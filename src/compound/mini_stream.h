@@ -1,0 +1,60 @@
+// The mini stream and its allocation table: streams shorter than 4096 bytes share sectors in
+// 64-byte mini sectors. The mini stream is the content of the directory's root entry.
+#pragma once
+
+#include "compound/directory_entries.h"
+#include "compound/header.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace compound {
+
+class MiniStream {
+  public:
+    MiniStream(SectorFile& file, Header& header, AllocationTable& table,
+               DirectoryEntries& directory);
+
+    // Copies the bytes of a chain of mini sectors from `offset` on. Damaged when the chain is
+    // shorter than that.
+    void read(std::uint32_t first, std::uint64_t offset, std::span<std::byte> into);
+
+    // Stores bytes in a new chain; returns its first mini sector (kEndOfChain for no bytes).
+    std::uint32_t store(std::span<const std::byte> bytes);
+
+    void releaseChain(std::uint32_t first);
+
+    // Writes changed pages to their new places and tells the header and the root entry of them;
+    // comes before the directory's own writeOut().
+    void writeOut();
+    void committed();
+
+    // The mini sector behind `mini` in its chain, or kEndOfChain.
+    std::uint32_t next(std::uint32_t mini);
+
+    std::uint32_t entry(std::uint32_t mini); // as it stands in the mini FAT
+    std::uint32_t count();                   // mini sectors that the mini stream holds
+    SectorChain& tableChain() { return table_; }
+    SectorChain& dataChain();
+
+  private:
+    void set(std::uint32_t mini, std::uint32_t value);
+    std::uint32_t allocate();
+    std::uint32_t findFree(std::uint32_t page, std::uint32_t end);
+    void grow();
+
+    SectorFile& file_;
+    Header& header_;
+    AllocationTable& allocation_;
+    DirectoryEntries& directory_;
+    std::uint32_t perPage_;     // entries of one mini FAT sector
+    std::uint32_t miniPerPage_; // mini sectors of one sector of the mini stream
+    SectorChain table_;
+    std::unique_ptr<SectorChain> data_; // made when first needed: its start is in the root entry
+    std::uint32_t count_ = 0;           // valid once data_ is made
+    std::uint32_t hint_ = 0;            // the mini sector last taken
+    bool exhausted_ = false;            // looking found nothing, and nothing was freed since
+};
+
+} // namespace compound

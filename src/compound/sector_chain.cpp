@@ -1,0 +1,135 @@
+#include "compound/sector_chain.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace compound {
+
+using namespace format;
+
+SectorChain::SectorChain(SectorFile& file, AllocationTable& table, std::uint32_t first,
+                         std::string what)
+    : file_(file),
+      table_(table),
+      what_(std::move(what)),
+      first_(first),
+      complete_(first == kEndOfChain) {}
+
+void SectorChain::walkTo(std::uint32_t index) {
+    while (!complete_ && sectors_.size() <= index) {
+        const std::uint32_t sector = sectors_.empty() ? first_ : table_.next(sectors_.back());
+        if (sector == kEndOfChain) {
+            complete_ = true;
+            return;
+        }
+        if (sector >= file_.count() && !table_.isFresh(sector))
+            file_.throwDamaged(what_ + " runs out of the file");
+        if (sectors_.size() >= file_.count())
+            file_.throwDamaged(what_ + " runs in a ring");
+        sectors_.push_back(sector);
+    }
+}
+
+std::uint32_t SectorChain::count() {
+    walkTo(kMaximumSector);
+    return static_cast<std::uint32_t>(sectors_.size());
+}
+
+const std::vector<std::uint32_t>& SectorChain::sectors() {
+    count();
+    return sectors_;
+}
+
+bool SectorChain::has(std::uint32_t index) {
+    walkTo(index);
+    return index < sectors_.size();
+}
+
+// Reads the page and, once many were asked for, those that lie behind it in one run.
+void SectorChain::loadPages(std::uint32_t index) {
+    const std::uint32_t wanted = loads_ < 24 ? 1 : loads_ < 64 ? 16 : 64;
+    ++loads_;
+    const std::uint32_t start = index - index % wanted;
+    walkTo(start + wanted - 1);
+    const auto isFree = [&](std::uint32_t at) {
+        return at < sectors_.size() && (at >= pages_.size() || !pages_[at].bytes);
+    };
+    std::uint32_t from = index;
+    while (from > start && isFree(from - 1) && sectors_[from - 1] + 1 == sectors_[from])
+        --from;
+    std::uint32_t to = index + 1;
+    while (to < start + wanted && isFree(to) && sectors_[to - 1] + 1 == sectors_[to])
+        ++to;
+    if (pages_.size() < to)
+        pages_.resize(std::max<std::size_t>(to, sectors_.size()));
+    const std::size_t size = file_.sectorSize();
+    std::vector<std::byte> bytes(size * (to - from));
+    file_.read(sectors_[from], bytes);
+    for (std::uint32_t at = from; at < to; ++at) {
+        pages_[at].bytes = std::make_unique<std::byte[]>(size);
+        std::memcpy(pages_[at].bytes.get(), bytes.data() + size * (at - from), size);
+    }
+}
+
+const std::byte* SectorChain::read(std::uint32_t index) {
+    if (index < pages_.size() && pages_[index].bytes)
+        return pages_[index].bytes.get();
+    if (!has(index))
+        file_.throwDamaged(what_ + " ends before its page " + std::to_string(index));
+    loadPages(index);
+    return pages_[index].bytes.get();
+}
+
+std::byte* SectorChain::write(std::uint32_t index) {
+    read(index);
+    pages_[index].dirty = anyDirty_ = true;
+    const std::uint32_t old = sectors_[index];
+    if (!table_.isFresh(old)) {
+        walkTo(index + 1);
+        const bool last = index + 1 == sectors_.size();
+        const std::uint32_t moved = table_.allocate(old);
+        table_.link(moved, last ? kEndOfChain : sectors_[index + 1]);
+        if (index > 0)
+            table_.link(sectors_[index - 1], moved);
+        table_.release(old);
+        sectors_[index] = moved;
+    }
+    return pages_[index].bytes.get();
+}
+
+std::uint32_t SectorChain::append(std::byte fill) {
+    const std::uint32_t index = count();
+    const std::uint32_t sector = table_.allocate(sectors_.empty() ? kEndOfChain : sectors_.back());
+    if (!sectors_.empty())
+        table_.link(sectors_.back(), sector);
+    sectors_.push_back(sector);
+    pages_.resize(sectors_.size());
+    pages_[index].bytes = std::make_unique<std::byte[]>(file_.sectorSize());
+    std::memset(pages_[index].bytes.get(), std::to_integer<int>(fill), file_.sectorSize());
+    pages_[index].dirty = anyDirty_ = true;
+    return index;
+}
+
+void SectorChain::writeOut() {
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> places; // sector, page
+    for (std::uint32_t index = 0; index < pages_.size(); ++index) {
+        if (pages_[index].dirty)
+            places.emplace_back(sectors_[index], index);
+    }
+    std::sort(places.begin(), places.end());
+    std::vector<std::byte> run;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        Page& page = pages_[places[i].second];
+        run.insert(run.end(), page.bytes.get(), page.bytes.get() + file_.sectorSize());
+        page.dirty = false;
+        const bool ends = i + 1 == places.size() || places[i + 1].first != places[i].first + 1;
+        if (ends) {
+            const std::size_t length = run.size() / file_.sectorSize();
+            file_.write(places[i].first - static_cast<std::uint32_t>(length) + 1, run);
+            run.clear();
+        }
+    }
+}
+
+} // namespace compound

@@ -1,0 +1,69 @@
+// A chain of sectors as an array of pages: the directory, the mini FAT and the mini stream.
+//
+// Pages are read when they are first asked for, more at a time the more of them are asked for. A
+// page that is to be written moves to a free sector at once; its bytes stay in memory until
+// writeOut().
+#pragma once
+
+#include "compound/allocation_table.h"
+#include "compound/sector_file.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace compound {
+
+class SectorChain {
+  public:
+    // `what` names the chain in messages.
+    SectorChain(SectorFile& file, AllocationTable& table, std::uint32_t first, std::string what);
+
+    std::uint32_t first() const { return sectors_.empty() ? first_ : sectors_.front(); }
+
+    // Pages of the chain; walks it to its end. Damaged when it has none.
+    std::uint32_t count();
+
+    // Whether the chain has a page of that index; walks it that far only.
+    bool has(std::uint32_t index);
+
+    // The page's bytes, valid as long as the chain lives. Damaged when the chain ends before it.
+    const std::byte* read(std::uint32_t index);
+    std::byte* write(std::uint32_t index);
+
+    // Adds a page of `fill` bytes; returns its index.
+    std::uint32_t append(std::byte fill);
+
+    // Pages known so far, without walking on.
+    std::uint32_t walked() const { return static_cast<std::uint32_t>(sectors_.size()); }
+
+    bool hasChanges() const { return anyDirty_; }
+
+    // Writes all changed pages to their new places.
+    void writeOut();
+    void committed() { anyDirty_ = false; }
+
+    const std::vector<std::uint32_t>& sectors(); // the whole chain
+
+  private:
+    struct Page {
+        std::unique_ptr<std::byte[]> bytes;
+        bool dirty = false;
+    };
+
+    void walkTo(std::uint32_t index);
+    void loadPages(std::uint32_t index);
+
+    SectorFile& file_;
+    AllocationTable& table_;
+    std::string what_;
+    std::uint32_t first_;
+    bool complete_;
+    bool anyDirty_ = false;
+    std::uint32_t loads_ = 0;
+    std::vector<std::uint32_t> sectors_; // as far as the chain has been walked
+    std::vector<Page> pages_;
+};
+
+} // namespace compound

@@ -1,0 +1,43 @@
+#include "compound/sector_file.h"
+
+#include "compound/format.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace compound {
+
+SectorFile::SectorFile(std::unique_ptr<DiskFile> file, std::uint32_t sectorSize)
+    : file_(std::move(file)), sectorSize_(sectorSize), count_(0) {
+    refresh();
+}
+
+void SectorFile::refresh() {
+    const std::uint64_t sectors = (file_->size() + sectorSize_ - 1) / sectorSize_;
+    const std::uint64_t behindHeader = sectors == 0 ? 0 : sectors - 1;
+    count_ =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(behindHeader, format::kMaximumSector));
+}
+
+void SectorFile::readPart(std::uint32_t first, std::uint32_t within, std::span<std::byte> into) {
+    if (first >= count_)
+        throwDamaged("sector " + std::to_string(first) + " lies outside the file");
+    const std::size_t length = file_->read(lengthOf(first) + within, into);
+    std::fill(into.begin() + static_cast<std::ptrdiff_t>(length), into.end(), std::byte{0});
+}
+
+void SectorFile::write(std::uint32_t first, std::span<const std::byte> bytes) {
+    file_->write(lengthOf(first), bytes);
+    count_ = std::max(count_, first + static_cast<std::uint32_t>(bytes.size() / sectorSize_));
+}
+
+void SectorFile::resize(std::uint32_t count) {
+    file_->truncate(lengthOf(count));
+    count_ = count;
+}
+
+void SectorFile::throwDamaged(const std::string& what) const {
+    throw Error(ErrorCode::Damaged, file_->path(), what);
+}
+
+} // namespace compound

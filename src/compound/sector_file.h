@@ -1,0 +1,51 @@
+// A file as numbered sectors behind its header. Knows positions and bounds, nothing of meaning.
+#pragma once
+
+#include "compound/disk.h"
+#include "compound/error.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace compound {
+
+class SectorFile {
+  public:
+    SectorFile(std::unique_ptr<DiskFile> file, std::uint32_t sectorSize);
+
+    std::uint32_t sectorSize() const { return sectorSize_; }
+
+    // Sectors that lie in the file, a cut last one included; grows as sectors are written.
+    std::uint32_t count() const { return count_; }
+
+    // Reads whole neighbouring sectors; what lies behind the end of a cut file reads as zeros.
+    // Damaged when the first of them lies outside the file.
+    void read(std::uint32_t first, std::span<std::byte> into) { readPart(first, 0, into); }
+
+    // The same from byte `within` of the first sector on, for any number of bytes.
+    void readPart(std::uint32_t first, std::uint32_t within, std::span<std::byte> into);
+
+    // Writes whole neighbouring sectors.
+    void write(std::uint32_t first, std::span<const std::byte> bytes);
+
+    // The file's length when it ends with sector `count` - 1.
+    std::uint64_t lengthOf(std::uint64_t count) const { return (count + 1) * sectorSize_; }
+
+    // Counts anew after the file's length was changed from outside.
+    void refresh();
+
+    // Sets the file's length to `count` sectors.
+    void resize(std::uint32_t count);
+
+    DiskFile& disk() { return *file_; }
+    [[noreturn]] void throwDamaged(const std::string& what) const;
+
+  private:
+    std::unique_ptr<DiskFile> file_;
+    std::uint32_t sectorSize_;
+    std::uint32_t count_;
+};
+
+} // namespace compound

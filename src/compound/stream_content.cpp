@@ -1,0 +1,158 @@
+#include "compound/stream_content.h"
+
+#include <algorithm>
+#include <string>
+
+namespace compound {
+
+using namespace format;
+
+// The sectors of a long stream; Damaged unless there are exactly as many as its size needs.
+const std::vector<std::uint32_t>& StreamContent::chainOf(EntryId id) {
+    if (cachedId_ == id)
+        return cachedChain_;
+    cachedId_ = kNoEntry;
+    cachedChain_.clear();
+    const std::uint64_t size = directory_.size(id);
+    const std::uint64_t needed = (size + file_.sectorSize() - 1) / file_.sectorSize();
+    if (needed > file_.count())
+        file_.throwDamaged("a stream claims to be larger than the file");
+    for (std::uint32_t at = directory_.start(id); at != kEndOfChain; at = table_.next(at)) {
+        if (cachedChain_.size() >= needed || at >= file_.count())
+            file_.throwDamaged("a stream's chain does not fit its size");
+        cachedChain_.push_back(at);
+    }
+    if (cachedChain_.size() != needed)
+        file_.throwDamaged("a stream's chain is shorter than its size");
+    cachedId_ = id;
+    return cachedChain_;
+}
+
+void StreamContent::readSectors(const std::vector<std::uint32_t>& chain, std::uint64_t offset,
+                                std::span<std::byte> into) {
+    const std::uint32_t size = file_.sectorSize();
+    for (std::size_t done = 0; done < into.size();) {
+        const auto index = static_cast<std::size_t>((offset + done) / size);
+        const auto within = static_cast<std::uint32_t>((offset + done) % size);
+        const std::size_t rest = into.size() - done;
+        std::size_t run = 1;
+        while (run * size - within < rest && chain[index + run] == chain[index] + run)
+            ++run;
+        const std::size_t part = std::min(rest, run * size - within);
+        file_.readPart(chain[index], within, into.subspan(done, part));
+        done += part;
+    }
+}
+
+std::size_t StreamContent::read(EntryId id, std::uint64_t offset, std::span<std::byte> into) {
+    const std::uint64_t size = directory_.size(id);
+    if (offset >= size)
+        return 0;
+    const auto length =
+        static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size - offset));
+    if (isMini(size))
+        mini_.read(directory_.start(id), offset, into.first(length));
+    else
+        readSectors(chainOf(id), offset, into.first(length));
+    return length;
+}
+
+std::vector<std::byte> StreamContent::readAll(EntryId id) {
+    const std::uint64_t size = directory_.size(id);
+    if (!isMini(size))
+        chainOf(id);
+    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    read(id, 0, bytes);
+    return bytes;
+}
+
+void StreamContent::release(EntryId id) {
+    const std::uint64_t size = directory_.size(id);
+    if (size == 0)
+        return;
+    if (isMini(size)) {
+        mini_.releaseChain(directory_.start(id));
+    } else {
+        chainOf(id); // a chain that crosses another one's is found before anything is freed
+        table_.releaseChain(directory_.start(id));
+    }
+    cachedId_ = kNoEntry;
+}
+
+void StreamContent::assign(EntryId id, std::span<const std::byte> bytes) {
+    release(id);
+    const std::uint32_t first =
+        isMini(bytes.size()) ? mini_.store(bytes) : store(bytes, kEndOfChain);
+    directory_.setContent(id, first, bytes.size());
+}
+
+// Writes bytes to new sectors, linked behind `previous`; returns the first of them.
+std::uint32_t StreamContent::store(std::span<const std::byte> bytes, std::uint32_t previous) {
+    const std::size_t count = (bytes.size() + file_.sectorSize() - 1) / file_.sectorSize();
+    std::vector<std::uint32_t> sectors;
+    sectors.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t sector = table_.allocateData(previous);
+        if (previous != kEndOfChain)
+            table_.link(previous, sector);
+        sectors.push_back(previous = sector);
+    }
+    writeSectors(sectors, bytes);
+    return sectors.empty() ? kEndOfChain : sectors.front();
+}
+
+void StreamContent::writeSectors(const std::vector<std::uint32_t>& sectors,
+                                 std::span<const std::byte> bytes) {
+    const std::uint32_t size = file_.sectorSize();
+    for (std::size_t from = 0; from < sectors.size();) {
+        std::size_t to = from + 1;
+        while (to < sectors.size() && sectors[to] == sectors[to - 1] + 1)
+            ++to;
+        const std::size_t whole = std::min(to * size, bytes.size() / size * size);
+        if (whole > from * size)
+            file_.write(sectors[from], bytes.subspan(from * size, whole - from * size));
+        if (to * size > bytes.size()) { // the last sector is filled up with zeros
+            std::vector<std::byte> last(size);
+            std::copy(bytes.begin() + static_cast<std::ptrdiff_t>(whole), bytes.end(),
+                      last.begin());
+            file_.write(sectors[to - 1], last);
+        }
+        from = to;
+    }
+}
+
+void StreamContent::append(EntryId id, std::span<const std::byte> bytes) {
+    const std::uint64_t size = directory_.size(id);
+    if (bytes.empty())
+        return;
+    if (!isMini(size)) {
+        appendSectors(id, bytes);
+        return;
+    }
+    std::vector<std::byte> all = readAll(id);
+    all.insert(all.end(), bytes.begin(), bytes.end());
+    assign(id, all);
+}
+
+// The last sector's used part moves to a new sector together with what comes behind it, unless it
+// is full or this transaction's own.
+void StreamContent::appendSectors(EntryId id, std::span<const std::byte> bytes) {
+    const std::uint64_t size = directory_.size(id);
+    std::vector<std::uint32_t> chain = chainOf(id);
+    const auto used = static_cast<std::size_t>(size % file_.sectorSize());
+    std::vector<std::byte> tail(used);
+    if (used > 0) {
+        readSectors(chain, size - used, tail);
+        const std::uint32_t last = chain.back();
+        chain.pop_back();
+        if (!chain.empty())
+            table_.link(chain.back(), kEndOfChain);
+        table_.release(last);
+    }
+    tail.insert(tail.end(), bytes.begin(), bytes.end());
+    const std::uint32_t first = store(tail, chain.empty() ? kEndOfChain : chain.back());
+    cachedId_ = kNoEntry;
+    directory_.setContent(id, chain.empty() ? first : chain.front(), size + bytes.size());
+}
+
+} // namespace compound

@@ -1,0 +1,45 @@
+// The content of streams: in the mini stream below 4096 bytes, otherwise in sectors of their own.
+#pragma once
+
+#include "compound/directory_entries.h"
+#include "compound/mini_stream.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace compound {
+
+class StreamContent {
+  public:
+    StreamContent(SectorFile& file, AllocationTable& table, DirectoryEntries& directory,
+                  MiniStream& mini)
+        : file_(file), table_(table), directory_(directory), mini_(mini) {}
+
+    // See compound_file.h, class Stream.
+    std::size_t read(EntryId id, std::uint64_t offset, std::span<std::byte> into);
+    std::vector<std::byte> readAll(EntryId id);
+    void assign(EntryId id, std::span<const std::byte> bytes);
+    void append(EntryId id, std::span<const std::byte> bytes);
+
+    // Frees what the stream occupies; the entry still names it.
+    void release(EntryId id);
+
+  private:
+    bool isMini(std::uint64_t size) const { return size < format::kMiniStreamCutoff; }
+    const std::vector<std::uint32_t>& chainOf(EntryId id);
+    void readSectors(const std::vector<std::uint32_t>& chain, std::uint64_t offset,
+                     std::span<std::byte> into);
+    std::uint32_t store(std::span<const std::byte> bytes, std::uint32_t previous);
+    void writeSectors(const std::vector<std::uint32_t>& sectors, std::span<const std::byte> bytes);
+    void appendSectors(EntryId id, std::span<const std::byte> bytes);
+
+    SectorFile& file_;
+    AllocationTable& table_;
+    DirectoryEntries& directory_;
+    MiniStream& mini_;
+    EntryId cachedId_ = format::kNoEntry; // whose chain cachedChain_ is
+    std::vector<std::uint32_t> cachedChain_;
+};
+
+} // namespace compound
