@@ -1,0 +1,77 @@
+// A disk in memory for tests: sparse files, locks, a trash, a capacity, and calls made to fail.
+#pragma once
+
+#include "compound/disk.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Bytes in pages; pages never written read as zeros and take no memory.
+class SparseBytes {
+  public:
+    std::uint64_t size() const { return size_; }
+    void resize(std::uint64_t size);
+    std::size_t read(std::uint64_t offset, std::span<std::byte> into) const;
+    void write(std::uint64_t offset, std::span<const std::byte> bytes);
+    std::uint64_t allocated() const; // bytes of the pages that were written
+
+  private:
+    static constexpr std::uint64_t kPage = 4096;
+    std::map<std::uint64_t, std::vector<std::byte>> pages_;
+    std::uint64_t size_ = 0;
+};
+
+class MemoryDisk : public compound::Disk {
+  public:
+    struct File {
+        SparseBytes bytes;
+        bool locked = false;
+    };
+
+    enum class Call { Read, Write, Sync, Truncate, Size, Lock, Folder };
+
+    MemoryDisk() = default;
+
+    void makeFolder(const std::filesystem::path& folder);
+    std::vector<std::byte> content(const std::filesystem::path& path) const;
+    void setContent(const std::filesystem::path& path, std::span<const std::byte> bytes);
+    const std::vector<std::filesystem::path>& trashed() const { return trashed_; }
+
+    // Called before every call with its kind; may throw in the call's place.
+    void setInterceptor(std::function<void(Call)> interceptor) {
+        interceptor_ = std::move(interceptor);
+    }
+    // The most bytes that all files together may take; a write past it throws NoSpace.
+    void setCapacity(std::optional<std::uint64_t> bytes) { capacity_ = bytes; }
+
+    std::unique_ptr<compound::DiskFile> open(const std::filesystem::path& path,
+                                             compound::Access access) override;
+    std::unique_ptr<compound::DiskFile> create(const std::filesystem::path& path) override;
+    void copyAttributes(compound::DiskFile& from, compound::DiskFile& to) override;
+    std::vector<compound::FolderEntry> list(const std::filesystem::path& folder) override;
+    bool exists(const std::filesystem::path& path) override;
+    void renameWithoutReplacing(const std::filesystem::path& from,
+                                const std::filesystem::path& to) override;
+    void renameReplacing(const std::filesystem::path& from,
+                         const std::filesystem::path& to) override;
+    void syncFolder(const std::filesystem::path& folder) override;
+    void trash(const std::filesystem::path& path) override;
+    void removeTemporary(const std::filesystem::path& path) override;
+
+  private:
+    friend class MemoryFile;
+    void announce(Call call) const;
+    void checkCapacity(const File& file, std::uint64_t newSize) const;
+    std::shared_ptr<File> find(const std::filesystem::path& path) const;
+
+    std::map<std::filesystem::path, std::shared_ptr<File>> files_;
+    std::vector<std::filesystem::path> folders_;
+    std::vector<std::filesystem::path> trashed_;
+    std::function<void(Call)> interceptor_;
+    std::optional<std::uint64_t> capacity_;
+};
