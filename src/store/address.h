@@ -40,7 +40,6 @@ struct GroupAddress {
     FileName file;
     StorageName storage;
 
-    bool isTopLevel() const { return storage.text == file.text; }
     auto operator<=>(const GroupAddress&) const = default;
 };
 

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "store/library.h"
+#include "store/names.h"
 
 #include <cstdint>
 #include <optional>
@@ -14,7 +15,6 @@
 
 namespace store {
 
-enum class GroupLevel { TopLevel, SubGroup };
 enum class IfTaken { Refuse, Replace };
 
 struct GroupEntry {
@@ -87,6 +87,6 @@ struct GroupSize {
 GroupSize readGroupSize(const Library& library, const GroupAddress& group);
 
 // Rewrites the group file densely: a complete new file, durable, takes the old one's place.
-void compactGroupFile(const Library& library, const FileName& file);
+void compactGroupFile(const Library& library, const std::filesystem::path& path);
 
 } // namespace store

@@ -81,7 +81,7 @@ std::string readPictureType(const Library& library, const GroupAddress& group,
 
 // Walks the elements of the group storage from the element index `start` on (`Name` and `Parent`
 // count as elements, but are not delivered) and hands each picture to `take`, until take returns
-// TakePicture::Stop or the elements end.
+// TakePicture::Stop or the elements end. A picture with damaged bytes is handed over without any.
 enum class TakePicture { Continue, Stop };
 void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
                   const std::function<TakePicture(const StoredPicture&)>& take);

@@ -1,0 +1,95 @@
+#include "store/damaged_groups.h"
+
+#include "compound/error.h"
+#include "store/group_layout.h"
+#include "store/storage_access.h"
+
+#include <functional>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::Error;
+using compound::ErrorCode;
+
+constexpr std::size_t kSuffixLength = 4;
+
+bool isFindingAboutBytes(ErrorCode code) {
+    return code == ErrorCode::Damaged || code == ErrorCode::NotCompoundFile;
+}
+
+GroupFileState stateOf(const Error& error) {
+    if (isFindingAboutBytes(error.code()))
+        return GroupFileState::Damaged;
+    return error.code() == ErrorCode::Locked ? GroupFileState::Locked : GroupFileState::Unreadable;
+}
+
+// Opens the file, tests it, and lets `use` look at a sound one.
+GroupFileReading examine(const Library& library, const std::filesystem::path& path,
+                         const FileName& file, const LockBudget& budget,
+                         const std::function<void(StorageAccess&, const StorageName&)>& use) {
+    GroupFileReading reading;
+    try {
+        StorageAccess access(library);
+        access.openFile(path, Access::Read, budget.remaining());
+        const auto top = findTopLevelGroup(access.root(), file);
+        if (!top)
+            throw Error(ErrorCode::Damaged, path,
+                        "it holds no group of its own name (the file may have been renamed)");
+        use(access, *top);
+        reading.state = GroupFileState::Sound;
+    } catch (const Error& error) {
+        reading.state = stateOf(error);
+        reading.cause = error.what();
+    }
+    return reading;
+}
+
+} // namespace
+
+GroupFileReading readGroupFile(const Library& library, const FileName& file,
+                               const LockBudget& budget) {
+    std::vector<GroupEntry> groups;
+    GroupFileReading reading = examine(library, pathOf(library, file), file, budget,
+                                       [&](StorageAccess& access, const StorageName& top) {
+                                           groups = readGroups(access.root(), file, top);
+                                       });
+    reading.groups = std::move(groups);
+    return reading;
+}
+
+GroupFileState testGroupFile(const Library& library, const std::filesystem::path& path,
+                             const LockBudget& budget) {
+    std::u16string name = fromPath(path.filename());
+    if (endsWithIgnoringCase(name, kGroupFileSuffix))
+        name.resize(name.size() - kSuffixLength);
+    return examine(library, path, {name}, budget, [](StorageAccess&, const StorageName&) {}).state;
+}
+
+void setAside(const Library& library, const FileName& file) {
+    const std::filesystem::path path = pathOf(library, file);
+    const std::filesystem::path aside =
+        library.folder / toPath(file.text + std::u16string(kDamagedFileSuffix));
+    if (library.disk.exists(aside))
+        library.disk.trash(aside);
+    library.disk.renameWithoutReplacing(path, aside);
+    library.disk.syncFolder(library.folder);
+}
+
+std::size_t removeDamagedFiles(const Library& library) {
+    std::size_t removed = 0;
+    for (const std::filesystem::path& path : damagedFiles(library)) {
+        try {
+            library.disk.trash(path);
+            ++removed;
+        } catch (const Error&) {
+            continue; // stays, and is told of again at the next start
+        }
+    }
+    if (removed > 0)
+        library.disk.syncFolder(library.folder);
+    return removed;
+}
+
+} // namespace store

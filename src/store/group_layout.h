@@ -1,0 +1,39 @@
+// How the storages of one open group file make groups: which are groups, which are info storages,
+// and which group hangs under which.
+#pragma once
+
+#include "store/group_operations.h"
+#include "store/storage_access.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace store {
+
+// The storages at the root, in the file's order.
+std::vector<std::u16string> rootStorages(StorageHandle root);
+
+// The storage of the file's own (top-level) group as the file spells it; nothing when the root
+// holds no info storage for it.
+std::optional<StorageName> findTopLevelGroup(StorageHandle root, const FileName& file);
+
+// All groups of the file: the top-level group first, every parent before its children, each parent
+// resolved to a group that is there.
+std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file,
+                                   const StorageName& top);
+
+// The `Name` or `Parent` text of a group storage; nothing when the stream is missing or damaged.
+std::optional<std::u16string> readGroupText(const StorageHandle& group, std::u16string_view stream);
+
+// Replaces the `Name` or `Parent` text of a group storage.
+void writeGroupText(StorageHandle group, std::u16string_view stream, std::u16string_view text);
+
+// Creates the pair of storages S and S & "Info" with the two texts.
+void createGroupPair(StorageHandle root, const StorageName& storage, std::u16string_view parent,
+                     std::u16string_view name);
+
+// The storage name of a file's next sub-group.
+StorageName nextSubGroup(StorageHandle root);
+
+} // namespace store

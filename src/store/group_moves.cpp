@@ -1,0 +1,89 @@
+// Operations that put a complete new file beside the old one: renaming a top-level group and
+// compacting. At no instant is the group's content without a durable file.
+#include "compound/error.h"
+#include "store/group_layout.h"
+#include "store/group_operations.h"
+#include "store/new_group_file.h"
+
+#include <utility>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::Error;
+using compound::ErrorCode;
+
+// Renames a storage's pair and its `Name`; the links of the groups below it follow.
+void renameTopLevelPair(StorageHandle root, const StorageName& from, const std::u16string& to) {
+    for (const std::u16string& storage : rootStorages(root)) {
+        if (sameName(storage, from.text) || endsWithIgnoringCase(storage, kInfoSuffix))
+            continue;
+        const StorageHandle group = root.OpenStorage(storage, OpenMode::Open);
+        const auto parent = readGroupText(group, kParentStream);
+        if (parent && sameName(*parent, from.text))
+            writeGroupText(group, kParentStream, to);
+    }
+    root.RenameElement(from.text, to);
+    const std::u16string info = infoStorageOf(from).text;
+    if (root.find(info))
+        root.RenameElement(info, infoStorageOf({to}).text);
+    writeGroupText(root.OpenStorage(to, OpenMode::Open), kNameStream, to);
+}
+
+void refuseTakenName(const Library& library, const GroupAddress& group, const GroupName& newName) {
+    for (const FileName& file : groupFiles(library)) {
+        if (file != group.file && sameName(file.text, newName.text))
+            throw Error(ErrorCode::Exists, pathOf(library, file), "the group exists already");
+    }
+}
+
+GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
+                              const GroupName& newName) {
+    refuseTakenName(library, group, newName);
+    const std::filesystem::path oldPath = pathOf(library, group.file);
+    const std::filesystem::path newPath =
+        library.folder / toPath(newName.text + std::u16string(kGroupFileSuffix));
+    StorageAccess old(library);
+    old.openGroup(group, Access::Read);
+    if (oldPath == newPath)
+        return newName;
+    NewGroupFile file(library, newPath);
+    compound::copyAll(old.file(), file.file());
+    renameTopLevelPair(StorageHandle(file.file().root()), group.storage, newName.text);
+    library.disk.copyAttributes(old.file().disk(), file.file().disk());
+    file.publish();
+    library.disk.removeTemporary(oldPath);
+    library.disk.syncFolder(library.folder);
+    return newName;
+}
+
+GroupName renameSubGroup(const Library& library, const GroupAddress& group,
+                         const GroupName& newName) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    writeGroupText(access.groupStorage(), kNameStream, newName.text);
+    access.Commit();
+    return newName;
+}
+
+} // namespace
+
+GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName) {
+    const GroupLevel level = isTopLevel(group) ? GroupLevel::TopLevel : GroupLevel::SubGroup;
+    if (!isValidGroupName(newName.text, level))
+        throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
+                    "\"" + toUtf8(newName.text) + "\" cannot be a group's name");
+    return level == GroupLevel::TopLevel ? renameTopLevelGroup(library, group, newName)
+                                         : renameSubGroup(library, group, newName);
+}
+
+void compactGroupFile(const Library& library, const std::filesystem::path& path) {
+    StorageAccess old(library);
+    old.openFile(path, Access::ReadWrite, library.lockWait);
+    NewGroupFile file(library, path);
+    compound::copyAll(old.file(), file.file());
+    file.publishInPlaceOf(old.file().disk());
+}
+
+} // namespace store

@@ -1,0 +1,154 @@
+#include "store/group_operations.h"
+
+#include "compound/error.h"
+#include "store/group_layout.h"
+#include "store/new_group_file.h"
+#include "store/storage_access.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::Error;
+using compound::ErrorCode;
+
+void requireValidName(const Library& library, const GroupName& name, GroupLevel level) {
+    if (!isValidGroupName(name.text, level))
+        throw Error(ErrorCode::InvalidName, library.folder,
+                    "\"" + toUtf8(name.text) + "\" cannot be a group's name");
+}
+
+GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, IfTaken ifTaken) {
+    requireValidName(library, name, GroupLevel::TopLevel);
+    const GroupAddress address = topLevelAddress(name.text);
+    const std::filesystem::path path = pathOf(library, address.file);
+    if (library.disk.exists(path)) {
+        if (ifTaken == IfTaken::Refuse)
+            throw Error(ErrorCode::Exists, path, "the group exists already");
+        library.disk.trash(path);
+    }
+    NewGroupFile file(library, path);
+    createGroupPair(StorageHandle(file.file().root()), address.storage, kNoParent, name.text);
+    file.publish();
+    return address;
+}
+
+GroupAddress createSubGroup(const Library& library, const GroupAddress& parent,
+                            const GroupName& name) {
+    requireValidName(library, name, GroupLevel::SubGroup);
+    StorageAccess access(library);
+    access.openGroup(parent, Access::ReadWrite); // a vanished parent is found out here
+    const StorageName storage = nextSubGroup(access.root());
+    createGroupPair(access.root(), storage, parent.storage.text, name.text);
+    access.Commit();
+    return {parent.file, storage};
+}
+
+} // namespace
+
+GroupAddress createGroup(const Library& library, const std::optional<GroupAddress>& parent,
+                         const GroupName& name, IfTaken ifTaken) {
+    return parent ? createSubGroup(library, *parent, name)
+                  : createTopLevelGroup(library, name, ifTaken);
+}
+
+bool testGroupName(const Library&, const GroupName& name, GroupLevel level) noexcept {
+    try {
+        return isValidGroupName(name.text, level);
+    } catch (...) {
+        return false;
+    }
+}
+
+bool groupExists(const Library& library, const GroupName& name) {
+    const std::vector<FileName> files = groupFiles(library);
+    return std::any_of(files.begin(), files.end(),
+                       [&](const FileName& file) { return file.text == name.text; });
+}
+
+bool groupExistsIgnoringCase(const Library& library, const GroupName& name) {
+    const std::vector<FileName> files = groupFiles(library);
+    return std::any_of(files.begin(), files.end(),
+                       [&](const FileName& file) { return sameName(file.text, name.text); });
+}
+
+bool subGroupExists(const Library& library, const GroupAddress& parent, const GroupName& name) {
+    StorageAccess access(library);
+    access.openFile(parent.file, Access::Read);
+    const auto top = findTopLevelGroup(access.root(), parent.file);
+    const auto groups =
+        readGroups(access.root(), parent.file, top.value_or(StorageName{parent.file.text}));
+    return std::any_of(groups.begin(), groups.end(), [&](const GroupEntry& group) {
+        return sameName(group.parent.text, parent.storage.text) && group.name == name;
+    });
+}
+
+GroupName readGroupName(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    access.groupStream().emplace(access.groupStorage().OpenStream(kNameStream, OpenMode::Open));
+    return {access.groupStream()->GetText()};
+}
+
+StorageName readGroupParent(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    access.groupStream().emplace(access.groupStorage().OpenStream(kParentStream, OpenMode::Open));
+    return {access.groupStream()->GetText()};
+}
+
+std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    if (isTopLevel(group))
+        throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
+                    "the top-level group goes with its file only");
+    const auto top = findTopLevelGroup(access.root(), group.file);
+    const auto groups =
+        readGroups(access.root(), group.file, top.value_or(StorageName{group.file.text}));
+    // Parents stand before their children, so one pass collects the whole subtree.
+    std::set<std::u16string> doomed{group.storage.text};
+    std::vector<GroupAddress> removed{group};
+    for (const GroupEntry& entry : groups) {
+        if (doomed.contains(entry.parent.text) && doomed.insert(entry.address.storage.text).second)
+            removed.push_back(entry.address);
+    }
+    std::reverse(removed.begin(), removed.end());
+    for (const GroupAddress& address : removed) {
+        access.root().DestroyElement(address.storage.text);
+        if (const auto info = access.root().find(infoStorageOf(address.storage).text))
+            access.root().DestroyElement(info->name);
+    }
+    access.Commit();
+    return removed;
+}
+
+void removeGroupFile(const Library& library, const FileName& file) {
+    const std::filesystem::path path = pathOf(library, file);
+    // Whoever works on the group right now finishes first.
+    const auto locked = openLocked(library.disk, path, Access::Read, library.lockWait);
+    library.disk.trash(path);
+    library.disk.syncFolder(path.parent_path());
+}
+
+GroupSize readGroupSize(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    GroupSize size;
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    compound::Element element;
+    while (cursor.next(element)) {
+        if (element.kind != compound::ElementKind::Stream)
+            continue;
+        size.bytes += element.size;
+        if (!isGroupText(element.name))
+            ++size.pictures;
+    }
+    return size;
+}
+
+} // namespace store

@@ -1,0 +1,71 @@
+#include "store/library.h"
+
+#include "compound/error.h"
+#include "store/names.h"
+
+#include <algorithm>
+
+namespace store {
+namespace {
+
+constexpr std::size_t kSuffixLength = 4;
+
+std::vector<std::u16string> filesEndingIn(const Library& library, std::u16string_view suffix) {
+    std::vector<std::u16string> names;
+    for (const compound::FolderEntry& entry : library.disk.list(library.folder)) {
+        std::u16string name = fromPath(entry.name);
+        const bool hasBaseName = name.size() > suffix.size();
+        if (entry.isRegularFile && hasBaseName && endsWithIgnoringCase(name, suffix))
+            names.push_back(std::move(name));
+    }
+    std::sort(names.begin(), names.end(), listsBefore);
+    return names;
+}
+
+} // namespace
+
+LockBudget::LockBudget(std::chrono::milliseconds total)
+    : end_(std::chrono::steady_clock::now() + total) {}
+
+std::chrono::milliseconds LockBudget::remaining() const {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        end_ - std::chrono::steady_clock::now());
+    return std::max(left, std::chrono::milliseconds{0});
+}
+
+std::filesystem::path pathOf(const Library& library, const FileName& file) {
+    const std::u16string name = file.text + std::u16string(kGroupFileSuffix);
+    std::filesystem::path path = library.folder / toPath(name);
+    if (library.disk.exists(path))
+        return path;
+    // "A.STG" is the group file of A as well, on systems that tell the two names apart.
+    try {
+        for (const std::u16string& other : filesEndingIn(library, kGroupFileSuffix)) {
+            if (other.substr(0, other.size() - kSuffixLength) == file.text)
+                return library.folder / toPath(other);
+        }
+    } catch (const compound::Error&) {
+        // The folder cannot be listed: opening the plain path will say why.
+        return path;
+    }
+    return path;
+}
+
+std::vector<FileName> groupFiles(const Library& library) {
+    std::vector<FileName> files;
+    for (std::u16string& name : filesEndingIn(library, kGroupFileSuffix)) {
+        name.resize(name.size() - kSuffixLength);
+        files.push_back({std::move(name)});
+    }
+    files.erase(std::unique(files.begin(), files.end()), files.end());
+    return files;
+}
+
+std::vector<std::filesystem::path> damagedFiles(const Library& library) {
+    std::vector<std::filesystem::path> files;
+    for (const std::u16string& name : filesEndingIn(library, kDamagedFileSuffix))
+        files.push_back(library.folder / toPath(name));
+    return files;
+}
+
+} // namespace store

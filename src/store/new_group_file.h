@@ -1,0 +1,38 @@
+// A group file in the making: written under a temporary name that no listing takes for a group
+// file, and given its real name only when it is complete and durable.
+#pragma once
+
+#include "compound/compound_file.h"
+#include "store/library.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace store {
+
+class NewGroupFile {
+  public:
+    // Creates and locks the temporary file beside `target`. Temporary files that crashed programs
+    // have left in the folder are removed.
+    NewGroupFile(const Library& library, std::filesystem::path target);
+    ~NewGroupFile(); // removes the temporary file unless it was published
+    NewGroupFile(const NewGroupFile&) = delete;
+    NewGroupFile& operator=(const NewGroupFile&) = delete;
+
+    compound::CompoundFile& file() { return *file_; }
+
+    // Commits, and gives the file its name. Exists (and nothing changed) when the name is taken.
+    void publish();
+
+    // As publish, but atomically takes the place of `old`, whose permissions it gets.
+    void publishInPlaceOf(compound::DiskFile& old);
+
+  private:
+    const Library& library_;
+    std::filesystem::path target_;
+    std::filesystem::path temporary_;
+    std::optional<compound::CompoundFile> file_;
+    bool published_ = false;
+};
+
+} // namespace store

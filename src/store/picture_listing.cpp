@@ -1,0 +1,124 @@
+// Walking all pictures of a group: group storage and info storage lie in the same order, so one
+// pass over both finds every picture's record without searching.
+#include "compound/error.h"
+#include "compound/names.h"
+#include "store/names.h"
+#include "store/picture_operations.h"
+#include "store/storage_access.h"
+
+#include <utility>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::Element;
+using compound::ElementKind;
+using compound::Error;
+using compound::ErrorCode;
+
+bool isPicture(const Element& element) {
+    return element.kind == ElementKind::Stream && !isGroupText(element.name);
+}
+
+// Delivers records for names asked for in ascending order; a name that the pass misses (a tree in
+// another program's order) is searched.
+class RecordPass {
+  public:
+    explicit RecordPass(const StorageHandle& info) : info_(info), cursor_(info.elements()) {
+        advance();
+    }
+
+    PictureRecord recordOf(std::u16string_view name) {
+        while (any_ && compound::compareNames(current_.name, name) < 0)
+            advance();
+        if (any_ && compound::compareNames(current_.name, name) == 0)
+            return read(current_);
+        const auto element = info_.find(name);
+        return element ? read(*element) : PictureRecord{};
+    }
+
+  private:
+    void advance() { any_ = cursor_.next(current_); }
+
+    PictureRecord read(const Element& element) const {
+        if (element.kind != ElementKind::Stream)
+            return {};
+        return parseRecord(info_.OpenStream(element).GetString());
+    }
+
+    const StorageHandle& info_;
+    compound::ElementCursor cursor_;
+    Element current_;
+    bool any_ = false;
+};
+
+// One picture with a damaged chain does not hide those behind it: it comes without bytes.
+std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& element) {
+    try {
+        return group.OpenStream(element).Get();
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Damaged)
+            throw;
+        return {};
+    }
+}
+
+} // namespace
+
+std::vector<PictureEntry> listPictures(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    std::optional<RecordPass> records;
+    if (access.openInfo(group))
+        records.emplace(access.infoStorage());
+    std::vector<PictureEntry> pictures;
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    Element element;
+    while (cursor.next(element)) {
+        if (!isPicture(element))
+            continue;
+        PictureRecord record = records ? records->recordOf(element.name) : PictureRecord{};
+        pictures.push_back({{std::move(element.name)}, element.size, std::move(record)});
+    }
+    return pictures;
+}
+
+void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
+                  const std::function<TakePicture(const StoredPicture&)>& take) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    const bool hasInfo = access.openInfo(group);
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    if (cursor.skip(start) < start)
+        return;
+    Element element;
+    while (cursor.next(element)) {
+        if (!isPicture(element))
+            continue;
+        StoredPicture picture;
+        if (hasInfo) {
+            if (const auto record = access.infoStorage().find(element.name))
+                picture.record = parseRecord(access.infoStorage().OpenStream(*record).GetString());
+        }
+        picture.bytes = readUndamaged(access.groupStorage(), element);
+        picture.name.text = std::move(element.name);
+        if (take(picture) == TakePicture::Stop)
+            return;
+    }
+}
+
+std::vector<std::size_t> pictureIndexes(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    std::vector<std::size_t> indexes;
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    Element element;
+    for (std::size_t index = 0; cursor.next(element); ++index) {
+        if (isPicture(element))
+            indexes.push_back(index);
+    }
+    return indexes;
+}
+
+} // namespace store

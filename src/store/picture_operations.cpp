@@ -1,0 +1,209 @@
+#include "store/picture_operations.h"
+
+#include "compound/error.h"
+#include "store/names.h"
+#include "store/storage_access.h"
+
+#include <string>
+#include <utility>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::Element;
+using compound::ElementKind;
+using compound::Error;
+using compound::ErrorCode;
+
+// A source file, read and measured: all that can fail for the picture's sake is behind it.
+struct Source {
+    std::vector<std::byte> bytes;
+    PictureRecord record;
+};
+
+Source readSource(const Library& library, const std::filesystem::path& path) {
+    const auto file = library.disk.open(path, Access::Read);
+    const std::uint64_t size = file->size();
+    if (size > kMaximumPictureBytes)
+        throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
+    Source source;
+    source.bytes.resize(static_cast<std::size_t>(size));
+    source.bytes.resize(file->read(0, source.bytes));
+    try {
+        source.record =
+            recordOf(library.measure(source.bytes), typeCodeOf(fromPath(path.filename())));
+    } catch (const std::exception& error) {
+        throw Error(ErrorCode::InvalidPicture, path, error.what());
+    }
+    return source;
+}
+
+void requireValidName(const std::filesystem::path& file, const PictureName& name) {
+    if (!isValidPictureName(name.text))
+        throw Error(ErrorCode::InvalidName, file,
+                    "\"" + toUtf8(name.text) + "\" cannot be a picture's name");
+}
+
+Error missingPicture(const std::filesystem::path& file, const PictureName& name) {
+    return {ErrorCode::NotFound, file, "there is no picture \"" + toUtf8(name.text) + "\""};
+}
+
+// The picture's stream as the group spells it.
+Element findPicture(StorageAccess& access, const PictureName& name) {
+    const auto element = access.groupStorage().find(name.text);
+    if (!element || element->kind != ElementKind::Stream || isGroupText(element->name))
+        throw missingPicture(access.file().disk().path(), name);
+    return *element;
+}
+
+PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
+    const auto element = access.infoStorage().find(name);
+    if (!element || element->kind != ElementKind::Stream)
+        return {};
+    access.infoStream().emplace(access.infoStorage().OpenStream(*element));
+    return parseRecord(access.infoStream()->GetString());
+}
+
+// Stores bytes first, then the record; both become the file's state with the caller's Commit.
+void storePicture(const Library& library, StorageAccess& access, const GroupAddress& group,
+                  const PictureName& name, const Source& source) {
+    access.groupStream().emplace(access.groupStorage().CreateStream(name.text, OpenMode::Create));
+    access.groupStream()->Put(source.bytes);
+    access.openOrCreateInfo(group);
+    access.infoStream().emplace(access.infoStorage().CreateStream(name.text, OpenMode::Create));
+    access.infoStream()->PutString(formatRecord(source.record, library.decimalSeparator));
+}
+
+void refuseExisting(StorageAccess& access, const PictureName& name, IfPictureExists ifExists) {
+    if (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text))
+        throw Error(ErrorCode::Exists, access.file().disk().path(),
+                    "there is a picture \"" + toUtf8(name.text) + "\" already");
+}
+
+} // namespace
+
+struct PictureBatch::State {
+    State(const Library& theLibrary, GroupAddress theGroup)
+        : library(theLibrary), group(std::move(theGroup)), access(library) {}
+
+    const Library& library;
+    GroupAddress group;
+    StorageAccess access;
+};
+
+PictureBatch::PictureBatch(const Library& library, const GroupAddress& group)
+    : state_(std::make_unique<State>(library, group)) {
+    state_->access.openGroup(group, Access::ReadWrite);
+}
+
+PictureBatch::~PictureBatch() = default;
+
+void PictureBatch::add(const PictureName& name, const std::filesystem::path& source,
+                       IfPictureExists ifExists) {
+    requireValidName(state_->access.file().disk().path(), name);
+    refuseExisting(state_->access, name, ifExists);
+    const Source read = readSource(state_->library, source);
+    storePicture(state_->library, state_->access, state_->group, name, read);
+}
+
+void PictureBatch::commit() {
+    state_->access.Commit();
+}
+
+void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,
+                const std::filesystem::path& source, IfPictureExists ifExists) {
+    requireValidName(pathOf(library, group.file), name);
+    const Source read = readSource(library, source);
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    refuseExisting(access, name, ifExists);
+    storePicture(library, access, group, name, read);
+    access.Commit();
+}
+
+bool testPictureName(const Library& library, const GroupAddress& group,
+                     const PictureName& name) noexcept {
+    try {
+        if (!isValidPictureName(name.text))
+            return false;
+        StorageAccess access(library);
+        access.openGroup(group, Access::Read);
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+bool pictureExists(const Library& library, const GroupAddress& group, const PictureName& name) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    return isGroupText(name.text) || access.groupStorage().find(name.text).has_value();
+}
+
+StoredPicture readPicture(const Library& library, const GroupAddress& group,
+                          const PictureName& name) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    const Element element = findPicture(access, name);
+    StoredPicture picture{{element.name}, {}, {}};
+    if (access.openInfo(group))
+        picture.record = readRecord(access, element.name);
+    access.groupStream().emplace(access.groupStorage().OpenStream(element));
+    picture.bytes = access.groupStream()->Get();
+    return picture;
+}
+
+std::string readPictureType(const Library& library, const GroupAddress& group,
+                            const PictureName& name) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    return access.openInfo(group) ? readRecord(access, name.text).type : std::string();
+}
+
+void renamePicture(const Library& library, const GroupAddress& group, const PictureName& from,
+                   const PictureName& to) {
+    requireValidName(pathOf(library, group.file), to);
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    const Element picture = findPicture(access, from);
+    if (picture.name == to.text)
+        return;
+    access.groupStorage().RenameElement(picture.name, to.text);
+    if (access.openInfo(group)) {
+        StorageHandle& info = access.infoStorage();
+        // A record that stands under the new name belongs to no picture.
+        if (!sameName(from.text, to.text) && info.find(to.text))
+            info.DestroyElement(to.text);
+        if (const auto record = info.find(from.text))
+            info.RenameElement(record->name, to.text);
+    }
+    access.Commit();
+}
+
+void deletePicture(const Library& library, const GroupAddress& group, const PictureName& name) {
+    if (name.text.empty())
+        return;
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    const Element picture = findPicture(access, name);
+    access.groupStorage().DestroyElement(picture.name);
+    if (access.openInfo(group)) {
+        if (const auto record = access.infoStorage().find(picture.name))
+            access.infoStorage().DestroyElement(record->name);
+    }
+    access.Commit();
+}
+
+std::filesystem::path exportPicture(const Library& library, const GroupAddress& group,
+                                    const PictureName& name, const std::filesystem::path& folder,
+                                    const std::string& baseName) {
+    const StoredPicture picture = readPicture(library, group, name);
+    const std::string type = picture.record.type.empty() ? "JPG" : picture.record.type;
+    const std::filesystem::path path = folder / (baseName + "." + type);
+    library.disk.removeTemporary(path);
+    library.disk.create(path)->write(0, picture.bytes);
+    return path;
+}
+
+} // namespace store

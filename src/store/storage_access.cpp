@@ -1,0 +1,150 @@
+#include "store/storage_access.h"
+
+#include "compound/error.h"
+#include "store/names.h"
+#include "store/text_codec.h"
+
+#include <array>
+#include <utility>
+
+namespace store {
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+
+constexpr std::size_t kLongestText = 1024;
+constexpr std::size_t kLongestRecord = 64; // "h", "w", "t", a type code and two numbers
+
+compound::IfExists ifExistsOf(OpenMode mode) {
+    return mode == OpenMode::Create ? compound::IfExists::Replace : compound::IfExists::Refuse;
+}
+
+} // namespace
+
+void StreamHandle::Put(std::u16string_view text) {
+    const auto bytes = encodeText(text);
+    if (!bytes)
+        throw Error(ErrorCode::InvalidName, {},
+                    "\"" + toUtf8(text) + "\" has characters outside the text code page");
+    stream_.assign(*bytes);
+}
+
+std::u16string StreamHandle::GetText() const {
+    std::array<std::byte, kLongestText> buffer{};
+    const std::size_t length = stream_.read(0, buffer);
+    return decodeText(std::span(buffer).first(length));
+}
+
+void StreamHandle::PutString(std::string_view record) {
+    stream_.assign(std::as_bytes(std::span(record)));
+}
+
+std::string StreamHandle::GetString() const {
+    if (stream_.size() > kLongestRecord)
+        return {};
+    std::array<std::byte, kLongestRecord> buffer{};
+    const std::size_t length = stream_.read(0, buffer);
+    return {reinterpret_cast<const char*>(buffer.data()), length};
+}
+
+StorageHandle StorageHandle::OpenStorage(std::u16string_view name, OpenMode) const {
+    return StorageHandle(storage_.openStorage(name));
+}
+
+StorageHandle StorageHandle::CreateStorage(std::u16string_view name, OpenMode mode) {
+    return StorageHandle(storage_.createStorage(name, ifExistsOf(mode)));
+}
+
+StreamHandle StorageHandle::OpenStream(std::u16string_view name, OpenMode) const {
+    return StreamHandle(storage_.openStream(name));
+}
+
+StreamHandle StorageHandle::OpenStream(const compound::Element& element) const {
+    return StreamHandle(storage_.openStream(element));
+}
+
+StreamHandle StorageHandle::CreateStream(std::u16string_view name, OpenMode mode) {
+    return StreamHandle(storage_.createStream(name, ifExistsOf(mode)));
+}
+
+void StorageHandle::RenameElement(std::u16string_view from, std::u16string_view to) {
+    storage_.rename(from, to);
+}
+
+void StorageHandle::DestroyElement(std::u16string_view name) {
+    storage_.destroy(name);
+}
+
+ElementType StorageHandle::Directory(std::size_t index, std::u16string& name) const {
+    compound::ElementCursor cursor = storage_.elements();
+    compound::Element element;
+    if (cursor.skip(index) != index || !cursor.next(element)) {
+        name.clear();
+        return ElementType::None;
+    }
+    name = std::move(element.name);
+    return element.kind == compound::ElementKind::Storage ? ElementType::Storage
+                                                          : ElementType::Stream;
+}
+
+std::optional<compound::Element> StorageHandle::find(std::u16string_view name) const {
+    return storage_.find(name);
+}
+
+std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
+                                               const std::filesystem::path& path,
+                                               compound::Access access,
+                                               std::chrono::milliseconds wait) {
+    const LockBudget budget(wait);
+    while (true) {
+        std::unique_ptr<compound::DiskFile> file = disk.open(path, access);
+        if (!file->lock(budget.remaining()))
+            throw Error(ErrorCode::Locked, path, "the file is in use by another program");
+        if (file->isStillAtPath())
+            return file;
+        if (budget.remaining().count() == 0)
+            throw Error(ErrorCode::Locked, path, "the file is being replaced by another program");
+    }
+}
+
+void StorageAccess::openFile(const std::filesystem::path& path, compound::Access access,
+                             std::chrono::milliseconds wait) {
+    release();
+    fileStorage_.emplace(
+        compound::CompoundFile::open(openLocked(library_.disk, path, access, wait), access));
+}
+
+void StorageAccess::openFile(const FileName& file, compound::Access access) {
+    openFile(pathOf(library_, file), access, library_.lockWait);
+}
+
+void StorageAccess::openGroup(const GroupAddress& group, compound::Access access) {
+    openFile(group.file, access);
+    groupStorage_.emplace(root().OpenStorage(group.storage.text, OpenMode::Open));
+}
+
+bool StorageAccess::openInfo(const GroupAddress& group) {
+    infoStorage_.reset();
+    const auto element = root().find(infoStorageOf(group.storage).text);
+    if (!element || element->kind != compound::ElementKind::Storage)
+        return false;
+    infoStorage_.emplace(root().OpenStorage(element->name, OpenMode::Open));
+    return true;
+}
+
+void StorageAccess::openOrCreateInfo(const GroupAddress& group) {
+    if (!openInfo(group))
+        infoStorage_.emplace(
+            root().CreateStorage(infoStorageOf(group.storage).text, OpenMode::Open));
+}
+
+void StorageAccess::release() {
+    infoStream_.reset();
+    infoStorage_.reset();
+    groupStream_.reset();
+    groupStorage_.reset();
+    fileStorage_.reset();
+}
+
+} // namespace store
