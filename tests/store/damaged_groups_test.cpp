@@ -1,0 +1,96 @@
+#include "compound/error.h"
+#include "store/store_fixture.h"
+
+#include <gmock/gmock.h>
+
+namespace store::testing {
+namespace {
+
+using compound::Access;
+using compound::ErrorCode;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class DamagedGroupTest : public StoreTest {
+  protected:
+    GroupFileState stateOf(const std::string& name) {
+        return testGroupFile(library, "/library/" + name, LockBudget{std::chrono::milliseconds{0}});
+    }
+
+    GroupFileReading reading(std::u16string_view name) {
+        return readGroupFile(library, {std::u16string(name)},
+                             LockBudget{std::chrono::milliseconds{0}});
+    }
+};
+
+TEST_F(DamagedGroupTest, OnlyBytesMakeAFileDamaged) {
+    topGroup(u"Plant");
+    EXPECT_EQ(stateOf("Plant.stg"), GroupFileState::Sound);
+    EXPECT_EQ(stateOf("Missing.stg"), GroupFileState::Unreadable);
+    {
+        const auto file = disk.open("/library/Plant.stg", Access::Read);
+        ASSERT_TRUE(file->lock(std::chrono::milliseconds{0}));
+        EXPECT_EQ(stateOf("Plant.stg"), GroupFileState::Locked);
+        EXPECT_EQ(reading(u"Plant").state, GroupFileState::Locked);
+        EXPECT_THAT(reading(u"Plant").cause, HasSubstr("Plant.stg"));
+    }
+    disk.create("/library/Text.stg")->write(0, std::as_bytes(std::span("no compound file")));
+    disk.create("/library/Empty.stg");
+    EXPECT_EQ(stateOf("Text.stg"), GroupFileState::Damaged);
+    EXPECT_EQ(stateOf("Empty.stg"), GroupFileState::Damaged);
+    disk.renameWithoutReplacing("/library/Plant.stg", "/library/Works.stg");
+    EXPECT_EQ(stateOf("Works.stg"), GroupFileState::Damaged);
+    EXPECT_EQ(reading(u"Works").state, GroupFileState::Damaged);
+}
+
+TEST_F(DamagedGroupTest, CaseAndDotsOfTheFileNameDoNotMatter) {
+    const GroupAddress plant = topGroup(u"Plant");
+    subGroup(plant, u"Below");
+    disk.renameWithoutReplacing("/library/Plant.stg", "/library/plant.v2.STG");
+    ASSERT_EQ(stateOf("plant.v2.STG"), GroupFileState::Sound);
+    const GroupFileReading found = reading(u"plant.v2");
+    ASSERT_EQ(found.groups.size(), 2U);
+    const GroupAddress top = found.groups.front().address;
+    EXPECT_EQ(keyOf(top), u"Plant/plant.v2");
+    EXPECT_EQ(found.groups.front().name.text, u"plant.v2");
+    EXPECT_TRUE(isTopLevel(top));
+    add(top, u"picture");
+    EXPECT_EQ(renameGroup(library, top, {u"Works"}).text, u"Works");
+    EXPECT_THAT(treeOf(u"Works"), ElementsAre("Works>Sub1:Below"));
+    EXPECT_THAT(pictureNames(topLevelAddress(u"Works")), ElementsAre("picture"));
+}
+
+TEST_F(DamagedGroupTest, SettingAsideKeepsWhatWasSetAsideBefore) {
+    disk.create("/library/Plant.err")->write(0, std::as_bytes(std::span("older")));
+    disk.create("/library/Plant.stg")->write(0, std::as_bytes(std::span("newer")));
+    setAside(library, {u"Plant"});
+    EXPECT_FALSE(disk.exists("/library/Plant.stg"));
+    EXPECT_EQ(disk.trashed().size(), 1U);
+    ASSERT_THAT(damagedFiles(library), ElementsAre("/library/Plant.err"));
+    disk.create("/library/other.ERR");
+    EXPECT_EQ(removeDamagedFiles(library), 2U);
+    EXPECT_THAT(damagedFiles(library), IsEmpty());
+    EXPECT_EQ(disk.trashed().size(), 3U);
+    EXPECT_EQ(removeDamagedFiles(library), 0U);
+}
+
+TEST_F(DamagedGroupTest, ALockedFileIsNeverWrittenOrRemoved) {
+    const GroupAddress plant = topGroup(u"Plant");
+    const GroupAddress below = subGroup(plant, u"Below");
+    const auto bytes = disk.content("/library/Plant.stg");
+    const auto file = disk.open("/library/Plant.stg", Access::Read);
+    ASSERT_TRUE(file->lock(std::chrono::milliseconds{0}));
+    const auto code = [&](auto action) { return errorOf(action); };
+    EXPECT_EQ(code([&] { add(plant, u"a"); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { renameGroup(library, plant, {u"Works"}); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { renameGroup(library, below, {u"Else"}); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { deleteGroup(library, below); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { removeGroupFile(library, plant.file); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { compactGroupFile(library, "/library/Plant.stg"); }), ErrorCode::Locked);
+    EXPECT_EQ(disk.content("/library/Plant.stg"), bytes);
+    EXPECT_EQ(disk.list("/library").size(), 1U);
+}
+
+} // namespace
+} // namespace store::testing

@@ -1,0 +1,202 @@
+#include "compound/error.h"
+#include "store/store_fixture.h"
+
+#include <gmock/gmock.h>
+
+namespace store::testing {
+namespace {
+
+using compound::ErrorCode;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class PictureTest : public StoreTest {
+  protected:
+    std::string rawRecord(std::u16string_view name) {
+        compound::CompoundFile raw = openRaw(u"Plant");
+        const auto bytes = raw.root().openStorage(u"Sub1Info").openStream(name).readAll();
+        return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    }
+
+    void destroyRaw(std::u16string_view storage, std::u16string_view name) {
+        compound::CompoundFile raw = openRaw(u"Plant");
+        raw.root().openStorage(storage).destroy(name);
+        raw.commit();
+    }
+
+    GroupAddress plant = topGroup(u"Plant");
+    GroupAddress group = subGroup(plant, u"Pumps");
+};
+
+TEST_F(PictureTest, APictureIsItsBytesAndARecord) {
+    addPicture(library, group, {u"icon"}, source("pump.ico", 480, 480));
+    addPicture(library, group, {u"scan"}, source("scan.tiff", 472, 960));
+    library.decimalSeparator = u',';
+    addPicture(library, group, {u"logo"}, source("logo.Gif", 472, 960, std::string(9000, 'g')));
+    EXPECT_EQ(rawRecord(u"icon"), "h32w32tICO");
+    EXPECT_EQ(rawRecord(u"scan"), "h31.46667w64tJPG");
+    EXPECT_EQ(rawRecord(u"logo"), "h31,46667w64tGIF");
+    EXPECT_EQ(bytesOf(group, u"LOGO"), "PIC472 960 " + std::string(9000, 'g'));
+
+    const std::vector<PictureEntry> pictures = listPictures(library, group);
+    ASSERT_EQ(pictures.size(), 3U);
+    EXPECT_FLOAT_EQ(pictures[1].record.height, 31.46667F); // icon, logo, scan
+    EXPECT_EQ(pictures[1].record.width, 64);
+    EXPECT_EQ(pictures[1].record.type, "GIF");
+    EXPECT_EQ(pictures[1].bytes, 9011U);
+    EXPECT_EQ(readPictureType(library, group, {u"ICON"}), "ICO");
+    EXPECT_EQ(readGroupSize(library, group).pictures, 3U);
+    expectSound(u"Plant");
+}
+
+TEST_F(PictureTest, AddingUnderAnExistingNameReplacesBytesAndRecord) {
+    add(group, u"Logo", "first");
+    addPicture(library, group, {u"LOGO"}, source("second.gif", 15, 30));
+    EXPECT_THAT(pictureNames(group), ElementsAre("LOGO"));
+    EXPECT_EQ(rawRecord(u"logo"), "h1w2tGIF");
+    EXPECT_EQ(errorOf([&] {
+                  addPicture(library, group, {u"logo"}, source("x.bmp", 1, 1),
+                             IfPictureExists::Refuse);
+              }),
+              ErrorCode::Exists);
+    EXPECT_TRUE(pictureExists(library, group, {u"lOgO"}));
+    EXPECT_FALSE(pictureExists(library, group, {u"other"}));
+    EXPECT_TRUE(pictureExists(library, group, {u"name"}));
+    EXPECT_TRUE(pictureExists(library, group, {u"Parent"}));
+}
+
+TEST_F(PictureTest, AFailedAddLeavesTheOldPicture) {
+    add(group, u"logo", "kept");
+    const auto tryAdd = [&](std::u16string_view name, const std::filesystem::path& file) {
+        return errorOf([&] { addPicture(library, group, {std::u16string(name)}, file); });
+    };
+    EXPECT_EQ(tryAdd(u"logo", "/sources/missing.bmp"), ErrorCode::NotFound);
+    EXPECT_EQ(tryAdd(u"logo", fileOf("broken.bmp", "nothing")), ErrorCode::InvalidPicture);
+    EXPECT_EQ(tryAdd(u"Name", source("a.bmp", 1, 1)), ErrorCode::InvalidName);
+    EXPECT_EQ(tryAdd(u"PARENT", source("a.bmp", 1, 1)), ErrorCode::InvalidName);
+    EXPECT_EQ(tryAdd(u"a/b", source("a.bmp", 1, 1)), ErrorCode::InvalidName);
+    disk.create("/sources/huge.bmp")->truncate(kMaximumPictureBytes + 1);
+    EXPECT_EQ(tryAdd(u"logo", "/sources/huge.bmp"), ErrorCode::TooLarge);
+    EXPECT_EQ(bytesOf(group, u"logo"), "PIC480 480 kept");
+    EXPECT_EQ(readGroupName(library, group).text, u"Pumps");
+    EXPECT_EQ(errorOf([&] {
+                  addPicture(library, addressOf(u"Sub9/Plant"), {u"a"}, source("a.bmp", 1, 1));
+              }),
+              ErrorCode::NotFound);
+}
+
+TEST_F(PictureTest, TestingANameChangesNothing) {
+    add(group, u"logo", "kept");
+    const auto bytes = disk.content("/library/Plant.stg");
+    EXPECT_TRUE(testPictureName(library, group, {u"logo"}));
+    EXPECT_TRUE(testPictureName(library, group, {u"new"}));
+    EXPECT_TRUE(testPictureName(library, group, {std::u16string(31, u'x')}));
+    for (const char16_t* name : {u"", u"NAME", u"parent", u"a:b", u"a\\b", u"a!b", u"a\tb"})
+        EXPECT_FALSE(testPictureName(library, group, {name})) << toUtf8(name);
+    EXPECT_FALSE(testPictureName(library, group, {std::u16string(32, u'x')}));
+    EXPECT_FALSE(testPictureName(library, addressOf(u"Sub9/Plant"), {u"new"}));
+    EXPECT_EQ(disk.content("/library/Plant.stg"), bytes);
+}
+
+TEST_F(PictureTest, RenamingMovesStreamAndRecord) {
+    addPicture(library, group, {u"Logo"}, source("a.gif", 15, 30, "logo"));
+    add(group, u"Other", "other");
+    EXPECT_EQ(errorOf([&] { renamePicture(library, group, {u"Logo"}, {u"OTHER"}); }),
+              ErrorCode::Exists);
+    EXPECT_EQ(errorOf([&] { renamePicture(library, group, {u"Logo"}, {u"Name"}); }),
+              ErrorCode::InvalidName);
+    EXPECT_EQ(errorOf([&] { renamePicture(library, group, {u"Name"}, {u"free"}); }),
+              ErrorCode::NotFound);
+    EXPECT_EQ(errorOf([&] { renamePicture(library, group, {u"gone"}, {u"free"}); }),
+              ErrorCode::NotFound);
+    renamePicture(library, group, {u"logo"}, {u"LOGO"});
+    renamePicture(library, group, {u"LOGO"}, {u"A much longer name"});
+    EXPECT_THAT(pictureNames(group), ElementsAre("Other", "A much longer name"));
+    EXPECT_EQ(rawRecord(u"A much longer name"), "h1w2tGIF");
+    EXPECT_EQ(bytesOf(group, u"A much longer name"), "PIC15 30 logo");
+    expectSound(u"Plant");
+}
+
+TEST_F(PictureTest, APictureWithoutARecordIsStillAPicture) {
+    add(group, u"orphan", "bytes");
+    add(group, u"second");
+    destroyRaw(u"Sub1Info", u"orphan");
+    destroyRaw(u"Sub1", u"second"); // leaves a record without a picture
+    EXPECT_EQ(listPictures(library, group).front().record.type, "");
+    renamePicture(library, group, {u"orphan"}, {u"second"});
+    EXPECT_EQ(listPictures(library, group).front().record.type, "") << "a stranger's record";
+}
+
+TEST_F(PictureTest, DeletingToleratesMissingRecordsAndStorages) {
+    add(group, u"one");
+    add(group, u"two");
+    destroyRaw(u"Sub1Info", u"one");
+    deletePicture(library, group, {u"one"});
+    {
+        compound::CompoundFile raw = openRaw(u"Plant");
+        raw.root().destroy(u"Sub1Info");
+        raw.commit();
+    }
+    EXPECT_EQ(listPictures(library, group).size(), 1U);
+    EXPECT_EQ(readPicture(library, group, {u"two"}).record.type, "");
+    deletePicture(library, group, {u""});
+    EXPECT_THAT(pictureNames(group), ElementsAre("two"));
+    deletePicture(library, group, {u"TWO"});
+    EXPECT_THAT(pictureNames(group), IsEmpty());
+    EXPECT_EQ(errorOf([&] { deletePicture(library, group, {u"Name"}); }), ErrorCode::NotFound);
+    add(group, u"three"); // makes the info storage anew
+    EXPECT_EQ(rawRecord(u"three"), "h32w32tBMP");
+}
+
+TEST_F(PictureTest, ABatchIsAllOrNothing) {
+    {
+        PictureBatch batch(library, group);
+        batch.add({u"one"}, source("a.bmp", 15, 15), IfPictureExists::Refuse);
+        EXPECT_EQ(errorOf([&] { add(group, u"elsewhere"); }), ErrorCode::Locked);
+    }
+    EXPECT_THAT(pictureNames(group), IsEmpty());
+    {
+        PictureBatch batch(library, group);
+        batch.add({u"one"}, source("a.bmp", 15, 15), IfPictureExists::Refuse);
+        const auto broken = fileOf("broken.bmp", "nothing");
+        EXPECT_EQ(errorOf([&] { batch.add({u"two"}, broken, IfPictureExists::Refuse); }),
+                  ErrorCode::InvalidPicture);
+        const auto other = source("b.bmp", 1, 1);
+        EXPECT_EQ(errorOf([&] { batch.add({u"ONE"}, other, IfPictureExists::Refuse); }),
+                  ErrorCode::Exists);
+        batch.add({u"three"}, source("c.bmp", 15, 15), IfPictureExists::Refuse);
+        batch.commit();
+    }
+    EXPECT_THAT(pictureNames(group), ElementsAre("one", "three"));
+}
+
+TEST_F(PictureTest, PagesAreCutByElementIndex) {
+    for (const char16_t* name : {u"a", u"b", u"longer name", u"longest name"})
+        add(group, name, toUtf8(name));
+    // a, b, Name, Parent, longer name, longest name
+    EXPECT_THAT(pictureIndexes(library, group), ElementsAre(0U, 1U, 4U, 5U));
+    const auto page = [&](std::size_t start, std::size_t most) {
+        std::vector<std::string> names;
+        walkPictures(library, group, start, [&](const StoredPicture& picture) {
+            names.push_back(toUtf8(picture.name.text));
+            return names.size() == most ? TakePicture::Stop : TakePicture::Continue;
+        });
+        return names;
+    };
+    EXPECT_THAT(page(0, 3), ElementsAre("a", "b", "longer name"));
+    EXPECT_THAT(page(3, 3), ElementsAre("longer name", "longest name"));
+    EXPECT_THAT(page(6, 3), IsEmpty());
+}
+
+TEST_F(PictureTest, ExportReplacesTheEarlierCopy) {
+    disk.makeFolder("/temporary");
+    addPicture(library, group, {u"long"}, source("photo.jpeg", 15, 15, std::string(100, 'x')));
+    addPicture(library, group, {u"short"}, source("photo.jpeg", 15, 15));
+    exportPicture(library, group, {u"long"}, "/temporary", "CopiedPicture");
+    const auto path = exportPicture(library, group, {u"short"}, "/temporary", "CopiedPicture");
+    EXPECT_EQ(path, "/temporary/CopiedPicture.JPG");
+    EXPECT_EQ(disk.content(path).size(), std::string("PIC15 15 ").size());
+}
+
+} // namespace
+} // namespace store::testing

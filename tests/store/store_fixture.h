@@ -1,0 +1,66 @@
+// A library on the in-memory disk for the store's tests, with short ways to make groups, pictures
+// and foreign elements and to look at what a file holds.
+#pragma once
+
+#include "compound/compound_file.h"
+#include "compound/error.h"
+#include "compound/memory_disk.h"
+#include "store/damaged_groups.h"
+#include "store/group_operations.h"
+#include "store/picture_operations.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace store::testing {
+
+// Measures our make-believe pictures: "PIC" HEIGHT " " WIDTH (twips), anything after them.
+TwipSize measureText(std::span<const std::byte> bytes);
+
+class StoreTest : public ::testing::Test {
+  protected:
+    StoreTest();
+
+    // Writes a source file outside the library; its bytes are a picture of that size in twips.
+    std::filesystem::path source(const std::string& fileName, int heightTwips, int widthTwips,
+                                 const std::string& rest = {});
+    std::filesystem::path fileOf(const std::string& name, const std::string& bytes);
+
+    GroupAddress topGroup(std::u16string_view name);
+    GroupAddress subGroup(const GroupAddress& parent, std::u16string_view name);
+    void add(const GroupAddress& group, std::u16string_view name, const std::string& rest = {});
+
+    // Opens a group file for what only a foreign program would do to it.
+    compound::CompoundFile openRaw(std::u16string_view file);
+    void makeForeignGroup(std::u16string_view file, std::u16string_view storage,
+                          std::u16string_view name, std::u16string_view parent);
+
+    // The names of the root's elements, sorted.
+    std::vector<std::u16string> rootOf(std::u16string_view file);
+    // "PARENT>S:NAME" for every group but the first, in the order of the listing.
+    std::vector<std::string> treeOf(std::u16string_view file);
+    std::vector<std::string> pictureNames(const GroupAddress& group);
+    std::string bytesOf(const GroupAddress& group, std::u16string_view name);
+    void expectSound(std::u16string_view file);
+
+    // The code of the error that `action` throws; fails the test when it throws none.
+    template <typename Action>
+    compound::ErrorCode errorOf(Action action);
+
+    MemoryDisk disk;
+    Library library{disk, "/library", measureText, u'.', std::chrono::milliseconds{0}};
+};
+
+template <typename Action>
+compound::ErrorCode StoreTest::errorOf(Action action) {
+    try {
+        action();
+    } catch (const compound::Error& error) {
+        return error.code();
+    }
+    ADD_FAILURE() << "no error";
+    return compound::ErrorCode::Failed;
+}
+
+} // namespace store::testing
