@@ -1,0 +1,80 @@
+// Bytes -> picture. A picture is recognised by its content, never by its file's name, measured from
+// its headers or decoded once, and then painted at any size.
+//
+// Errors: DecodeError; nothing else escapes for the bytes' sake. Sizes are checked before memory is
+// taken. Neither measure() nor decode() needs a QGuiApplication.
+#pragma once
+
+#include <QImage>
+#include <QPoint>
+#include <QSize>
+#include <QString>
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <stdexcept>
+
+class QPainter;
+class QRectF;
+
+namespace imaging {
+
+// In the order in which type codes are tested.
+enum class PictureKind { Wmf, Emf, Ico, Cur, Bmp, Gif, Jpg };
+
+// 15 twips are a pixel; a metafile's size may be a fraction of pixels.
+struct TwipSize {
+    double height = 0;
+    double width = 0;
+};
+
+inline constexpr qint64 kMaximumPixels = 40'000'000;
+
+// what(): the cause in plain English, without a file name.
+class DecodeError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+struct PictureFacts {
+    PictureKind kind = PictureKind::Bmp;
+    QSize pixels; // a metafile's: its size in pixels, rounded, at least 1 x 1
+    TwipSize twips;
+    int bitsPerPixel = 0; // of the stored picture; 0 for metafiles
+    QPoint hotSpot;       // of a cursor, in pixels from the top left
+};
+
+class Picture {
+  public:
+    Picture(PictureFacts facts, QImage image);
+
+    const PictureFacts& facts() const { return facts_; }
+
+    // A raster picture in full size, maybe with alpha; null for a metafile.
+    const QImage& image() const { return image_; }
+
+    // The whole picture fitted into `box` device pixels, proportions kept. A raster picture is
+    // never enlarged; a metafile is drawn at that size. Needs a QGuiApplication for metafiles.
+    QImage scaledTo(QSize box) const;
+
+    // Paints the whole picture into `target`, whatever its proportions.
+    void paint(QPainter& painter, const QRectF& target) const;
+
+  private:
+    PictureFacts facts_;
+    QImage image_;
+};
+
+// "WMF", "EMF", ... in upper case.
+QString typeCodeOf(PictureKind kind);
+
+// What kind of picture the bytes begin like.
+std::optional<PictureKind> sniff(std::span<const std::byte> bytes);
+
+// Kind and size from the headers; takes no memory for pixels.
+PictureFacts measure(std::span<const std::byte> bytes);
+
+Picture decode(std::span<const std::byte> bytes);
+
+} // namespace imaging
