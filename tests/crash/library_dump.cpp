@@ -1,0 +1,122 @@
+#include "crash/library_dump.h"
+
+#include "compound/compound_file.h"
+#include "compound/memory_disk.h"
+#include "store/group_operations.h"
+#include "store/picture_operations.h"
+
+#include <algorithm>
+#include <sstream>
+#include <stdexcept>
+#include <string_view>
+#include <unordered_map>
+
+namespace crash {
+namespace {
+
+std::string_view textOf(std::span<const std::byte> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+std::string fingerprint(std::span<const std::byte> bytes) {
+    return std::to_string(bytes.size()) + " bytes " +
+           std::to_string(std::hash<std::string_view>{}(textOf(bytes)));
+}
+
+void dumpPictures(const store::Library& library, const store::GroupAddress& group,
+                  std::ostringstream& out) {
+    store::walkPictures(library, group, 0, [&](const store::StoredPicture& picture) {
+        out << "  " << store::toUtf8(picture.name.text) << ' ' << fingerprint(picture.bytes) << ' '
+            << store::formatRecord(picture.record, u'.') << '\n';
+        return store::TakePicture::Continue;
+    });
+}
+
+std::string dumpGroupFile(const store::Library& library, const store::FileName& file) {
+    std::ostringstream out;
+    const store::LockBudget budget(std::chrono::milliseconds{0});
+    const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
+    out << reading.cause;
+    for (const store::GroupEntry& group : reading.groups) {
+        out << store::toUtf8(store::keyOf(group.address)) << ' ' << store::toUtf8(group.name.text)
+            << " below " << store::toUtf8(group.parent.text) << '\n';
+        dumpPictures(library, group.address, out);
+    }
+    auto compound = compound::CompoundFile::open(
+        library.disk.open(store::pathOf(library, file), compound::Access::Read),
+        compound::Access::Read);
+    for (const compound::Finding& finding : compound.check())
+        out << "finding: " << finding.where << ": " << finding.what << '\n';
+    return out.str();
+}
+
+// The same bytes come up again and again, in one state after the other.
+std::string dumpBytes(const std::filesystem::path& path, const std::vector<std::byte>& bytes) {
+    static std::unordered_map<std::string, std::string> known;
+    const std::string key = path.string() + fingerprint(bytes);
+    const auto found = known.find(key);
+    if (found != known.end())
+        return found->second;
+    MemoryDisk disk;
+    fill(disk, {{{path, bytes}}, {}});
+    std::string dump;
+    try {
+        dump = dumpGroupFile(libraryOn(disk), {store::fromPath(path.stem())});
+    } catch (const std::exception& error) {
+        dump = error.what();
+    }
+    return known.emplace(key, dump).first->second;
+}
+
+} // namespace
+
+store::TwipSize measureSource(std::span<const std::byte> bytes) {
+    if (textOf(bytes).starts_with("broken"))
+        throw std::runtime_error("no picture");
+    return {480, static_cast<double>(bytes.size())};
+}
+
+store::Library libraryOn(compound::Disk& disk) {
+    return {disk, kLibraryFolder, measureSource, u'.', std::chrono::milliseconds{0}};
+}
+
+LibraryDump dumpOf(const Medium& medium) {
+    LibraryDump dump;
+    for (const auto& [path, bytes] : medium.files) {
+        if (path.extension() == ".stg")
+            dump.emplace(path.filename().string(), dumpBytes(path, bytes));
+        else if (path.extension() == ".err")
+            dump.emplace(path.filename().string(), fingerprint(bytes));
+    }
+    return dump;
+}
+
+Medium mediumOf(compound::Disk& disk) {
+    const RecordingDisk snapshot(disk, kLibraryFolder);
+    Medium medium;
+    for (const auto& [path, id] : snapshot.beginning().names)
+        medium.files.emplace(path, snapshot.beginning().contents.at(id));
+    return medium;
+}
+
+void fill(compound::Disk& disk, const Medium& medium) {
+    dynamic_cast<MemoryDisk&>(disk).makeFolder(kLibraryFolder);
+    for (const auto& [path, bytes] : medium.files)
+        disk.create(path)->write(0, bytes);
+}
+
+std::string difference(const LibraryDump& expected, const LibraryDump& actual) {
+    std::ostringstream out;
+    const auto missing = [&](const LibraryDump& from, const LibraryDump& in, char mark) {
+        for (const auto& [file, dump] : from) {
+            const auto other = in.find(file);
+            if (other == in.end() || other->second != dump)
+                out << mark << ' ' << file << '\n' << dump << '\n';
+        }
+    };
+    missing(expected, actual, '-');
+    missing(actual, expected, '+');
+    return out.str();
+}
+
+} // namespace crash

@@ -1,0 +1,129 @@
+#include "crash/recording_disk.h"
+
+#include <utility>
+
+namespace crash {
+
+using compound::Access;
+using compound::Disk;
+using compound::DiskFile;
+
+class RecordingFile : public DiskFile {
+  public:
+    RecordingFile(RecordingDisk& disk, std::unique_ptr<DiskFile> inner, FileId id)
+        : disk_(disk), inner_(std::move(inner)), id_(id) {}
+
+    const std::filesystem::path& path() const override { return inner_->path(); }
+
+    std::size_t read(std::uint64_t offset, std::span<std::byte> into) override {
+        return inner_->read(offset, into);
+    }
+
+    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        inner_->write(offset, bytes);
+        disk_.record({EventKind::Write, id_, offset, {bytes.begin(), bytes.end()}, {}, {}});
+    }
+
+    void sync() override {
+        inner_->sync();
+        disk_.record({EventKind::SyncFile, id_, 0, {}, {}, {}});
+    }
+
+    void truncate(std::uint64_t size) override {
+        inner_->truncate(size);
+        disk_.record({EventKind::Truncate, id_, size, {}, {}, {}});
+    }
+
+    std::uint64_t size() override { return inner_->size(); }
+    bool lock(std::chrono::milliseconds wait) override { return inner_->lock(wait); }
+    bool isStillAtPath() override { return inner_->isStillAtPath(); }
+
+    DiskFile& inner() { return *inner_; }
+
+  private:
+    RecordingDisk& disk_;
+    std::unique_ptr<DiskFile> inner_;
+    FileId id_;
+};
+
+RecordingDisk::RecordingDisk(Disk& inner, std::filesystem::path folder)
+    : inner_(inner), folder_(std::move(folder)) {
+    for (const compound::FolderEntry& entry : inner_.list(folder_)) {
+        const std::filesystem::path path = folder_ / entry.name;
+        const auto file = inner_.open(path, Access::Read);
+        std::vector<std::byte> bytes(static_cast<std::size_t>(file->size()));
+        file->read(0, bytes);
+        names_.emplace(path, nextId_);
+        beginning_.contents.emplace(nextId_++, std::move(bytes));
+    }
+    beginning_.names = names_;
+}
+
+std::unique_ptr<DiskFile> RecordingDisk::open(const std::filesystem::path& path, Access access) {
+    std::unique_ptr<DiskFile> file = inner_.open(path, access);
+    const auto known = names_.find(path);
+    if (known == names_.end())
+        return file; // outside the folder, such as a picture that is added
+    return std::make_unique<RecordingFile>(*this, std::move(file), known->second);
+}
+
+std::unique_ptr<DiskFile> RecordingDisk::create(const std::filesystem::path& path) {
+    std::unique_ptr<DiskFile> file = inner_.create(path);
+    if (path.parent_path() != folder_)
+        return file;
+    const FileId id = nextId_++;
+    names_[path] = id;
+    record({EventKind::Create, id, 0, {}, path, {}});
+    return std::make_unique<RecordingFile>(*this, std::move(file), id);
+}
+
+void RecordingDisk::copyAttributes(DiskFile& from, DiskFile& to) {
+    inner_.copyAttributes(dynamic_cast<RecordingFile&>(from).inner(),
+                          dynamic_cast<RecordingFile&>(to).inner());
+}
+
+std::vector<compound::FolderEntry> RecordingDisk::list(const std::filesystem::path& folder) {
+    return inner_.list(folder);
+}
+
+bool RecordingDisk::exists(const std::filesystem::path& path) {
+    return inner_.exists(path);
+}
+
+void RecordingDisk::renameWithoutReplacing(const std::filesystem::path& from,
+                                           const std::filesystem::path& to) {
+    inner_.renameWithoutReplacing(from, to);
+    recordRename(from, to);
+}
+
+void RecordingDisk::renameReplacing(const std::filesystem::path& from,
+                                    const std::filesystem::path& to) {
+    inner_.renameReplacing(from, to);
+    recordRename(from, to);
+}
+
+void RecordingDisk::recordRename(const std::filesystem::path& from,
+                                 const std::filesystem::path& to) {
+    names_[to] = names_.at(from);
+    names_.erase(from);
+    record({EventKind::Rename, 0, 0, {}, from, to});
+}
+
+void RecordingDisk::syncFolder(const std::filesystem::path& folder) {
+    inner_.syncFolder(folder);
+    record({EventKind::SyncFolder, 0, 0, {}, folder, {}});
+}
+
+void RecordingDisk::trash(const std::filesystem::path& path) {
+    inner_.trash(path);
+    names_.erase(path);
+    record({EventKind::Trash, 0, 0, {}, path, {}});
+}
+
+void RecordingDisk::removeTemporary(const std::filesystem::path& path) {
+    inner_.removeTemporary(path);
+    if (names_.erase(path) > 0)
+        record({EventKind::Remove, 0, 0, {}, path, {}});
+}
+
+} // namespace crash

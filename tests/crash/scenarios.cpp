@@ -1,0 +1,232 @@
+#include "crash/scenarios.h"
+
+#include "compound/error.h"
+#include "compound/memory_disk.h"
+#include "crash/library_dump.h"
+#include "store/damaged_groups.h"
+#include "store/group_layout.h"
+#include "store/group_operations.h"
+#include "store/picture_operations.h"
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace crash {
+namespace {
+
+using store::GroupAddress;
+using store::IfPictureExists;
+using store::Library;
+
+const GroupAddress kPumps = store::topLevelAddress(u"Pumps");
+const GroupAddress kRotary = store::addressOf(u"Sub1/Pumps");
+const GroupAddress kSteel = store::addressOf(u"Sub2/Pumps");
+
+// Sources are named after their size; their bytes tell one from another.
+std::filesystem::path sourceOf(std::size_t size) {
+    return std::filesystem::path(kSourceFolder) / (std::to_string(size) + ".bmp");
+}
+
+constexpr std::size_t kSourceSizes[] = {7, 63, 64, 65, 700, 4095, 4096, 4097, 9000, 30000};
+
+void writeFile(compound::Disk& disk, const std::filesystem::path& path, std::string_view bytes) {
+    disk.create(path)->write(0, std::as_bytes(std::span(bytes)));
+}
+
+void writeSource(compound::Disk& disk, std::size_t size) {
+    std::string bytes;
+    for (std::size_t i = 0; bytes.size() < size; ++i)
+        bytes += "picture of " + std::to_string(size) + ", part " + std::to_string(i) + "; ";
+    bytes.resize(size);
+    writeFile(disk, sourceOf(size), bytes);
+}
+
+void writeSources(compound::Disk& disk) {
+    for (const std::size_t size : kSourceSizes)
+        writeSource(disk, size);
+    writeFile(disk, std::filesystem::path(kSourceFolder) / "broken.bmp", "broken");
+}
+
+void add(const Library& library, const GroupAddress& group, std::u16string_view name,
+         std::size_t size) {
+    store::addPicture(library, group, {std::u16string(name)}, sourceOf(size));
+}
+
+std::u16string numbered(std::u16string_view name, std::size_t number) {
+    return std::u16string(name) + store::fromUtf8(std::to_string(number));
+}
+
+void addBatch(const Library& library, const GroupAddress& group, std::size_t count) {
+    store::PictureBatch batch(library, group);
+    for (std::size_t i = 0; i < count; ++i)
+        batch.add({numbered(u"part ", i)}, sourceOf(kSourceSizes[i % std::size(kSourceSizes)]),
+                  IfPictureExists::Refuse);
+    batch.commit();
+}
+
+// A batch whose last file is no picture: nothing of it may be seen, ever.
+void addFailingBatch(const Library& library, const GroupAddress& group) {
+    store::PictureBatch batch(library, group);
+    for (std::size_t i = 0; i < 5; ++i)
+        batch.add({numbered(u"lost ", i)}, sourceOf(9000), IfPictureExists::Refuse);
+    try {
+        batch.add({u"broken"}, std::filesystem::path(kSourceFolder) / "broken.bmp",
+                  IfPictureExists::Refuse);
+    } catch (const compound::Error&) {
+        return;
+    }
+    throw std::logic_error("a broken picture was taken");
+}
+
+std::vector<Scenario> groupScenarios() {
+    return {
+        {"CreateGroups",
+         {{"create a top-level group",
+           [](const Library& library) { store::createGroup(library, std::nullopt, {u"Tanks"}); }},
+          {"create a sub-group",
+           [](const Library& library) { store::createGroup(library, kPumps, {u"Screw"}); }},
+          {"create one two deep",
+           [](const Library& library) { store::createGroup(library, kRotary, {u"Bronze"}); }}}},
+        {"RenameSubGroup",
+         {{"rename a sub-group",
+           [](const Library& library) { store::renameGroup(library, kRotary, {u"Vane"}); }},
+          {"rename it to a longer name",
+           [](const Library& library) {
+               store::renameGroup(library, kRotary, {u"Centrifugal, single stage"});
+           }}}},
+        {"RenameTopLevelGroup",
+         {{"rename",
+           [](const Library& library) { store::renameGroup(library, kPumps, {u"Machines"}); },
+           Outcome::OldNewOrBoth},
+          {"add to the new file",
+           [](const Library& library) {
+               add(library, store::topLevelAddress(u"Machines"), u"after", 4097);
+           }}}},
+        {"DeleteGroupTree",
+         {{"delete a group and the one below it",
+           [](const Library& library) { store::deleteGroup(library, kRotary); }},
+          {"reuse the space",
+           [](const Library& library) { add(library, kPumps, u"new", 30000); }}}},
+        {"RemoveGroupFile",
+         {{"move a file to the trash",
+           [](const Library& library) { store::removeGroupFile(library, {u"Pumps"}); }},
+          {"make a group of the same name",
+           [](const Library& library) { store::createGroup(library, std::nullopt, {u"Pumps"}); }}}},
+        {"Compact",
+         {{"make gaps",
+           [](const Library& library) { store::deletePicture(library, kSteel, {u"sheet"}); }},
+          {"compact",
+           [](const Library& library) {
+               store::compactGroupFile(library, store::pathOf(library, {u"Pumps"}));
+           }},
+          {"add", [](const Library& library) { add(library, kSteel, u"sheet", 700); }}}},
+        {"SetAside",
+         {{"set a damaged file aside, an older one being there",
+           [](const Library& library) { store::setAside(library, {u"Broken"}); }},
+          {"clear away what is set aside",
+           [](const Library& library) { store::removeDamagedFiles(library); }}}},
+    };
+}
+
+std::vector<Scenario> pictureScenarios() {
+    return {
+        {"AddPictures",
+         {{"add a small one", [](const Library& library) { add(library, kPumps, u"tiny", 7); }},
+          {"add a large one", [](const Library& library) { add(library, kRotary, u"big", 30000); }},
+          {"add one at the mini stream's limit",
+           [](const Library& library) { add(library, kSteel, u"limit", 4096); }}}},
+        {"ReplacePictures",
+         {{"replace by a larger one",
+           [](const Library& library) { add(library, kPumps, u"pump", 30000); }},
+          {"replace by a smaller one",
+           [](const Library& library) { add(library, kPumps, u"pump", 63); }},
+          {"replace by one of the same size",
+           [](const Library& library) { add(library, kPumps, u"drawing", 4095); }}}},
+        {"Batches",
+         {{"add many at once", [](const Library& library) { addBatch(library, kSteel, 40); }},
+          {"fail at the last", [](const Library& library) { addFailingBatch(library, kPumps); }},
+          {"add many more", [](const Library& library) { addBatch(library, kRotary, 12); }}}},
+        {"RenamePictures",
+         {{"rename",
+           [](const Library& library) {
+               store::renamePicture(library, kPumps, {u"pump"}, {u"a much longer name"});
+           }},
+          {"change the case only",
+           [](const Library& library) {
+               store::renamePicture(library, kPumps, {u"drawing"}, {u"DRAWING"});
+           }}}},
+        {"DeletePictures",
+         {{"delete a large one, so that the file is cut",
+           [](const Library& library) { store::deletePicture(library, kSteel, {u"sheet"}); }},
+          {"delete a small one",
+           [](const Library& library) { store::deletePicture(library, kPumps, {u"pump"}); }},
+          {"add again", [](const Library& library) { add(library, kPumps, u"pump", 4097); }}}},
+    };
+}
+
+// Past 109 allocation sectors of a file with 512-byte sectors, and past the first one of a file
+// with 4096-byte sectors.
+Scenario largeFileScenario() {
+    static constexpr std::size_t kHuge = 6510000;  // fills 108 allocation sectors
+    static constexpr std::size_t kBeyond = 130000; // needs two more
+    Scenario scenario{"LargeFile",
+                      {{"add beyond the header's list of allocation sectors",
+                        [](const Library& library) { add(library, kSteel, u"beyond", kBeyond); }},
+                       {"delete it", [](const Library& library) {
+                            store::deletePicture(library, kSteel, {u"beyond"});
+                        }}}};
+    scenario.prepare = [](const Library& library) {
+        writeSource(library.disk, kHuge);
+        writeSource(library.disk, kBeyond);
+        add(library, kSteel, u"huge", kHuge);
+    };
+    scenario.weight = 20;
+    return scenario;
+}
+
+std::vector<Scenario> allScenarios() {
+    std::vector<Scenario> all = groupScenarios();
+    for (Scenario& scenario : pictureScenarios())
+        all.push_back(std::move(scenario));
+    all.push_back(largeFileScenario());
+    return all;
+}
+
+void makeEmptyGroupFile(const Library& library, const GroupAddress& group,
+                        compound::SectorSize sectorSize) {
+    auto file = compound::CompoundFile::create(
+        library.disk.create(store::pathOf(library, group.file)), sectorSize);
+    store::createGroupPair(store::StorageHandle(file.root()), group.storage, store::kNoParent,
+                           group.storage.text);
+    file.commit();
+}
+
+} // namespace
+
+const std::vector<Scenario>& scenarios() {
+    static const std::vector<Scenario> all = allScenarios();
+    return all;
+}
+
+void prepareLibrary(compound::Disk& disk, compound::SectorSize sectorSize) {
+    dynamic_cast<MemoryDisk&>(disk).makeFolder(kLibraryFolder);
+    dynamic_cast<MemoryDisk&>(disk).makeFolder(kSourceFolder);
+    writeSources(disk);
+    const Library library = libraryOn(disk);
+    makeEmptyGroupFile(library, kPumps, sectorSize);
+    store::createGroup(library, kPumps, {u"Rotary"});
+    store::createGroup(library, kRotary, {u"Steel"});
+    store::createGroup(library, std::nullopt, {u"Valves"});
+    add(library, kPumps, u"pump", 700);
+    add(library, kPumps, u"drawing", 4095);
+    add(library, kRotary, u"impeller", 9000);
+    add(library, kSteel, u"bolt", 64);
+    add(library, kSteel, u"sheet", 30000);
+    add(library, store::topLevelAddress(u"Valves"), u"ball valve", 65);
+    const std::filesystem::path folder = kLibraryFolder;
+    writeFile(disk, folder / "Broken.stg", "this is no group file");
+    writeFile(disk, folder / "Broken.err", "an older one");
+}
+
+} // namespace crash
