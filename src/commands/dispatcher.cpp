@@ -1,0 +1,85 @@
+#include "commands/dispatcher.h"
+
+#include "app/message_box.h"
+#include "commands/frm_neue_gruppe.h"
+#include "commands/group_commands.h"
+#include "commands/library_view.h"
+#include "commands/picture_commands.h"
+#include "commands/program_commands.h"
+#include "compound/error.h"
+#include "editing/frm_open.h"
+
+#include <algorithm>
+#include <array>
+
+namespace commands {
+namespace {
+
+using Handler = void (*)(CommandCall&);
+
+struct Binding {
+    Command command;
+    Handler handler;
+};
+
+constexpr std::array kBindings{
+    Binding{Command::NewGroup, newGroup},
+    Binding{Command::AddPicture, addPicture},
+    Binding{Command::GraphicalPreview, toggleGraphicalPreview},
+    Binding{Command::Exit, exitProgram},
+    Binding{Command::Help, showMainHelp},
+    Binding{Command::SearchHelp, searchHelp},
+};
+
+Handler handlerOf(Command command) {
+    const auto* found =
+        std::find_if(kBindings.begin(), kBindings.end(),
+                     [command](const Binding& binding) { return binding.command == command; });
+    return found == kBindings.end() ? nullptr : found->handler;
+}
+
+} // namespace
+
+bool hasHandler(Command command) {
+    return handlerOf(command) != nullptr;
+}
+
+Dispatcher::Dispatcher(LibraryView& view) : view_(view) {}
+
+void Dispatcher::toolClick(const QString& key) {
+    for (const Band& band : bands()) {
+        for (const Tool& tool : band.tools) {
+            if (key == QLatin1String(tool.key.data(), static_cast<qsizetype>(tool.key.size()))) {
+                run(tool.command, Origin::PopUp);
+                return;
+            }
+        }
+    }
+}
+
+void Dispatcher::menuClick(MenuId menuId, int index) {
+    for (const MenuItem& item : menu(menuId).items) {
+        if (item.index == index) {
+            run(item.command, Origin::Menu);
+            return;
+        }
+    }
+}
+
+void Dispatcher::run(Command command, Origin origin) {
+    const Handler handler = handlerOf(command);
+    if (handler == nullptr) {
+        return;
+    }
+    CommandCall call{view_, dialogs_, contextOf(view_.selectedGroup(), view_.shownPicture()),
+                     origin};
+    try {
+        handler(call);
+    } catch (const compound::Error& error) {
+        app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, view_.owner());
+    } catch (const std::exception& error) {
+        app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, view_.owner());
+    }
+}
+
+} // namespace commands

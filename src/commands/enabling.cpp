@@ -1,0 +1,36 @@
+#include "commands/enabling.h"
+
+#include "commands/dispatcher.h"
+
+namespace commands {
+namespace {
+
+bool needsNode(Command command) {
+    switch (command) {
+    case Command::HandOver:
+    case Command::HandOverAndClose:
+    case Command::RenamePicture:
+    case Command::EditPicture:
+    case Command::DeletePicture:
+    case Command::AddPicture:
+    case Command::DeleteGroup:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+bool isOffered(Command command, TreeNodes nodes) {
+    return hasHandler(command) && (nodes == TreeNodes::Some || !needsNode(command));
+}
+
+bool allowsEditing(const QString& pictureType, EditItemCause cause) {
+    if (pictureType == QLatin1String("GIF")) {
+        return false;
+    }
+    return cause == EditItemCause::Thumbnail || pictureType != QLatin1String("WMF");
+}
+
+} // namespace commands

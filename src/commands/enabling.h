@@ -1,0 +1,27 @@
+// When the commands can be chosen.
+#pragma once
+
+#include "commands/command_tables.h"
+
+#include <QString>
+
+namespace commands {
+
+enum class TreeNodes { None, Some };
+
+// Whether the main menu offers the command for such a tree. A command whose window does not exist
+// is never offered, wherever it stands. What needs a node for its very first step is not offered
+// without one; what can tell the user what is missing stays.
+bool isOffered(Command command, TreeNodes nodes);
+
+// The events after which the menu's edit item is set anew.
+enum class EditItemCause {
+    Group,     // a node was chosen, a picture deleted, the list clicked, the menu state renewed
+    Thumbnail, // a thumbnail was chosen
+};
+
+// Whether a picture of that type can be edited from the menu. GIF pictures never can; WMF pictures
+// open in a window of their own, which is reached after choosing their thumbnail.
+bool allowsEditing(const QString& pictureType, EditItemCause cause);
+
+} // namespace commands

@@ -1,0 +1,158 @@
+#include "commands/frm_neue_gruppe.h"
+
+#include "app/message_box.h"
+#include "app/texts.h"
+#include "commands/group_target_box.h"
+#include "commands/library_view.h"
+#include "compound/error.h"
+#include "store/group_operations.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace commands {
+namespace {
+
+constexpr int kCaption = 800;
+constexpr int kPrompt = 801;
+constexpr int kAbort = 802;
+constexpr int kNameMissing = 850;
+constexpr int kGroupExists = 851;
+constexpr int kNameInvalid = 852;
+constexpr int kTargetPrompt = 904;
+
+QLabel* plainLabel(const QString& text, QWidget* buddy, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setTextFormat(Qt::PlainText);
+    buddy->setAccessibleName(text);
+    return label;
+}
+
+} // namespace
+
+frmNeueGruppe::frmNeueGruppe(LibraryView& view, QWidget* owner)
+    : QDialog(owner),
+      view_(view),
+      txtNeu_(new QLineEdit(this)),
+      cmdOK_(new QPushButton(QStringLiteral("OK"), this)),
+      cmdAbbruch_(new QPushButton(app::text(kAbort), this)),
+      target_(new GroupTargetBox(this)) {
+    setObjectName(QStringLiteral("frmNeueGruppe"));
+    setWindowTitle(app::text(kCaption));
+    prompt_ = plainLabel(app::text(kPrompt), txtNeu_, this);
+    targetPrompt_ = plainLabel(app::text(kTargetPrompt), target_, this);
+    txtNeu_->setObjectName(QStringLiteral("txtNeu"));
+    txtNeu_->installEventFilter(this);
+    cmdOK_->setObjectName(QStringLiteral("cmdOK"));
+    cmdOK_->setDefault(true);
+    cmdAbbruch_->setObjectName(QStringLiteral("cmdAbbruch"));
+    connect(cmdOK_, &QPushButton::clicked, this, &frmNeueGruppe::create);
+    connect(cmdAbbruch_, &QPushButton::clicked, this, &QDialog::reject);
+    arrange();
+}
+
+void frmNeueGruppe::arrange() {
+    auto* fields = new QGridLayout;
+    fields->setHorizontalSpacing(12);
+    fields->setVerticalSpacing(10);
+    fields->addWidget(prompt_, 0, 0);
+    fields->addWidget(txtNeu_, 0, 1);
+    fields->addWidget(targetPrompt_, 1, 0);
+    fields->addWidget(target_, 1, 1);
+    fields->setColumnStretch(1, 1);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    buttons->addWidget(cmdOK_);
+    buttons->addWidget(cmdAbbruch_);
+
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(16, 16, 16, 14);
+    all->setSpacing(16);
+    all->addLayout(fields);
+    all->addLayout(buttons);
+    all->setSizeConstraint(QLayout::SetFixedSize);
+    txtNeu_->setMinimumWidth(260);
+
+    setTabOrder(txtNeu_, cmdOK_);
+    setTabOrder(cmdOK_, cmdAbbruch_);
+    setTabOrder(cmdAbbruch_, target_);
+}
+
+void frmNeueGruppe::openFor(const SelectionContext& context) {
+    target_->offer(context, defaultTarget(context));
+    txtNeu_->clear();
+    txtNeu_->setFocus();
+    exec();
+}
+
+bool frmNeueGruppe::eventFilter(QObject* watched, QEvent* event) {
+    // A full stop would end the base name of the group's file.
+    if (watched == txtNeu_ && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->text() == QLatin1String(".")) {
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmNeueGruppe::refuse(int textId) {
+    app::msgBox(app::text(textId), app::Buttons::Ok, app::text(kCaption), this);
+    txtNeu_->setFocus();
+}
+
+bool frmNeueGruppe::isAcceptable(const std::optional<store::GroupAddress>& parent,
+                                 const store::GroupName& name) {
+    const store::Library& library = view_.library();
+    if (name.text.empty()) {
+        refuse(kNameMissing);
+        return false;
+    }
+    const bool exists =
+        parent ? store::subGroupExists(library, *parent, name) : store::groupExists(library, name);
+    if (exists) {
+        refuse(kGroupExists);
+        return false;
+    }
+    const auto level = parent ? store::GroupLevel::SubGroup : store::GroupLevel::TopLevel;
+    // Two files whose names differ in case only cannot lie side by side on every system.
+    if (!store::testGroupName(library, name, level) ||
+        (!parent && store::groupExistsIgnoringCase(library, name))) {
+        refuse(kNameInvalid);
+        return false;
+    }
+    return true;
+}
+
+void frmNeueGruppe::create() {
+    const std::optional<store::GroupAddress> parent = target_->parentGroup();
+    const store::GroupName name{txtNeu_->text().toStdU16String()};
+    store::GroupAddress created;
+    try {
+        if (!isAcceptable(parent, name)) {
+            return;
+        }
+        created = store::createGroup(view_.library(), parent, name);
+    } catch (const compound::Error& error) {
+        app::msgBox(app::errorText(error), app::Buttons::Ok, app::text(kCaption), this);
+        return;
+    }
+    showInLibrary(created);
+    accept();
+}
+
+void frmNeueGruppe::showInLibrary(const store::GroupAddress& group) {
+    view_.SetCurrentGroup(group);
+    view_.FillTreeView();
+    view_.Aktualisieren();
+    view_.TreeViewSelectNode(group);
+    view_.ClearVorschau();
+    view_.ShowNoPicture();
+    view_.MiniVorschau(0);
+}
+
+} // namespace commands

@@ -1,0 +1,80 @@
+// The main window as commands and dialogs see it: what is selected, and the routines that bring the
+// window up to date after a change. The main window implements it; tests may implement their own.
+//
+// None of the routines throws for the library's sake: what cannot be read is not shown.
+#pragma once
+
+#include "commands/selection_context.h"
+#include "store/library.h"
+
+#include <cstddef>
+#include <optional>
+
+class QWidget;
+
+namespace commands {
+
+class LibraryView {
+  public:
+    virtual ~LibraryView() = default;
+    LibraryView(const LibraryView&) = delete;
+    LibraryView& operator=(const LibraryView&) = delete;
+
+    // The window that owns dialogs and boxes.
+    virtual QWidget* owner() = 0;
+
+    // Valid from the first showing of the window on.
+    virtual const store::Library& library() const = 0;
+
+    virtual std::optional<SelectedGroup> selectedGroup() const = 0;
+
+    // What the label below the preview shows: a picture's name, the "no picture" text, or nothing
+    // before the first choice.
+    virtual QString shownPicture() const = 0;
+
+    // Reads all group files and rebuilds the tree. Nothing is selected afterwards.
+    virtual void FillTreeView() = 0;
+
+    // Makes a group the one whose pictures are shown, without touching the tree's selection.
+    virtual void SetCurrentGroup(const store::GroupAddress& group) = 0;
+
+    // Selects the group's node and shows its first picture; a missing node selects nothing.
+    virtual void TreeViewSelectNode(const store::GroupAddress& group) = 0;
+
+    // Adds a top-level node without reading any file, selects it and shows its pictures.
+    virtual void TreeViewAdd(const store::GroupName& name) = 0;
+
+    // Selects the tree's first node and shows its pictures from the beginning.
+    virtual void SelectFirstGroup() = 0;
+
+    // Shows the current group's pictures anew after a command has changed them.
+    virtual void Aktualisieren() = 0;
+
+    virtual void FillListView(const store::GroupAddress& group) = 0;
+
+    // Fills the thumbnails with the current group's pictures from that element index on.
+    virtual void MiniVorschau(std::size_t startIndex) = 0;
+
+    // Empties the large preview.
+    virtual void ClearVorschau() = 0;
+
+    // Empties the large preview and the thumbnails.
+    virtual void NoPictures() = 0;
+
+    // Lets the label say that there is no picture, and empties the large preview.
+    virtual void ShowNoPicture() = 0;
+
+    // Whether the thumbnails, and not the list, show the pictures.
+    virtual bool GraphicalPreview() const = 0;
+
+    virtual void VorschauAktiviert() = 0;
+    virtual void VorschauDeaktiviert() = 0;
+
+    // Ends the window: started alone the program ends with it, as a server it only hides.
+    virtual void Exit() = 0;
+
+  protected:
+    LibraryView() = default;
+};
+
+} // namespace commands

@@ -1,0 +1,18 @@
+// Commands on the program as a whole: its view, its help, its end.
+#pragma once
+
+namespace commands {
+
+struct CommandCall;
+
+// Changes between thumbnails and list.
+void toggleGraphicalPreview(CommandCall& call);
+
+void exitProgram(CommandCall& call);
+
+void showMainHelp(CommandCall& call);
+
+// Tells that there is no search in the help. The sentence is German in both languages.
+void searchHelp(CommandCall& call);
+
+} // namespace commands
