@@ -1,0 +1,368 @@
+#include "browser/frm_main.h"
+
+#include "app/message_box.h"
+#include "app/number_text.h"
+#include "app/settings.h"
+#include "app/texts.h"
+#include "browser/damaged_report.h"
+#include "browser/group_icons.h"
+#include "browser/group_tree.h"
+#include "browser/main_layout.h"
+#include "browser/main_menus.h"
+#include "browser/picture_panel.h"
+#include "browser/temporary_pictures.h"
+#include "compound/error.h"
+#include "imaging/picture.h"
+#include "platform/native_disk.h"
+
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QWindow>
+
+#include <chrono>
+
+namespace browser {
+namespace {
+
+constexpr std::chrono::milliseconds kRefreshLockWait{1000};
+constexpr std::chrono::milliseconds kRetryLockWait{300};
+constexpr QSize kInitialSize(900, 640);
+
+store::TwipSize measurePicture(std::span<const std::byte> bytes) {
+    const imaging::TwipSize size = imaging::measure(bytes).twips;
+    return {size.height, size.width};
+}
+
+store::Library libraryOf(const app::Settings& settings) {
+    return {platform::nativeDisk(), settings.storagesFolderPath(), measurePicture,
+            app::decimalSeparator().unicode()};
+}
+
+WindowSize twipsOf(const QSize& pixels) {
+    return {app::toTwips(pixels.width()), app::toTwips(pixels.height())};
+}
+
+} // namespace
+
+frmMain::frmMain(StartMode mode)
+    : mode_(mode),
+      dispatcher_(*this),
+      surface_(nullptr),
+      tree_(nullptr),
+      panel_(nullptr),
+      menus_(nullptr) {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(app::kProgramTitle);
+    setWindowIcon(programIcon());
+    auto* free = new QWidget(this);
+    free->setMouseTracking(true);
+    free->installEventFilter(this);
+    setCentralWidget(free);
+    surface_ = new QWidget(free);
+    surface_->setMouseTracking(true);
+    surface_->installEventFilter(this);
+    tree_ = new GroupTree(surface_);
+    panel_ = new PicturePanel(surface_);
+    panel_->setTabOrderAfter(tree_);
+    menus_ = new MainMenus(menuBar(), dispatcher_, this);
+    connectTree();
+    connectPanel();
+    setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));
+    resize(kInitialSize);
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::connectTree() {
+    connect(tree_, &GroupTree::nodeClicked, this, &frmMain::nodeClicked);
+    connect(tree_, &GroupTree::selectionCleared, this, &frmMain::updateMenuState);
+    // Rereading rebuilds the very node whose event asks for it.
+    connect(tree_, &GroupTree::retryWanted, this, &frmMain::retry, Qt::QueuedConnection);
+    connect(tree_, &GroupTree::popUpWanted, this,
+            [this](const QPoint& position) { menus_->popUp(commands::BandId::Group, position); });
+    connect(tree_, &GroupTree::pointerMoved, panel_, &PicturePanel::hideToolTip);
+}
+
+void frmMain::connectPanel() {
+    connect(panel_, &PicturePanel::menuStateWanted, this, &frmMain::updateMenuState);
+    connect(panel_, &PicturePanel::editItemWanted, this, &frmMain::updateEditItem);
+    connect(panel_, &PicturePanel::picturePopUpWanted, this,
+            [this](const QPoint& position) { menus_->popUp(commands::BandId::Picture, position); });
+    connect(panel_, &PicturePanel::editWanted, this,
+            [this] { dispatcher_.run(commands::Command::EditPicture, commands::Origin::Menu); });
+}
+
+// --- Lifecycle
+
+void frmMain::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (isLoaded_) {
+        return;
+    }
+    isLoaded_ = true;
+    load();
+    connect(windowHandle(), &QWindow::screenChanged, panel_, &PicturePanel::layOutSoon);
+    // Boxes and the first group come once the window is on the screen.
+    QMetaObject::invokeMethod(this, &frmMain::activate, Qt::QueuedConnection);
+}
+
+void frmMain::load() {
+    menus_->setCaptions();
+    app::Settings& settings = app::settings();
+    try {
+        settings.readPaths();
+    } catch (const compound::Error& error) {
+        loadFailure_ = app::errorText(error);
+    }
+    library_.emplace(libraryOf(settings));
+    panel_->setLibrary(*library_);
+    panel_->hideToolTip();
+    panel_->setGraphicalPreview(true);
+    placeParts();
+    FillTreeView();
+}
+
+void frmMain::activate() {
+    if (!loadFailure_.isEmpty()) {
+        app::msgBox(loadFailure_, app::Buttons::Ok, app::kProgramTitle, this);
+    }
+    reportDamagedFiles(*library_, this);
+    setCursor(Qt::WaitCursor);
+    if (tree_->nodeCount() > 0) {
+        SelectNode();
+    }
+    panel_->layOutGrid();
+    SetImgScrollProperties();
+    MiniVorschau(0);
+    unsetCursor();
+    Activated_ = true;
+    updateMenuState();
+    tree_->setFocus();
+}
+
+bool frmMain::isSettled() const {
+    return Activated_ && panel_->isSettled();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    event->accept();
+    if (isLoaded_ && !isUnloaded_) {
+        isUnloaded_ = true;
+        unload();
+        emit unloaded();
+    }
+}
+
+void frmMain::unload() {
+    app::Settings& settings = app::settings();
+    removeTemporaryPictures(settings.temporaryFolderPath());
+    if (isReachable_) {
+        settings.setCurrentGroup(tree_->selectedKey());
+    } else {
+        settings.readCurrentGroup(); // what is remembered waits until the library is there again
+    }
+    try {
+        settings.save();
+    } catch (const compound::Error& error) {
+        app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, this);
+    }
+}
+
+void frmMain::Exit() {
+    if (mode_ == StartMode::Standalone) {
+        close();
+    } else {
+        hide();
+    }
+}
+
+// --- Layout
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (isMinimized()) {
+        return;
+    }
+    // Window managers differ in how far they respect a window's minimum size.
+    const WindowSize bounded = atLeastMinimum(twipsOf(size()));
+    if (bounded != twipsOf(size())) {
+        resize(app::toPixels(bounded.width, bounded.height));
+    }
+    placeParts();
+    panel_->layOutSoon();
+}
+
+void frmMain::placeParts() {
+    const int menuHeight = menuBar()->sizeHint().height();
+    const int offset = app::toPixels(surfaceOffset(app::toTwips(menuHeight)));
+    surface_->setGeometry(0, offset, width(), height() - menuHeight - offset);
+    const MainLayout layout = layoutFor(atLeastMinimum(twipsOf(size())));
+    tree_->setGeometry(app::toPixels(layout.tvwGruppen));
+    panel_->place(layout);
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseMove) {
+        panel_->pointerOnFreeSurface();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+// --- Groups
+
+std::optional<commands::SelectedGroup> frmMain::selectedGroup() const {
+    return tree_->selected();
+}
+
+void frmMain::FillTreeView() {
+    const LibraryReading reading = readLibrary(*library_, store::LockBudget(kRefreshLockWait));
+    isReachable_ = reading.reachable;
+    tree_->rebuild(reading.files);
+}
+
+void frmMain::SetCurrentGroup(const store::GroupAddress& group) {
+    panel_->setGroup(group);
+    CurrentGroup_ = QString::fromStdU16String(store::keyOf(group));
+}
+
+void frmMain::SelectNode() {
+    app::Settings& settings = app::settings();
+    settings.readCurrentGroup();
+    if (tree_->selectKey(settings.currentGroup())) {
+        panel_->setGroup(tree_->selected()->address);
+    }
+    // The first click on the selected node shall fill the view anew.
+    CurrentGroup_ = tree_->firstNodeText();
+}
+
+void frmMain::TreeViewSelectNode(const store::GroupAddress& group) {
+    SetCurrentGroup(group);
+    tree_->select(group);
+    SelectPicture();
+}
+
+void frmMain::TreeViewAdd(const store::GroupName& name) {
+    tree_->addTopLevelNode(name);
+    tree_->selectKey(QString::fromStdU16String(name.text) + u'a');
+    panel_->setGroup(store::topLevelAddress(name.text));
+    CurrentGroup_ = QString::fromStdU16String(name.text);
+    panel_->showGroupAnew();
+}
+
+void frmMain::SelectFirstGroup() {
+    tree_->selectFirst();
+    showSelectedGroup();
+}
+
+void frmMain::showSelectedGroup() {
+    const auto selected = tree_->selected();
+    panel_->setGroup(selected ? std::optional(selected->address) : std::nullopt);
+    CurrentGroup_ = tree_->selectedKey();
+    panel_->showGroupAnew();
+}
+
+int frmMain::GetNodeIndex(const QString& text) const {
+    return tree_->GetNodeIndex(text);
+}
+
+void frmMain::nodeClicked() {
+    const auto selected = tree_->selected();
+    if (!selected) {
+        return;
+    }
+    // A file that could not be read is tried once more before anything waits for its pictures.
+    const bool isMarked = tree_->selectedIsMarked();
+    panel_->setGroup(isMarked ? std::nullopt : std::optional(selected->address));
+    if (tree_->selectedKey() != CurrentGroup_) {
+        CurrentGroup_ = tree_->selectedKey();
+        panel_->showGroup();
+    }
+    updateEditItem(commands::EditItemCause::Group);
+    if (isMarked) {
+        QMetaObject::invokeMethod(
+            this, [this, file = selected->address.file] { retry(file); }, Qt::QueuedConnection);
+    }
+}
+
+void frmMain::retry(const store::FileName& file) {
+    const bool wasSelected = tree_->selected() && tree_->selected()->address.file == file;
+    tree_->replaceFile(file,
+                       readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait)));
+    if (wasSelected && !tree_->selectedIsMarked()) {
+        showSelectedGroup();
+    }
+}
+
+// --- Menus
+
+void frmMain::updateMenuState() {
+    menus_->setState(tree_->nodeCount() > 0 ? commands::TreeNodes::Some
+                                            : commands::TreeNodes::None);
+    menus_->setEditItem(
+        commands::allowsEditing(panel_->shownType(), commands::EditItemCause::Group));
+}
+
+void frmMain::updateEditItem(commands::EditItemCause cause) {
+    if (shownPicture() != app::text(app::kTextNoPicture)) {
+        menus_->setEditItem(commands::allowsEditing(panel_->shownType(), cause));
+    }
+}
+
+// --- Pictures
+
+QString frmMain::shownPicture() const {
+    return panel_->shownPicture();
+}
+
+void frmMain::Aktualisieren() {
+    panel_->Aktualisieren();
+}
+
+void frmMain::FillListView(const store::GroupAddress& group) {
+    panel_->FillListView(group);
+}
+
+void frmMain::MiniVorschau(std::size_t startIndex) {
+    panel_->MiniVorschau(startIndex);
+}
+
+void frmMain::SelectPicture() {
+    panel_->SelectPicture();
+}
+
+void frmMain::SetImgScrollProperties() {
+    panel_->SetImgScrollProperties();
+}
+
+void frmMain::ClearVorschau() {
+    panel_->ClearVorschau();
+}
+
+void frmMain::NoPictures() {
+    panel_->NoPictures();
+}
+
+void frmMain::NoToolTip() {
+    panel_->NoToolTip();
+}
+
+void frmMain::ShowNoPicture() {
+    panel_->ShowNoPicture();
+}
+
+bool frmMain::GraphicalPreview() const {
+    return panel_->GraphicalPreview();
+}
+
+void frmMain::VorschauAktiviert() {
+    panel_->VorschauAktiviert();
+    menus_->setGraphicalPreview(true);
+}
+
+void frmMain::VorschauDeaktiviert() {
+    panel_->VorschauDeaktiviert();
+    menus_->setGraphicalPreview(false);
+    updateMenuState();
+}
+
+} // namespace browser

@@ -1,0 +1,108 @@
+// The library browser: the one main window. It composes tree, picture panel, menus and commands and
+// passes their events on; what each of them does stands in its own file.
+//
+// Creating the window reads nothing. The first showing loads: captions, settings, tree. Once the
+// window is shown the damaged files are reported and the group last used is selected.
+#pragma once
+
+#include "browser/library_reading.h"
+#include "commands/dispatcher.h"
+#include "commands/enabling.h"
+#include "commands/library_view.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <optional>
+
+namespace browser {
+
+class GroupTree;
+class MainMenus;
+class PicturePanel;
+
+enum class StartMode {
+    Standalone, // the user started the program; leaving the window ends it
+    Server,     // another program started it; leaving the window hides it
+};
+
+class frmMain : public QMainWindow, public commands::LibraryView {
+    Q_OBJECT
+
+  public:
+    explicit frmMain(StartMode mode);
+    ~frmMain() override;
+
+    // Whether the first activation is over and nothing is being laid out or loaded.
+    bool isSettled() const;
+
+    // LibraryView
+    QWidget* owner() override { return this; }
+    const store::Library& library() const override { return *library_; }
+    std::optional<commands::SelectedGroup> selectedGroup() const override;
+    QString shownPicture() const override;
+    void FillTreeView() override;
+    void SetCurrentGroup(const store::GroupAddress& group) override;
+    void TreeViewSelectNode(const store::GroupAddress& group) override;
+    void TreeViewAdd(const store::GroupName& name) override;
+    void SelectFirstGroup() override;
+    void Aktualisieren() override;
+    void FillListView(const store::GroupAddress& group) override;
+    void MiniVorschau(std::size_t startIndex) override;
+    void ClearVorschau() override;
+    void NoPictures() override;
+    void ShowNoPicture() override;
+    bool GraphicalPreview() const override;
+    void VorschauAktiviert() override;
+    void VorschauDeaktiviert() override;
+    void Exit() override;
+
+    // Selects the group that the settings remember.
+    void SelectNode();
+    void SelectPicture();
+    void SetImgScrollProperties();
+    void NoToolTip();
+
+    // The number, from 1, of the first node with that text; 0 if there is none.
+    int GetNodeIndex(const QString& text) const;
+
+  signals:
+    // The window was closed and has saved its settings.
+    void unloaded();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void connectTree();
+    void connectPanel();
+    void load();
+    void activate();
+    void unload();
+    void placeParts();
+    void nodeClicked();
+    void retry(const store::FileName& file);
+    void updateMenuState();
+    void updateEditItem(commands::EditItemCause cause);
+    void showSelectedGroup();
+
+    StartMode mode_;
+    commands::Dispatcher dispatcher_;
+    QWidget* surface_;
+    GroupTree* tree_;
+    PicturePanel* panel_;
+    MainMenus* menus_;
+    std::optional<store::Library> library_;
+    QString CurrentGroup_; // key of the group whose pictures are shown, or, after the start and
+                           // after TreeViewAdd, a node's text
+    QString loadFailure_;
+    bool isReachable_ = false;
+    bool isLoaded_ = false;
+    bool Activated_ = false;
+    bool isUnloaded_ = false;
+};
+
+} // namespace browser

@@ -1,0 +1,305 @@
+#include "browser/group_tree.h"
+
+#include "browser/group_icons.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+#include <QTreeWidgetItemIterator>
+
+#include <map>
+#include <memory>
+
+namespace browser {
+namespace {
+
+enum Role {
+    kKeyRole = Qt::UserRole,
+    kFileRole,
+    kStorageRole,
+    kParentRole,
+    kMarkRole,
+};
+
+QString textOf(const std::u16string& text) {
+    return QString::fromStdU16String(text);
+}
+
+QString keyTextOf(const store::GroupAddress& address) {
+    return textOf(store::keyOf(address));
+}
+
+// Tool tips guess their format; this one is always the text itself.
+QString plainToolTip(const std::string& utf8) {
+    return QStringLiteral("<p>%1</p>")
+        .arg(QString::fromStdString(utf8).toHtmlEscaped().replace(u'\n', QLatin1String("<br>")));
+}
+
+GroupMark markOf(const store::GroupFileReading& reading) {
+    switch (reading.state) {
+    case store::GroupFileState::Sound:
+        return GroupMark::None;
+    case store::GroupFileState::Locked:
+        return GroupMark::Locked;
+    default:
+        return GroupMark::Unreadable;
+    }
+}
+
+void describe(QTreeWidgetItem* item, const store::GroupAddress& address,
+              const store::StorageName& parent, const QString& text) {
+    item->setText(0, text);
+    item->setIcon(0, groupIcon(GroupMark::None));
+    item->setData(0, kKeyRole, keyTextOf(address));
+    item->setData(0, kFileRole, textOf(address.file.text));
+    item->setData(0, kStorageRole, textOf(address.storage.text));
+    item->setData(0, kParentRole, textOf(parent.text));
+}
+
+void setMark(QTreeWidgetItem* item, const store::GroupFileReading& reading) {
+    const GroupMark mark = markOf(reading);
+    item->setIcon(0, groupIcon(mark));
+    item->setData(0, kMarkRole, static_cast<int>(mark));
+    QFont font;
+    font.setItalic(mark != GroupMark::None);
+    item->setFont(0, font);
+    const QString cause = QString::fromStdString(reading.cause);
+    item->setToolTip(0, mark == GroupMark::None ? QString() : plainToolTip(reading.cause));
+    item->setData(0, Qt::AccessibleDescriptionRole, mark == GroupMark::None ? QString() : cause);
+    item->setChildIndicatorPolicy(mark == GroupMark::None
+                                      ? QTreeWidgetItem::DontShowIndicatorWhenChildless
+                                      : QTreeWidgetItem::ShowIndicator);
+}
+
+// Describes `top` and hangs the file's other groups below it.
+void fillTopItem(QTreeWidgetItem* top, const GroupFile& file) {
+    const QString title = textOf(file.file.text);
+    std::map<std::u16string, QTreeWidgetItem*> byStorage;
+    store::GroupAddress topAddress = store::topLevelAddress(file.file.text);
+    if (!file.reading.groups.empty()) {
+        topAddress = file.reading.groups.front().address;
+    }
+    describe(top, topAddress, {}, title);
+    setMark(top, file.reading);
+    for (const store::GroupEntry& entry : file.reading.groups) {
+        if (entry.parent.text.empty()) {
+            byStorage[entry.address.storage.text] = top;
+            continue;
+        }
+        const auto parent = byStorage.find(entry.parent.text);
+        auto* item = new QTreeWidgetItem(parent == byStorage.end() ? top : parent->second);
+        describe(item, entry.address, entry.parent, textOf(entry.name.text));
+        byStorage[entry.address.storage.text] = item;
+    }
+}
+
+} // namespace
+
+GroupTree::GroupTree(QWidget* parent) : QTreeWidget(parent) {
+    setObjectName(QStringLiteral("tvwGruppen"));
+    setColumnCount(1);
+    setHeaderHidden(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setUniformRowHeights(true);
+    setIconSize({18, 18});
+    setIndentation(18);
+    setTextElideMode(Qt::ElideRight);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    header()->setStretchLastSection(true);
+    setMouseTracking(true);
+    connect(this, &QTreeWidget::itemSelectionChanged, this, &GroupTree::onSelectionChanged);
+    connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {
+        if (item->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None)) {
+            collapseItem(item);
+            emit retryWanted({item->data(0, kFileRole).toString().toStdU16String()});
+        }
+    });
+}
+
+void GroupTree::rebuild(std::span<const GroupFile> files) {
+    QSet<QString> unfolded;
+    for (QTreeWidgetItemIterator node(this); *node != nullptr; ++node) {
+        if ((*node)->isExpanded()) {
+            unfolded.insert((*node)->data(0, kKeyRole).toString());
+        }
+    }
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    clear();
+    QList<QTreeWidgetItem*> items;
+    items.reserve(static_cast<qsizetype>(files.size()));
+    for (const GroupFile& file : files) {
+        items.append(new QTreeWidgetItem);
+        fillTopItem(items.back(), file);
+    }
+    addTopLevelItems(items);
+    if (unfolded.isEmpty()) {
+        return;
+    }
+    for (QTreeWidgetItemIterator node(this); *node != nullptr; ++node) {
+        if (unfolded.contains((*node)->data(0, kKeyRole).toString())) {
+            (*node)->setExpanded(true);
+        }
+    }
+}
+
+void GroupTree::replaceFile(const store::FileName& file, const std::optional<GroupFile>& reading) {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        QTreeWidgetItem* top = topLevelItem(i);
+        if (top->data(0, kFileRole).toString() != textOf(file.text)) {
+            continue;
+        }
+        if (!reading) {
+            delete takeTopLevelItem(i);
+            return;
+        }
+        qDeleteAll(top->takeChildren());
+        fillTopItem(top, *reading);
+        return;
+    }
+}
+
+void GroupTree::addTopLevelNode(const store::GroupName& name) {
+    auto item = std::make_unique<QTreeWidgetItem>();
+    describe(item.get(), store::topLevelAddress(name.text), {}, textOf(name.text));
+    item->setData(0, kKeyRole, textOf(name.text) + u'a');
+    addTopLevelItem(item.release());
+}
+
+int GroupTree::nodeCount() const {
+    int count = 0;
+    for (QTreeWidgetItemIterator node(const_cast<GroupTree*>(this)); *node != nullptr; ++node) {
+        ++count;
+    }
+    return count;
+}
+
+QTreeWidgetItem* GroupTree::selectedItem() const {
+    const QList<QTreeWidgetItem*> items = selectedItems();
+    return items.isEmpty() ? nullptr : items.front();
+}
+
+QTreeWidgetItem* GroupTree::itemOf(const QString& key) const {
+    for (QTreeWidgetItemIterator node(const_cast<GroupTree*>(this)); *node != nullptr; ++node) {
+        if ((*node)->data(0, kKeyRole).toString() == key) {
+            return *node;
+        }
+    }
+    return nullptr;
+}
+
+void GroupTree::selectItem(QTreeWidgetItem* item) {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    if (item == nullptr) {
+        clearSelection();
+        return;
+    }
+    setCurrentItem(item, 0, QItemSelectionModel::ClearAndSelect);
+    scrollToItem(item);
+    item->setExpanded(item->data(0, kMarkRole).toInt() == static_cast<int>(GroupMark::None));
+}
+
+bool GroupTree::select(const store::GroupAddress& address) {
+    QTreeWidgetItem* item = itemOf(keyTextOf(address));
+    selectItem(item);
+    return item != nullptr;
+}
+
+bool GroupTree::selectKey(const QString& key) {
+    QTreeWidgetItem* item = itemOf(key);
+    if (item == nullptr && key.endsWith(u'a')) {
+        item = itemOf(keyTextOf(store::topLevelAddress(key.chopped(1).toStdU16String())));
+    }
+    selectItem(item);
+    return item != nullptr;
+}
+
+void GroupTree::selectFirst() {
+    selectItem(topLevelItem(0));
+}
+
+std::optional<commands::SelectedGroup> GroupTree::selected() const {
+    const QTreeWidgetItem* item = selectedItem();
+    if (item == nullptr) {
+        return std::nullopt;
+    }
+    QString path = item->text(0);
+    for (const QTreeWidgetItem* above = item->parent(); above != nullptr; above = above->parent()) {
+        path.prepend(above->text(0) + QLatin1String(" / "));
+    }
+    return commands::SelectedGroup{{{item->data(0, kFileRole).toString().toStdU16String()},
+                                    {item->data(0, kStorageRole).toString().toStdU16String()}},
+                                   {item->data(0, kParentRole).toString().toStdU16String()},
+                                   item->text(0),
+                                   path};
+}
+
+QString GroupTree::selectedKey() const {
+    const QTreeWidgetItem* item = selectedItem();
+    return item == nullptr ? QString() : item->data(0, kKeyRole).toString();
+}
+
+QString GroupTree::firstNodeText() const {
+    return topLevelItemCount() == 0 ? QString() : topLevelItem(0)->text(0);
+}
+
+int GroupTree::GetNodeIndex(const QString& text) const {
+    int index = 0;
+    for (QTreeWidgetItemIterator node(const_cast<GroupTree*>(this)); *node != nullptr; ++node) {
+        ++index;
+        if ((*node)->text(0) == text) {
+            return index;
+        }
+    }
+    return 0;
+}
+
+bool GroupTree::selectedIsMarked() const {
+    const QTreeWidgetItem* item = selectedItem();
+    return item != nullptr && item->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None);
+}
+
+void GroupTree::onSelectionChanged() {
+    if (selectingByProgram_) {
+        return;
+    }
+    reportedDuringPress_ = true;
+    if (selectedItem() == nullptr) {
+        emit selectionCleared();
+    } else {
+        emit nodeClicked();
+    }
+}
+
+void GroupTree::mousePressEvent(QMouseEvent* event) {
+    reportedDuringPress_ = false;
+    QTreeWidget::mousePressEvent(event);
+    // Choosing the selected node again changes no selection, and is a click all the same.
+    QTreeWidgetItem* item = itemAt(event->position().toPoint());
+    if (!reportedDuringPress_ && item != nullptr && item->isSelected() &&
+        visualItemRect(item).contains(event->position().toPoint())) {
+        emit nodeClicked();
+    }
+}
+
+void GroupTree::mouseMoveEvent(QMouseEvent* event) {
+    QTreeWidget::mouseMoveEvent(event);
+    emit pointerMoved();
+}
+
+void GroupTree::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        if (itemAt(event->pos()) == nullptr) {
+            clearSelection();
+        }
+        emit popUpWanted(event->globalPos());
+        return;
+    }
+    const QTreeWidgetItem* item = selectedItem();
+    const QRect rect = item == nullptr ? QRect() : visualItemRect(item);
+    emit popUpWanted(viewport()->mapToGlobal(rect.bottomLeft()));
+}
+
+} // namespace browser

@@ -1,0 +1,82 @@
+// The tree of groups, `tvwGruppen`. It knows nodes and keys, but no files: what it shows is handed
+// to it.
+//
+// The selected node is the selection, never the current item: a tree that gets the focus may make
+// its first row current without selecting it.
+#pragma once
+
+#include "browser/library_reading.h"
+#include "commands/selection_context.h"
+
+#include <QTreeWidget>
+
+#include <optional>
+#include <span>
+
+namespace browser {
+
+class GroupTree : public QTreeWidget {
+    Q_OBJECT
+
+  public:
+    explicit GroupTree(QWidget* parent = nullptr);
+
+    // Replaces all nodes. What was unfolded stays so; nothing is selected.
+    void rebuild(std::span<const GroupFile> files);
+
+    // Replaces one file's nodes, whose top node keeps its selection; a missing reading removes
+    // them.
+    void replaceFile(const store::FileName& file, const std::optional<GroupFile>& reading);
+
+    // Adds a top-level node with the key NAME & "a".
+    void addTopLevelNode(const store::GroupName& name);
+
+    int nodeCount() const;
+
+    // Selects the node of that address; clears the selection and returns false when there is none.
+    bool select(const store::GroupAddress& address);
+
+    // Selects the node with exactly that key; a key that ends in "a" and that no node has may name
+    // the top-level group before the "a".
+    bool selectKey(const QString& key);
+
+    void selectFirst();
+
+    std::optional<commands::SelectedGroup> selected() const;
+    QString selectedKey() const; // empty when nothing is selected
+    QString firstNodeText() const;
+
+    // The number, from 1, of the first node with exactly that text, in the order in which they
+    // were added; 0 if there is none.
+    int GetNodeIndex(const QString& text) const;
+
+    // Whether the selected node's file could not be read last time.
+    bool selectedIsMarked() const;
+
+  signals:
+    // The user chose the node that is selected now (also when it was selected before).
+    void nodeClicked();
+    // The user took the selection away.
+    void selectionCleared();
+    // A node whose file could not be read was unfolded.
+    void retryWanted(const store::FileName& file);
+    // The band of group commands is wanted at that place of the screen.
+    void popUpWanted(const QPoint& globalPosition);
+    void pointerMoved();
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    QTreeWidgetItem* selectedItem() const;
+    QTreeWidgetItem* itemOf(const QString& key) const;
+    void selectItem(QTreeWidgetItem* item);
+    void onSelectionChanged();
+
+    bool selectingByProgram_ = false;
+    bool reportedDuringPress_ = false;
+};
+
+} // namespace browser

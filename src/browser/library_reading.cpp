@@ -1,0 +1,43 @@
+#include "browser/library_reading.h"
+
+#include "compound/error.h"
+#include "store/damaged_groups.h"
+
+#include <utility>
+
+namespace browser {
+
+std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
+                                            const store::FileName& file,
+                                            const store::LockBudget& budget) {
+    GroupFile group{file, store::readGroupFile(library, file, budget)};
+    if (group.reading.state == store::GroupFileState::Damaged) {
+        try {
+            store::setAside(library, file);
+            return std::nullopt;
+        } catch (const compound::Error& error) {
+            group.reading.cause += std::string("\n") + error.what();
+        }
+    }
+    return group;
+}
+
+LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget) {
+    LibraryReading result;
+    std::vector<store::FileName> names;
+    try {
+        names = store::groupFiles(library);
+    } catch (const compound::Error&) {
+        return result; // an unreachable library is shown as an empty tree
+    }
+    result.reachable = true;
+    result.files.reserve(names.size());
+    for (const store::FileName& name : names) {
+        if (std::optional<GroupFile> file = readGroupFileAgain(library, name, budget)) {
+            result.files.push_back(std::move(*file));
+        }
+    }
+    return result;
+}
+
+} // namespace browser

@@ -1,0 +1,32 @@
+// Reading the whole library for the tree: every group file is tested, read and, when its bytes are
+// damaged, set aside.
+#pragma once
+
+#include "store/group_operations.h"
+
+#include <optional>
+#include <vector>
+
+namespace browser {
+
+struct GroupFile {
+    store::FileName file;
+    store::GroupFileReading reading; // never Damaged, unless the file could not be set aside
+};
+
+struct LibraryReading {
+    bool reachable = false; // whether the storages folder could be listed
+    std::vector<GroupFile> files;
+};
+
+// Files by name without regard to case. Waits for locked files as long as the budget lasts. Damaged
+// files are renamed and not delivered; where renaming fails (a read-only folder), the file stays,
+// with the cause.
+LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget);
+
+// One file again, in the same way; nothing when it was set aside.
+std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
+                                            const store::FileName& file,
+                                            const store::LockBudget& budget);
+
+} // namespace browser

@@ -1,0 +1,147 @@
+#include "browser/main_menus.h"
+
+#include "app/texts.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace browser {
+namespace {
+
+using commands::Band;
+using commands::Command;
+using commands::Menu;
+using commands::MenuId;
+using commands::MenuItem;
+
+QString fromAscii(std::string_view text) {
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString captionOf(const MenuItem& item) {
+    if (item.textId != commands::kNoTextId) {
+        return app::text(item.textId);
+    }
+    return item.caption.german == nullptr ? QString() : app::text(item.caption);
+}
+
+QString actionName(const Menu& menu, int index) {
+    return QStringLiteral("%1_%2").arg(fromAscii(menu.name)).arg(index);
+}
+
+QAction* actionOf(QMenu* menu, const QString& name) {
+    return menu->findChild<QAction*>(name, Qt::FindDirectChildrenOnly);
+}
+
+} // namespace
+
+MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* owner)
+    : QObject(owner), dispatcher_(dispatcher) {
+    for (const Menu& menu : commands::menus()) {
+        buildMenu(bar, menu);
+    }
+    for (const Band& band : commands::bands()) {
+        buildBand(band, owner);
+    }
+    actionOf(menus_.at(static_cast<std::size_t>(MenuId::Hilfe)),
+             actionName(commands::menu(MenuId::Hilfe), 0))
+        ->setShortcut(QKeySequence::HelpContents);
+    setState(nodes_);
+}
+
+void MainMenus::buildMenu(QMenuBar* bar, const Menu& menu) {
+    auto* popUp = new QMenu(bar);
+    popUp->setObjectName(fromAscii(menu.name));
+    popUp->menuAction()->setObjectName(QStringLiteral("Men_%1").arg(static_cast<int>(menu.id)));
+    int expected = 0;
+    for (const MenuItem& item : menu.items) {
+        if (item.index != expected) {
+            popUp->addSeparator()->setObjectName(actionName(menu, expected));
+        }
+        expected = item.index + 1;
+        auto* action = new QAction(popUp);
+        action->setObjectName(actionName(menu, item.index));
+        action->setVisible(item.textId != commands::kNoTextId || item.caption.german != nullptr);
+        if (item.command == Command::GraphicalPreview) {
+            action->setCheckable(true);
+            action->setChecked(true);
+        }
+        connect(action, &QAction::triggered, this,
+                [this, id = menu.id, index = item.index] { dispatcher_.menuClick(id, index); });
+        popUp->addAction(action);
+    }
+    menus_.at(static_cast<std::size_t>(menu.id)) = popUp;
+    bar->addMenu(popUp);
+}
+
+void MainMenus::buildBand(const Band& band, QWidget* owner) {
+    auto* popUp = new QMenu(owner);
+    popUp->setObjectName(fromAscii(band.name));
+    for (const commands::Tool& tool : band.tools) {
+        auto* action =
+            new QAction(QString::fromUtf16(tool.storedCaption.data(),
+                                           static_cast<qsizetype>(tool.storedCaption.size())),
+                        popUp);
+        action->setObjectName(fromAscii(tool.key));
+        action->setEnabled(commands::hasHandler(tool.command));
+        connect(action, &QAction::triggered, this,
+                [this, key = fromAscii(tool.key)] { dispatcher_.toolClick(key); });
+        popUp->addAction(action);
+    }
+    bands_.at(static_cast<std::size_t>(band.id)) = popUp;
+}
+
+void MainMenus::setCaptions() {
+    for (const Menu& menu : commands::menus()) {
+        QMenu* popUp = menus_.at(static_cast<std::size_t>(menu.id));
+        popUp->setTitle(app::text(menu.textId));
+        for (const MenuItem& item : menu.items) {
+            actionOf(popUp, actionName(menu, item.index))->setText(captionOf(item));
+        }
+    }
+    for (const Band& band : commands::bands()) {
+        QMenu* popUp = bands_.at(static_cast<std::size_t>(band.id));
+        for (const commands::Tool& tool : band.tools) {
+            actionOf(popUp, fromAscii(tool.key))->setText(app::text(tool.textId));
+        }
+    }
+}
+
+void MainMenus::setState(commands::TreeNodes nodes) {
+    nodes_ = nodes;
+    for (const Menu& menu : commands::menus()) {
+        QMenu* popUp = menus_.at(static_cast<std::size_t>(menu.id));
+        for (const MenuItem& item : menu.items) {
+            actionOf(popUp, actionName(menu, item.index))
+                ->setEnabled(commands::isOffered(item.command, nodes));
+        }
+    }
+    updateEditItem();
+}
+
+void MainMenus::setEditItem(bool allowed) {
+    isEditingAllowed_ = allowed;
+    updateEditItem();
+}
+
+void MainMenus::updateEditItem() {
+    constexpr int kEditIndex = 2;
+    const Menu& menu = commands::menu(MenuId::Bearbeiten);
+    actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, kEditIndex))
+        ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, nodes_));
+}
+
+void MainMenus::setGraphicalPreview(bool on) {
+    const Menu& menu = commands::menu(MenuId::Extras);
+    actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, 0))->setChecked(on);
+}
+
+void MainMenus::popUp(commands::BandId band, const QPoint& globalPosition) {
+    bands_.at(static_cast<std::size_t>(band))->popup(globalPosition);
+}
+
+} // namespace browser

@@ -1,0 +1,54 @@
+// The menu bar and the two pop-up bands, built from the tables of commands.
+//
+// A menu item is the action MENU_INDEX (Men_Datei_0), a tool of a band the action with its key as
+// name; the menus themselves are named Men_Datei, ..., the bands Band1 and Band2.
+#pragma once
+
+#include "commands/dispatcher.h"
+#include "commands/enabling.h"
+
+#include <QObject>
+
+#include <array>
+
+class QAction;
+class QMenu;
+class QMenuBar;
+class QWidget;
+
+namespace browser {
+
+class MainMenus : public QObject {
+    Q_OBJECT
+
+  public:
+    // The dispatcher must outlive the menus; `owner` owns the pop-up bands.
+    MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* owner);
+
+    // Sets all captions from the text table.
+    void setCaptions();
+
+    // Enables the items for such a tree.
+    void setState(commands::TreeNodes nodes);
+
+    // Whether the shown picture can be edited from the menu.
+    void setEditItem(bool allowed);
+
+    void setGraphicalPreview(bool on);
+
+    // Shows a band at that place of the screen.
+    void popUp(commands::BandId band, const QPoint& globalPosition);
+
+  private:
+    void buildMenu(QMenuBar* bar, const commands::Menu& menu);
+    void buildBand(const commands::Band& band, QWidget* owner);
+    void updateEditItem();
+
+    commands::Dispatcher& dispatcher_;
+    std::array<QMenu*, 4> menus_{};
+    std::array<QMenu*, 2> bands_{};
+    commands::TreeNodes nodes_ = commands::TreeNodes::None;
+    bool isEditingAllowed_ = true;
+};
+
+} // namespace browser

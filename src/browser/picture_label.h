@@ -1,0 +1,19 @@
+// The label below the large preview, `lblAktuell`: the name of the shown picture, as plain text,
+// with an ellipsis where it does not fit.
+#pragma once
+
+#include <QLabel>
+
+namespace browser {
+
+class PictureLabel : public QLabel {
+    Q_OBJECT
+
+  public:
+    explicit PictureLabel(QWidget* parent = nullptr);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace browser

@@ -1,0 +1,184 @@
+#include "browser/picture_list.h"
+
+#include "app/number_text.h"
+#include "app/texts.h"
+#include "app/twips.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QScopedValueRollback>
+#include <QStyledItemDelegate>
+
+namespace browser {
+namespace {
+
+constexpr std::array<app::TextPair, kListColumns> kCaptions{{
+    {u"Name", u"Name"},
+    {u"Größe", u"Size"},
+    {u"Höhe", u"Height"},
+    {u"Breite", u"Width"},
+    {u"Typ", u"Type"},
+}};
+
+// Edits names only, and leaves the row as it is: the store decides on the new name.
+class NameDelegate : public QStyledItemDelegate {
+  public:
+    explicit NameDelegate(PictureList* list) : QStyledItemDelegate(list), list_(list) {}
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override {
+        return index.column() == 0 ? QStyledItemDelegate::createEditor(parent, option, index)
+                                   : nullptr;
+    }
+
+    void setModelData(QWidget* editor, QAbstractItemModel*,
+                      const QModelIndex& index) const override {
+        const auto* field = qobject_cast<QLineEdit*>(editor);
+        const QString before = index.data().toString();
+        if (field == nullptr || field->text() == before) {
+            return;
+        }
+        // A box now would take the focus from the editor and end the editing a second time.
+        QMetaObject::invokeMethod(
+            list_,
+            [list = list_, before, after = field->text()] {
+                emit list->renameWanted(before, after);
+            },
+            Qt::QueuedConnection);
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        constexpr int kRowPadding = 4;
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, kRowPadding);
+    }
+
+  private:
+    PictureList* list_;
+};
+
+} // namespace
+
+std::array<double, kListColumns> columnWidths(double listWidth) {
+    const double name = listWidth / 3;
+    const double rest = listWidth - name;
+    return {name, rest / 5.6, rest / 3, rest / 5, rest / 5};
+}
+
+QString kilobytesText(std::uint64_t bytes) {
+    const QString number = app::numberText(static_cast<double>(bytes) / 1024);
+    return number.section(u',', 0, 0) + QLatin1String(" KB");
+}
+
+PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
+    setObjectName(QStringLiteral("lvwInfo"));
+    setColumnCount(static_cast<int>(kListColumns));
+    QStringList captions;
+    for (const app::TextPair& caption : kCaptions) {
+        captions.append(app::text(caption));
+    }
+    setHeaderLabels(captions);
+    header()->setStretchLastSection(false);
+    header()->setSectionsMovable(false);
+    header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setAlternatingRowColors(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
+    setItemDelegate(new NameDelegate(this));
+    setMouseTracking(true);
+    connect(this, &QTreeWidget::itemSelectionChanged, this, [this] {
+        if (!selectingByProgram_ && !selectedName().isEmpty()) {
+            reportedDuringPress_ = true;
+            emit rowClicked(selectedName());
+        }
+    });
+}
+
+void PictureList::fill(std::span<const store::PictureEntry> pictures) {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    clear();
+    const auto widths = columnWidths(app::toTwips(width()));
+    for (std::size_t column = 0; column < kListColumns; ++column) {
+        setColumnWidth(static_cast<int>(column), app::toPixels(widths.at(column)));
+    }
+    QList<QTreeWidgetItem*> rows;
+    rows.reserve(static_cast<qsizetype>(pictures.size()));
+    for (const store::PictureEntry& picture : pictures) {
+        const store::PictureRecord& record = picture.record;
+        const bool hasRecord = !record.type.empty();
+        auto* row = new QTreeWidgetItem({QString::fromStdU16String(picture.name.text),
+                                         kilobytesText(picture.bytes),
+                                         hasRecord ? app::numberText(record.height) : QString(),
+                                         hasRecord ? app::numberText(record.width) : QString(),
+                                         QString::fromStdString(record.type)});
+        row->setFlags(row->flags() | Qt::ItemIsEditable);
+        rows.append(row);
+    }
+    addTopLevelItems(rows);
+}
+
+QString PictureList::selectFirst() {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    if (isEmpty()) {
+        return {};
+    }
+    setCurrentItem(topLevelItem(0), 0,
+                   QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    return selectedName();
+}
+
+QString PictureList::selectedName() const {
+    const QList<QTreeWidgetItem*> rows = selectedItems();
+    return rows.isEmpty() ? QString() : rows.front()->text(0);
+}
+
+void PictureList::rename(const QString& from, const QString& to) {
+    const QList<QTreeWidgetItem*> rows =
+        findItems(from, Qt::MatchFixedString | Qt::MatchCaseSensitive);
+    if (!rows.isEmpty()) {
+        rows.front()->setText(0, to);
+    }
+}
+
+void PictureList::mousePressEvent(QMouseEvent* event) {
+    reportedDuringPress_ = false;
+    QTreeWidget::mousePressEvent(event);
+    const QTreeWidgetItem* row = itemAt(event->position().toPoint());
+    if (!reportedDuringPress_ && row != nullptr && row->isSelected()) {
+        emit rowClicked(row->text(0));
+    }
+}
+
+void PictureList::mouseReleaseEvent(QMouseEvent* event) {
+    QTreeWidget::mouseReleaseEvent(event);
+    emit mouseReleased(event->button(), event->globalPosition().toPoint());
+}
+
+void PictureList::mouseMoveEvent(QMouseEvent* event) {
+    QTreeWidget::mouseMoveEvent(event);
+    emit pointerMoved();
+}
+
+// With the mouse the release shows the band; here only the keyboard's request is left.
+void PictureList::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Mouse || selectedItems().isEmpty()) {
+        return;
+    }
+    const QRect row = visualItemRect(selectedItems().front());
+    emit mouseReleased(Qt::RightButton, viewport()->mapToGlobal(row.bottomLeft()));
+}
+
+void PictureList::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && state() != QAbstractItemView::EditingState && !selectedName().isEmpty()) {
+        emit activatedByUser(selectedName());
+        return;
+    }
+    QTreeWidget::keyPressEvent(event);
+}
+
+} // namespace browser

@@ -1,0 +1,63 @@
+// The list of pictures, `lvwInfo`: name, size, height, width and type of each, with renaming in
+// place. It knows rows, but no files.
+#pragma once
+
+#include "store/picture_operations.h"
+
+#include <QTreeWidget>
+
+#include <array>
+#include <span>
+
+namespace browser {
+
+inline constexpr std::size_t kListColumns = 5;
+
+// The columns' widths for a list of that width (both in twips). They do not add up to it.
+std::array<double, kListColumns> columnWidths(double listWidth);
+
+// A stored size as the list shows it: kilobytes, cut at a decimal comma (a decimal point is kept).
+QString kilobytesText(std::uint64_t bytes);
+
+class PictureList : public QTreeWidget {
+    Q_OBJECT
+
+  public:
+    explicit PictureList(QWidget* parent = nullptr);
+
+    // Replaces all rows, in the order given, and sets the columns' widths.
+    void fill(std::span<const store::PictureEntry> pictures);
+
+    bool isEmpty() const { return topLevelItemCount() == 0; }
+
+    // Selects the first row, if there is one, without reporting it; returns its name.
+    QString selectFirst();
+
+    QString selectedName() const; // empty when no row is selected
+
+    // Gives the row of that name another one.
+    void rename(const QString& from, const QString& to);
+
+  signals:
+    // The user chose the row that is selected now.
+    void rowClicked(const QString& name);
+    // A mouse button was released over the list.
+    void mouseReleased(Qt::MouseButton button, const QPoint& globalPosition);
+    // Editing a name ended with another one; the row still shows the old.
+    void renameWanted(const QString& from, const QString& to);
+    void activatedByUser(const QString& name); // Enter
+    void pointerMoved();
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    bool selectingByProgram_ = false;
+    bool reportedDuringPress_ = false;
+};
+
+} // namespace browser

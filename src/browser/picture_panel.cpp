@@ -1,0 +1,356 @@
+#include "browser/picture_panel.h"
+
+#include "app/texts.h"
+#include "browser/large_preview.h"
+#include "browser/picture_label.h"
+#include "browser/picture_list.h"
+#include "browser/picture_renaming.h"
+#include "browser/thumbnail_strip.h"
+#include "browser/thumbnail_tool_tip.h"
+#include "compound/error.h"
+#include "imaging/picture.h"
+#include "store/picture_operations.h"
+
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace browser {
+namespace {
+
+constexpr int kLayoutDelayMilliseconds = 150;
+
+} // namespace
+
+PicturePanel::PicturePanel(QWidget* surface)
+    : QObject(surface),
+      surface_(surface),
+      strip_(new ThumbnailStrip(surface)),
+      imgScroll_(new QScrollBar(Qt::Vertical, surface)),
+      lvwInfo_(new PictureList(surface)),
+      imgVorschau_(new LargePreview(surface)),
+      lblAktuell_(new PictureLabel(surface)),
+      txtName_(new ThumbnailToolTip(surface)),
+      Timer1_(new QTimer(this)) {
+    imgScroll_->setObjectName(QStringLiteral("imgScroll"));
+    imgScroll_->setRange(1, 1);
+    imgScroll_->setPageStep(1);
+    imgScroll_->setFocusPolicy(Qt::TabFocus);
+    lvwInfo_->hide();
+    Timer1_->setObjectName(QStringLiteral("Timer1"));
+    Timer1_->setSingleShot(true);
+    Timer1_->setInterval(kLayoutDelayMilliseconds);
+    connect(Timer1_, &QTimer::timeout, this, &PicturePanel::onTimer);
+    connect(imgScroll_, &QScrollBar::valueChanged, this, &PicturePanel::onScrollChanged);
+    connect(&loader_, &ThumbnailLoader::loaded, strip_, &ThumbnailStrip::showPicture);
+    connect(imgVorschau_, &LargePreview::activated, this, &PicturePanel::editWanted);
+    connectStrip();
+    connectList();
+}
+
+void PicturePanel::connectStrip() {
+    connect(strip_, &ThumbnailStrip::chosen, this, [this](const QString& name) {
+        choose(name);
+        emit editItemWanted(commands::EditItemCause::Thumbnail);
+    });
+    connect(strip_, &ThumbnailStrip::activated, this, &PicturePanel::editWanted);
+    connect(strip_, &ThumbnailStrip::popUpWanted, this, &PicturePanel::picturePopUpWanted);
+    connect(strip_, &ThumbnailStrip::pointerOver, txtName_, &ThumbnailToolTip::pointerOver);
+    connect(strip_, &ThumbnailStrip::pagesWanted, this,
+            [this](int pages) { imgScroll_->setValue(imgScroll_->value() + pages); });
+}
+
+void PicturePanel::connectList() {
+    connect(lvwInfo_, &PictureList::rowClicked, this, [this](const QString& name) {
+        if (name != shownPicture()) {
+            choose(name);
+        }
+    });
+    connect(lvwInfo_, &PictureList::mouseReleased, this,
+            [this](Qt::MouseButton button, const QPoint& position) {
+                if (lvwInfo_->isEmpty()) {
+                    return;
+                }
+                emit editItemWanted(commands::EditItemCause::Group);
+                if (button == Qt::RightButton) {
+                    emit picturePopUpWanted(position);
+                }
+            });
+    connect(lvwInfo_, &PictureList::activatedByUser, this, &PicturePanel::editWanted);
+    connect(lvwInfo_, &PictureList::renameWanted, this, &PicturePanel::renamed);
+    connect(lvwInfo_, &PictureList::pointerMoved, this, &PicturePanel::hideToolTip);
+}
+
+void PicturePanel::setLibrary(const store::Library& library) {
+    library_ = &library;
+}
+
+void PicturePanel::place(const MainLayout& layout) {
+    area_ = layout.thumbnailArea;
+    strip_->setGeometry(app::toPixels(layout.thumbnailArea));
+    imgScroll_->setGeometry(app::toPixels(layout.imgScroll));
+    lvwInfo_->setGeometry(app::toPixels(layout.lvwInfo));
+    imgVorschau_->setGeometry(app::toPixels(layout.imgVorschau));
+    lblAktuell_->setGeometry(app::toPixels(layout.lblAktuell));
+}
+
+void PicturePanel::setTabOrderAfter(QWidget* before) {
+    QWidget::setTabOrder(before, strip_);
+    QWidget::setTabOrder(strip_, imgScroll_);
+    QWidget::setTabOrder(imgScroll_, lvwInfo_);
+}
+
+bool PicturePanel::isSettled() const {
+    return !Timer1_->isActive() && !loader_.isBusy();
+}
+
+// --- Layout and pages
+
+void PicturePanel::layOutSoon() {
+    if (GraphicalPreview_) {
+        Timer1_->start();
+    }
+}
+
+void PicturePanel::layOutGrid() {
+    Timer1_->stop();
+    strip_->setGrid(gridFor(qRound(area_.width), qRound(area_.height)));
+}
+
+// The list may have become the view while the timer ran.
+void PicturePanel::onTimer() {
+    if (!GraphicalPreview_) {
+        return;
+    }
+    layOutGrid();
+    SetImgScrollProperties();
+    onScrollChanged();
+}
+
+std::vector<std::size_t> PicturePanel::readIndexes() const {
+    if (library_ == nullptr || !group_) {
+        return {};
+    }
+    try {
+        return store::pictureIndexes(*library_, *group_);
+    } catch (const compound::Error&) {
+        return {};
+    }
+}
+
+void PicturePanel::SetImgScrollProperties() {
+    const QSignalBlocker quiet(imgScroll_);
+    imgScroll_->setRange(1, lastPage(readIndexes(), strip_->cells()));
+}
+
+void PicturePanel::onScrollChanged() {
+    MiniVorschau(startIndexOf(imgScroll_->value(), strip_->cells()));
+}
+
+void PicturePanel::MiniVorschau(std::size_t startIndex) {
+    loader_.stop();
+    strip_->clear();
+    const std::size_t cells = strip_->cells();
+    if (!group_ || cells == 0 || !GraphicalPreview_) {
+        return;
+    }
+    {
+        const QSignalBlocker quiet(imgScroll_);
+        imgScroll_->setValue(static_cast<int>(startIndex / cells) + 1);
+    }
+    const std::vector<std::size_t> all = readIndexes();
+    const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
+    const auto count =
+        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
+    if (count == 0) {
+        ShowNoPicture();
+        return;
+    }
+    loader_.start(*library_, {*group_,
+                              {first, first + count},
+                              ThumbnailStrip::pictureArea(),
+                              strip_->devicePixelRatioF()});
+}
+
+// --- The group's pictures
+
+void PicturePanel::showGroup() {
+    if (!GraphicalPreview_) {
+        showGroupAnew();
+        return;
+    }
+    SelectPicture();
+    if (imgScroll_->value() == 1) {
+        onScrollChanged();
+    } else {
+        imgScroll_->setValue(1);
+    }
+    SetImgScrollProperties();
+    emit menuStateWanted();
+}
+
+void PicturePanel::showGroupAnew() {
+    if (GraphicalPreview_) {
+        SelectPicture();
+        SetImgScrollProperties();
+        MiniVorschau(0);
+    } else {
+        if (group_) {
+            FillListView(*group_);
+        } else {
+            lvwInfo_->fill({});
+        }
+        showListRow();
+    }
+    emit menuStateWanted();
+}
+
+void PicturePanel::Aktualisieren() {
+    if (!GraphicalPreview_) {
+        showGroupAnew();
+        return;
+    }
+    SetImgScrollProperties();
+    onScrollChanged();
+    emit menuStateWanted();
+}
+
+void PicturePanel::FillListView(const store::GroupAddress& group) {
+    std::vector<store::PictureEntry> pictures;
+    try {
+        if (library_ != nullptr) {
+            pictures = store::listPictures(*library_, group);
+        }
+    } catch (const compound::Error&) {
+        pictures.clear(); // shown as a group without pictures
+    }
+    lvwInfo_->fill(pictures);
+    lvwInfo_->selectFirst();
+}
+
+void PicturePanel::showListRow() {
+    const QString name = lvwInfo_->selectedName();
+    if (name.isEmpty()) {
+        ShowNoPicture();
+    } else {
+        choose(name);
+    }
+}
+
+void PicturePanel::VorschauAktiviert() {
+    GraphicalPreview_ = true;
+    lvwInfo_->hide();
+    strip_->show();
+    imgScroll_->show();
+    Timer1_->start();
+    strip_->setCellsVisible(true);
+}
+
+void PicturePanel::VorschauDeaktiviert() {
+    GraphicalPreview_ = false;
+    imgScroll_->hide();
+    lvwInfo_->show();
+    if (group_) {
+        FillListView(*group_);
+        showListRow();
+    } else {
+        lvwInfo_->fill({});
+    }
+    loader_.stop();
+    strip_->setCellsVisible(false);
+    strip_->hide();
+}
+
+// --- The shown picture
+
+QString PicturePanel::shownPicture() const {
+    return lblAktuell_->text();
+}
+
+void PicturePanel::setLabel(const QString& text) {
+    lblAktuell_->setText(text);
+    strip_->mark(text);
+}
+
+void PicturePanel::SelectPicture() {
+    std::optional<store::StoredPicture> first;
+    try {
+        if (library_ != nullptr && group_) {
+            store::walkPictures(*library_, *group_, 0, [&](const store::StoredPicture& picture) {
+                first = picture;
+                return store::TakePicture::Stop;
+            });
+        }
+    } catch (const compound::Error&) {
+        first.reset();
+    }
+    if (first) {
+        setLabel(QString::fromStdU16String(first->name.text));
+        showStored(*first);
+    } else {
+        ShowNoPicture();
+    }
+}
+
+void PicturePanel::choose(const QString& name) {
+    setLabel(name);
+    shownType_.clear();
+    try {
+        if (library_ != nullptr && group_) {
+            showStored(store::readPicture(*library_, *group_, {name.toStdU16String()}));
+        }
+    } catch (const compound::Error&) {
+        imgVorschau_->showUndecodable();
+    }
+}
+
+void PicturePanel::showStored(const store::StoredPicture& picture) {
+    shownType_ = QString::fromStdString(picture.record.type);
+    try {
+        imgVorschau_->showPicture(imaging::decode(picture.bytes));
+    } catch (const std::exception&) {
+        imgVorschau_->showUndecodable();
+    }
+}
+
+void PicturePanel::ClearVorschau() {
+    imgVorschau_->showNothing();
+    shownType_.clear();
+}
+
+void PicturePanel::NoPictures() {
+    ClearVorschau();
+    strip_->clearTags();
+}
+
+void PicturePanel::NoToolTip() {
+    hideToolTip();
+    strip_->clearTags();
+}
+
+void PicturePanel::ShowNoPicture() {
+    setLabel(app::text(app::kTextNoPicture));
+    ClearVorschau();
+}
+
+void PicturePanel::renamed(const QString& from, const QString& to) {
+    if (library_ == nullptr || !group_ ||
+        !renameInPlace(*library_, *group_, from, to, surface_->window())) {
+        return;
+    }
+    lvwInfo_->rename(from, to);
+    setLabel(to);
+}
+
+// --- Tool tip
+
+void PicturePanel::pointerOnFreeSurface() {
+    txtName_->pointerOnFreeSurface();
+}
+
+void PicturePanel::hideToolTip() {
+    txtName_->pointerOver({}, {});
+}
+
+} // namespace browser

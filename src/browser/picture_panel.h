@@ -1,0 +1,115 @@
+// The pictures of the current group: thumbnails or list, large preview, label, tool tip and scroll
+// bar, and how they follow each other.
+//
+// Reading is silent: a group or picture that cannot be read leaves its view empty.
+#pragma once
+
+#include "browser/main_layout.h"
+#include "browser/thumbnail_loader.h"
+#include "commands/enabling.h"
+#include "store/library.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <optional>
+
+class QScrollBar;
+class QWidget;
+
+namespace browser {
+
+class LargePreview;
+class PictureLabel;
+class PictureList;
+class ThumbnailStrip;
+class ThumbnailToolTip;
+
+class PicturePanel : public QObject {
+    Q_OBJECT
+
+  public:
+    // The widgets become children of the surface.
+    explicit PicturePanel(QWidget* surface);
+
+    // Must be called before anything that reads; the library must outlive the panel.
+    void setLibrary(const store::Library& library);
+
+    void place(const MainLayout& layout);
+
+    // Starts the deferred layout of the thumbnails, if they are the view.
+    void layOutSoon();
+
+    // Lays the thumbnails out without filling them.
+    void layOutGrid();
+
+    // Which group is shown. Changes nothing on the screen.
+    void setGroup(const std::optional<store::GroupAddress>& group) { group_ = group; }
+    const std::optional<store::GroupAddress>& group() const { return group_; }
+
+    // Shows the group's pictures from the beginning, and its first picture.
+    void showGroup();
+
+    // The same without going through the scroll bar's handler: for groups chosen by commands.
+    void showGroupAnew();
+
+    QString shownPicture() const;                           // the label's text
+    const QString& shownType() const { return shownType_; } // of the picture; may be empty
+
+    bool GraphicalPreview() const { return GraphicalPreview_; }
+    void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
+    bool isSettled() const; // nothing is being laid out or loaded
+
+    void Aktualisieren();
+    void FillListView(const store::GroupAddress& group);
+    void MiniVorschau(std::size_t startIndex);
+    void SelectPicture();
+    void SetImgScrollProperties();
+    void ClearVorschau();
+    void NoPictures();
+    void NoToolTip();
+    void ShowNoPicture();
+    void VorschauAktiviert();
+    void VorschauDeaktiviert();
+
+    void pointerOnFreeSurface();
+    void hideToolTip();
+
+    // Tab order: what comes before and after.
+    void setTabOrderAfter(QWidget* before);
+
+  signals:
+    void menuStateWanted();
+    void editItemWanted(commands::EditItemCause cause);
+    void picturePopUpWanted(const QPoint& globalPosition);
+    void editWanted(); // a picture was double-clicked
+
+  private:
+    void connectStrip();
+    void connectList();
+    void onScrollChanged();
+    void onTimer();
+    void choose(const QString& name);
+    void showStored(const store::StoredPicture& picture);
+    void setLabel(const QString& text);
+    void showListRow();
+    void renamed(const QString& from, const QString& to);
+    std::vector<std::size_t> readIndexes() const;
+
+    QWidget* surface_;
+    ThumbnailStrip* strip_;
+    QScrollBar* imgScroll_;
+    PictureList* lvwInfo_;
+    LargePreview* imgVorschau_;
+    PictureLabel* lblAktuell_;
+    ThumbnailToolTip* txtName_;
+    QTimer* Timer1_;
+    ThumbnailLoader loader_;
+    const store::Library* library_ = nullptr;
+    std::optional<store::GroupAddress> group_;
+    app::TwipRect area_;
+    QString shownType_;
+    bool GraphicalPreview_ = true;
+};
+
+} // namespace browser

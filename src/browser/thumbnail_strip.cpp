@@ -1,0 +1,292 @@
+#include "browser/thumbnail_strip.h"
+
+#include "browser/picture_painting.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <optional>
+
+namespace browser {
+namespace {
+
+constexpr double kPadding = 5; // pixels between a cell's edge and its picture
+constexpr double kCorner = 4;
+
+} // namespace
+
+ThumbnailCell::ThumbnailCell(int index, QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("img_%1").arg(index));
+    setMouseTracking(true);
+}
+
+void ThumbnailCell::showPicture(const QString& name, const QImage& image) {
+    tag_ = name;
+    image_ = image;
+    isFilled_ = true;
+    setAccessibleName(name);
+    update();
+}
+
+void ThumbnailCell::clear() {
+    image_ = {};
+    isFilled_ = false;
+    emphasis_ = Emphasis::None;
+    clearTag();
+    update();
+}
+
+void ThumbnailCell::clearTag() {
+    tag_.clear();
+    setAccessibleName({});
+}
+
+void ThumbnailCell::setEmphasis(Emphasis emphasis) {
+    if (emphasis_ != emphasis) {
+        emphasis_ = emphasis;
+        update();
+    }
+}
+
+void ThumbnailCell::paintEvent(QPaintEvent*) {
+    if (!isFilled_) {
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    const QColor base = palette().color(QPalette::Base);
+    const QColor highlight = palette().color(QPalette::Highlight);
+    QColor border = between(palette().color(QPalette::Text), base, 0.78);
+    QColor fill = base;
+    if (emphasis_ != Emphasis::None) {
+        border =
+            emphasis_ == Emphasis::SelectedWithFocus ? highlight : between(highlight, base, 0.35);
+        fill = between(highlight, base, 0.8);
+    }
+    const double pen = emphasis_ == Emphasis::None ? 1 : 2;
+    const QRectF frame = QRectF(rect()).adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2);
+    painter.setPen(QPen(border, pen));
+    painter.setBrush(fill);
+    painter.drawRoundedRect(frame, kCorner, kCorner);
+    const QRectF area = QRectF(rect()).adjusted(kPadding, kPadding, -kPadding, -kPadding);
+    if (image_.isNull()) {
+        paintUndecodable(painter, area, palette());
+    } else {
+        paintCentred(painter, image_, area, palette());
+    }
+}
+
+ThumbnailStrip::ThumbnailStrip(QWidget* parent) : QFrame(parent) {
+    setObjectName(QStringLiteral("shpVorschau"));
+    setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+}
+
+QSizeF ThumbnailStrip::pictureArea() {
+    const double side = app::toPixels(kCellSide) - 2 * kPadding;
+    return {side, side};
+}
+
+void ThumbnailStrip::setGrid(const GridSize& grid) {
+    grid_ = grid;
+    const auto wanted = static_cast<std::size_t>(thumbnailCount(grid) + 1);
+    while (cells_.size() > wanted) {
+        delete cells_.back();
+        cells_.pop_back();
+    }
+    while (cells_.size() < wanted) {
+        cells_.push_back(new ThumbnailCell(static_cast<int>(cells_.size()), this));
+        cells_.back()->setVisible(areCellsVisible_);
+    }
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+        cells_[i]->setGeometry(app::toPixels(cellRect({}, grid, static_cast<int>(i))));
+    }
+}
+
+void ThumbnailStrip::clear() {
+    chooseWhenShown_ = -1;
+    for (ThumbnailCell* cell : cells_) {
+        cell->clear();
+    }
+}
+
+void ThumbnailStrip::clearTags() {
+    for (ThumbnailCell* cell : cells_) {
+        cell->clearTag();
+    }
+}
+
+void ThumbnailStrip::showPicture(int index, const QString& name, const QImage& image) {
+    if (index < 0 || index >= static_cast<int>(cells_.size())) {
+        return;
+    }
+    cells_[static_cast<std::size_t>(index)]->showPicture(name, image);
+    refreshEmphasis();
+    if (chooseWhenShown_ == index) {
+        chooseWhenShown_ = -1;
+        choose(index);
+    }
+}
+
+void ThumbnailStrip::mark(const QString& name) {
+    marked_ = name;
+    setAccessibleName(name);
+    refreshEmphasis();
+}
+
+void ThumbnailStrip::refreshEmphasis() {
+    using Emphasis = ThumbnailCell::Emphasis;
+    for (ThumbnailCell* cell : cells_) {
+        const bool isMarked = !marked_.isEmpty() && cell->tag() == marked_;
+        cell->setEmphasis(!isMarked    ? Emphasis::None
+                          : hasFocus() ? Emphasis::SelectedWithFocus
+                                       : Emphasis::Selected);
+    }
+}
+
+void ThumbnailStrip::setCellsVisible(bool visible) {
+    areCellsVisible_ = visible;
+    for (ThumbnailCell* cell : cells_) {
+        cell->setVisible(visible);
+    }
+}
+
+void ThumbnailStrip::chooseWhenShown(int index) {
+    chooseWhenShown_ = index;
+}
+
+int ThumbnailStrip::cellAt(const QPoint& position) const {
+    const auto found = std::find_if(cells_.begin(), cells_.end(), [&](const ThumbnailCell* cell) {
+        return cell->geometry().contains(position) && !cell->tag().isEmpty();
+    });
+    return found == cells_.end() ? -1 : static_cast<int>(found - cells_.begin());
+}
+
+int ThumbnailStrip::markedCell() const {
+    const auto found = std::find_if(cells_.begin(), cells_.end(), [&](const ThumbnailCell* cell) {
+        return !marked_.isEmpty() && cell->tag() == marked_;
+    });
+    return found == cells_.end() ? -1 : static_cast<int>(found - cells_.begin());
+}
+
+int ThumbnailStrip::filledCells() const {
+    return static_cast<int>(std::count_if(cells_.begin(), cells_.end(),
+                                          [](const auto* cell) { return !cell->tag().isEmpty(); }));
+}
+
+void ThumbnailStrip::choose(int index) {
+    emit chosen(cells_[static_cast<std::size_t>(index)]->tag());
+}
+
+void ThumbnailStrip::step(Step wanted) {
+    const int filled = filledCells();
+    if (filled == 0) {
+        return;
+    }
+    const Move move =
+        moveFrom(markedCell(), filled, grid_.columns, static_cast<int>(cells_.size()), wanted);
+    if (move.pages == 0) {
+        choose(move.cell);
+        return;
+    }
+    emit pagesWanted(move.pages);
+    chooseWhenShown_ = move.cell;
+}
+
+void ThumbnailStrip::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return step(Step::Left);
+    case Qt::Key_Right:
+        return step(Step::Right);
+    case Qt::Key_Up:
+        return step(Step::Up);
+    case Qt::Key_Down:
+        return step(Step::Down);
+    case Qt::Key_Home:
+        return step(Step::First);
+    case Qt::Key_End:
+        return step(Step::Last);
+    case Qt::Key_PageUp:
+        emit pagesWanted(-1);
+        return;
+    case Qt::Key_PageDown:
+        emit pagesWanted(1);
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (markedCell() >= 0) {
+            emit activated(marked_);
+        }
+        return;
+    default:
+        QFrame::keyPressEvent(event);
+    }
+}
+
+void ThumbnailStrip::mousePressEvent(QMouseEvent* event) {
+    const int index = cellAt(event->position().toPoint());
+    setFocus(Qt::MouseFocusReason);
+    if (index >= 0) {
+        choose(index);
+    }
+}
+
+void ThumbnailStrip::mouseDoubleClickEvent(QMouseEvent* event) {
+    const int index = cellAt(event->position().toPoint());
+    if (index >= 0 && event->button() == Qt::LeftButton) {
+        emit activated(cells_[static_cast<std::size_t>(index)]->tag());
+    }
+}
+
+void ThumbnailStrip::mouseMoveEvent(QMouseEvent* event) {
+    const int index = cellAt(event->position().toPoint());
+    emit pointerOver(index < 0 ? QString() : cells_[static_cast<std::size_t>(index)]->tag(),
+                     event->globalPosition().toPoint());
+}
+
+void ThumbnailStrip::leaveEvent(QEvent* event) {
+    QFrame::leaveEvent(event);
+    emit pointerOver({}, {});
+}
+
+void ThumbnailStrip::contextMenuEvent(QContextMenuEvent* event) {
+    const bool byMouse = event->reason() == QContextMenuEvent::Mouse;
+    const int index = byMouse ? cellAt(event->pos()) : markedCell();
+    if (index < 0) {
+        return;
+    }
+    emit popUpWanted(
+        byMouse ? event->globalPos()
+                : mapToGlobal(cells_[static_cast<std::size_t>(index)]->geometry().center()));
+}
+
+void ThumbnailStrip::wheelEvent(QWheelEvent* event) {
+    constexpr int kNotch = 120;
+    wheelRest_ += event->angleDelta().y();
+    const int pages = -wheelRest_ / kNotch;
+    wheelRest_ %= kNotch;
+    if (pages != 0) {
+        emit pagesWanted(pages);
+    }
+    event->accept();
+}
+
+void ThumbnailStrip::focusInEvent(QFocusEvent* event) {
+    QFrame::focusInEvent(event);
+    refreshEmphasis();
+}
+
+void ThumbnailStrip::focusOutEvent(QFocusEvent* event) {
+    QFrame::focusOutEvent(event);
+    refreshEmphasis();
+}
+
+} // namespace browser

@@ -1,0 +1,102 @@
+// The thumbnail area with its grid of cells. A cell is the widget `img_N` and holds the name and
+// the small image of one picture. The strip knows cells and names, but no files.
+#pragma once
+
+#include "browser/thumbnail_layout.h"
+
+#include <QFrame>
+#include <QImage>
+
+#include <vector>
+
+namespace browser {
+
+class ThumbnailCell : public QWidget {
+    Q_OBJECT
+
+  public:
+    ThumbnailCell(int index, QWidget* parent);
+
+    enum class Emphasis { None, Selected, SelectedWithFocus };
+
+    void showPicture(const QString& name, const QImage& image);
+    void clear();
+    void setEmphasis(Emphasis emphasis);
+
+    // The name of the shown picture; empty for an empty cell.
+    const QString& tag() const { return tag_; }
+    void clearTag();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QString tag_;
+    QImage image_;
+    bool isFilled_ = false;
+    Emphasis emphasis_ = Emphasis::None;
+};
+
+class ThumbnailStrip : public QFrame {
+    Q_OBJECT
+
+  public:
+    explicit ThumbnailStrip(QWidget* parent = nullptr);
+
+    // Makes or removes cells, from the highest index down, until the grid is complete.
+    void setGrid(const GridSize& grid);
+    const GridSize& grid() const { return grid_; }
+    std::size_t cells() const { return cells_.size(); }
+    const ThumbnailCell& cell(std::size_t index) const { return *cells_[index]; }
+
+    // The size of the picture in a cell, device-independent pixels.
+    static QSizeF pictureArea();
+
+    void clear();
+    void clearTags();
+    void showPicture(int index, const QString& name, const QImage& image);
+
+    // Marks the cell of that picture; none if it is not on the page.
+    void mark(const QString& name);
+
+    void setCellsVisible(bool visible);
+
+    // Chooses the first or last picture of the page as soon as it is there.
+    void chooseWhenShown(int index);
+
+  signals:
+    void chosen(const QString& name);
+    void activated(const QString& name); // double click or Enter
+    void popUpWanted(const QPoint& globalPosition);
+    // The pointer is over that picture; an empty name: over none.
+    void pointerOver(const QString& name, const QPoint& globalPosition);
+    void pagesWanted(int pages); // forward, or backward if negative
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+  private:
+    int cellAt(const QPoint& position) const; // -1 for none that shows a picture
+    int markedCell() const;                   // -1 for none
+    int filledCells() const;
+    void choose(int index);
+    void step(Step step);
+    void refreshEmphasis();
+
+    std::vector<ThumbnailCell*> cells_;
+    GridSize grid_;
+    QString marked_;
+    bool areCellsVisible_ = true;
+    int chooseWhenShown_ = -1;
+    int wheelRest_ = 0;
+};
+
+} // namespace browser
