@@ -1,0 +1,92 @@
+// The program's start: language, main window, event loop.
+
+#include "app/settings.h"
+#include "browser/frm_main.h"
+#include "platform/temporary_folder.h"
+#include "startup/options.h"
+#include "startup/screenshot.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kExitWrongUsage = 2;
+
+std::vector<std::string> withoutProgramName(const QStringList& arguments) {
+    std::vector<std::string> result;
+    for (qsizetype i = 1; i < arguments.size(); ++i) {
+        result.push_back(arguments[i].toStdString());
+    }
+    return result;
+}
+
+// Answers what needs no window; nothing when the program is to run.
+std::optional<int> answerAtOnce(const startup::Options& options) {
+    switch (options.task) {
+    case startup::Options::Task::ShowHelp:
+        std::fputs(startup::helpText().c_str(), stdout);
+        return 0;
+    case startup::Options::Task::ShowVersion:
+        std::puts("txsgraphicslib " TXS_VERSION);
+        return 0;
+    case startup::Options::Task::Refuse:
+        std::fprintf(stderr, "txsgraphicslib: %s\n\n%s", options.complaint.c_str(),
+                     startup::helpText().c_str());
+        return kExitWrongUsage;
+    case startup::Options::Task::Run:
+        break;
+    }
+    return std::nullopt;
+}
+
+// A picture of the window can be taken without any screen.
+void chooseScreen(const startup::Options& options) {
+    const bool hasScreen =
+        qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+    if (!options.screenshotFile.empty() && !hasScreen &&
+        !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+}
+
+int run(const startup::Options& options) {
+    // The language comes first, so that the window finds its texts.
+    app::settings().chooseLanguage();
+    browser::frmMain window(browser::StartMode::Standalone);
+    QObject::connect(&window, &browser::frmMain::unloaded, qApp, &QCoreApplication::quit);
+    std::optional<startup::Screenshot> screenshot;
+    if (!options.screenshotFile.empty()) {
+        screenshot.emplace(window, QString::fromStdString(options.screenshotFile));
+    }
+    window.show();
+    const int status = QApplication::exec();
+    platform::wipeTemporaryFolder(platform::CopiedPicture::Remove);
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const startup::Options early =
+        startup::parseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc),
+                              startup::SingleDash::PassOver);
+    if (const std::optional<int> status = answerAtOnce(early)) {
+        return *status;
+    }
+    chooseScreen(early);
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("TXSGraphicsLib"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TXS_VERSION));
+    QGuiApplication::setQuitOnLastWindowClosed(false); // hiding the window is no end
+    const startup::Options options = startup::parseOptions(
+        withoutProgramName(QCoreApplication::arguments()), startup::SingleDash::Refuse);
+    if (const std::optional<int> status = answerAtOnce(options)) {
+        return *status;
+    }
+    return run(options);
+}

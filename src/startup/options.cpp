@@ -1,0 +1,55 @@
+#include "startup/options.h"
+
+namespace startup {
+namespace {
+
+Options refusal(const std::string& complaint) {
+    Options options;
+    options.task = Options::Task::Refuse;
+    options.complaint = complaint;
+    return options;
+}
+
+bool isSingleDash(const std::string& argument) {
+    return argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
+}
+
+} // namespace
+
+Options parseOptions(const std::vector<std::string>& arguments, SingleDash singleDash) {
+    Options options;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--help") {
+            options.task = Options::Task::ShowHelp;
+        } else if (argument == "--version") {
+            options.task = Options::Task::ShowVersion;
+        } else if (argument == "--screenshot") {
+            if (i + 1 == arguments.size() || arguments[i + 1].empty()) {
+                return refusal("--screenshot needs the name of a file");
+            }
+            options.screenshotFile = arguments[++i];
+        } else if (singleDash == SingleDash::PassOver && isSingleDash(argument)) {
+            // Its value, if it has one, is passed over as well.
+            const bool hasValue = i + 1 < arguments.size() && arguments[i + 1].rfind('-', 0) != 0;
+            i += hasValue ? 1 : 0;
+        } else {
+            return refusal("unknown argument \"" + argument + "\"");
+        }
+    }
+    return options;
+}
+
+std::string helpText() {
+    return "Usage: txsgraphicslib [--screenshot FILE]\n"
+           "\n"
+           "Opens the picture library.\n"
+           "\n"
+           "  --screenshot FILE  show the window, save its picture to FILE and end\n"
+           "  --help             show this text and end\n"
+           "  --version          show the program's version and end\n"
+           "\n"
+           "TXSGRAPHICSLIB_HOME=DIR keeps settings, library and trash below DIR.\n";
+}
+
+} // namespace startup

@@ -1,0 +1,60 @@
+#include "startup/screenshot.h"
+
+#include "app/message_box.h"
+#include "browser/frm_main.h"
+
+#include <QCoreApplication>
+#include <QImageWriter>
+#include <QPixmap>
+
+#include <cstdio>
+
+namespace startup {
+namespace {
+
+constexpr int kLookAgainMilliseconds = 20;
+
+void tell(const QString& text) {
+    std::fprintf(stderr, "txsgraphicslib: %s\n", qPrintable(text));
+}
+
+} // namespace
+
+Screenshot::Screenshot(browser::frmMain& window, const QString& file)
+    : window_(window), file_(file) {
+    app::setMsgBoxHandler([](const QString& text, app::Buttons, const QString&, QWidget*) -> int {
+        tell(text);
+        return app::kAnswerNo;
+    });
+    timer_.setInterval(kLookAgainMilliseconds);
+    connect(&timer_, &QTimer::timeout, this, &Screenshot::lookAgain);
+    timer_.start();
+}
+
+void Screenshot::lookAgain() {
+    if (!window_.isSettled()) {
+        return;
+    }
+    if (!hasChosenGroup_) {
+        hasChosenGroup_ = true;
+        if (!window_.selectedGroup()) {
+            window_.SelectFirstGroup();
+        } else {
+            window_.SelectPicture();
+        }
+        return;
+    }
+    timer_.stop();
+    save();
+}
+
+void Screenshot::save() {
+    QImageWriter writer(file_, "png");
+    const bool isSaved = writer.write(window_.grab().toImage());
+    if (!isSaved) {
+        tell(file_ + QLatin1String(": ") + writer.errorString());
+    }
+    QCoreApplication::exit(isSaved ? 0 : 1);
+}
+
+} // namespace startup
