@@ -1,0 +1,102 @@
+#include "tool/arguments.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+namespace tool {
+namespace {
+
+enum class Takes : std::uint8_t { Nothing, Value };
+
+struct OptionForm {
+    std::string_view text;
+    Option option;
+    Takes takes;
+};
+
+constexpr std::array kOptions{
+    OptionForm{"--json", Option::Json, Takes::Nothing},
+    OptionForm{"--library", Option::Library, Takes::Value},
+    OptionForm{"--replace", Option::Replace, Takes::Nothing},
+    OptionForm{"--name", Option::Name, Takes::Value},
+    OptionForm{"--below", Option::Below, Takes::Value},
+    OptionForm{"--width", Option::Width, Takes::Value},
+    OptionForm{"--height", Option::Height, Takes::Value},
+    OptionForm{"--help", Option::Help, Takes::Nothing},
+    OptionForm{"--version", Option::Version, Takes::Nothing},
+};
+
+const OptionForm& formOf(std::string_view text) {
+    const auto found = std::find_if(kOptions.begin(), kOptions.end(),
+                                    [&](const OptionForm& form) { return form.text == text; });
+    if (found == kOptions.end())
+        throw UsageError("unknown option " + std::string(text));
+    return *found;
+}
+
+bool isOption(const std::string& word) {
+    return word.size() > 1 && word.front() == '-';
+}
+
+} // namespace
+
+std::string textOf(Option option) {
+    const auto found = std::find_if(kOptions.begin(), kOptions.end(),
+                                    [&](const OptionForm& form) { return form.option == option; });
+    return std::string(found->text);
+}
+
+std::string Arguments::valueOf(Option option) const {
+    const auto found = options.find(option);
+    return found == options.end() ? std::string() : found->second;
+}
+
+int Arguments::numberOf(Option option, int maximum) const {
+    if (!has(option))
+        return 0;
+    const std::string text = valueOf(option);
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < 1 || number > maximum)
+        throw UsageError(textOf(option) + " wants a whole number from 1 to " +
+                         std::to_string(maximum) + ", not \"" + text + "\"");
+    return number;
+}
+
+Arguments parseArguments(std::span<const std::string> commandLine) {
+    Arguments arguments;
+    for (std::size_t at = 0; at < commandLine.size(); ++at) {
+        const std::string& word = commandLine[at];
+        if (word == "--") {
+            arguments.words.insert(arguments.words.end(),
+                                   commandLine.begin() + static_cast<std::ptrdiff_t>(at) + 1,
+                                   commandLine.end());
+            break;
+        }
+        if (!isOption(word)) {
+            arguments.words.push_back(word);
+            continue;
+        }
+        const std::size_t equals = word.find('=');
+        const OptionForm& form = formOf(std::string_view(word).substr(0, equals));
+        std::string value;
+        if (form.takes == Takes::Nothing) {
+            if (equals != std::string::npos)
+                throw UsageError(std::string(form.text) + " takes no value");
+        } else if (equals != std::string::npos) {
+            value = word.substr(equals + 1);
+        } else if (++at < commandLine.size()) {
+            value = commandLine[at];
+        } else {
+            throw UsageError(std::string(form.text) + " wants a value");
+        }
+        if (!arguments.options.emplace(form.option, std::move(value)).second)
+            throw UsageError(std::string(form.text) + " is given twice");
+    }
+    return arguments;
+}
+
+} // namespace tool

@@ -1,0 +1,158 @@
+#include "tool/command.h"
+#include "tool/output.h"
+#include "tool/usage.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <ostream>
+
+namespace tool {
+namespace {
+
+const Command& commandNamed(const std::string& name) {
+    const std::span<const Command> all = commands();
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [&](const Command& command) { return command.name == name; });
+    if (found == all.end())
+        throw UsageError("unknown command \"" + name + "\"");
+    return *found;
+}
+
+void refuseWrongUse(const Command& command, const Arguments& arguments) {
+    const std::size_t given = arguments.words.size() - 1;
+    if (given < command.fewest || given > command.most)
+        throw UsageError("usage: stgtool " + std::string(command.name) + " " +
+                         std::string(command.synopsis));
+    for (const auto& [option, value] : arguments.options) {
+        const bool isOwn = std::find(command.options.begin(), command.options.end(), option) !=
+                           command.options.end();
+        const bool isCommon = option == Option::Json || option == Option::Library;
+        if (!isCommon && !isOwn)
+            throw UsageError(std::string(command.name) + " does not take " + textOf(option));
+    }
+}
+
+ExitStatus dispatch(std::span<const std::string> commandLine, Console& console) {
+    const Arguments arguments = parseArguments(commandLine);
+    if (arguments.has(Option::Help)) {
+        printHelp(console.out);
+        return ExitStatus::Done;
+    }
+    if (arguments.has(Option::Version)) {
+        printVersion(console.out);
+        return ExitStatus::Done;
+    }
+    if (arguments.words.empty())
+        throw UsageError("no command");
+    const Command& command = commandNamed(arguments.words.front());
+    refuseWrongUse(command, arguments);
+    return command.run({arguments, console});
+}
+
+ExitStatus runToTheEnd(std::span<const std::string> commandLine, Console& console) {
+    try {
+        const ExitStatus status = dispatch(commandLine, console);
+        console.out.flush();
+        if (console.out)
+            return status;
+        complain(console, "standard output: cannot be written");
+    } catch (const UsageError& error) {
+        complain(console, error.what());
+        console.err << "Try: stgtool --help\n";
+        return ExitStatus::WrongUsage;
+    } catch (const std::bad_alloc&) {
+        complain(console, "out of memory");
+    } catch (const std::exception& error) {
+        complain(console, error.what());
+    }
+    return ExitStatus::Failed;
+}
+
+} // namespace
+
+std::span<const Command> commands() {
+    static const std::vector<Command> all{
+        {"groups",
+         "",
+         "list all groups: key, name, parent's key or -, pictures, bytes",
+         0,
+         0,
+         {},
+         listGroups},
+        {"pictures",
+         "KEY",
+         "list a group's pictures: name, bytes, height, width, type",
+         1,
+         1,
+         {},
+         listPictures},
+        {"new-group",
+         "NAME [--below KEY]",
+         "make a group and print its key",
+         1,
+         1,
+         {Option::Below},
+         newGroup},
+        {"rename-group", "KEY NEW", "rename a group and print its key", 2, 2, {}, renameGroup},
+        {"remove-group",
+         "KEY",
+         "remove a group and those below it; a top-level group's file goes to the trash",
+         1,
+         1,
+         {},
+         removeGroup},
+        {"add",
+         "KEY FILE... [--name NAME] [--replace]",
+         "add picture files, all of them or none",
+         2,
+         kAnyNumber,
+         {Option::Name, Option::Replace},
+         addPictures},
+        {"extract",
+         "KEY NAME FILE|- [--replace]",
+         "write a picture's bytes to a file",
+         3,
+         3,
+         {Option::Replace},
+         extractPicture},
+        {"rename-picture", "KEY OLD NEW", "rename a picture", 3, 3, {}, renamePicture},
+        {"remove-picture", "KEY NAME", "remove a picture", 2, 2, {}, removePicture},
+        {"check",
+         "FILE...",
+         "look for damage in group files: file, where, what",
+         1,
+         kAnyNumber,
+         {},
+         checkFiles},
+        {"compact",
+         "FILE",
+         "rewrite a group file without gaps: bytes before, after",
+         1,
+         1,
+         {},
+         compactFile},
+        {"render",
+         "FILE OUT.png [--width N] [--height N] [--replace]",
+         "write a picture file of any of the seven types as PNG, fitted into N pixels",
+         2,
+         2,
+         {Option::Width, Option::Height, Option::Replace},
+         renderPicture},
+    };
+    return all;
+}
+
+void complain(Console& console, std::string_view text) {
+    console.err << "stgtool: " << escaped(text) << '\n';
+}
+
+ExitStatus run(std::span<const std::string> commandLine, Console& console) noexcept {
+    try {
+        return runToTheEnd(commandLine, console);
+    } catch (...) {
+        return ExitStatus::Failed; // telling the failure has failed as well
+    }
+}
+
+} // namespace tool

@@ -1,0 +1,108 @@
+// groups, new-group, rename-group, remove-group.
+#include "compound/error.h"
+#include "store/group_operations.h"
+#include "tool/command.h"
+#include "tool/library_arguments.h"
+#include "tool/output.h"
+
+#include <optional>
+
+namespace tool {
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+
+constexpr std::chrono::milliseconds kListingWait{1000}; // for all files of the library together
+
+void addGroupRow(Table& table, const store::Library& library, const store::GroupEntry& group) {
+    const store::GroupSize size = store::readGroupSize(library, group.address);
+    const Cell parent = group.parent.text.empty()
+                            ? Cell::missing()
+                            : Cell::text(store::keyOf({group.address.file, group.parent}));
+    table.addRow({Cell::text(store::keyOf(group.address)), Cell::text(group.name.text), parent,
+                  Cell::number(std::uint64_t{size.pictures}), Cell::number(size.bytes)});
+}
+
+void printKey(const Invocation& invocation, const store::GroupAddress& group) {
+    Table table({"key"});
+    table.addRow({Cell::text(store::keyOf(group))});
+    table.printOne(invocation.console.out, invocation.arguments);
+}
+
+// Two names that differ in case only are two files on one system and one file on another.
+void refuseTakenName(const store::Library& library,
+                     const std::optional<store::GroupAddress>& parent,
+                     const store::GroupName& name) {
+    const bool isTaken = parent ? store::subGroupExists(library, *parent, name)
+                                : store::groupExistsIgnoringCase(library, name);
+    if (isTaken)
+        throw Error(ErrorCode::Exists,
+                    parent ? store::pathOf(library, parent->file) : library.folder,
+                    "there is a group \"" + store::toUtf8(name.text) + "\" already");
+}
+
+} // namespace
+
+ExitStatus listGroups(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::LockBudget budget(kListingWait);
+    Table table({"key", "name", "parent", "pictures", "bytes"});
+    ExitStatus status = ExitStatus::Done;
+    // One file that cannot be read does not hide the others.
+    for (const store::FileName& file : store::groupFiles(library)) {
+        try {
+            const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
+            if (reading.state != store::GroupFileState::Sound) {
+                complain(invocation.console, reading.cause);
+                status = ExitStatus::Failed;
+            }
+            for (const store::GroupEntry& group : reading.groups)
+                addGroupRow(table, library, group);
+        } catch (const Error& error) {
+            complain(invocation.console, error.what());
+            status = ExitStatus::Failed;
+        }
+    }
+    table.print(invocation.console.out, invocation.arguments);
+    return status;
+}
+
+ExitStatus newGroup(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupName name{store::fromUtf8(invocation.argument(0))};
+    std::optional<store::GroupAddress> parent;
+    if (invocation.arguments.has(Option::Below))
+        parent = groupOf(library, invocation.arguments.valueOf(Option::Below));
+    refuseTakenName(library, parent, name);
+    printKey(invocation, store::createGroup(library, parent, name));
+    return ExitStatus::Done;
+}
+
+ExitStatus renameGroup(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    const store::GroupName name{store::fromUtf8(invocation.argument(1))};
+    if (store::isTopLevel(group)) {
+        printKey(invocation, store::topLevelAddress(store::renameGroup(library, group, name).text));
+        return ExitStatus::Done;
+    }
+    if (store::readGroupName(library, group) != name)
+        refuseTakenName(
+            library, store::GroupAddress{group.file, store::readGroupParent(library, group)}, name);
+    store::renameGroup(library, group, name);
+    printKey(invocation, group);
+    return ExitStatus::Done;
+}
+
+ExitStatus removeGroup(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    if (store::isTopLevel(group))
+        store::removeGroupFile(library, group.file);
+    else
+        store::deleteGroup(library, group);
+    return ExitStatus::Done;
+}
+
+} // namespace tool

@@ -1,0 +1,81 @@
+#include "tool/library_arguments.h"
+
+#include "app/number_text.h"
+#include "app/settings.h"
+#include "compound/error.h"
+#include "imaging/picture.h"
+#include "platform/native_disk.h"
+
+namespace tool {
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+
+// A picture counts as one when it can be shown, so the whole of it is decoded.
+store::TwipSize measure(std::span<const std::byte> bytes) {
+    const imaging::Picture picture = imaging::decode(bytes);
+    return {picture.facts().twips.height, picture.facts().twips.width};
+}
+
+store::Library libraryIn(std::filesystem::path folder) {
+    store::Library library{platform::nativeDisk(), std::move(folder), measure};
+    library.decimalSeparator = app::decimalSeparator().unicode();
+    return library;
+}
+
+std::filesystem::path settingsFolder() {
+    app::settings().readPaths();
+    return app::settings().storagesFolderPath();
+}
+
+} // namespace
+
+store::Library libraryOf(const Arguments& arguments) {
+    if (!arguments.has(Option::Library))
+        return libraryIn(settingsFolder());
+    const std::string folder = arguments.valueOf(Option::Library);
+    if (folder.empty())
+        throw UsageError("--library wants a folder");
+    return libraryIn(folder);
+}
+
+store::Library libraryAround(const std::filesystem::path& path) {
+    const std::filesystem::path folder = path.parent_path();
+    return libraryIn(folder.empty() ? "." : folder);
+}
+
+store::GroupAddress groupOf(const store::Library& library, const std::string& key) {
+    store::GroupAddress group = store::addressOf(store::fromUtf8(key));
+    // The file lies in the library and nowhere else, whatever the key tries.
+    const bool isKey = !group.file.text.empty() && !group.storage.text.empty() &&
+                       !store::toPath(group.file.text).has_parent_path();
+    if (!isKey)
+        throw Error(ErrorCode::NotFound, library.folder, "\"" + key + "\" is no group's key");
+    return group;
+}
+
+store::PictureName pictureOf(const store::Library& library, const store::GroupAddress& group,
+                             const std::string& name) {
+    if (name.empty())
+        throw Error(ErrorCode::NotFound, store::pathOf(library, group.file),
+                    "there is no picture without a name");
+    return {store::fromUtf8(name)};
+}
+
+std::vector<std::byte> readPictureFile(const std::filesystem::path& path) {
+    const auto file = platform::nativeDisk().open(path, compound::Access::Read);
+    const std::uint64_t size = file->size();
+    if (size > store::kMaximumPictureBytes)
+        throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
+    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    bytes.resize(file->read(0, bytes));
+    return bytes;
+}
+
+store::IfPictureExists ifPictureExists(const Arguments& arguments) {
+    return arguments.has(Option::Replace) ? store::IfPictureExists::Replace
+                                          : store::IfPictureExists::Refuse;
+}
+
+} // namespace tool

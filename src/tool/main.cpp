@@ -1,0 +1,38 @@
+// stgtool: the library for scripts.
+#include "platform/temporary_folder.h"
+#include "platform/terminal.h"
+#include "tool/command.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Only a command that paints text needs the fonts, and their start takes longer than most commands.
+std::unique_ptr<QCoreApplication> makeApplication(const std::vector<std::string>& commandLine,
+                                                  int& argc, char** argv) {
+    if (std::find(commandLine.begin(), commandLine.end(), "render") == commandLine.end())
+        return std::make_unique<QCoreApplication>(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // works without a display, and shows nothing on one
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> commandLine(argv + std::min(argc, 1), argv + argc);
+    int ownNameOnly = std::min(argc, 1); // the other words are ours, not the toolkit's
+    const auto application = makeApplication(commandLine, ownNameOnly, argv);
+    std::ios::sync_with_stdio(false);
+    const bool isTerminal = platform::isTerminal(platform::StandardStream::Error);
+    tool::Console console{std::cout, std::cerr,
+                          isTerminal ? tool::ErrorStream::Terminal : tool::ErrorStream::Elsewhere};
+    const tool::ExitStatus status = tool::run(commandLine, console);
+    platform::wipeTemporaryFolder(platform::CopiedPicture::Remove);
+    return static_cast<int>(status);
+}

@@ -1,0 +1,115 @@
+// pictures, add, extract, rename-picture, remove-picture.
+#include "compound/error.h"
+#include "store/names.h"
+#include "store/picture_operations.h"
+#include "tool/command.h"
+#include "tool/library_arguments.h"
+#include "tool/output.h"
+#include "tool/output_file.h"
+
+#include <ostream>
+
+namespace tool {
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+
+store::PictureName nameOf(const Invocation& invocation, const std::string& file) {
+    if (invocation.arguments.has(Option::Name))
+        return {store::fromUtf8(invocation.arguments.valueOf(Option::Name))};
+    const std::u16string fileName = store::fromPath(std::filesystem::path(file).filename());
+    return {std::u16string(store::cutAtFirstDot(fileName))};
+}
+
+// Overwrites one line of a terminal; prints nothing anywhere else.
+class Progress {
+  public:
+    Progress(Console& console, std::size_t total) : console_(console), total_(total) {}
+    ~Progress() {
+        if (isShown_)
+            console_.err << "\r\033[K" << std::flush;
+    }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    void show(std::size_t done) {
+        if (console_.errorStream != ErrorStream::Terminal || total_ < 2)
+            return;
+        isShown_ = true;
+        console_.err << "\radding " << done << " of " << total_ << std::flush;
+    }
+
+  private:
+    Console& console_;
+    std::size_t total_;
+    bool isShown_ = false;
+};
+
+} // namespace
+
+ExitStatus listPictures(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    Table table({"name", "bytes", "height", "width", "type"});
+    for (const store::PictureEntry& picture : store::listPictures(library, group)) {
+        const bool hasRecord = !picture.record.type.empty();
+        table.addRow({Cell::text(picture.name.text), Cell::number(picture.bytes),
+                      hasRecord ? Cell::number(picture.record.height) : Cell::missing(),
+                      hasRecord ? Cell::number(picture.record.width) : Cell::missing(),
+                      hasRecord ? Cell::text(picture.record.type) : Cell::missing()});
+    }
+    table.print(invocation.console.out, invocation.arguments);
+    return ExitStatus::Done;
+}
+
+ExitStatus addPictures(const Invocation& invocation) {
+    const std::vector<std::string>& words = invocation.arguments.words;
+    const std::vector<std::string> files(words.begin() + 2, words.end());
+    if (files.size() > 1 && invocation.arguments.has(Option::Name))
+        throw UsageError("--name names one picture, but there are " + std::to_string(files.size()) +
+                         " files");
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    store::PictureBatch batch(library, group);
+    Progress progress(invocation.console, files.size());
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        progress.show(i + 1);
+        batch.add(nameOf(invocation, files[i]), files[i], ifPictureExists(invocation.arguments));
+    }
+    batch.commit();
+    return ExitStatus::Done;
+}
+
+ExitStatus extractPicture(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    const store::StoredPicture picture =
+        store::readPicture(library, group, pictureOf(library, group, invocation.argument(1)));
+    if (invocation.argument(2) == "-") {
+        invocation.console.out.write(reinterpret_cast<const char*>(picture.bytes.data()),
+                                     static_cast<std::streamsize>(picture.bytes.size()));
+        return ExitStatus::Done;
+    }
+    writeOutputFile(invocation.argument(2), picture.bytes,
+                    invocation.arguments.has(Option::Replace) ? IfFileExists::Replace
+                                                              : IfFileExists::Refuse);
+    return ExitStatus::Done;
+}
+
+ExitStatus renamePicture(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    const store::PictureName from = pictureOf(library, group, invocation.argument(1));
+    store::renamePicture(library, group, from, {store::fromUtf8(invocation.argument(2))});
+    return ExitStatus::Done;
+}
+
+ExitStatus removePicture(const Invocation& invocation) {
+    const store::Library library = libraryOf(invocation.arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    store::deletePicture(library, group, pictureOf(library, group, invocation.argument(1)));
+    return ExitStatus::Done;
+}
+
+} // namespace tool

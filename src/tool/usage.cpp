@@ -1,0 +1,34 @@
+#include "tool/usage.h"
+
+#include "tool/command.h"
+
+#include <ostream>
+
+namespace tool {
+
+void printHelp(std::ostream& out) {
+    out << "usage: stgtool COMMAND ARGUMENT... [--library DIR] [--json]\n\n"
+           "Works on a picture library: a folder of group files (*.stg).\n\n";
+    for (const Command& command : commands())
+        out << "  " << command.name << ' ' << command.synopsis << "\n      " << command.purpose
+            << "\n";
+    out << "\n"
+           "  --library DIR   the library's folder (default: the one of the settings)\n"
+           "  --json          print JSON instead of tab-separated lines\n"
+           "  --replace       overwrite a picture or an output file that is there already\n"
+           "  --              ends the options; what follows may begin with a hyphen\n"
+           "\n"
+           "KEY is S/T: the group's storage S in the group file T.stg; T alone names the file's\n"
+           "top-level group. A picture is called like its file up to the first \".\" unless "
+           "--name\n"
+           "says otherwise. In tab-separated lines a missing value is -, and backslashes and\n"
+           "control characters are written as \\\\, \\t, \\n, \\r and \\xHH. Sizes are pixels.\n"
+           "\n"
+           "Exit status: 0 done, 1 failed or something found, 2 wrong usage.\n";
+}
+
+void printVersion(std::ostream& out) {
+    out << "stgtool " TXS_VERSION "\n";
+}
+
+} // namespace tool
