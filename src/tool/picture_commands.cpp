@@ -1,5 +1,4 @@
 // pictures, add, extract, rename-picture, remove-picture.
-#include "compound/error.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 #include "tool/command.h"
@@ -11,9 +10,6 @@
 
 namespace tool {
 namespace {
-
-using compound::Error;
-using compound::ErrorCode;
 
 store::PictureName nameOf(const Invocation& invocation, const std::string& file) {
     if (invocation.arguments.has(Option::Name))

@@ -5,7 +5,6 @@
 namespace crash {
 
 using compound::Access;
-using compound::Disk;
 using compound::DiskFile;
 
 class RecordingFile : public DiskFile {
@@ -46,7 +45,7 @@ class RecordingFile : public DiskFile {
     FileId id_;
 };
 
-RecordingDisk::RecordingDisk(Disk& inner, std::filesystem::path folder)
+RecordingDisk::RecordingDisk(compound::Disk& inner, std::filesystem::path folder)
     : inner_(inner), folder_(std::move(folder)) {
     for (const compound::FolderEntry& entry : inner_.list(folder_)) {
         const std::filesystem::path path = folder_ / entry.name;

@@ -19,7 +19,7 @@ using std::filesystem::exists;
 
 QJsonDocument jsonOf(const std::string& text) {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(text), &error);
+    QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(text), &error);
     EXPECT_EQ(error.error, QJsonParseError::NoError) << text;
     return document;
 }
@@ -153,8 +153,9 @@ TEST_F(ToolTest, ChecksEachFileForItself) {
     const Result result = run({"check", foreign, sound, cut, renamed, "--json"});
     EXPECT_EQ(result.status, ExitStatus::Failed);
     std::map<std::string, int> findings;
-    for (const QJsonValue& finding : jsonOf(result.out).array())
-        ++findings[finding["file"].toString().toStdString()];
+    const QJsonArray found = jsonOf(result.out).array();
+    for (const auto& finding : found)
+        ++findings[finding.toObject()["file"].toString().toStdString()];
     EXPECT_EQ(findings.count(sound), 0U);
     EXPECT_EQ(findings[foreign], 1);
     EXPECT_GE(findings[cut], 1);
