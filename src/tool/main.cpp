@@ -4,6 +4,7 @@
 #include "tool/command.h"
 
 #include <QGuiApplication>
+#include <QLoggingCategory>
 
 #include <algorithm>
 #include <iostream>
@@ -27,6 +28,7 @@ std::unique_ptr<QCoreApplication> makeApplication(const std::vector<std::string>
 int main(int argc, char** argv) {
     const std::vector<std::string> commandLine(argv + std::min(argc, 1), argv + argc);
     int ownNameOnly = std::min(argc, 1); // the other words are ours, not the toolkit's
+    QLoggingCategory::setFilterRules(QStringLiteral("*=false")); // stderr is for our errors
     const auto application = makeApplication(commandLine, ownNameOnly, argv);
     std::ios::sync_with_stdio(false);
     const bool isTerminal = platform::isTerminal(platform::StandardStream::Error);
