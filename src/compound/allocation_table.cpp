@@ -61,20 +61,28 @@ AllocationTable::Range& AllocationTable::load(std::uint32_t index) {
     std::unique_ptr<Range>& range = ranges_[index];
     if (range)
         return *range;
-    std::vector<std::byte> bytes(file_.sectorSize());
-    file_.read(fatSectors_[index], bytes);
-    range = std::make_unique<Range>();
-    range->entries.resize(perSector_);
-    for (std::uint32_t i = 0; i < perSector_; ++i) {
-        range->entries[i] = read32(bytes.data() + std::size_t{4} * i);
-        if (range->entries[i] == kFreeSector && isUsable(index * perSector_ + i))
-            ++range->free;
-    }
+    auto loaded = std::make_unique<Range>();
+    loaded->bytes.resize(file_.sectorSize());
+    file_.read(fatSectors_[index], loaded->bytes);
+    range = std::move(loaded);
     return *range;
 }
 
+std::uint32_t& AllocationTable::freeIn(std::uint32_t index) {
+    Range& range = load(index);
+    if (!range.free) {
+        range.free = 0;
+        for (std::uint32_t i = 0; i < perSector_; ++i) {
+            const std::uint32_t sector = index * perSector_ + i;
+            const bool isFree = range.at(i) == kFreeSector && isUsable(sector);
+            *range.free += isFree && !pending_.contains(sector) ? 1U : 0U;
+        }
+    }
+    return *range.free;
+}
+
 std::uint32_t AllocationTable::entry(std::uint32_t sector) {
-    return load(sector / perSector_).entries[sector % perSector_];
+    return load(sector / perSector_).at(sector % perSector_);
 }
 
 std::uint32_t AllocationTable::next(std::uint32_t sector) {
@@ -115,14 +123,14 @@ bool AllocationTable::isUsable(std::uint32_t sector) const {
 
 void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
     Range& range = load(sector / perSector_);
-    range.entries[sector % perSector_] = value;
+    write32(range.bytes.data() + std::size_t{4} * (sector % perSector_), value);
     range.dirty = true;
     anyDirty_ = true;
 }
 
 std::uint32_t AllocationTable::take(std::uint32_t sector) {
+    --freeIn(sector / perSector_);
     set(sector, kEndOfChain);
-    --load(sector / perSector_).free;
     fresh_.insert(sector);
     const std::uint32_t lock = rangeLock();
     if (lock != kNone && sector > lock && entry(lock) == kFreeSector)
@@ -134,13 +142,13 @@ std::uint32_t AllocationTable::take(std::uint32_t sector) {
 // than `reserve` are left.
 std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
                                         std::uint32_t reserve) {
-    const Range& range = load(index);
-    if (range.free <= reserve)
+    if (freeIn(index) <= reserve)
         return kNone;
+    const Range& range = load(index);
     for (std::uint32_t i = 0; i < perSector_; ++i) {
         const std::uint32_t at = (from + i) % perSector_;
         const std::uint32_t sector = index * perSector_ + at;
-        if (range.entries[at] == kFreeSector && isUsable(sector) && !pending_.contains(sector))
+        if (range.at(at) == kFreeSector && isUsable(sector) && !pending_.contains(sector))
             return sector;
     }
     return kNone;
@@ -153,9 +161,7 @@ void AllocationTable::addRange() {
         throw Error(ErrorCode::TooLarge, file_.disk().path(),
                     "the file has reached the greatest size of its format");
     auto range = std::make_unique<Range>();
-    range->entries.assign(perSector_, kFreeSector);
-    for (std::uint32_t i = 0; i < perSector_; ++i)
-        range->free += isUsable(static_cast<std::uint32_t>(first) + i) ? 1U : 0U;
+    range->bytes.assign(file_.sectorSize(), std::byte{0xFF}); // all free
     range->dirty = range->moved = true;
     ranges_.push_back(std::move(range));
     const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
@@ -192,14 +198,13 @@ std::uint32_t AllocationTable::chooseDataRange() {
     const auto count = static_cast<std::uint32_t>(ranges_.size());
     for (std::uint32_t i = 0; i < std::min(kLooks, count - 1); ++i) {
         const std::uint32_t index = (header_.transaction * kLooks + i) % (count - 1);
-        if (load(index).free > perSector_ / 16)
+        if (freeIn(index) > metadataEnd(index) + perSector_ / 16)
             return index;
     }
     return count - 1;
 }
 
 std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
-    constexpr std::uint32_t kForMetadata = 8; // room for moving directory and tables nearby
     loadDifat();
     if (ranges_.empty())
         addRange();
@@ -207,9 +212,9 @@ std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
         previous = dataHint_ != kNone ? dataHint_ : chooseDataRange() * perSector_;
     const std::uint32_t index =
         std::min(previous / perSector_, static_cast<std::uint32_t>(ranges_.size() - 1));
-    std::uint32_t found = findFree(index, previous % perSector_, kForMetadata);
+    std::uint32_t found = findFreeForData(index, previous % perSector_);
     for (auto last = static_cast<std::uint32_t>(ranges_.size() - 1); found == kNone; ++last) {
-        found = findFree(last, 0, kForMetadata);
+        found = findFreeForData(last, 0);
         if (found == kNone)
             addRange();
     }
@@ -217,16 +222,33 @@ std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
     return take(found);
 }
 
+// As findFree, but leaves the sectors before metadataEnd() and a few more to the tables.
+std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_t from) {
+    constexpr std::uint32_t kForMetadata = 8; // room for moving directory and tables nearby
+    const std::uint32_t first = index * perSector_ + metadataEnd(index);
+    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), kForMetadata);
+    if (found != kNone && found < first) // the search has wrapped
+        found = findFree(index, metadataEnd(index), kForMetadata);
+    return found != kNone && found < first ? kNone : found;
+}
+
+// The first sectors of every range but the file's first are kept for directory, mini stream and
+// mini FAT, so that in a large file these chains lie together and few FAT sectors describe them.
+std::uint32_t AllocationTable::metadataEnd(std::uint32_t index) const {
+    return index == 0 ? 0 : perSector_ / 8;
+}
+
 void AllocationTable::link(std::uint32_t sector, std::uint32_t next) {
     set(sector, next);
 }
 
 void AllocationTable::release(std::uint32_t sector) {
+    Range& range = load(sector / perSector_);
     set(sector, kFreeSector);
-    if (fresh_.erase(sector) > 0)
-        ++load(sector / perSector_).free;
-    else
+    if (fresh_.erase(sector) == 0)
         pending_.insert(sector);
+    else if (range.free)
+        ++*range.free;
 }
 
 void AllocationTable::releaseChain(std::uint32_t first) {
@@ -254,7 +276,7 @@ void AllocationTable::mark(std::uint32_t sector, std::uint32_t as) {
         file_.throwDamaged("a chain runs through sector " + std::to_string(sector) +
                            ", which belongs to the FAT");
     if (found == kFreeSector && isUsable(sector))
-        --load(sector / perSector_).free;
+        --freeIn(sector / perSector_);
     set(sector, as);
 }
 
@@ -272,7 +294,7 @@ std::uint32_t AllocationTable::freeInside(std::uint32_t count) const {
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         for (std::uint32_t at = 0; ranges_[index] && at < perSector_; ++at) {
             const std::uint32_t sector = index * perSector_ + at;
-            const bool isFree = ranges_[index]->entries[at] == kFreeSector && sector < count;
+            const bool isFree = ranges_[index]->at(at) == kFreeSector && sector < count;
             free += isFree && !pending_.contains(sector) ? 1U : 0U;
         }
     }
@@ -332,11 +354,7 @@ bool AllocationTable::moveDifat() {
 }
 
 void AllocationTable::writeRange(std::uint32_t index) {
-    std::vector<std::byte> bytes(file_.sectorSize());
-    const Range& range = *ranges_[index];
-    for (std::uint32_t i = 0; i < perSector_; ++i)
-        write32(bytes.data() + std::size_t{4} * i, range.entries[i]);
-    file_.write(fatSectors_[index], bytes);
+    file_.write(fatSectors_[index], ranges_[index]->bytes);
 }
 
 void AllocationTable::writeDifatSector(std::size_t index) {
@@ -373,8 +391,11 @@ void AllocationTable::writeOut() {
 }
 
 void AllocationTable::committed() {
-    for (const std::uint32_t sector : pending_)
-        load(sector / perSector_).free += isUsable(sector) ? 1U : 0U;
+    for (const std::uint32_t sector : pending_) {
+        Range& range = load(sector / perSector_);
+        if (range.free && isUsable(sector))
+            ++*range.free;
+    }
     pending_.clear();
     fresh_.clear();
     for (const std::unique_ptr<Range>& range : ranges_) {
@@ -392,7 +413,7 @@ std::uint32_t AllocationTable::usedEnd() {
     for (std::size_t index = ranges_.size(); index-- > 0;) {
         const Range& range = load(static_cast<std::uint32_t>(index));
         for (std::uint32_t at = perSector_; at-- > 0;) {
-            if (range.entries[at] != kFreeSector)
+            if (range.at(at) != kFreeSector)
                 return static_cast<std::uint32_t>(index) * perSector_ + at + 1;
         }
     }

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
@@ -79,18 +80,26 @@ class AllocationTable {
     const std::vector<std::uint32_t>& difatSectors();
 
   private:
+    // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
-        std::vector<std::uint32_t> entries;
-        std::uint32_t free = 0; // free and allowed to be taken
+        std::vector<std::byte> bytes;
+        std::optional<std::uint32_t> free; // free and allowed to be taken, once counted
         bool dirty = false;
         bool moved = false; // has its new place already
+
+        std::uint32_t at(std::uint32_t index) const {
+            return format::read32(bytes.data() + std::size_t{4} * index);
+        }
     };
 
     Range& load(std::uint32_t index);
+    std::uint32_t& freeIn(std::uint32_t index); // counted when first asked for
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();
     void addRange();
     std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
+    std::uint32_t findFreeForData(std::uint32_t index, std::uint32_t from);
+    std::uint32_t metadataEnd(std::uint32_t index) const;
     std::uint32_t take(std::uint32_t sector);
     std::uint32_t limit() const;
     bool isUsable(std::uint32_t sector) const;

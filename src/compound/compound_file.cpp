@@ -4,8 +4,10 @@
 #include "compound/error.h"
 #include "compound/file_state.h"
 #include "compound/names.h"
+#include "compound/read_cache.h"
 
 #include <array>
+#include <exception>
 #include <utility>
 
 namespace compound {
@@ -32,10 +34,15 @@ Error notFound(FileState& file, std::u16string_view name) {
             "there is no \"" + utf8(name) + "\" in the file"};
 }
 
+Error alreadyThere(FileState& file, std::u16string_view name) {
+    return {ErrorCode::Exists, file.file().disk().path(),
+            "there is a \"" + utf8(name) + "\" in the file already"};
+}
+
 Element elementOf(Directory& directory, EntryId id) {
-    const bool isStream = directory.type(id) == EntryType::Stream;
-    return {directory.name(id), isStream ? ElementKind::Stream : ElementKind::Storage,
-            isStream ? directory.size(id) : 0, id};
+    Directory::Walked walked;
+    directory.walk(id, walked);
+    return std::move(walked.element);
 }
 
 EntryId require(FileState& file, EntryId storage, std::u16string_view name, EntryType type) {
@@ -45,7 +52,7 @@ EntryId require(FileState& file, EntryId storage, std::u16string_view name, Entr
     return *id;
 }
 
-// Frees a stream, or a storage with all below it. The number of entries bounds the walk.
+// Frees a stream, or a storage with all below it. No storage is met twice: elements() finds out.
 void destroyTree(FileState& file, EntryId parent, EntryId id) {
     Directory& directory = file.directory();
     if (directory.type(id) == EntryType::Stream) {
@@ -62,8 +69,6 @@ void destroyTree(FileState& file, EntryId parent, EntryId id) {
         const Storage storage = open.back();
         open.pop_back();
         emptied.push_back(storage);
-        if (emptied.size() > directory.bound())
-            file.file().throwDamaged("the directory runs in a ring");
         for (const EntryId element : directory.elements(storage.id)) {
             if (directory.type(element) == EntryType::Storage) {
                 open.push_back({storage.id, element});
@@ -80,13 +85,12 @@ void destroyTree(FileState& file, EntryId parent, EntryId id) {
 EntryId createElement(FileState& file, EntryId storage, std::u16string_view name, EntryType type,
                       IfExists ifExists) {
     requireLegal(file, name);
-    file.beginChange();
-    if (const auto existing = file.directory().find(storage, name)) {
-        if (ifExists == IfExists::Refuse)
-            throw Error(ErrorCode::Exists, file.file().disk().path(),
-                        "there is a \"" + utf8(name) + "\" in the file already");
+    const auto existing = file.directory().find(storage, name);
+    if (existing && ifExists == IfExists::Refuse)
+        throw alreadyThere(file, name);
+    const FileState::Change change(file);
+    if (existing)
         destroyTree(file, storage, *existing);
-    }
     return file.directory().insert(storage, name, type);
 }
 
@@ -107,18 +111,18 @@ std::vector<std::byte> Stream::readAll() const {
 }
 
 void Stream::assign(std::span<const std::byte> bytes) {
-    file_->beginChange();
+    const FileState::Change change(*file_);
     file_->content().assign(id_, bytes);
 }
 
 void Stream::append(std::span<const std::byte> bytes) {
-    file_->beginChange();
+    const FileState::Change change(*file_);
     file_->content().append(id_, bytes);
 }
 
 // --- ElementCursor ------------------------------------------------------------------------------
 
-ElementCursor::ElementCursor(FileState* file, EntryId storage) : file_(file) {
+ElementCursor::ElementCursor(FileState* file, EntryId storage) : file_(file), storage_(storage) {
     descend(file_->directory().child(storage));
 }
 
@@ -136,6 +140,7 @@ bool ElementCursor::next(Element& element) {
     const EntryId id = path_.back();
     path_.pop_back();
     descend(file_->directory().right(id));
+    file_->directory().reach(storage_, id);
     element = elementOf(file_->directory(), id);
     return true;
 }
@@ -185,43 +190,63 @@ Stream Storage::createStream(std::u16string_view name, IfExists ifExists) {
 
 void Storage::rename(std::u16string_view from, std::u16string_view to) {
     requireLegal(*file_, to);
-    file_->beginChange();
     const auto id = file_->directory().find(id_, from);
     if (!id)
         throw notFound(*file_, from);
     const auto taken = file_->directory().find(id_, to);
     if (taken && *taken != *id)
-        throw Error(ErrorCode::Exists, file_->file().disk().path(),
-                    "there is a \"" + utf8(to) + "\" in the file already");
+        throw alreadyThere(*file_, to);
+    const FileState::Change change(*file_);
     file_->directory().rename(id_, *id, to);
 }
 
 void Storage::destroy(std::u16string_view name) {
-    file_->beginChange();
     const auto id = file_->directory().find(id_, name);
     if (!id)
         throw notFound(*file_, name);
+    const FileState::Change change(*file_);
     destroyTree(*file_, id_, *id);
 }
 
 // --- CompoundFile -------------------------------------------------------------------------------
 
-CompoundFile::CompoundFile(std::unique_ptr<FileState> state) : state_(std::move(state)) {}
+CompoundFile::CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache)
+    : state_(std::move(state)), cache_(cache) {}
+
 CompoundFile::CompoundFile(CompoundFile&&) noexcept = default;
 CompoundFile& CompoundFile::operator=(CompoundFile&&) noexcept = default;
-CompoundFile::~CompoundFile() = default;
 
-CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access) {
+CompoundFile::~CompoundFile() {
+    // A state in which something has just gone wrong is not worth keeping.
+    if (!state_ || !cache_ || !state_->identity() || std::uncaught_exceptions() > 0)
+        return;
+    try {
+        const FileIdentity identity = *state_->identity();
+        cache_->keep(identity, std::move(state_));
+    } catch (const std::exception&) {
+        return; // no memory to remember with
+    }
+}
+
+CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, ReadCache* cache) {
     const Header header = readHeader(*file);
-    return CompoundFile(std::make_unique<FileState>(std::move(file), header, access, false));
+    if (access != Access::Read || !cache)
+        return {std::make_unique<FileState>(std::move(file), header, access, false), nullptr};
+    const std::optional<FileIdentity> identity = file->identity();
+    std::unique_ptr<FileState> state = identity ? cache->take(*identity, header) : nullptr;
+    if (state)
+        state->file().setDisk(std::move(file));
+    else
+        state = std::make_unique<FileState>(std::move(file), header, access, false);
+    state->setIdentity(identity);
+    return {std::move(state), cache};
 }
 
 CompoundFile CompoundFile::create(std::unique_ptr<DiskFile> file, SectorSize sectorSize) {
     Header header;
     header.majorVersion = sectorSize == SectorSize::Bytes512 ? 3 : 4;
     header.difat.fill(kFreeSector);
-    return CompoundFile(
-        std::make_unique<FileState>(std::move(file), header, Access::ReadWrite, true));
+    return {std::make_unique<FileState>(std::move(file), header, Access::ReadWrite, true), nullptr};
 }
 
 bool CompoundFile::hasSignature(DiskFile& file) {

@@ -31,6 +31,7 @@
 namespace compound {
 
 class FileState; // the open file's internals
+class ReadCache;
 
 // Index of a directory entry. Valid until the transaction that destroys the element.
 using EntryId = std::uint32_t;
@@ -89,6 +90,7 @@ class ElementCursor {
     void descend(EntryId id);
 
     FileState* file_;
+    EntryId storage_;
     std::vector<EntryId> path_; // entries whose left side is done, the next one last
     std::uint64_t seen_ = 0;    // bound against rings
 };
@@ -135,7 +137,9 @@ class CompoundFile {
     // Opens a compound file; `file` is locked by the caller as it needs. Reads the header only.
     // NotCompoundFile when the signature is missing, Damaged when the header contradicts itself.
     // Access::Read refuses every change with Denied.
-    static CompoundFile open(std::unique_ptr<DiskFile> file, Access access);
+    // `cache`, if given, must live as long as the file.
+    static CompoundFile open(std::unique_ptr<DiskFile> file, Access access,
+                             ReadCache* cache = nullptr);
 
     // Starts a new, empty compound file in the empty `file`; nothing is readable before commit().
     static CompoundFile create(std::unique_ptr<DiskFile> file,
@@ -172,8 +176,9 @@ class CompoundFile {
 
   private:
     friend void copyAll(CompoundFile& from, CompoundFile& to);
-    explicit CompoundFile(std::unique_ptr<FileState> state);
+    CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
     std::unique_ptr<FileState> state_;
+    ReadCache* cache_ = nullptr; // gets the state back in the end; null for what is written
 };
 
 // Copies every element of `from` (class ids, state bits and times included) into the empty file

@@ -56,7 +56,7 @@ struct Copier {
 } // namespace
 
 void copyAll(CompoundFile& from, CompoundFile& to) {
-    to.state_->beginChange();
+    const FileState::Change change(*to.state_);
     const Copier copier{*from.state_, *to.state_};
     constexpr EntryId kRoot = DirectoryEntries::kRoot;
     copier.to.directory().setAttributes(kRoot, copier.from.directory().attributes(kRoot));

@@ -72,8 +72,10 @@ std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name
         if (steps > bound())
             file_.throwDamaged("the directory runs in a ring");
         const int order = compare(name, at);
-        if (order == 0)
+        if (order == 0) {
+            reach(storage, at);
             return at;
+        }
         at = order < 0 ? left(at) : right(at);
     }
     if (trusted_)
@@ -85,18 +87,31 @@ std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name
     return std::nullopt;
 }
 
+void Directory::reach(EntryId storage, EntryId id) {
+    if (storageOf_.size() <= id)
+        storageOf_.resize(std::max<std::size_t>(std::size_t{id} + 1, 2 * storageOf_.size()),
+                          kNoEntry);
+    EntryId& known = storageOf_[id];
+    if (known != kNoEntry && known != storage)
+        file_.throwDamaged("directory entry " + std::to_string(id) + " lies in two storages");
+    known = storage;
+}
+
 EntryId Directory::insert(EntryId storage, std::u16string_view name, EntryType type) {
     const EntryId id = takeFreeEntry();
     setName(id, name);
     change(id)[entry::kTypeAt] = static_cast<std::byte>(type);
     setContent(id, type == EntryType::Stream ? kEndOfChain : 0, 0);
     RedBlackTree(*this, storage).insert(id);
+    reach(storage, id);
     return id;
 }
 
 void Directory::remove(EntryId storage, EntryId id) {
     RedBlackTree(*this, storage).remove(id);
     clear(change(id));
+    if (id < storageOf_.size())
+        storageOf_[id] = kNoEntry;
     freed_.push_back(id);
 }
 
@@ -121,6 +136,7 @@ std::vector<EntryId> Directory::elements(EntryId storage) {
     while (!open.empty()) {
         const EntryId id = open.back();
         open.pop_back();
+        reach(storage, id);
         ordered.push_back(id);
         descend(right(id));
     }

@@ -22,6 +22,10 @@ class Directory : public DirectoryEntries {
 
     std::optional<EntryId> find(EntryId storage, std::u16string_view name);
 
+    // Notes that the storage's tree led to the element. Damaged when another storage's tree did so
+    // before: trees that cross, or a storage inside itself.
+    void reach(EntryId storage, EntryId id);
+
     // Adds a new element without content. The name must be free.
     EntryId insert(EntryId storage, std::u16string_view name, format::EntryType type);
 
@@ -44,7 +48,8 @@ class Directory : public DirectoryEntries {
     void sortByName(std::vector<EntryId>& ids);
 
     bool trusted_;
-    std::vector<EntryId> freed_; // by this transaction, to be taken again first
+    std::vector<EntryId> storageOf_; // of the elements reached so far
+    std::vector<EntryId> freed_;     // by this transaction, to be taken again first
 };
 
 } // namespace compound

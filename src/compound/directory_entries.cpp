@@ -23,6 +23,12 @@ std::size_t unitsOf(const std::byte* raw) {
     return read16(raw + entry::kNameBytesAt) / 2U - 1U;
 }
 
+void readName(const std::byte* raw, std::u16string& text) {
+    text.resize(unitsOf(raw));
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<char16_t>(read16(raw + entry::kNameAt + 2 * i));
+}
+
 } // namespace
 
 DirectoryEntries::DirectoryEntries(SectorFile& file, SectorChain& chain, std::uint64_t sizeMask)
@@ -46,8 +52,8 @@ std::uint64_t DirectoryEntries::bound() const {
 const std::byte* DirectoryEntries::element(EntryId id) {
     const std::byte* const at = raw(id);
     const EntryType type = typeOf(at);
-    const bool known = type == EntryType::Storage || type == EntryType::Stream ||
-                       (type == EntryType::Root && id == kRoot);
+    const bool known = id == kRoot ? type == EntryType::Root
+                                   : type == EntryType::Storage || type == EntryType::Stream;
     const std::uint16_t nameBytes = read16(at + entry::kNameBytesAt);
     if (!known || nameBytes < 4 || nameBytes > 64 || nameBytes % 2 != 0)
         file_.throwDamaged("directory entry " + std::to_string(id) + " is no element");
@@ -63,11 +69,19 @@ EntryType DirectoryEntries::type(EntryId id) {
 }
 
 std::u16string DirectoryEntries::name(EntryId id) {
-    const std::byte* const at = element(id);
-    std::u16string text(unitsOf(at), u'\0');
-    for (std::size_t i = 0; i < text.size(); ++i)
-        text[i] = static_cast<char16_t>(read16(at + entry::kNameAt + 2 * i));
+    std::u16string text;
+    readName(element(id), text);
     return text;
+}
+
+void DirectoryEntries::walk(EntryId id, Walked& walked) {
+    const std::byte* const at = element(id);
+    const bool isStream = typeOf(at) == EntryType::Stream;
+    readName(at, walked.element.name);
+    walked.element.kind = isStream ? ElementKind::Stream : ElementKind::Storage;
+    walked.element.size = isStream ? read64(at + entry::kSizeAt) & sizeMask_ : 0;
+    walked.element.id = id;
+    walked.right = read32(at + entry::kRightAt);
 }
 
 std::uint64_t DirectoryEntries::size(EntryId id) {
@@ -79,7 +93,10 @@ std::uint32_t DirectoryEntries::start(EntryId id) {
 }
 
 EntryId DirectoryEntries::link(EntryId id, std::size_t at) {
-    return read32(element(id) + at);
+    const EntryId value = read32(element(id) + at);
+    if (value == kRoot)
+        throwDamaged("directory entry " + std::to_string(id) + " leads back to the root");
+    return value;
 }
 
 Colour DirectoryEntries::colour(EntryId id) {

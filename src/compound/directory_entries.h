@@ -19,7 +19,8 @@ class DirectoryEntries {
     // `sizeMask` is what counts of a stream's size.
     DirectoryEntries(SectorFile& file, SectorChain& chain, std::uint64_t sizeMask);
 
-    // The fields of an element. Damaged when the entry does not exist or is no element.
+    // The fields of an element. Damaged when the entry does not exist or is no element, or when a
+    // link leads to the root.
     format::EntryType type(EntryId id);
     std::u16string name(EntryId id);
     std::uint64_t size(EntryId id);
@@ -28,6 +29,13 @@ class DirectoryEntries {
     EntryId right(EntryId id) { return link(id, format::entry::kRightAt); }
     EntryId child(EntryId id) { return link(id, format::entry::kChildAt); }
     format::Colour colour(EntryId id);
+
+    // Everything at once, for walking: the element, and what stands behind it.
+    struct Walked {
+        Element element;
+        EntryId right;
+    };
+    void walk(EntryId id, Walked& walked);
 
     void setContent(EntryId id, std::uint32_t start, std::uint64_t size);
     void setLink(EntryId id, std::size_t at, EntryId value); // `at`: the field's offset
@@ -48,6 +56,8 @@ class DirectoryEntries {
     const std::byte* raw(EntryId id);
     std::byte* change(EntryId id);
     std::uint64_t count(); // free ones included
+
+    [[noreturn]] void throwDamaged(const std::string& what) const { file_.throwDamaged(what); }
 
   protected:
     // Zeros, and no links.

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -17,6 +18,21 @@
 namespace compound {
 
 enum class Access { Read, ReadWrite };
+
+// Tells whether a file is still as it was when it was looked at before.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0; // of the file on its device
+    std::uint64_t size = 0;
+    std::int64_t modified = 0; // time stamps of content and of attributes
+    std::int64_t changed = 0;
+    bool settled = false; // the last change is so old that a further one gets another time stamp
+
+    bool isSameStateAs(const FileIdentity& other) const {
+        return device == other.device && number == other.number && size == other.size &&
+               modified == other.modified && changed == other.changed;
+    }
+};
 
 // One open file. Closing (destruction) releases its lock and writes nothing.
 class DiskFile {
@@ -51,6 +67,9 @@ class DiskFile {
     // Whether path() still names this very file (it may have been renamed or replaced between
     // opening and locking).
     virtual bool isStillAtPath() = 0;
+
+    // The file's present state, if the disk can tell; asked for while the lock is held.
+    virtual std::optional<FileIdentity> identity() { return std::nullopt; }
 
   protected:
     DiskFile() = default;

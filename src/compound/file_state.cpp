@@ -3,6 +3,8 @@
 #include "compound/error.h"
 
 #include <algorithm>
+#include <exception>
+#include <string>
 #include <utility>
 
 namespace compound {
@@ -56,9 +58,30 @@ FileState::~FileState() {
         restoreLength();
 }
 
+std::size_t FileState::memory() {
+    return parts_->directoryChain.memory() + parts_->mini.memory();
+}
+
 void FileState::startNewFile() {
     changed_ = true;
     parts_->directory.createRoot();
+}
+
+FileState::Change::Change(FileState& file)
+    : file_(file), exceptionsBefore_(std::uncaught_exceptions()) {
+    file_.requireWhole();
+    file_.beginChange();
+}
+
+FileState::Change::~Change() {
+    if (std::uncaught_exceptions() > exceptionsBefore_)
+        file_.inPieces_ = true;
+}
+
+void FileState::requireWhole() {
+    if (inPieces_)
+        throw Error(ErrorCode::Failed, file_.disk().path(),
+                    "an earlier failure has left the change incomplete; it can only be dropped");
 }
 
 void FileState::beginChange() {
@@ -69,13 +92,17 @@ void FileState::beginChange() {
     changed_ = true;
     if (isOurs(committed_))
         return;
+    inPieces_ = true;
     parts_->table.makeSound();
     parts_->directory.makeSound();
+    inPieces_ = false;
 }
 
 void FileState::commit() {
     if (!changed_)
         return;
+    requireWhole();
+    inPieces_ = true;
     parts_->mini.writeOut();
     header_.firstDirectory = parts_->directoryChain.first();
     header_.directorySectors = header_.majorVersion == 3 ? 0 : parts_->directoryChain.count();
@@ -88,11 +115,12 @@ void FileState::commit() {
     committed_ = header_;
     isNew_ = false;
     changed_ = false;
+    inPieces_ = false;
     parts_->mini.committed();
     parts_->directoryChain.committed();
     parts_->table.committed();
     cutFreeTail();
-    lengthBefore_ = file_.disk().size();
+    lengthBefore_ = file_.lengthOf(file_.count());
 }
 
 // Leaves a few free sectors in the file, so that a later change that frees space finds room for its
@@ -149,6 +177,7 @@ void FileState::drop() noexcept {
         return;
     restoreLength();
     changed_ = false;
+    inPieces_ = false;
     header_ = committed_;
     parts_ = std::make_unique<Parts>(file_, header_, isNew_ || isOurs(committed_));
     if (isNew_)

@@ -11,6 +11,7 @@
 #include "compound/stream_content.h"
 
 #include <memory>
+#include <optional>
 
 namespace compound {
 
@@ -30,13 +31,30 @@ class FileState {
     SectorFile& file() { return file_; }
     const Header& header() const { return header_; }
 
-    // Comes before every change: refuses it in a file opened for reading (Denied), and makes
-    // another program's file sound first.
-    void beginChange();
+    // Stands around every change of the transaction. Refuses it in a file opened for reading
+    // (Denied), and makes another program's file sound first. When an exception ends the change,
+    // the transaction is in pieces: from then on it can only be dropped.
+    class Change {
+      public:
+        explicit Change(FileState& file);
+        ~Change();
+        Change(const Change&) = delete;
+        Change& operator=(const Change&) = delete;
 
+      private:
+        FileState& file_;
+        int exceptionsBefore_;
+    };
+
+    // Refuses a transaction in pieces (Failed). One that fails is in pieces.
     void commit();
     void drop() noexcept;
     bool hasChanges() const { return changed_; }
+
+    // The file as the disk told it when it was opened; what it knows of the file, in bytes.
+    const std::optional<FileIdentity>& identity() const { return identity_; }
+    void setIdentity(const std::optional<FileIdentity>& identity) { identity_ = identity; }
+    std::size_t memory();
 
   private:
     struct Parts {
@@ -49,6 +67,8 @@ class FileState {
         StreamContent content;
     };
 
+    void beginChange();
+    void requireWhole();
     void startNewFile();
     void keepReserve();
     void writeHeader();
@@ -61,9 +81,11 @@ class FileState {
     Access access_;
     bool isNew_;
     bool changed_ = false;
+    bool inPieces_ = false;
     bool outcomeUnknown_ = false;
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
+    std::optional<FileIdentity> identity_;
 };
 
 } // namespace compound

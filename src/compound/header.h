@@ -23,6 +23,7 @@ struct Header {
     std::array<std::uint32_t, format::kHeaderDifatEntries> difat{};
 
     std::uint32_t sectorSize() const { return majorVersion == 3 ? 512 : 4096; }
+    bool operator==(const Header&) const = default;
 };
 
 // Reads and checks the header. NotCompoundFile, Damaged.

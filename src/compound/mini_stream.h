@@ -35,14 +35,14 @@ class MiniStream {
 
     std::uint32_t entry(std::uint32_t mini); // as it stands in the mini FAT
     std::uint32_t count();                   // mini sectors that the mini stream holds
-    SectorChain& tableChain() { return table_; }
-    SectorChain& dataChain();
+    std::size_t memory() const { return table_.memory() + (data_ ? data_->memory() : 0); }
 
   private:
     void set(std::uint32_t mini, std::uint32_t value);
     std::uint32_t allocate();
     std::uint32_t findFree(std::uint32_t page, std::uint32_t end);
     void grow();
+    SectorChain& dataChain();
 
     SectorFile& file_;
     Header& header_;

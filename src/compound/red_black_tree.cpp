@@ -8,6 +8,9 @@ using namespace format;
 
 namespace {
 
+// No sound tree of 32-bit entry numbers is higher; a ring is.
+constexpr std::size_t kGreatestHeight = 64;
+
 std::size_t fieldOf(bool left) {
     return left ? entry::kLeftAt : entry::kRightAt;
 }
@@ -46,12 +49,18 @@ EntryId RedBlackTree::above(std::size_t level) const {
     return level < path_.size() ? path_[path_.size() - 1 - level] : storage_;
 }
 
+void RedBlackTree::goDown(EntryId id) {
+    if (path_.size() >= kGreatestHeight)
+        directory_.throwDamaged("a tree of the directory is too high to be sound");
+    path_.push_back(id);
+}
+
 // Fills path_ with the way to where the entry's name belongs, the entry itself left out.
 void RedBlackTree::descendTo(EntryId id) {
     const std::u16string name = directory_.name(id);
     path_.clear();
     for (EntryId at = directory_.child(storage_); at != kNoEntry && at != id;) {
-        path_.push_back(at);
+        goDown(at);
         at = child(at, directory_.compare(name, at) < 0 ? Side::Left : Side::Right);
     }
 }
@@ -99,10 +108,10 @@ void RedBlackTree::mendAfterInsert(EntryId id) {
 // An entry with two children changes places with the next one in order, which has no left child.
 void RedBlackTree::exchangeWithSuccessor(EntryId id) {
     const std::size_t place = path_.size();
-    path_.push_back(id);
+    goDown(id);
     EntryId next = child(id, Side::Right);
     while (child(next, Side::Left) != kNoEntry) {
-        path_.push_back(next);
+        goDown(next);
         next = child(next, Side::Left);
     }
     const EntryId parent = path_.back();
@@ -125,6 +134,12 @@ void RedBlackTree::exchangeWithSuccessor(EntryId id) {
 
 void RedBlackTree::remove(EntryId id) {
     descendTo(id);
+    const EntryId parent = above(0);
+    const bool linked = parent == storage_
+                            ? directory_.child(storage_) == id
+                            : child(parent, Side::Left) == id || child(parent, Side::Right) == id;
+    if (!linked)
+        directory_.throwDamaged("an element stands in the wrong place of its tree");
     if (child(id, Side::Left) != kNoEntry && child(id, Side::Right) != kNoEntry)
         exchangeWithSuccessor(id);
     const EntryId left = child(id, Side::Left);

@@ -18,7 +18,7 @@ class RedBlackTree {
     // Links an entry whose name no other element of the storage has.
     void insert(EntryId id);
 
-    // Unlinks an entry of the storage.
+    // Unlinks an entry of the storage. Damaged when its name does not lead to it.
     void remove(EntryId id);
 
     bool hasSoundColours();
@@ -33,6 +33,7 @@ class RedBlackTree {
     void rotate(EntryId parent, EntryId top, Side to);
     bool isRed(EntryId id);
     void descendTo(EntryId id);
+    void goDown(EntryId id);
     EntryId above(std::size_t level) const; // ancestor, the storage above the root
     void exchangeWithSuccessor(EntryId id);
     void mendAfterInsert(EntryId id);

@@ -64,21 +64,26 @@ void SectorChain::loadPages(std::uint32_t index) {
     if (pages_.size() < to)
         pages_.resize(std::max<std::size_t>(to, sectors_.size()));
     const std::size_t size = file_.sectorSize();
-    std::vector<std::byte> bytes(size * (to - from));
-    file_.read(sectors_[from], bytes);
-    for (std::uint32_t at = from; at < to; ++at) {
-        pages_[at].bytes = std::make_unique<std::byte[]>(size);
-        std::memcpy(pages_[at].bytes.get(), bytes.data() + size * (at - from), size);
-    }
+    std::byte* const block = newBlock(to - from);
+    file_.read(sectors_[from], {block, size * (to - from)});
+    for (std::uint32_t at = from; at < to; ++at)
+        pages_[at].bytes = block + size * (at - from);
+}
+
+std::byte* SectorChain::newBlock(std::size_t pages) {
+    // Filled by the caller; clearing it first would cost as much as reading.
+    blocks_.push_back(std::unique_ptr<std::byte[]>(new std::byte[pages * file_.sectorSize()]));
+    memory_ += pages * file_.sectorSize();
+    return blocks_.back().get();
 }
 
 const std::byte* SectorChain::read(std::uint32_t index) {
     if (index < pages_.size() && pages_[index].bytes)
-        return pages_[index].bytes.get();
+        return pages_[index].bytes;
     if (!has(index))
         file_.throwDamaged(what_ + " ends before its page " + std::to_string(index));
     loadPages(index);
-    return pages_[index].bytes.get();
+    return pages_[index].bytes;
 }
 
 std::byte* SectorChain::write(std::uint32_t index) {
@@ -95,7 +100,7 @@ std::byte* SectorChain::write(std::uint32_t index) {
         table_.release(old);
         sectors_[index] = moved;
     }
-    return pages_[index].bytes.get();
+    return pages_[index].bytes;
 }
 
 std::uint32_t SectorChain::append(std::byte fill) {
@@ -105,8 +110,8 @@ std::uint32_t SectorChain::append(std::byte fill) {
         table_.link(sectors_.back(), sector);
     sectors_.push_back(sector);
     pages_.resize(sectors_.size());
-    pages_[index].bytes = std::make_unique<std::byte[]>(file_.sectorSize());
-    std::memset(pages_[index].bytes.get(), std::to_integer<int>(fill), file_.sectorSize());
+    pages_[index].bytes = newBlock(1);
+    std::memset(pages_[index].bytes, std::to_integer<int>(fill), file_.sectorSize());
     pages_[index].dirty = anyDirty_ = true;
     return index;
 }
@@ -121,7 +126,7 @@ void SectorChain::writeOut() {
     std::vector<std::byte> run;
     for (std::size_t i = 0; i < places.size(); ++i) {
         Page& page = pages_[places[i].second];
-        run.insert(run.end(), page.bytes.get(), page.bytes.get() + file_.sectorSize());
+        run.insert(run.end(), page.bytes, page.bytes + file_.sectorSize());
         page.dirty = false;
         const bool ends = i + 1 == places.size() || places[i + 1].first != places[i].first + 1;
         if (ends) {

@@ -38,6 +38,9 @@ class SectorChain {
     // Pages known so far, without walking on.
     std::uint32_t walked() const { return static_cast<std::uint32_t>(sectors_.size()); }
 
+    // Bytes of the pages in memory.
+    std::size_t memory() const { return memory_; }
+
     bool hasChanges() const { return anyDirty_; }
 
     // Writes all changed pages to their new places.
@@ -48,12 +51,13 @@ class SectorChain {
 
   private:
     struct Page {
-        std::unique_ptr<std::byte[]> bytes;
+        std::byte* bytes = nullptr; // in one of blocks_; null as long as it was not asked for
         bool dirty = false;
     };
 
     void walkTo(std::uint32_t index);
     void loadPages(std::uint32_t index);
+    std::byte* newBlock(std::size_t pages);
 
     SectorFile& file_;
     AllocationTable& table_;
@@ -61,9 +65,11 @@ class SectorChain {
     std::uint32_t first_;
     bool complete_;
     bool anyDirty_ = false;
+    std::size_t memory_ = 0;
     std::uint32_t loads_ = 0;
     std::vector<std::uint32_t> sectors_; // as far as the chain has been walked
     std::vector<Page> pages_;
+    std::vector<std::unique_ptr<std::byte[]>> blocks_; // pages read together lie in one
 };
 
 } // namespace compound

@@ -8,6 +8,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 
 namespace compound {
 
@@ -32,6 +33,10 @@ class SectorFile {
 
     // The file's length when it ends with sector `count` - 1.
     std::uint64_t lengthOf(std::uint64_t count) const { return (count + 1) * sectorSize_; }
+
+    // Goes on with another handle of the same, unchanged file.
+    void setDisk(std::unique_ptr<DiskFile> file) { file_ = std::move(file); }
+    std::unique_ptr<DiskFile> takeDisk() { return std::move(file_); }
 
     // Counts anew after the file's length was changed from outside.
     void refresh();

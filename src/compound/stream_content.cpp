@@ -81,27 +81,32 @@ void StreamContent::release(EntryId id) {
 
 void StreamContent::assign(EntryId id, std::span<const std::byte> bytes) {
     release(id);
-    const std::uint32_t first =
-        isMini(bytes.size()) ? mini_.store(bytes) : store(bytes, kEndOfChain);
-    directory_.setContent(id, first, bytes.size());
+    cachedId_ = kNoEntry;
+    if (isMini(bytes.size())) {
+        directory_.setContent(id, mini_.store(bytes), bytes.size());
+        return;
+    }
+    cachedChain_.clear();
+    store(bytes, cachedChain_);
+    cachedId_ = id;
+    directory_.setContent(id, cachedChain_.front(), bytes.size());
 }
 
-// Writes bytes to new sectors, linked behind `previous`; returns the first of them.
-std::uint32_t StreamContent::store(std::span<const std::byte> bytes, std::uint32_t previous) {
+// Writes bytes to new sectors and links them behind those of `chain`, which is at its end.
+void StreamContent::store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain) {
     const std::size_t count = (bytes.size() + file_.sectorSize() - 1) / file_.sectorSize();
-    std::vector<std::uint32_t> sectors;
-    sectors.reserve(count);
+    const std::size_t before = chain.size();
     for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t previous = chain.empty() ? kEndOfChain : chain.back();
         const std::uint32_t sector = table_.allocateData(previous);
         if (previous != kEndOfChain)
             table_.link(previous, sector);
-        sectors.push_back(previous = sector);
+        chain.push_back(sector);
     }
-    writeSectors(sectors, bytes);
-    return sectors.empty() ? kEndOfChain : sectors.front();
+    writeSectors(std::span(chain).subspan(before), bytes);
 }
 
-void StreamContent::writeSectors(const std::vector<std::uint32_t>& sectors,
+void StreamContent::writeSectors(std::span<const std::uint32_t> sectors,
                                  std::span<const std::byte> bytes) {
     const std::uint32_t size = file_.sectorSize();
     for (std::size_t from = 0; from < sectors.size();) {
@@ -135,24 +140,25 @@ void StreamContent::append(EntryId id, std::span<const std::byte> bytes) {
 }
 
 // The last sector's used part moves to a new sector together with what comes behind it, unless it
-// is full or this transaction's own.
+// is full.
 void StreamContent::appendSectors(EntryId id, std::span<const std::byte> bytes) {
     const std::uint64_t size = directory_.size(id);
-    std::vector<std::uint32_t> chain = chainOf(id);
+    chainOf(id);
+    cachedId_ = kNoEntry; // until the chain is whole again
     const auto used = static_cast<std::size_t>(size % file_.sectorSize());
     std::vector<std::byte> tail(used);
     if (used > 0) {
-        readSectors(chain, size - used, tail);
-        const std::uint32_t last = chain.back();
-        chain.pop_back();
-        if (!chain.empty())
-            table_.link(chain.back(), kEndOfChain);
+        readSectors(cachedChain_, size - used, tail);
+        const std::uint32_t last = cachedChain_.back();
+        cachedChain_.pop_back();
+        if (!cachedChain_.empty())
+            table_.link(cachedChain_.back(), kEndOfChain);
         table_.release(last);
     }
     tail.insert(tail.end(), bytes.begin(), bytes.end());
-    const std::uint32_t first = store(tail, chain.empty() ? kEndOfChain : chain.back());
-    cachedId_ = kNoEntry;
-    directory_.setContent(id, chain.empty() ? first : chain.front(), size + bytes.size());
+    store(tail, cachedChain_);
+    directory_.setContent(id, cachedChain_.front(), size + bytes.size());
+    cachedId_ = id;
 }
 
 } // namespace compound

@@ -30,8 +30,8 @@ class StreamContent {
     const std::vector<std::uint32_t>& chainOf(EntryId id);
     void readSectors(const std::vector<std::uint32_t>& chain, std::uint64_t offset,
                      std::span<std::byte> into);
-    std::uint32_t store(std::span<const std::byte> bytes, std::uint32_t previous);
-    void writeSectors(const std::vector<std::uint32_t>& sectors, std::span<const std::byte> bytes);
+    void store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain);
+    void writeSectors(std::span<const std::uint32_t> sectors, std::span<const std::byte> bytes);
     void appendSectors(EntryId id, std::span<const std::byte> bytes);
 
     SectorFile& file_;

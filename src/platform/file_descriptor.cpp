@@ -74,17 +74,15 @@ FileDescriptor::~FileDescriptor() {
         ::close(number_);
 }
 
-FileDescriptor openRegularFile(const std::filesystem::path& path, int flags) {
-    // Looked at before opening too, because merely opening some devices has effects; without
-    // O_NONBLOCK a pipe put there in between would make the opening wait for a writer.
+FileDescriptor openRegularFile(const std::filesystem::path& path, int flags, struct stat* opened) {
+    // Without O_NONBLOCK a pipe of that name would make the opening wait for a writer.
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0)
-        throw systemError(errno, path, "open");
-    requireRegular(status, path);
     FileDescriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0)
         throw systemError(errno, path, "open");
     requireRegular(status, path);
+    if (opened != nullptr)
+        *opened = status;
     return descriptor;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <sys/stat.h>
 #include <utility>
 
 namespace platform {
@@ -25,7 +26,9 @@ class FileDescriptor {
 };
 
 // Opens an existing regular file with open(2) `flags`; throws compound::Error naming `path`.
-FileDescriptor openRegularFile(const std::filesystem::path& path, int flags);
+// `opened`, if given, gets what fstat(2) says of it.
+FileDescriptor openRegularFile(const std::filesystem::path& path, int flags,
+                               struct stat* opened = nullptr);
 
 // Creates `path`, which must not exist (compound::ErrorCode::Exists), for reading and writing.
 FileDescriptor createFile(const std::filesystem::path& path);

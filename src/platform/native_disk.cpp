@@ -33,8 +33,8 @@ constexpr std::chrono::milliseconds kLockPollInterval{10};
 
 class NativeFile final : public DiskFile {
   public:
-    NativeFile(FileDescriptor descriptor, std::filesystem::path filePath)
-        : descriptor_(std::move(descriptor)), path_(std::move(filePath)) {}
+    NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath)
+        : descriptor_(std::move(descriptor)), path_(std::move(filePath)), opened_(opened) {}
 
     const std::filesystem::path& path() const override { return path_; }
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override;
@@ -44,6 +44,7 @@ class NativeFile final : public DiskFile {
     std::uint64_t size() override;
     bool lock(std::chrono::milliseconds wait) override;
     bool isStillAtPath() override;
+    std::optional<compound::FileIdentity> identity() override;
 
     int descriptor() const { return descriptor_.get(); }
 
@@ -52,6 +53,8 @@ class NativeFile final : public DiskFile {
 
     FileDescriptor descriptor_;
     std::filesystem::path path_;
+    struct stat opened_ {}; // as it was when it was opened
+    struct stat named_ {};  // as isStillAtPath() has last found it
 };
 
 std::size_t NativeFile::read(std::uint64_t offset, std::span<std::byte> into) {
@@ -121,16 +124,32 @@ bool NativeFile::lock(std::chrono::milliseconds wait) {
 }
 
 bool NativeFile::isStillAtPath() {
-    struct stat named {};
-    struct stat held {};
-    if (::fstat(descriptor(), &held) != 0)
-        throw systemError(errno, path_, "get identity");
-    if (::stat(path_.c_str(), &named) != 0) {
+    if (::stat(path_.c_str(), &named_) != 0) {
         if (errno == ENOENT || errno == ENOTDIR)
             return false;
         throw systemError(errno, path_, "get identity");
     }
-    return named.st_dev == held.st_dev && named.st_ino == held.st_ino;
+    return named_.st_dev == opened_.st_dev && named_.st_ino == opened_.st_ino;
+}
+
+// What isStillAtPath() has found under the lock; every call to the system counts in short readings.
+std::optional<compound::FileIdentity> NativeFile::identity() {
+    constexpr std::int64_t kNanoseconds = 1'000'000'000;
+    struct timespec now {};
+    if (named_.st_ino == 0 || ::clock_gettime(CLOCK_REALTIME, &now) != 0)
+        return std::nullopt;
+    const auto nanoseconds = [](const struct timespec& time) {
+        return std::int64_t{time.tv_sec} * kNanoseconds + std::int64_t{time.tv_nsec};
+    };
+    const std::int64_t changed = nanoseconds(named_.st_ctim);
+    // Time stamps go on in ticks of some milliseconds, on some file systems of a second or two.
+    const bool settled = nanoseconds(now) - changed > 3 * kNanoseconds;
+    return compound::FileIdentity{named_.st_dev,
+                                  named_.st_ino,
+                                  static_cast<std::uint64_t>(named_.st_size),
+                                  nanoseconds(named_.st_mtim),
+                                  changed,
+                                  settled};
 }
 
 int descriptorOf(DiskFile& file) {
@@ -155,12 +174,18 @@ class NativeDisk final : public compound::Disk {
 };
 
 std::unique_ptr<DiskFile> NativeDisk::open(const path& filePath, Access access) {
-    return std::make_unique<NativeFile>(
-        openRegularFile(filePath, access == Access::Read ? O_RDONLY : O_RDWR), filePath);
+    struct stat status {};
+    FileDescriptor descriptor =
+        openRegularFile(filePath, access == Access::Read ? O_RDONLY : O_RDWR, &status);
+    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath);
 }
 
 std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath) {
-    return std::make_unique<NativeFile>(createFile(filePath), filePath);
+    FileDescriptor descriptor = createFile(filePath);
+    struct stat status {};
+    if (::fstat(descriptor.get(), &status) != 0)
+        throw systemError(errno, filePath, "create");
+    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath);
 }
 
 void NativeDisk::copyAttributes(DiskFile& from, DiskFile& to) {

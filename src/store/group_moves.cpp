@@ -42,8 +42,7 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
                               const GroupName& newName) {
     refuseTakenName(library, group, newName);
     const std::filesystem::path oldPath = pathOf(library, group.file);
-    const std::filesystem::path newPath =
-        library.folder / toPath(newName.text + std::u16string(kGroupFileSuffix));
+    const std::filesystem::path newPath = plainPathOf(library, {newName.text});
     StorageAccess old(library);
     old.openGroup(group, Access::Read);
     if (oldPath == newPath)

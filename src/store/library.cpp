@@ -33,9 +33,12 @@ std::chrono::milliseconds LockBudget::remaining() const {
     return std::max(left, std::chrono::milliseconds{0});
 }
 
+std::filesystem::path plainPathOf(const Library& library, const FileName& file) {
+    return library.folder / toPath(file.text + std::u16string(kGroupFileSuffix));
+}
+
 std::filesystem::path pathOf(const Library& library, const FileName& file) {
-    const std::u16string name = file.text + std::u16string(kGroupFileSuffix);
-    std::filesystem::path path = library.folder / toPath(name);
+    std::filesystem::path path = plainPathOf(library, file);
     if (library.disk.exists(path))
         return path;
     // "A.STG" is the group file of A as well, on systems that tell the two names apart.

@@ -11,12 +11,14 @@
 #pragma once
 
 #include "compound/disk.h"
+#include "compound/read_cache.h"
 #include "store/address.h"
 
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -49,6 +51,8 @@ struct Library {
     MeasurePicture measure;
     char16_t decimalSeparator = u'.'; // of the records that are written; both are read
     std::chrono::milliseconds lockWait{500};
+    // What reading has learnt of the files, for the next reading.
+    std::shared_ptr<compound::ReadCache> cache = std::make_shared<compound::ReadCache>();
 };
 
 inline constexpr std::u16string_view kGroupFileSuffix = u".stg";
@@ -57,6 +61,9 @@ inline constexpr std::u16string_view kDamagedFileSuffix = u".err";
 // The path of T's group file: the only place where one is built. A file whose suffix is written in
 // another case is found as well.
 std::filesystem::path pathOf(const Library& library, const FileName& file);
+
+// The same without looking at the disk: the suffix as this program writes it.
+std::filesystem::path plainPathOf(const Library& library, const FileName& file);
 
 // The group files, by name without regard to case. Only regular files whose last four characters
 // are ".stg" in any case count. Throws NotFound or Denied when the folder cannot be listed.

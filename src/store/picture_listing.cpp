@@ -30,9 +30,10 @@ class RecordPass {
     }
 
     PictureRecord recordOf(std::u16string_view name) {
-        while (any_ && compound::compareNames(current_.name, name) < 0)
+        int order = -1;
+        while (any_ && (order = compound::compareNames(current_.name, name)) < 0)
             advance();
-        if (any_ && compound::compareNames(current_.name, name) == 0)
+        if (any_ && order == 0)
             return read(current_);
         const auto element = info_.find(name);
         return element ? read(*element) : PictureRecord{};

@@ -11,20 +11,21 @@
 namespace store {
 namespace {
 
-constexpr std::array<std::u16string_view, 7> kTypeCodes = {u"WMF", u"EMF", u"ICO", u"CUR",
-                                                           u"BMP", u"GIF", u"JPG"};
+constexpr std::array<std::string_view, 7> kTypeCodes = {"WMF", "EMF", "ICO", "CUR",
+                                                        "BMP", "GIF", "JPG"};
 constexpr double kTwipsPerPixel = 15;
 
 bool isTypeCode(std::string_view text) {
-    const auto same = [&](std::u16string_view code) { return toUtf8(code) == text; };
-    return std::any_of(kTypeCodes.begin(), kTypeCodes.end(), same);
+    return std::find(kTypeCodes.begin(), kTypeCodes.end(), text) != kTypeCodes.end();
 }
 
 // A plain decimal number with "." or "," and nothing around it.
 bool parseNumber(std::string_view text, float& number) {
-    std::string plain(text);
-    std::replace(plain.begin(), plain.end(), ',', '.');
-    const char* const end = plain.data() + plain.size();
+    std::array<char, 64> plain{};
+    if (text.size() > plain.size())
+        return false;
+    std::replace_copy(text.begin(), text.end(), plain.begin(), ',', '.');
+    const char* const end = plain.data() + text.size();
     const auto [stop, error] = std::from_chars(plain.data(), end, number);
     return error == std::errc() && stop == end && std::isfinite(number) && number >= 0;
 }
@@ -34,9 +35,9 @@ bool parseNumber(std::string_view text, float& number) {
 std::string typeCodeOf(std::u16string_view fileName) {
     const std::u16string_view ending =
         fileName.substr(fileName.size() - std::min<std::size_t>(fileName.size(), 3));
-    for (const std::u16string_view code : kTypeCodes) {
-        if (sameName(ending, code))
-            return toUtf8(code);
+    for (const std::string_view code : kTypeCodes) {
+        if (sameName(ending, fromUtf8(code)))
+            return std::string(code);
     }
     return "JPG";
 }

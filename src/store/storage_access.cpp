@@ -111,12 +111,18 @@ std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
 void StorageAccess::openFile(const std::filesystem::path& path, compound::Access access,
                              std::chrono::milliseconds wait) {
     release();
-    fileStorage_.emplace(
-        compound::CompoundFile::open(openLocked(library_.disk, path, access, wait), access));
+    fileStorage_.emplace(compound::CompoundFile::open(openLocked(library_.disk, path, access, wait),
+                                                      access, library_.cache.get()));
 }
 
 void StorageAccess::openFile(const FileName& file, compound::Access access) {
-    openFile(pathOf(library_, file), access, library_.lockWait);
+    try {
+        openFile(plainPathOf(library_, file), access, library_.lockWait);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NotFound)
+            throw;
+        openFile(pathOf(library_, file), access, library_.lockWait);
+    }
 }
 
 void StorageAccess::openGroup(const GroupAddress& group, compound::Access access) {
