@@ -26,6 +26,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kRefreshLockWait{1000};
 constexpr std::chrono::milliseconds kRetryLockWait{300};
+constexpr std::chrono::milliseconds kOperationLockWait{300}; // a click may need three operations
+constexpr app::TextPair kTreeName{u"Gruppen", u"Groups"};
 constexpr QSize kInitialSize(900, 640);
 
 store::TwipSize measurePicture(std::span<const std::byte> bytes) {
@@ -35,7 +37,7 @@ store::TwipSize measurePicture(std::span<const std::byte> bytes) {
 
 store::Library libraryOf(const app::Settings& settings) {
     return {platform::nativeDisk(), settings.storagesFolderPath(), measurePicture,
-            app::decimalSeparator().unicode()};
+            app::decimalSeparator().unicode(), kOperationLockWait};
 }
 
 WindowSize twipsOf(const QSize& pixels) {
@@ -108,6 +110,8 @@ void frmMain::showEvent(QShowEvent* event) {
 
 void frmMain::load() {
     menus_->setCaptions();
+    tree_->setAccessibleName(app::text(kTreeName));
+    panel_->setCaptions();
     app::Settings& settings = app::settings();
     try {
         settings.readPaths();
@@ -228,7 +232,8 @@ void frmMain::SetCurrentGroup(const store::GroupAddress& group) {
 void frmMain::SelectNode() {
     app::Settings& settings = app::settings();
     settings.readCurrentGroup();
-    if (tree_->selectKey(settings.currentGroup())) {
+    // Nothing waits for the pictures of a group that is known to be locked.
+    if (tree_->selectKey(settings.currentGroup()) && !tree_->selectedIsMarked()) {
         panel_->setGroup(tree_->selected()->address);
     }
     // The first click on the selected node shall fill the view anew.

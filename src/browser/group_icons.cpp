@@ -8,6 +8,9 @@
 #include <QPainterPath>
 #include <QPalette>
 
+#include <array>
+#include <cstddef>
+
 namespace browser {
 namespace {
 
@@ -111,7 +114,11 @@ class GroupIconEngine : public QIconEngine {
 } // namespace
 
 QIcon groupIcon(GroupMark mark) {
-    return QIcon(new GroupIconEngine(mark));
+    // One icon for all nodes: a library may have thousands.
+    static const std::array<QIcon, 3> icons{QIcon(new GroupIconEngine(GroupMark::None)),
+                                            QIcon(new GroupIconEngine(GroupMark::Locked)),
+                                            QIcon(new GroupIconEngine(GroupMark::Unreadable))};
+    return icons.at(static_cast<std::size_t>(mark));
 }
 
 QIcon programIcon() {

@@ -74,11 +74,6 @@ QString kilobytesText(std::uint64_t bytes) {
 PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
     setObjectName(QStringLiteral("lvwInfo"));
     setColumnCount(static_cast<int>(kListColumns));
-    QStringList captions;
-    for (const app::TextPair& caption : kCaptions) {
-        captions.append(app::text(caption));
-    }
-    setHeaderLabels(captions);
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -96,6 +91,14 @@ PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
             emit rowClicked(selectedName());
         }
     });
+}
+
+void PictureList::setCaptions() {
+    QStringList captions;
+    for (const app::TextPair& caption : kCaptions) {
+        captions.append(app::text(caption));
+    }
+    setHeaderLabels(captions);
 }
 
 void PictureList::fill(std::span<const store::PictureEntry> pictures) {

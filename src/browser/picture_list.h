@@ -25,6 +25,8 @@ class PictureList : public QTreeWidget {
   public:
     explicit PictureList(QWidget* parent = nullptr);
 
+    void setCaptions();
+
     // Replaces all rows, in the order given, and sets the columns' widths.
     void fill(std::span<const store::PictureEntry> pictures);
 

@@ -20,6 +20,9 @@ namespace browser {
 namespace {
 
 constexpr int kLayoutDelayMilliseconds = 150;
+constexpr app::TextPair kPicturesName{u"Bilder", u"Pictures"};
+constexpr app::TextPair kPageName{u"Seite", u"Page"};
+constexpr app::TextPair kPreviewName{u"Vorschau", u"Preview"};
 
 } // namespace
 
@@ -84,6 +87,14 @@ void PicturePanel::connectList() {
 
 void PicturePanel::setLibrary(const store::Library& library) {
     library_ = &library;
+}
+
+void PicturePanel::setCaptions() {
+    lvwInfo_->setCaptions();
+    lvwInfo_->setAccessibleName(app::text(kPicturesName));
+    strip_->setAccessibleDescription(app::text(kPicturesName));
+    imgScroll_->setAccessibleName(app::text(kPageName));
+    imgVorschau_->setAccessibleName(app::text(kPreviewName));
 }
 
 void PicturePanel::place(const MainLayout& layout) {
@@ -213,6 +224,9 @@ void PicturePanel::Aktualisieren() {
     }
     SetImgScrollProperties();
     onScrollChanged();
+    if (loader_.isBusy() && shownPicture() == app::text(app::kTextNoPicture)) {
+        SelectPicture(); // the group has its first pictures now
+    }
     emit menuStateWanted();
 }
 

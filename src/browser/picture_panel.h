@@ -35,6 +35,9 @@ class PicturePanel : public QObject {
     // Must be called before anything that reads; the library must outlive the panel.
     void setLibrary(const store::Library& library);
 
+    // Sets what depends on the language.
+    void setCaptions();
+
     void place(const MainLayout& layout);
 
     // Starts the deferred layout of the thumbnails, if they are the view.

@@ -32,8 +32,10 @@ GridSize gridFor(double areaWidth, double areaHeight) {
 
 app::TwipRect cellRect(const app::TwipRect& area, const GridSize& grid, int index) {
     const int columns = std::max(1, grid.columns);
-    return {area.left + kGridInset + kCellPitch * (index % columns),
-            area.top + kGridInset + kCellPitch * (index / columns), kCellSide, kCellSide};
+    const int row = index / columns;
+    const int column = index % columns;
+    return {area.left + kGridInset + kCellPitch * column, area.top + kGridInset + kCellPitch * row,
+            kCellSide, kCellSide};
 }
 
 std::size_t startIndexOf(int page, std::size_t cells) {

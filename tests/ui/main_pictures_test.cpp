@@ -1,0 +1,266 @@
+#include "app/texts.h"
+#include "store/picture_operations.h"
+#include "ui/main_window_fixture.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QImage>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+
+namespace {
+
+class MainPictures : public MainWindowTest {
+  protected:
+    void startWith(const QStringList& names) {
+        group_ = makeGroup("Pumpen");
+        for (const QString& name : names) {
+            addPicture(group_, name);
+        }
+        start();
+        clickNode("Pumpen");
+    }
+
+    void pressInStrip(int key) {
+        QTest::keyClick(find<QWidget>("shpVorschau"), static_cast<Qt::Key>(key));
+        settle();
+    }
+
+    // The names that a page shows: pictures from its first element on.
+    QStringList pageNames(int page, std::size_t cells) {
+        const auto indexes = store::pictureIndexes(library(), group_);
+        const auto pictures = store::listPictures(library(), group_);
+        QStringList names;
+        for (std::size_t i = 0; i < indexes.size() && names.size() < qsizetype(cells); ++i) {
+            if (indexes[i] >= cells * static_cast<std::size_t>(page - 1)) {
+                names.append(QString::fromStdU16String(pictures[i].name.text));
+            }
+        }
+        return names;
+    }
+
+    QColor previewCentre() {
+        auto* preview = find<QWidget>("imgVorschau");
+        return preview->grab().toImage().pixelColor(preview->rect().center());
+    }
+
+    // Ends in-place editing of the first row with that text.
+    void renameFirstRow(const QString& text) {
+        auto* list = find<QTreeWidget>("lvwInfo");
+        list->setFocus();
+        list->editItem(list->topLevelItem(0), 0);
+        auto* editor = list->viewport()->findChild<QLineEdit*>();
+        ASSERT_NE(editor, nullptr);
+        editor->setText(text);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::qWait(0);
+        QCoreApplication::processEvents();
+    }
+
+    store::GroupAddress group_;
+};
+
+TEST_F(MainPictures, AThumbnailIsChosenByMouseAndKeyboard) {
+    group_ = makeGroup("Pumpen");
+    addPicture(group_, "P1", Qt::red);
+    addPicture(group_, "P2", Qt::green);
+    addPicture(group_, "P3", Qt::blue);
+    start();
+    clickNode("Pumpen");
+    QTest::mouseClick(thumbnail("P2"), Qt::LeftButton);
+    EXPECT_EQ(label(), "P2");
+    EXPECT_EQ(previewCentre(), QColor(Qt::green));
+    pressInStrip(Qt::Key_Right);
+    EXPECT_EQ(label(), "P3");
+    EXPECT_EQ(previewCentre(), QColor(Qt::blue));
+    pressInStrip(Qt::Key_Home);
+    EXPECT_EQ(label(), "P1");
+    pressInStrip(Qt::Key_Left); // no page before
+    EXPECT_EQ(label(), "P1");
+}
+
+TEST_F(MainPictures, PagesAreCutByElementIndex) {
+    QStringList names;
+    for (int i = 10; i < 21; ++i) {
+        names.append(QStringLiteral("P%1").arg(i));
+    }
+    startWith(names);
+    window().resize(window().minimumSize()); // three thumbnails
+    QTest::qWait(0);
+    settle();
+    auto* scroll = find<QScrollBar>("imgScroll");
+    EXPECT_EQ(scroll->maximum(), int(store::pictureIndexes(library(), group_).back() / 3) + 1);
+    for (int page = 1; page <= scroll->maximum(); ++page) {
+        scroll->setValue(page);
+        settle();
+        EXPECT_EQ(thumbnails(), pageNames(page, 3)) << page;
+        EXPECT_FALSE(thumbnails().isEmpty());
+    }
+    EXPECT_NE(label(), app::text(7));
+
+    scroll->setValue(1);
+    settle();
+    pressInStrip(Qt::Key_End);
+    EXPECT_EQ(label(), pageNames(1, 3).last());
+    pressInStrip(Qt::Key_Right); // on to the next page
+    EXPECT_EQ(scroll->value(), 2);
+    EXPECT_EQ(label(), pageNames(2, 3).first());
+    pressInStrip(Qt::Key_PageDown);
+    EXPECT_EQ(scroll->value(), 3);
+    // Another group begins with its first page.
+    makeGroup("Tanks");
+    window().FillTreeView();
+    clickNode("Tanks");
+    EXPECT_EQ(scroll->value(), 1);
+    EXPECT_EQ(scroll->maximum(), 1);
+}
+
+TEST_F(MainPictures, AnUndecodablePictureTakesACell) {
+    group_ = makeGroup("Pumpen");
+    addUndecodable(group_, "Bad");
+    start();
+    clickNode("Pumpen");
+    EXPECT_EQ(thumbnails(), QStringList{"Bad"});
+    EXPECT_EQ(label(), "Bad");
+    EXPECT_TRUE(boxes_.take().isEmpty());
+}
+
+TEST_F(MainPictures, RightClickOnAThumbnailChoosesItAndShowsThePictureBand) {
+    startWith({"P1", "P2"});
+    QWidget* cell = thumbnail("P2");
+    QTest::mousePress(cell, Qt::RightButton);
+    QContextMenuEvent request(QContextMenuEvent::Mouse, cell->rect().center(),
+                              cell->mapToGlobal(cell->rect().center()));
+    QApplication::sendEvent(cell, &request);
+    EXPECT_EQ(label(), "P2");
+    EXPECT_TRUE(find<QMenu>("Band1")->isVisible());
+}
+
+TEST_F(MainPictures, ToolTipNamesTheThumbnailAndHidesOverTheFreeSurface) {
+    startWith({"Pumpe & <b>Co"});
+    QTest::mouseMove(thumbnail("Pumpe & <b>Co"));
+    auto* toolTip = find<QLineEdit>("txtName");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return toolTip->isVisible(); }));
+    EXPECT_EQ(toolTip->text(), "Pumpe & <b>Co");
+    QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, {}, {});
+    QApplication::sendEvent(window().centralWidget(), &move);
+    EXPECT_FALSE(toolTip->isVisible());
+}
+
+TEST_F(MainPictures, ListShowsTheFactsAndItsFirstPicture) {
+    startWith({"P1", "P2"});
+    trigger("Men_Extras_0");
+    EXPECT_FALSE(find<QAction>("Men_Extras_0")->isChecked());
+    EXPECT_FALSE(find<QScrollBar>("imgScroll")->isVisible());
+    auto* list = find<QTreeWidget>("lvwInfo");
+    EXPECT_TRUE(list->isVisible());
+    EXPECT_EQ(rows(), (QStringList{"P1", "P2"}));
+    const QTreeWidgetItem* row = list->topLevelItem(0);
+    EXPECT_EQ(row->text(1), "0 KB");
+    EXPECT_EQ(row->text(2), "10");
+    EXPECT_EQ(row->text(3), "20");
+    EXPECT_EQ(row->text(4), "BMP");
+    EXPECT_EQ(list->columnWidth(0), qRound(list->width() / 3.0));
+    EXPECT_EQ(label(), "P1");
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ(label(), "P2");
+
+    makeGroup("Tanks");
+    window().FillTreeView();
+    clickNode("Tanks");
+    EXPECT_TRUE(rows().isEmpty());
+    EXPECT_EQ(label(), app::text(7));
+
+    clickNode("Pumpen");
+    trigger("Men_Extras_0");
+    settle();
+    EXPECT_TRUE(find<QScrollBar>("imgScroll")->isVisible());
+    EXPECT_FALSE(list->isVisible());
+    EXPECT_EQ(thumbnails(), (QStringList{"P1", "P2"}));
+}
+
+TEST_F(MainPictures, ResizingUnderTheListDoesNotLayOutThumbnails) {
+    startWith({"P1"});
+    trigger("Men_Extras_0");
+    window().resize(700, 500);
+    EXPECT_FALSE(find<QTimer>("Timer1")->isActive());
+    EXPECT_EQ(find<QWidget>("lvwInfo")->width(), 700 - 3465 / 15);
+    // Switched while the timer runs: the tick must not bring the thumbnails back.
+    trigger("Men_Extras_0");
+    trigger("Men_Extras_0");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !find<QTimer>("Timer1")->isActive(); }));
+    EXPECT_TRUE(find<QWidget>("lvwInfo")->isVisible());
+    EXPECT_TRUE(thumbnails().isEmpty());
+}
+
+TEST_F(MainPictures, WindowKeepsItsSmallestSize) {
+    startWith({"P1"});
+    window().resize(100, 700);
+    EXPECT_EQ(window().size(), QSize(318, 700));
+    window().resize(700, 100);
+    EXPECT_EQ(window().size(), QSize(700, 314));
+}
+
+TEST_F(MainPictures, RenamingInPlaceAsksTheStore) {
+    startWith({"P1", "P2"});
+    trigger("Men_Extras_0");
+    const auto refusalOf = [&](const QString& name) {
+        renameFirstRow(name);
+        EXPECT_EQ(rows(), (QStringList{"P1", "P2"})) << name.toStdString();
+        const auto boxes = boxes_.take();
+        if (boxes.size() != 1) {
+            return QStringLiteral("%1 boxes").arg(boxes.size());
+        }
+        EXPECT_EQ(boxes[0].title, app::text(400));
+        return boxes[0].text;
+    };
+    EXPECT_EQ(refusalOf("- Kein Bild -"), "\"- Kein Bild -\" ist kein gültiger Name für Bilder.");
+    EXPECT_EQ(refusalOf(""), app::text(451));
+    EXPECT_EQ(refusalOf("P2"), app::text(452));
+    EXPECT_EQ(refusalOf("Name"), app::text(452));
+    EXPECT_EQ(refusalOf("p2"), app::text(951));
+    EXPECT_EQ(refusalOf("PARENT"), app::text(951));
+    EXPECT_EQ(refusalOf("a/b"), app::text(951));
+    EXPECT_EQ(refusalOf("P1"), "0 boxes"); // nothing changed, nothing to check
+
+    renameFirstRow("Pumpe 1");
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    EXPECT_EQ(rows(), (QStringList{"Pumpe 1", "P2"}));
+    EXPECT_EQ(label(), "Pumpe 1");
+    EXPECT_EQ(store::readPictureType(library(), group_, {u"Pumpe 1"}), "BMP");
+    renameFirstRow("PUMPE 1"); // a change of case alone is one of the name
+    EXPECT_EQ(rows(), (QStringList{"PUMPE 1", "P2"}));
+    restart();
+    trigger("Men_Extras_0");
+    EXPECT_EQ(rows(), (QStringList{"P2", "PUMPE 1"})); // in the store's order
+}
+
+TEST_F(MainPictures, TheFirstPicturesOfAGroupEndItsEmptyState) {
+    startWith({});
+    EXPECT_EQ(label(), app::text(7));
+    addPicture(group_, "P1");
+    window().Aktualisieren();
+    settle();
+    EXPECT_EQ(thumbnails(), QStringList{"P1"});
+    EXPECT_EQ(label(), "P1");
+}
+
+TEST_F(MainPictures, AGroupThatVanishedIsShownEmpty) {
+    startWith({"P1"});
+    ASSERT_TRUE(QFile::remove(QString::fromStdString((library().folder / "Pumpen.stg").string())));
+    window().Aktualisieren();
+    settle();
+    EXPECT_TRUE(thumbnails().isEmpty());
+    EXPECT_EQ(label(), app::text(7));
+    trigger("Men_Extras_0");
+    EXPECT_TRUE(rows().isEmpty());
+    EXPECT_TRUE(boxes_.take().isEmpty());
+}
+
+} // namespace
