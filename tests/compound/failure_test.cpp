@@ -1,0 +1,245 @@
+// A disk that fails or fills up in the middle of a change: the old state stands, and the file can
+// be worked with.
+#include "compound/error.h"
+#include "compound/file_helpers.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace compound_tests {
+namespace {
+
+using compound::Access;
+using compound::CompoundFile;
+using compound::Error;
+using compound::ErrorCode;
+using compound::SectorSize;
+using Call = MemoryDisk::Call;
+
+const std::filesystem::path kPath = "group.stg";
+
+// A file with streams of both kinds in two storages.
+std::vector<std::byte> makeBase(SectorSize sectorSize, int streams) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
+    auto pumps = file.root().createStorage(u"Pumps");
+    auto info = file.root().createStorage(u"PumpsInfo");
+    for (int i = 0; i < streams; ++i) {
+        const std::u16string name = u"picture" + std::u16string(1, static_cast<char16_t>(u'a' + i));
+        pumps.createStream(name).assign(patterned(9000 + static_cast<std::size_t>(i) * 700, 1));
+        info.createStream(name).assign(patterned(100 + static_cast<std::size_t>(i), 2));
+    }
+    file.commit();
+    return disk.content(kPath);
+}
+
+// One transaction with a change of every kind.
+void changeEverything(MemoryDisk& disk) {
+    CompoundFile file = openFile(disk, kPath);
+    auto pumps = file.root().openStorage(u"Pumps");
+    pumps.createStream(u"added").assign(patterned(30000, 3));
+    pumps.destroy(u"picturea");
+    pumps.rename(u"pictureb", u"renamed");
+    pumps.openStream(u"picturec").append(patterned(5000, 4));
+    file.root().openStorage(u"PumpsInfo").createStream(u"added").assign(patterned(70, 5));
+    file.root().openStorage(u"PumpsInfo").openStream(u"picturec").append(patterned(4000, 6));
+    file.root().createStorage(u"Sub1").createStream(u"Name").assign(patterned(5, 7));
+    file.commit();
+}
+
+enum class Failing { Once, FromThenOn };
+
+// Makes the n-th call on a file from now on fail.
+struct FailingDisk {
+    FailingDisk(MemoryDisk& which, int call, Failing failing) : disk(which) {
+        disk.setInterceptor([this, call, failing](Call kind) {
+            if (kind == Call::Folder)
+                return;
+            const int now = calls++;
+            if (now == call || (failing == Failing::FromThenOn && now > call))
+                throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+        });
+    }
+    ~FailingDisk() { disk.setInterceptor({}); }
+    FailingDisk(const FailingDisk&) = delete;
+    FailingDisk& operator=(const FailingDisk&) = delete;
+
+    MemoryDisk& disk;
+    int calls = 0;
+};
+
+struct Outcome {
+    std::optional<ErrorCode> error;
+    int calls = 0;
+};
+
+Outcome changeWithFailure(MemoryDisk& disk, int call, Failing failing) {
+    FailingDisk failure(disk, call, failing);
+    try {
+        changeEverything(disk);
+    } catch (const Error& error) {
+        return {error.code(), failure.calls};
+    }
+    return {std::nullopt, failure.calls};
+}
+
+class FailureTest : public testing::TestWithParam<SectorSize> {};
+
+INSTANTIATE_TEST_SUITE_P(Sectors, FailureTest, testing::ValuesIn(kBothSectorSizes));
+
+TEST_P(FailureTest, EachFailingCallLeavesTheOldStateOrTheNewOne) {
+    const std::vector<std::byte> base = makeBase(GetParam(), 5);
+    MemoryDisk disk;
+    disk.setContent(kPath, base);
+    const Content before = contentOf(disk, kPath);
+    changeEverything(disk);
+    const Content after = contentOf(disk, kPath);
+    ASSERT_NE(before, after);
+    for (int call = 0;; ++call) {
+        disk.setContent(kPath, base);
+        const Outcome outcome = changeWithFailure(disk, call, Failing::Once);
+        SCOPED_TRACE("call " + std::to_string(call) + " of " + std::to_string(outcome.calls));
+        if (outcome.error) {
+            EXPECT_EQ(outcome.error, ErrorCode::Failed);
+            EXPECT_EQ(disk.content(kPath).size(), base.size());
+        }
+        ASSERT_TRUE(contentOf(disk, kPath) == (outcome.error ? before : after));
+        ASSERT_EQ(findingsOf(disk, kPath), "");
+        if (outcome.calls <= call)
+            break;
+        ASSERT_LT(call, 1000);
+    }
+}
+
+TEST_P(FailureTest, DiskThatStaysAwayLeavesOneOfTheTwoStates) {
+    const std::vector<std::byte> base = makeBase(GetParam(), 5);
+    MemoryDisk disk;
+    disk.setContent(kPath, base);
+    const Content before = contentOf(disk, kPath);
+    changeEverything(disk);
+    const Content after = contentOf(disk, kPath);
+    int unknown = 0;
+    for (int call = 0;; ++call) {
+        disk.setContent(kPath, base);
+        const Outcome outcome = changeWithFailure(disk, call, Failing::FromThenOn);
+        SCOPED_TRACE("from call " + std::to_string(call) + " on");
+        const Content content = contentOf(disk, kPath);
+        if (outcome.error == ErrorCode::OutcomeUnknown) {
+            ++unknown;
+            ASSERT_TRUE(content == before || content == after);
+        } else {
+            ASSERT_TRUE(content == (outcome.error ? before : after));
+        }
+        ASSERT_EQ(findingsOf(disk, kPath), "");
+        if (outcome.calls <= call)
+            break;
+    }
+    EXPECT_EQ(unknown, 2); // the header's write, and the sync after it
+}
+
+TEST_P(FailureTest, FailedNewFileIsNoCompoundFile) {
+    MemoryDisk disk;
+    for (int call = 0; call < 1000; ++call) {
+        std::optional<ErrorCode> error;
+        int calls = 0;
+        {
+            FailingDisk failure(disk, call, Failing::Once);
+            try {
+                auto file = CompoundFile::create(disk.create(kPath), GetParam());
+                file.root().createStream(u"one").assign(patterned(10, 1));
+                file.commit();
+            } catch (const Error& caught) {
+                error = caught.code();
+            }
+            calls = failure.calls;
+        }
+        if (error)
+            EXPECT_TRUE(disk.content(kPath).empty()) << "call " << call;
+        else
+            EXPECT_EQ(contentOf(disk, kPath).size(), 1U) << "call " << call;
+        disk.removeTemporary(kPath);
+        if (calls <= call)
+            return;
+    }
+    FAIL() << "the calls have no end";
+}
+
+TEST_P(FailureTest, FullDiskKeepsTheOldStateAndLetsDelete) {
+    const std::vector<std::byte> base = makeBase(GetParam(), 12);
+    for (std::uint64_t room = 0; room < 40000; room += 4096 + 512) {
+        SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
+        MemoryDisk disk;
+        disk.setContent(kPath, base);
+        disk.setCapacity(base.size() + room);
+        Content expected = contentOf(disk, kPath);
+        {
+            CompoundFile file = openFile(disk, kPath);
+            try {
+                auto stream = file.root().openStorage(u"Pumps").createStream(u"large");
+                stream.assign(patterned(200000, 9));
+                file.commit();
+                ADD_FAILURE() << "there was no room";
+            } catch (const Error& error) {
+                EXPECT_EQ(error.code(), ErrorCode::NoSpace);
+            }
+        }
+        EXPECT_EQ(disk.content(kPath).size(), base.size());
+        ASSERT_TRUE(contentOf(disk, kPath) == expected);
+        for (const auto& [path, bytes] : Content(expected)) {
+            const std::size_t slash = path.find(u'/');
+            if (slash + 1 == path.size())
+                continue; // a storage
+            CompoundFile file = openFile(disk, kPath);
+            file.root().openStorage(path.substr(0, slash)).destroy(path.substr(slash + 1));
+            ASSERT_NO_THROW(file.commit());
+            expected.erase(path);
+            ASSERT_TRUE(contentOf(disk, kPath) == expected);
+        }
+        ASSERT_EQ(findingsOf(disk, kPath), "");
+    }
+}
+
+TEST_P(FailureTest, DroppedChangesLeaveNoTrace) {
+    MemoryDisk disk;
+    disk.setContent(kPath, makeBase(GetParam(), 5));
+    CompoundFile file = openFile(disk, kPath);
+    const Content before = contentOf(file);
+    auto root = file.root();
+    root.createStorage(u"Trial").createStream(u"x").assign(patterned(100000, 1));
+    root.openStorage(u"Pumps").destroy(u"picturea");
+    root.destroy(u"PumpsInfo");
+    file.dropChanges();
+    EXPECT_FALSE(file.hasChanges());
+    EXPECT_TRUE(contentOf(file) == before);
+    file.root().createStorage(u"Kept");
+    file.commit();
+    Content after = before;
+    after[u"Kept/"] = {};
+    EXPECT_TRUE(contentOf(disk, kPath) == after);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+TEST(ReadOnlyTest, ChangesAreDenied) {
+    MemoryDisk disk;
+    const std::vector<std::byte> base = makeBase(SectorSize::Bytes4096, 2);
+    disk.setContent(kPath, base);
+    CompoundFile file = openFile(disk, kPath, Access::Read);
+    auto root = file.root();
+    const auto denied = [](auto change) {
+        try {
+            change();
+        } catch (const Error& error) {
+            return error.code() == ErrorCode::Denied;
+        }
+        return false;
+    };
+    EXPECT_TRUE(denied([&] { root.createStorage(u"New"); }));
+    EXPECT_TRUE(denied([&] { root.destroy(u"Pumps"); }));
+    EXPECT_TRUE(denied([&] { root.rename(u"Pumps", u"Valves"); }));
+    EXPECT_TRUE(denied([&] { root.openStorage(u"Pumps").openStream(u"picturea").assign({}); }));
+    EXPECT_FALSE(file.hasChanges());
+    EXPECT_EQ(disk.content(kPath), base);
+}
+
+} // namespace
+} // namespace compound_tests

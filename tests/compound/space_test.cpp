@@ -1,0 +1,287 @@
+// Where bytes go: space is used again and given back, no sector in force is written over, and one
+// change costs about the same in a small file and in a large one.
+#include "compound/error.h"
+#include "compound/file_helpers.h"
+#include "compound/format.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <random>
+#include <set>
+
+namespace compound_tests {
+namespace {
+
+using compound::Access;
+using compound::CompoundFile;
+using compound::DiskFile;
+using compound::Element;
+using compound::SectorSize;
+using namespace compound::format;
+
+const std::filesystem::path kPath = "group.stg";
+
+std::u16string nameOf(char16_t kind, std::size_t number) {
+    std::u16string name(1, kind);
+    for (const char digit : std::to_string(100000 + number))
+        name += static_cast<char16_t>(digit);
+    return name;
+}
+
+// What passed through a WatchedFile.
+struct Traffic {
+    int reads = 0;
+    int writes = 0;
+    int syncs = 0;
+    std::uint64_t bytesRead = 0;
+    std::uint64_t bytesWritten = 0;
+    std::set<std::uint32_t> overwritten; // sectors in force that were written to
+};
+
+// Passes all calls on, counts them, and looks up in the FAT of the header in force whether a
+// written sector is in use. Understands what the header alone locates: 109 FAT sectors.
+class WatchedFile : public DiskFile {
+  public:
+    WatchedFile(std::unique_ptr<DiskFile> inner, std::uint32_t sectorSize, Traffic& traffic)
+        : inner_(std::move(inner)), sectorSize_(sectorSize), traffic_(traffic) {
+        learn();
+    }
+
+    const std::filesystem::path& path() const override { return inner_->path(); }
+    std::uint64_t size() override { return inner_->size(); }
+    bool lock(std::chrono::milliseconds wait) override { return inner_->lock(wait); }
+    bool isStillAtPath() override { return inner_->isStillAtPath(); }
+    void truncate(std::uint64_t size) override { inner_->truncate(size); }
+
+    std::size_t read(std::uint64_t offset, std::span<std::byte> into) override {
+        ++traffic_.reads;
+        traffic_.bytesRead += into.size();
+        return inner_->read(offset, into);
+    }
+
+    void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        ++traffic_.writes;
+        traffic_.bytesWritten += bytes.size();
+        inner_->write(offset, bytes);
+        if (offset == 0)
+            return learn();
+        const std::uint64_t end = offset + bytes.size();
+        for (std::uint64_t at = offset / sectorSize_ - 1; (at + 1) * sectorSize_ < end; ++at) {
+            if (inForce_.contains(static_cast<std::uint32_t>(at)))
+                traffic_.overwritten.insert(static_cast<std::uint32_t>(at));
+        }
+    }
+
+    void sync() override {
+        ++traffic_.syncs;
+        inner_->sync();
+    }
+
+  private:
+    void learn() {
+        inForce_.clear();
+        std::vector<std::byte> header(kHeaderSize);
+        if (inner_->read(0, header) < kHeaderSize)
+            return;
+        std::vector<std::byte> fat(sectorSize_);
+        for (std::uint32_t i = 0; i < kHeaderDifatEntries; ++i) {
+            const std::uint32_t sector = read32(header.data() + header::kDifatAt + 4 * i);
+            if (sector == kFreeSector)
+                return;
+            inner_->read((std::uint64_t{sector} + 1) * sectorSize_, fat);
+            for (std::uint32_t at = 0; at < sectorSize_ / 4; ++at) {
+                if (read32(fat.data() + std::size_t{4} * at) != kFreeSector)
+                    inForce_.insert(i * sectorSize_ / 4 + at);
+            }
+        }
+    }
+
+    std::unique_ptr<DiskFile> inner_;
+    std::uint32_t sectorSize_;
+    Traffic& traffic_;
+    std::set<std::uint32_t> inForce_;
+};
+
+CompoundFile openWatched(MemoryDisk& disk, SectorSize sectorSize, Traffic& traffic,
+                         Access access = Access::ReadWrite) {
+    return CompoundFile::open(std::make_unique<WatchedFile>(disk.open(kPath, access),
+                                                            static_cast<std::uint32_t>(sectorSize),
+                                                            traffic),
+                              access);
+}
+
+// A file of pairs of streams, as pictures and their records are stored.
+void makePictures(MemoryDisk& disk, SectorSize sectorSize, std::size_t count, std::size_t bytes) {
+    CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
+    auto pictures = file.root().createStorage(u"Pumps");
+    auto records = file.root().createStorage(u"PumpsInfo");
+    for (std::size_t i = 0; i < count; ++i) {
+        pictures.createStream(nameOf(u'p', i)).assign(patterned(bytes, 1));
+        records.createStream(nameOf(u'p', i)).assign(patterned(12, 2));
+    }
+    file.commit();
+}
+
+class SpaceTest : public testing::TestWithParam<SectorSize> {};
+
+INSTANTIATE_TEST_SUITE_P(Sectors, SpaceTest, testing::ValuesIn(kBothSectorSizes));
+
+TEST_P(SpaceTest, NoSectorInForceIsWrittenOver) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 30, 6000);
+    Traffic traffic;
+    std::mt19937 random(11);
+    for (std::size_t round = 0; round < 120; ++round) {
+        CompoundFile file = openWatched(disk, GetParam(), traffic);
+        auto pictures = file.root().openStorage(u"Pumps");
+        auto records = file.root().openStorage(u"PumpsInfo");
+        for (int change = 0; change < 3; ++change) {
+            const std::u16string name = nameOf(u'p', random() % 60);
+            if (pictures.find(name) && random() % 2 == 0) {
+                pictures.destroy(name);
+                records.destroy(name);
+                continue;
+            }
+            using compound::IfExists;
+            const auto bytes = patterned(random() % 20000, static_cast<std::uint32_t>(round));
+            pictures.createStream(name, IfExists::Replace).assign(bytes);
+            records.createStream(name, IfExists::Replace).assign(patterned(random() % 200, 3));
+            pictures.openStream(name).append(patterned(random() % 5000, 4));
+        }
+        if (round % 5 != 0)
+            file.commit();
+        ASSERT_TRUE(traffic.overwritten.empty()) << "sector " << *traffic.overwritten.begin();
+    }
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+TEST_P(SpaceTest, AddingAndDeletingTheSameAmountDoesNotGrowTheFile) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 300, 5000);
+    std::uint64_t early = 0;
+    std::mt19937 random(5);
+    std::vector<std::size_t> present(300);
+    for (std::size_t i = 0; i < present.size(); ++i)
+        present[i] = i;
+    for (std::size_t round = 0; round < 300; ++round) {
+        CompoundFile file = openFile(disk, kPath);
+        auto pictures = file.root().openStorage(u"Pumps");
+        auto records = file.root().openStorage(u"PumpsInfo");
+        std::size_t& old = present[random() % present.size()];
+        pictures.destroy(nameOf(u'p', old));
+        records.destroy(nameOf(u'p', old));
+        old = 300 + round;
+        pictures.createStream(nameOf(u'p', old)).assign(patterned(5000, 1));
+        records.createStream(nameOf(u'p', old)).assign(patterned(12, 2));
+        file.commit();
+        if (round == 20)
+            early = disk.content(kPath).size();
+    }
+    EXPECT_LT(disk.content(kPath).size(), early + early / 5);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+TEST_P(SpaceTest, LargeDeletionCutsTheFile) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 3, 5000);
+    {
+        CompoundFile file = openFile(disk, kPath);
+        file.root().createStream(u"large").assign(
+            patterned(1000 * static_cast<std::size_t>(GetParam()), 1));
+        file.commit();
+    }
+    const std::size_t grown = disk.content(kPath).size();
+    CompoundFile file = openFile(disk, kPath);
+    file.root().destroy(u"large");
+    file.commit();
+    EXPECT_LT(disk.content(kPath).size(), grown - 900 * static_cast<std::size_t>(GetParam()));
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+TEST_P(SpaceTest, CopyIsDenseAndTheSame) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 200, 9000);
+    CompoundFile file = openFile(disk, kPath);
+    for (std::size_t i = 0; i < 200; i += 2)
+        file.root().openStorage(u"Pumps").destroy(nameOf(u'p', i));
+    file.root().createStorage(u"Empty");
+    file.commit();
+    CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), GetParam());
+    copyAll(file, copy);
+    copy.commit();
+    EXPECT_TRUE(contentOf(disk, "copy.stg") == contentOf(file));
+    EXPECT_EQ(findingsOf(disk, "copy.stg"), "");
+    const auto sector = static_cast<std::size_t>(GetParam());
+    const std::size_t pictures = 100 * ((9000 + sector - 1) / sector) * sector;
+    EXPECT_LT(disk.content("copy.stg").size(), pictures + pictures / 4 + 20 * sector);
+}
+
+// Ten thousand pairs, in a file that is made once for all tests that need it.
+MemoryDisk& largeFile() {
+    static MemoryDisk disk;
+    if (!disk.exists(kPath))
+        makePictures(disk, SectorSize::Bytes4096, 10000, 4096);
+    return disk;
+}
+
+Traffic addOne(MemoryDisk& disk) {
+    Traffic traffic;
+    CompoundFile file = openWatched(disk, SectorSize::Bytes4096, traffic);
+    traffic = {};
+    file.root().openStorage(u"Pumps").createStream(u"added").assign(patterned(12000, 1));
+    file.root().openStorage(u"PumpsInfo").createStream(u"added").assign(patterned(12, 2));
+    file.commit();
+    return traffic;
+}
+
+TEST(CostTest, AddingWritesAsMuchToALargeFileAsToASmallOne) {
+    MemoryDisk small;
+    makePictures(small, SectorSize::Bytes4096, 100, 4096);
+    const Traffic few = addOne(small);
+    MemoryDisk large;
+    large.setContent(kPath, largeFile().content(kPath));
+    const Traffic many = addOne(large);
+    EXPECT_EQ(few.syncs, 2);
+    EXPECT_EQ(many.syncs, 2);
+    EXPECT_LT(many.bytesWritten, few.bytesWritten + 10 * 4096U);
+    EXPECT_LT(many.bytesRead, 120 * 4096U);
+    EXPECT_EQ(findingsOf(large, kPath), "");
+}
+
+TEST(CostTest, OpeningReadsTheHeaderOnly) {
+    Traffic traffic;
+    CompoundFile file = openWatched(largeFile(), SectorSize::Bytes4096, traffic, Access::Read);
+    EXPECT_EQ(traffic.reads, 1);
+    EXPECT_LE(traffic.bytesRead, 4096U);
+    EXPECT_FALSE(file.root().find(u"nowhere"));
+    EXPECT_LE(traffic.reads, 4);
+}
+
+TEST(CostTest, FindingOneOfTenThousandReadsAFewSectors) {
+    Traffic traffic;
+    CompoundFile file = openWatched(largeFile(), SectorSize::Bytes4096, traffic, Access::Read);
+    traffic = {};
+    EXPECT_TRUE(file.root().openStorage(u"Pumps").find(nameOf(u'p', 7777)));
+    EXPECT_FALSE(file.root().openStorage(u"Pumps").find(u"p1077777"));
+    EXPECT_LE(traffic.reads, 60);
+}
+
+TEST(CostTest, WalkingTenThousandReadsInRuns) {
+    Traffic traffic;
+    CompoundFile file = openWatched(largeFile(), SectorSize::Bytes4096, traffic, Access::Read);
+    traffic = {};
+    const auto records = file.root().openStorage(u"PumpsInfo");
+    auto cursor = records.elements();
+    std::size_t count = 0;
+    std::vector<std::byte> record(12);
+    const std::vector<std::byte> expected = patterned(12, 2);
+    for (Element element; cursor.next(element); ++count) {
+        records.openStream(element).read(0, record);
+        ASSERT_EQ(record, expected);
+    }
+    EXPECT_EQ(count, 10000U);
+    EXPECT_LT(traffic.reads, 400);
+}
+
+} // namespace
+} // namespace compound_tests
