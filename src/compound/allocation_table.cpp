@@ -11,6 +11,12 @@ namespace {
 
 constexpr std::uint32_t kNone = kFreeSector; // no sector
 constexpr std::uint64_t kVersion3Limit = 0x7FFFFFFF;
+constexpr std::uint32_t kTailBeforeLock = 64;
+
+// Free sectors that a range keeps: for moving the FAT sector that describes it, and for moving the
+// directory and the tables, so that deleting works in a file that can grow no more.
+constexpr std::uint32_t kKeptForFat = 1;
+constexpr std::uint32_t kKeptForMoving = 8;
 
 } // namespace
 
@@ -22,7 +28,8 @@ AllocationTable::AllocationTable(SectorFile& file, Header& header)
 void AllocationTable::loadDifat() {
     if (difatLoaded_)
         return;
-    difatLoaded_ = true;
+    fatSectors_.clear();
+    difatSectors_.clear();
     bool ended = false;
     const auto take = [&](std::uint32_t sector) {
         if (sector == kFreeSector || sector == kEndOfChain)
@@ -42,8 +49,8 @@ void AllocationTable::loadDifat() {
     std::vector<std::byte> bytes(file_.sectorSize());
     // Some writers end the chain with "free" instead of "end of chain".
     for (std::uint32_t at = header_.firstDifat; at != kEndOfChain && at != kFreeSector;) {
-        if (difatSectors_.size() >= file_.count() || ended)
-            file_.throwDamaged("the DIFAT is longer than its FAT sectors");
+        if (difatSectors_.size() >= file_.count() || fatSectors_.size() > file_.count())
+            file_.throwDamaged("the DIFAT is longer than the file");
         file_.read(at, bytes);
         difatSectors_.push_back(at);
         for (std::uint32_t i = 0; i + 1 < perSector_; ++i)
@@ -51,6 +58,7 @@ void AllocationTable::loadDifat() {
         at = read32(bytes.data() + std::size_t{4} * (perSector_ - 1));
     }
     ranges_.resize(fatSectors_.size());
+    difatLoaded_ = true;
 }
 
 AllocationTable::Range& AllocationTable::load(std::uint32_t index) {
@@ -132,8 +140,9 @@ std::uint32_t AllocationTable::take(std::uint32_t sector) {
     --freeIn(sector / perSector_);
     set(sector, kEndOfChain);
     fresh_.insert(sector);
+    // Marked a little before the file can reach it: a free tail may follow the last sector.
     const std::uint32_t lock = rangeLock();
-    if (lock != kNone && sector > lock && entry(lock) == kFreeSector)
+    if (lock != kNone && sector >= lock - kTailBeforeLock && entry(lock) == kFreeSector)
         set(lock, kEndOfChain);
     return sector;
 }
@@ -170,25 +179,29 @@ void AllocationTable::addRange() {
     touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
 }
 
-std::uint32_t AllocationTable::allocate(std::uint32_t near) {
-    constexpr std::uint32_t kForTheFat = 1; // each range keeps room to move its own FAT sector
+std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
+    const std::uint32_t reserve = purpose == Purpose::Move ? kKeptForFat : kKeptForMoving;
     loadDifat();
     const std::uint32_t home = near < kMaximumSector ? near / perSector_ : 0;
     if (home < ranges_.size()) {
-        const std::uint32_t found = findFree(home, 0, kForTheFat);
+        const std::uint32_t found = findFree(home, 0, reserve);
         if (found != kNone)
             return take(found);
     }
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         // Only what is in memory anyway, and the last one, in which the file can grow.
-        if (!ranges_[index] && index + 1 != ranges_.size())
+        if (!ranges_[index] && index + 1 != ranges_.size() && canGrow())
             continue;
-        const std::uint32_t found = findFree(index, 0, kForTheFat);
+        const std::uint32_t found = findFree(index, 0, reserve);
         if (found != kNone)
             return take(found);
     }
     addRange();
-    return take(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kForTheFat));
+    return take(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat));
+}
+
+bool AllocationTable::canGrow() const {
+    return std::uint64_t{ranges_.size()} * perSector_ < limit();
 }
 
 // Where a transaction begins to store data: a range with a good many free sectors among a few that
@@ -213,10 +226,13 @@ std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
     const std::uint32_t index =
         std::min(previous / perSector_, static_cast<std::uint32_t>(ranges_.size() - 1));
     std::uint32_t found = findFreeForData(index, previous % perSector_);
-    for (auto last = static_cast<std::uint32_t>(ranges_.size() - 1); found == kNone; ++last) {
-        found = findFreeForData(last, 0);
-        if (found == kNone)
-            addRange();
+    if (found == kNone)
+        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
+    for (std::uint32_t any = 0; found == kNone && !canGrow() && any < ranges_.size(); ++any)
+        found = findFreeForData(any, 0);
+    while (found == kNone) {
+        addRange();
+        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
     }
     dataHint_ = found;
     return take(found);
@@ -224,11 +240,10 @@ std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
 
 // As findFree, but leaves the sectors before metadataEnd() and a few more to the tables.
 std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_t from) {
-    constexpr std::uint32_t kForMetadata = 8; // room for moving directory and tables nearby
     const std::uint32_t first = index * perSector_ + metadataEnd(index);
-    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), kForMetadata);
+    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), kKeptForMoving);
     if (found != kNone && found < first) // the search has wrapped
-        found = findFree(index, metadataEnd(index), kForMetadata);
+        found = findFree(index, metadataEnd(index), kKeptForMoving);
     return found != kNone && found < first ? kNone : found;
 }
 
@@ -315,7 +330,8 @@ bool AllocationTable::moveFatSectors() {
             continue;
         any = ranges_[index]->moved = true;
         const std::uint32_t own = findFree(index, 0, 0);
-        const std::uint32_t place = own != kNone ? take(own) : allocate(fatSectors_[index]);
+        const std::uint32_t place =
+            own != kNone ? take(own) : allocate(fatSectors_[index], Purpose::Move);
         set(place, kFatSector);
         release(fatSectors_[index]);
         fatSectors_[index] = place;
@@ -333,10 +349,12 @@ bool AllocationTable::moveDifat() {
                    : (fatSectors - kHeaderDifatEntries + perDifat - 1) / perDifat;
     };
     bool any = false;
-    const std::size_t changed = sectorsFor(difatTouched_);
+    const std::size_t changed =
+        sectorsFor(std::min<std::size_t>(difatTouched_, fatSectors_.size()));
     for (; difatMoved_ < changed; ++difatMoved_, any = true) {
         const bool isNew = difatMoved_ >= difatSectors_.size();
-        const std::uint32_t place = allocate(isNew ? 0 : difatSectors_[difatMoved_]);
+        const std::uint32_t place = isNew ? allocate(0, Purpose::Growth)
+                                          : allocate(difatSectors_[difatMoved_], Purpose::Move);
         set(place, kDifatSector);
         if (isNew) {
             difatSectors_.push_back(place);
@@ -370,7 +388,30 @@ void AllocationTable::writeDifatSector(std::size_t index) {
     file_.write(difatSectors_[index], bytes);
 }
 
+// Lets go of the last FAT sectors when the sectors that they describe are all free, so that the
+// file can be cut.
+void AllocationTable::dropEmptyRanges() {
+    while (!ranges_.empty() && ranges_.back() && ranges_.back()->dirty) {
+        const auto index = static_cast<std::uint32_t>(ranges_.size() - 1);
+        const std::uint32_t own = fatSectors_[index];
+        for (std::uint32_t at = 0; at < perSector_; ++at) {
+            const std::uint32_t sector = index * perSector_ + at;
+            if (ranges_[index]->at(at) != kFreeSector && sector != own && sector != rangeLock())
+                return;
+        }
+        if (own / perSector_ != index)
+            return; // another program's arrangement
+        release(own);
+        fatSectors_.pop_back();
+        ranges_.pop_back();
+        touchDifat(index == 0 ? 0 : index - 1);
+        if (index > 0)
+            load(index - 1).dirty = true; // looked at next; it is cheap to write
+    }
+}
+
 void AllocationTable::writeOut() {
+    dropEmptyRanges();
     // Moving one sector changes entries, which may lie in a FAT sector not yet moved; each sector
     // moves once, so this ends.
     for (bool again = true; again;) {
@@ -392,6 +433,8 @@ void AllocationTable::writeOut() {
 
 void AllocationTable::committed() {
     for (const std::uint32_t sector : pending_) {
+        if (sector / perSector_ >= ranges_.size())
+            continue; // no FAT sector describes it any more
         Range& range = load(sector / perSector_);
         if (range.free && isUsable(sector))
             ++*range.free;
@@ -413,8 +456,9 @@ std::uint32_t AllocationTable::usedEnd() {
     for (std::size_t index = ranges_.size(); index-- > 0;) {
         const Range& range = load(static_cast<std::uint32_t>(index));
         for (std::uint32_t at = perSector_; at-- > 0;) {
-            if (range.at(at) != kFreeSector)
-                return static_cast<std::uint32_t>(index) * perSector_ + at + 1;
+            const std::uint32_t sector = static_cast<std::uint32_t>(index) * perSector_ + at;
+            if (range.at(at) != kFreeSector && sector != rangeLock())
+                return sector + 1;
         }
     }
     return 0;

@@ -33,9 +33,13 @@ class AllocationTable {
     // The sector that no file may use, which covers byte 0x7FFFFFFF; kFreeSector in version 3.
     std::uint32_t rangeLock() const;
 
+    // What a sector is wanted for: a page more, or the new place of one that will be free after the
+    // commit. Growth leaves a few sectors to moving.
+    enum class Purpose { Growth, Move };
+
     // Takes a free sector, near `near` if there is one, and ends its chain with it. TooLarge when
     // the format can number no more.
-    std::uint32_t allocate(std::uint32_t near);
+    std::uint32_t allocate(std::uint32_t near, Purpose purpose);
 
     // Takes a free sector for data: anywhere, preferring the one behind `previous` (kEndOfChain for
     // a chain's first).
@@ -97,6 +101,8 @@ class AllocationTable {
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();
     void addRange();
+    bool canGrow() const;
+    void dropEmptyRanges();
     std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
     std::uint32_t findFreeForData(std::uint32_t index, std::uint32_t from);
     std::uint32_t metadataEnd(std::uint32_t index) const;

@@ -93,7 +93,7 @@ std::byte* SectorChain::write(std::uint32_t index) {
     if (!table_.isFresh(old)) {
         walkTo(index + 1);
         const bool last = index + 1 == sectors_.size();
-        const std::uint32_t moved = table_.allocate(old);
+        const std::uint32_t moved = table_.allocate(old, AllocationTable::Purpose::Move);
         table_.link(moved, last ? kEndOfChain : sectors_[index + 1]);
         if (index > 0)
             table_.link(sectors_[index - 1], moved);
@@ -105,7 +105,8 @@ std::byte* SectorChain::write(std::uint32_t index) {
 
 std::uint32_t SectorChain::append(std::byte fill) {
     const std::uint32_t index = count();
-    const std::uint32_t sector = table_.allocate(sectors_.empty() ? kEndOfChain : sectors_.back());
+    const std::uint32_t sector = table_.allocate(sectors_.empty() ? kEndOfChain : sectors_.back(),
+                                                 AllocationTable::Purpose::Growth);
     if (!sectors_.empty())
         table_.link(sectors_.back(), sector);
     sectors_.push_back(sector);
