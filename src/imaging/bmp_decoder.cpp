@@ -1,0 +1,64 @@
+#include "imaging/decoders.h"
+#include "imaging/dib_reader.h"
+
+#include <algorithm>
+
+namespace imaging {
+
+namespace {
+
+constexpr std::size_t kFileHeader = 14; // "BM", size, reserved, offset of the pixels
+
+DibHeader headerOf(std::span<const std::byte> bytes) {
+    return readDibHeader(ByteReader(bytes).rest(kFileHeader), DibUse::File);
+}
+
+PictureFacts factsOf(const DibHeader& header) {
+    return rasterFacts(PictureKind::Bmp, {header.width, header.height}, header.bitsPerPixel);
+}
+
+// Some writers leave the offset out or point into the header; the pixels then follow the palette.
+std::size_t pixelsAt(const ByteReader& file, const DibHeader& header) {
+    const std::size_t stated = file.u32(10);
+    const std::size_t least = kFileHeader + header.paletteAt;
+    return stated < least ? kFileHeader + header.pixelsAt : stated;
+}
+
+// The palette ends where the pixels begin, whatever its stated number of colours.
+void limitPalette(DibHeader& header, std::size_t pixels) {
+    const std::size_t room = (pixels - kFileHeader - header.paletteAt) / header.paletteEntrySize;
+    header.paletteEntries = std::min(header.paletteEntries, room);
+}
+
+Picture decodeEmbedded(std::span<const std::byte> bytes, const DibHeader& header) {
+    const QImage image = QImage::fromData(
+        reinterpret_cast<const uchar*>(bytes.data()), static_cast<int>(bytes.size()),
+        header.compression == DibCompression::Png ? "PNG" : "JPG");
+    if (image.isNull() || image.size() != QSize(header.width, header.height))
+        throw DecodeError("the picture inside the bitmap cannot be read");
+    return {factsOf(header), image.convertToFormat(QImage::Format_ARGB32)};
+}
+
+} // namespace
+
+PictureFacts measureBmp(std::span<const std::byte> bytes) {
+    return factsOf(headerOf(bytes));
+}
+
+Picture decodeBmp(std::span<const std::byte> bytes) {
+    const ByteReader file(bytes);
+    DibHeader header = headerOf(bytes);
+    const std::size_t pixels = pixelsAt(file, header);
+    if (header.compression == DibCompression::Jpeg || header.compression == DibCompression::Png) {
+        const auto embedded = file.rest(pixels);
+        const PictureFacts inner =
+            header.compression == DibCompression::Jpeg ? measureJpg(embedded) : factsOf(header);
+        requireSensibleSize(inner.pixels.width(), inner.pixels.height());
+        return decodeEmbedded(embedded, header);
+    }
+    limitPalette(header, pixels);
+    return {factsOf(header),
+            readDibPixels(file.rest(kFileHeader), header, pixels - kFileHeader, DibUse::File)};
+}
+
+} // namespace imaging

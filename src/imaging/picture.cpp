@@ -1,0 +1,193 @@
+#include "imaging/picture.h"
+
+#include "imaging/byte_reader.h"
+#include "imaging/decoders.h"
+
+#include <QFont>
+#include <QPainter>
+
+#include <algorithm>
+#include <new>
+#include <string>
+#include <utility>
+
+namespace imaging {
+
+namespace {
+
+bool isRaster(PictureKind kind) {
+    return kind != PictureKind::Wmf && kind != PictureKind::Emf;
+}
+
+PictureKind kindOf(std::span<const std::byte> bytes) {
+    const auto kind = sniff(bytes);
+    if (!kind)
+        throw DecodeError("this is no picture of a known kind");
+    return *kind;
+}
+
+// A sheet with the kind's name on it stands for a metafile's content.
+void paintPlaceholder(QPainter& painter, const QRectF& target, PictureKind kind) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF sheet = target.adjusted(0.5, 0.5, -0.5, -0.5);
+    painter.setPen(QPen(QColor(0x8A, 0x94, 0xA0), 1));
+    painter.setBrush(QColor(0xF4, 0xF6, 0xF8));
+    painter.drawRect(sheet);
+    QFont font = painter.font();
+    font.setPixelSize(
+        std::max(6, static_cast<int>(std::min(target.width() / 3.2, target.height() / 2.2))));
+    font.setBold(true);
+    painter.setFont(font);
+    painter.setPen(QColor(0x5A, 0x66, 0x74));
+    painter.drawText(sheet, Qt::AlignCenter, typeCodeOf(kind));
+    painter.restore();
+}
+
+} // namespace
+
+void requireSensibleSize(std::int64_t width, std::int64_t height) {
+    if (width < 1 || height < 1)
+        throw DecodeError("the picture has no size");
+    if (width > kMaximumPixels || height > kMaximumPixels || width * height > kMaximumPixels)
+        throw DecodeError("the picture has more than 40 million pixels");
+}
+
+QImage newImage(QSize size, QImage::Format format) {
+    QImage image(size, format);
+    if (image.isNull())
+        throw DecodeError("there is no memory for the picture");
+    image.fill(Qt::transparent);
+    return image;
+}
+
+PictureFacts rasterFacts(PictureKind kind, QSize pixels, int bitsPerPixel) {
+    constexpr double kTwipsPerPixel = 15;
+    return {kind,
+            pixels,
+            {pixels.height() * kTwipsPerPixel, pixels.width() * kTwipsPerPixel},
+            bitsPerPixel,
+            {}};
+}
+
+QString typeCodeOf(PictureKind kind) {
+    switch (kind) {
+    case PictureKind::Wmf:
+        return QStringLiteral("WMF");
+    case PictureKind::Emf:
+        return QStringLiteral("EMF");
+    case PictureKind::Ico:
+        return QStringLiteral("ICO");
+    case PictureKind::Cur:
+        return QStringLiteral("CUR");
+    case PictureKind::Bmp:
+        return QStringLiteral("BMP");
+    case PictureKind::Gif:
+        return QStringLiteral("GIF");
+    case PictureKind::Jpg:
+        break;
+    }
+    return QStringLiteral("JPG");
+}
+
+std::optional<PictureKind> sniff(std::span<const std::byte> bytes) {
+    const ByteReader in(bytes);
+    if (!in.has(0, 6))
+        return std::nullopt;
+    if (in.u16(0) == 0x4D42) // "BM"
+        return PictureKind::Bmp;
+    if (in.u32(0) == 0x38464947) // "GIF8"
+        return PictureKind::Gif;
+    if (in.u16(0) == 0xD8FF && in.u8(2) == 0xFF)
+        return PictureKind::Jpg;
+    if (isEmf(bytes))
+        return PictureKind::Emf;
+    if (isWmf(bytes))
+        return PictureKind::Wmf;
+    if (in.u16(0) == 0 && in.u16(4) > 0 && (in.u16(2) == 1 || in.u16(2) == 2))
+        return in.u16(2) == 1 ? PictureKind::Ico : PictureKind::Cur;
+    return std::nullopt;
+}
+
+PictureFacts measure(std::span<const std::byte> bytes) {
+    switch (kindOf(bytes)) {
+    case PictureKind::Wmf:
+        return measureWmf(bytes);
+    case PictureKind::Emf:
+        return measureEmf(bytes);
+    case PictureKind::Ico:
+    case PictureKind::Cur:
+        return measureIcon(bytes);
+    case PictureKind::Bmp:
+        return measureBmp(bytes);
+    case PictureKind::Gif:
+        return measureGif(bytes);
+    case PictureKind::Jpg:
+        break;
+    }
+    return measureJpg(bytes);
+}
+
+Picture decode(std::span<const std::byte> bytes) {
+    try {
+        switch (kindOf(bytes)) {
+        case PictureKind::Wmf:
+            return {measureWmf(bytes), {}};
+        case PictureKind::Emf:
+            return {measureEmf(bytes), {}};
+        case PictureKind::Ico:
+        case PictureKind::Cur:
+            return decodeIcon(bytes);
+        case PictureKind::Bmp:
+            return decodeBmp(bytes);
+        case PictureKind::Gif:
+            return decodeGif(bytes);
+        case PictureKind::Jpg:
+            break;
+        }
+        return decodeJpg(bytes);
+    } catch (const std::bad_alloc&) {
+        throw DecodeError("there is no memory for the picture");
+    }
+}
+
+Picture::Picture(PictureFacts facts, QImage image)
+    : facts_(std::move(facts)), image_(std::move(image)) {}
+
+QImage Picture::scaledTo(QSize box) const {
+    if (box.isEmpty())
+        return {};
+    QSize size = facts_.pixels;
+    const bool fits = size.width() <= box.width() && size.height() <= box.height();
+    if (!fits || !isRaster(facts_.kind))
+        size.scale(box, Qt::KeepAspectRatio);
+    size = size.expandedTo({1, 1});
+    if (isRaster(facts_.kind))
+        return size == image_.size()
+                   ? image_
+                   : image_.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    paint(painter, QRectF({0, 0}, QSizeF(size)));
+    return image;
+}
+
+void Picture::paint(QPainter& painter, const QRectF& target) const {
+    if (!isRaster(facts_.kind)) {
+        paintPlaceholder(painter, target, facts_.kind);
+        return;
+    }
+    // Scaled with averaging first: painting alone would drop pixels of a large picture.
+    const QSizeF device = painter.deviceTransform().mapRect(target).size();
+    const QSize needed = device.toSize().expandedTo({1, 1});
+    const bool shrinks = needed.width() < image_.width() && needed.height() < image_.height();
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(
+        target,
+        shrinks ? image_.scaled(needed, Qt::IgnoreAspectRatio, Qt::SmoothTransformation) : image_);
+    painter.restore();
+}
+
+} // namespace imaging
