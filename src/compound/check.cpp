@@ -116,7 +116,7 @@ class Checker {
     void markMiniTables() {
         const Header& header = file_.header();
         const std::uint64_t pages =
-            header.miniFatSectors == 0 ? 0 : markChain("mini FAT", header.firstMiniFat);
+            header.firstMiniFat > kMaximumSector ? 0 : markChain("mini FAT", header.firstMiniFat);
         if (pages != header.miniFatSectors)
             find("header", "its number of mini FAT sectors is wrong");
         const std::uint64_t size = file_.directory().size(DirectoryEntries::kRoot);

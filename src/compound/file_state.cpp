@@ -95,6 +95,7 @@ void FileState::beginChange() {
     inPieces_ = true;
     parts_->table.makeSound();
     parts_->directory.makeSound();
+    parts_->mini.makeSound();
     inPieces_ = false;
 }
 

@@ -15,32 +15,42 @@ MiniStream::MiniStream(SectorFile& file, Header& header, AllocationTable& table,
       allocation_(table),
       directory_(directory),
       perPage_(file.sectorSize() / 4),
-      miniPerPage_(file.sectorSize() / kMiniSectorSize),
-      table_(file, table, header.miniFatSectors == 0 ? kEndOfChain : header.firstMiniFat,
-             "the mini FAT") {}
+      miniPerPage_(file.sectorSize() / kMiniSectorSize) {}
 
-SectorChain& MiniStream::dataChain() {
-    if (!data_) {
-        const std::uint64_t size = directory_.size(DirectoryEntries::kRoot);
-        const std::uint32_t start =
-            size == 0 ? kEndOfChain : directory_.start(DirectoryEntries::kRoot);
-        data_ = std::make_unique<SectorChain>(file_, allocation_, start, "the mini stream");
-        // A root entry may claim more than there is; reading finds that out where it matters.
-        const std::uint64_t most = std::uint64_t{file_.count()} * miniPerPage_;
-        count_ = static_cast<std::uint32_t>(
-            std::min((size + kMiniSectorSize - 1) / kMiniSectorSize, most));
-        hint_ = count_;
-    }
-    return *data_;
+void MiniStream::load() {
+    if (data_)
+        return;
+    const std::uint64_t size = directory_.size(DirectoryEntries::kRoot);
+    const auto chain = [&](std::uint32_t first, bool isThere, const char* what) {
+        return std::make_unique<SectorChain>(
+            file_, allocation_, isThere && first != kFreeSector ? first : kEndOfChain, what);
+    };
+    // Some writers leave the header's count at zero.
+    table_ = chain(header_.firstMiniFat, size > 0 || header_.miniFatSectors > 0, "the mini FAT");
+    data_ = chain(directory_.start(DirectoryEntries::kRoot), size > 0, "the mini stream");
+    // A root entry may claim more than there is; reading finds that out where it matters.
+    const std::uint64_t most = std::uint64_t{file_.count()} * miniPerPage_;
+    count_ =
+        static_cast<std::uint32_t>(std::min((size + kMiniSectorSize - 1) / kMiniSectorSize, most));
+    hint_ = count_;
+}
+
+void MiniStream::makeSound() {
+    load();
+    while (count_ > 0 && !table_->has((count_ - 1) / perPage_))
+        table_->append(std::byte{0xFF});
+    header_.miniFatSectors = table_->count();
+    header_.firstMiniFat = table_->first();
 }
 
 std::uint32_t MiniStream::count() {
-    dataChain();
+    load();
     return count_;
 }
 
 std::uint32_t MiniStream::entry(std::uint32_t mini) {
-    return read32(table_.read(mini / perPage_) + std::size_t{4} * (mini % perPage_));
+    load();
+    return read32(table_->read(mini / perPage_) + std::size_t{4} * (mini % perPage_));
 }
 
 std::uint32_t MiniStream::next(std::uint32_t mini) {
@@ -52,7 +62,7 @@ std::uint32_t MiniStream::next(std::uint32_t mini) {
 }
 
 void MiniStream::set(std::uint32_t mini, std::uint32_t value) {
-    write32(table_.write(mini / perPage_) + std::size_t{4} * (mini % perPage_), value);
+    write32(table_->write(mini / perPage_) + std::size_t{4} * (mini % perPage_), value);
 }
 
 void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::byte> into) {
@@ -65,7 +75,7 @@ void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::
         if (skip > 0) {
             --skip;
         } else {
-            const std::byte* const page = dataChain().read(mini / miniPerPage_);
+            const std::byte* const page = data_->read(mini / miniPerPage_);
             const std::size_t part = std::min(into.size() - done, kMiniSectorSize - within);
             std::memcpy(into.data() + done,
                         page + std::size_t{kMiniSectorSize} * (mini % miniPerPage_) + within, part);
@@ -79,7 +89,7 @@ void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::
 
 // The last free mini sectors before `end` on one page of the table.
 std::uint32_t MiniStream::findFree(std::uint32_t page, std::uint32_t end) {
-    const std::byte* const entries = table_.read(page);
+    const std::byte* const entries = table_->read(page);
     for (std::uint32_t i = 0; i < perPage_ && page * perPage_ + i < end; ++i) {
         if (read32(entries + std::size_t{4} * i) == kFreeSector)
             return page * perPage_ + i;
@@ -89,8 +99,8 @@ std::uint32_t MiniStream::findFree(std::uint32_t page, std::uint32_t end) {
 
 // Adds one mini sector at the end, with the pages that it needs.
 void MiniStream::grow() {
-    while (!table_.has(count_ / perPage_))
-        table_.append(std::byte{0xFF});
+    while (!table_->has(count_ / perPage_))
+        table_->append(std::byte{0xFF});
     while (!data_->has(count_ / miniPerPage_))
         data_->append(std::byte{0});
     ++count_;
@@ -100,7 +110,7 @@ void MiniStream::grow() {
 // stream grows.
 std::uint32_t MiniStream::allocate() {
     constexpr std::uint32_t kLooks = 4;
-    dataChain();
+    load();
     std::uint32_t found = kFreeSector;
     if (hint_ + 1 < count_ && entry(hint_ + 1) == kFreeSector)
         found = hint_ + 1;
@@ -130,7 +140,7 @@ std::uint32_t MiniStream::store(std::span<const std::byte> bytes) {
         else
             set(previous, mini);
         const std::size_t part = std::min<std::size_t>(bytes.size() - done, kMiniSectorSize);
-        std::byte* const at = dataChain().write(mini / miniPerPage_) +
+        std::byte* const at = data_->write(mini / miniPerPage_) +
                               std::size_t{kMiniSectorSize} * (mini % miniPerPage_);
         std::memset(at, 0, kMiniSectorSize);
         std::memcpy(at, bytes.data() + done, part);
@@ -152,22 +162,25 @@ void MiniStream::releaseChain(std::uint32_t first) {
 }
 
 void MiniStream::writeOut() {
-    if (data_ && data_->hasChanges()) {
+    if (!data_)
+        return;
+    if (data_->hasChanges()) {
         directory_.setContent(DirectoryEntries::kRoot, data_->first(),
                               std::uint64_t{count_} * kMiniSectorSize);
         data_->writeOut();
     }
-    if (table_.hasChanges()) {
-        header_.firstMiniFat = table_.first();
-        header_.miniFatSectors = table_.count();
-        table_.writeOut();
+    if (table_->hasChanges()) {
+        header_.firstMiniFat = table_->first();
+        header_.miniFatSectors = table_->count();
+        table_->writeOut();
     }
 }
 
 void MiniStream::committed() {
-    table_.committed();
-    if (data_)
-        data_->committed();
+    if (!data_)
+        return;
+    table_->committed();
+    data_->committed();
 }
 
 } // namespace compound

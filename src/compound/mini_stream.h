@@ -35,14 +35,18 @@ class MiniStream {
 
     std::uint32_t entry(std::uint32_t mini); // as it stands in the mini FAT
     std::uint32_t count();                   // mini sectors that the mini stream holds
-    std::size_t memory() const { return table_.memory() + (data_ ? data_->memory() : 0); }
+    std::size_t memory() const { return data_ ? table_->memory() + data_->memory() : 0; }
+
+    // Comes before the first change of another program's file: the header's count and the table's
+    // length are put right.
+    void makeSound();
 
   private:
     void set(std::uint32_t mini, std::uint32_t value);
     std::uint32_t allocate();
     std::uint32_t findFree(std::uint32_t page, std::uint32_t end);
     void grow();
-    SectorChain& dataChain();
+    void load();
 
     SectorFile& file_;
     Header& header_;
@@ -50,11 +54,12 @@ class MiniStream {
     DirectoryEntries& directory_;
     std::uint32_t perPage_;     // entries of one mini FAT sector
     std::uint32_t miniPerPage_; // mini sectors of one sector of the mini stream
-    SectorChain table_;
-    std::unique_ptr<SectorChain> data_; // made when first needed: its start is in the root entry
-    std::uint32_t count_ = 0;           // valid once data_ is made
-    std::uint32_t hint_ = 0;            // the mini sector last taken
-    bool exhausted_ = false;            // looking found nothing, and nothing was freed since
+    // Made by load(), when first needed: the mini stream's start is in the root entry.
+    std::unique_ptr<SectorChain> table_;
+    std::unique_ptr<SectorChain> data_;
+    std::uint32_t count_ = 0;
+    std::uint32_t hint_ = 0; // the mini sector last taken
+    bool exhausted_ = false; // looking found nothing, and nothing was freed since
 };
 
 } // namespace compound

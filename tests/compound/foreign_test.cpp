@@ -1,0 +1,217 @@
+// Files as other programs leave them: read as they are, and sound after the first change.
+#include "compound/error.h"
+#include "compound/file_helpers.h"
+#include "compound/raw_file.h"
+
+#include <gtest/gtest.h>
+#include <utility>
+
+namespace compound_tests {
+namespace {
+
+using compound::Access;
+using compound::CompoundFile;
+using compound::Error;
+using compound::ErrorCode;
+using compound::SectorSize;
+using namespace compound::format;
+
+const std::filesystem::path kPath = "foreign.stg";
+constexpr std::u16string_view kLetters = u"abcdefghijklmnop";
+
+// A storage "S" with sixteen streams "a" to "p", short, long and empty ones by turns.
+RawFile makeRaw(SectorSize sectorSize) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
+    auto storage = file.root().createStorage(u"S");
+    for (std::size_t i = 0; i < kLetters.size(); ++i) {
+        constexpr std::size_t kSizes[] = {100, 5000, 0};
+        storage.createStream(kLetters.substr(i, 1))
+            .assign(patterned(kSizes[i % 3], static_cast<std::uint32_t>(i)));
+    }
+    file.commit();
+    RawFile raw(disk.content(kPath));
+    raw.makeForeign();
+    return raw;
+}
+
+// Reading gives what was there before the patches; a change keeps it and makes the file sound.
+void expectReadAndMended(RawFile& raw, const Content& expected) {
+    MemoryDisk disk;
+    disk.setContent(kPath, raw.bytes());
+    ASSERT_TRUE(contentOf(disk, kPath) == expected);
+    {
+        CompoundFile file = openFile(disk, kPath, Access::Read);
+        for (std::size_t i = 0; i < kLetters.size(); ++i)
+            ASSERT_TRUE(file.root().openStorage(u"S").find(kLetters.substr(i, 1))) << i;
+    }
+    CompoundFile file = openFile(disk, kPath);
+    auto storage = file.root().openStorage(u"S");
+    EXPECT_THROW(storage.createStream(u"B"), Error);
+    storage.createStream(u"added").assign(patterned(3000, 99));
+    storage.createStream(u"large").assign(patterned(30000, 98));
+    storage.destroy(u"a");
+    file.commit();
+    Content changed = expected;
+    changed[u"S/added"] = patterned(3000, 99);
+    changed[u"S/large"] = patterned(30000, 98);
+    changed.erase(u"S/a");
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+    EXPECT_TRUE(contentOf(disk, kPath) == changed);
+}
+
+Content contentOf(RawFile& raw) {
+    MemoryDisk disk;
+    disk.setContent(kPath, raw.bytes());
+    return compound_tests::contentOf(disk, kPath);
+}
+
+class ForeignTest : public testing::TestWithParam<SectorSize> {
+  protected:
+    RawFile raw_ = makeRaw(GetParam());
+    Content content_ = contentOf(raw_);
+
+    void putColour(std::u16string_view name, Colour colour) {
+        raw_.bytes().at(raw_.entry(name) + entry::kColourAt) = static_cast<std::byte>(colour);
+    }
+
+    void expectReadAndMended() { compound_tests::expectReadAndMended(raw_, content_); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Sectors, ForeignTest, testing::ValuesIn(kBothSectorSizes));
+
+TEST_P(ForeignTest, ListInsteadOfATree) {
+    raw_.put(raw_.entry(u"S") + entry::kChildAt, raw_.idOf(u"a"));
+    for (std::size_t i = 0; i < kLetters.size(); ++i) {
+        const std::size_t at = raw_.entry(kLetters.substr(i, 1));
+        const bool last = i + 1 == kLetters.size();
+        raw_.put(at + entry::kLeftAt, kNoEntry);
+        raw_.put(at + entry::kRightAt, last ? kNoEntry : raw_.idOf(kLetters.substr(i + 1, 1)));
+        putColour(kLetters.substr(i, 1), Colour::Black);
+    }
+    expectReadAndMended();
+}
+
+TEST_P(ForeignTest, AllRedAndAllBlack) {
+    for (const Colour colour : {Colour::Red, Colour::Black}) {
+        for (std::size_t i = 0; i < kLetters.size(); ++i)
+            putColour(kLetters.substr(i, 1), colour);
+        expectReadAndMended();
+    }
+}
+
+TEST_P(ForeignTest, NamesThatTheOrderHides) {
+    for (const auto& [one, other] : {std::pair(u"a", u"p"), std::pair(u"c", u"h")}) {
+        std::swap(raw_.bytes()[raw_.entry(one)], raw_.bytes()[raw_.entry(other)]);
+        std::swap(content_[std::u16string(u"S/") + one], content_[std::u16string(u"S/") + other]);
+    }
+    expectReadAndMended();
+}
+
+TEST_P(ForeignTest, TablesNotMarkedInTheFat) {
+    raw_.put(raw_.fatEntry(raw_.get(header::kDifatAt)), kFreeSector);
+    expectReadAndMended();
+}
+
+TEST_P(ForeignTest, WrongCountsInTheHeader) {
+    raw_.put(header::kFatSectorsAt, 0);
+    raw_.put(header::kMiniFatSectorsAt, 0);
+    raw_.put(header::kDirectorySectorsAt, 77);
+    raw_.put(header::kFirstDifatAt, kFreeSector);
+    expectReadAndMended();
+    raw_.put(header::kMiniFatSectorsAt, 5);
+    expectReadAndMended();
+}
+
+TEST_P(ForeignTest, JunkWhereNothingCounts) {
+    raw_.put(raw_.entry(u"c") + entry::kStartAt, 12345); // an empty stream's first sector
+    for (std::uint32_t id = 0;; ++id) {
+        const std::size_t at = raw_.entry(id);
+        if (raw_.bytes()[at + entry::kTypeAt] != std::byte{0})
+            continue;
+        for (std::size_t i = 0; i < kEntrySize; ++i) // an entry that is free
+            raw_.bytes()[at + i] = i == entry::kTypeAt ? std::byte{0} : std::byte{0x5A};
+        break;
+    }
+    raw_.put(raw_.entry(u"S") + entry::kStartAt, 7);
+    expectReadAndMended();
+}
+
+TEST_P(ForeignTest, LastSectorCutShort) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), GetParam());
+    file.root().createStream(u"x").assign(patterned(5000, 1));
+    file.commit();
+    RawFile raw(disk.content(kPath));
+    raw.makeForeign();
+    std::uint32_t used = raw.sectors();
+    while (raw.get(raw.fatEntry(used - 1)) == kFreeSector)
+        --used;
+    const std::size_t end = raw.sector(used);
+    raw.bytes().resize(end - 50);
+    disk.setContent(kPath, raw.bytes());
+    EXPECT_EQ(compound_tests::contentOf(disk, kPath).size(), 1U);
+    CompoundFile cut = openFile(disk, kPath);
+    cut.root().createStream(u"y").assign(patterned(9000, 2));
+    cut.commit();
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+TEST_P(ForeignTest, AttributesAreCarriedAlong) {
+    std::vector<std::byte> attributes = patterned(entry::kStartAt - entry::kClassIdAt, 5);
+    const auto at = [&](RawFile& raw, std::u16string_view name) {
+        return raw.bytes().begin() +
+               static_cast<std::ptrdiff_t>(raw.entry(name) + entry::kClassIdAt);
+    };
+    for (const std::u16string_view name : {u"S", u"Root Entry", u"b"})
+        std::copy(attributes.begin(), attributes.end(), at(raw_, name));
+    MemoryDisk disk;
+    disk.setContent(kPath, raw_.bytes());
+    CompoundFile file = openFile(disk, kPath);
+    file.root().openStorage(u"S").rename(u"b", u"renamed");
+    file.root().openStorage(u"S").openStream(u"renamed").assign(patterned(9, 1));
+    file.root().rename(u"S", u"T");
+    file.commit();
+    CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), GetParam());
+    copyAll(file, copy);
+    copy.commit();
+    for (const auto& path : {kPath, std::filesystem::path("copy.stg")}) {
+        RawFile raw(disk.content(path));
+        for (const std::u16string_view name : {u"T", u"Root Entry", u"renamed"})
+            EXPECT_TRUE(std::equal(attributes.begin(), attributes.end(), at(raw, name))) << path;
+    }
+}
+
+TEST(Foreign512Test, UpperHalvesOfSizesDoNotCount) {
+    RawFile raw = makeRaw(SectorSize::Bytes512);
+    const Content expected = contentOf(raw);
+    for (const std::u16string_view name : {u"a", u"b", u"c", u"Root Entry"})
+        raw.put(raw.entry(name) + entry::kSizeAt + 4, 0xCDCDCDCD);
+    expectReadAndMended(raw, expected);
+}
+
+// 110 FAT sectors and more need a DIFAT sector, whose chain some writers end with "free".
+TEST(Foreign512Test, DifatThatEndsWithFree) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+    file.root().createStream(u"large").assign(patterned(7300000, 1));
+    file.commit();
+    RawFile raw(disk.content(kPath));
+    raw.makeForeign();
+    const std::uint32_t difat = raw.get(header::kFirstDifatAt);
+    ASSERT_LT(difat, raw.sectors());
+    ASSERT_EQ(raw.get(raw.sector(difat) + 508), kEndOfChain);
+    raw.put(raw.sector(difat) + 508, kFreeSector);
+    disk.setContent(kPath, raw.bytes());
+    Content expected = compound_tests::contentOf(disk, kPath);
+    ASSERT_EQ(expected.size(), 1U);
+    CompoundFile again = openFile(disk, kPath);
+    again.root().createStream(u"small").assign(patterned(10, 2));
+    again.commit();
+    expected[u"small"] = patterned(10, 2);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+    EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == expected);
+}
+
+} // namespace
+} // namespace compound_tests
