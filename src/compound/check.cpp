@@ -135,7 +135,11 @@ class Checker {
     void checkTree() {
         Directory& directory = file_.directory();
         reached_.assign(static_cast<std::size_t>(directory.count()), false);
-        reached_.at(DirectoryEntries::kRoot) = true;
+        if (reached_.empty()) {
+            find("directory", "it is empty");
+            return;
+        }
+        reached_[DirectoryEntries::kRoot] = true;
         if (directory.type(DirectoryEntries::kRoot) != EntryType::Root)
             find("directory", "its first entry is not the root");
         std::vector<Node> open{{DirectoryEntries::kRoot, ""}};
