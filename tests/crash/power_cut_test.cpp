@@ -155,6 +155,20 @@ TEST_P(PowerCut, WithAnyPartOfWhatWasNotSyncedLeavesTheOldOrTheNewState) {
     }
 }
 
+// Guards the scenario, not the engine: it must go on crossing the limit that it is there for.
+TEST(LargeFileScenario, NeedsTheFirstSectorOfTheAllocationSectorList) {
+    MemoryDisk disk;
+    prepareLibrary(disk, compound::SectorSize::Bytes512);
+    const Scenario& scenario = scenarios().back();
+    const store::Library library = libraryOn(disk);
+    scenario.prepare(library);
+    constexpr std::size_t kListSectors = 72; // offset of their number in the header, [MS-CFB] 2.2
+    const auto listSectors = [&] { return disk.content("/library/Pumps.stg")[kListSectors]; };
+    EXPECT_EQ(listSectors(), std::byte{0});
+    scenario.steps.front().run(library);
+    EXPECT_EQ(listSectors(), std::byte{1});
+}
+
 std::string nameOf(const ::testing::TestParamInfo<PowerCut::ParamType>& info) {
     const auto [scenario, sectorSize] = info.param;
     return scenarios()[scenario].name +

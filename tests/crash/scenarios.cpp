@@ -168,8 +168,9 @@ std::vector<Scenario> pictureScenarios() {
 // Past 109 allocation sectors of a file with 512-byte sectors, and past the first one of a file
 // with 4096-byte sectors.
 Scenario largeFileScenario() {
-    static constexpr std::size_t kHuge = 6510000;  // fills 108 allocation sectors
-    static constexpr std::size_t kBeyond = 130000; // needs two more
+    // Nearly fills the 109 allocation sectors that the header lists; the second needs more of them.
+    static constexpr std::size_t kHuge = 6050000;
+    static constexpr std::size_t kBeyond = 250000;
     Scenario scenario{"LargeFile",
                       {{"add beyond the header's list of allocation sectors",
                         [](const Library& library) { add(library, kSteel, u"beyond", kBeyond); }},
