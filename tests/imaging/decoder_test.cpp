@@ -1,0 +1,254 @@
+#include "imaging/picture.h"
+#include "imaging/picture_bytes.h"
+
+#include <QColor>
+#include <QPainter>
+
+#include <gtest/gtest.h>
+
+namespace imaging::testing {
+namespace {
+
+constexpr QRgb kBlack = 0xFF000000;
+constexpr QRgb kRed = 0xFFFF0000;
+constexpr QRgb kGreen = 0xFF00FF00;
+constexpr QRgb kBlue = 0xFF0000FF;
+constexpr QRgb kWhite = 0xFFFFFFFF;
+
+// The pixels row by row from the top, transparent ones as 0.
+std::vector<QRgb> pixelsOf(const Bytes& bytes) {
+    const QImage image = decode(bytes).image().convertToFormat(QImage::Format_ARGB32);
+    std::vector<QRgb> pixels;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            pixels.push_back(qAlpha(image.pixel(x, y)) == 0 ? 0 : image.pixel(x, y));
+    }
+    return pixels;
+}
+
+using Pixels = std::vector<QRgb>;
+
+TEST(BmpDecoder, RowsComeFromTheBottomUnlessTheHeightIsNegative) {
+    Bytes rows;
+    putBytes(rows, {255, 0, 0, 0, 255, 0, 0, 0});     // blue, green
+    putBytes(rows, {0, 0, 255, 255, 255, 255, 0, 0}); // red, white
+    EXPECT_EQ(pixelsOf(bmpFile(infoHeader({2, 2, 24, 0, 0}), rows)),
+              (Pixels{kRed, kWhite, kBlue, kGreen}));
+    EXPECT_EQ(pixelsOf(bmpFile(infoHeader({2, -2, 24, 0, 0}), rows)),
+              (Pixels{kBlue, kGreen, kRed, kWhite}));
+}
+
+TEST(BmpDecoder, IndexedPixelsOfEveryDepth) {
+    Bytes palette;
+    for (const std::uint32_t colour : {0xFF0000U, 0x00FF00U, 0x0000FFU, 0xFFFFFFU})
+        put32(palette, colour);
+    const auto file = [&](int bits, const Bytes& row) {
+        return bmpFile(joined(infoHeader({4, 1, bits, 0, 4}), palette), row);
+    };
+    const Pixels four{kRed, kGreen, kBlue, kWhite};
+    Bytes row2;
+    putBytes(row2, {0x1B, 0, 0, 0});
+    EXPECT_EQ(pixelsOf(file(2, row2)), four);
+    Bytes row4;
+    putBytes(row4, {0x01, 0x23, 0, 0});
+    EXPECT_EQ(pixelsOf(file(4, row4)), four);
+    Bytes row8;
+    putBytes(row8, {0, 1, 2, 3});
+    EXPECT_EQ(pixelsOf(file(8, row8)), four);
+    Bytes row1;
+    putBytes(row1, {0x50, 0, 0, 0});
+    EXPECT_EQ(pixelsOf(file(1, row1)), (Pixels{kRed, kGreen, kRed, kGreen}));
+    Bytes outside;
+    putBytes(outside, {0, 200, 2, 3}); // an index without a colour
+    EXPECT_EQ(pixelsOf(file(8, outside)), (Pixels{kRed, kBlack, kBlue, kWhite}));
+}
+
+TEST(BmpDecoder, OldHeadersHaveSmallColours) {
+    Bytes core;
+    put32(core, 12);
+    for (const unsigned value : {2U, 1U, 1U, 1U})
+        put16(core, value);
+    putBytes(core, {0, 0, 255, 255, 255, 255}); // red, white
+    Bytes row;
+    putBytes(row, {0x40, 0, 0, 0});
+    EXPECT_EQ(pixelsOf(bmpFile(core, row)), (Pixels{kRed, kWhite}));
+}
+
+TEST(BmpDecoder, MasksOfAnyWidthAreScaledToEightBits) {
+    Bytes dib = infoHeader({2, 1, 16, 3, 0});
+    for (const std::uint32_t mask : {0xF800U, 0x07E0U, 0x001FU})
+        put32(dib, mask);
+    Bytes row;
+    put16(row, 0xF800);
+    put16(row, 0x0410); // green 32 of 63, blue 16 of 31
+    EXPECT_EQ(pixelsOf(bmpFile(dib, row)), (Pixels{kRed, qRgb(0, 130, 132)}));
+
+    // Five bits each without masks; the highest bit means nothing.
+    Bytes plain;
+    put16(plain, 0x7FFF);
+    put16(plain, 0x801F);
+    EXPECT_EQ(pixelsOf(bmpFile(infoHeader({2, 1, 16, 0, 0}), plain)), (Pixels{kWhite, kBlue}));
+}
+
+TEST(BmpDecoder, AlphaCountsOnlyWhereTheHeaderHasAMask) {
+    Bytes row;
+    put32(row, 0x00FF0000);
+    put32(row, 0x800000FF);
+    EXPECT_EQ(pixelsOf(bmpFile(infoHeader({2, 1, 32, 0, 0}), row)), (Pixels{kRed, kBlue}));
+    Bytes v4 = infoHeader({2, 1, 32, 3, 0});
+    set32(v4, 0, 108);
+    for (const std::uint32_t mask : {0xFF0000U, 0xFF00U, 0xFFU, 0xFF000000U})
+        put32(v4, mask);
+    v4.resize(108);
+    EXPECT_EQ(pixelsOf(bmpFile(v4, row)), (Pixels{0, 0x800000FF}));
+    Bytes noAlpha;
+    put32(noAlpha, 0x00FF0000);
+    put32(noAlpha, 0x000000FF);
+    EXPECT_EQ(pixelsOf(bmpFile(v4, noAlpha)), (Pixels{kRed, kBlue})) << "a mask left unused";
+}
+
+TEST(BmpDecoder, RunLengthsSkipAndEnd) {
+    Bytes palette;
+    for (const std::uint32_t colour : {0x000000U, 0xFF0000U, 0x00FF00U, 0x0000FFU})
+        put32(palette, colour);
+    const auto file = [&](int bits, std::uint32_t compression, const Bytes& runs) {
+        return bmpFile(joined(infoHeader({4, 2, bits, compression, 4}), palette), runs);
+    };
+    Bytes runs8; // two red, a literal green-blue-red, cut at the row's end; then a skip and a blue
+    putBytes(runs8, {2, 1, 0, 3, 2, 3, 1, 0, 0, 0, 0, 2, 1, 0, 1, 3, 0, 1});
+    EXPECT_EQ(pixelsOf(file(8, 1, runs8)), (Pixels{0, kBlue, 0, 0, kRed, kRed, kGreen, kBlue}));
+    Bytes runs4;
+    putBytes(runs4, {3, 0x12, 0, 0, 0, 4, 0x12, 0x31, 0, 1});
+    EXPECT_EQ(pixelsOf(file(4, 2, runs4)),
+              (Pixels{kRed, kGreen, kBlue, kRed, kRed, kGreen, kRed, 0}));
+}
+
+TEST(BmpDecoder, WhatIsMissingAtTheEndStaysEmpty) {
+    Bytes rows;
+    putBytes(rows, {255, 0, 0, 0});
+    EXPECT_EQ(pixelsOf(bmpFile(infoHeader({1, 3, 24, 0, 0}), rows)), (Pixels{0, 0, kBlue}));
+    EXPECT_THROW(decode(bmpFile(infoHeader({2, 2, 24, 0, 0}), rows)), DecodeError);
+}
+
+TEST(IconDecoder, TheMaskAndTheAlphaTellWhatIsSeenThrough) {
+    const std::uint32_t red = 0x00FF0000;
+    const Bytes masked = iconFrame32(2, 2, {red, red, red, red}, {0x80, 0x40});
+    EXPECT_EQ(pixelsOf(iconFile(1, {{masked, 0, 0}})), (Pixels{kRed, 0, 0, kRed}));
+    const Bytes alpha = iconFrame32(2, 1, {0x80FF0000, 0x000000FF}, {0x00});
+    EXPECT_EQ(pixelsOf(iconFile(1, {{alpha, 0, 0}})), (Pixels{0x80FF0000, 0}));
+    const Bytes noMask = iconFrame32(2, 1, {red, red}, {});
+    EXPECT_EQ(pixelsOf(iconFile(1, {{noMask, 0, 0}})), (Pixels{kRed, kRed}));
+}
+
+TEST(IconDecoder, TheBestFrameIsTheLargestThenTheDeepest) {
+    Bytes small1 = infoHeader({2, 2, 1, 0, 2});
+    for (const std::uint32_t value : {0U, 0xFFFFFFU, 0U, 0U})
+        put32(small1, value);
+    const Bytes small32 = iconFrame32(2, 1, {0xFF0000FF, 0xFF0000FF}, {0});
+    const PictureFacts facts = measure(iconFile(1, {{small1, 0, 0}, {small32, 0, 0}}));
+    EXPECT_EQ(facts.bitsPerPixel, 32);
+    QImage large(7, 5, QImage::Format_ARGB32);
+    large.fill(QColor(0, 255, 0, 255));
+    const Bytes png = encoded(large, "PNG");
+    const Bytes file = iconFile(1, {{small32, 0, 0}, {png, 0, 0}});
+    EXPECT_EQ(decode(file).image().size(), QSize(7, 5));
+    EXPECT_EQ(decode(file).image().pixel(6, 4), kGreen);
+    Bytes brokenPng = png;
+    brokenPng.resize(40);
+    EXPECT_EQ(pixelsOf(iconFile(1, {{small32, 0, 0}, {brokenPng, 0, 0}})), (Pixels{kBlue, kBlue}))
+        << "a broken frame gives way to the next one";
+}
+
+TEST(IconDecoder, ACursorHasAHotSpotWithinItself) {
+    const Bytes frame = iconFrame32(2, 2, {1, 2, 3, 4}, {0, 0});
+    const PictureFacts facts = measure(iconFile(2, {{frame, 1, 0}}));
+    EXPECT_EQ(facts.kind, PictureKind::Cur);
+    EXPECT_EQ(facts.hotSpot, QPoint(1, 0));
+    EXPECT_EQ(measure(iconFile(2, {{frame, 900, 900}})).hotSpot, QPoint(1, 1));
+    EXPECT_EQ(measure(iconFile(1, {{frame, 1, 1}})).hotSpot, QPoint());
+}
+
+TEST(GifDecoder, ThePictureLiesOnItsScreenWithItsTransparency) {
+    EXPECT_EQ(pixelsOf(gifFile({3, 2, 1, 1, 2, 1, false, 0, {1, 0}})),
+              (Pixels{0, 0, 0, 0, kRed, 0}));
+    EXPECT_EQ(pixelsOf(gifFile({2, 1, 0, 0, 2, 1, false, -1, {0, 3}})), (Pixels{kBlack, kBlue}));
+    EXPECT_EQ(measure(gifFile({0, 0, 2, 3, 1, 1, false, -1, {1}})).pixels, QSize(3, 4));
+}
+
+TEST(GifDecoder, InterlacedRowsFindTheirPlaces) {
+    // Rows arrive as 0 8 4 2 6 1 3 5 7; each is coloured by its real place modulo four.
+    const std::vector<int> arrival{0, 0, 0, 2, 2, 1, 3, 1, 3};
+    const Pixels pixels = pixelsOf(gifFile({1, 9, 0, 0, 1, 9, true, -1, arrival}));
+    EXPECT_EQ(pixels, (Pixels{kBlack, kRed, kGreen, kBlue, kBlack, kRed, kGreen, kBlue, kBlack}));
+}
+
+TEST(GifDecoder, ACutPictureShowsTheRowsThatAreThere) {
+    Bytes file = gifFile({10, 400, 0, 0, 10, 400, false, -1, std::vector<int>(4000, 1)});
+    file.resize(file.size() / 2);
+    const Pixels pixels = pixelsOf(file);
+    EXPECT_EQ(pixels.front(), kRed);
+    EXPECT_EQ(pixels.back(), 0U);
+}
+
+TEST(JpgDecoder, OrientationTurnsPictureAndMeasure) {
+    QImage image(16, 8, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    image.fill(QColor(200, 30, 30));
+    Bytes plain = encoded(image, "JPG");
+    Bytes exif;
+    putBytes(exif, {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0});
+    putBytes(exif, {1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0});
+    Bytes turned(plain.begin(), plain.begin() + 2);
+    turned = joined(joined(turned, exif), Bytes(plain.begin() + 2, plain.end()));
+    EXPECT_EQ(measure(plain).pixels, QSize(16, 8));
+    EXPECT_EQ(measure(turned).pixels, QSize(8, 16));
+    EXPECT_EQ(decode(turned).image().size(), QSize(8, 16));
+    EXPECT_NEAR(qRed(decode(plain).image().pixel(8, 4)), 200, 4);
+}
+
+TEST(Metafiles, AreMeasuredFromTheirHeaders) {
+    const std::vector<Bytes> all = oneOfEachKind();
+    const PictureFacts wmf = measure(all[7]);
+    EXPECT_EQ(wmf.kind, PictureKind::Wmf);
+    EXPECT_DOUBLE_EQ(wmf.twips.width, 100 * 1440.0 / 96);
+    EXPECT_DOUBLE_EQ(wmf.twips.height, 50 * 1440.0 / 96);
+    const PictureFacts emf = measure(all[8]);
+    EXPECT_EQ(emf.kind, PictureKind::Emf);
+    EXPECT_DOUBLE_EQ(emf.twips.width, 1440);
+    EXPECT_DOUBLE_EQ(emf.twips.height, 720);
+
+    Bytes plain;
+    for (const unsigned value : {1U, 9U, 0x300U, 17U, 0U, 0U, 5U, 0U, 0U})
+        put16(plain, value);
+    for (const unsigned value : {5U, 0U, 0x020CU, 40U, 60U, 3U, 0U, 0U})
+        put16(plain, value);
+    EXPECT_DOUBLE_EQ(measure(plain).twips.width, 60 * 15);
+    EXPECT_DOUBLE_EQ(measure(plain).twips.height, 40 * 15);
+    Bytes noExtent(plain.begin(), plain.begin() + 18);
+    EXPECT_GT(measure(noExtent).twips.width, 0);
+    Bytes emptyFrame = all[8];
+    set32(emptyFrame, 32, 0);
+    EXPECT_GT(measure(emptyFrame).twips.width, 0);
+}
+
+TEST(Picture, IsKnownByItsContentAndShownInABox) {
+    const std::vector<Bytes> all = oneOfEachKind();
+    const PictureKind kinds[] = {PictureKind::Bmp, PictureKind::Bmp, PictureKind::Bmp,
+                                 PictureKind::Ico, PictureKind::Cur, PictureKind::Gif,
+                                 PictureKind::Jpg, PictureKind::Wmf, PictureKind::Emf};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const Picture picture = decode(all[i]);
+        EXPECT_EQ(picture.facts().kind, kinds[i]);
+        EXPECT_EQ(picture.facts().pixels, measure(all[i]).pixels);
+        EXPECT_FALSE(picture.scaledTo({40, 30}).isNull());
+    }
+    const Picture emf = decode(all[8]);
+    EXPECT_EQ(emf.scaledTo({60, 60}).size(), QSize(60, 30));
+    const Picture raster = decode(encoded(QImage(200, 100, QImage::Format_RGB32), "JPG"));
+    EXPECT_EQ(raster.scaledTo({60, 60}).size(), QSize(60, 30));
+    EXPECT_EQ(raster.scaledTo({900, 900}).size(), QSize(200, 100)) << "never enlarged";
+    EXPECT_FALSE(sniff(Bytes(100, std::byte{0x20})).has_value());
+}
+
+} // namespace
+} // namespace imaging::testing
