@@ -228,8 +228,11 @@ std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
     std::uint32_t found = findFreeForData(index, previous % perSector_);
     if (found == kNone)
         found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
-    for (std::uint32_t any = 0; found == kNone && !canGrow() && any < ranges_.size(); ++any)
-        found = findFreeForData(any, 0);
+    for (; found == kNone && !canGrow() && scannedTo_ < ranges_.size(); ++scannedTo_) {
+        found = findFreeForData(scannedTo_, 0);
+        if (found != kNone)
+            break;
+    }
     while (found == kNone) {
         addRange();
         found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
@@ -248,9 +251,10 @@ std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_
 }
 
 // The first sectors of every range but the file's first are kept for directory, mini stream and
-// mini FAT, so that in a large file these chains lie together and few FAT sectors describe them.
+// mini FAT, so that in a large file these chains lie together and few FAT sectors describe them. At
+// the format's end everything is used.
 std::uint32_t AllocationTable::metadataEnd(std::uint32_t index) const {
-    return index == 0 ? 0 : perSector_ / 8;
+    return index == 0 || !canGrow() ? 0 : perSector_ / 8;
 }
 
 void AllocationTable::link(std::uint32_t sector, std::uint32_t next) {
@@ -260,10 +264,13 @@ void AllocationTable::link(std::uint32_t sector, std::uint32_t next) {
 void AllocationTable::release(std::uint32_t sector) {
     Range& range = load(sector / perSector_);
     set(sector, kFreeSector);
-    if (fresh_.erase(sector) == 0)
+    if (!fresh_.erase(sector)) {
         pending_.insert(sector);
-    else if (range.free)
+        return;
+    }
+    if (range.free)
         ++*range.free;
+    scannedTo_ = std::min(scannedTo_, sector / perSector_);
 }
 
 void AllocationTable::releaseChain(std::uint32_t first) {
@@ -305,12 +312,11 @@ void AllocationTable::makeSound() {
 }
 
 std::uint32_t AllocationTable::freeInside(std::uint32_t count) const {
-    auto free = static_cast<std::uint32_t>(pending_.size());
+    std::uint32_t free = 0;
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         for (std::uint32_t at = 0; ranges_[index] && at < perSector_; ++at) {
-            const std::uint32_t sector = index * perSector_ + at;
-            const bool isFree = ranges_[index]->at(at) == kFreeSector && sector < count;
-            free += isFree && !pending_.contains(sector) ? 1U : 0U;
+            const bool isInside = index * perSector_ + at < count;
+            free += isInside && ranges_[index]->at(at) == kFreeSector ? 1U : 0U;
         }
     }
     return free;
@@ -432,23 +438,20 @@ void AllocationTable::writeOut() {
 }
 
 void AllocationTable::committed() {
-    for (const std::uint32_t sector : pending_) {
-        if (sector / perSector_ >= ranges_.size())
-            continue; // no FAT sector describes it any more
-        Range& range = load(sector / perSector_);
-        if (range.free && isUsable(sector))
-            ++*range.free;
-    }
     pending_.clear();
     fresh_.clear();
     for (const std::unique_ptr<Range>& range : ranges_) {
-        if (range)
-            range->dirty = range->moved = false;
+        if (!range)
+            continue;
+        if (range->dirty)
+            range->free.reset(); // what was freed counts now
+        range->dirty = range->moved = false;
     }
     difatTouched_ = 0;
     difatMoved_ = 0;
     anyDirty_ = false;
     dataHint_ = kNone;
+    scannedTo_ = 0;
 }
 
 std::uint32_t AllocationTable::usedEnd() {

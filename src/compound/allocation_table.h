@@ -8,11 +8,11 @@
 
 #include "compound/header.h"
 #include "compound/sector_file.h"
+#include "compound/sector_set.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <unordered_set>
 #include <vector>
 
 namespace compound {
@@ -125,11 +125,12 @@ class AllocationTable {
     std::vector<std::uint32_t> fatSectors_;
     std::vector<std::uint32_t> difatSectors_;
     std::vector<std::unique_ptr<Range>> ranges_;
-    std::unordered_set<std::uint32_t> fresh_;
-    std::unordered_set<std::uint32_t> pending_; // freed, but used by the committed state
-    std::uint32_t difatTouched_ = 0;            // FAT sectors before this one have moved
-    std::size_t difatMoved_ = 0; // DIFAT sectors before this one have their new places
+    SectorSet fresh_;
+    SectorSet pending_;              // freed, but used by the committed state
+    std::uint32_t difatTouched_ = 0; // FAT sectors before this one have moved
+    std::size_t difatMoved_ = 0;     // DIFAT sectors before this one have their new places
     std::uint32_t dataHint_ = format::kFreeSector;
+    std::uint32_t scannedTo_ = 0; // ranges before it have nothing left for data
 };
 
 } // namespace compound

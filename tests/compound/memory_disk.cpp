@@ -3,6 +3,8 @@
 #include "compound/error.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <utility>
 
 using compound::Access;
@@ -41,13 +43,13 @@ std::size_t SparseBytes::read(std::uint64_t offset, std::span<std::byte> into) c
 }
 
 void SparseBytes::write(std::uint64_t offset, std::span<const std::byte> bytes) {
+    static constexpr std::array<std::byte, kPage> kZeros{};
     size_ = std::max(size_, offset + bytes.size());
     for (std::size_t done = 0; done < bytes.size();) {
         const std::uint64_t at = offset + done;
         const std::size_t part = std::min<std::size_t>(bytes.size() - done, kPage - at % kPage);
         const auto in = bytes.subspan(done, part);
-        const bool zeros =
-            std::all_of(in.begin(), in.end(), [](std::byte byte) { return byte == std::byte{0}; });
+        const bool zeros = std::memcmp(in.data(), kZeros.data(), in.size()) == 0;
         auto page = pages_.find(at / kPage);
         if (page == pages_.end() && !zeros)
             page = pages_.emplace(at / kPage, std::vector<std::byte>(kPage)).first;
