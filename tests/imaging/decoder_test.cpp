@@ -231,6 +231,20 @@ TEST(Metafiles, AreMeasuredFromTheirHeaders) {
     EXPECT_GT(measure(emptyFrame).twips.width, 0);
 }
 
+TEST(Picture, ShrinkingKeepsColoursWhereTheyAre) {
+    QImage halves(800, 400, QImage::Format_RGB32); // left half red, right half blue
+    halves.fill(QColor(255, 0, 0));
+    QPainter(&halves).fillRect(400, 0, 400, 400, QColor(0, 0, 255));
+    const auto* begin = reinterpret_cast<const std::byte*>(halves.constBits());
+    const Bytes pixels(begin, begin + halves.sizeInBytes());
+    const QImage small = decode(bmpFile(infoHeader({800, -400, 32, 0, 0}), pixels))
+                             .scaledTo({20, 20})
+                             .convertToFormat(QImage::Format_ARGB32);
+    EXPECT_EQ(small.size(), QSize(20, 10));
+    EXPECT_EQ(small.pixel(3, 5), kRed);
+    EXPECT_EQ(small.pixel(16, 5), kBlue);
+}
+
 TEST(Picture, IsKnownByItsContentAndShownInABox) {
     const std::vector<Bytes> all = oneOfEachKind();
     const PictureKind kinds[] = {PictureKind::Bmp, PictureKind::Bmp, PictureKind::Bmp,
