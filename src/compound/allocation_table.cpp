@@ -115,8 +115,9 @@ const std::vector<std::uint32_t>& AllocationTable::difatSectors() {
 
 std::uint32_t AllocationTable::limit() const {
     if (header_.majorVersion == 3)
-        return static_cast<std::uint32_t>(kVersion3Limit / file_.sectorSize()) - 1;
-    return kMaximumSector;
+        return std::min(insideLimit_,
+                        static_cast<std::uint32_t>(kVersion3Limit / file_.sectorSize()) - 1);
+    return insideLimit_;
 }
 
 std::uint32_t AllocationTable::rangeLock() const {
@@ -166,6 +167,8 @@ std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
 void AllocationTable::addRange() {
     loadDifat();
     const std::uint64_t first = std::uint64_t{ranges_.size()} * perSector_;
+    if (first >= limit() && insideLimit_ != kMaximumSector)
+        throw Error(ErrorCode::NoSpace, file_.disk().path(), "the disk is full");
     if (first >= limit())
         throw Error(ErrorCode::TooLarge, file_.disk().path(),
                     "the file has reached the greatest size of its format");
@@ -255,6 +258,24 @@ std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_
 // the format's end everything is used.
 std::uint32_t AllocationTable::metadataEnd(std::uint32_t index) const {
     return index == 0 || !canGrow() ? 0 : perSector_ / 8;
+}
+
+bool AllocationTable::stayInside() {
+    if (insideLimit_ != kMaximumSector)
+        return false;
+    setInsideLimit(file_.count());
+    return true;
+}
+
+void AllocationTable::setInsideLimit(std::uint32_t limit) {
+    if (limit == insideLimit_)
+        return;
+    insideLimit_ = limit;
+    scannedTo_ = 0;
+    for (const std::unique_ptr<Range>& range : ranges_) {
+        if (range)
+            range->free.reset(); // others may be taken now
+    }
 }
 
 void AllocationTable::link(std::uint32_t sector, std::uint32_t next) {
@@ -452,6 +473,7 @@ void AllocationTable::committed() {
     anyDirty_ = false;
     dataHint_ = kNone;
     scannedTo_ = 0;
+    setInsideLimit(kMaximumSector);
 }
 
 std::uint32_t AllocationTable::usedEnd() {

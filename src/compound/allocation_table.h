@@ -47,6 +47,10 @@ class AllocationTable {
 
     void link(std::uint32_t sector, std::uint32_t next);
 
+    // Until the commit only sectors inside the file as it is are handed out, wherever they lie: the
+    // disk is full. False when that has been so already.
+    bool stayInside();
+
     // Frees one sector; one that the committed state uses stays untouchable until the commit.
     void release(std::uint32_t sector);
 
@@ -108,6 +112,7 @@ class AllocationTable {
     std::uint32_t metadataEnd(std::uint32_t index) const;
     std::uint32_t take(std::uint32_t sector);
     std::uint32_t limit() const;
+    void setInsideLimit(std::uint32_t limit);
     bool isUsable(std::uint32_t sector) const;
     std::uint32_t chooseDataRange();
     void touchDifat(std::uint32_t fatIndex);
@@ -130,6 +135,7 @@ class AllocationTable {
     std::uint32_t difatTouched_ = 0; // FAT sectors before this one have moved
     std::size_t difatMoved_ = 0;     // DIFAT sectors before this one have their new places
     std::uint32_t dataHint_ = format::kFreeSector;
+    std::uint32_t insideLimit_ = format::kMaximumSector; // see stayInside()
     std::uint32_t scannedTo_ = 0; // ranges before it have nothing left for data
 };
 

@@ -1,5 +1,7 @@
 #include "compound/stream_content.h"
 
+#include "compound/error.h"
+
 #include <algorithm>
 #include <string>
 
@@ -92,17 +94,33 @@ void StreamContent::assign(EntryId id, std::span<const std::byte> bytes) {
     directory_.setContent(id, cachedChain_.front(), bytes.size());
 }
 
-// Writes bytes to new sectors and links them behind those of `chain`, which is at its end.
-void StreamContent::store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain) {
-    const std::size_t count = (bytes.size() + file_.sectorSize() - 1) / file_.sectorSize();
-    const std::size_t before = chain.size();
-    for (std::size_t i = 0; i < count; ++i) {
+// Links `count` new sectors behind those of `chain`, which is at its end.
+void StreamContent::extendChain(std::vector<std::uint32_t>& chain, std::size_t count) {
+    for (; count > 0; --count) {
         const std::uint32_t previous = chain.empty() ? kEndOfChain : chain.back();
         const std::uint32_t sector = table_.allocateData(previous);
         if (previous != kEndOfChain)
             table_.link(previous, sector);
         chain.push_back(sector);
     }
+}
+
+// Writes bytes to new sectors behind those of `chain`. Few parts of a large file are looked at for
+// free sectors before it grows; when it cannot, on a full disk, all of it is.
+void StreamContent::store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain) {
+    const std::size_t count = (bytes.size() + file_.sectorSize() - 1) / file_.sectorSize();
+    const std::size_t before = chain.size();
+    extendChain(chain, count);
+    try {
+        writeSectors(std::span(chain).subspan(before), bytes);
+        return;
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NoSpace || !table_.stayInside())
+            throw;
+    }
+    for (; chain.size() > before; chain.pop_back())
+        table_.release(chain.back());
+    extendChain(chain, count);
     writeSectors(std::span(chain).subspan(before), bytes);
 }
 

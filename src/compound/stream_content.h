@@ -31,6 +31,7 @@ class StreamContent {
     void readSectors(const std::vector<std::uint32_t>& chain, std::uint64_t offset,
                      std::span<std::byte> into);
     void store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain);
+    void extendChain(std::vector<std::uint32_t>& chain, std::size_t count);
     void writeSectors(std::span<const std::uint32_t> sectors, std::span<const std::byte> bytes);
     void appendSectors(EntryId id, std::span<const std::byte> bytes);
 

@@ -199,6 +199,28 @@ TEST_P(FailureTest, FullDiskKeepsTheOldStateAndLetsDelete) {
     }
 }
 
+// Wherever in the file the freed sectors lie.
+TEST_P(FailureTest, FullDiskTakesWhatWasDeleted) {
+    const std::vector<std::byte> base = makeBase(GetParam(), 25);
+    for (char16_t letter = u'a'; letter < u'a' + 25; letter += 4) {
+        MemoryDisk disk;
+        disk.setContent(kPath, base);
+        disk.setCapacity(base.size());
+        CompoundFile file = openFile(disk, kPath);
+        auto pumps = file.root().openStorage(u"Pumps");
+        const std::u16string name = u"picture" + std::u16string(1, letter);
+        const auto size = static_cast<std::size_t>(pumps.openStream(name).size());
+        pumps.destroy(name);
+        file.commit();
+        EXPECT_NO_THROW({
+            pumps.createStream(u"instead").assign(patterned(size, 8));
+            file.commit();
+        }) << size;
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+        EXPECT_EQ(disk.content(kPath).size(), base.size());
+    }
+}
+
 TEST_P(FailureTest, DroppedChangesLeaveNoTrace) {
     MemoryDisk disk;
     disk.setContent(kPath, makeBase(GetParam(), 5));
