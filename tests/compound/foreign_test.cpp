@@ -12,7 +12,6 @@ namespace {
 using compound::Access;
 using compound::CompoundFile;
 using compound::Error;
-using compound::ErrorCode;
 using compound::SectorSize;
 using namespace compound::format;
 

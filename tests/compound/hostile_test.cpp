@@ -14,7 +14,6 @@ namespace {
 
 using compound::Access;
 using compound::CompoundFile;
-using compound::Element;
 using compound::Error;
 using compound::ErrorCode;
 using compound::IfExists;

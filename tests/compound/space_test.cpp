@@ -85,7 +85,8 @@ class WatchedFile : public DiskFile {
             return;
         std::vector<std::byte> fat(sectorSize_);
         for (std::uint32_t i = 0; i < kHeaderDifatEntries; ++i) {
-            const std::uint32_t sector = read32(header.data() + header::kDifatAt + 4 * i);
+            const std::uint32_t sector =
+                read32(header.data() + header::kDifatAt + std::size_t{4} * i);
             if (sector == kFreeSector)
                 return;
             inner_->read((std::uint64_t{sector} + 1) * sectorSize_, fat);
@@ -243,8 +244,8 @@ TEST(CostTest, AddingWritesAsMuchToALargeFileAsToASmallOne) {
     const Traffic many = addOne(large);
     EXPECT_EQ(few.syncs, 2);
     EXPECT_EQ(many.syncs, 2);
-    EXPECT_LT(many.bytesWritten, few.bytesWritten + 10 * 4096U);
-    EXPECT_LT(many.bytesRead, 120 * 4096U);
+    EXPECT_LT(many.bytesWritten, few.bytesWritten + std::uint64_t{10} * 4096);
+    EXPECT_LT(many.bytesRead, std::uint64_t{120} * 4096);
     EXPECT_EQ(findingsOf(large, kPath), "");
 }
 
