@@ -25,17 +25,19 @@ function(txs_add_library name)
   target_link_libraries(${name} PUBLIC txs_options ${arg_LINKS})
 endfunction()
 
-# txs_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [ENVIRONMENT ...]): one GoogleTest program;
-# each of its tests becomes a test of CTest.
+# txs_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [OWN_MAIN]): one GoogleTest program; each of its
+# tests becomes a test of CTest, without a label of its own labelled like the program.
 function(txs_add_test name)
-  cmake_parse_arguments(arg "OWN_MAIN" "" "SOURCES;LINKS;LABELS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "OWN_MAIN" "" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE txs_options ${arg_LINKS} GTest::gtest)
   if(NOT arg_OWN_MAIN)
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()
+  if(NOT arg_LABELS)
+    set(arg_LABELS ${name}) # an empty value would shift the properties that follow
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 600
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${arg_ENVIRONMENT}")
+    PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 600 ENVIRONMENT QT_QPA_PLATFORM=offscreen)
 endfunction()

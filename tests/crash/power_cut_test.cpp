@@ -17,8 +17,8 @@
 namespace crash {
 namespace {
 
-constexpr std::size_t kDefaultStates = 12000; // random states of all tests together
-constexpr std::size_t kAddEvery = 16;         // every so many states a picture is added
+constexpr std::size_t kDefaultStates = TXS_CRASH_STATES; // random ones, of all tests together
+constexpr std::size_t kAddEvery = 16;                    // every so many states a picture is added
 
 std::size_t randomStates() {
     const char* text = std::getenv("TXS_CRASH_STATES");
