@@ -92,7 +92,7 @@ Drawing meteringPump(const Colours& body) {
     feet(sketch, {12, 88, 76, 7});
     sketch.lyingCylinder({8, 42, 38, 42}, body, 6);
     sketch.line(body.dark, Sketch::kFine);
-    for (double rib = 15; rib < 42; rib += 6)
+    for (const double rib : steps(15, 42, 6))
         sketch.polyline({{rib, 47}, {rib, 79}});
     casing(sketch, {27, 34}, 12, kSteel);
     sketch.line(kInk, Sketch::kFine).polyline({{27, 34}, {33, 27}});
@@ -130,14 +130,14 @@ Drawing submersiblePump(const Colours& body) {
     sketch.line(kInk, 3).noFill().arc({38, 2, 24, 18}, 180, 360);
     sketch.uprightCylinder({30, 12, 40, 54}, body, 7);
     sketch.line(body.dark, Sketch::kFine);
-    for (double rib = 22; rib < 62; rib += 7)
+    for (const double rib : steps(22, 62, 7))
         sketch.polyline({{34, rib}, {66, rib}});
     sketch.line(kInk).fill(body.dark).polygon(
         {{30, 64}, {70, 64}, {80, 76}, {80, 86}, {20, 86}, {20, 76}});
     sketch.lyingCylinder({76, 68, 15, 15}, body);
     flange(sketch, {89, 63, 7, 25}, body);
     sketch.line(kInk).fill(kSteel.base);
-    for (double foot = 24; foot < 76; foot += 22)
+    for (const double foot : steps(24, 76, 22))
         sketch.rect({foot, 86, 8, 10});
     return sketch.take();
 }
@@ -151,7 +151,7 @@ Drawing motor(const Colours& body) {
     sketch.lyingCylinder({96, 24, 28, 54}, body, 9);
     sketch.lyingCylinder({30, 20, 70, 62}, body, 5);
     sketch.line(body.dark, Sketch::kFine);
-    for (double rib = 28; rib < 76; rib += 7)
+    for (const double rib : steps(28, 76, 7))
         sketch.polyline({{35, rib}, {95, rib}});
     sketch.line(kInk).fill(body.dark).roundedRect({50, 6, 30, 19}, 2.5);
     sketch.noLine().fill(body.light).rect({54, 10, 22, 3.4});
@@ -196,7 +196,7 @@ Drawing compressor(const Colours& body) {
     sketch.place(motor(kSteel), {48, 20, 46, 35});
     sketch.uprightCylinder({16, 22, 26, 32}, body, 2);
     sketch.line(body.dark, Sketch::kFine);
-    for (double rib = 28; rib < 50; rib += 5)
+    for (const double rib : steps(28, 50, 5))
         sketch.polyline({{19, rib}, {39, rib}});
     sketch.line(kInk).fill(body.dark).roundedRect({12, 14, 34, 10}, 2);
     sketch.line(kInk).noFill().polyline({{29, 14}, {29, 6}, {7, 6}, {7, 58}});

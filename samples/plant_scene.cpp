@@ -49,8 +49,8 @@ Light lightOf(Daylight daylight) {
 // Paints on a sheet of 160 by 100 units; the ground begins at 68.
 class Scene {
   public:
-    Scene(QSize pixels, Light light)
-        : light_(std::move(light)), image_(pixels, QImage::Format_RGB32), painter_(&image_) {
+    Scene(QSize pixels, const Light& light)
+        : light_(light), image_(pixels, QImage::Format_RGB32), painter_(&image_) {
         painter_.setRenderHint(QPainter::Antialiasing);
         painter_.setRenderHint(QPainter::SmoothPixmapTransform);
         painter_.scale(pixels.width() / 160.0, pixels.height() / 100.0);
@@ -125,14 +125,14 @@ void Scene::hall(const QRectF& box) {
     wall.setColorAt(1, QColor(0x86, 0x92, 0x9C));
     painter_.fillRect(box, wall);
     painter_.fillRect(QRectF(box.left(), box.top(), box.width(), 2.2), QColor(0x38, 0x5F, 0x88));
-    for (double rib = box.left() + 1.6; rib < box.right(); rib += 1.6)
+    for (const double rib : steps(box.left() + 1.6, box.right(), 1.6))
         painter_.fillRect(QRectF(rib, box.top() + 2.2, 0.25, box.height() - 2.2),
                           QColor(30, 40, 50, 46));
     const QColor glass(0x4A, 0x66, 0x7E);
-    for (double window = box.left() + 4; window + 6 < box.right(); window += 8.4)
+    for (const double window : steps(box.left() + 4, box.right() - 6, 8.4))
         painter_.fillRect(QRectF(window, box.top() + 7, 6, 4.2), glass);
     painter_.fillRect(QRectF(box.left() + 6, box.bottom() - 12, 12, 12), QColor(0x5C, 0x68, 0x73));
-    for (double slat = box.bottom() - 11; slat < box.bottom(); slat += 1.5)
+    for (const double slat : steps(box.bottom() - 11, box.bottom(), 1.5))
         painter_.fillRect(QRectF(box.left() + 6, slat, 12, 0.3), QColor(20, 28, 36, 90));
 }
 

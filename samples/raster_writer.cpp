@@ -175,6 +175,7 @@ QByteArray paletteBmp(const IndexedPicture& picture) {
 
 QByteArray iconOf(const std::vector<QImage>& pictures) {
     std::vector<Frame> frames;
+    frames.reserve(pictures.size());
     for (const QImage& picture : pictures)
         frames.push_back({picture, 1, 32});
     return iconFile(1, frames);

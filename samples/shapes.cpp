@@ -94,6 +94,15 @@ std::vector<QPointF> arcPoints(const QRectF& box, double fromDegrees, double toD
     return points;
 }
 
+std::vector<double> steps(double from, double end, double step) {
+    const int count = std::max(0, static_cast<int>(std::ceil((end - from) / step)));
+    std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(count));
+    for (int index = 0; index < count; ++index)
+        values.push_back(from + index * step);
+    return values;
+}
+
 Drawing fitted(const Drawing& drawing, const QRectF& box, QSizeF sheet) {
     const double scale =
         std::min(box.width() / drawing.size.width(), box.height() / drawing.size.height());

@@ -94,6 +94,9 @@ class Sketch {
 /// The points of an arc of an ellipse; degrees, clockwise from three o'clock.
 std::vector<QPointF> arcPoints(const QRectF& box, double fromDegrees, double toDegrees);
 
+/// The values from, from + step, ... below end.
+std::vector<double> steps(double from, double end, double step);
+
 /// The drawing moved and scaled so that it sits in the middle of the box.
 Drawing fitted(const Drawing& drawing, const QRectF& box, QSizeF sheet);
 

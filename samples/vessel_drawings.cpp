@@ -85,7 +85,7 @@ Drawing silo(const Colours& body) {
     sketch.noLine().fill(body.light).polygon({{16, 64}, {26, 64}, {33, 84}, {30, 84}});
     sketch.uprightCylinder({9, 21, 52, 43}, body);
     sketch.line(body.dark, 1.2);
-    for (double rib = 28; rib < 62; rib += 7)
+    for (const double rib : steps(28, 62, 7))
         sketch.polyline({{11, rib}, {59, rib}});
     sketch.line(kInk).fill(kSteel.base).rect({27, 88, 16, 7});
     return sketch.take();
@@ -137,7 +137,7 @@ Drawing tubeHeatExchanger(const Colours& body) {
     sketch.roundedRect({30, 12, 7, 54}, 1.5).roundedRect({114, 12, 7, 54}, 1.5);
     sketch.line(kInk, Sketch::kFine).fill(kPaper).roundedRect({46, 27, 59, 24}, 3);
     sketch.line(kRed.base, 2.2);
-    for (double tube = 32; tube < 50; tube += 4.7)
+    for (const double tube : steps(32, 50, 4.7))
         sketch.polyline({{49, tube}, {102, tube}});
     return sketch.take();
 }
@@ -215,7 +215,7 @@ Drawing coolingTower(const Colours& body) {
         {{62, 28}, {70.8, 28}, {67.8, 44}, {70.8, 62}, {78, 78}, {68, 78}, {62, 62}, {60, 44}});
     sketch.line(kInk).fill(body.dark).ellipse({28, 22, 44, 8});
     sketch.fill(kShade);
-    for (double column = 16; column < 84; column += 13)
+    for (const double column : steps(16, 84, 13))
         sketch.polygon({{column, 82}, {column + 4, 82}, {column + 8, 94}, {column - 2, 94}});
     sketch.fill(kWater.base).roundedRect({6, 91, 88, 6}, 2);
     return sketch.take();
@@ -232,7 +232,7 @@ Drawing conveyor(const Colours& body) {
     sketch.line(kInk).fill(QColor(0x4A, 0x55, 0x60)).roundedRect({3, 30, 144, 24}, 12);
     sketch.fill(body.base).roundedRect({7, 34, 136, 16}, 8);
     sketch.line(kInk, Sketch::kFine).fill(kSteel.light);
-    for (double roller = 15; roller < 140; roller += 20)
+    for (const double roller : steps(15, 140, 20))
         sketch.circle({roller, 42}, 6);
     return sketch.take();
 }
@@ -247,7 +247,7 @@ Drawing screwConveyor(const Colours& body) {
     sketch.line(kInk, Sketch::kFine).fill(kPaper).roundedRect({16, 31, 92, 22}, 3);
     sketch.line(kInk, 2.4).polyline({{16, 42}, {124, 42}});
     sketch.line(kInk, Sketch::kFine).fill(kSteel.base);
-    for (double turn = 20; turn < 96; turn += 13)
+    for (const double turn : steps(20, 96, 13))
         sketch.polygon({{turn, 33}, {turn + 5, 33}, {turn + 12, 51}, {turn + 7, 51}});
     sketch.place(motor(kBlue), {112, 26, 38, 29});
     return sketch.take();
