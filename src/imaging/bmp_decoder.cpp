@@ -31,12 +31,11 @@ void limitPalette(DibHeader& header, std::size_t pixels) {
 }
 
 Picture decodeEmbedded(std::span<const std::byte> bytes, const DibHeader& header) {
-    const QImage image = QImage::fromData(
-        reinterpret_cast<const uchar*>(bytes.data()), static_cast<int>(bytes.size()),
-        header.compression == DibCompression::Png ? "PNG" : "JPG");
-    if (image.isNull() || image.size() != QSize(header.width, header.height))
+    const char* const format = header.compression == DibCompression::Png ? "PNG" : "JPG";
+    const std::optional<QImage> image = readEmbedded(bytes, format, {header.width, header.height});
+    if (!image)
         throw DecodeError("the picture inside the bitmap cannot be read");
-    return {factsOf(header), image.convertToFormat(QImage::Format_ARGB32)};
+    return {factsOf(header), *image};
 }
 
 } // namespace
@@ -49,13 +48,8 @@ Picture decodeBmp(std::span<const std::byte> bytes) {
     const ByteReader file(bytes);
     DibHeader header = headerOf(bytes);
     const std::size_t pixels = pixelsAt(file, header);
-    if (header.compression == DibCompression::Jpeg || header.compression == DibCompression::Png) {
-        const auto embedded = file.rest(pixels);
-        const PictureFacts inner =
-            header.compression == DibCompression::Jpeg ? measureJpg(embedded) : factsOf(header);
-        requireSensibleSize(inner.pixels.width(), inner.pixels.height());
-        return decodeEmbedded(embedded, header);
-    }
+    if (header.compression == DibCompression::Jpeg || header.compression == DibCompression::Png)
+        return decodeEmbedded(file.rest(pixels), header);
     limitPalette(header, pixels);
     return {factsOf(header),
             readDibPixels(file.rest(kFileHeader), header, pixels - kFileHeader, DibUse::File)};

@@ -237,7 +237,7 @@ QImage readDibPixels(std::span<const std::byte> bytes, const DibHeader& header,
     if (header.compression == DibCompression::Rle4 || header.compression == DibCompression::Rle8)
         return readRunLengths(pixels, header, palette);
     const std::size_t rowBytes = dibRowBytes(header.width, header.bitsPerPixel);
-    if (pixels.size() < std::min(rowBytes, pixels.size() + 1) || pixels.size() < rowBytes)
+    if (pixels.size() < rowBytes)
         throw DecodeError("the bitmap has no pixels");
     QImage image = newImage({header.width, header.height}, QImage::Format_ARGB32);
     const RowReader reader{header, palette};

@@ -1,5 +1,8 @@
 #include "imaging/dib_run_length.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace imaging {
 
 namespace {
@@ -14,12 +17,16 @@ class Canvas {
 
     bool isFull() const { return y_ >= header_.height; }
 
+    // How many pixels the row still takes.
+    unsigned room() const { return static_cast<unsigned>(header_.width - x_); }
+
+    // What sticks out of the row is dropped.
     void put(unsigned index) {
-        if (x_ < header_.width && !isFull()) {
-            const int row = header_.topDown ? y_ : header_.height - 1 - y_;
-            reinterpret_cast<QRgb*>(image_.scanLine(row))[x_] =
-                index < palette_.size() ? palette_[index] : qRgb(0, 0, 0);
-        }
+        if (x_ >= header_.width || isFull())
+            return;
+        const int row = header_.topDown ? y_ : header_.height - 1 - y_;
+        reinterpret_cast<QRgb*>(image_.scanLine(row))[x_] =
+            index < palette_.size() ? palette_[index] : qRgb(0, 0, 0);
         ++x_;
     }
 
@@ -28,9 +35,10 @@ class Canvas {
         ++y_;
     }
 
+    // Stops at the edges, so that no number of moves overflows.
     void move(int dx, int dy) {
-        x_ += dx;
-        y_ += dy;
+        x_ = std::min(x_ + dx, header_.width);
+        y_ = std::min(y_ + dy, header_.height);
     }
 
     QImage take() { return std::move(image_); }
@@ -74,7 +82,8 @@ class Runs {
     unsigned next() { return at_ < data_.size() ? std::to_integer<unsigned>(data_[at_++]) : 0; }
 
     void repeat(unsigned count, unsigned value) {
-        for (unsigned i = 0; i < count; ++i)
+        const unsigned fitting = std::min(count, canvas_.room());
+        for (unsigned i = 0; i < fitting; ++i)
             canvas_.put(!nibbles_ ? value : i % 2 == 0 ? value >> 4U : value & 0xFU);
     }
 

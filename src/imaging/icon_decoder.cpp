@@ -5,9 +5,6 @@
 #include "imaging/decoders.h"
 #include "imaging/dib_reader.h"
 
-#include <QBuffer>
-#include <QImageReader>
-
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -146,14 +143,10 @@ QImage decodeDibFrame(const Frame& frame) {
 }
 
 QImage decodePngFrame(const Frame& frame) {
-    QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(frame.data.data()),
-                                              static_cast<qsizetype>(frame.data.size()));
-    QBuffer buffer(&data);
-    QImageReader reader(&buffer, "PNG");
-    const QImage image = reader.read();
-    if (image.isNull() || image.size() != frame.size)
+    const std::optional<QImage> image = readEmbedded(frame.data, "PNG", frame.size);
+    if (!image)
         throw DecodeError("the icon's PNG picture cannot be read");
-    return image.convertToFormat(QImage::Format_ARGB32);
+    return *image;
 }
 
 } // namespace

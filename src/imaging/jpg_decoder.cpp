@@ -9,8 +9,6 @@ namespace imaging {
 
 namespace {
 
-constexpr int kAllocationLimit = 192; // MiB: 40 million pixels of four bytes, and the reader's own
-
 // A reader over the bytes; both live as long as this does.
 struct Reader {
     explicit Reader(std::span<const std::byte> bytes)

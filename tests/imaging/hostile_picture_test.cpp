@@ -52,6 +52,29 @@ TEST(HostilePictures, ALargePlainPictureLoads) {
               QSize(kSide, kSide));
 }
 
+// Qt's own limit is lower; whether a JPG was read before must not matter.
+TEST(HostilePictures, ALargePngFrameLoads) {
+    QImage image(5900, 5900, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    const Bytes icon = iconFile(1, {{encoded(image, "PNG"), 0, 0}});
+    image = {};
+    EXPECT_EQ(decode(icon).image().size(), QSize(5900, 5900));
+}
+
+TEST(HostilePictures, EndlessRunsStayInTheirRow) {
+    Bytes dib = infoHeader({2, 2, 8, 1, 2});
+    put32(dib, 0x000000);
+    put32(dib, 0xFF0000);
+    Bytes runs(std::size_t{17} << 20U, std::byte{0xFF}); // more pixels than an int counts
+    for (std::size_t i = 1; i < runs.size(); i += 2)
+        runs[i] = std::byte{1};
+    putBytes(runs, {0, 2, 255, 0, 1, 1});
+    const QImage image = decode(bmpFile(dib, runs)).image();
+    EXPECT_EQ(image.pixel(0, 1), qRgb(255, 0, 0));
+    EXPECT_EQ(image.pixel(1, 1), qRgb(255, 0, 0));
+    EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0);
+}
+
 TEST(HostilePictures, HeadersThatContradictThemselvesAreRefused) {
     Bytes palette(64);
     for (const Dib& dib : {Dib{4, 4, 3, 0, 0}, Dib{4, 4, 8, 2, 0}, Dib{4, 4, 24, 1, 0},
