@@ -139,9 +139,11 @@ bool ElementCursor::next(Element& element) {
         return false;
     const EntryId id = path_.back();
     path_.pop_back();
-    descend(file_->directory().right(id));
+    Directory::Walked walked{std::move(element), kNoEntry}; // its name's memory serves again
+    file_->directory().walk(id, walked);
     file_->directory().reach(storage_, id);
-    element = elementOf(file_->directory(), id);
+    element = std::move(walked.element);
+    descend(walked.right);
     return true;
 }
 

@@ -3,6 +3,7 @@
 #include "compound/names.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <string>
 
@@ -35,10 +36,11 @@ DirectoryEntries::DirectoryEntries(SectorFile& file, SectorChain& chain, std::ui
     : file_(file),
       chain_(chain),
       perPage_(file.sectorSize() / static_cast<std::uint32_t>(kEntrySize)),
+      pageShift_(static_cast<unsigned>(std::countr_zero(perPage_))),
       sizeMask_(sizeMask) {}
 
 const std::byte* DirectoryEntries::raw(EntryId id) {
-    return chain_.read(id / perPage_) + kEntrySize * (id % perPage_);
+    return chain_.read(id >> pageShift_) + kEntrySize * (id & (perPage_ - 1));
 }
 
 std::uint64_t DirectoryEntries::count() {
@@ -86,6 +88,11 @@ void DirectoryEntries::walk(EntryId id, Walked& walked) {
 
 std::uint64_t DirectoryEntries::size(EntryId id) {
     return read64(element(id) + entry::kSizeAt) & sizeMask_;
+}
+
+DirectoryEntries::Content DirectoryEntries::content(EntryId id) {
+    const std::byte* const at = element(id);
+    return {read32(at + entry::kStartAt), read64(at + entry::kSizeAt) & sizeMask_};
 }
 
 std::uint32_t DirectoryEntries::start(EntryId id) {

@@ -25,6 +25,11 @@ class DirectoryEntries {
     std::u16string name(EntryId id);
     std::uint64_t size(EntryId id);
     std::uint32_t start(EntryId id);
+    struct Content {
+        std::uint32_t start;
+        std::uint64_t size;
+    };
+    Content content(EntryId id); // start and size at once
     EntryId left(EntryId id) { return link(id, format::entry::kLeftAt); }
     EntryId right(EntryId id) { return link(id, format::entry::kRightAt); }
     EntryId child(EntryId id) { return link(id, format::entry::kChildAt); }
@@ -71,6 +76,7 @@ class DirectoryEntries {
     const std::byte* element(EntryId id);
     EntryId link(EntryId id, std::size_t at);
 
+    unsigned pageShift_; // of perPage_, a power of two
     std::uint64_t sizeMask_;
 };
 

@@ -77,9 +77,7 @@ std::byte* SectorChain::newBlock(std::size_t pages) {
     return blocks_.back().get();
 }
 
-const std::byte* SectorChain::read(std::uint32_t index) {
-    if (index < pages_.size() && pages_[index].bytes)
-        return pages_[index].bytes;
+const std::byte* SectorChain::load(std::uint32_t index) {
     if (!has(index))
         file_.throwDamaged(what_ + " ends before its page " + std::to_string(index));
     loadPages(index);

@@ -29,7 +29,10 @@ class SectorChain {
     bool has(std::uint32_t index);
 
     // The page's bytes, valid as long as the chain lives. Damaged when the chain ends before it.
-    const std::byte* read(std::uint32_t index);
+    const std::byte* read(std::uint32_t index) {
+        const bool inMemory = index < pages_.size() && pages_[index].bytes;
+        return inMemory ? pages_[index].bytes : load(index);
+    }
     std::byte* write(std::uint32_t index);
 
     // Adds a page of `fill` bytes; returns its index.
@@ -56,6 +59,7 @@ class SectorChain {
     };
 
     void walkTo(std::uint32_t index);
+    const std::byte* load(std::uint32_t index);
     void loadPages(std::uint32_t index);
     std::byte* newBlock(std::size_t pages);
 

@@ -47,13 +47,13 @@ void StreamContent::readSectors(const std::vector<std::uint32_t>& chain, std::ui
 }
 
 std::size_t StreamContent::read(EntryId id, std::uint64_t offset, std::span<std::byte> into) {
-    const std::uint64_t size = directory_.size(id);
+    const auto [start, size] = directory_.content(id);
     if (offset >= size)
         return 0;
     const auto length =
         static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size - offset));
     if (isMini(size))
-        mini_.read(directory_.start(id), offset, into.first(length));
+        mini_.read(start, offset, into.first(length));
     else
         readSectors(chainOf(id), offset, into.first(length));
     return length;

@@ -74,6 +74,7 @@ std::vector<PictureEntry> listPictures(const Library& library, const GroupAddres
     if (access.openInfo(group))
         records.emplace(access.infoStorage());
     std::vector<PictureEntry> pictures;
+    pictures.reserve(64);
     compound::ElementCursor cursor = access.groupStorage().elements();
     Element element;
     while (cursor.next(element)) {

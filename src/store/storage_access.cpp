@@ -41,10 +41,10 @@ void StreamHandle::PutString(std::string_view record) {
 }
 
 std::string StreamHandle::GetString() const {
-    if (stream_.size() > kLongestRecord)
-        return {};
-    std::array<std::byte, kLongestRecord> buffer{};
+    std::array<std::byte, kLongestRecord + 1> buffer{};
     const std::size_t length = stream_.read(0, buffer);
+    if (length > kLongestRecord)
+        return {};
     return {reinterpret_cast<const char*>(buffer.data()), length};
 }
 
