@@ -69,6 +69,15 @@ GroupFileState testGroupFile(const Library& library, const std::filesystem::path
 
 void setAside(const Library& library, const FileName& file) {
     const std::filesystem::path path = pathOf(library, file);
+    // Whoever tested it has let it go meanwhile: it may be sound by now, or in use.
+    const LockBudget noWait(std::chrono::milliseconds{0});
+    const GroupFileReading now = examine(library, path, file, noWait, [](auto&, auto&) {});
+    if (now.state == GroupFileState::Sound)
+        return;
+    if (now.state != GroupFileState::Damaged)
+        throw Error(now.state == GroupFileState::Locked ? ErrorCode::Locked : ErrorCode::Failed,
+                    path, now.cause);
+    const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const std::filesystem::path aside =
         library.folder / toPath(file.text + std::u16string(kDamagedFileSuffix));
     if (library.disk.exists(aside))

@@ -12,7 +12,8 @@ namespace store {
 GroupFileState testGroupFile(const Library& library, const std::filesystem::path& path,
                              const LockBudget& budget);
 
-// Renames T.stg to T.err. An older T.err goes to the trash first.
+// Renames T.stg to T.err, if it still is damaged. An older T.err goes to the trash first. Locked
+// (and nothing changed) when another program holds the file.
 void setAside(const Library& library, const FileName& file);
 
 // Moves every "*.err" of the folder to the trash; returns how many went. A file that cannot be

@@ -52,7 +52,12 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
     renameTopLevelPair(StorageHandle(file.file().root()), group.storage, newName.text);
     library.disk.copyAttributes(old.file().disk(), file.file().disk());
     file.publish();
-    library.disk.removeTemporary(oldPath);
+    try {
+        library.disk.removeTemporary(oldPath);
+    } catch (const Error&) {
+        library.disk.removeTemporary(newPath); // the group keeps its old name, and is there once
+        throw;
+    }
     library.disk.syncFolder(library.folder);
     return newName;
 }

@@ -26,13 +26,14 @@ GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, 
     requireValidName(library, name, GroupLevel::TopLevel);
     const GroupAddress address = topLevelAddress(name.text);
     const std::filesystem::path path = pathOf(library, address.file);
-    if (library.disk.exists(path)) {
-        if (ifTaken == IfTaken::Refuse)
-            throw Error(ErrorCode::Exists, path, "the group exists already");
-        library.disk.trash(path);
-    }
+    const bool isTaken = library.disk.exists(path);
+    if (isTaken && ifTaken == IfTaken::Refuse)
+        throw Error(ErrorCode::Exists, path, "the group exists already");
     NewGroupFile file(library, path);
     createGroupPair(StorageHandle(file.file().root()), address.storage, kNoParent, name.text);
+    file.prepare(); // what can fail for want of space fails with the old file in its place
+    if (isTaken)
+        removeGroupFile(library, address.file);
     file.publish();
     return address;
 }
@@ -111,8 +112,10 @@ std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress
     const auto groups =
         readGroups(access.root(), group.file, top.value_or(StorageName{group.file.text}));
     // Parents stand before their children, so one pass collects the whole subtree.
-    std::set<std::u16string> doomed{group.storage.text};
-    std::vector<GroupAddress> removed{group};
+    const auto element = access.root().find(group.storage.text); // as the file spells it
+    const GroupAddress first{group.file, {element->name}};
+    std::set<std::u16string> doomed{first.storage.text};
+    std::vector<GroupAddress> removed{first};
     for (const GroupEntry& entry : groups) {
         if (doomed.contains(entry.parent.text) && doomed.insert(entry.address.storage.text).second)
             removed.push_back(entry.address);

@@ -52,16 +52,26 @@ NewGroupFile::NewGroupFile(const Library& library, std::filesystem::path target)
     : library_(library), target_(std::move(target)) {
     const std::filesystem::path folder = target_.parent_path();
     removeLeftovers(library_, folder);
-    temporary_ = folder / randomName();
-    std::unique_ptr<compound::DiskFile> disk = library_.disk.create(temporary_);
+    std::unique_ptr<compound::DiskFile> disk = createLocked(folder);
     try {
-        if (!disk->lock(library_.lockWait))
-            throw Error(ErrorCode::Locked, temporary_, "the file is in use by another program");
         file_.emplace(compound::CompoundFile::create(std::move(disk)));
     } catch (...) {
         library_.disk.removeTemporary(temporary_);
         throw;
     }
+}
+
+// Between creating and locking, another program may take the file for a leftover and remove it.
+std::unique_ptr<compound::DiskFile>
+NewGroupFile::createLocked(const std::filesystem::path& folder) {
+    constexpr int kTries = 10;
+    for (int i = 0; i < kTries; ++i) {
+        temporary_ = folder / randomName();
+        std::unique_ptr<compound::DiskFile> disk = library_.disk.create(temporary_);
+        if (disk->lock(library_.lockWait) && disk->isStillAtPath())
+            return disk;
+    }
+    throw Error(ErrorCode::Locked, temporary_, "the file is in use by another program");
 }
 
 NewGroupFile::~NewGroupFile() {

@@ -6,6 +6,7 @@
 #include "store/library.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 
 namespace store {
@@ -21,6 +22,9 @@ class NewGroupFile {
 
     compound::CompoundFile& file() { return *file_; }
 
+    // Makes the content durable under the temporary name.
+    void prepare() { file_->commit(); }
+
     // Commits, and gives the file its name. Exists (and nothing changed) when the name is taken.
     void publish();
 
@@ -28,6 +32,8 @@ class NewGroupFile {
     void publishInPlaceOf(compound::DiskFile& old);
 
   private:
+    std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder);
+
     const Library& library_;
     std::filesystem::path target_;
     std::filesystem::path temporary_;

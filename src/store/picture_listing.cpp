@@ -56,6 +56,8 @@ class RecordPass {
 
 // One picture with a damaged chain does not hide those behind it: it comes without bytes.
 std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& element) {
+    if (element.size > kMaximumPictureBytes)
+        return {};
     try {
         return group.OpenStream(element).Get();
     } catch (const Error& error) {

@@ -146,6 +146,9 @@ StoredPicture readPicture(const Library& library, const GroupAddress& group,
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
     const Element element = findPicture(access, name);
+    if (element.size > kMaximumPictureBytes)
+        throw Error(ErrorCode::TooLarge, access.file().disk().path(),
+                    "\"" + toUtf8(element.name) + "\" is too large for a picture");
     StoredPicture picture{{element.name}, {}, {}};
     if (access.openInfo(group))
         picture.record = readRecord(access, element.name);

@@ -21,8 +21,9 @@ namespace store {
 
 enum class IfPictureExists { Refuse, Replace };
 
-// Larger source files are refused with TooLarge before they are read.
-inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{256} << 20U;
+// Larger pictures are refused with TooLarge before they are read. The largest that can be decoded,
+// 40 million pixels of 32 bits, takes less.
+inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{168} << 20U;
 
 // Reads, measures and stores a picture file. Everything that can fail for the picture's sake is
 // done before the group file is touched. Exists, InvalidName, InvalidPicture, TooLarge.
@@ -81,7 +82,8 @@ std::string readPictureType(const Library& library, const GroupAddress& group,
 
 // Walks the elements of the group storage from the element index `start` on (`Name` and `Parent`
 // count as elements, but are not delivered) and hands each picture to `take`, until take returns
-// TakePicture::Stop or the elements end. A picture with damaged bytes is handed over without any.
+// TakePicture::Stop or the elements end. A picture with damaged or too many bytes is handed over
+// without any.
 enum class TakePicture { Continue, Stop };
 void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
                   const std::function<TakePicture(const StoredPicture&)>& take);

@@ -127,7 +127,22 @@ void StorageAccess::openFile(const FileName& file, compound::Access access) {
 
 void StorageAccess::openGroup(const GroupAddress& group, compound::Access access) {
     openFile(group.file, access);
-    groupStorage_.emplace(root().OpenStorage(group.storage.text, OpenMode::Open));
+    const auto element = root().find(group.storage.text);
+    if (!element || element->kind != compound::ElementKind::Storage)
+        throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
+                    "there is no group \"" + toUtf8(group.storage.text) + "\"");
+    groupStorage_.emplace(root().OpenStorage(element->name, OpenMode::Open));
+    if (!isTopLevel(group))
+        requireGroup(element->name);
+}
+
+// An info storage, or another program's, is no group: nothing in it is ours to change.
+void StorageAccess::requireGroup(std::u16string_view storage) const {
+    const bool isNumbered = storage.starts_with(kSubGroupPrefix);
+    const bool hasTexts = isNumbered || groupStorage_->find(kNameStream).has_value() ||
+                          groupStorage_->find(kParentStream).has_value();
+    if (!hasTexts || endsWithIgnoringCase(storage, kInfoSuffix))
+        throw Error(ErrorCode::NotFound, {}, "\"" + toUtf8(storage) + "\" is no group");
 }
 
 bool StorageAccess::openInfo(const GroupAddress& group) {

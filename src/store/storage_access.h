@@ -97,6 +97,8 @@ class StorageAccess {
     void release();
 
   private:
+    void requireGroup(std::u16string_view storage) const;
+
     const Library& library_;
     std::optional<compound::CompoundFile> fileStorage_;
     std::optional<StorageHandle> groupStorage_;

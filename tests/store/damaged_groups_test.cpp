@@ -75,6 +75,13 @@ TEST_F(DamagedGroupTest, SettingAsideKeepsWhatWasSetAsideBefore) {
     EXPECT_EQ(removeDamagedFiles(library), 0U);
 }
 
+TEST_F(DamagedGroupTest, WhatHasBecomeSoundIsNotSetAside) {
+    topGroup(u"Plant");
+    setAside(library, {u"Plant"}); // as after a test of the file that stood there before
+    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
+    EXPECT_THAT(damagedFiles(library), IsEmpty());
+}
+
 TEST_F(DamagedGroupTest, ALockedFileIsNeverWrittenOrRemoved) {
     const GroupAddress plant = topGroup(u"Plant");
     const GroupAddress below = subGroup(plant, u"Below");
@@ -88,6 +95,9 @@ TEST_F(DamagedGroupTest, ALockedFileIsNeverWrittenOrRemoved) {
     EXPECT_EQ(code([&] { deleteGroup(library, below); }), ErrorCode::Locked);
     EXPECT_EQ(code([&] { removeGroupFile(library, plant.file); }), ErrorCode::Locked);
     EXPECT_EQ(code([&] { compactGroupFile(library, "/library/Plant.stg"); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { setAside(library, plant.file); }), ErrorCode::Locked);
+    EXPECT_EQ(code([&] { createGroup(library, std::nullopt, {u"Plant"}, IfTaken::Replace); }),
+              ErrorCode::Locked);
     EXPECT_EQ(disk.content("/library/Plant.stg"), bytes);
     EXPECT_EQ(disk.list("/library").size(), 1U);
 }

@@ -113,6 +113,11 @@ TEST_F(GroupTest, ForeignElementsAreCarriedAlong) {
         raw.commit();
     }
     EXPECT_THAT(treeOf(u"Plant"), IsEmpty());
+    // Neither they nor the info storages are groups that a command could act on.
+    for (const char16_t* key : {u"Vendor/Plant", u"PlantInfo/Plant"}) {
+        EXPECT_EQ(errorOf([&] { deleteGroup(library, addressOf(key)); }), ErrorCode::NotFound);
+        EXPECT_EQ(errorOf([&] { add(addressOf(key), u"x"); }), ErrorCode::NotFound);
+    }
     renameGroup(library, topLevelAddress(u"Plant"), {u"Works"});
     EXPECT_THAT(rootOf(u"Works"), ElementsAre(u"Loose", u"Vendor", u"Works", u"WorksInfo"));
 }
@@ -185,7 +190,7 @@ TEST_F(GroupTest, DeletingAGroupTakesItsWholeSubtree) {
         raw.root().destroy(u"Sub2Info"); // a group may have lost its records
         raw.commit();
     }
-    const std::vector<GroupAddress> removed = deleteGroup(library, pumps);
+    const std::vector<GroupAddress> removed = deleteGroup(library, addressOf(u"sub1/Plant"));
     EXPECT_EQ(removed.size(), 3U);
     EXPECT_EQ(removed.back(), pumps);
     EXPECT_THAT(rootOf(u"Plant"), ElementsAre(u"Plant", u"PlantInfo", u"Sub4", u"Sub4Info"));

@@ -98,6 +98,25 @@ TEST_F(PictureTest, TestingANameChangesNothing) {
     EXPECT_EQ(disk.content("/library/Plant.stg"), bytes);
 }
 
+TEST_F(PictureTest, AStreamTooLargeForAPictureIsNotRead) {
+    add(group, u"small");
+    {
+        compound::CompoundFile raw = openRaw(u"Plant");
+        compound::Stream huge = raw.root().openStorage(u"Sub1").createStream(u"huge");
+        const std::vector<std::byte> zeros(std::size_t{8} << 20U);
+        while (huge.size() <= kMaximumPictureBytes)
+            huge.append(zeros);
+        raw.commit();
+    }
+    EXPECT_EQ(errorOf([&] { readPicture(library, group, {u"huge"}); }), ErrorCode::TooLarge);
+    std::vector<std::size_t> sizes;
+    walkPictures(library, group, 0, [&](const StoredPicture& picture) {
+        sizes.push_back(picture.bytes.size());
+        return TakePicture::Continue;
+    });
+    EXPECT_THAT(sizes, ElementsAre(0U, std::string("PIC480 480 ").size()));
+}
+
 TEST_F(PictureTest, RenamingMovesStreamAndRecord) {
     addPicture(library, group, {u"Logo"}, source("a.gif", 15, 30, "logo"));
     add(group, u"Other", "other");
