@@ -15,7 +15,7 @@ std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
         try {
             store::setAside(library, file);
             return std::nullopt;
-        } catch (const compound::Error& error) {
+        } catch (const std::exception& error) {
             group.reading.cause += std::string("\n") + error.what();
         }
     }

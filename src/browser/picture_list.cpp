@@ -37,14 +37,14 @@ class NameDelegate : public QStyledItemDelegate {
                       const QModelIndex& index) const override {
         const auto* field = qobject_cast<QLineEdit*>(editor);
         const QString before = index.data().toString();
-        if (field == nullptr || field->text() == before) {
+        if (field == nullptr || field->text() == before || !list_->group()) {
             return;
         }
         // A box now would take the focus from the editor and end the editing a second time.
         QMetaObject::invokeMethod(
             list_,
-            [list = list_, before, after = field->text()] {
-                emit list->renameWanted(before, after);
+            [list = list_, group = *list_->group(), before, after = field->text()] {
+                emit list->renameWanted(group, before, after);
             },
             Qt::QueuedConnection);
     }
@@ -101,9 +101,11 @@ void PictureList::setCaptions() {
     setHeaderLabels(captions);
 }
 
-void PictureList::fill(std::span<const store::PictureEntry> pictures) {
+void PictureList::fill(const std::optional<store::GroupAddress>& group,
+                       std::span<const store::PictureEntry> pictures) {
     const QScopedValueRollback guard(selectingByProgram_, true);
     clear();
+    group_ = group;
     const auto widths = columnWidths(app::toTwips(width()));
     for (std::size_t column = 0; column < kListColumns; ++column) {
         setColumnWidth(static_cast<int>(column), app::toPixels(widths.at(column)));

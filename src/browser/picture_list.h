@@ -7,6 +7,7 @@
 #include <QTreeWidget>
 
 #include <array>
+#include <optional>
 #include <span>
 
 namespace browser {
@@ -27,8 +28,13 @@ class PictureList : public QTreeWidget {
 
     void setCaptions();
 
-    // Replaces all rows, in the order given, and sets the columns' widths.
-    void fill(std::span<const store::PictureEntry> pictures);
+    // Replaces all rows by the pictures of `group`, in the order given, and sets the columns'
+    // widths.
+    void fill(const std::optional<store::GroupAddress>& group,
+              std::span<const store::PictureEntry> pictures);
+
+    // The group whose pictures are shown.
+    const std::optional<store::GroupAddress>& group() const { return group_; }
 
     bool isEmpty() const { return topLevelItemCount() == 0; }
 
@@ -45,8 +51,9 @@ class PictureList : public QTreeWidget {
     void rowClicked(const QString& name);
     // A mouse button was released over the list.
     void mouseReleased(Qt::MouseButton button, const QPoint& globalPosition);
-    // Editing a name ended with another one; the row still shows the old.
-    void renameWanted(const QString& from, const QString& to);
+    // Editing a name of `group` ended with another one; the row still shows the old. By now another
+    // group may be shown.
+    void renameWanted(const store::GroupAddress& group, const QString& from, const QString& to);
     void activatedByUser(const QString& name); // Enter
     void pointerMoved();
 
@@ -58,6 +65,7 @@ class PictureList : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    std::optional<store::GroupAddress> group_;
     bool selectingByProgram_ = false;
     bool reportedDuringPress_ = false;
 };

@@ -145,7 +145,7 @@ std::vector<std::size_t> PicturePanel::readIndexes() const {
     }
     try {
         return store::pictureIndexes(*library_, *group_);
-    } catch (const compound::Error&) {
+    } catch (const std::exception&) {
         return {};
     }
 }
@@ -210,7 +210,7 @@ void PicturePanel::showGroupAnew() {
         if (group_) {
             FillListView(*group_);
         } else {
-            lvwInfo_->fill({});
+            lvwInfo_->fill(group_, {});
         }
         showListRow();
     }
@@ -224,10 +224,28 @@ void PicturePanel::Aktualisieren() {
     }
     SetImgScrollProperties();
     onScrollChanged();
-    if (loader_.isBusy() && shownPicture() == app::text(app::kTextNoPicture)) {
-        SelectPicture(); // the group has its first pictures now
-    }
+    showAgain();
     emit menuStateWanted();
+}
+
+// The chosen picture may have got other bytes, or be gone; or the group has its first pictures now.
+void PicturePanel::showAgain() {
+    const QString shown = shownPicture();
+    if (shown.isEmpty()) {
+        return; // nothing was chosen yet
+    }
+    bool isThere = false;
+    try {
+        isThere = library_ != nullptr && group_ && shown != app::text(app::kTextNoPicture) &&
+                  store::pictureExists(*library_, *group_, {shown.toStdU16String()});
+    } catch (const std::exception&) {
+        isThere = false;
+    }
+    if (isThere) {
+        choose(shown);
+    } else {
+        SelectPicture();
+    }
 }
 
 void PicturePanel::FillListView(const store::GroupAddress& group) {
@@ -236,10 +254,10 @@ void PicturePanel::FillListView(const store::GroupAddress& group) {
         if (library_ != nullptr) {
             pictures = store::listPictures(*library_, group);
         }
-    } catch (const compound::Error&) {
+    } catch (const std::exception&) {
         pictures.clear(); // shown as a group without pictures
     }
-    lvwInfo_->fill(pictures);
+    lvwInfo_->fill(group, pictures);
     lvwInfo_->selectFirst();
 }
 
@@ -269,7 +287,7 @@ void PicturePanel::VorschauDeaktiviert() {
         FillListView(*group_);
         showListRow();
     } else {
-        lvwInfo_->fill({});
+        lvwInfo_->fill(group_, {});
     }
     loader_.stop();
     strip_->setCellsVisible(false);
@@ -296,7 +314,7 @@ void PicturePanel::SelectPicture() {
                 return store::TakePicture::Stop;
             });
         }
-    } catch (const compound::Error&) {
+    } catch (const std::exception&) {
         first.reset();
     }
     if (first) {
@@ -314,7 +332,7 @@ void PicturePanel::choose(const QString& name) {
         if (library_ != nullptr && group_) {
             showStored(store::readPicture(*library_, *group_, {name.toStdU16String()}));
         }
-    } catch (const compound::Error&) {
+    } catch (const std::exception&) {
         imgVorschau_->showUndecodable();
     }
 }
@@ -348,10 +366,13 @@ void PicturePanel::ShowNoPicture() {
     ClearVorschau();
 }
 
-void PicturePanel::renamed(const QString& from, const QString& to) {
-    if (library_ == nullptr || !group_ ||
-        !renameInPlace(*library_, *group_, from, to, surface_->window())) {
+void PicturePanel::renamed(const store::GroupAddress& group, const QString& from,
+                           const QString& to) {
+    if (library_ == nullptr || !renameInPlace(*library_, group, from, to, surface_->window())) {
         return;
+    }
+    if (group_ != group) {
+        return; // a click on another group has ended the editing
     }
     lvwInfo_->rename(from, to);
     setLabel(to);

@@ -96,7 +96,8 @@ class PicturePanel : public QObject {
     void showStored(const store::StoredPicture& picture);
     void setLabel(const QString& text);
     void showListRow();
-    void renamed(const QString& from, const QString& to);
+    void showAgain();
+    void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
     std::vector<std::size_t> readIndexes() const;
 
     QWidget* surface_;

@@ -65,7 +65,7 @@ bool ThumbnailLoader::readSome() {
     };
     try {
         store::walkPictures(*library_, page_.group, page_.elements[read_], take);
-    } catch (const compound::Error&) {
+    } catch (const std::exception&) {
         read_ = page_.elements.size(); // what was read before is still shown
     }
     return !undecoded_.empty();

@@ -137,7 +137,7 @@ void frmNeueGruppe::create() {
             return;
         }
         created = store::createGroup(view_.library(), parent, name);
-    } catch (const compound::Error& error) {
+    } catch (const std::exception& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::text(kCaption), this);
         return;
     }

@@ -241,6 +241,42 @@ TEST_F(MainPictures, RenamingInPlaceAsksTheStore) {
     EXPECT_EQ(rows(), (QStringList{"P2", "PUMPE 1"})); // in the store's order
 }
 
+TEST_F(MainPictures, ARenameEndedByAClickElsewhereStaysInItsGroup) {
+    const store::GroupAddress other = makeGroup("Andere");
+    addPicture(other, "P1");
+    startWith({"P1"});
+    trigger("Men_Extras_0");
+    auto* list = find<QTreeWidget>("lvwInfo");
+    list->setFocus();
+    list->editItem(list->topLevelItem(0), 0);
+    auto* editor = list->viewport()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->setText("Neu");
+    clickNode("Andere"); // takes the focus, so the editing ends
+    QTest::qWait(0);
+    settle();
+    EXPECT_EQ(boxes_.take().size(), 0U);
+    EXPECT_EQ(rows(), QStringList{"P1"});
+    EXPECT_TRUE(store::pictureExists(library(), other, {u"P1"}));
+    EXPECT_TRUE(store::pictureExists(library(), group_, {u"Neu"}) ||
+                store::pictureExists(library(), group_, {u"P1"}));
+}
+
+TEST_F(MainPictures, AReplacedPictureIsShownAnew) {
+    startWith({"P1", "P2"});
+    QTest::mouseClick(thumbnail("P2"), Qt::LeftButton);
+    store::deletePicture(library(), group_, {u"P2"});
+    addPicture(group_, "P2", Qt::blue);
+    window().Aktualisieren();
+    settle();
+    EXPECT_EQ(label(), "P2");
+    EXPECT_EQ(previewCentre(), QColor(Qt::blue));
+    store::deletePicture(library(), group_, {u"P2"});
+    window().Aktualisieren();
+    settle();
+    EXPECT_EQ(label(), "P1") << "the shown picture is gone";
+}
+
 TEST_F(MainPictures, TheFirstPicturesOfAGroupEndItsEmptyState) {
     startWith({});
     EXPECT_EQ(label(), app::text(7));
