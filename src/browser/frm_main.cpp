@@ -261,7 +261,8 @@ void frmMain::SelectFirstGroup() {
 
 void frmMain::showSelectedGroup() {
     const auto selected = tree_->selected();
-    panel_->setGroup(selected ? std::optional(selected->address) : std::nullopt);
+    const bool isReadable = selected && !tree_->selectedIsMarked();
+    panel_->setGroup(isReadable ? std::optional(selected->address) : std::nullopt);
     CurrentGroup_ = tree_->selectedKey();
     panel_->showGroupAnew();
 }

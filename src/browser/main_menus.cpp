@@ -47,6 +47,9 @@ MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* o
     for (const Band& band : commands::bands()) {
         buildBand(band, owner);
     }
+    for (const commands::IdleTool& tool : commands::idleTools()) {
+        buildTool(tool.key, tool.storedCaption, owner);
+    }
     actionOf(menus_.at(static_cast<std::size_t>(MenuId::Hilfe)),
              actionName(commands::menu(MenuId::Hilfe), 0))
         ->setShortcut(QKeySequence::HelpContents);
@@ -78,18 +81,21 @@ void MainMenus::buildMenu(QMenuBar* bar, const Menu& menu) {
     bar->addMenu(popUp);
 }
 
+QAction* MainMenus::buildTool(std::string_view key, std::u16string_view caption, QObject* owner) {
+    auto* tool = new QAction(
+        QString::fromUtf16(caption.data(), static_cast<qsizetype>(caption.size())), owner);
+    tool->setObjectName(fromAscii(key));
+    connect(tool, &QAction::triggered, this,
+            [this, name = tool->objectName()] { dispatcher_.toolClick(name); });
+    return tool;
+}
+
 void MainMenus::buildBand(const Band& band, QWidget* owner) {
     auto* popUp = new QMenu(owner);
     popUp->setObjectName(fromAscii(band.name));
     for (const commands::Tool& tool : band.tools) {
-        auto* action =
-            new QAction(QString::fromUtf16(tool.storedCaption.data(),
-                                           static_cast<qsizetype>(tool.storedCaption.size())),
-                        popUp);
-        action->setObjectName(fromAscii(tool.key));
+        QAction* action = buildTool(tool.key, tool.storedCaption, popUp);
         action->setEnabled(commands::hasHandler(tool.command));
-        connect(action, &QAction::triggered, this,
-                [this, key = fromAscii(tool.key)] { dispatcher_.toolClick(key); });
         popUp->addAction(action);
     }
     bands_.at(static_cast<std::size_t>(band.id)) = popUp;

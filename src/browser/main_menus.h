@@ -1,7 +1,8 @@
 // The menu bar and the two pop-up bands, built from the tables of commands.
 //
-// A menu item is the action MENU_INDEX (Men_Datei_0), a tool of a band the action with its key as
-// name; the menus themselves are named Men_Datei, ..., the bands Band1 and Band2.
+// A menu item is the action MENU_INDEX (Men_Datei_0), a tool the action with its key as name (tools
+// without a band belong to the window and do nothing); the menus themselves are named Men_Datei,
+// ..., the bands Band1 and Band2.
 #pragma once
 
 #include "commands/dispatcher.h"
@@ -10,6 +11,7 @@
 #include <QObject>
 
 #include <array>
+#include <string_view>
 
 class QAction;
 class QMenu;
@@ -41,6 +43,7 @@ class MainMenus : public QObject {
 
   private:
     void buildMenu(QMenuBar* bar, const commands::Menu& menu);
+    QAction* buildTool(std::string_view key, std::u16string_view caption, QObject* owner);
     void buildBand(const commands::Band& band, QWidget* owner);
     void updateEditItem();
 
