@@ -80,11 +80,20 @@ std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name
     }
     if (trusted_)
         return std::nullopt;
-    for (const EntryId id : elements(storage)) {
-        if (compare(name, id) == 0)
-            return id;
+    return findAnywhere(storage, name);
+}
+
+// A tree in another order is walked once; its names in our order then serve every further search.
+std::optional<EntryId> Directory::findAnywhere(EntryId storage, std::u16string_view name) {
+    const auto [walked, isNew] = walked_.try_emplace(storage);
+    std::vector<EntryId>& ids = walked->second;
+    if (isNew) {
+        ids = elements(storage);
+        sortByName(ids);
     }
-    return std::nullopt;
+    const auto found = std::partition_point(ids.begin(), ids.end(),
+                                            [&](EntryId id) { return compare(name, id) > 0; });
+    return found != ids.end() && compare(name, *found) == 0 ? std::optional(*found) : std::nullopt;
 }
 
 void Directory::reach(EntryId storage, EntryId id) {
@@ -170,24 +179,29 @@ void Directory::makeSound() {
         if (isSound(storage, walked))
             continue;
         sortByName(walked);
+        for (std::size_t i = 1; i < walked.size(); ++i) {
+            if (compare(name(walked[i - 1]), walked[i]) == 0)
+                file_.throwDamaged("two elements of one storage bear one name");
+        }
         rebuild(storage, walked);
     }
     trusted_ = true;
+    walked_.clear();
 }
 
+// Of elements that bear one name the first stays the first.
 void Directory::sortByName(std::vector<EntryId>& ids) {
-    std::vector<std::pair<std::u16string, EntryId>> named;
+    std::vector<std::pair<std::u16string, std::size_t>> named; // with their places in `ids`
     named.reserve(ids.size());
     for (const EntryId id : ids)
-        named.emplace_back(name(id), id);
+        named.emplace_back(name(id), named.size());
     std::sort(named.begin(), named.end(), [](const auto& one, const auto& other) {
-        return compareNames(one.first, other.first) < 0;
+        const int order = compareNames(one.first, other.first);
+        return order != 0 ? order < 0 : one.second < other.second;
     });
-    for (std::size_t i = 0; i < named.size(); ++i) {
-        if (i > 0 && compareNames(named[i - 1].first, named[i].first) == 0)
-            file_.throwDamaged("two elements of one storage bear one name");
-        ids[i] = named[i].second;
-    }
+    const std::vector<EntryId> before = ids;
+    std::transform(named.begin(), named.end(), ids.begin(),
+                   [&](const auto& entry) { return before[entry.second]; });
 }
 
 // A tree of the least height: all levels but the lowest are full and black, the lowest is red.

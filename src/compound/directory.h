@@ -8,6 +8,7 @@
 #include "compound/directory_entries.h"
 
 #include <optional>
+#include <unordered_map>
 
 namespace compound {
 
@@ -46,10 +47,12 @@ class Directory : public DirectoryEntries {
     void rebuild(EntryId storage, const std::vector<EntryId>& ordered);
     bool isSound(EntryId storage, const std::vector<EntryId>& walked);
     void sortByName(std::vector<EntryId>& ids);
+    std::optional<EntryId> findAnywhere(EntryId storage, std::u16string_view name);
 
     bool trusted_;
-    std::vector<EntryId> storageOf_; // of the elements reached so far
-    std::vector<EntryId> freed_;     // by this transaction, to be taken again first
+    std::unordered_map<EntryId, std::vector<EntryId>> walked_; // elements by name, see findAnywhere
+    std::vector<EntryId> storageOf_;                           // of the elements reached so far
+    std::vector<EntryId> freed_; // by this transaction, to be taken again first
 };
 
 } // namespace compound
