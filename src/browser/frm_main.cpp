@@ -160,10 +160,12 @@ void frmMain::closeEvent(QCloseEvent* event) {
 void frmMain::unload() {
     app::Settings& settings = app::settings();
     removeTemporaryPictures(settings.temporaryFolderPath());
-    if (isReachable_) {
-        settings.setCurrentGroup(tree_->selectedKey());
+    // What is remembered waits until the library, or a group that was locked, is there again.
+    const QString selected = tree_->selectedKey();
+    if (isReachable_ && !(selected.isEmpty() && isRememberedLocked_)) {
+        settings.setCurrentGroup(selected);
     } else {
-        settings.readCurrentGroup(); // what is remembered waits until the library is there again
+        settings.readCurrentGroup();
     }
     try {
         settings.save();
@@ -232,10 +234,13 @@ void frmMain::SetCurrentGroup(const store::GroupAddress& group) {
 void frmMain::SelectNode() {
     app::Settings& settings = app::settings();
     settings.readCurrentGroup();
+    const QString remembered = settings.currentGroup();
     // Nothing waits for the pictures of a group that is known to be locked.
-    if (tree_->selectKey(settings.currentGroup()) && !tree_->selectedIsMarked()) {
+    if (tree_->selectKey(remembered) && !tree_->selectedIsMarked()) {
         panel_->setGroup(tree_->selected()->address);
     }
+    const store::FileName file = store::addressOf(remembered.toStdU16String()).file;
+    isRememberedLocked_ = tree_->isMarked(file);
     // The first click on the selected node shall fill the view anew.
     CurrentGroup_ = tree_->firstNodeText();
 }

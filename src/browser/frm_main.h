@@ -100,6 +100,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
                            // after TreeViewAdd, a node's text
     QString loadFailure_;
     bool isReachable_ = false;
+    bool isRememberedLocked_ = false; // the remembered group lies in a file that cannot be read
     bool isLoaded_ = false;
     bool Activated_ = false;
     bool isUnloaded_ = false;

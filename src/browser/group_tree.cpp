@@ -261,6 +261,16 @@ bool GroupTree::selectedIsMarked() const {
     return item != nullptr && item->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None);
 }
 
+bool GroupTree::isMarked(const store::FileName& file) const {
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* top = topLevelItem(i);
+        if (top->data(0, kFileRole).toString() == textOf(file.text)) {
+            return top->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None);
+        }
+    }
+    return false;
+}
+
 void GroupTree::onSelectionChanged() {
     if (selectingByProgram_) {
         return;

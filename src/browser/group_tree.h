@@ -52,6 +52,7 @@ class GroupTree : public QTreeWidget {
 
     // Whether the selected node's file could not be read last time.
     bool selectedIsMarked() const;
+    bool isMarked(const store::FileName& file) const; // the same of any file
 
   signals:
     // The user chose the node that is selected now (also when it was selected before).

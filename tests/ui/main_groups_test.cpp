@@ -267,6 +267,23 @@ TEST_F(MainGroups, LockedGroupLastUsedIsSelectedButEmptyAfterAStart) {
     EXPECT_EQ(label(), "P1");
 }
 
+TEST_F(MainGroups, ASubGroupOfALockedFileStaysRemembered) {
+    makeGroup("Kreisel", makeGroup("Pumpen"));
+    start();
+    clickNode("Pumpen/Kreisel");
+    window().close();
+    {
+        auto file = platform::nativeDisk().open(library().folder / "Pumpen.stg",
+                                                compound::Access::ReadWrite);
+        ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        restart();
+        EXPECT_EQ(selectedNode(), "");
+        window().close();
+    }
+    restart();
+    EXPECT_EQ(selectedNode(), "Kreisel");
+}
+
 TEST_F(MainGroups, UnfoldingALockedGroupTriesItAgain) {
     makeGroup("Kreisel", makeGroup("Pumpen"));
     auto file =
