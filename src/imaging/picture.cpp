@@ -195,8 +195,7 @@ Picture decode(std::span<const std::byte> bytes) {
     }
 }
 
-Picture::Picture(PictureFacts facts, QImage image)
-    : facts_(std::move(facts)), image_(std::move(image)) {}
+Picture::Picture(PictureFacts facts, QImage image) : facts_(facts), image_(std::move(image)) {}
 
 QImage Picture::scaledTo(QSize box) const {
     if (box.isEmpty())

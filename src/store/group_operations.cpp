@@ -24,7 +24,7 @@ void requireValidName(const Library& library, const GroupName& name, GroupLevel 
 
 GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, IfTaken ifTaken) {
     requireValidName(library, name, GroupLevel::TopLevel);
-    const GroupAddress address = topLevelAddress(name.text);
+    GroupAddress address = topLevelAddress(name.text);
     const std::filesystem::path path = pathOf(library, address.file);
     const bool isTaken = library.disk.exists(path);
     if (isTaken && ifTaken == IfTaken::Refuse)

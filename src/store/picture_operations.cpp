@@ -203,7 +203,7 @@ std::filesystem::path exportPicture(const Library& library, const GroupAddress& 
                                     const std::string& baseName) {
     const StoredPicture picture = readPicture(library, group, name);
     const std::string type = picture.record.type.empty() ? "JPG" : picture.record.type;
-    const std::filesystem::path path = folder / (baseName + "." + type);
+    std::filesystem::path path = folder / (baseName + "." + type);
     library.disk.removeTemporary(path);
     library.disk.create(path)->write(0, picture.bytes);
     return path;
