@@ -113,6 +113,8 @@ bool NativeFile::tryLock() {
 }
 
 bool NativeFile::lock(std::chrono::milliseconds wait) {
+    if (tryLock())
+        return true;
     const auto end = std::chrono::steady_clock::now() + wait;
     while (!tryLock()) {
         const auto left = end - std::chrono::steady_clock::now();

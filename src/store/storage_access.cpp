@@ -96,14 +96,16 @@ std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
                                                const std::filesystem::path& path,
                                                compound::Access access,
                                                std::chrono::milliseconds wait) {
-    const LockBudget budget(wait);
+    std::optional<LockBudget> budget; // started by the first file that was replaced meanwhile
     while (true) {
         std::unique_ptr<compound::DiskFile> file = disk.open(path, access);
-        if (!file->lock(budget.remaining()))
+        if (!file->lock(budget ? budget->remaining() : wait))
             throw Error(ErrorCode::Locked, path, "the file is in use by another program");
         if (file->isStillAtPath())
             return file;
-        if (budget.remaining().count() == 0)
+        if (!budget)
+            budget.emplace(wait);
+        if (budget->remaining().count() == 0)
             throw Error(ErrorCode::Locked, path, "the file is being replaced by another program");
     }
 }
