@@ -209,7 +209,7 @@ DibHeader readDibHeader(std::span<const std::byte> bytes, DibUse use) {
     header.compression = compressionOf(in, header);
     requireKnownDepth(header);
     const std::size_t masks = readMasks(in, header);
-    if (use == DibUse::IconFrame && header.bitsPerPixel == 32 && header.masks[3] == 0)
+    if (use != DibUse::File && header.bitsPerPixel == 32 && header.masks[3] == 0)
         header.masks[3] = 0xFF000000;
     header.paletteAt = header.headerSize + masks;
     header.paletteEntries = paletteEntries(in, header);
@@ -231,9 +231,12 @@ std::vector<QRgb> readDibPalette(std::span<const std::byte> bytes, const DibHead
 
 QImage readDibPixels(std::span<const std::byte> bytes, const DibHeader& header,
                      std::size_t pixelsAt, DibUse use) {
-    const ByteReader in(bytes);
-    const std::vector<QRgb> palette = readDibPalette(bytes, header);
-    const auto pixels = in.rest(pixelsAt);
+    return readDibPixels(ByteReader(bytes).rest(pixelsAt), header, readDibPalette(bytes, header),
+                         use);
+}
+
+QImage readDibPixels(std::span<const std::byte> pixels, const DibHeader& header,
+                     const std::vector<QRgb>& palette, DibUse use) {
     if (header.compression == DibCompression::Rle4 || header.compression == DibCompression::Rle8)
         return readRunLengths(pixels, header, palette);
     const std::size_t rowBytes = dibRowBytes(header.width, header.bitsPerPixel);

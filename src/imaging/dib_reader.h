@@ -34,9 +34,9 @@ struct DibHeader {
     std::size_t pixelsAt = 0;             // behind header, masks and palette
 };
 
-// Whether an icon frame is read, whose height counts the mask's rows too and whose 32-bit pixels
-// have alpha.
-enum class DibUse { File, IconFrame };
+// An icon frame's height counts the mask's rows too. The 32-bit pixels of icon frames and of
+// bitmaps to blend have alpha even where no mask says so.
+enum class DibUse { File, IconFrame, Blend };
 
 // Reads and checks the header that begins `bytes`; the size is checked against the limit.
 DibHeader readDibHeader(std::span<const std::byte> bytes, DibUse use);
@@ -49,8 +49,12 @@ std::vector<QRgb> readDibPalette(std::span<const std::byte> bytes, const DibHead
 
 // The pixels that begin at byte `pixelsAt` of `bytes`. What is missing at the end stays
 // transparent; DecodeError when not even the first row is there. The image is ARGB32, opaque
-// unless the header's masks (or an icon's 32-bit pixels) hold alpha.
+// unless the header's masks (or 32-bit pixels with another use than File) hold alpha.
 QImage readDibPixels(std::span<const std::byte> bytes, const DibHeader& header,
                      std::size_t pixelsAt, DibUse use);
+
+// The same, of pixels that lie apart from their header.
+QImage readDibPixels(std::span<const std::byte> pixels, const DibHeader& header,
+                     const std::vector<QRgb>& palette, DibUse use);
 
 } // namespace imaging
