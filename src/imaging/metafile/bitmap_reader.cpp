@@ -1,0 +1,119 @@
+#include "imaging/metafile/bitmap_reader.h"
+
+#include "imaging/byte_reader.h"
+#include "imaging/decoders.h"
+#include "imaging/dib_reader.h"
+
+#include <algorithm>
+
+namespace imaging::metafile {
+
+namespace {
+
+void requireModestSize(std::int64_t width, std::int64_t height) {
+    requireSensibleSize(width, height);
+    if (width * height > kMaximumBitmapPixels)
+        throw DecodeError("a picture inside the metafile has more than 24 million pixels");
+}
+
+void put32(std::vector<std::byte>& bytes, QRgb colour) {
+    for (const int value : {qBlue(colour), qGreen(colour), qRed(colour), 0})
+        bytes.push_back(static_cast<std::byte>(value));
+}
+
+// The header again, with the palette's colours in the place of their numbers.
+std::vector<std::byte> withColours(std::span<const std::byte> bytes, const DibHeader& header,
+                                   const Palette& palette) {
+    const ByteReader in(bytes);
+    std::vector<std::byte> result(bytes.begin(),
+                                  bytes.begin() + static_cast<std::ptrdiff_t>(header.paletteAt));
+    for (std::size_t i = 0; i < header.paletteEntries; ++i) {
+        const std::size_t at = header.paletteAt + 2 * i;
+        const std::size_t index = in.has(at, 2) ? in.u16(at) : 0;
+        put32(result, index < palette.colours.size() ? palette.colours[index] : qRgb(0, 0, 0));
+    }
+    return result;
+}
+
+DibUse useOf(AlphaUse alpha) {
+    return alpha == AlphaUse::Premultiplied ? DibUse::Blend : DibUse::File;
+}
+
+// JPG and PNG pictures stand in a bitmap's place.
+std::optional<QImage> readCompressed(const DibHeader& header, std::span<const std::byte> pixels) {
+    const bool jpg = header.compression == DibCompression::Jpeg;
+    if (!jpg && header.compression != DibCompression::Png)
+        return std::nullopt;
+    auto image = imaging::readEmbedded(pixels, jpg ? "jpg" : "png", {header.width, header.height});
+    if (!image)
+        throw DecodeError("a picture inside the metafile cannot be read");
+    return image;
+}
+
+QRgb oldPixel(const ByteReader& in, std::size_t row, int x, int bits) {
+    const auto column = static_cast<std::size_t>(x);
+    if (bits == 1)
+        return (in.u8(row + column / 8) >> (7 - column % 8) & 1U) != 0 ? qRgb(255, 255, 255)
+                                                                       : qRgb(0, 0, 0);
+    if (bits == 24 || bits == 32) {
+        const std::size_t at = row + column * static_cast<std::size_t>(bits / 8);
+        return qRgb(in.u8(at + 2), in.u8(at + 1), in.u8(at));
+    }
+    throw DecodeError("a bitmap's colours are of a device that is not known");
+}
+
+} // namespace
+
+QImage readBitmap(const BitmapSource& source) {
+    DibHeader header = readDibHeader(source.header, useOf(source.alpha));
+    requireModestSize(header.width, header.height);
+    if (const auto embedded = readCompressed(header, source.pixels))
+        return embedded->convertToFormat(source.alpha == AlphaUse::Premultiplied
+                                             ? QImage::Format_ARGB32_Premultiplied
+                                             : QImage::Format_ARGB32);
+    std::vector<std::byte> replaced;
+    std::vector<QRgb> colours;
+    if (source.palette != nullptr && header.paletteEntries > 0) {
+        replaced = withColours(source.header, header, *source.palette);
+        header.paletteEntrySize = 4;
+        colours = readDibPalette(replaced, header);
+    } else {
+        colours = readDibPalette(source.header, header);
+    }
+    QImage image = readDibPixels(source.pixels, header, colours, useOf(source.alpha));
+    if (source.alpha == AlphaUse::Premultiplied)
+        image.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+    return image;
+}
+
+QImage readPackedBitmap(std::span<const std::byte> bytes, const Palette* palette) {
+    const DibHeader header = readDibHeader(bytes, DibUse::File);
+    std::size_t pixelsAt = header.pixelsAt;
+    if (palette != nullptr)
+        pixelsAt = header.paletteAt + 2 * header.paletteEntries;
+    const ByteReader in(bytes);
+    return readBitmap({bytes, in.rest(pixelsAt), palette, AlphaUse::Ignored});
+}
+
+Bitmap readOldBitmap(std::span<const std::byte> header, std::span<const std::byte> pixels) {
+    const ByteReader in(header);
+    const int width = in.i16(2);
+    const int height = in.i16(4);
+    const int rowBytes = in.i16(6);
+    const int bits = in.u8(9);
+    requireModestSize(width, height);
+    if (rowBytes < 1)
+        throw DecodeError("a bitmap inside the metafile cannot be read");
+    const ByteReader data(pixels);
+    data.part(0, static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(height));
+    Bitmap bitmap{newImage({width, height}, QImage::Format_ARGB32), bits == 1};
+    for (int y = 0; y < height; ++y) {
+        auto* out = reinterpret_cast<QRgb*>(bitmap.image.scanLine(y));
+        const std::size_t row = static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(y);
+        for (int x = 0; x < width; ++x)
+            out[x] = oldPixel(data, row, x, bits);
+    }
+    return bitmap;
+}
+
+} // namespace imaging::metafile

@@ -1,0 +1,176 @@
+#include "imaging/metafile/emf_reader.h"
+
+#include "imaging/metafile/emf_records.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace imaging::metafile {
+
+namespace {
+
+constexpr std::uint32_t kHeader = 1;
+constexpr std::uint32_t kEndOfFile = 14;
+constexpr std::uint32_t kComment = 70;
+constexpr std::uint32_t kPlusIdentifier = 0x2B464D45; // "EMF+"
+constexpr std::size_t kSmallestHeader = 88;
+
+// How long the header itself is: a description or a pixel format may follow in the same record.
+std::size_t headerSize(const ByteReader& in) {
+    std::size_t size = in.u32(4);
+    if (in.u32(60) > 0 && in.u32(64) >= kSmallestHeader)
+        size = std::min<std::size_t>(size, in.u32(64));
+    if (in.has(88, 8) && size > kSmallestHeader && in.u32(88) > 0 && in.u32(92) >= kSmallestHeader)
+        size = std::min<std::size_t>(size, in.u32(92));
+    return size;
+}
+
+// Pixels of the device per millimetre of it, along one axis.
+double density(const ByteReader& in, std::size_t axis) {
+    constexpr double kUsual = 96 / 25.4;
+    constexpr std::size_t kMicrometres = 100;
+    const double pixels = in.i32(72 + 4 * axis);
+    double millimetres = in.i32(80 + 4 * axis);
+    // Longer headers tell the same more exactly.
+    if (headerSize(in) >= kMicrometres + 8 && in.has(kMicrometres, 8)) {
+        const double exact = in.i32(kMicrometres + 4 * axis) / 1000.0;
+        if (exact > 0 && (millimetres <= 0 || std::abs(exact - millimetres) < 0.1 * millimetres))
+            millimetres = exact;
+    }
+    if (pixels <= 0 || millimetres <= 0)
+        return kUsual;
+    const double value = pixels / millimetres;
+    return value > 0.01 && value < 10000 ? value : kUsual;
+}
+
+void readComment(const ByteReader& in, RecordSink& sink) {
+    const std::size_t size = in.u32(8);
+    if (size < 4 || !in.has(12, 4) || in.u32(12) != kPlusIdentifier)
+        return;
+    const auto rest = in.rest(16);
+    sink.takePlus(rest.first(std::min(rest.size(), size - 4)));
+}
+
+void readRecord(const EmfRecord& record, EmfReading& reading) {
+    if (record.type == kComment) {
+        readComment(record.in, reading.sink);
+        return;
+    }
+    for (const auto read :
+         {readEmfState, readEmfObject, readEmfShape, readEmfText, readEmfBitmap}) {
+        if (read(record, reading))
+            return;
+    }
+}
+
+template <typename Read>
+FileEnd forEachRecord(std::span<const std::byte> bytes, Read read) {
+    constexpr std::size_t kSmallest = 8;
+    const ByteReader in(bytes);
+    std::size_t at = 0;
+    while (in.has(at, kSmallest)) {
+        const std::uint32_t type = in.u32(at);
+        const std::size_t size = in.u32(at + 4);
+        if (type == kEndOfFile)
+            return FileEnd::Reached;
+        if (size < kSmallest || !in.has(at, size))
+            return FileEnd::Missing;
+        try {
+            read(EmfRecord{type, ByteReader(in.part(at, size))});
+        } catch (const DecodeError&) {
+            // The record is left out; the others make the picture still.
+        }
+        at += size;
+    }
+    return FileEnd::Missing;
+}
+
+} // namespace
+
+const Palette* EmfReading::palette() const {
+    if (!selectedPalette)
+        return nullptr;
+    const auto found = palettes.find(*selectedPalette);
+    return found == palettes.end() ? nullptr : &found->second;
+}
+
+QPointF pointAt(const ByteReader& in, std::size_t at) {
+    return {double{1} * in.i32(at), double{1} * in.i32(at + 4)};
+}
+
+QRectF rectangleAt(const ByteReader& in, std::size_t at) {
+    return {pointAt(in, at), pointAt(in, at + 8)};
+}
+
+QRgb colourAt(const ByteReader& in, std::size_t at) {
+    return qRgb(in.u8(at), in.u8(at + 1), in.u8(at + 2));
+}
+
+double realAt(const ByteReader& in, std::size_t at) {
+    constexpr double kMost = 1e9;
+    const double value = std::bit_cast<float>(in.u32(at));
+    if (!std::isfinite(value))
+        throw DecodeError("a number in the metafile cannot be read");
+    return std::clamp(value, -kMost, kMost);
+}
+
+QTransform transformAt(const ByteReader& in, std::size_t at) {
+    return {realAt(in, at),      realAt(in, at + 4),  realAt(in, at + 8),
+            realAt(in, at + 12), realAt(in, at + 16), realAt(in, at + 20)};
+}
+
+std::vector<QRect> regionAt(const ByteReader& in, std::size_t at) {
+    constexpr std::size_t kRectangle = 16;
+    std::size_t next = at + in.u32(at);
+    std::vector<QRect> rectangles;
+    for (std::uint32_t left = in.u32(at + 8); left > 0 && in.has(next, kRectangle); --left) {
+        // Wild corners are bounded: their differences must fit an integer.
+        const auto edge = [&](std::size_t offset) {
+            return std::clamp(in.i32(next + offset), -0x3FFFFFFF, 0x3FFFFFFF);
+        };
+        rectangles.emplace_back(QPoint(edge(0), edge(4)), QPoint(edge(8) - 1, edge(12) - 1));
+        next += kRectangle;
+    }
+    return rectangles;
+}
+
+std::span<const std::byte> partAt(const ByteReader& in, std::size_t at) {
+    const std::size_t offset = in.u32(at);
+    // What is cut off at the end is missing in the picture only.
+    const auto rest = in.rest(offset);
+    return rest.first(std::min<std::size_t>(rest.size(), in.u32(at + 4)));
+}
+
+EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
+    const ByteReader in(bytes);
+    if (!in.has(0, kSmallestHeader) || in.u32(0) != kHeader)
+        throw DecodeError("the metafile's header cannot be read");
+    constexpr double kHundredths = 100;
+    EmfLayout layout;
+    layout.pixelsPerMillimetre = {density(in, 0), density(in, 1)};
+    const double across = layout.pixelsPerMillimetre.width() / kHundredths;
+    const double down = layout.pixelsPerMillimetre.height() / kHundredths;
+    const QRectF frame = rectangleAt(in, 24);
+    layout.frame = QRectF(frame.left() * across, frame.top() * down, frame.width() * across,
+                          frame.height() * down);
+    if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
+        layout.frame = rectangleAt(in, 8).adjusted(0, 0, 1, 1);
+    if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
+        throw DecodeError("the metafile's frame is empty");
+    return layout;
+}
+
+FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink) {
+    EmfReading reading{sink, {}, std::nullopt};
+    return forEachRecord(bytes, [&](const EmfRecord& record) { readRecord(record, reading); });
+}
+
+void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink) {
+    forEachRecord(bytes, [&](const EmfRecord& record) {
+        if (record.type == kComment)
+            readComment(record.in, sink);
+    });
+}
+
+} // namespace imaging::metafile

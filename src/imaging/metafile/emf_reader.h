@@ -1,0 +1,25 @@
+// Enhanced metafiles: bytes -> records.
+// Source: [MS-EMF].
+#pragma once
+
+#include "imaging/metafile/record_sink.h"
+
+namespace imaging::metafile {
+
+// The device that a file was recorded for.
+struct EmfLayout {
+    QRectF frame;                           // the picture's own rectangle, in device pixels
+    QSizeF pixelsPerMillimetre{3.78, 3.78}; // across and down
+};
+
+// DecodeError when the header cannot be read.
+EmfLayout readEmfLayout(std::span<const std::byte> bytes);
+
+// Hands every record to the sink, in order; one that cannot be read is left out. Throws what the
+// sink throws and nothing else.
+FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink);
+
+// Hands the sink the comments with EMF+ records alone, without reading anything else.
+void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink);
+
+} // namespace imaging::metafile
