@@ -1,0 +1,24 @@
+// Windows metafiles, placeable or plain: bytes -> records.
+// Source: [MS-WMF].
+#pragma once
+
+#include "imaging/metafile/record_sink.h"
+
+namespace imaging::metafile {
+
+// What part of its own coordinates a file shows.
+struct WmfLayout {
+    QRectF window; // logical units; sides may be negative where an axis is mirrored
+    // Of a placeable file its header's; of a plain one 0: nothing tells how large a unit is.
+    double unitsPerInch = 0;
+};
+
+// A placeable file's box; a plain one's first window, or without any what its records draw on.
+// DecodeError when the header cannot be read.
+WmfLayout readWmfLayout(std::span<const std::byte> bytes);
+
+// Hands every record to the sink, in order; one that cannot be read is left out. Throws what the
+// sink throws and nothing else.
+FileEnd readWmf(std::span<const std::byte> bytes, RecordSink& sink);
+
+} // namespace imaging::metafile
