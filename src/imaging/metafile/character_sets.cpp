@@ -37,19 +37,12 @@ constexpr std::array kCodePages{
 };
 constexpr std::uint8_t kShiftJis = 128;
 
-// Where Windows-1252 differs from Latin-1: 0x80 to 0x9F. The five bytes that it leaves free keep
-// their own value.
+// Where Windows-1252 differs from Latin-1: 0x80 to 0x9F.
 constexpr std::array<char16_t, 32> kWindows1252{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
-
-QChar windows1252(std::uint8_t byte) {
-    if (byte >= 0x80 && byte < 0xA0)
-        return kWindows1252.at(byte - 0x80U);
-    return QChar(char16_t(byte));
-}
 
 const CodePage* codePageOf(std::uint8_t characterSet) {
     const auto* found = std::ranges::find(kCodePages, characterSet, &CodePage::characterSet);
@@ -147,6 +140,10 @@ DecodedText codePageText(std::span<const std::byte> bytes, const CodePage& page,
 }
 
 } // namespace
+
+char16_t windows1252(std::uint8_t byte) {
+    return byte >= 0x80 && byte < 0xA0 ? kWindows1252.at(byte - 0x80U) : char16_t(byte);
+}
 
 DecodedText textOf(std::span<const std::byte> bytes, std::uint8_t characterSet) {
     if (characterSet == kSymbolCharacterSet)

@@ -30,8 +30,6 @@ enum class Look {
     Bookman,
     Geometric,
     Chancery,
-    Greek,
-    Dingbats,
     Pictures,
 };
 
@@ -74,10 +72,6 @@ QStringList candidatesFor(Look look) {
         return QStringList{"URW Gothic", "TeX Gyre Adventor"} + sans;
     case Look::Chancery:
         return QStringList{"Z003", "TeX Gyre Chorus"} + serif;
-    case Look::Greek:
-        return QStringList{"Standard Symbols PS"} + serif;
-    case Look::Dingbats:
-        return QStringList{"D050000L", "DejaVu Sans"} + sans;
     case Look::Pictures:
         return QStringList{"DejaVu Sans", "OpenSymbol"} + sans;
     }
@@ -208,12 +202,9 @@ Look lookOfClass(std::uint8_t pitchAndFamily) {
     return family == kRoman ? Look::Serif : Look::Sans;
 }
 
+// The Greek letters of Symbol have serifs.
 Look lookOfSymbols(const QString& compactName) {
-    if (compactName.contains(u"symbol"))
-        return Look::Greek;
-    if (compactName.contains(u"zapf") || compactName.contains(u"sorts"))
-        return Look::Dingbats;
-    return Look::Pictures;
+    return compactName.startsWith(u"symbol") ? Look::Serif : Look::Pictures;
 }
 
 QFont withLook(const QString& family, int weight, Slant slant) {
