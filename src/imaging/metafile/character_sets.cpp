@@ -60,7 +60,7 @@ bool isLeadByte(const CodePage& page, std::uint8_t byte) {
 // Turns the bytes of one character at a time into Unicode.
 class CharacterDecoder {
   public:
-    explicit CharacterDecoder(const CodePage& page) : decoder_(page.decoder) {}
+    explicit CharacterDecoder(const CodePage& page) : name_(page.decoder), decoder_(name_) {}
 
     bool isValid() const { return decoder_.isValid(); }
 
@@ -74,11 +74,12 @@ class CharacterDecoder {
                              text.contains(QChar(0x1A));
         if (!isWrong)
             return text;
-        decoder_.resetState();
+        decoder_ = QStringDecoder(name_); // one of ICU's does not survive resetState()
         return {};
     }
 
   private:
+    const char* name_;
     QStringDecoder decoder_;
 };
 

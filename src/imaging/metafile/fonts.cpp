@@ -204,7 +204,7 @@ Look lookOfClass(std::uint8_t pitchAndFamily) {
 
 // The Greek letters of Symbol have serifs.
 Look lookOfSymbols(const QString& compactName) {
-    return compactName.startsWith(u"symbol") ? Look::Serif : Look::Pictures;
+    return compactName.contains(u"symbol") ? Look::Serif : Look::Pictures;
 }
 
 QFont withLook(const QString& family, int weight, Slant slant) {

@@ -1,6 +1,7 @@
 #include "imaging/metafile/glyph_source.h"
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QGlyphRun>
 #include <QRawFont>
 #include <QTextLayout>
@@ -102,10 +103,15 @@ FontMetrics readMetrics(const QRawFont& font) {
     return metrics;
 }
 
-// Whether the font file itself is of normal weight; without the table that tells, it is not known.
-bool isKnownLight(const QRawFont& font) {
+// Whether the font file itself is bold. Type 1 files have no table that tells.
+bool isBoldItself(const QRawFont& font) {
     const int weight = FontTable(font, "OS/2").u16(4);
-    return weight > 0 && weight < kBoldFrom;
+    if (weight > 0)
+        return weight >= kBoldFrom;
+    const QString style = font.styleName();
+    return style.contains(u"bold", Qt::CaseInsensitive) ||
+           style.contains(u"demi", Qt::CaseInsensitive) ||
+           style.contains(u"black", Qt::CaseInsensitive);
 }
 
 // Two copies side by side, closer than any stem is wide: their union under the winding rule.
@@ -122,8 +128,38 @@ struct Found {
     quint32 index = 0;
 };
 
-// The glyph that Qt's own text drawing would take; index 0 when no font has it.
-Found findElsewhere(const QFont& font, const QString& character) {
+// The writing system of a script that cannot be drawn right without its OpenType features; Any for
+// all others. In both of Qt's lists these stand in the same order.
+QFontDatabase::WritingSystem complexWritingSystem(char32_t character) {
+    const QChar::Script script = QChar::script(character);
+    if (script >= QChar::Script_Syriac && script <= QChar::Script_Sinhala)
+        return QFontDatabase::WritingSystem(QFontDatabase::Syriac +
+                                            (script - QChar::Script_Syriac));
+    if (script == QChar::Script_Khmer)
+        return QFontDatabase::Khmer;
+    return script == QChar::Script_Nko ? QFontDatabase::Nko : QFontDatabase::Any;
+}
+
+Found findIn(const QRawFont& font, const QString& character) {
+    const QList<quint32> indexes = font.glyphIndexesForString(character);
+    return {font, indexes.isEmpty() ? 0 : indexes.front()};
+}
+
+Found findInWritingSystem(QFont font, QFontDatabase::WritingSystem system,
+                          const QString& character) {
+    constexpr qsizetype kMostTried = 4; // loading a font takes about a millisecond
+    const QStringList families = QFontDatabase::families(system).mid(0, kMostTried);
+    for (const QString& family : families) {
+        font.setFamily(family);
+        const Found found = findIn(QRawFont::fromFont(font), character);
+        if (found.index != 0)
+            return found;
+    }
+    return {};
+}
+
+// The glyph that Qt's own text drawing would take.
+Found findByLayout(const QFont& font, const QString& character) {
     QTextLayout layout(character, font);
     layout.beginLayout();
     layout.createLine();
@@ -135,6 +171,14 @@ Found findElsewhere(const QFont& font, const QString& character) {
             return {run.rawFont(), indexes.front()};
     }
     return {};
+}
+
+// A glyph of another font; index 0 when no font has it. For the complex scripts Qt would load every
+// installed font, each with a warning, before it gives up.
+Found findElsewhere(const QFont& font, char32_t character, const QString& text) {
+    const QFontDatabase::WritingSystem system = complexWritingSystem(character);
+    return system == QFontDatabase::Any ? findByLayout(font, text)
+                                        : findInWritingSystem(font, system, text);
 }
 
 bool isInvisible(char32_t character) {
@@ -202,11 +246,10 @@ Glyph GlyphSource::loadGlyph(const Face& face, char32_t character) {
     if (isInvisible(character))
         return {};
     const QString text = QString::fromUcs4(&character, 1);
-    const QList<quint32> indexes = face.raw.glyphIndexesForString(text);
-    Found found{face.raw, indexes.isEmpty() ? 0 : indexes.front()};
+    Found found = findIn(face.raw, text);
     Glyph glyph;
     if (found.index == 0) {
-        const Found other = findElsewhere(face.font, text);
+        const Found other = findElsewhere(face.font, character, text);
         if (other.index != 0)
             found = other;
         else
@@ -217,7 +260,7 @@ Glyph GlyphSource::loadGlyph(const Face& face, char32_t character) {
     const QList<QPointF> advances =
         found.font.advancesForGlyphIndexes({found.index}, QRawFont::UseDesignMetrics);
     glyph.advance = advances.isEmpty() ? 0 : advances.front().x();
-    if (face.font.weight() >= kBoldFrom && isKnownLight(found.font))
+    if (face.font.weight() >= kBoldFrom && !isBoldItself(found.font))
         glyph.outline = smeared(glyph.outline);
     return glyph;
 }

@@ -41,6 +41,7 @@ struct KnownName {
 constexpr std::array kKnownNames{
     KnownName{QLatin1StringView("symbol"), SymbolFont::Symbol},
     KnownName{QLatin1StringView("symbolmt"), SymbolFont::Symbol},
+    KnownName{QLatin1StringView("euclidsymbol"), SymbolFont::Symbol},
     KnownName{QLatin1StringView("wingdings"), SymbolFont::Wingdings},
     KnownName{QLatin1StringView("wingdings2"), SymbolFont::Wingdings2},
     KnownName{QLatin1StringView("wingdings3"), SymbolFont::Wingdings3},
