@@ -42,6 +42,7 @@ TEST(CharacterSets, BrokenDoubleByteTextLosesNothing) {
 
 TEST(CharacterSets, EveryByteOfEverySetComesOut) {
     std::vector<std::byte> all;
+    all.reserve(256);
     for (int byte = 0; byte < 256; ++byte)
         all.push_back(std::byte(byte));
     for (int set = 0; set < 256; ++set) {

@@ -151,7 +151,7 @@ Found findInWritingSystem(QFont font, QFontDatabase::WritingSystem system,
     const QStringList families = QFontDatabase::families(system).mid(0, kMostTried);
     for (const QString& family : families) {
         font.setFamily(family);
-        const Found found = findIn(QRawFont::fromFont(font), character);
+        Found found = findIn(QRawFont::fromFont(font), character);
         if (found.index != 0)
             return found;
     }
@@ -208,13 +208,14 @@ GlyphSource::GlyphSource() : faces_(kMostFaces), glyphs_(kMostGlyphs) {}
 
 GlyphSource::~GlyphSource() = default;
 
-const GlyphSource::Face& GlyphSource::faceOf(const QFont& font) {
+std::shared_ptr<const GlyphSource::Face> GlyphSource::faceOf(const QFont& font) {
     if (latestFace_ && font == latestFont_)
-        return *latestFace_;
+        return latestFace_;
     const QString key = keyOf(font);
-    Face* face = faces_.object(key);
-    if (!face) {
-        face = new Face; // the cache owns it
+    if (const auto* known = faces_.object(key)) {
+        latestFace_ = *known;
+    } else {
+        auto face = std::make_shared<Face>();
         face->font = font;
         face->font.setPixelSize(int(kUnitsPerEm));
         face->font.setHintingPreference(QFont::PreferNoHinting);
@@ -223,21 +224,21 @@ const GlyphSource::Face& GlyphSource::faceOf(const QFont& font) {
         face->raw = QRawFont::fromFont(face->font);
         face->metrics = readMetrics(face->raw);
         face->number = nextFace_++;
-        faces_.insert(key, face);
+        latestFace_ = std::move(face);
+        faces_.insert(key, new std::shared_ptr<const Face>(latestFace_)); // the cache owns it
     }
     latestFont_ = font;
-    latestFace_ = face;
-    return *face;
+    return latestFace_;
 }
 
 Glyph GlyphSource::glyph(const QFont& font, char32_t character) {
     if (character > QChar::LastValidCodePoint || QChar::isSurrogate(character))
         character = kReplacement;
-    const Face& face = faceOf(font);
-    const std::uint64_t key = std::uint64_t(face.number) << 32U | character;
+    const std::shared_ptr<const Face> face = faceOf(font);
+    const std::uint64_t key = std::uint64_t(face->number) << 32U | character;
     if (const Glyph* known = glyphs_.object(key))
         return *known;
-    Glyph glyph = loadGlyph(face, character);
+    Glyph glyph = loadGlyph(*face, character);
     glyphs_.insert(key, new Glyph(glyph)); // the cache owns it
     return glyph;
 }
@@ -266,7 +267,7 @@ Glyph GlyphSource::loadGlyph(const Face& face, char32_t character) {
 }
 
 FontMetrics GlyphSource::metrics(const QFont& font) {
-    return faceOf(font).metrics;
+    return faceOf(font)->metrics;
 }
 
 GlyphSource& GlyphSource::shared() {

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <memory>
 
 namespace imaging::metafile {
 
@@ -59,14 +60,14 @@ class GlyphSource {
   private:
     struct Face;
 
-    const Face& faceOf(const QFont& font);
+    std::shared_ptr<const Face> faceOf(const QFont& font);
     static Glyph loadGlyph(const Face& face, char32_t character);
 
-    QCache<QString, Face> faces_;
+    QCache<QString, std::shared_ptr<const Face>> faces_;
     QCache<std::uint64_t, Glyph> glyphs_; // by face number and character
     std::uint32_t nextFace_ = 0;
     QFont latestFont_;
-    const Face* latestFace_ = nullptr; // in faces_; only inserting there can end its life
+    std::shared_ptr<const Face> latestFace_; // of latestFont_, found without a search
 };
 
 } // namespace imaging::metafile
