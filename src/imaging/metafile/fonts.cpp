@@ -209,7 +209,7 @@ Look lookOfSymbols(const QString& compactName) {
 
 QFont withLook(const QString& family, int weight, Slant slant) {
     QFont font(family);
-    weight = weight <= 0 ? int(QFont::Normal) : std::clamp((weight + 50) / 100, 1, 9) * 100;
+    weight = weight <= 0 ? int(QFont::Normal) : (std::clamp(weight, 100, 900) + 50) / 100 * 100;
     font.setWeight(QFont::Weight(weight));
     font.setItalic(slant == Slant::Italic);
     return font;
