@@ -1,6 +1,6 @@
 #include "browser/group_icons.h"
 
-#include "browser/picture_painting.h"
+#include "app/colours.h"
 
 #include <QGuiApplication>
 #include <QIconEngine>
@@ -19,8 +19,8 @@ constexpr double kUnits = 16;
 
 void drawFolder(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) {
     const QColor paper = palette.color(group, QPalette::Base);
-    const QColor ink = between(palette.color(group, QPalette::Text), paper, 0.35);
-    const QColor accent = between(palette.color(group, QPalette::Highlight), paper, 0.25);
+    const QColor ink = app::between(palette.color(group, QPalette::Text), paper, 0.35);
+    const QColor accent = app::between(palette.color(group, QPalette::Highlight), paper, 0.25);
 
     QPainterPath back;
     back.moveTo(1.5, 12.5);
@@ -31,7 +31,7 @@ void drawFolder(QPainter& painter, const QPalette& palette, QPalette::ColorGroup
     back.lineTo(14.5, 12.5);
     back.closeSubpath();
     painter.setPen(QPen(ink, 1, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
-    painter.setBrush(between(accent, paper, 0.55));
+    painter.setBrush(app::between(accent, paper, 0.55));
     painter.drawPath(back);
 
     // The picture on the folder: a horizon and a sun.
@@ -43,7 +43,7 @@ void drawFolder(QPainter& painter, const QPalette& palette, QPalette::ColorGroup
     hills.lineTo(12.5, 11.5);
     hills.closeSubpath();
     painter.setPen(Qt::NoPen);
-    painter.setBrush(between(accent, ink, 0.45));
+    painter.setBrush(app::between(accent, ink, 0.45));
     painter.drawPath(hills);
     painter.drawEllipse(QPointF(11.2, 7.3), 0.9, 0.9);
 }

@@ -1,23 +1,13 @@
 #include "browser/picture_painting.h"
 
+#include "app/colours.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
 #include <algorithm>
 
 namespace browser {
-
-QColor between(const QColor& first, const QColor& second, double share) {
-    const auto channel = [share](int a, int b) { return qRound(a + (b - a) * share); };
-    return QColor(channel(first.red(), second.red()), channel(first.green(), second.green()),
-                  channel(first.blue(), second.blue()));
-}
-
-QColor paperColor(const QPalette& palette) {
-    const QColor base = palette.color(QPalette::Base);
-    const QColor text = palette.color(QPalette::Text);
-    return base.lightness() >= text.lightness() ? base : between(text, base, 0.1);
-}
 
 QImage fitted(const imaging::Picture& picture, const QSizeF& area, double screenRatio) {
     QSizeF size = picture.facts().pixels;
@@ -48,8 +38,8 @@ void paintCentred(QPainter& painter, const QImage& image, const QRectF& area,
     const QRectF target(QPointF(snapped(area.center().x() - size.width() / 2),
                                 snapped(area.center().y() - size.height() / 2)),
                         size);
-    if (image.hasAlphaChannel() && palette.color(QPalette::Base) != paperColor(palette)) {
-        painter.fillRect(target.adjusted(-2, -2, 2, 2), paperColor(palette));
+    if (image.hasAlphaChannel() && palette.color(QPalette::Base) != app::paperColor(palette)) {
+        painter.fillRect(target.adjusted(-2, -2, 2, 2), app::paperColor(palette));
     }
     painter.drawImage(target, image);
 }
@@ -60,7 +50,8 @@ void paintUndecodable(QPainter& painter, const QRectF& area, const QPalette& pal
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(area.center().x() - side / 2, area.center().y() - side / 2);
     painter.scale(side / 16, side / 16);
-    const QColor ink = between(palette.color(QPalette::Text), palette.color(QPalette::Base), 0.5);
+    const QColor ink =
+        app::between(palette.color(QPalette::Text), palette.color(QPalette::Base), 0.5);
     painter.setPen(QPen(ink, 1, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
     painter.setBrush(Qt::NoBrush);
 

@@ -11,13 +11,6 @@ class QPainter;
 
 namespace browser {
 
-// A colour between two of the palette's; share 0 is the first, 1 the second.
-QColor between(const QColor& first, const QColor& second, double share);
-
-// The light colour of the palette on which see-through pictures lie: drawings in dark lines stay
-// visible on a dark desktop.
-QColor paperColor(const QPalette& palette);
-
 // The picture fitted into `area` (device-independent pixels) with its proportions kept and never
 // enlarged, at the screen's full resolution. The image's device pixel ratio tells its size.
 QImage fitted(const imaging::Picture& picture, const QSizeF& area, double screenRatio);

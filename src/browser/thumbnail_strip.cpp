@@ -1,5 +1,6 @@
 #include "browser/thumbnail_strip.h"
 
+#include "app/colours.h"
 #include "browser/picture_painting.h"
 
 #include <QContextMenuEvent>
@@ -60,12 +61,12 @@ void ThumbnailCell::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     const QColor base = palette().color(QPalette::Base);
     const QColor highlight = palette().color(QPalette::Highlight);
-    QColor border = between(palette().color(QPalette::Text), base, 0.78);
+    QColor border = app::between(palette().color(QPalette::Text), base, 0.78);
     QColor fill = base;
     if (emphasis_ != Emphasis::None) {
-        border =
-            emphasis_ == Emphasis::SelectedWithFocus ? highlight : between(highlight, base, 0.35);
-        fill = between(highlight, base, 0.8);
+        border = emphasis_ == Emphasis::SelectedWithFocus ? highlight
+                                                          : app::between(highlight, base, 0.35);
+        fill = app::between(highlight, base, 0.8);
     }
     const double pen = emphasis_ == Emphasis::None ? 1 : 2;
     const QRectF frame = QRectF(rect()).adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2);

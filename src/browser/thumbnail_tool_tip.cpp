@@ -1,6 +1,6 @@
 #include "browser/thumbnail_tool_tip.h"
 
-#include "browser/picture_painting.h"
+#include "app/colours.h"
 
 #include <QPainter>
 #include <QToolTip>
@@ -55,7 +55,8 @@ void ThumbnailToolTip::pointerOnFreeSurface() {
 void ThumbnailToolTip::paintEvent(QPaintEvent* event) {
     QLineEdit::paintEvent(event);
     QPainter painter(this);
-    painter.setPen(between(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.5));
+    painter.setPen(
+        app::between(palette().color(QPalette::Text), palette().color(QPalette::Base), 0.5));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
