@@ -7,7 +7,16 @@ namespace editing {
 PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {}
 
 void PictureBox::setPicture(const imaging::Picture& picture) {
-    scaled_ = picture.scaledTo(size() * devicePixelRatioF());
+    const QSize device = size() * devicePixelRatioF();
+    if (picture.image().isNull()) {
+        // A metafile is drawn in the box's own proportions: stretching it afterwards would blur it.
+        scaled_ = QImage(device, QImage::Format_ARGB32_Premultiplied);
+        scaled_.fill(Qt::transparent);
+        QPainter painter(&scaled_);
+        picture.paint(painter, scaled_.rect());
+    } else {
+        scaled_ = picture.scaledTo(device);
+    }
     update();
 }
 
