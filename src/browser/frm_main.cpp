@@ -11,6 +11,7 @@
 #include "browser/main_menus.h"
 #include "browser/picture_panel.h"
 #include "browser/temporary_pictures.h"
+#include "commands/picture_commands.h"
 #include "compound/error.h"
 #include "imaging/picture.h"
 #include "platform/native_disk.h"
@@ -88,8 +89,10 @@ void frmMain::connectTree() {
 void frmMain::connectPanel() {
     connect(panel_, &PicturePanel::menuStateWanted, this, &frmMain::updateMenuState);
     connect(panel_, &PicturePanel::editItemWanted, this, &frmMain::updateEditItem);
-    connect(panel_, &PicturePanel::picturePopUpWanted, this,
-            [this](const QPoint& position) { menus_->popUp(commands::BandId::Picture, position); });
+    connect(panel_, &PicturePanel::picturePopUpWanted, this, [this](const QPoint& position) {
+        menus_->setEditTool(commands::hasEditor(panel_->shownType()));
+        menus_->popUp(commands::BandId::Picture, position);
+    });
     connect(panel_, &PicturePanel::editWanted, this,
             [this] { dispatcher_.run(commands::Command::EditPicture, commands::Origin::Menu); });
 }

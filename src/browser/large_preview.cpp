@@ -2,6 +2,7 @@
 
 #include "browser/picture_painting.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 
 #include <utility>
@@ -61,8 +62,10 @@ void LargePreview::resizeEvent(QResizeEvent* event) {
     fitted_ = {};
 }
 
-void LargePreview::mouseDoubleClickEvent(QMouseEvent*) {
-    emit activated();
+void LargePreview::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        emit activated();
+    }
 }
 
 } // namespace browser

@@ -141,6 +141,12 @@ void MainMenus::updateEditItem() {
         ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, nodes_));
 }
 
+void MainMenus::setEditTool(bool allowed) {
+    actionOf(bands_.at(static_cast<std::size_t>(commands::BandId::Picture)),
+             QStringLiteral("bEdit"))
+        ->setEnabled(allowed && commands::hasHandler(Command::EditPicture));
+}
+
 void MainMenus::setGraphicalPreview(bool on) {
     const Menu& menu = commands::menu(MenuId::Extras);
     actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, 0))->setChecked(on);

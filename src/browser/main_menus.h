@@ -36,6 +36,9 @@ class MainMenus : public QObject {
     // Whether the shown picture can be edited from the menu.
     void setEditItem(bool allowed);
 
+    // Whether the pop-up band can do something with the shown picture's type.
+    void setEditTool(bool allowed);
+
     void setGraphicalPreview(bool on);
 
     // Shows a band at that place of the screen.

@@ -68,6 +68,7 @@ void PicturePanel::connectList() {
     connect(lvwInfo_, &PictureList::rowClicked, this, [this](const QString& name) {
         if (name != shownPicture()) {
             choose(name);
+            emit editItemWanted(commands::EditItemCause::Group); // by key no mouse is released
         }
     });
     connect(lvwInfo_, &PictureList::mouseReleased, this,

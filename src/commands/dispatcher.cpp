@@ -8,6 +8,7 @@
 #include "commands/program_commands.h"
 #include "compound/error.h"
 #include "editing/frm_open.h"
+#include "editing/frm_optionen_wmf.h"
 
 #include <algorithm>
 #include <array>
@@ -25,6 +26,7 @@ struct Binding {
 constexpr std::array kBindings{
     Binding{Command::NewGroup, newGroup},
     Binding{Command::AddPicture, addPicture},
+    Binding{Command::EditPicture, editPicture},
     Binding{Command::GraphicalPreview, toggleGraphicalPreview},
     Binding{Command::Exit, exitProgram},
     Binding{Command::Help, showMainHelp},

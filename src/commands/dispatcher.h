@@ -12,7 +12,8 @@
 
 namespace editing {
 class frmOpen;
-}
+class frmOptionenWMF;
+} // namespace editing
 
 namespace commands {
 
@@ -26,6 +27,7 @@ enum class Origin { PopUp, Menu };
 struct Dialogs {
     QPointer<frmNeueGruppe> newGroup;
     QPointer<editing::frmOpen> addPicture;
+    QPointer<editing::frmOptionenWMF> vectorPicture;
 };
 
 // What a command's function gets.

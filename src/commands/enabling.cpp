@@ -1,6 +1,7 @@
 #include "commands/enabling.h"
 
 #include "commands/dispatcher.h"
+#include "commands/picture_commands.h"
 
 namespace commands {
 namespace {
@@ -27,7 +28,7 @@ bool isOffered(Command command, TreeNodes nodes) {
 }
 
 bool allowsEditing(const QString& pictureType, EditItemCause cause) {
-    if (pictureType == QLatin1String("GIF")) {
+    if (!hasEditor(pictureType) || pictureType == QLatin1String("GIF")) {
         return false;
     }
     return cause == EditItemCause::Thumbnail || pictureType != QLatin1String("WMF");

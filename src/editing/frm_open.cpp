@@ -10,6 +10,7 @@
 #include "editing/folder_browser.h"
 #include "editing/folder_list.h"
 #include "editing/picture_box.h"
+#include "editing/screen_place.h"
 #include "imaging/picture.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
@@ -21,7 +22,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QShortcut>
 #include <QShowEvent>
 #include <QVBoxLayout>
@@ -251,7 +251,7 @@ void frmOpen::load(const store::Library& library, TargetGroup target) {
     target_ = std::move(target);
     setCaptions();
     clearPicture();
-    centreOnScreen();
+    centreOnScreen(*this);
     (void)Scan();
     browser_->goToRememberedPlace();
     drvDrive_->setFocus();
@@ -270,13 +270,8 @@ void frmOpen::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (event->spontaneous())
         return;
-    centreOnScreen();
+    centreOnScreen(*this);
     dirOrdner_->scrollToItem(dirOrdner_->currentItem(), QAbstractItemView::PositionAtCenter);
-}
-
-void frmOpen::centreOnScreen() {
-    const QRect area = (parentWidget() != nullptr ? parentWidget() : this)->screen()->geometry();
-    move(area.left() + (area.width() - width()) / 2, area.top() + (area.height() - height()) / 2);
 }
 
 void frmOpen::clearPicture() {

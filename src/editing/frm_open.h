@@ -64,7 +64,6 @@ class frmOpen : public QDialog {
     void placeControls();
     void connectControls();
     void setCaptions();
-    void centreOnScreen();
     void clearPicture();
 
     void openFile(const QString& fileName);
