@@ -80,6 +80,9 @@ QImage readBitmap(const BitmapSource& source) {
     } else {
         colours = readDibPalette(source.header, header);
     }
+    // Two colours that nothing tells: a bit that is set is ink, the others are the ground.
+    if (header.bitsPerPixel == 1 && colours.empty())
+        colours = {qRgb(255, 255, 255), qRgb(0, 0, 0)};
     QImage image = readDibPixels(source.pixels, header, colours, useOf(source.alpha));
     if (source.alpha == AlphaUse::Premultiplied)
         image.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);

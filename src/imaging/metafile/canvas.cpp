@@ -76,6 +76,45 @@ void Clip::applyTo(QPainter& painter) const {
     }
 }
 
+namespace {
+
+bool isStraight(double from, double to) {
+    constexpr double kSame = 0.01;
+    return std::abs(from - to) < kSame;
+}
+
+} // namespace
+
+std::optional<QRect> rectangleOf(const QPainterPath& outline) {
+    constexpr int kCorners = 5; // the first one twice
+    if (outline.elementCount() < kCorners - 1 || outline.elementCount() > kCorners)
+        return std::nullopt;
+    for (int i = 1; i < outline.elementCount(); ++i) {
+        const auto from = outline.elementAt(i - 1);
+        const auto to = outline.elementAt(i);
+        const bool across = isStraight(from.y, to.y);
+        const bool down = isStraight(from.x, to.x);
+        if (to.type != QPainterPath::LineToElement || (!across && !down))
+            return std::nullopt;
+    }
+    const QRectF box = outline.controlPointRect();
+    const int left = static_cast<int>(std::lround(box.left()));
+    const int top = static_cast<int>(std::lround(box.top()));
+    const int right = static_cast<int>(std::lround(box.right()));
+    const int bottom = static_cast<int>(std::lround(box.bottom()));
+    const double corners = box.width() * box.height();
+    // Two strokes there and back, or a figure like an hourglass, are no rectangle.
+    double area = 0;
+    for (int i = 0; i < outline.elementCount(); ++i) {
+        const QPointF from = outline.elementAt(i);
+        const QPointF to = outline.elementAt((i + 1) % outline.elementCount());
+        area += (from.x() * to.y() - to.x() * from.y()) / 2;
+    }
+    if (std::abs(std::abs(area) - corners) > 0.01 * corners)
+        return std::nullopt;
+    return QRect(left, top, std::max(1, right - left), std::max(1, bottom - top));
+}
+
 QRegion regionOf(const QPainterPath& path, const QRect& sheet) {
     const QRect bounds = path.controlPointRect().toAlignedRect() & sheet;
     if (bounds.isEmpty())

@@ -16,6 +16,7 @@
 #include <QRegion>
 #include <QTransform>
 
+#include <optional>
 #include <vector>
 
 namespace imaging::metafile {
@@ -51,6 +52,10 @@ class Clip {
 
 // The whole pixels whose middle lies in the path.
 QRegion regionOf(const QPainterPath& path, const QRect& sheet);
+
+// The rectangle with sides along the axes that the outline is, if it is one, in whole pixels and at
+// least one of them. Rectangles painted so meet their neighbours without a seam.
+std::optional<QRect> rectangleOf(const QPainterPath& outline);
 
 class Canvas {
   public:

@@ -3,6 +3,7 @@
 #include "imaging/metafile/emf_records.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 
@@ -164,6 +165,18 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
 FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink) {
     EmfReading reading{sink, {}, std::nullopt};
     return forEachRecord(bytes, [&](const EmfRecord& record) { readRecord(record, reading); });
+}
+
+bool drawsWithoutPlus(std::span<const std::byte> bytes) {
+    constexpr std::array kDrawing{2U,  3U,  4U,  5U,  6U,  7U,  8U,  15U, 41U,  42U,  43U,  44U,
+                                  45U, 46U, 47U, 53U, 54U, 55U, 56U, 62U, 63U,  64U,  71U,  72U,
+                                  73U, 74U, 76U, 77U, 78U, 79U, 80U, 81U, 83U,  84U,  85U,  86U,
+                                  87U, 88U, 89U, 90U, 91U, 92U, 96U, 97U, 108U, 114U, 116U, 118U};
+    bool found = false;
+    forEachRecord(bytes, [&](const EmfRecord& record) {
+        found = found || std::binary_search(kDrawing.begin(), kDrawing.end(), record.type);
+    });
+    return found;
 }
 
 void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink) {

@@ -19,6 +19,9 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes);
 // sink throws and nothing else.
 FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink);
 
+// Whether any record besides comments draws something.
+bool drawsWithoutPlus(std::span<const std::byte> bytes);
+
 // Hands the sink the comments with EMF+ records alone, without reading anything else.
 void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink);
 

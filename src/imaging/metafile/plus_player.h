@@ -21,7 +21,7 @@ class PlusPlayer {
     PlusPlayer& operator=(const PlusPlayer&) = delete;
 
     // Plays one comment's data, after the "EMF+" identifier. A record that cannot be read is left
-    // out. Throws WorkExhausted and nothing else.
+    // out. Throws WorkExhausted, and DecodeError when there is no memory, and nothing else.
     void play(std::span<const std::byte> comment);
 
     // Whether the other records that follow belong to this half: those between a GetDC record and

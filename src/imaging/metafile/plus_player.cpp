@@ -1,0 +1,466 @@
+#include "imaging/metafile/plus_player.h"
+
+#include "imaging/byte_reader.h"
+#include "imaging/image_scaling.h"
+#include "imaging/metafile/metafile.h"
+#include "imaging/metafile/plus_painting.h"
+#include "imaging/metafile/plus_reader.h"
+#include "imaging/metafile/plus_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace imaging::metafile {
+
+namespace {
+
+constexpr std::size_t kMostStates = 512;
+constexpr double kFarthest = 60000; // image pixels; far outside of any sheet
+
+struct State {
+    QTransform world;
+    QTransform page;      // world units after the world transform -> device units
+    QTransform container; // a container's page -> the one around it
+    Clip clip;            // image pixels
+    bool smoothImages = true;
+    bool copiesSource = false;
+    QPoint origin;
+};
+
+struct SavedState {
+    std::uint32_t number;
+    State state;
+};
+
+// A wild outline is left out: no painter could draw it.
+bool isSensible(const QPainterPath& path) {
+    const QRectF box = path.controlPointRect();
+    return std::isfinite(box.left()) && std::isfinite(box.top()) && box.left() > -kFarthest &&
+           box.top() > -kFarthest && box.right() < kFarthest && box.bottom() < kFarthest;
+}
+
+} // namespace
+
+class PlusPlayer::Impl {
+  public:
+    explicit Impl(Canvas& canvas) : canvas_(canvas) {}
+
+    void play(std::span<const std::byte> comment) {
+        gettingContext_ = false;
+        reader_.read(comment, [this](const PlusRecord& record) {
+            canvas_.budget().spendRecord();
+            std::visit([this](const auto& kind) { on(kind); }, record);
+        });
+    }
+
+    bool wantsDeviceRecords() const { return gettingContext_; }
+
+  private:
+    // ---- Objects
+    void on(const PlusDefine& record) { objects_.at(record.id) = record.object; }
+
+    template <typename Kind>
+    const Kind* object(std::size_t id) const {
+        return id < objects_.size() ? std::get_if<Kind>(&objects_[id]) : nullptr;
+    }
+
+    // ---- State
+    void on(const PlusBegin& record) { dotsPerInch_ = record.dotsPerInch; }
+    void on(const PlusGetContext&) { gettingContext_ = true; }
+    void on(const PlusSetWorld& record) { state_.world = record.transform; }
+    void on(const PlusMultiplyWorld& record) {
+        constexpr double kMost = 1e12;
+        const QTransform product = record.order == PlusOrder::Append
+                                       ? state_.world * record.transform
+                                       : record.transform * state_.world;
+        if (std::abs(product.determinant()) < kMost && std::abs(product.dx()) < kMost &&
+            std::abs(product.dy()) < kMost)
+            state_.world = product;
+    }
+    void on(const PlusSetPage& record) {
+        const double unit = pageUnit(record.unit) * record.scale;
+        state_.page = QTransform::fromScale(unit, unit);
+    }
+    void on(const PlusSave& record) { save(record.number); }
+    void on(const PlusRestore& record) {
+        for (std::size_t i = saved_.size(); i-- > 0;) {
+            if (saved_[i].number == record.number) {
+                state_ = saved_[i].state;
+                saved_.resize(i);
+                return;
+            }
+        }
+    }
+    void on(const PlusBeginContainer& record) {
+        save(record.number);
+        QTransform placed;
+        const QRectF& source = record.source;
+        if (record.destination && source.width() != 0 && source.height() != 0) {
+            const double unit = pageUnit(record.unit);
+            placed =
+                QTransform::fromTranslate(-source.x() * unit, -source.y() * unit) *
+                QTransform::fromScale(record.destination->width() / (source.width() * unit),
+                                      record.destination->height() / (source.height() * unit)) *
+                QTransform::fromTranslate(record.destination->x(), record.destination->y());
+        }
+        state_.container = placed * state_.world * state_.page * state_.container;
+        state_.world = {};
+        state_.page = {};
+    }
+    void on(const PlusSet& record) {
+        (record.what == PlusSwitch::SmoothImages ? state_.smoothImages : state_.copiesSource) =
+            record.on;
+    }
+    void on(const PlusSetOrigin& record) { state_.origin = record.origin; }
+
+    void save(std::uint32_t number) {
+        if (saved_.size() < kMostStates)
+            saved_.push_back({number, state_});
+    }
+
+    double pageUnit(PlusUnit unit) const {
+        return plusUnitScale(unit == PlusUnit::World ? PlusUnit::Pixel : unit, {}, canvas_,
+                             dotsPerInch_) /
+               std::max(canvas_.scale(), 1e-9);
+    }
+
+    QTransform toImage() const {
+        return state_.world * state_.page * state_.container * canvas_.deviceToImage();
+    }
+
+    // ---- Clip
+    void on(const PlusResetClip&) { state_.clip = {}; }
+    void on(const PlusMoveClip& record) {
+        const QTransform transform = toImage();
+        state_.clip.translate(transform.map(record.by) - transform.map(QPointF()));
+    }
+    void on(const PlusClip& record) {
+        const QRect sheet = canvas_.sheet();
+        canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 8);
+        const auto path = outlineOf(record.shape);
+        const bool smooth = path && (record.combine == PlusCombine::Replace ||
+                                     record.combine == PlusCombine::Intersect);
+        if (smooth) {
+            if (record.combine == PlusCombine::Replace)
+                state_.clip = {};
+            intersect(*path);
+            return;
+        }
+        const auto region = regionOf(record.shape, path);
+        if (!region)
+            return;
+        combine(*region, record.combine);
+    }
+
+    // Rectangles keep whole pixels, so that pictures cut along them meet.
+    void intersect(const QPainterPath& path) {
+        if (const auto rectangle = rectangleOf(path))
+            state_.clip.intersect(QRegion(*rectangle));
+        else
+            state_.clip.intersect(path);
+    }
+
+    void combine(const QRegion& region, PlusCombine how) {
+        const QRect sheet = canvas_.sheet();
+        Clip& clip = state_.clip;
+        switch (how) {
+        case PlusCombine::Replace:
+            clip = {};
+            clip.intersect(region);
+            return;
+        case PlusCombine::Intersect:
+            clip.intersect(region);
+            return;
+        case PlusCombine::Union:
+            clip.unite(region, sheet);
+            return;
+        case PlusCombine::Xor:
+            clip.exclusiveOr(region, sheet);
+            return;
+        case PlusCombine::Exclude:
+            clip.subtract(region, sheet);
+            return;
+        case PlusCombine::Complement: {
+            const QRegion rest = region - clip.toRegion(sheet);
+            clip = {};
+            clip.intersect(rest);
+            return;
+        }
+        }
+    }
+
+    // ---- Shapes, in image pixels
+    std::optional<QPainterPath> outlineOf(const PlusShape& shape) const {
+        const auto* own = std::get_if<QPainterPath>(&shape);
+        if (own == nullptr)
+            own = object<QPainterPath>(std::get<PlusShapeNumber>(shape).id);
+        if (own == nullptr)
+            return std::nullopt;
+        const QPainterPath path = toImage().map(*own);
+        return isSensible(path) ? std::optional(path) : std::nullopt;
+    }
+
+    QRegion regionOf(const PlusRegion& region) const {
+        const QRect sheet = canvas_.sheet();
+        canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 4);
+        switch (region.kind) {
+        case PlusRegionKind::Infinite:
+            return sheet;
+        case PlusRegionKind::Empty:
+            return {};
+        case PlusRegionKind::Shape: {
+            const QPainterPath path = toImage().map(region.shape);
+            return isSensible(path) ? metafile::regionOf(path, sheet) : QRegion();
+        }
+        default:
+            break;
+        }
+        const QRegion first = regionOf(region.children[0]);
+        const QRegion second = regionOf(region.children[1]);
+        switch (region.kind) {
+        case PlusRegionKind::And:
+            return first & second;
+        case PlusRegionKind::Or:
+            return first | second;
+        case PlusRegionKind::Xor:
+            return first ^ second;
+        case PlusRegionKind::Exclude:
+            return first - second;
+        default:
+            return second - first;
+        }
+    }
+
+    std::optional<QRegion> regionOf(const PlusShape& shape,
+                                    const std::optional<QPainterPath>& path) const {
+        if (path)
+            return metafile::regionOf(*path, canvas_.sheet());
+        const auto* number = std::get_if<PlusShapeNumber>(&shape);
+        const auto* region = number != nullptr ? object<PlusRegion>(number->id) : nullptr;
+        return region != nullptr ? std::optional(regionOf(*region)) : std::nullopt;
+    }
+
+    // ---- Drawing
+    QPainter& prepared() {
+        QPainter& painter = canvas_.painter();
+        painter.resetTransform();
+        state_.clip.applyTo(painter);
+        painter.setOpacity(1);
+        painter.setBrushOrigin(0, 0);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        return painter;
+    }
+
+    void spend(const QPainterPath& path, double margin) {
+        canvas_.budget().spendPoints(static_cast<std::size_t>(path.elementCount()));
+        const QRectF box = path.controlPointRect().adjusted(-margin, -margin, margin, margin) &
+                           QRectF(canvas_.sheet());
+        canvas_.budget().spendPixels(2 * std::max(0.0, box.width()) * std::max(0.0, box.height()));
+    }
+
+    std::optional<QBrush> brushOf(const PlusFillWith& with) {
+        if (const auto* colour = std::get_if<QRgb>(&with))
+            return QBrush(QColor::fromRgba(*colour));
+        const auto* brush = object<PlusBrush>(std::get<std::size_t>(with));
+        if (brush == nullptr)
+            return std::nullopt;
+        const QPoint origin = canvas_.deviceToImage().map(state_.origin);
+        return plusBrush(*brush, toImage(), origin, canvas_);
+    }
+
+    void fill(const QPainterPath& path, const QBrush& brush) {
+        spend(path, 0);
+        QPainter& painter = prepared();
+        if (const auto rectangle = rectangleOf(path))
+            painter.fillRect(*rectangle, brush);
+        else
+            painter.fillPath(path, brush);
+    }
+
+    void on(const PlusClear& record) {
+        QPainter& painter = prepared();
+        canvas_.budget().spendPixels(double{1} * canvas_.sheet().width() *
+                                     canvas_.sheet().height());
+        painter.fillRect(canvas_.sheet(), QColor::fromRgba(record.colour));
+    }
+
+    void on(const PlusFill& record) {
+        const auto brush = brushOf(record.with);
+        if (!brush)
+            return;
+        if (const auto path = outlineOf(record.shape)) {
+            fill(*path, *brush);
+        } else if (const auto region = regionOf(record.shape, std::nullopt)) {
+            QPainterPath pixels;
+            pixels.addRegion(*region);
+            fill(pixels, *brush);
+        }
+    }
+
+    void on(const PlusStroke& record) {
+        const auto* pen = object<PlusPen>(record.pen);
+        const auto path = outlineOf(record.shape);
+        if (pen == nullptr || !path)
+            return;
+        const QTransform transform = toImage();
+        const double width =
+            pen->width * plusUnitScale(pen->unit, transform, canvas_, dotsPerInch_);
+        const QPoint origin = canvas_.deviceToImage().map(state_.origin);
+        const QBrush brush = plusBrush(pen->brush, transform, origin, canvas_);
+        QPen painterPen = plusPen(*pen, std::min(width, kFarthest), brush);
+        spend(*path, painterPen.widthF());
+        limitDashes(*path, painterPen);
+        prepared().strokePath(*path, painterPen);
+        const QPainterPath heads = plusLineEnds(*path, *pen, width);
+        if (!heads.isEmpty())
+            prepared().fillPath(heads, brush);
+    }
+
+    void limitDashes(const QPainterPath& path, QPen& pen) {
+        constexpr double kMostDashes = 20000;
+        if (pen.style() != Qt::CustomDashLine)
+            return;
+        double period = 0;
+        for (const qreal dash : pen.dashPattern())
+            period += dash * pen.widthF();
+        const double count = path.length() / std::max(period, 1e-6);
+        if (count > kMostDashes)
+            pen.setStyle(Qt::SolidLine);
+        else
+            canvas_.budget().spendPoints(static_cast<std::size_t>(8 * count));
+    }
+
+    // ---- Images
+    void on(const PlusDrawImage& record) {
+        const auto* image = object<PlusImage>(record.image);
+        if (image == nullptr)
+            return;
+        const QTransform transform = toImage();
+        std::array<QPointF, 3> corners{};
+        std::transform(record.corners.begin(), record.corners.end(), corners.begin(),
+                       [&](QPointF corner) { return transform.map(corner); });
+        const QPointF across = corners[1] - corners[0];
+        const QPointF down = corners[2] - corners[0];
+        const QSizeF size(std::hypot(across.x(), across.y()), std::hypot(down.x(), down.y()));
+        if (!(size.width() > 0) || !(size.height() > 0) || size.width() > kFarthest ||
+            size.height() > kFarthest)
+            return;
+        if (!image->metafile.isEmpty()) {
+            drawMetafile(image->metafile, corners[0], across, down, size);
+            return;
+        }
+        drawBitmap(image->image, record.part, corners[0], across, down, size);
+    }
+
+    void drawMetafile(const QByteArray& metafile, QPointF corner, QPointF across, QPointF down,
+                      QSizeF size) {
+        constexpr double kMostSide = 4000;
+        const QSize pixels(static_cast<int>(std::clamp(size.width(), 1.0, kMostSide)),
+                           static_cast<int>(std::clamp(size.height(), 1.0, kMostSide)));
+        const auto bytes =
+            std::span(metafile.constData(), static_cast<std::size_t>(metafile.size()));
+        const QImage drawn = drawNested(std::as_bytes(bytes), pixels, canvas_.budget());
+        drawBitmap(drawn, drawn.rect(), corner, across, down, size);
+    }
+
+    void drawBitmap(const QImage& image, QRectF part, QPointF corner, QPointF across, QPointF down,
+                    QSizeF size) {
+        part = part.normalized();
+        if (image.isNull() || part.width() <= 0 || part.height() <= 0)
+            return;
+        canvas_.budget().spendPixels(double{1} * image.width() * image.height());
+        canvas_.budget().spendPixels(
+            4 * std::min(size.width() * size.height(),
+                         double{1} * canvas_.sheet().width() * canvas_.sheet().height()));
+        const QRect seen = part.toAlignedRect() & image.rect();
+        if (seen.isEmpty())
+            return;
+        // Scaled with averaging first: painting alone would leave pixels out.
+        const QSize wanted(
+            std::max(1, static_cast<int>(std::lround(size.width() * seen.width() / part.width()))),
+            std::max(1,
+                     static_cast<int>(std::lround(size.height() * seen.height() / part.height()))));
+        QImage source = seen == image.rect() ? image : image.copy(seen);
+        const bool shrinks = wanted.width() < seen.width() && wanted.height() < seen.height();
+        if (shrinks)
+            source = smoothlyScaled(source, wanted);
+        const QTransform placed =
+            QTransform::fromScale(double{1} * seen.width() / source.width(),
+                                  double{1} * seen.height() / source.height()) *
+            QTransform::fromTranslate(seen.left() - part.left(), seen.top() - part.top()) *
+            QTransform(across.x() / part.width(), across.y() / part.width(),
+                       down.x() / part.height(), down.y() / part.height(), corner.x(), corner.y());
+        QPainter& painter = prepared();
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, state_.smoothImages);
+        const bool upright =
+            placed.type() <= QTransform::TxScale && placed.m11() > 0 && placed.m22() > 0;
+        if (upright) {
+            painter.setRenderHint(QPainter::Antialiasing, false);
+            const QRectF box = placed.mapRect(QRectF(source.rect()));
+            const QPoint topLeft = box.topLeft().toPoint();
+            const QPoint end = box.bottomRight().toPoint();
+            painter.drawImage(QRect(topLeft, end - QPoint(1, 1)) | QRect(topLeft, QSize(1, 1)),
+                              source);
+            return;
+        }
+        painter.setTransform(placed);
+        painter.drawImage(0, 0, source);
+        painter.resetTransform();
+    }
+
+    // ---- Text
+    double emOf(const PlusFont& font) const {
+        const QTransform transform = toImage();
+        const double world = std::sqrt(std::abs(transform.determinant()));
+        return font.size * plusUnitScale(font.unit, transform, canvas_, dotsPerInch_) /
+               std::max(world, 1e-9);
+    }
+
+    void fillText(const QPainterPath& outline, const PlusFillWith& with) {
+        const auto brush = brushOf(with);
+        const QPainterPath path = toImage().map(outline);
+        if (brush && isSensible(path)) {
+            spend(path, 0);
+            prepared().fillPath(path, *brush);
+        }
+    }
+
+    void on(const PlusDrawString& record) {
+        const auto* font = object<PlusFont>(record.font);
+        const auto* format = object<PlusStringFormat>(record.format);
+        if (font == nullptr)
+            return;
+        fillText(plusTextOutline(record, *font, format != nullptr ? *format : PlusStringFormat(),
+                                 emOf(*font), canvas_.budget()),
+                 record.with);
+    }
+
+    void on(const PlusDrawLetters& record) {
+        if (const auto* font = object<PlusFont>(record.font))
+            fillText(plusLettersOutline(record, *font, emOf(*font), canvas_.budget()), record.with);
+    }
+
+    Canvas& canvas_;
+    PlusReader reader_;
+    std::array<PlusObject, 64> objects_;
+    State state_;
+    std::vector<SavedState> saved_;
+    double dotsPerInch_ = 96;
+    bool gettingContext_ = false;
+};
+
+PlusPlayer::PlusPlayer(Canvas& canvas) : impl_(std::make_unique<Impl>(canvas)) {}
+
+PlusPlayer::~PlusPlayer() = default;
+
+void PlusPlayer::play(std::span<const std::byte> comment) {
+    impl_->play(comment);
+}
+
+bool PlusPlayer::wantsDeviceRecords() const {
+    return impl_->wantsDeviceRecords();
+}
+
+} // namespace imaging::metafile

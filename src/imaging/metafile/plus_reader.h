@@ -1,0 +1,36 @@
+// EMF+ records: the data of an EMF file's comments -> checked records.
+// Source: [MS-EMFPLUS] 2.3.
+#pragma once
+
+#include "imaging/metafile/plus_records.h"
+
+#include <functional>
+#include <map>
+#include <span>
+
+namespace imaging::metafile {
+
+class PlusReader {
+  public:
+    using Sink = std::function<void(const PlusRecord&)>;
+
+    // One comment's data. Objects that are told in several records, maybe in several comments, are
+    // put together. A record that cannot be read is left out. Throws what the sink throws and
+    // nothing else.
+    void read(std::span<const std::byte> comment, const Sink& sink);
+
+  private:
+    void readRecord(std::uint16_t type, std::uint16_t flags, std::span<const std::byte> data,
+                    const Sink& sink);
+    void readObject(std::uint16_t flags, std::span<const std::byte> data, const Sink& sink);
+
+    std::vector<std::byte> unfinished_; // of an object told in parts
+};
+
+// A comment's records, one after the other: type, flags, data. Returns false when the data cannot
+// be followed to its end.
+bool forEachPlusRecord(
+    std::span<const std::byte> comment,
+    const std::function<void(std::uint16_t, std::uint16_t, std::span<const std::byte>)>& take);
+
+} // namespace imaging::metafile
