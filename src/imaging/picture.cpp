@@ -3,14 +3,12 @@
 #include "imaging/byte_reader.h"
 #include "imaging/decoders.h"
 #include "imaging/image_scaling.h"
+#include "imaging/metafile/metafile.h"
 
-#include <QFont>
 #include <QPainter>
 
-#include <algorithm>
 #include <cstdint>
 #include <new>
-#include <string>
 #include <utility>
 
 namespace imaging {
@@ -28,22 +26,8 @@ PictureKind kindOf(std::span<const std::byte> bytes) {
     return *kind;
 }
 
-// A sheet with the kind's name on it stands for a metafile's content.
-void paintPlaceholder(QPainter& painter, const QRectF& target, PictureKind kind) {
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF sheet = target.adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setPen(QPen(QColor(0x8A, 0x94, 0xA0), 1));
-    painter.setBrush(QColor(0xF4, 0xF6, 0xF8));
-    painter.drawRect(sheet);
-    QFont font = painter.font();
-    font.setPixelSize(
-        std::max(6, static_cast<int>(std::min(target.width() / 3.2, target.height() / 2.2))));
-    font.setBold(true);
-    painter.setFont(font);
-    painter.setPen(QColor(0x5A, 0x66, 0x74));
-    painter.drawText(sheet, Qt::AlignCenter, typeCodeOf(kind));
-    painter.restore();
+QByteArray copyOf(std::span<const std::byte> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
 }
 
 } // namespace
@@ -134,9 +118,9 @@ Picture decode(std::span<const std::byte> bytes) {
     try {
         switch (kindOf(bytes)) {
         case PictureKind::Wmf:
-            return {measureWmf(bytes), {}};
+            return {measureWmf(bytes), copyOf(bytes)};
         case PictureKind::Emf:
-            return {measureEmf(bytes), {}};
+            return {measureEmf(bytes), copyOf(bytes)};
         case PictureKind::Ico:
         case PictureKind::Cur:
             return decodeIcon(bytes);
@@ -155,6 +139,18 @@ Picture decode(std::span<const std::byte> bytes) {
 
 Picture::Picture(PictureFacts facts, QImage image) : facts_(facts), image_(std::move(image)) {}
 
+Picture::Picture(PictureFacts facts, QByteArray metafile)
+    : facts_(facts), metafile_(std::move(metafile)) {}
+
+QImage Picture::drawnAt(QSize size) const {
+    if (drawn_.size() != size) {
+        const auto bytes =
+            std::span(metafile_.constData(), static_cast<std::size_t>(metafile_.size()));
+        drawn_ = metafile::draw(std::as_bytes(bytes), size).image;
+    }
+    return drawn_;
+}
+
 QImage Picture::scaledTo(QSize box) const {
     if (box.isEmpty())
         return {};
@@ -165,25 +161,20 @@ QImage Picture::scaledTo(QSize box) const {
     size = size.expandedTo({1, 1});
     if (isRaster(facts_.kind))
         return size == image_.size() ? image_ : smoothlyScaled(image_, size);
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    paint(painter, QRectF({0, 0}, QSizeF(size)));
-    return image;
+    return drawnAt(size);
 }
 
 void Picture::paint(QPainter& painter, const QRectF& target) const {
-    if (!isRaster(facts_.kind)) {
-        paintPlaceholder(painter, target, facts_.kind);
-        return;
-    }
     // Scaled with averaging first: painting alone would drop pixels of a large picture.
     const QSizeF device = painter.deviceTransform().mapRect(target).size();
     const QSize needed = device.toSize().expandedTo({1, 1});
     const bool shrinks = needed.width() < image_.width() && needed.height() < image_.height();
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(target, shrinks ? smoothlyScaled(image_, needed) : image_);
+    if (!isRaster(facts_.kind))
+        painter.drawImage(target, drawnAt(needed));
+    else
+        painter.drawImage(target, shrinks ? smoothlyScaled(image_, needed) : image_);
     painter.restore();
 }
 

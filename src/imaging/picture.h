@@ -5,6 +5,7 @@
 // taken. Neither measure() nor decode() needs a QGuiApplication.
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QPoint>
 #include <QSize>
@@ -49,21 +50,30 @@ class Picture {
   public:
     Picture(PictureFacts facts, QImage image);
 
+    // A metafile: its file's bytes, which are played whenever the picture is shown at another size.
+    Picture(PictureFacts facts, QByteArray metafile);
+
     const PictureFacts& facts() const { return facts_; }
 
     // A raster picture in full size, maybe with alpha; null for a metafile.
     const QImage& image() const { return image_; }
 
     // The whole picture fitted into `box` device pixels, proportions kept. A raster picture is
-    // never enlarged; a metafile is drawn at that size. Needs a QGuiApplication for metafiles.
+    // never enlarged; a metafile is drawn at that size, on white paper, as far as it can be read.
+    // Needs a QGuiApplication for metafiles.
     QImage scaledTo(QSize box) const;
 
-    // Paints the whole picture into `target`, whatever its proportions.
+    // Paints the whole picture into `target`, whatever its proportions. A metafile is drawn anew
+    // only when the target's size in device pixels is another than the last time.
     void paint(QPainter& painter, const QRectF& target) const;
 
   private:
+    QImage drawnAt(QSize size) const;
+
     PictureFacts facts_;
     QImage image_;
+    QByteArray metafile_;
+    mutable QImage drawn_; // the metafile at the size that was asked for last
 };
 
 // "WMF", "EMF", ... in upper case.

@@ -172,6 +172,27 @@ WmfLayout readWmfLayout(std::span<const std::byte> bytes) {
     return layout;
 }
 
+std::vector<std::byte> readEmbeddedEmf(std::span<const std::byte> bytes) {
+    constexpr std::uint16_t kEscape = 0x0626;
+    constexpr std::uint16_t kComment = 0x000F;
+    constexpr std::uint32_t kIdentifier = 0x43464D57; // "WMFC"
+    constexpr std::uint32_t kEnhancedMetafile = 1;
+    std::vector<std::byte> found;
+    std::size_t missing = 0;
+    forEachRecord(bytes, [&](const WmfRecord& record) {
+        const ByteReader& in = record.in;
+        const bool isPart = record.type == kEscape && in.has(0, 44) && in.u16(6) == kComment &&
+                            in.u32(10) == kIdentifier && in.u32(14) == kEnhancedMetafile;
+        if (!isPart)
+            return Next::Read;
+        const auto part = in.part(44, in.u32(32));
+        found.insert(found.end(), part.begin(), part.end());
+        missing = in.u32(36);
+        return missing == 0 ? Next::Stop : Next::Read;
+    });
+    return missing == 0 ? found : std::vector<std::byte>();
+}
+
 FileEnd readWmf(std::span<const std::byte> bytes, RecordSink& sink) {
     WmfReading reading{sink, {}, {}, {}, std::nullopt};
     return forEachRecord(bytes, [&](const WmfRecord& record) {

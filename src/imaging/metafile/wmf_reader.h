@@ -21,4 +21,8 @@ WmfLayout readWmfLayout(std::span<const std::byte> bytes);
 // sink throws and nothing else.
 FileEnd readWmf(std::span<const std::byte> bytes, RecordSink& sink);
 
+// Files that were made of an enhanced metafile may hold that one whole, in comments, for whoever
+// can draw it. Empty when there is none or a part of it is missing.
+std::vector<std::byte> readEmbeddedEmf(std::span<const std::byte> bytes);
+
 } // namespace imaging::metafile
