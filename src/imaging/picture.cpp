@@ -146,7 +146,9 @@ QImage Picture::drawnAt(QSize size) const {
     if (drawn_.size() != size) {
         const auto bytes =
             std::span(metafile_.constData(), static_cast<std::size_t>(metafile_.size()));
-        drawn_ = metafile::draw(std::as_bytes(bytes), size).image;
+        const metafile::Drawing drawing = metafile::draw(std::as_bytes(bytes), size);
+        drawn_ = drawing.image;
+        drawnInPart_ = drawing.completeness == metafile::Completeness::Part;
     }
     return drawn_;
 }

@@ -63,6 +63,10 @@ class Picture {
     // Needs a QGuiApplication for metafiles.
     QImage scaledTo(QSize box) const;
 
+    // Whether the metafile could not be drawn to its end the last time: it is cut short, or asks for
+    // more work than any honest one. False for raster pictures.
+    bool isDrawnInPart() const { return drawnInPart_; }
+
     // Paints the whole picture into `target`, whatever its proportions. A metafile is drawn anew
     // only when the target's size in device pixels is another than the last time.
     void paint(QPainter& painter, const QRectF& target) const;
@@ -74,6 +78,7 @@ class Picture {
     QImage image_;
     QByteArray metafile_;
     mutable QImage drawn_; // the metafile at the size that was asked for last
+    mutable bool drawnInPart_ = false;
 };
 
 // "WMF", "EMF", ... in upper case.

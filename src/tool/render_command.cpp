@@ -60,6 +60,9 @@ ExitStatus renderPicture(const Invocation& invocation) {
         if (qint64{box.width()} * box.height() > imaging::kMaximumPixels)
             throw Error(ErrorCode::TooLarge, target, "the picture would have too many pixels");
         image = picture.scaledTo(box);
+        if (picture.isDrawnInPart())
+            complain(invocation.console,
+                     source.string() + ": cut short or asking for too much; drawn in part");
     } catch (const imaging::DecodeError& error) {
         throw Error(ErrorCode::InvalidPicture, source, error.what());
     }
