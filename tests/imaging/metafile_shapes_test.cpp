@@ -175,6 +175,14 @@ TEST(MetafileShapes, ClipsCombine) {
     EXPECT_EQ(joint.pixel(35, 35), kRed);
     EXPECT_EQ(joint.pixel(20, 20), kWhite);
 
+    // Many rectangles after a path and after no clip at all.
+    EmfFile later(40, 40);
+    later.stock(kNullPen).brush(1, kFileRed).add(33).add(59).add(42, {0, 0, 40, 40}).add(60);
+    later.add(67, {5}).rectangle(0, 0, 5, 5).add(34, {-1}).add(42, {0, 0, 4, 4});
+    later.add(29, {10, 10, 30, 30}).add(42, {0, 0, 40, 40});
+    EXPECT_EQ(later.drawn().pixel(20, 20), kWhite);
+    EXPECT_EQ(later.drawn().pixel(20, 5), kRed);
+
     // A frozen clip outlasts what replaces the ordinary one.
     EmfFile frozen = filled(kFileRed);
     frozen.add(30, {0, 0, 20, 40}).add(28).add(75, {0, 5});
@@ -225,6 +233,16 @@ TEST(MetafileShapes, HatchesShowTheGroundOnlyWhenItIsOpaque) {
     EXPECT_GT(count(image(2), kRed), 800);
     EXPECT_GT(count(image(1), kWhite), 800);
     EXPECT_GT(count(image(1), kBlack), 100);
+}
+
+TEST(MetafileShapes, BrushesMayHaveTheColoursOfTextAndGround) {
+    EmfFile file(40, 40);
+    file.stock(kNullPen).add(24, {static_cast<std::int32_t>(kFileRed)});
+    file.add(25, {static_cast<std::int32_t>(kFileBlue)});
+    file.add(39, {1, 2, 0, 8}).add(37, {1}).rectangle(0, 0, 20, 40);
+    file.add(39, {2, 2, 0, 10}).add(37, {2}).rectangle(20, 0, 40, 40);
+    EXPECT_EQ(file.drawn().pixel(10, 10), kRed);
+    EXPECT_EQ(file.drawn().pixel(30, 10), kBlue);
 }
 
 TEST(MetafileShapes, PatternsRepeatFromTheBrushOrigin) {

@@ -63,7 +63,9 @@ QRegion Clip::toRegion(const QRect& sheet) const {
 
 void Clip::applyTo(QPainter& painter) const {
     if (isEverything()) {
-        painter.setClipping(false);
+        // Not switched off: Qt 6.4 would leave it off when a region of many rectangles comes next.
+        painter.setClipRect(QRect(0, 0, painter.device()->width(), painter.device()->height()),
+                            Qt::ReplaceClip);
         return;
     }
     // Paths alone need a first clip that replaces the painter's old one.

@@ -4,6 +4,7 @@
 #include "imaging/metafile/emf_records.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace imaging::metafile {
 
@@ -63,6 +64,17 @@ QRectF sourcePart(const ByteReader& in, std::size_t cornerAt, QSizeF size) {
     return transform.isInvertible() ? transform.mapRect(part) : part;
 }
 
+// A plain copy tells no size of its source, so where axes are scaled its part is larger than all
+// there is. Everybody draws the whole bitmap then.
+void fitToSource(RasterBlit& blit) {
+    if (!blit.source)
+        return;
+    const QSize size = blit.source->image.size();
+    const QRectF whole({0, 0}, QSizeF(size));
+    if (std::abs(blit.part.width()) > size.width() && std::abs(blit.part.height()) > size.height())
+        blit.part = whole;
+}
+
 void readBlit(const EmfRecord& record, EmfReading& reading) {
     const ByteReader& in = record.in;
     const QRectF rectangle = rectangleWithSize(in, 24);
@@ -74,6 +86,8 @@ void readBlit(const EmfRecord& record, EmfReading& reading) {
                                                   : QSizeF(rectangle.width(), rectangle.height());
     blit.part =
         record.type == StretchBlt ? QRectF(pointAt(in, 44), size) : sourcePart(in, 44, size);
+    if (record.type == BitBlt)
+        fitToSource(blit);
     if (record.type == MaskBlt) {
         blit.behindMask = in.u8(43);
         blit.mask = bitmapAt(in, 108, reading);

@@ -82,6 +82,14 @@ QBrush painterBrush(const Brush& brush, const DeviceContext& context) {
     case BrushKind::Solid:
         break;
     }
+    switch (brush.ink) {
+    case BrushInk::Text:
+        return QColor::fromRgb(context.textColour);
+    case BrushInk::Background:
+        return QColor::fromRgb(context.backgroundColour);
+    case BrushInk::Own:
+        break;
+    }
     return QColor::fromRgb(brush.colour);
 }
 

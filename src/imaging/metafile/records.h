@@ -33,8 +33,12 @@ enum class PenWidth { Cosmetic, Geometric }; // one device pixel, or as told in 
 
 enum class BrushKind { Solid, Null, Hatched, Pattern };
 
+// Whose colour a brush has.
+enum class BrushInk { Own, Text, Background };
+
 struct Brush {
     BrushKind kind = BrushKind::Solid;
+    BrushInk ink = BrushInk::Own;
     QRgb colour = qRgb(255, 255, 255);
     int hatch = 0;  // horizontal, vertical, falling, rising, cross, diagonal cross
     QImage pattern; // one pixel of it is one pixel of the sheet
@@ -50,7 +54,7 @@ struct Pen {
     Qt::PenJoinStyle join = Qt::RoundJoin;
     // Of UserDashes: lengths of dashes and gaps in turn, in the width's units.
     std::vector<double> dashes;
-    Brush brush{BrushKind::Solid, qRgb(0, 0, 0), 0, {}, false};
+    Brush brush{BrushKind::Solid, BrushInk::Own, qRgb(0, 0, 0), 0, {}, false};
 };
 
 struct Font {

@@ -49,7 +49,7 @@ Object stockObject(std::uint32_t number) {
     case 4:
         return solidBrush(qRgb(0, 0, 0));
     case 5:
-        return Brush{BrushKind::Null, 0, 0, {}, false};
+        return plainBrush(1, 0, 0);
     case 6:
         return stockPen(qRgb(255, 255, 255));
     case 7:
@@ -120,12 +120,16 @@ Brush plainBrush(std::uint32_t style, QRgb colour, std::uint32_t hatch) {
     constexpr std::uint32_t kNull = 1;
     constexpr std::uint32_t kHatched = 2;
     constexpr std::uint32_t kHatches = 6;
+    constexpr std::uint32_t kTextColour = 8;  // and 9
+    constexpr std::uint32_t kBackground = 10; // and 11
     Brush brush = solidBrush(colour);
     if (style == kNull)
         brush.kind = BrushKind::Null;
     if (style == kHatched && hatch < kHatches) {
         brush.kind = BrushKind::Hatched;
         brush.hatch = static_cast<int>(hatch);
+    } else if (style == kHatched && hatch >= kTextColour) {
+        brush.ink = hatch < kBackground ? BrushInk::Text : BrushInk::Background;
     }
     return brush;
 }
