@@ -11,7 +11,7 @@
 #include "browser/main_menus.h"
 #include "browser/picture_panel.h"
 #include "browser/temporary_pictures.h"
-#include "commands/picture_commands.h"
+#include "commands/edit_picture.h"
 #include "compound/error.h"
 #include "imaging/picture.h"
 #include "platform/native_disk.h"
@@ -330,6 +330,10 @@ QString frmMain::shownPicture() const {
 
 void frmMain::Aktualisieren() {
     panel_->Aktualisieren();
+}
+
+void frmMain::PictureRenamed(const store::GroupAddress& group, const QString& name) {
+    panel_->PictureRenamed(group, name);
 }
 
 void frmMain::FillListView(const store::GroupAddress& group) {

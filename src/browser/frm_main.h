@@ -47,6 +47,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void TreeViewAdd(const store::GroupName& name) override;
     void SelectFirstGroup() override;
     void Aktualisieren() override;
+    void PictureRenamed(const store::GroupAddress& group, const QString& name) override;
     void FillListView(const store::GroupAddress& group) override;
     void MiniVorschau(std::size_t startIndex) override;
     void ClearVorschau() override;

@@ -136,6 +136,15 @@ QString PictureList::selectFirst() {
     return selectedName();
 }
 
+void PictureList::select(const QString& name) {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    const auto rows = findItems(name, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (!rows.isEmpty()) {
+        setCurrentItem(rows.first(), 0,
+                       QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
+}
+
 QString PictureList::selectedName() const {
     const QList<QTreeWidgetItem*> rows = selectedItems();
     return rows.isEmpty() ? QString() : rows.front()->text(0);

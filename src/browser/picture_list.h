@@ -41,6 +41,9 @@ class PictureList : public QTreeWidget {
     // Selects the first row, if there is one, without reporting it; returns its name.
     QString selectFirst();
 
+    // Selects the row of that name, if there is one, without reporting it.
+    void select(const QString& name);
+
     QString selectedName() const; // empty when no row is selected
 
     // Gives the row of that name another one.

@@ -249,6 +249,20 @@ void PicturePanel::showAgain() {
     }
 }
 
+void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QString& name) {
+    if (group_ != group) {
+        return;
+    }
+    setLabel(name);
+    if (!GraphicalPreview_) {
+        FillListView(group);
+        lvwInfo_->select(name);
+        return;
+    }
+    SetImgScrollProperties();
+    onScrollChanged();
+}
+
 void PicturePanel::FillListView(const store::GroupAddress& group) {
     std::vector<store::PictureEntry> pictures;
     try {

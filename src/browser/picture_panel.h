@@ -64,6 +64,7 @@ class PicturePanel : public QObject {
     bool isSettled() const; // nothing is being laid out or loaded
 
     void Aktualisieren();
+    void PictureRenamed(const store::GroupAddress& group, const QString& name);
     void FillListView(const store::GroupAddress& group);
     void MiniVorschau(std::size_t startIndex);
     void SelectPicture();

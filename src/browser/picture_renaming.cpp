@@ -6,8 +6,6 @@
 #include "store/names.h"
 #include "store/picture_operations.h"
 
-#include <algorithm>
-
 namespace browser {
 namespace {
 
@@ -23,9 +21,7 @@ bool isElementOf(const store::Library& library, const store::GroupAddress& group
     if (name.text == store::kNameStream || name.text == store::kParentStream) {
         return true;
     }
-    const auto pictures = store::listPictures(library, group);
-    return std::any_of(pictures.begin(), pictures.end(),
-                       [&](const store::PictureEntry& entry) { return entry.name == name; });
+    return store::findPicture(library, group, name) == name;
 }
 
 // What the box says when the name is refused; empty when the picture was renamed.

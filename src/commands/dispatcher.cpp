@@ -1,6 +1,11 @@
 #include "commands/dispatcher.h"
 
 #include "app/message_box.h"
+#include "commands/edit_picture.h"
+#include "commands/frm_edit_symbol.h"
+#include "commands/frm_editor_optionen.h"
+#include "commands/frm_info.h"
+#include "commands/frm_infos.h"
 #include "commands/frm_neue_gruppe.h"
 #include "commands/group_commands.h"
 #include "commands/library_view.h"
@@ -27,10 +32,16 @@ constexpr std::array kBindings{
     Binding{Command::NewGroup, newGroup},
     Binding{Command::AddPicture, addPicture},
     Binding{Command::EditPicture, editPicture},
+    Binding{Command::ReadPicture, readPicture},
+    Binding{Command::RenamePicture, renamePicture},
+    Binding{Command::DeletePicture, deletePicture},
+    Binding{Command::PictureInfo, showPictureInfo},
     Binding{Command::GraphicalPreview, toggleGraphicalPreview},
+    Binding{Command::EditorOptions, showEditorOptions},
     Binding{Command::Exit, exitProgram},
     Binding{Command::Help, showMainHelp},
     Binding{Command::SearchHelp, searchHelp},
+    Binding{Command::LibraryInfo, showLibraryInfo},
 };
 
 Handler handlerOf(Command command) {

@@ -18,6 +18,10 @@ class frmOptionenWMF;
 namespace commands {
 
 class LibraryView;
+class frmEditorOptionen;
+class frmEditSymbol;
+class frmInfo;
+class frmInfos;
 class frmNeueGruppe;
 
 // Where a command was chosen. Some commands act differently on the two ways.
@@ -28,6 +32,10 @@ struct Dialogs {
     QPointer<frmNeueGruppe> newGroup;
     QPointer<editing::frmOpen> addPicture;
     QPointer<editing::frmOptionenWMF> vectorPicture;
+    QPointer<frmEditSymbol> renamePicture;
+    QPointer<frmInfos> pictureInfo;
+    QPointer<frmEditorOptionen> editorOptions;
+    QPointer<frmInfo> libraryInfo;
 };
 
 // What a command's function gets.

@@ -50,6 +50,9 @@ class LibraryView {
     // Shows the current group's pictures anew after a command has changed them.
     virtual void Aktualisieren() = 0;
 
+    // Shows that a picture of the group, the one shown, has another name now.
+    virtual void PictureRenamed(const store::GroupAddress& group, const QString& name) = 0;
+
     virtual void FillListView(const store::GroupAddress& group) = 0;
 
     // Fills the thumbnails with the current group's pictures from that element index on.

@@ -1,63 +1,68 @@
 #include "commands/picture_commands.h"
 
 #include "app/message_box.h"
+#include "app/settings.h"
 #include "app/texts.h"
 #include "commands/dispatcher.h"
+#include "commands/failure_report.h"
+#include "commands/frm_edit_symbol.h"
+#include "commands/frm_infos.h"
 #include "commands/library_view.h"
-#include "compound/error.h"
 #include "editing/frm_open.h"
-#include "editing/frm_optionen_wmf.h"
-#include "editing/picture_in_group.h"
 #include "store/picture_operations.h"
 
-#include <optional>
+#include <QCoreApplication>
 
 namespace commands {
 namespace {
 
-constexpr app::TextPair kNoEditor{
-    u"Bearbeitungsfunktionen für Bilder dieses Typs sind nicht verfügbar.",
-    u"Editing functions for pictures of this type are not available."};
+constexpr int kDeleteBefore = 300;
+constexpr int kDeleteBetween = 301;
+constexpr int kDeleteAfter = 302;
+constexpr int kNothingChosen = 303;
 
-// Not translated.
-const QString kVectorFromPopUp =
-    QStringLiteral("Bearbeitungsfunktionen für Vektordateien sind noch nicht verfügbar.");
+const std::string kTemporaryName = "Picture";
 
-// The label says nothing before the first choice, and in an empty group that there is no picture.
-std::optional<editing::PictureInGroup> shownPicture(const SelectionContext& selection) {
-    const auto group = selection.group();
-    if (!group || selection.pictureName.isEmpty() ||
-        selection.pictureName == app::text(app::kTextNoPicture)) {
-        return std::nullopt;
-    }
-    return editing::PictureInGroup{
-        *group, selection.groupName, {selection.pictureName.toStdU16String()}};
+bool isNoPicture(const SelectionContext& selection) {
+    return selection.pictureName == app::text(app::kTextNoPicture);
 }
 
-// Nothing after a box has told the failure.
-std::optional<QString> readType(LibraryView& view, const editing::PictureInGroup& picture) {
-    const store::Library& library = view.library();
+store::PictureName nameOf(const SelectionContext& selection) {
+    return {selection.pictureName.toStdU16String()};
+}
+
+// Whether the group holds the picture. One that went behind the window's back is taken off the
+// screen as well.
+bool isThere(const CommandCall& call) {
+    const auto group = call.selection.group();
+    if (!group) {
+        return false;
+    }
+    if (store::findPicture(call.view.library(), *group, nameOf(call.selection))) {
+        return true;
+    }
+    if (!call.selection.pictureName.isEmpty() && !isNoPicture(call.selection)) {
+        call.view.Aktualisieren();
+    }
+    return false;
+}
+
+// Runs what needs the shown picture's group; a failure is told with the group's name.
+template <typename Action>
+void withGroupNamed(const CommandCall& call, Action action) {
     try {
-        const std::string type = store::readPictureType(library, picture.group, picture.name);
-        // A picture may lack its record; one that another program has removed lacks it, too.
-        if (type.empty() && !store::pictureExists(library, picture.group, picture.name)) {
-            throw compound::Error(compound::ErrorCode::NotFound,
-                                  store::pathOf(library, picture.group.file),
-                                  "the picture is gone");
-        }
-        return QString::fromStdString(type);
-    } catch (const std::exception& failure) {
-        app::msgBox(editing::unreadableText(picture, failure), app::Buttons::Ok, app::kProgramTitle,
-                    view.owner());
-        return std::nullopt;
+        action();
+    } catch (const std::exception& error) {
+        reportFailure(call.view, call.selection, error, app::kProgramTitle, call.view.owner());
     }
 }
 
-void openVectorWindow(CommandCall& call, const editing::PictureInGroup& picture) {
-    if (!call.dialogs.vectorPicture) {
-        call.dialogs.vectorPicture = new editing::frmOptionenWMF(call.view.owner());
-    }
-    call.dialogs.vectorPicture->openFor(call.view.library(), picture);
+bool isDeletionConfirmed(const CommandCall& call) {
+    const QString question = app::text(kDeleteBefore) + call.selection.pictureName +
+                             app::text(kDeleteBetween) + call.selection.groupName +
+                             app::text(kDeleteAfter);
+    return app::msgBox(question, app::Buttons::YesNo, app::kProgramTitle, call.view.owner()) ==
+           app::kAnswerYes;
 }
 
 } // namespace
@@ -72,26 +77,59 @@ void addPicture(CommandCall& call) {
                                      {call.selection.group(), call.selection.groupName});
 }
 
-bool hasEditor(const QString& pictureType) {
-    return pictureType == QLatin1String("WMF");
+void readPicture(CommandCall& call) {
+    if (isNoPicture(call.selection)) {
+        return;
+    }
+    withGroupNamed(call, [&call] {
+        if (isThere(call)) {
+            store::exportPicture(call.view.library(), *call.selection.group(),
+                                 nameOf(call.selection), app::settings().temporaryFolderPath(),
+                                 kTemporaryName);
+        }
+    });
 }
 
-void editPicture(CommandCall& call) {
-    const auto picture = shownPicture(call.selection);
-    if (!picture) {
+void renamePicture(CommandCall& call) {
+    if (call.origin == Origin::Menu && isNoPicture(call.selection)) {
         return;
     }
-    const auto type = readType(call.view, *picture);
-    if (!type) {
+    if (!call.dialogs.renamePicture) {
+        call.dialogs.renamePicture = new frmEditSymbol(call.view, call.view.owner());
+    }
+    call.dialogs.renamePicture->openFor(call.selection);
+}
+
+void deletePicture(CommandCall& call) {
+    if (call.origin == Origin::Menu && isNoPicture(call.selection)) {
         return;
     }
-    if (!hasEditor(*type)) {
-        app::msgBox(app::text(kNoEditor), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
-    } else if (call.origin == Origin::PopUp) {
-        app::msgBox(kVectorFromPopUp, app::Buttons::Ok, app::kProgramTitle, call.view.owner());
-    } else {
-        openVectorWindow(call, *picture);
+    withGroupNamed(call, [&call] {
+        if (!isThere(call) || !isDeletionConfirmed(call)) {
+            return;
+        }
+        store::deletePicture(call.view.library(), *call.selection.group(), nameOf(call.selection));
+        call.view.Aktualisieren();
+    });
+}
+
+void showPictureInfo(CommandCall& call) {
+    if (call.selection.pictureName.isEmpty()) {
+        app::msgBox(app::text(kNothingChosen), app::Buttons::Ok, app::kProgramTitle,
+                    call.view.owner());
+        return;
     }
+    // What the click has set off is painted before the dialog covers it.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    withGroupNamed(call, [&call] {
+        if (!isThere(call)) {
+            return;
+        }
+        if (!call.dialogs.pictureInfo) {
+            call.dialogs.pictureInfo = new frmInfos(call.view.owner());
+        }
+        call.dialogs.pictureInfo->openFor(call.view.library(), call.selection);
+    });
 }
 
 } // namespace commands

@@ -1,7 +1,9 @@
 // Commands on pictures. Each is bound to its tools and menu items by the dispatcher.
+//
+// The menu's commands are for a picture that the label names, and do nothing while the label says
+// that there is none; the pop-up's look into the group. Neither asks or tells anything about a
+// picture that is not there.
 #pragma once
-
-#include <QString>
 
 namespace commands {
 
@@ -10,12 +12,16 @@ struct CommandCall;
 // Opens the window that stores picture files in the selected group.
 void addPicture(CommandCall& call);
 
-// Whether there is a window for pictures of that type code.
-bool hasEditor(const QString& pictureType);
+// Writes the shown picture to the temporary folder and leaves it there.
+void readPicture(CommandCall& call);
 
-// Opens the shown picture in the window for its type; from the pop-up a box tells instead that
-// vector pictures cannot be edited. Where there is no window for the type, a box says so, too.
-// Without a picture nothing happens.
-void editPicture(CommandCall& call);
+// Opens the dialog that gives the shown picture another name.
+void renamePicture(CommandCall& call);
+
+// Asks, and removes the shown picture from its group for good.
+void deletePicture(CommandCall& call);
+
+// Opens the dialog with the shown picture's facts.
+void showPictureInfo(CommandCall& call);
 
 } // namespace commands

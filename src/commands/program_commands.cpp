@@ -4,6 +4,8 @@
 #include "app/message_box.h"
 #include "app/texts.h"
 #include "commands/dispatcher.h"
+#include "commands/frm_editor_optionen.h"
+#include "commands/frm_info.h"
 #include "commands/library_view.h"
 
 namespace commands {
@@ -14,6 +16,13 @@ void toggleGraphicalPreview(CommandCall& call) {
     } else {
         call.view.VorschauAktiviert();
     }
+}
+
+void showEditorOptions(CommandCall& call) {
+    if (!call.dialogs.editorOptions) {
+        call.dialogs.editorOptions = new frmEditorOptionen(call.view.owner());
+    }
+    call.dialogs.editorOptions->openAfresh();
 }
 
 void exitProgram(CommandCall& call) {
@@ -27,6 +36,13 @@ void showMainHelp(CommandCall& call) {
 void searchHelp(CommandCall& call) {
     app::msgBox(QStringLiteral("Leider noch keine Hilfe verfügbar"), app::Buttons::Ok,
                 app::kProgramTitle, call.view.owner());
+}
+
+void showLibraryInfo(CommandCall& call) {
+    if (!call.dialogs.libraryInfo) {
+        call.dialogs.libraryInfo = new frmInfo(call.view.owner());
+    }
+    call.dialogs.libraryInfo->openFor(call.view.library());
 }
 
 } // namespace commands

@@ -8,11 +8,16 @@ struct CommandCall;
 // Changes between thumbnails and list.
 void toggleGraphicalPreview(CommandCall& call);
 
+void showEditorOptions(CommandCall& call);
+
 void exitProgram(CommandCall& call);
 
 void showMainHelp(CommandCall& call);
 
 // Tells that there is no search in the help. The sentence is German in both languages.
 void searchHelp(CommandCall& call);
+
+// Tells how many groups and pictures the library holds.
+void showLibraryInfo(CommandCall& call);
 
 } // namespace commands

@@ -4,6 +4,7 @@
 #include "app/message_box.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "app/wait_cursor.h"
 #include "compound/error.h"
 #include "editing/drive_list.h"
 #include "editing/file_list.h"
@@ -17,7 +18,6 @@
 #include "store/damaged_groups.h"
 #include "store/picture_operations.h"
 
-#include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -77,14 +77,6 @@ constexpr std::chrono::milliseconds kScanPatience{1000};
 const QStringList kSuffixes{QStringLiteral(".gif"), QStringLiteral(".bmp"), QStringLiteral(".jpg"),
                             QStringLiteral(".wmf"), QStringLiteral(".ico"), QStringLiteral(".cur"),
                             QStringLiteral(".emf")};
-
-class WaitCursor {
-  public:
-    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
 app::TwipRect Normal() {
     return {(kBoxWidth - kBoxHeight) / 2 + kBoxLeft, kBoxTop, kBoxHeight, kBoxHeight};
@@ -258,7 +250,7 @@ void frmOpen::load(const store::Library& library, TargetGroup target) {
 }
 
 int frmOpen::Scan() {
-    const WaitCursor waiting;
+    const app::WaitCursor waiting;
     const store::LockBudget budget(kScanPatience);
     int sound = 0;
     for (const store::FileName& file : filesOf(*library_))
@@ -283,7 +275,7 @@ void frmOpen::clearPicture() {
 void frmOpen::openFile(const QString& fileName) {
     isInvalidPicture_ = false;
     try {
-        const WaitCursor waiting;
+        const app::WaitCursor waiting;
         const imaging::Picture picture = readPicture(pathOf(*filDatei_));
         const imaging::TwipSize twips = picture.facts().twips;
         picBild_->resize(app::toPixels(twips.width, twips.height));
@@ -346,7 +338,7 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
         tell(kTextInvalidName);
         return;
     }
-    const WaitCursor waiting;
+    const app::WaitCursor waiting;
     store::addPicture(*library_, group, name, pathOf(*filDatei_), ifExists);
 }
 

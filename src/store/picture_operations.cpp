@@ -50,11 +50,18 @@ Error missingPicture(const std::filesystem::path& file, const PictureName& name)
 }
 
 // The picture's stream as the group spells it.
-Element findPicture(StorageAccess& access, const PictureName& name) {
-    const auto element = access.groupStorage().find(name.text);
-    if (!element || element->kind != ElementKind::Stream || isGroupText(element->name))
+std::optional<Element> pictureStream(StorageAccess& access, const PictureName& name) {
+    auto element = access.groupStorage().find(name.text);
+    if (element && (element->kind != ElementKind::Stream || isGroupText(element->name)))
+        element.reset();
+    return element;
+}
+
+Element requirePicture(StorageAccess& access, const PictureName& name) {
+    auto element = pictureStream(access, name);
+    if (!element)
         throw missingPicture(access.file().disk().path(), name);
-    return *element;
+    return *std::move(element);
 }
 
 PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
@@ -135,6 +142,16 @@ bool testPictureName(const Library& library, const GroupAddress& group,
     }
 }
 
+std::optional<PictureName> findPicture(const Library& library, const GroupAddress& group,
+                                       const PictureName& name) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    auto element = pictureStream(access, name);
+    if (!element)
+        return std::nullopt;
+    return PictureName{std::move(element->name)};
+}
+
 bool pictureExists(const Library& library, const GroupAddress& group, const PictureName& name) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
@@ -145,7 +162,7 @@ StoredPicture readPicture(const Library& library, const GroupAddress& group,
                           const PictureName& name) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
-    const Element element = findPicture(access, name);
+    const Element element = requirePicture(access, name);
     if (element.size > kMaximumPictureBytes)
         throw Error(ErrorCode::TooLarge, access.file().disk().path(),
                     "\"" + toUtf8(element.name) + "\" is too large for a picture");
@@ -169,7 +186,7 @@ void renamePicture(const Library& library, const GroupAddress& group, const Pict
     requireValidName(pathOf(library, group.file), to);
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
-    const Element picture = findPicture(access, from);
+    const Element picture = requirePicture(access, from);
     if (picture.name == to.text)
         return;
     access.groupStorage().RenameElement(picture.name, to.text);
@@ -189,7 +206,7 @@ void deletePicture(const Library& library, const GroupAddress& group, const Pict
         return;
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
-    const Element picture = findPicture(access, name);
+    const Element picture = requirePicture(access, name);
     access.groupStorage().DestroyElement(picture.name);
     if (access.openInfo(group)) {
         if (const auto record = access.infoStorage().find(picture.name))

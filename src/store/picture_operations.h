@@ -55,6 +55,11 @@ class PictureBatch {
 bool testPictureName(const Library& library, const GroupAddress& group,
                      const PictureName& name) noexcept;
 
+// The picture's name as the group spells it; nothing when there is no such picture. Without regard
+// to case; `Name` and `Parent` never are pictures.
+std::optional<PictureName> findPicture(const Library& library, const GroupAddress& group,
+                                       const PictureName& name);
+
 // Without regard to case; always true for `Name` and `Parent`.
 bool pictureExists(const Library& library, const GroupAddress& group, const PictureName& name);
 

@@ -1,0 +1,86 @@
+#include "commands/edit_picture.h"
+
+#include "app/message_box.h"
+#include "app/texts.h"
+#include "commands/dispatcher.h"
+#include "commands/library_view.h"
+#include "compound/error.h"
+#include "editing/frm_optionen_wmf.h"
+#include "editing/picture_in_group.h"
+#include "store/picture_operations.h"
+
+#include <optional>
+
+namespace commands {
+namespace {
+
+constexpr app::TextPair kNoEditor{
+    u"Bearbeitungsfunktionen für Bilder dieses Typs sind nicht verfügbar.",
+    u"Editing functions for pictures of this type are not available."};
+
+// Not translated.
+const QString kVectorFromPopUp =
+    QStringLiteral("Bearbeitungsfunktionen für Vektordateien sind noch nicht verfügbar.");
+
+// The label says nothing before the first choice, and in an empty group that there is no picture.
+std::optional<editing::PictureInGroup> shownPicture(const SelectionContext& selection) {
+    const auto group = selection.group();
+    if (!group || selection.pictureName.isEmpty() ||
+        selection.pictureName == app::text(app::kTextNoPicture)) {
+        return std::nullopt;
+    }
+    return editing::PictureInGroup{
+        *group, selection.groupName, {selection.pictureName.toStdU16String()}};
+}
+
+// Nothing after a box has told the failure.
+std::optional<QString> readType(LibraryView& view, const editing::PictureInGroup& picture) {
+    const store::Library& library = view.library();
+    try {
+        const std::string type = store::readPictureType(library, picture.group, picture.name);
+        // A picture may lack its record; one that another program has removed lacks it, too.
+        if (type.empty() && !store::pictureExists(library, picture.group, picture.name)) {
+            throw compound::Error(compound::ErrorCode::NotFound,
+                                  store::pathOf(library, picture.group.file),
+                                  "the picture is gone");
+        }
+        return QString::fromStdString(type);
+    } catch (const std::exception& failure) {
+        app::msgBox(editing::unreadableText(picture, failure), app::Buttons::Ok, app::kProgramTitle,
+                    view.owner());
+        return std::nullopt;
+    }
+}
+
+void openVectorWindow(CommandCall& call, const editing::PictureInGroup& picture) {
+    if (!call.dialogs.vectorPicture) {
+        call.dialogs.vectorPicture = new editing::frmOptionenWMF(call.view.owner());
+    }
+    call.dialogs.vectorPicture->openFor(call.view.library(), picture);
+}
+
+} // namespace
+
+bool hasEditor(const QString& pictureType) {
+    return pictureType == QLatin1String("WMF");
+}
+
+void editPicture(CommandCall& call) {
+    const auto picture = shownPicture(call.selection);
+    if (!picture) {
+        return;
+    }
+    const auto type = readType(call.view, *picture);
+    if (!type) {
+        return;
+    }
+    if (!hasEditor(*type)) {
+        app::msgBox(app::text(kNoEditor), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
+    } else if (call.origin == Origin::PopUp) {
+        app::msgBox(kVectorFromPopUp, app::Buttons::Ok, app::kProgramTitle, call.view.owner());
+    } else {
+        openVectorWindow(call, *picture);
+    }
+}
+
+} // namespace commands

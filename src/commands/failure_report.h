@@ -1,0 +1,19 @@
+// Telling the user that an operation on the selected group failed.
+#pragma once
+
+#include "commands/selection_context.h"
+
+#include <exception>
+
+class QWidget;
+
+namespace commands {
+
+class LibraryView;
+
+// Shows a box with the group's path and the cause, then brings the window up to date where the
+// failure says that it shows what is not there any more.
+void reportFailure(LibraryView& view, const SelectionContext& selection,
+                   const std::exception& failure, const QString& title, QWidget* owner);
+
+} // namespace commands

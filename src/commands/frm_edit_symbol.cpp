@@ -1,0 +1,150 @@
+#include "commands/frm_edit_symbol.h"
+
+#include "app/help.h"
+#include "app/message_box.h"
+#include "app/texts.h"
+#include "commands/failure_report.h"
+#include "commands/library_view.h"
+#include "compound/error.h"
+#include "store/names.h"
+#include "store/picture_operations.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+
+namespace commands {
+namespace {
+
+constexpr int kCaption = 400;
+constexpr int kPrompt = 403;
+constexpr int kBack = 404;
+constexpr int kHelp = 405;
+constexpr int kNotForPictures = 450;
+constexpr int kNameMissing = 451;
+constexpr int kNameExists = 452;
+constexpr int kNoPicture = 453;
+constexpr int kReservedBefore = 454;
+constexpr int kReservedAfter = 455;
+constexpr int kNameInvalid = 951;
+
+} // namespace
+
+frmEditSymbol::frmEditSymbol(LibraryView& view, QWidget* owner)
+    : QDialog(owner),
+      view_(view),
+      prompt_(new QLabel(app::text(kPrompt), this)),
+      txtName_(new QLineEdit(this)),
+      cmdOK_(new QPushButton(QStringLiteral("OK"), this)),
+      cmdCancel_(new QPushButton(app::text(kBack), this)),
+      cmdHilfe_(new QPushButton(app::text(kHelp), this)) {
+    setObjectName(QStringLiteral("frmEditSymbol"));
+    setWindowTitle(app::text(kCaption));
+    prompt_->setTextFormat(Qt::PlainText);
+    txtName_->setObjectName(QStringLiteral("txtName"));
+    txtName_->setAccessibleName(app::text(kPrompt));
+    cmdOK_->setObjectName(QStringLiteral("cmdOK"));
+    cmdOK_->setDefault(true);
+    cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
+    cmdHilfe_->setObjectName(QStringLiteral("cmdHilfe"));
+    arrange();
+    connectControls();
+}
+
+void frmEditSymbol::arrange() {
+    auto* field = new QHBoxLayout;
+    field->setSpacing(12);
+    field->addWidget(prompt_);
+    field->addWidget(txtName_);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    buttons->addWidget(cmdOK_);
+    buttons->addWidget(cmdCancel_);
+    buttons->addWidget(cmdHilfe_);
+
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(16, 16, 16, 14);
+    all->setSpacing(16);
+    all->addLayout(field);
+    all->addLayout(buttons);
+    all->setSizeConstraint(QLayout::SetFixedSize);
+    txtName_->setMinimumWidth(260);
+}
+
+void frmEditSymbol::connectControls() {
+    connect(cmdOK_, &QPushButton::clicked, this, &frmEditSymbol::rename);
+    connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+    const auto help = [this] { app::showHelp(app::HelpTopic::RenamePicture, this); };
+    connect(cmdHilfe_, &QPushButton::clicked, this, help);
+    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+}
+
+void frmEditSymbol::openFor(const SelectionContext& context) {
+    context_ = context;
+    txtName_->clear();
+    txtName_->setFocus();
+    exec();
+}
+
+void frmEditSymbol::rename() {
+    const QString name = txtName_->text();
+    QString refusal = refusalByName(name);
+    try {
+        if (refusal.isEmpty()) {
+            refusal = renameOrRefuse(name);
+        }
+    } catch (const std::exception& error) {
+        reportFailure(view_, context_, error, app::text(kCaption), this);
+        txtName_->setFocus();
+        return;
+    }
+    if (!refusal.isEmpty()) {
+        app::msgBox(refusal, app::Buttons::Ok, app::text(kCaption), this);
+        txtName_->setFocus();
+        return;
+    }
+    view_.PictureRenamed(*context_.group(), name);
+    accept();
+}
+
+// What the name alone forbids; empty when it forbids nothing.
+QString frmEditSymbol::refusalByName(const QString& name) const {
+    if (store::isGroupText(name.toStdU16String())) {
+        return app::text(kReservedBefore) + u'"' + name + u'"' + app::text(kReservedAfter);
+    }
+    if (name == app::text(app::kTextNoPicture)) {
+        return u'"' + name + app::text(kNotForPictures);
+    }
+    return name.isEmpty() ? app::text(kNameMissing) : QString();
+}
+
+// What the group forbids; empty when the picture was renamed. Names count as they are written until
+// the store, to which case does not matter, has the last word.
+QString frmEditSymbol::renameOrRefuse(const QString& name) {
+    const store::Library& library = view_.library();
+    const auto group = context_.group();
+    const store::PictureName from{context_.pictureName.toStdU16String()};
+    const store::PictureName to{name.toStdU16String()};
+    if (!group || !store::findPicture(library, *group, from)) {
+        return app::text(kNoPicture);
+    }
+    if (store::findPicture(library, *group, to) == to) {
+        return app::text(kNameExists);
+    }
+    try {
+        store::renamePicture(library, *group, from, to);
+    } catch (const compound::Error& error) {
+        if (error.code() == compound::ErrorCode::InvalidName ||
+            error.code() == compound::ErrorCode::Exists) {
+            return app::text(kNameInvalid);
+        }
+        throw;
+    }
+    return {};
+}
+
+} // namespace commands

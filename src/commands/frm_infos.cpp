@@ -1,0 +1,251 @@
+#include "commands/frm_infos.h"
+
+#include "app/help.h"
+#include "app/number_text.h"
+#include "app/texts.h"
+#include "app/twips.h"
+#include "commands/centring.h"
+#include "editing/picture_box.h"
+#include "imaging/picture.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShortcut>
+
+#include <algorithm>
+#include <cmath>
+
+namespace commands {
+namespace {
+
+constexpr int kCaption = 700;
+constexpr int kProperties = 701;
+constexpr int kWidth = 702;
+constexpr int kHeight = 703;
+constexpr int kSize = 704;
+constexpr int kType = 705;
+constexpr int kUnit = 706;
+constexpr int kPreview = 707;
+constexpr int kBack = 708;
+constexpr int kHelp = 709;
+constexpr app::TextPair kPixels{u"&Pixel", u"&Pixels"};
+constexpr app::TextPair kTwips{u"&Twips", u"&Twips"};
+
+constexpr double kBoxSide = 2175;
+constexpr double kBoxLeft = 90;
+constexpr double kBoxTop = 270;
+constexpr double kFrameSlack = 90;
+constexpr app::TwipRect kDesignPlace{kBoxLeft, kBoxTop, kBoxSide, kBoxSide};
+
+constexpr int kSmallestSide = 1; // pixels, however slim the picture is
+
+// A wide picture: full width, centred from the top where it is now.
+app::TwipRect ReduceHeight(app::TwipRect place, int height, int width) {
+    place.left = kBoxLeft;
+    place.width = kBoxSide;
+    place.height = static_cast<double>(height) / width * kBoxSide;
+    place.top += (kBoxSide - place.height) / 2;
+    return place;
+}
+
+// A tall picture: full height, centred from the left edge of the box.
+app::TwipRect ReduceWidth(app::TwipRect place, int height, int width) {
+    place.left = kBoxLeft;
+    place.height = kBoxSide;
+    place.width = static_cast<double>(width) / height * kBoxSide;
+    place.left += (kBoxSide - place.width) / 2;
+    return place;
+}
+
+app::TwipRect ToBig(const app::TwipRect& place, int height, int width) {
+    if (height == width || height == 0 || width == 0) {
+        return place;
+    }
+    return height < width ? ReduceHeight(place, height, width) : ReduceWidth(place, height, width);
+}
+
+// One digit after a decimal comma, and without one the first digit alone: so it is wanted.
+QString sizeText(std::size_t bytes) {
+    const QString number = app::numberText(static_cast<float>(bytes) / 1024.0F);
+    return number.left(number.indexOf(u',') + 2) + QLatin1String(" KB");
+}
+
+int pixelsOf(float side) {
+    return static_cast<int>(std::min(std::round(side), static_cast<float>(QWIDGETSIZE_MAX)));
+}
+
+// As a label shows it; 0 for what is no number.
+double numberOf(const QLabel* label) {
+    return label->text().replace(app::decimalSeparator(), u'.').toDouble();
+}
+
+// Drawings in dark lines stay visible on a dark desktop.
+QColor paperColor(const QPalette& palette) {
+    const QColor base = palette.color(QPalette::Base);
+    const QColor text = palette.color(QPalette::Text);
+    return base.lightness() >= text.lightness() ? base : text;
+}
+
+template <typename Control, typename... Arguments>
+Control* makeNamed(const char* name, Arguments... arguments) {
+    auto* control = new Control(arguments...);
+    control->setObjectName(QString::fromLatin1(name));
+    return control;
+}
+
+QLabel* plainLabel(const char* name, QWidget* parent) {
+    auto* label = makeNamed<QLabel>(name, parent);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+} // namespace
+
+frmInfos::frmInfos(QWidget* owner)
+    : QDialog(owner),
+      lblName2_(plainLabel("lblName2", this)),
+      cmdOK_(nullptr),
+      cmdZur_ck_(nullptr) {
+    setObjectName(QStringLiteral("frmInfos"));
+    setWindowTitle(app::text(kCaption));
+    arrange();
+    connectControls();
+}
+
+QLabel* frmInfos::addProperty(QGridLayout* grid, int captionId, const char* captionName,
+                              const char* valueName) {
+    auto* caption = plainLabel(captionName, this);
+    caption->setText(app::text(captionId));
+    auto* value = plainLabel(valueName, this);
+    value->setAccessibleDescription(app::text(captionId));
+    const int row = grid->rowCount();
+    grid->addWidget(caption, row, 0);
+    grid->addWidget(value, row, 1);
+    return value;
+}
+
+QGroupBox* frmInfos::makeProperties() {
+    auto* fraInfo = makeNamed<QGroupBox>("fraInfo", app::text(kProperties), this);
+    auto* grid = new QGridLayout(fraInfo);
+    grid->setHorizontalSpacing(16);
+    grid->setColumnStretch(1, 1);
+    lblBreite2_ = addProperty(grid, kWidth, "Label2", "lblBreite2");
+    lblH_he2_ = addProperty(grid, kHeight, "Label3", "lblH_he2");
+    lblSize2_ = addProperty(grid, kSize, "Label4", "lblSize2");
+    lblDateiTyp_ = addProperty(grid, kType, "Label5", "lblDateiTyp");
+    fraInfo->setMinimumWidth(200);
+    return fraInfo;
+}
+
+QGroupBox* frmInfos::makeUnit() {
+    auto* fraEinheit = makeNamed<QGroupBox>("fraEinheit", app::text(kUnit), this);
+    optPixel_ = makeNamed<QRadioButton>("optPixel", app::text(kPixels), fraEinheit);
+    optTwip_ = makeNamed<QRadioButton>("optTwip", app::text(kTwips), fraEinheit);
+    auto* row = new QHBoxLayout(fraEinheit);
+    row->addWidget(optPixel_);
+    row->addWidget(optTwip_);
+    return fraEinheit;
+}
+
+QGroupBox* frmInfos::makePreview() {
+    auto* fraVorschau = makeNamed<QGroupBox>("fraVorschau", app::text(kPreview), this);
+    fraVorschau->setFixedSize(
+        app::toPixels(kBoxLeft + kBoxSide + kFrameSlack, kBoxTop + kBoxSide + kFrameSlack));
+    imgBild_ = makeNamed<editing::PictureBox>("imgBild", fraVorschau);
+    imgBild_->setAccessibleName(app::text(kPreview));
+    picBild_ = makeNamed<QWidget>("picBild", fraVorschau);
+    picBild_->hide();
+    return fraVorschau;
+}
+
+void frmInfos::arrange() {
+    auto* facts = new QGridLayout;
+    facts->setSpacing(12);
+    facts->addWidget(makeProperties(), 0, 0);
+    facts->addWidget(makeUnit(), 1, 0);
+    facts->addWidget(makePreview(), 0, 1, 2, 1, Qt::AlignTop);
+    facts->setColumnStretch(0, 1);
+
+    cmdOK_ = makeNamed<QPushButton>("cmdOK", app::text(kBack), this);
+    cmdOK_->setDefault(true);
+    cmdZur_ck_ = makeNamed<QPushButton>("cmdZur_ck", app::text(kHelp), this);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    buttons->addWidget(cmdOK_);
+    buttons->addWidget(cmdZur_ck_);
+
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(16, 16, 16, 14);
+    all->setSpacing(12);
+    all->addWidget(lblName2_);
+    all->addLayout(facts);
+    all->addLayout(buttons);
+    all->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void frmInfos::connectControls() {
+    // Every click converts what is shown, also a click on the unit that is chosen.
+    connect(optPixel_, &QRadioButton::clicked, this,
+            [this] { convert([](double twips) { return twips / app::kTwipsPerPixel; }); });
+    connect(optTwip_, &QRadioButton::clicked, this,
+            [this] { convert([](double pixels) { return pixels * app::kTwipsPerPixel; }); });
+    connect(cmdOK_, &QPushButton::clicked, this, &QDialog::reject);
+    const auto help = [this] { app::showHelp(app::HelpTopic::PictureInformation, this); };
+    connect(cmdZur_ck_, &QPushButton::clicked, this, help);
+    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+}
+
+void frmInfos::openFor(const store::Library& library, const SelectionContext& context) {
+    const store::StoredPicture picture =
+        store::readPicture(library, *context.group(), {context.pictureName.toStdU16String()});
+    showFacts(picture);
+    showPreview(picture);
+    optPixel_->setChecked(true);
+    centreOnScreen(*this);
+    cmdOK_->setFocus();
+    exec();
+}
+
+void frmInfos::showFacts(const store::StoredPicture& picture) {
+    lblName2_->setText(QString::fromStdU16String(picture.name.text));
+    lblSize2_->setText(sizeText(picture.bytes.size()));
+    lblBreite2_->setText(app::numberText(picture.record.width));
+    lblH_he2_->setText(app::numberText(picture.record.height));
+    lblDateiTyp_->setText(QString::fromStdString(picture.record.type));
+}
+
+void frmInfos::showPreview(const store::StoredPicture& picture) {
+    imgBild_->clear();
+    imgBild_->setAutoFillBackground(false);
+    picBild_->resize(pixelsOf(picture.record.width), pixelsOf(picture.record.height));
+    VorschauAnpassen();
+    try {
+        imgBild_->setPicture(imaging::decode(picture.bytes));
+        QPalette paper = palette();
+        paper.setColor(QPalette::Window, paperColor(paper));
+        imgBild_->setPalette(paper);
+        imgBild_->setAutoFillBackground(true);
+    } catch (const std::exception&) {
+        // The facts about a picture that nobody can decode are still worth showing.
+        imgBild_->clear();
+    }
+}
+
+// From the design's place each time: the dialog is used again and again.
+void frmInfos::VorschauAnpassen() {
+    QRect place = app::toPixels(ToBig(kDesignPlace, picBild_->height(), picBild_->width()));
+    place.setSize(place.size().expandedTo({kSmallestSide, kSmallestSide}));
+    imgBild_->setGeometry(place);
+}
+
+void frmInfos::convert(double (*toOtherUnit)(double)) {
+    for (QLabel* label : {lblBreite2_, lblH_he2_}) {
+        label->setText(app::numberText(std::trunc(toOtherUnit(numberOf(label)))));
+    }
+}
+
+} // namespace commands

@@ -1,0 +1,60 @@
+// What there is to know about one picture: width and height in pixels or twips, size, type, name,
+// and a preview.
+#pragma once
+
+#include "commands/selection_context.h"
+#include "store/picture_operations.h"
+
+#include <QDialog>
+
+class QGridLayout;
+class QGroupBox;
+class QLabel;
+class QPushButton;
+class QRadioButton;
+
+namespace editing {
+class PictureBox;
+}
+
+namespace commands {
+
+class frmInfos : public QDialog {
+    Q_OBJECT
+
+  public:
+    explicit frmInfos(QWidget* owner);
+
+    // Reads the picture of that selection, shows the dialog and returns when it is closed. Needs a
+    // selected group. Throws compound::Error, and shows nothing, when the picture cannot be read;
+    // one whose record is missing has the size 0, and one that cannot be decoded no preview.
+    void openFor(const store::Library& library, const SelectionContext& context);
+
+  private:
+    QGroupBox* makeProperties();
+    QGroupBox* makeUnit();
+    QGroupBox* makePreview();
+    QLabel* addProperty(QGridLayout* grid, int captionId, const char* captionName,
+                        const char* valueName);
+    void arrange();
+    void connectControls();
+
+    void showFacts(const store::StoredPicture& picture);
+    void showPreview(const store::StoredPicture& picture);
+    void VorschauAnpassen();
+    void convert(double (*toOtherUnit)(double));
+
+    QLabel* lblName2_;
+    QLabel* lblBreite2_ = nullptr;
+    QLabel* lblH_he2_ = nullptr;
+    QLabel* lblSize2_ = nullptr;
+    QLabel* lblDateiTyp_ = nullptr;
+    QRadioButton* optPixel_ = nullptr;
+    QRadioButton* optTwip_ = nullptr;
+    editing::PictureBox* imgBild_ = nullptr;
+    QWidget* picBild_ = nullptr; // never shown; has the picture's size in pixels
+    QPushButton* cmdOK_;         // the buttons' names are crossed: this one goes back,
+    QPushButton* cmdZur_ck_;     // and this one opens the help
+};
+
+} // namespace commands
