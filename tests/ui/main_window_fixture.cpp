@@ -164,14 +164,17 @@ QStringList MainWindowTest::rows() {
 void MainWindowTest::inDialog(const std::function<void()>& open,
                               const std::function<void(QDialog&)>& steps) {
     bool wasOpen = false;
-    QTimer::singleShot(0, [&] {
+    QTimer looking; // again and again: a command may process events before it opens its dialog
+    QObject::connect(&looking, &QTimer::timeout, [&] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         if (dialog != nullptr) {
+            looking.stop();
             wasOpen = true;
             steps(*dialog);
             dialog->close();
         }
     });
+    looking.start(0);
     open();
     EXPECT_TRUE(wasOpen);
     settle();

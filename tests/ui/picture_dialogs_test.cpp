@@ -1,0 +1,480 @@
+// Renaming, deleting and looking at pictures through the real menus and dialogs, in both languages
+// and with both decimal separators.
+#include "app/number_text.h"
+#include "app/settings.h"
+#include "app/texts.h"
+#include "commands/enabling.h"
+#include "platform/native_disk.h"
+#include "store/picture_operations.h"
+#include "store/storage_access.h"
+#include "ui/main_window_fixture.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QTreeWidget>
+
+namespace {
+
+struct Setting {
+    int locale;
+    QChar separator;
+};
+
+class PictureDialogs : public MainWindowTest, public testing::WithParamInterface<Setting> {
+  protected:
+    PictureDialogs() {
+        app::setLanguage(GetParam().locale);
+        app::overrideDecimalSeparator(GetParam().separator);
+    }
+
+    // Which of the two texts belongs to the test's language.
+    static QString say(const char* german, const char* english) {
+        return QString::fromUtf8(GetParam().locale == app::kGermanLocale ? german : english);
+    }
+
+    static bool hasComma() { return GetParam().separator == u','; }
+
+    // A group two levels deep with these pictures; each group above it, and the group of another
+    // file, has a picture P1 of its own.
+    void makeLibrary(const QStringList& names) {
+        const auto pumps = makeGroup("Pumpen");
+        const auto rotary = makeGroup("Kreisel", pumps);
+        group_ = makeGroup("Stahl & Co", rotary);
+        others_ = {pumps, rotary, makeGroup("Sub2")};
+        for (const store::GroupAddress& other : others_) {
+            addPicture(other, "P1");
+        }
+        for (const QString& name : names) {
+            addPicture(group_, name);
+        }
+    }
+
+    void startWith(const QStringList& names) {
+        makeLibrary(names);
+        start();
+        choose();
+    }
+
+    void choose() { clickNode("Pumpen/Kreisel/Stahl & Co"); }
+
+    QStringList stored(const store::GroupAddress& group) {
+        QStringList names;
+        for (const auto& picture : store::listPictures(library(), group)) {
+            names.append(QString::fromStdU16String(picture.name.text));
+        }
+        return names;
+    }
+
+    void expectOthersUntouched() {
+        for (const store::GroupAddress& other : others_) {
+            EXPECT_EQ(stored(other), QStringList{"P1"});
+        }
+    }
+
+    // What the help button and F1 say; they name the same missing help file.
+    void expectHelp(QDialog& dialog, const char* button) {
+        press(dialog, button);
+        const QString text = boxes_.takeText();
+        EXPECT_TRUE(text.contains("TXSGraphicsLib.chm"));
+        QApplication::setActiveWindow(&dialog);
+        QTest::keyClick(&dialog, Qt::Key_F1);
+        EXPECT_EQ(boxes_.takeText(), text);
+        EXPECT_TRUE(dialog.isVisible());
+    }
+
+    static void press(QDialog& dialog, const char* button) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QString::fromLatin1(button)),
+                          Qt::LeftButton);
+    }
+
+    // Types the name into the open dialog and presses Enter.
+    static void enter(QDialog& dialog, const QString& name) {
+        auto* field = dialog.findChild<QLineEdit*>("txtName");
+        field->selectAll();
+        QTest::keyClick(field, Qt::Key_Delete);
+        QTest::keyClicks(field, name);
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+
+    void renameTo(const QString& name, const char* action = "Men_Bearbeiten_1") {
+        inDialog([&] { trigger(action); }, [&](QDialog& dialog) { enter(dialog, name); });
+    }
+
+    // The one box since the last call, checked to have that title.
+    QString boxTitled(const QString& title) {
+        const auto boxes = boxes_.take();
+        if (boxes.size() != 1) {
+            return QStringLiteral("(%1 boxes)").arg(boxes.size());
+        }
+        EXPECT_EQ(boxes[0].title, title);
+        return boxes[0].text;
+    }
+
+    // A picture of that many bytes, of which none can be decoded; twips as the store measured them.
+    void addBytes(const QString& name, qsizetype count, store::TwipSize twips) {
+        store::Library measuring = library();
+        measuring.measure = [twips](std::span<const std::byte>) { return twips; };
+        measuring.decimalSeparator = GetParam().separator.unicode();
+        home_.write("source.wmf", QByteArray(count, 'x'));
+        store::addPicture(measuring, group_, {name.toStdU16String()},
+                          platform::toFilePath(home_.at("source.wmf")));
+    }
+
+    void removeRecord(const std::u16string& name) {
+        store::StorageAccess access(library());
+        access.openGroup(group_, compound::Access::ReadWrite);
+        ASSERT_TRUE(access.openInfo(group_));
+        access.infoStorage().DestroyElement(name);
+        access.Commit();
+    }
+
+    static QString shown(QDialog& dialog, const char* label) {
+        return dialog.findChild<QLabel*>(QString::fromUtf8(label))->text();
+    }
+
+    // "WIDTH x HEIGHT, SIZE, TYPE" as the open information dialog shows it.
+    static QString facts(QDialog& dialog) {
+        return shown(dialog, "lblBreite2") + " x " + shown(dialog, "lblH_he2") + ", " +
+               shown(dialog, "lblSize2") + ", " + shown(dialog, "lblDateiTyp");
+    }
+
+    // The facts of one picture, through the list and the menu.
+    QString factsOf(const QString& name, QRect* preview = nullptr) {
+        auto* list = find<QTreeWidget>("lvwInfo");
+        list->setCurrentItem(list->findItems(name, Qt::MatchExactly).value(0));
+        QString result;
+        inDialog([&] { trigger("Men_Bearbeiten_4"); },
+                 [&](QDialog& dialog) {
+                     EXPECT_EQ(shown(dialog, "lblName2"), name);
+                     result = facts(dialog);
+                     if (preview != nullptr) {
+                         *preview = dialog.findChild<QWidget*>("imgBild")->geometry();
+                     }
+                 });
+        return result;
+    }
+
+    store::GroupAddress group_;
+    std::vector<store::GroupAddress> others_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Languages, PictureDialogs,
+                         testing::Values(Setting{app::kGermanLocale, u','},
+                                         Setting{app::kGermanLocale, u'.'},
+                                         Setting{app::kEnglishLocale, u','},
+                                         Setting{app::kEnglishLocale, u'.'}));
+
+// --- Renaming
+
+TEST_P(PictureDialogs, EveryRefusedNameIsToldAndChangesNothing) {
+    startWith({"P1", "P2"});
+    const QString noPicture = say("- Kein Bild -", "- No picture -");
+    const QString reserved =
+        say("Der Bildname \"%1\" ist nicht möglich!", "Picture name \"%1\" is not valid!");
+    const QString exists =
+        say("Name existiert bereits in der Gruppe.", "Name is already existing.");
+    const QString invalid = say("Ungültiger Bildname.", "Invalid picture name.");
+    const std::vector<std::pair<QString, QString>> cases{
+        {"NAME", reserved.arg("NAME")},
+        {"name", reserved.arg("name")},
+        {"Parent", reserved.arg("Parent")},
+        {noPicture,
+         '"' + noPicture +
+             say("\" ist kein gültiger Name für Bilder.", "\" is not a valid name for pictures.")},
+        {"", say("Bitte geben Sie einen neuen Namen an.", "Please enter a new name.")},
+        {"P2", exists},
+        {"P1", exists}, // also the picture's own name
+        {"p2", invalid},
+        {"a/b", invalid},
+        {QString(32, 'x'), invalid},
+    };
+    inDialog([&] { trigger("Men_Bearbeiten_1"); },
+             [&](QDialog& dialog) {
+                 EXPECT_EQ(dialog.windowTitle(), say("Bild umbenennen", "Rename picture"));
+                 for (const auto& [name, message] : cases) {
+                     enter(dialog, name);
+                     EXPECT_EQ(boxTitled(dialog.windowTitle()), message) << name.toStdString();
+                     EXPECT_TRUE(dialog.isVisible()) << name.toStdString();
+                 }
+             });
+    EXPECT_EQ(stored(group_), (QStringList{"P1", "P2"}));
+    EXPECT_EQ(label(), "P1");
+    expectOthersUntouched();
+}
+
+TEST_P(PictureDialogs, ARenamedPictureStaysTheShownOne) {
+    startWith({"P1", "P2", "P3"});
+    QTest::mouseClick(thumbnail("P2"), Qt::LeftButton);
+    renameTo("A.2");
+    EXPECT_EQ(label(), "A.2");
+    EXPECT_EQ(thumbnails(), (QStringList{"P1", "P3", "A.2"})); // short names come first
+    EXPECT_EQ(store::readPictureType(library(), group_, {u"A.2"}), "BMP");
+
+    trigger("Men_Extras_0");
+    auto* list = find<QTreeWidget>("lvwInfo");
+    list->setCurrentItem(list->findItems("P3", Qt::MatchExactly).value(0));
+    renameTo("p3", "bRename"); // a change of case alone
+    EXPECT_EQ(label(), "p3");
+    EXPECT_EQ(rows(), (QStringList{"P1", "p3", "A.2"}));
+    EXPECT_EQ(list->currentItem()->text(0), "p3");
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    expectOthersUntouched();
+}
+
+TEST_P(PictureDialogs, TheRenameDialogOpensEmptyEachTime) {
+    startWith({"P1"});
+    QDialog* first = nullptr;
+    inDialog([&] { trigger("bRename"); },
+             [&](QDialog& dialog) {
+                 first = &dialog;
+                 QTest::keyClicks(dialog.findChild<QLineEdit*>("txtName"), "half typed");
+                 QTest::keyClick(&dialog, Qt::Key_Escape);
+                 EXPECT_FALSE(dialog.isVisible());
+             });
+    inDialog([&] { trigger("bRename"); },
+             [&](QDialog& dialog) {
+                 EXPECT_EQ(&dialog, first);
+                 EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->text(), "");
+                 press(dialog, "cmdCancel");
+                 EXPECT_FALSE(dialog.isVisible());
+             });
+    EXPECT_EQ(stored(group_), QStringList{"P1"});
+}
+
+TEST_P(PictureDialogs, WithoutAPictureOnlyThePopUpRenameOpensAndSaysSo) {
+    startWith({});
+    EXPECT_EQ(label(), say("- Kein Bild -", "- No picture -"));
+    const QString title = say("Bild umbenennen", "Rename picture");
+    const QString message = say("Kein Bild ausgewählt.", "No picture selected.");
+    renameTo("Neu", "bRename");
+    EXPECT_EQ(boxTitled(title), message);
+    for (const char* action : {"Men_Bearbeiten_1", "Men_Bearbeiten_3", "Men_Bearbeiten_4",
+                               "bDelete", "bInfo", "Men_Bearbeiten_0"}) {
+        trigger(action); // an open dialog would wait for ever
+        EXPECT_TRUE(boxes_.take().isEmpty()) << action;
+    }
+    clickFreeArea(Qt::LeftButton);
+    ASSERT_EQ(selectedNode(), "");
+    renameTo("Neu", "bRename");
+    EXPECT_EQ(boxTitled(title), message);
+}
+
+// In its language the text counts as no picture, but the pop-up asks the group.
+TEST_P(PictureDialogs, APictureNamedLikeNoPictureIsReachedByThePopUp) {
+    const QString name = say("- Kein Bild -", "- No picture -");
+    startWith({name});
+    trigger("Men_Bearbeiten_1");
+    trigger("Men_Bearbeiten_3");
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    renameTo(say("- No picture -", "- Kein Bild -"), "bRename");
+    EXPECT_EQ(label(), say("- No picture -", "- Kein Bild -"));
+    store::renamePicture(library(), group_, {label().toStdU16String()}, {name.toStdU16String()});
+    window().Aktualisieren();
+    settle();
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    trigger("bDelete");
+    settle();
+    EXPECT_TRUE(stored(group_).isEmpty());
+}
+
+TEST_P(PictureDialogs, APictureThatWentBehindTheWindowsBackIsTakenOffTheScreen) {
+    startWith({"P1", "P2"});
+    store::deletePicture(library(), group_, {u"P1"});
+    MessageBoxScript yes({}, app::kAnswerYes);
+    trigger("bDelete");
+    settle();
+    EXPECT_TRUE(yes.take().isEmpty());
+    EXPECT_EQ(thumbnails(), QStringList{"P2"});
+    EXPECT_EQ(label(), "P2");
+    EXPECT_EQ(stored(group_), QStringList{"P2"});
+}
+
+// --- Deleting
+
+TEST_P(PictureDialogs, DeletingAsksByNameAndTakesThatPictureOnly) {
+    startWith({"P1", "P2"});
+    const auto group = QStringLiteral("Stahl & Co");
+    const auto question = [&](const QString& picture) {
+        return say("Sind Sie sicher, dass Sie das Bild \"%1\" aus der Gruppe \"%2\" löschen "
+                   "möchten?",
+                   "Are you sure that you want to delete picture \"%1\" from group \"%2\" ?")
+            .arg(picture, group);
+    };
+    MessageBoxScript script({app::kAnswerNo, app::kAnswerYes, app::kAnswerYes});
+    for (const char* action : {"Men_Bearbeiten_3", "bDelete"}) {
+        trigger(action);
+        settle();
+        const auto boxes = script.take();
+        ASSERT_EQ(boxes.size(), 1);
+        EXPECT_EQ(boxes[0].text, question("P1"));
+        EXPECT_EQ(boxes[0].buttons, app::Buttons::YesNo);
+        EXPECT_EQ(boxes[0].title, "TXSGraphicsLib");
+    }
+    EXPECT_EQ(thumbnails(), QStringList{"P2"});
+    EXPECT_EQ(label(), "P2");
+
+    trigger("Men_Bearbeiten_3");
+    settle();
+    EXPECT_EQ(script.takeText(), question("P2"));
+    EXPECT_TRUE(thumbnails().isEmpty());
+    EXPECT_EQ(label(), say("- Kein Bild -", "- No picture -"));
+    EXPECT_TRUE(stored(group_).isEmpty());
+    expectOthersUntouched();
+}
+
+TEST_P(PictureDialogs, DeletingInTheListShowsItsFirstRow) {
+    makeLibrary({"P1", "P3"});
+    addPicture(group_, "P2", Qt::red, "gif");
+    start();
+    trigger("Men_Extras_0");
+    choose();
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    const auto isEditable = [&] { return find<QAction>("Men_Bearbeiten_2")->isEnabled(); };
+    const bool isBuilt = commands::hasHandler(commands::Command::EditPicture);
+    EXPECT_EQ(isEditable(), isBuilt);
+    trigger("Men_Bearbeiten_3");
+    EXPECT_EQ(rows(), (QStringList{"P2", "P3"}));
+    EXPECT_EQ(label(), "P2");
+    EXPECT_FALSE(isEditable()) << "a GIF cannot be edited";
+    trigger("Men_Bearbeiten_3");
+    EXPECT_EQ(label(), "P3");
+    EXPECT_EQ(isEditable(), isBuilt);
+    trigger("Men_Bearbeiten_3");
+    EXPECT_TRUE(rows().isEmpty());
+    EXPECT_EQ(label(), app::text(7));
+    expectOthersUntouched();
+}
+
+TEST_P(PictureDialogs, APictureWithoutRecordCanBeRenamedAndDeleted) {
+    makeLibrary({"P1"});
+    removeRecord(u"P1");
+    start();
+    choose();
+    renameTo("Waise");
+    EXPECT_EQ(label(), "Waise");
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    trigger("Men_Bearbeiten_3");
+    settle();
+    EXPECT_TRUE(stored(group_).isEmpty());
+}
+
+// --- Information
+
+TEST_P(PictureDialogs, InformationShowsTheFactsInPixelsAndTwips) {
+    makeLibrary({});
+    addBytes("Klein", 1536, {480, 720});
+    addBytes("Halb", 20480, {472.5, 150});
+    addBytes("Leer", 0, {0, 0});
+    start();
+    trigger("Men_Extras_0");
+    choose();
+    EXPECT_EQ(factsOf("Klein"), hasComma() ? "48 x 32, 1,5 KB, WMF" : "48 x 32, 1 KB, WMF");
+    EXPECT_EQ(factsOf("Halb"), hasComma() ? "10 x 31,5, 2 KB, WMF" : "10 x 31.5, 2 KB, WMF");
+    EXPECT_EQ(factsOf("Leer"), "0 x 0, 0 KB, WMF");
+
+    find<QTreeWidget>("lvwInfo")->setCurrentItem(
+        find<QTreeWidget>("lvwInfo")->findItems("Halb", Qt::MatchExactly).value(0));
+    for (int opening = 0; opening < 2; ++opening) { // the second time it starts in pixels again
+        inDialog([&] { trigger("bInfo"); },
+                 [&](QDialog& dialog) {
+                     EXPECT_TRUE(dialog.findChild<QRadioButton*>("optPixel")->isChecked());
+                     const auto click = [&](const char* option) {
+                         dialog.findChild<QRadioButton*>(QString::fromLatin1(option))->click();
+                         return shown(dialog, "lblBreite2") + "/" + shown(dialog, "lblH_he2");
+                     };
+                     EXPECT_EQ(click("optTwip"), "150/472"); // cut, not rounded
+                     EXPECT_EQ(click("optPixel"), "10/31");
+                     EXPECT_EQ(click("optPixel"), "0/2"); // every click converts what is shown
+                     EXPECT_EQ(click("optTwip"), "0/30");
+                 });
+    }
+}
+
+TEST_P(PictureDialogs, InformationIsCaptionedInTheProgramsLanguage) {
+    startWith({"P1"});
+    const QString title = say("Bild-Info", "Picture-Info");
+    inDialog([&] { trigger("Men_Bearbeiten_4"); },
+             [&](QDialog& dialog) {
+                 EXPECT_EQ(dialog.windowTitle(), title);
+                 EXPECT_EQ(dialog.findChild<QGroupBox*>("fraEinheit")->title(),
+                           say("Maßeinheit:", "Scale mode:"));
+                 EXPECT_EQ(shown(dialog, "Label4"), say("Größe:", "Size:"));
+                 expectHelp(dialog, "cmdZur_ck"); // the names of the two buttons are crossed
+                 press(dialog, "cmdOK");
+                 EXPECT_FALSE(dialog.isVisible());
+             });
+    inDialog([&] { trigger("bRename"); }, [&](QDialog& dialog) { expectHelp(dialog, "cmdHilfe"); });
+}
+
+TEST_P(PictureDialogs, ThePreviewKeepsProportionsAndStartsFromItsPlaceEachTime) {
+    makeLibrary({"Breit"}); // measured as 20 x 10 pixels
+    addBytes("Hoch", 1, {3000, 750});
+    addBytes("Quadrat", 1, {300, 300});
+    addBytes("Strich", 1, {15, 1500000});
+    makeGroup("Leer");
+    start();
+    trigger("Men_Extras_0");
+    choose();
+    const QRect square(6, 18, 145, 145);
+    for (int opening = 0; opening < 2; ++opening) {
+        QRect preview;
+        factsOf("Breit", &preview);
+        EXPECT_EQ(preview, QRect(6, 54, 145, 73));
+        factsOf("Hoch", &preview);
+        EXPECT_EQ(preview, QRect(60, 18, 36, 145));
+        factsOf("Quadrat", &preview);
+        EXPECT_EQ(preview, square);
+        factsOf("Strich", &preview);
+        EXPECT_EQ(preview, QRect(6, 90, 145, 1));
+    }
+    removeRecord(u"Breit");
+    QRect preview;
+    EXPECT_EQ(factsOf("Breit", &preview), hasComma() ? "0 x 0, 0,6 KB, " : "0 x 0, 0 KB, ");
+    EXPECT_EQ(preview, square);
+}
+
+TEST_P(PictureDialogs, ThePreviewShowsThePicture) {
+    startWith({"P1"});
+    inDialog([&] { trigger("bInfo"); },
+             [&](QDialog& dialog) {
+                 auto* box = dialog.findChild<QWidget*>("imgBild");
+                 const QImage image = box->grab().toImage();
+                 EXPECT_EQ(image.pixelColor(image.rect().center()), QColor(Qt::red));
+             });
+}
+
+TEST_P(PictureDialogs, InformationAsksForAPictureBeforeAnyChoice) {
+    makeLibrary({"P1"});
+    start();
+    ASSERT_EQ(label(), "");
+    for (const char* action : {"Men_Bearbeiten_4", "bInfo"}) {
+        trigger(action);
+        EXPECT_EQ(boxTitled("TXSGraphicsLib"),
+                  say("Es wurde noch kein Bild ausgewählt!", "No picture selected!"));
+    }
+}
+
+// --- The hidden command
+
+TEST_P(PictureDialogs, ReadingThePictureShowsNothing) {
+    startWith({"P1"});
+    // The process has one temporary folder; it went with the home of the test that ran first.
+    QDir().mkpath(app::settings().temporaryFolder());
+    auto* action = find<QAction>("Men_Bearbeiten_0");
+    EXPECT_FALSE(action->isVisible());
+    EXPECT_EQ(action->text(), "");
+    action->trigger();
+    EXPECT_EQ(boxes_.takeText(), "(0 boxes)");
+    const QString copy = app::settings().temporaryFolder() + "Picture.BMP";
+    EXPECT_EQ(QFile(copy).size(), qint64(54 + 10 * 60));
+    window().close();
+    EXPECT_FALSE(QFile::exists(copy));
+}
+
+} // namespace

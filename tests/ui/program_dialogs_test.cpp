@@ -1,0 +1,122 @@
+// The library information and the editor options, in both languages.
+#include "app/number_text.h"
+#include "app/texts.h"
+#include "platform/native_disk.h"
+#include "store/picture_operations.h"
+#include "store/storage_access.h"
+#include "ui/main_window_fixture.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+class ProgramDialogs : public MainWindowTest, public testing::WithParamInterface<int> {
+  protected:
+    ProgramDialogs() { app::setLanguage(GetParam()); }
+
+    static bool isGerman() { return GetParam() == app::kGermanLocale; }
+
+    // What the library information says, in one line.
+    QString counts() {
+        QString result;
+        inDialog([&] { trigger("Men_Hilfe_3"); },
+                 [&](QDialog& dialog) {
+                     EXPECT_EQ(dialog.objectName(), "frmInfo");
+                     EXPECT_EQ(dialog.windowTitle(), "TXSGraphicsLib-Info");
+                     result = dialog.findChild<QLabel*>("Label2")->text() + ", " +
+                              dialog.findChild<QLabel*>("Label3")->text();
+                     QTest::mouseClick(dialog.findChild<QPushButton*>("cmdZur_ck"), Qt::LeftButton);
+                     EXPECT_FALSE(dialog.isVisible());
+                 });
+        return result;
+    }
+
+    static QString countsText(const QString& groups, const QString& pictures) {
+        return (isGerman() ? QStringLiteral("Vorhandene Gruppen: %1, Vorhandene Bilder: %2")
+                           : QStringLiteral("Existing groups: %1, Existing pictures: %2"))
+            .arg(groups, pictures);
+    }
+
+    void tickAndSave(const QStringList& boxes) {
+        inDialog([&] { trigger("Men_Extras_1"); },
+                 [&](QDialog& dialog) {
+                     for (auto* box : dialog.findChildren<QCheckBox*>()) {
+                         EXPECT_FALSE(box->isChecked()) << "left over from the last time";
+                         box->setChecked(boxes.contains(box->objectName()));
+                     }
+                     auto* save = dialog.findChild<QPushButton*>("cmdSpeichern");
+                     EXPECT_EQ(save->text(), isGerman() ? "Speichern" : "Save");
+                     QTest::mouseClick(save, Qt::LeftButton);
+                     EXPECT_FALSE(dialog.isVisible());
+                 });
+    }
+
+    QStringList takeTexts() {
+        QStringList texts;
+        for (const auto& box : boxes_.take()) {
+            EXPECT_EQ(box.title, "TXSGraphicsLib");
+            texts.append(box.text);
+        }
+        return texts;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Languages, ProgramDialogs,
+                         testing::Values(app::kGermanLocale, app::kEnglishLocale));
+
+TEST_P(ProgramDialogs, InformationCountsTheLibraryAfreshEachTime) {
+    start();
+    EXPECT_EQ(counts(), countsText("0", "0"));
+    const auto pumps = makeGroup("Pumpen");
+    const auto steel = makeGroup("Stahl", makeGroup("Kreisel", pumps));
+    makeGroup("Leer");
+    addPicture(pumps, "P1");
+    addPicture(steel, "P1");
+    addPicture(steel, "P2");
+    EXPECT_EQ(counts(), countsText("2", "3"));
+    EXPECT_EQ(counts(), countsText("2", "3"));
+
+    store::StorageAccess access(library());
+    access.openGroup(steel, compound::Access::ReadWrite);
+    ASSERT_TRUE(access.openInfo(steel));
+    access.infoStorage().DestroyElement(u"P2");
+    access.Commit();
+    access.release();
+    EXPECT_EQ(counts(), countsText("2", "2,5"));
+    app::overrideDecimalSeparator(u'.');
+    EXPECT_EQ(counts(), countsText("2", "2.5"));
+
+    // Neither what is no group file nor what cannot be read counts.
+    writeGroupFile("Kaputt.stg", "no compound file");
+    const auto held =
+        library().disk.open(store::pathOf(library(), pumps.file), compound::Access::Read);
+    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    EXPECT_EQ(counts(), countsText("1", "0"));
+}
+
+TEST_P(ProgramDialogs, InformationSaysWhenThereIsNoLibrary) {
+    start();
+    ASSERT_TRUE(std::filesystem::remove_all(library().folder) > 0);
+    trigger("Men_Hilfe_3");
+    const QString text = boxes_.takeText();
+    EXPECT_TRUE(text.startsWith(QString::fromStdString(library().folder.string())))
+        << text.toStdString();
+}
+
+TEST_P(ProgramDialogs, EditorOptionsOnlyTell) {
+    start();
+    tickAndSave({});
+    EXPECT_EQ(takeTexts(), QStringList());
+    tickAndSave({"chkGrafik"});
+    EXPECT_EQ(takeTexts(), QStringList{"Grafik an!"});
+    tickAndSave({"chkGruppe"});
+    EXPECT_EQ(takeTexts(), QStringList{"Gruppe speichern!"});
+    tickAndSave({"chkGrafik", "chkGruppe"});
+    EXPECT_EQ(takeTexts(), (QStringList{"Grafik an!", "Gruppe speichern!"}));
+}
+
+} // namespace
