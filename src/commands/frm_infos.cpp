@@ -36,9 +36,8 @@ constexpr app::TextPair kTwips{u"&Twips", u"&Twips"};
 
 constexpr double kBoxSide = 2175;
 constexpr double kBoxLeft = 90;
-constexpr double kBoxTop = 270;
+constexpr double kBoxBelowTitle = 120;
 constexpr double kFrameSlack = 90;
-constexpr app::TwipRect kDesignPlace{kBoxLeft, kBoxTop, kBoxSide, kBoxSide};
 
 constexpr int kSmallestSide = 1; // pixels, however slim the picture is
 
@@ -152,8 +151,11 @@ QGroupBox* frmInfos::makeUnit() {
 
 QGroupBox* frmInfos::makePreview() {
     auto* fraVorschau = makeNamed<QGroupBox>("fraVorschau", app::text(kPreview), this);
-    fraVorschau->setFixedSize(
-        app::toPixels(kBoxLeft + kBoxSide + kFrameSlack, kBoxTop + kBoxSide + kFrameSlack));
+    // How high the title stands depends on the desktop's font.
+    const double top = app::toTwips(fraVorschau->contentsRect().top()) + kBoxBelowTitle;
+    designPlace_ = {kBoxLeft, top, kBoxSide, kBoxSide};
+    fraVorschau->setFixedWidth(app::toPixels(kBoxLeft + kBoxSide + kFrameSlack));
+    fraVorschau->setMinimumHeight(app::toPixels(top + kBoxSide + kFrameSlack));
     imgBild_ = makeNamed<editing::PictureBox>("imgBild", fraVorschau);
     imgBild_->setAccessibleName(app::text(kPreview));
     picBild_ = makeNamed<QWidget>("picBild", fraVorschau);
@@ -166,7 +168,7 @@ void frmInfos::arrange() {
     facts->setSpacing(12);
     facts->addWidget(makeProperties(), 0, 0);
     facts->addWidget(makeUnit(), 1, 0);
-    facts->addWidget(makePreview(), 0, 1, 2, 1, Qt::AlignTop);
+    facts->addWidget(makePreview(), 0, 1, 2, 1);
     facts->setColumnStretch(0, 1);
 
     cmdOK_ = makeNamed<QPushButton>("cmdOK", app::text(kBack), this);
@@ -237,7 +239,7 @@ void frmInfos::showPreview(const store::StoredPicture& picture) {
 
 // From the design's place each time: the dialog is used again and again.
 void frmInfos::VorschauAnpassen() {
-    QRect place = app::toPixels(ToBig(kDesignPlace, picBild_->height(), picBild_->width()));
+    QRect place = app::toPixels(ToBig(designPlace_, picBild_->height(), picBild_->width()));
     place.setSize(place.size().expandedTo({kSmallestSide, kSmallestSide}));
     imgBild_->setGeometry(place);
 }

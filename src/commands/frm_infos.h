@@ -2,6 +2,7 @@
 // and a preview.
 #pragma once
 
+#include "app/twips.h"
 #include "commands/selection_context.h"
 #include "store/picture_operations.h"
 
@@ -51,6 +52,7 @@ class frmInfos : public QDialog {
     QLabel* lblDateiTyp_ = nullptr;
     QRadioButton* optPixel_ = nullptr;
     QRadioButton* optTwip_ = nullptr;
+    app::TwipRect designPlace_; // of imgBild: a square, from which it is fitted
     editing::PictureBox* imgBild_ = nullptr;
     QWidget* picBild_ = nullptr; // never shown; has the picture's size in pixels
     QPushButton* cmdOK_;         // the buttons' names are crossed: this one goes back,

@@ -1,4 +1,5 @@
 #include "compound/error.h"
+#include "store/library_count.h"
 #include "store/store_fixture.h"
 
 #include <gmock/gmock.h>
@@ -115,6 +116,31 @@ TEST_F(PictureTest, AStreamTooLargeForAPictureIsNotRead) {
         return TakePicture::Continue;
     });
     EXPECT_THAT(sizes, ElementsAre(0U, std::string("PIC480 480 ").size()));
+}
+
+TEST_F(PictureTest, FindingTellsTheStoredSpelling) {
+    add(group, u"Logo");
+    EXPECT_EQ(findPicture(library, group, {u"LOGO"}), PictureName{u"Logo"});
+    EXPECT_EQ(findPicture(library, group, {u"Log"}), std::nullopt);
+    EXPECT_EQ(findPicture(library, group, {u""}), std::nullopt);
+    EXPECT_EQ(findPicture(library, group, {u"name"}), std::nullopt); // the group's own
+    EXPECT_EQ(findPicture(library, plant, {u"Sub1"}), std::nullopt); // a storage
+}
+
+TEST_F(PictureTest, CountingSkipsWhatCannotBeRead) {
+    add(plant, u"a");
+    add(group, u"a");
+    add(group, u"b");
+    destroyRaw(u"Sub1Info", u"b");
+    topGroup(u"Empty");
+    disk.setContent("/library/Broken.stg", {});
+    const auto count = [&] { return countLibrary(library, LockBudget{library.lockWait}); };
+    EXPECT_EQ(count().groupFiles, 2U);
+    EXPECT_EQ(count().elements, 5U);
+    const auto held = disk.open("/library/Plant.stg", compound::Access::Read);
+    ASSERT_TRUE(held->lock(library.lockWait));
+    EXPECT_EQ(count().groupFiles, 1U);
+    EXPECT_EQ(count().elements, 0U);
 }
 
 TEST_F(PictureTest, RenamingMovesStreamAndRecord) {

@@ -127,7 +127,7 @@ TEST(Commands, AreOfferedOnlyWithTheirFunction) {
     EXPECT_TRUE(commands::isOffered(Command::NewGroup, TreeNodes::None));
     EXPECT_FALSE(commands::isOffered(Command::AddPicture, TreeNodes::None));
     EXPECT_TRUE(commands::isOffered(Command::AddPicture, TreeNodes::Some));
-    EXPECT_FALSE(commands::isOffered(Command::LibraryInfo, TreeNodes::Some));
+    EXPECT_FALSE(commands::isOffered(Command::ImportGroup, TreeNodes::Some));
 }
 
 TEST(CommandLine, TakesItsOptionsAndRefusesOthers) {

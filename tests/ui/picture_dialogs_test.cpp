@@ -392,6 +392,11 @@ TEST_P(PictureDialogs, InformationShowsTheFactsInPixelsAndTwips) {
                      EXPECT_EQ(click("optPixel"), "10/31");
                      EXPECT_EQ(click("optPixel"), "0/2"); // every click converts what is shown
                      EXPECT_EQ(click("optTwip"), "0/30");
+                     auto* twip = dialog.findChild<QRadioButton*>("optTwip");
+                     QApplication::setActiveWindow(&dialog);
+                     twip->setFocus();
+                     QTest::keyClick(twip, Qt::Key_Left);
+                     EXPECT_EQ(shown(dialog, "lblH_he2"), "2"); // chosen by key
                  });
     }
 }
@@ -421,20 +426,22 @@ TEST_P(PictureDialogs, ThePreviewKeepsProportionsAndStartsFromItsPlaceEachTime) 
     start();
     trigger("Men_Extras_0");
     choose();
-    const QRect square(6, 18, 145, 145);
+    QRect square;
+    QRect preview;
+    factsOf("Quadrat", &square);
+    EXPECT_EQ(square.size(), QSize(145, 145)); // 2175 twips
+    EXPECT_EQ(square.left(), 6);
     for (int opening = 0; opening < 2; ++opening) {
-        QRect preview;
         factsOf("Breit", &preview);
-        EXPECT_EQ(preview, QRect(6, 54, 145, 73));
+        EXPECT_EQ(preview, QRect(6, square.top() + 36, 145, 73));
         factsOf("Hoch", &preview);
-        EXPECT_EQ(preview, QRect(60, 18, 36, 145));
+        EXPECT_EQ(preview, QRect(60, square.top(), 36, 145));
         factsOf("Quadrat", &preview);
         EXPECT_EQ(preview, square);
         factsOf("Strich", &preview);
-        EXPECT_EQ(preview, QRect(6, 90, 145, 1));
+        EXPECT_EQ(preview, QRect(6, square.top() + 72, 145, 1));
     }
     removeRecord(u"Breit");
-    QRect preview;
     EXPECT_EQ(factsOf("Breit", &preview), hasComma() ? "0 x 0, 0,6 KB, " : "0 x 0, 0 KB, ");
     EXPECT_EQ(preview, square);
 }
