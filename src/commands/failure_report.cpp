@@ -12,7 +12,7 @@ constexpr int kGroupPrompt = 904;
 
 // The file's name alone does not tell which of its groups is meant.
 QString failureText(const SelectionContext& selection, const std::exception& failure) {
-    const QString cause = app::errorText(failure);
+    QString cause = app::errorText(failure);
     if (!selection.hasGroup()) {
         return cause;
     }
@@ -37,8 +37,9 @@ void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner) {
     app::msgBox(failureText(selection, failure), app::Buttons::Ok, title, owner);
     const auto* error = dynamic_cast<const compound::Error*>(&failure);
-    if (error != nullptr && selection.hasGroup()) {
-        showWhatIsThere(view, *selection.group(), error->code());
+    const auto group = selection.group();
+    if (error != nullptr && group) {
+        showWhatIsThere(view, *group, error->code());
     }
 }
 

@@ -30,6 +30,17 @@ constexpr int kReservedBefore = 454;
 constexpr int kReservedAfter = 455;
 constexpr int kNameInvalid = 951;
 
+// What the name alone forbids; empty when it forbids nothing.
+QString refusalByName(const QString& name) {
+    if (store::isGroupText(name.toStdU16String())) {
+        return app::text(kReservedBefore) + u'"' + name + u'"' + app::text(kReservedAfter);
+    }
+    if (name == app::text(app::kTextNoPicture)) {
+        return u'"' + name + app::text(kNotForPictures);
+    }
+    return name.isEmpty() ? app::text(kNameMissing) : QString();
+}
+
 } // namespace
 
 frmEditSymbol::frmEditSymbol(LibraryView& view, QWidget* owner)
@@ -91,12 +102,9 @@ void frmEditSymbol::openFor(const SelectionContext& context) {
 }
 
 void frmEditSymbol::rename() {
-    const QString name = txtName_->text();
-    QString refusal = refusalByName(name);
+    QString refusal;
     try {
-        if (refusal.isEmpty()) {
-            refusal = renameOrRefuse(name);
-        }
+        refusal = renameOrRefuse(txtName_->text());
     } catch (const std::exception& error) {
         reportFailure(view_, context_, error, app::text(kCaption), this);
         txtName_->setFocus();
@@ -107,36 +115,33 @@ void frmEditSymbol::rename() {
         txtName_->setFocus();
         return;
     }
-    view_.PictureRenamed(*context_.group(), name);
     accept();
 }
 
-// What the name alone forbids; empty when it forbids nothing.
-QString frmEditSymbol::refusalByName(const QString& name) const {
-    if (store::isGroupText(name.toStdU16String())) {
-        return app::text(kReservedBefore) + u'"' + name + u'"' + app::text(kReservedAfter);
-    }
-    if (name == app::text(app::kTextNoPicture)) {
-        return u'"' + name + app::text(kNotForPictures);
-    }
-    return name.isEmpty() ? app::text(kNameMissing) : QString();
-}
-
-// What the group forbids; empty when the picture was renamed. Names count as they are written until
-// the store, to which case does not matter, has the last word.
+// What the box says when the name is refused; empty when the picture was renamed.
 QString frmEditSymbol::renameOrRefuse(const QString& name) {
-    const store::Library& library = view_.library();
+    const QString refusal = refusalByName(name);
+    if (!refusal.isEmpty()) {
+        return refusal;
+    }
     const auto group = context_.group();
     const store::PictureName from{context_.pictureName.toStdU16String()};
-    const store::PictureName to{name.toStdU16String()};
-    if (!group || !store::findPicture(library, *group, from)) {
+    if (!group || !store::findPicture(view_.library(), *group, from)) {
         return app::text(kNoPicture);
     }
-    if (store::findPicture(library, *group, to) == to) {
+    return renameInGroup(*group, from, name);
+}
+
+// Names count as they are written until the store, to which case does not matter, has the last
+// word.
+QString frmEditSymbol::renameInGroup(const store::GroupAddress& group,
+                                     const store::PictureName& from, const QString& name) {
+    const store::PictureName to{name.toStdU16String()};
+    if (store::findPicture(view_.library(), group, to) == to) {
         return app::text(kNameExists);
     }
     try {
-        store::renamePicture(library, *group, from, to);
+        store::renamePicture(view_.library(), group, from, to);
     } catch (const compound::Error& error) {
         if (error.code() == compound::ErrorCode::InvalidName ||
             error.code() == compound::ErrorCode::Exists) {
@@ -144,6 +149,7 @@ QString frmEditSymbol::renameOrRefuse(const QString& name) {
         }
         throw;
     }
+    view_.PictureRenamed(group, name);
     return {};
 }
 

@@ -28,8 +28,9 @@ class frmEditSymbol : public QDialog {
     void arrange();
     void connectControls();
     void rename();
-    QString refusalByName(const QString& name) const;
     QString renameOrRefuse(const QString& name);
+    QString renameInGroup(const store::GroupAddress& group, const store::PictureName& from,
+                          const QString& name);
 
     LibraryView& view_;
     SelectionContext context_;

@@ -201,9 +201,9 @@ void frmInfos::connectControls() {
     connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
 }
 
-void frmInfos::openFor(const store::Library& library, const SelectionContext& context) {
-    const store::StoredPicture picture =
-        store::readPicture(library, *context.group(), {context.pictureName.toStdU16String()});
+void frmInfos::openFor(const store::Library& library, const store::GroupAddress& group,
+                       const store::PictureName& name) {
+    const store::StoredPicture picture = store::readPicture(library, group, name);
     showFacts(picture);
     showPreview(picture);
     optPixel_->setChecked(true);

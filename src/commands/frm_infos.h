@@ -3,7 +3,6 @@
 #pragma once
 
 #include "app/twips.h"
-#include "commands/selection_context.h"
 #include "store/picture_operations.h"
 
 #include <QDialog>
@@ -26,10 +25,11 @@ class frmInfos : public QDialog {
   public:
     explicit frmInfos(QWidget* owner);
 
-    // Reads the picture of that selection, shows the dialog and returns when it is closed. Needs a
-    // selected group. Throws compound::Error, and shows nothing, when the picture cannot be read;
-    // one whose record is missing has the size 0, and one that cannot be decoded no preview.
-    void openFor(const store::Library& library, const SelectionContext& context);
+    // Reads the picture, shows the dialog and returns when it is closed. Throws compound::Error,
+    // and shows nothing, when the picture cannot be read; one whose record is missing has the size
+    // 0, and one that cannot be decoded no preview.
+    void openFor(const store::Library& library, const store::GroupAddress& group,
+                 const store::PictureName& name);
 
   private:
     QGroupBox* makeProperties();

@@ -31,20 +31,17 @@ store::PictureName nameOf(const SelectionContext& selection) {
     return {selection.pictureName.toStdU16String()};
 }
 
-// Whether the group holds the picture. One that went behind the window's back is taken off the
-// screen as well.
-bool isThere(const CommandCall& call) {
+// The selected group, if it holds the shown picture. A picture that went behind the window's back
+// is taken off the screen as well.
+std::optional<store::GroupAddress> groupOfPicture(const CommandCall& call) {
     const auto group = call.selection.group();
-    if (!group) {
-        return false;
-    }
-    if (store::findPicture(call.view.library(), *group, nameOf(call.selection))) {
-        return true;
+    if (!group || store::findPicture(call.view.library(), *group, nameOf(call.selection))) {
+        return group;
     }
     if (!call.selection.pictureName.isEmpty() && !isNoPicture(call.selection)) {
         call.view.Aktualisieren();
     }
-    return false;
+    return std::nullopt;
 }
 
 // Runs what needs the shown picture's group; a failure is told with the group's name.
@@ -82,10 +79,9 @@ void readPicture(CommandCall& call) {
         return;
     }
     withGroupNamed(call, [&call] {
-        if (isThere(call)) {
-            store::exportPicture(call.view.library(), *call.selection.group(),
-                                 nameOf(call.selection), app::settings().temporaryFolderPath(),
-                                 kTemporaryName);
+        if (const auto group = groupOfPicture(call)) {
+            store::exportPicture(call.view.library(), *group, nameOf(call.selection),
+                                 app::settings().temporaryFolderPath(), kTemporaryName);
         }
     });
 }
@@ -105,11 +101,11 @@ void deletePicture(CommandCall& call) {
         return;
     }
     withGroupNamed(call, [&call] {
-        if (!isThere(call) || !isDeletionConfirmed(call)) {
-            return;
+        const auto group = groupOfPicture(call);
+        if (group && isDeletionConfirmed(call)) {
+            store::deletePicture(call.view.library(), *group, nameOf(call.selection));
+            call.view.Aktualisieren();
         }
-        store::deletePicture(call.view.library(), *call.selection.group(), nameOf(call.selection));
-        call.view.Aktualisieren();
     });
 }
 
@@ -122,13 +118,14 @@ void showPictureInfo(CommandCall& call) {
     // What the click has set off is painted before the dialog covers it.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     withGroupNamed(call, [&call] {
-        if (!isThere(call)) {
+        const auto group = groupOfPicture(call);
+        if (!group) {
             return;
         }
         if (!call.dialogs.pictureInfo) {
             call.dialogs.pictureInfo = new frmInfos(call.view.owner());
         }
-        call.dialogs.pictureInfo->openFor(call.view.library(), call.selection);
+        call.dialogs.pictureInfo->openFor(call.view.library(), *group, nameOf(call.selection));
     });
 }
 
