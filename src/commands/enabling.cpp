@@ -1,7 +1,7 @@
 #include "commands/enabling.h"
 
 #include "commands/dispatcher.h"
-#include "commands/picture_commands.h"
+#include "commands/edit_picture.h"
 
 namespace commands {
 namespace {

@@ -120,7 +120,7 @@ void frmEditSymbol::rename() {
 
 // What the box says when the name is refused; empty when the picture was renamed.
 QString frmEditSymbol::renameOrRefuse(const QString& name) {
-    const QString refusal = refusalByName(name);
+    QString refusal = refusalByName(name);
     if (!refusal.isEmpty()) {
         return refusal;
     }

@@ -34,7 +34,7 @@ store::PictureName nameOf(const SelectionContext& selection) {
 // The selected group, if it holds the shown picture. A picture that went behind the window's back
 // is taken off the screen as well.
 std::optional<store::GroupAddress> groupOfPicture(const CommandCall& call) {
-    const auto group = call.selection.group();
+    auto group = call.selection.group();
     if (!group || store::findPicture(call.view.library(), *group, nameOf(call.selection))) {
         return group;
     }
