@@ -262,6 +262,10 @@ void frmMain::TreeViewAdd(const store::GroupName& name) {
     panel_->showGroupAnew();
 }
 
+void frmMain::TreeViewRemove(const store::GroupAddress& group) {
+    tree_->remove(group);
+}
+
 void frmMain::SelectFirstGroup() {
     tree_->selectFirst();
     showSelectedGroup();

@@ -45,6 +45,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void SetCurrentGroup(const store::GroupAddress& group) override;
     void TreeViewSelectNode(const store::GroupAddress& group) override;
     void TreeViewAdd(const store::GroupName& name) override;
+    void TreeViewRemove(const store::GroupAddress& group) override;
     void SelectFirstGroup() override;
     void Aktualisieren() override;
     void PictureRenamed(const store::GroupAddress& group, const QString& name) override;

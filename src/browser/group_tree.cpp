@@ -168,6 +168,18 @@ void GroupTree::addTopLevelNode(const store::GroupName& name) {
     addTopLevelItem(item.release());
 }
 
+// By what the node stands for: the key of one that a command has added is another.
+void GroupTree::remove(const store::GroupAddress& address) {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    for (QTreeWidgetItemIterator node(this); *node != nullptr; ++node) {
+        if ((*node)->data(0, kFileRole).toString() == textOf(address.file.text) &&
+            (*node)->data(0, kStorageRole).toString() == textOf(address.storage.text)) {
+            delete *node;
+            return;
+        }
+    }
+}
+
 int GroupTree::nodeCount() const {
     int count = 0;
     for (QTreeWidgetItemIterator node(const_cast<GroupTree*>(this)); *node != nullptr; ++node) {

@@ -31,6 +31,10 @@ class GroupTree : public QTreeWidget {
     // Adds a top-level node with the key NAME & "a".
     void addTopLevelNode(const store::GroupName& name);
 
+    // Removes the node of that address and those below it; nothing is selected afterwards if the
+    // selected node was one of them.
+    void remove(const store::GroupAddress& address);
+
     int nodeCount() const;
 
     // Selects the node of that address; clears the selection and returns false when there is none.

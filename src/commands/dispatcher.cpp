@@ -2,8 +2,10 @@
 
 #include "app/message_box.h"
 #include "commands/edit_picture.h"
+#include "commands/frm_edit_gruppe.h"
 #include "commands/frm_edit_symbol.h"
 #include "commands/frm_editor_optionen.h"
+#include "commands/frm_group_info.h"
 #include "commands/frm_info.h"
 #include "commands/frm_infos.h"
 #include "commands/frm_neue_gruppe.h"
@@ -30,6 +32,9 @@ struct Binding {
 
 constexpr std::array kBindings{
     Binding{Command::NewGroup, newGroup},
+    Binding{Command::RenameGroup, renameGroup},
+    Binding{Command::DeleteGroup, deleteGroup},
+    Binding{Command::GroupInfo, showGroupInfo},
     Binding{Command::AddPicture, addPicture},
     Binding{Command::EditPicture, editPicture},
     Binding{Command::ReadPicture, readPicture},

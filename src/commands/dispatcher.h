@@ -18,8 +18,10 @@ class frmOptionenWMF;
 namespace commands {
 
 class LibraryView;
+class frmEditGruppe;
 class frmEditorOptionen;
 class frmEditSymbol;
+class frmGroupInfo;
 class frmInfo;
 class frmInfos;
 class frmNeueGruppe;
@@ -30,6 +32,8 @@ enum class Origin { PopUp, Menu };
 // The dialogs, each made on its first use, kept for the next one, and owned by the main window.
 struct Dialogs {
     QPointer<frmNeueGruppe> newGroup;
+    QPointer<frmEditGruppe> renameGroup;
+    QPointer<frmGroupInfo> groupInfo;
     QPointer<editing::frmOpen> addPicture;
     QPointer<editing::frmOptionenWMF> vectorPicture;
     QPointer<frmEditSymbol> renamePicture;

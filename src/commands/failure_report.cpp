@@ -22,11 +22,9 @@ QString failureText(const SelectionContext& selection, const std::exception& fai
 // A locked file stays on the screen: reading it now would only show its group empty.
 void showWhatIsThere(LibraryView& view, const store::GroupAddress& group,
                      compound::ErrorCode code) {
-    if (code == compound::ErrorCode::NotFound) {
+    if (code == compound::ErrorCode::NotFound || code == compound::ErrorCode::OutcomeUnknown) {
         view.FillTreeView();
         view.TreeViewSelectNode(group);
-    }
-    if (code == compound::ErrorCode::NotFound || code == compound::ErrorCode::OutcomeUnknown) {
         view.Aktualisieren();
     }
 }

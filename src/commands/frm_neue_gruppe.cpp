@@ -2,9 +2,9 @@
 
 #include "app/message_box.h"
 #include "app/texts.h"
+#include "commands/failure_report.h"
 #include "commands/group_target_box.h"
 #include "commands/library_view.h"
-#include "compound/error.h"
 #include "store/group_operations.h"
 
 #include <QGridLayout>
@@ -85,6 +85,7 @@ void frmNeueGruppe::arrange() {
 }
 
 void frmNeueGruppe::openFor(const SelectionContext& context) {
+    context_ = context;
     target_->offer(context, defaultTarget(context));
     txtNeu_->clear();
     txtNeu_->setFocus();
@@ -128,6 +129,18 @@ bool frmNeueGruppe::isAcceptable(const std::optional<store::GroupAddress>& paren
     return true;
 }
 
+// A group beside the selected one has nothing to do with it. A parent that has vanished is offered
+// no longer.
+void frmNeueGruppe::tellFailure(const std::exception& failure) {
+    const bool isBelow = target_->target() == GroupTarget::BelowSelected;
+    reportFailure(view_, isBelow ? context_ : SelectionContext{}, failure, app::text(kCaption),
+                  this);
+    if (isBelow && !view_.selectedGroup()) {
+        target_->offer({}, GroupTarget::TopLevel);
+    }
+    txtNeu_->setFocus();
+}
+
 void frmNeueGruppe::create() {
     const std::optional<store::GroupAddress> parent = target_->parentGroup();
     const store::GroupName name{txtNeu_->text().toStdU16String()};
@@ -138,7 +151,7 @@ void frmNeueGruppe::create() {
         }
         created = store::createGroup(view_.library(), parent, name);
     } catch (const std::exception& error) {
-        app::msgBox(app::errorText(error), app::Buttons::Ok, app::text(kCaption), this);
+        tellFailure(error);
         return;
     }
     showInLibrary(created);

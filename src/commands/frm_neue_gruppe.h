@@ -35,10 +35,12 @@ class frmNeueGruppe : public QDialog {
     void create();
     bool isAcceptable(const std::optional<store::GroupAddress>& parent,
                       const store::GroupName& name);
+    void tellFailure(const std::exception& failure);
     void showInLibrary(const store::GroupAddress& group);
     void refuse(int textId);
 
     LibraryView& view_;
+    SelectionContext context_;
     QLabel* prompt_;
     QLineEdit* txtNeu_;
     QPushButton* cmdOK_;

@@ -8,4 +8,14 @@ struct CommandCall;
 // Asks for a name and makes a group below the selected one or at the top level.
 void newGroup(CommandCall& call);
 
+// Asks for another name for the selected group. Also opens without one, to say what is missing.
+void renameGroup(CommandCall& call);
+
+// Asks, then removes the selected group with all groups below it, a top-level group by moving its
+// file to the trash, and selects the tree's first group. A failure is told and the node stays.
+void deleteGroup(CommandCall& call);
+
+// Shows what there is to know about the selected group, or says that none is selected.
+void showGroupInfo(CommandCall& call);
+
 } // namespace commands

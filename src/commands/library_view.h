@@ -44,7 +44,12 @@ class LibraryView {
     // Adds a top-level node without reading any file, selects it and shows its pictures.
     virtual void TreeViewAdd(const store::GroupName& name) = 0;
 
-    // Selects the tree's first node and shows its pictures from the beginning.
+    // Takes the group's node, and those below it, out of the tree without reading any file; a
+    // missing node is no error.
+    virtual void TreeViewRemove(const store::GroupAddress& group) = 0;
+
+    // Selects the tree's first node and shows its pictures from the beginning; with an empty tree
+    // nothing is current and no picture is shown.
     virtual void SelectFirstGroup() = 0;
 
     // Shows the current group's pictures anew after a command has changed them.

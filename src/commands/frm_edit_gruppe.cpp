@@ -1,0 +1,169 @@
+#include "commands/frm_edit_gruppe.h"
+
+#include "app/help.h"
+#include "app/message_box.h"
+#include "app/texts.h"
+#include "commands/failure_report.h"
+#include "commands/library_view.h"
+#include "store/group_operations.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShortcut>
+
+namespace commands {
+namespace {
+
+constexpr int kNameMissing = 50;
+constexpr int kNameInvalid = 52;
+constexpr int kCaption = 100;
+constexpr int kPrompt = 102;
+constexpr int kAbort = 103;
+constexpr int kHelp = 104;
+constexpr int kNoGroup = 150;
+constexpr int kTheGroup = 151;
+constexpr int kExists = 152;
+constexpr int kWasRenamed = 153;
+constexpr int kRenamedAfter = 154;
+
+} // namespace
+
+frmEditGruppe::frmEditGruppe(LibraryView& view, QWidget* owner)
+    : QDialog(owner),
+      view_(view),
+      prompt_(new QLabel(app::text(kPrompt), this)),
+      txtNeu_(new QLineEdit(this)),
+      cmdOK_(new QPushButton(QStringLiteral("OK"), this)),
+      cmdAbbruch_(new QPushButton(app::text(kAbort), this)),
+      cmdHilfe_(new QPushButton(app::text(kHelp), this)) {
+    setObjectName(QStringLiteral("frmEditGruppe"));
+    setWindowTitle(app::text(kCaption));
+    prompt_->setTextFormat(Qt::PlainText);
+    txtNeu_->setObjectName(QStringLiteral("txtNeu"));
+    txtNeu_->setAccessibleName(app::text(kPrompt));
+    cmdOK_->setObjectName(QStringLiteral("cmdOK"));
+    cmdOK_->setDefault(true);
+    cmdAbbruch_->setObjectName(QStringLiteral("cmdAbbruch"));
+    cmdHilfe_->setObjectName(QStringLiteral("cmdHilfe"));
+    arrange();
+    connectControls();
+}
+
+void frmEditGruppe::arrange() {
+    auto* field = new QHBoxLayout;
+    field->setSpacing(12);
+    field->addWidget(prompt_);
+    field->addWidget(txtNeu_);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    buttons->addWidget(cmdOK_);
+    buttons->addWidget(cmdAbbruch_);
+    buttons->addWidget(cmdHilfe_);
+
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(16, 16, 16, 14);
+    all->setSpacing(16);
+    all->addLayout(field);
+    all->addLayout(buttons);
+    all->setSizeConstraint(QLayout::SetFixedSize);
+    txtNeu_->setMinimumWidth(260);
+}
+
+void frmEditGruppe::connectControls() {
+    connect(cmdOK_, &QPushButton::clicked, this, &frmEditGruppe::rename);
+    connect(cmdAbbruch_, &QPushButton::clicked, this, &QDialog::reject);
+    const auto help = [this] { app::showHelp(app::HelpTopic::EditGroup, this); };
+    connect(cmdHilfe_, &QPushButton::clicked, this, help);
+    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+}
+
+void frmEditGruppe::openFor(const SelectionContext& context) {
+    context_ = context;
+    txtNeu_->clear();
+    txtNeu_->setFocus();
+    exec();
+}
+
+// Among the groups that hang where the renamed one does; case counts.
+bool frmEditGruppe::isTaken(const store::GroupName& name) const {
+    if (context_.TopLevelSelected) {
+        return store::groupExists(view_.library(), name);
+    }
+    return store::subGroupExists(view_.library(), {context_.CurrentGroup, context_.CurrentParent},
+                                 name);
+}
+
+bool frmEditGruppe::isValid(const store::GroupName& name) const {
+    const store::Library& library = view_.library();
+    if (!context_.TopLevelSelected) {
+        return store::testGroupName(library, name, store::GroupLevel::SubGroup);
+    }
+    // Two files whose names differ in case only cannot lie side by side on every system; the
+    // renamed one may change the case of its own name.
+    return store::testGroupName(library, name, store::GroupLevel::TopLevel) &&
+           (store::sameName(name.text, context_.CurrentGroup.text) ||
+            !store::groupExistsIgnoringCase(library, name));
+}
+
+// What the box says; empty when the group may have the name. The order of the questions decides
+// what the user is told of a name with several faults.
+QString frmEditGruppe::refusalOf(const store::GroupName& name) const {
+    if (isTaken(name)) {
+        return app::text(kTheGroup) + txtNeu_->text() + app::text(kExists);
+    }
+    if (!isValid(name)) {
+        return app::text(kNameInvalid);
+    }
+    if (!context_.hasGroup()) {
+        return app::text(kNoGroup);
+    }
+    return name.text.empty() ? app::text(kNameMissing) : QString();
+}
+
+void frmEditGruppe::rename() {
+    store::GroupName name{txtNeu_->text().toStdU16String()};
+    try {
+        const QString refusal = refusalOf(name);
+        if (!refusal.isEmpty()) {
+            app::msgBox(refusal, app::Buttons::Ok, app::text(kCaption), this);
+            txtNeu_->setFocus();
+            return;
+        }
+        name = store::renameGroup(view_.library(), *context_.group(), name);
+    } catch (const std::exception& error) {
+        reportFailure(view_, context_, error, app::text(kCaption), this);
+        closeIfGroupIsGone();
+        return;
+    }
+    app::msgBox(app::text(kTheGroup) + context_.groupName + app::text(kWasRenamed) +
+                    QString::fromStdU16String(name.text) + app::text(kRenamedAfter),
+                app::Buttons::Ok, app::text(kCaption), this);
+    showInLibrary(name);
+    accept();
+}
+
+// Nothing is left to be renamed when the report has found the group vanished.
+void frmEditGruppe::closeIfGroupIsGone() {
+    if (context_.hasGroup() && !view_.selectedGroup()) {
+        reject();
+    } else {
+        txtNeu_->setFocus();
+    }
+}
+
+// A sub-group keeps its address; a top-level group has moved to another file.
+void frmEditGruppe::showInLibrary(const store::GroupName& name) {
+    const store::GroupAddress group =
+        context_.TopLevelSelected ? store::topLevelAddress(name.text) : *context_.group();
+    view_.SetCurrentGroup(group);
+    view_.FillTreeView();
+    view_.Aktualisieren();
+    view_.TreeViewSelectNode(group);
+    view_.MiniVorschau(0);
+}
+
+} // namespace commands

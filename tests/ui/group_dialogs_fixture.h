@@ -1,0 +1,50 @@
+// The main window in both languages, with short ways to use the dialogs on groups.
+#pragma once
+
+#include "app/texts.h"
+#include "ui/main_window_fixture.h"
+
+#include <QLineEdit>
+#include <QString>
+#include <QTest>
+
+class GroupDialogsTest : public MainWindowTest, public testing::WithParamInterface<int> {
+  protected:
+    GroupDialogsTest() { app::setLanguage(GetParam()); }
+
+    static QString say(const char* german, const char* english) {
+        return QString::fromUtf8(GetParam() == app::kGermanLocale ? german : english);
+    }
+
+    // Opens a dialog by the action and works on its name field.
+    void inNameField(const QString& action,
+                     const std::function<void(QDialog&, QLineEdit&)>& steps) {
+        inDialog([&] { trigger(action); },
+                 [&](QDialog& dialog) { steps(dialog, *dialog.findChild<QLineEdit*>("txtNeu")); });
+    }
+
+    // Types the name, presses Enter and returns what the one box says. Its title must be `title`.
+    QString answerTo(QLineEdit& field, const QString& name, const QString& title) {
+        field.clear();
+        QTest::keyClicks(&field, name);
+        QTest::keyClick(&field, Qt::Key_Return);
+        const auto boxes = boxes_.take();
+        if (boxes.size() != 1) {
+            return QStringLiteral("(%1 boxes)").arg(boxes.size());
+        }
+        EXPECT_EQ(boxes[0].title, title);
+        EXPECT_EQ(boxes[0].buttons, app::Buttons::Ok);
+        return boxes[0].text;
+    }
+
+    QByteArray bytesOf(const QString& fileName) const {
+        QFile file(QString::fromStdString((library().folder / fileName.toStdString()).string()));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    std::unique_ptr<compound::DiskFile> lockFile(const char* fileName) const {
+        auto file = library().disk.open(library().folder / fileName, compound::Access::ReadWrite);
+        EXPECT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        return file;
+    }
+};
