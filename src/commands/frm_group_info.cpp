@@ -25,6 +25,7 @@ constexpr int kHelp = 504;
 constexpr double kUnit = 1024;
 constexpr qsizetype kDigitsAfterComma = 2;
 constexpr int kFactWidth = 280;
+constexpr int kWidestName = 520;
 
 // Only a decimal comma cuts the digits: so it is wanted.
 QString sizeText(std::uint64_t bytes) {
@@ -64,7 +65,7 @@ QLabel* frmGroupInfo::addFact(QVBoxLayout* facts, const char* frameName, const c
     value->setObjectName(QString::fromLatin1(valueName));
     value->setTextFormat(Qt::PlainText);
     value->setAccessibleDescription(app::text(captionId));
-    value->setFixedWidth(kFactWidth);
+    value->setMinimumWidth(kFactWidth);
     auto* inner = new QVBoxLayout(frame);
     inner->addWidget(value);
     facts->addWidget(frame);
@@ -114,7 +115,7 @@ bool frmGroupInfo::read(const SelectionContext& context) {
         const store::GroupSize size = store::readGroupSize(view_.library(), group);
         // Another program may have written names of any length.
         lblName2_->setText(lblName2_->fontMetrics().elidedText(QString::fromStdU16String(name.text),
-                                                               Qt::ElideMiddle, kFactWidth));
+                                                               Qt::ElideMiddle, kWidestName));
         lblBilder2_->setText(QString::number(size.pictures));
         lblGr_e2_->setText(sizeText(size.bytes));
     } catch (const std::exception& error) {

@@ -3,6 +3,11 @@
 #include "app/texts.h"
 
 namespace commands {
+namespace {
+
+constexpr int kWidestPath = 420;
+
+} // namespace
 
 GroupTarget defaultTarget(const SelectionContext& context) {
     return context.TopLevelSelected ? GroupTarget::TopLevel : GroupTarget::BelowSelected;
@@ -10,7 +15,7 @@ GroupTarget defaultTarget(const SelectionContext& context) {
 
 GroupTargetBox::GroupTargetBox(QWidget* parent) : QComboBox(parent) {
     setObjectName(QStringLiteral("cboGruppe"));
-    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
     setMinimumContentsLength(24);
 }
 
@@ -19,7 +24,9 @@ void GroupTargetBox::offer(const SelectionContext& context, GroupTarget preset) 
     selected_ = context.group();
     addItem(app::kProgramTitle, static_cast<int>(GroupTarget::TopLevel));
     if (selected_) {
-        addItem(context.groupPath, static_cast<int>(GroupTarget::BelowSelected));
+        // Of a long path the group's own name matters most, and it stands at the end.
+        addItem(fontMetrics().elidedText(context.groupPath, Qt::ElideLeft, kWidestPath),
+                static_cast<int>(GroupTarget::BelowSelected));
     }
     setCurrentIndex(std::max(0, findData(static_cast<int>(preset))));
 }
