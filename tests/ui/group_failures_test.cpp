@@ -1,0 +1,87 @@
+// Group commands when the disk is full or read-only.
+#include "ui/failing_disk_fixture.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+
+namespace {
+
+class GroupsOnFailingDisk : public FailingDiskTest {
+  protected:
+    void selectTopLevelGroup() {
+        view_.selected = {store::topLevelAddress(u"Pumpen"), {}, "Pumpen", "Pumpen"};
+    }
+
+    // Runs the command, gives the dialog that it opens a name and returns the boxes.
+    QList<MessageBoxScript::Box> giveName(const QString& tool) {
+        MessageBoxScript boxes;
+        commands::Dispatcher dispatcher(view_);
+        QTimer::singleShot(0, [] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            dialog->findChild<QLineEdit*>("txtNeu")->setText("Neu");
+            dialog->findChild<QPushButton*>("cmdOK")->click();
+            EXPECT_TRUE(dialog->isVisible());
+            EXPECT_EQ(dialog->findChild<QLineEdit*>("txtNeu")->text(), "Neu");
+            dialog->close();
+            dialog->deleteLater();
+        });
+        dispatcher.toolClick(tool);
+        return boxes.take();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Causes, GroupsOnFailingDisk, testing::ValuesIn(kDiskFailures));
+
+TEST_P(GroupsOnFailingDisk, KeepTheDialogsOpenAndNameTheGroup) {
+    for (const bool isGerman : {true, false}) {
+        setGerman(isGerman);
+        const auto renaming = giveName("gRename");
+        ASSERT_EQ(renaming.size(), 1);
+        expectFailureTold(renaming[0], isGerman ? "Gruppe umbenennen" : "Rename group");
+        const auto making = giveName("gNew");
+        ASSERT_EQ(making.size(), 1);
+        expectFailureTold(making[0], isGerman ? "Neue Gruppe erstellen" : "Create new group");
+    }
+}
+
+TEST_P(GroupsOnFailingDisk, KeepTheSubGroupThatWasToBeDeleted) {
+    MessageBoxScript yes({}, app::kAnswerYes);
+    commands::Dispatcher(view_).toolClick("gDelete");
+    const auto boxes = yes.take();
+    ASSERT_EQ(boxes.size(), 2); // the question comes first
+    expectFailureTold(boxes[1], "TXSGraphicsLib");
+}
+
+TEST_P(GroupsOnFailingDisk, KeepATopLevelGroupUnderItsName) {
+    selectTopLevelGroup();
+    const auto renaming = giveName("gRename");
+    ASSERT_EQ(renaming.size(), 1);
+    EXPECT_TRUE(renaming[0].text.startsWith("Gruppe: Pumpen\n")) << renaming[0].text.toStdString();
+    EXPECT_TRUE(renaming[0].text.contains(GetParam().german)) << renaming[0].text.toStdString();
+    EXPECT_EQ(view_.disk.content("/library/Pumpen.stg"), before_);
+    EXPECT_FALSE(view_.disk.exists("/library/Neu.stg"));
+    EXPECT_EQ(view_.refreshes, 0);
+}
+
+TEST_P(GroupsOnFailingDisk, KeepATopLevelGroupThatNoTrashTakes) {
+    selectTopLevelGroup();
+    view_.disk.setInterceptor([](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Folder) {
+            throw compound::Error(GetParam().code, "/library/Pumpen.stg", "told to fail");
+        }
+    });
+    MessageBoxScript yes({}, app::kAnswerYes);
+    commands::Dispatcher(view_).toolClick("gDelete");
+    view_.disk.setInterceptor({});
+    const auto boxes = yes.take();
+    ASSERT_EQ(boxes.size(), 2);
+    EXPECT_TRUE(boxes[1].text.startsWith("Gruppe: Pumpen\n")) << boxes[1].text.toStdString();
+    EXPECT_EQ(view_.disk.content("/library/Pumpen.stg"), before_);
+    EXPECT_EQ(view_.refreshes, 0);
+}
+
+} // namespace
