@@ -86,6 +86,11 @@ void frmEditGruppe::openFor(const SelectionContext& context) {
     txtNeu_->clear();
     txtNeu_->setFocus();
     exec();
+    // A window manager that hands the focus from the box to this dialog may find it closed by then
+    // and leave the focus nowhere.
+    if (parentWidget() != nullptr) {
+        parentWidget()->activateWindow();
+    }
 }
 
 // Among the groups that hang where the renamed one does; case counts.
@@ -133,7 +138,8 @@ void frmEditGruppe::rename() {
             txtNeu_->setFocus();
             return;
         }
-        name = store::renameGroup(view_.library(), *context_.group(), name);
+        name = store::renameGroup(view_.library(), {context_.CurrentGroup, context_.CurrentStorage},
+                                  name);
     } catch (const std::exception& error) {
         reportFailure(view_, context_, error, app::text(kCaption), this);
         closeIfGroupIsGone();
@@ -158,7 +164,9 @@ void frmEditGruppe::closeIfGroupIsGone() {
 // A sub-group keeps its address; a top-level group has moved to another file.
 void frmEditGruppe::showInLibrary(const store::GroupName& name) {
     const store::GroupAddress group =
-        context_.TopLevelSelected ? store::topLevelAddress(name.text) : *context_.group();
+        context_.TopLevelSelected
+            ? store::topLevelAddress(name.text)
+            : store::GroupAddress{context_.CurrentGroup, context_.CurrentStorage};
     view_.SetCurrentGroup(group);
     view_.FillTreeView();
     view_.Aktualisieren();

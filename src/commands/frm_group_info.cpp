@@ -109,7 +109,7 @@ void frmGroupInfo::openFor(const SelectionContext& context) {
 }
 
 bool frmGroupInfo::read(const SelectionContext& context) {
-    const store::GroupAddress group = *context.group();
+    const store::GroupAddress group{context.CurrentGroup, context.CurrentStorage};
     try {
         const store::GroupName name = store::readGroupName(view_.library(), group);
         const store::GroupSize size = store::readGroupSize(view_.library(), group);

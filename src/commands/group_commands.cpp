@@ -17,11 +17,17 @@ constexpr int kDeleteBefore = 304;
 constexpr int kDeleteAfter = 305;
 constexpr int kNoGroup = 306;
 
-bool isGroupSelected(const CommandCall& call) {
-    if (!call.selection.hasGroup()) {
-        app::msgBox(app::text(kNoGroup), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
+// The kept dialog, made on its first use.
+template <typename Dialog>
+Dialog& dialogOf(QPointer<Dialog>& kept, LibraryView& view) {
+    if (kept.isNull()) {
+        kept = QPointer<Dialog>(new Dialog(view, view.owner()));
     }
-    return call.selection.hasGroup();
+    return *kept;
+}
+
+void sayThatNoGroupIsSelected(const CommandCall& call) {
+    app::msgBox(app::text(kNoGroup), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
 }
 
 bool isDeletionConfirmed(const CommandCall& call) {
@@ -31,52 +37,45 @@ bool isDeletionConfirmed(const CommandCall& call) {
            app::kAnswerYes;
 }
 
-void deleteFromLibrary(const store::Library& library, const SelectionContext& selection) {
-    if (selection.TopLevelSelected) {
-        store::removeGroupFile(library, selection.CurrentGroup);
-    } else {
-        store::deleteGroup(library, *selection.group());
-    }
-}
-
 } // namespace
 
 void newGroup(CommandCall& call) {
-    if (!call.dialogs.newGroup) {
-        call.dialogs.newGroup = new frmNeueGruppe(call.view, call.view.owner());
-    }
-    call.dialogs.newGroup->openFor(call.selection);
+    dialogOf(call.dialogs.newGroup, call.view).openFor(call.selection);
 }
 
 void renameGroup(CommandCall& call) {
-    if (!call.dialogs.renameGroup) {
-        call.dialogs.renameGroup = new frmEditGruppe(call.view, call.view.owner());
-    }
-    call.dialogs.renameGroup->openFor(call.selection);
+    dialogOf(call.dialogs.renameGroup, call.view).openFor(call.selection);
 }
 
 void deleteGroup(CommandCall& call) {
-    if (!isGroupSelected(call) || !isDeletionConfirmed(call)) {
+    const auto group = call.selection.group();
+    if (!group) {
+        sayThatNoGroupIsSelected(call);
+        return;
+    }
+    if (!isDeletionConfirmed(call)) {
         return;
     }
     try {
-        deleteFromLibrary(call.view.library(), call.selection);
+        if (call.selection.TopLevelSelected) {
+            store::removeGroupFile(call.view.library(), group->file);
+        } else {
+            store::deleteGroup(call.view.library(), *group);
+        }
     } catch (const std::exception& error) {
         reportFailure(call.view, call.selection, error, app::kProgramTitle, call.view.owner());
         return;
     }
-    call.view.TreeViewRemove(*call.selection.group());
+    call.view.TreeViewRemove(*group);
     call.view.SelectFirstGroup();
 }
 
 void showGroupInfo(CommandCall& call) {
-    if (!isGroupSelected(call)) {
+    if (!call.selection.hasGroup()) {
+        sayThatNoGroupIsSelected(call);
         return;
     }
-    if (!call.dialogs.groupInfo) {
-        call.dialogs.groupInfo = new frmGroupInfo(call.view, call.view.owner());
-    }
-    call.dialogs.groupInfo->openFor(call.selection);
+    dialogOf(call.dialogs.groupInfo, call.view).openFor(call.selection);
 }
 
 } // namespace commands
