@@ -63,8 +63,8 @@ class Picture {
     // Needs a QGuiApplication for metafiles.
     QImage scaledTo(QSize box) const;
 
-    // Whether the metafile could not be drawn to its end the last time: it is cut short, or asks for
-    // more work than any honest one. False for raster pictures.
+    // Whether the metafile could not be drawn to its end the last time: it is cut short, or asks
+    // for more work than any honest one. False for raster pictures.
     bool isDrawnInPart() const { return drawnInPart_; }
 
     // Paints the whole picture into `target`, whatever its proportions. A metafile is drawn anew
