@@ -3,6 +3,7 @@
 #include "app/number_text.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "commands/edit_picture.h"
 #include "commands/enabling.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
@@ -336,7 +337,7 @@ TEST_P(PictureDialogs, DeletingInTheListShowsItsFirstRow) {
     choose();
     const MessageBoxScript yes({}, app::kAnswerYes);
     const auto isEditable = [&] { return find<QAction>("Men_Bearbeiten_2")->isEnabled(); };
-    const bool isBuilt = commands::hasHandler(commands::Command::EditPicture);
+    const bool isBuilt = commands::hasEditor(QStringLiteral("BMP"));
     EXPECT_EQ(isEditable(), isBuilt);
     trigger("Men_Bearbeiten_3");
     EXPECT_EQ(rows(), (QStringList{"P2", "P3"}));
