@@ -17,28 +17,12 @@ constexpr std::uint32_t kComment = 70;
 constexpr std::uint32_t kPlusIdentifier = 0x2B464D45; // "EMF+"
 constexpr std::size_t kSmallestHeader = 88;
 
-// How long the header itself is: a description or a pixel format may follow in the same record.
-std::size_t headerSize(const ByteReader& in) {
-    std::size_t size = in.u32(4);
-    if (in.u32(60) > 0 && in.u32(64) >= kSmallestHeader)
-        size = std::min<std::size_t>(size, in.u32(64));
-    if (in.has(88, 8) && size > kSmallestHeader && in.u32(88) > 0 && in.u32(92) >= kSmallestHeader)
-        size = std::min<std::size_t>(size, in.u32(92));
-    return size;
-}
-
-// Pixels of the device per millimetre of it, along one axis.
+// Pixels of the device per millimetre of it, along one axis. Longer headers tell thousandths of
+// millimetres as well, but writers reckon the frame by the whole ones.
 double density(const ByteReader& in, std::size_t axis) {
     constexpr double kUsual = 96 / 25.4;
-    constexpr std::size_t kMicrometres = 100;
     const double pixels = in.i32(72 + 4 * axis);
-    double millimetres = in.i32(80 + 4 * axis);
-    // Longer headers tell the same more exactly.
-    if (headerSize(in) >= kMicrometres + 8 && in.has(kMicrometres, 8)) {
-        const double exact = in.i32(kMicrometres + 4 * axis) / 1000.0;
-        if (exact > 0 && (millimetres <= 0 || std::abs(exact - millimetres) < 0.1 * millimetres))
-            millimetres = exact;
-    }
+    const double millimetres = in.i32(80 + 4 * axis);
     if (pixels <= 0 || millimetres <= 0)
         return kUsual;
     const double value = pixels / millimetres;
