@@ -3,7 +3,7 @@
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
-#include "commands/centring.h"
+#include "editing/screen_place.h"
 #include "store/library_count.h"
 
 #include <QHBoxLayout>
@@ -64,7 +64,9 @@ frmInfo::frmInfo(QWidget* owner)
 
 void frmInfo::openFor(const store::Library& library) {
     count(library);
-    centreOnScreen(*this);
+    ensurePolished();
+    adjustSize();
+    editing::centreOnScreen(*this);
     cmdZur_ck_->setFocus();
     exec();
 }

@@ -4,8 +4,8 @@
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
-#include "commands/centring.h"
 #include "editing/picture_box.h"
+#include "editing/screen_place.h"
 #include "imaging/picture.h"
 
 #include <QGridLayout>
@@ -207,7 +207,9 @@ void frmInfos::openFor(const store::Library& library, const store::GroupAddress&
     showFacts(picture);
     showPreview(picture);
     optPixel_->setChecked(true);
-    centreOnScreen(*this);
+    ensurePolished();
+    adjustSize();
+    editing::centreOnScreen(*this);
     cmdOK_->setFocus();
     exec();
 }
