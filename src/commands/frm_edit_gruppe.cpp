@@ -3,11 +3,11 @@
 #include "app/help.h"
 #include "app/message_box.h"
 #include "app/texts.h"
+#include "commands/dialog_layout.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "store/group_operations.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -47,30 +47,8 @@ frmEditGruppe::frmEditGruppe(LibraryView& view, QWidget* owner)
     cmdOK_->setDefault(true);
     cmdAbbruch_->setObjectName(QStringLiteral("cmdAbbruch"));
     cmdHilfe_->setObjectName(QStringLiteral("cmdHilfe"));
-    arrange();
+    layOutNameDialog(*this, prompt_, txtNeu_, {cmdOK_, cmdAbbruch_, cmdHilfe_});
     connectControls();
-}
-
-void frmEditGruppe::arrange() {
-    auto* field = new QHBoxLayout;
-    field->setSpacing(12);
-    field->addWidget(prompt_);
-    field->addWidget(txtNeu_);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addStretch();
-    buttons->addWidget(cmdOK_);
-    buttons->addWidget(cmdAbbruch_);
-    buttons->addWidget(cmdHilfe_);
-
-    auto* all = new QVBoxLayout(this);
-    all->setContentsMargins(16, 16, 16, 14);
-    all->setSpacing(16);
-    all->addLayout(field);
-    all->addLayout(buttons);
-    all->setSizeConstraint(QLayout::SetFixedSize);
-    txtNeu_->setMinimumWidth(260);
 }
 
 void frmEditGruppe::connectControls() {

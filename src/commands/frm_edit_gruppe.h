@@ -28,7 +28,6 @@ class frmEditGruppe : public QDialog {
     void openFor(const SelectionContext& context);
 
   private:
-    void arrange();
     void connectControls();
     void rename();
     QString refusalOf(const store::GroupName& name) const;

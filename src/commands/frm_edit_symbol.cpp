@@ -3,13 +3,13 @@
 #include "app/help.h"
 #include "app/message_box.h"
 #include "app/texts.h"
+#include "commands/dialog_layout.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -60,30 +60,8 @@ frmEditSymbol::frmEditSymbol(LibraryView& view, QWidget* owner)
     cmdOK_->setDefault(true);
     cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
     cmdHilfe_->setObjectName(QStringLiteral("cmdHilfe"));
-    arrange();
+    layOutNameDialog(*this, prompt_, txtName_, {cmdOK_, cmdCancel_, cmdHilfe_});
     connectControls();
-}
-
-void frmEditSymbol::arrange() {
-    auto* field = new QHBoxLayout;
-    field->setSpacing(12);
-    field->addWidget(prompt_);
-    field->addWidget(txtName_);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addStretch();
-    buttons->addWidget(cmdOK_);
-    buttons->addWidget(cmdCancel_);
-    buttons->addWidget(cmdHilfe_);
-
-    auto* all = new QVBoxLayout(this);
-    all->setContentsMargins(16, 16, 16, 14);
-    all->setSpacing(16);
-    all->addLayout(field);
-    all->addLayout(buttons);
-    all->setSizeConstraint(QLayout::SetFixedSize);
-    txtName_->setMinimumWidth(260);
 }
 
 void frmEditSymbol::connectControls() {

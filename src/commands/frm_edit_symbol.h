@@ -25,7 +25,6 @@ class frmEditSymbol : public QDialog {
     void openFor(const SelectionContext& context);
 
   private:
-    void arrange();
     void connectControls();
     void rename();
     QString renameOrRefuse(const QString& name);
