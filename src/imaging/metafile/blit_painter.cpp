@@ -18,6 +18,12 @@ constexpr std::uint8_t kCopySource = 0xCC;
 constexpr std::uint8_t kCopyPattern = 0xF0;
 constexpr std::uint8_t kWhite = 0xFF;
 
+// A side that is longer than this reaches over any sheet.
+QPointF bounded(QPointF side) {
+    constexpr double kMost = 1e6;
+    return {std::clamp(side.x(), -kMost, kMost), std::clamp(side.y(), -kMost, kMost)};
+}
+
 QPointF mapVector(const QTransform& transform, QPointF vector) {
     return transform.map(vector) - transform.map(QPointF());
 }
@@ -77,8 +83,8 @@ BlitPainter::Place BlitPainter::placeOf(const Destination& destination,
     place.origin = context.map(destination.topLeft);
     if (destination.placement == Placement::DevicePixels) {
         const QTransform& toImage = canvas_.deviceToImage();
-        place.across = mapVector(toImage, destination.topRight - destination.topLeft);
-        place.down = mapVector(toImage, destination.bottomLeft - destination.topLeft);
+        place.across = bounded(mapVector(toImage, destination.topRight - destination.topLeft));
+        place.down = bounded(mapVector(toImage, destination.bottomLeft - destination.topLeft));
     } else {
         place.across = context.map(destination.topRight) - place.origin;
         place.down = context.map(destination.bottomLeft) - place.origin;
@@ -108,8 +114,9 @@ void BlitPainter::spendPicture(const QImage& image, const Place& place) {
 QImage BlitPainter::layer(const QImage& image, const QRectF& part, const Place& place,
                           const QRect& box, const DeviceContext& context) {
     QImage result = newImage(box.size(), QImage::Format_ARGB32_Premultiplied);
-    const QRect seen = part.normalized().toAlignedRect() & image.rect();
-    if (part.width() == 0 || part.height() == 0 || seen.isEmpty())
+    const QRect seen = (part.normalized() & QRectF(image.rect())).toAlignedRect() & image.rect();
+    constexpr double kLeast = 0.01; // of a pixel of the source
+    if (std::abs(part.width()) < kLeast || std::abs(part.height()) < kLeast || seen.isEmpty())
         return result;
     QPainter painter(&result);
     const QTransform toSheet =
@@ -174,12 +181,13 @@ void BlitPainter::draw(const RasterBlit& blit, const DeviceContext& context) {
     const QRect box = place.pixels() & canvas_.sheet();
     if (box.isEmpty() || (blit.operation == kKeep && !blit.mask))
         return;
-    spendPicture(blit.source ? blit.source->image : QImage(), place);
-    if (usesSource(blit.operation) && !blit.source)
+    const Bitmap* source = blit.source ? &*blit.source : nullptr;
+    spendPicture(source != nullptr ? source->image : QImage(), place);
+    if (usesSource(blit.operation) && source == nullptr)
         return;
     const bool plain = !blit.mask && place.alongAxes;
-    if (plain && blit.operation == kCopySource && !blit.source->monochrome) {
-        const QImage picture = layer(blit.source->image, blit.part, place, box, context);
+    if (plain && source != nullptr && blit.operation == kCopySource && !source->monochrome) {
+        const QImage picture = layer(source->image, blit.part, place, box, context);
         begin(context);
         canvas_.painter().drawImage(box.topLeft(), picture);
         return;

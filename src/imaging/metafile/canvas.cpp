@@ -2,6 +2,7 @@
 
 #include "imaging/byte_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -49,6 +50,10 @@ void Clip::exclusiveOr(const QRegion& region, const QRect& sheet) {
 }
 
 void Clip::translate(QPointF offset) {
+    // Farther than any sheet is as good as any distance.
+    constexpr double kFarthest = 1e6;
+    offset = {std::clamp(offset.x(), -kFarthest, kFarthest),
+              std::clamp(offset.y(), -kFarthest, kFarthest)};
     region_.translate(offset.toPoint());
     for (QPainterPath& path : paths_)
         path.translate(offset);

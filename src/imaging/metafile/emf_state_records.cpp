@@ -2,7 +2,7 @@
 // Source: [MS-EMF] 2.3.2 (clipping), 2.3.10 (path bracket), 2.3.11 (state), 2.3.12 (transform).
 #include "imaging/metafile/emf_records.h"
 
-#include <bit>
+#include <algorithm>
 
 namespace imaging::metafile {
 
@@ -101,6 +101,12 @@ double miterLimitAt(const ByteReader& in, std::size_t at) {
     constexpr std::uint32_t kMostWhole = 0x30000000;
     const std::uint32_t value = in.u32(at);
     return value > kMostWhole ? realAt(in, at) : value;
+}
+
+// Patterns repeat long before these bounds.
+QPoint originAt(const ByteReader& in, std::size_t at) {
+    constexpr int kMost = 1'000'000;
+    return {std::clamp(in.i32(at), -kMost, kMost), std::clamp(in.i32(at + 4), -kMost, kMost)};
 }
 
 void readClip(const EmfRecord& record, RecordSink& sink) {
@@ -202,7 +208,7 @@ bool readEmfState(const EmfRecord& record, EmfReading& reading) {
         return true;
     switch (record.type) {
     case SetBrushOrgEx:
-        sink.take(SetBrushOrigin{pointAt(in, 8).toPoint()});
+        sink.take(SetBrushOrigin{originAt(in, 8)});
         return true;
     case SetTextColor:
         sink.take(SetTextColour{colourAt(in, 8)});

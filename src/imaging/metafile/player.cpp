@@ -241,7 +241,7 @@ void Player::on(const ClipRegion& record) {
     canvas_.budget().spendPoints(record.rectangles.size() * 4);
     QRegion region;
     for (const QRect& rectangle : record.rectangles)
-        region += canvas_.deviceToImage().mapRect(QRectF(rectangle)).toRect() & sheet;
+        region += (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect();
     Clip& clip = context_.clip;
     switch (record.mode) {
     case ClipMode::Copy:

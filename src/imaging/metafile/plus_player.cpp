@@ -345,7 +345,8 @@ class PlusPlayer::Impl {
         const QPointF down = corners[2] - corners[0];
         const QSizeF size(std::hypot(across.x(), across.y()), std::hypot(down.x(), down.y()));
         if (!(size.width() > 0) || !(size.height() > 0) || size.width() > kFarthest ||
-            size.height() > kFarthest)
+            size.height() > kFarthest || std::abs(corners[0].x()) > kFarthest ||
+            std::abs(corners[0].y()) > kFarthest)
             return;
         if (!image->metafile.isEmpty()) {
             drawMetafile(image->metafile, corners[0], across, down, size);
@@ -374,14 +375,17 @@ class PlusPlayer::Impl {
         canvas_.budget().spendPixels(
             4 * std::min(size.width() * size.height(),
                          double{1} * canvas_.sheet().width() * canvas_.sheet().height()));
-        const QRect seen = part.toAlignedRect() & image.rect();
+        const QRect seen = (part & QRectF(image.rect())).toAlignedRect() & image.rect();
         if (seen.isEmpty())
             return;
         // Scaled with averaging first: painting alone would leave pixels out.
-        const QSize wanted(
-            std::max(1, static_cast<int>(std::lround(size.width() * seen.width() / part.width()))),
-            std::max(1,
-                     static_cast<int>(std::lround(size.height() * seen.height() / part.height()))));
+        // How many pixels the seen part's side gets; a wild share is none that fits anyway.
+        const auto share = [](double whole, double seenSide, double partSide) {
+            return static_cast<int>(
+                std::lround(std::clamp(whole * seenSide / partSide, 1.0, kFarthest)));
+        };
+        const QSize wanted(share(size.width(), seen.width(), part.width()),
+                           share(size.height(), seen.height(), part.height()));
         QImage source = seen == image.rect() ? image : image.copy(seen);
         const bool shrinks = wanted.width() < seen.width() && wanted.height() < seen.height();
         if (shrinks)
@@ -399,6 +403,9 @@ class PlusPlayer::Impl {
         if (upright) {
             painter.setRenderHint(QPainter::Antialiasing, false);
             const QRectF box = placed.mapRect(QRectF(source.rect()));
+            if (std::abs(box.left()) > kFarthest || std::abs(box.top()) > kFarthest ||
+                box.width() > kFarthest || box.height() > kFarthest)
+                return;
             const QPoint topLeft = box.topLeft().toPoint();
             const QPoint end = box.bottomRight().toPoint();
             painter.drawImage(QRect(topLeft, end - QPoint(1, 1)) | QRect(topLeft, QSize(1, 1)),

@@ -358,8 +358,10 @@ std::optional<PlusRecord> readSetting(Reading& reading) {
     case SetCompositingMode:
         return PlusSet{PlusSwitch::CopiesSource, reading.number() == 1};
     case SetRenderingOrigin: {
-        const int x = reading.in.i32();
-        return PlusSetOrigin{QPoint(x, reading.in.i32())};
+        // Patterns repeat long before these bounds.
+        constexpr int kMost = 1'000'000;
+        const int x = std::clamp(reading.in.i32(), -kMost, kMost);
+        return PlusSetOrigin{QPoint(x, std::clamp(reading.in.i32(), -kMost, kMost))};
     }
     case SetPageTransform:
         return PlusSetPage{plusUnitOf(reading.flags & 0xFFU), reading.in.real()};
