@@ -296,10 +296,13 @@ void Player::on(const RegionPaint& record) {
     if (record.action == RegionAction::Invert) {
         shapes_.invert(outline, context_);
     } else if (record.action == RegionAction::Frame) {
-        const int across =
-            std::max(1, static_cast<int>(std::lround(record.frame.width() * context_.scale())));
-        const int down =
-            std::max(1, static_cast<int>(std::lround(record.frame.height() * context_.scale())));
+        const auto pixels = [&](double logical) {
+            constexpr double kMost = 10000;
+            return static_cast<int>(
+                std::lround(std::clamp(std::abs(logical) * context_.scale(), 1.0, kMost)));
+        };
+        const int across = pixels(record.frame.width());
+        const int down = pixels(record.frame.height());
         const QRegion inner = region & region.translated(across, 0) &
                               region.translated(-across, 0) & region.translated(0, down) &
                               region.translated(0, -down);
