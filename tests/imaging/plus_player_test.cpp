@@ -2,8 +2,8 @@
 #include "imaging/metafile/metafile.h"
 #include "imaging/metafile_bytes.h"
 #include "imaging/picture.h"
+#include "imaging/plus_bytes.h"
 
-#include <bit>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -14,77 +14,6 @@ constexpr QRgb kWhite = qRgb(255, 255, 255);
 constexpr QRgb kRed = qRgb(255, 0, 0);
 constexpr QRgb kBlue = qRgb(0, 0, 255);
 constexpr QRgb kBlack = qRgb(0, 0, 0);
-constexpr std::uint32_t kVersion = 0xDBC01002;
-constexpr unsigned kColourFlag = 0x8000;
-
-class Data {
-  public:
-    Data& word(std::uint32_t value) {
-        put32(bytes, value);
-        return *this;
-    }
-    Data& reals(const std::vector<float>& values) {
-        for (const float value : values)
-            put32(bytes, std::bit_cast<std::uint32_t>(value));
-        return *this;
-    }
-    Data& append(const Bytes& more) {
-        bytes.insert(bytes.end(), more.begin(), more.end());
-        return *this;
-    }
-
-    Bytes bytes;
-};
-
-enum class Half { Only, Dual };
-
-// EMF+ records in one comment of a 40 x 40 file, behind their header.
-class PlusFile {
-  public:
-    explicit PlusFile(Half half = Half::Only) {
-        add(0x4001, half == Half::Dual ? 1 : 0, Data().word(kVersion).word(0).word(96).word(96));
-    }
-
-    PlusFile& add(unsigned type, unsigned flags, const Data& data = {}) {
-        put16(records_, type);
-        put16(records_, flags);
-        put32(records_, static_cast<std::uint32_t>(data.bytes.size() + 12));
-        put32(records_, static_cast<std::uint32_t>(data.bytes.size()));
-        records_.insert(records_.end(), data.bytes.begin(), data.bytes.end());
-        return *this;
-    }
-    PlusFile& object(unsigned type, unsigned id, const Data& data) {
-        return add(0x4008, type << 8U | id, data);
-    }
-    PlusFile& fill(const std::vector<float>& rectangle, std::uint32_t colour) {
-        return add(0x400A, kColourFlag, Data().word(colour).word(1).reals(rectangle));
-    }
-    PlusFile& fillWith(unsigned brush, const std::vector<float>& rectangle) {
-        return add(0x400A, 0, Data().word(brush).word(1).reals(rectangle));
-    }
-
-    EmfFile& into(EmfFile& file) const {
-        Data comment;
-        comment.word(static_cast<std::uint32_t>(records_.size() + 4)).word(0x2B464D45);
-        return file.addBytes(70, comment.append(records_).bytes);
-    }
-    QImage drawn() const {
-        EmfFile file(40, 40);
-        return into(file).drawn();
-    }
-
-  private:
-    Bytes records_;
-};
-
-Data solidBrush(std::uint32_t colour) {
-    return Data().word(kVersion).word(0).word(colour);
-}
-
-Data pen(float width, std::uint32_t colour) {
-    return Data().word(kVersion).word(0).word(0).word(0).reals({width}).append(
-        solidBrush(colour).bytes);
-}
 
 // A triangle over the upper left half of the sheet, with real points.
 Data triangle() {
@@ -235,15 +164,6 @@ TEST(PlusPlayer, GradientsRunAsTheirStopsSay) {
     EXPECT_NEAR(qRed(middle.pixel(10, 20)), 127, 20);
 }
 
-Data bitmapImage(std::uint32_t format, int width, int stride) {
-    Data data = Data().word(kVersion).word(1).word(static_cast<std::uint32_t>(width)).word(1);
-    return data.word(static_cast<std::uint32_t>(stride)).word(format).word(0);
-}
-
-Data wholeImage(std::vector<float> destination, float width) {
-    return Data().word(0).word(2).reals({0, 0, width, 1}).reals(destination);
-}
-
 TEST(PlusPlayer, PicturesOfEveryFormatAreDrawn) {
     const Data to = wholeImage({0, 0, 40, 40}, 2);
     PlusFile direct;
@@ -282,16 +202,15 @@ TEST(PlusPlayer, PicturesOfEveryFormatAreDrawn) {
 }
 
 TEST(PlusPlayer, TextStandsInItsLayout) {
-    Data font = Data().word(kVersion).reals({16}).word(2).word(0).word(0).word(5);
-    for (const char16_t unit : std::u16string_view(u"Arial"))
-        put16(font.bytes, unit);
     const auto ink = [&](std::uint32_t alignment, std::vector<float> layout) {
         Data format = Data().word(kVersion).word(0).word(0).word(alignment).word(alignment);
         format.word(0).word(0).word(0).word(0).reals({0, 0, 0});
         Data text = Data().word(0xFF000000).word(2).word(1).reals(layout);
         put16(text.bytes, u'H');
         PlusFile file;
-        file.object(6, 1, font).object(7, 2, format).add(0x401C, kColourFlag | 1, text);
+        file.object(6, 1, font(16, u"Arial"))
+            .object(7, 2, format)
+            .add(0x401C, kColourFlag | 1, text);
         return inkOf(file.drawn());
     };
     const QRect near = ink(0, {0, 0, 40, 40});

@@ -106,9 +106,14 @@ Drawing draw(std::span<const std::byte> bytes, QSize size) {
 
 QImage drawNested(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
     budget.enterNested();
-    QImage image = drawWithin(bytes, size, budget).image;
-    budget.leaveNested();
-    return image;
+    try {
+        QImage image = drawWithin(bytes, size, budget).image;
+        budget.leaveNested();
+        return image;
+    } catch (const DecodeError&) {
+        budget.leaveNested();
+        throw;
+    }
 }
 
 } // namespace imaging::metafile

@@ -2,7 +2,9 @@
 
 #include "imaging/decoders.h"
 #include "imaging/metafile/bitmap_reader.h"
+#include "imaging/metafile/emf_reader.h"
 #include "imaging/metafile/plus_fields.h"
+#include "imaging/metafile/wmf_reader.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -15,6 +17,8 @@ constexpr std::uint32_t kBitmap = 1;
 constexpr std::uint32_t kMetafile = 2;
 constexpr std::uint32_t kAlphaFlag = 0x00040000;
 constexpr std::uint32_t kIndexedFlag = 0x00010000;
+constexpr std::uint32_t kFourBits = 0x00030402;
+constexpr std::uint32_t kArgb1555 = 0x00061007;
 
 struct Layout {
     int width = 0;
@@ -40,26 +44,37 @@ void requireModest(std::int64_t width, std::int64_t height) {
         throw DecodeError("a picture inside the metafile has more than 24 million pixels");
 }
 
+// In place where the depth allows it: a second copy of a large picture is too much.
+QImage inArgb(QImage image) {
+    image.convertTo(QImage::Format_ARGB32);
+    return image;
+}
+
 QImage readCompressed(std::span<const std::byte> bytes) {
     QImageReader::setAllocationLimit(kAllocationLimit);
     QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
                                               static_cast<qsizetype>(bytes.size()));
     const auto kind = sniff(bytes);
-    if (kind && *kind != PictureKind::Jpg)
-        return decode(bytes).image().convertToFormat(QImage::Format_ARGB32);
+    if (kind && *kind != PictureKind::Jpg) {
+        const QSize size = measure(bytes).pixels;
+        requireModest(size.width(), size.height());
+        return inArgb(decode(bytes).image());
+    }
     QBuffer buffer(&data);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
     if (!reader.size().isEmpty())
         requireModest(reader.size().width(), reader.size().height());
-    const QImage image = reader.read();
+    QImage image = reader.read();
     if (image.isNull())
         throw DecodeError("a picture inside the metafile cannot be read");
-    return image.convertToFormat(QImage::Format_ARGB32);
+    return inArgb(std::move(image));
 }
 
 QImage::Format qtFormat(std::uint32_t format) {
     switch (format) {
+    case 0x00101004:
+        return QImage::Format_Grayscale16;
     case 0x00030101:
         return QImage::Format_Mono;
     case 0x00030803:
@@ -89,27 +104,34 @@ QList<QRgb> readPalette(PlusCursor& in) {
     return colours;
 }
 
-// Four bits a pixel are a format that Qt does not have.
-QImage readNibbles(const Layout& layout, std::span<const std::byte> pixels,
-                   const QList<QRgb>& palette) {
+QRgb fromArgb1555(unsigned pixel) {
+    const auto wide = [](unsigned five) { return static_cast<int>((five & 0x1FU) * 255 / 0x1F); };
+    return qRgba(wide(pixel >> 10U), wide(pixel >> 5U), wide(pixel), pixel >> 15U != 0 ? 255 : 0);
+}
+
+// Formats that Qt does not have: four bits a pixel, and five a colour with one of alpha.
+QImage readByHand(const Layout& layout, std::span<const std::byte> pixels,
+                  const QList<QRgb>& palette) {
     QImage image = newImage({layout.width, layout.height}, QImage::Format_ARGB32);
     for (int y = 0; y < layout.height; ++y) {
-        const auto row =
-            pixels.subspan(static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.stride));
+        const ByteReader row(
+            pixels.subspan(static_cast<std::size_t>(y) * static_cast<std::size_t>(layout.stride)));
         auto* out = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < layout.width; ++x) {
-            const auto both = std::to_integer<unsigned>(row[static_cast<std::size_t>(x / 2)]);
+            const auto column = static_cast<std::size_t>(x);
+            if (layout.format == kArgb1555) {
+                out[x] = fromArgb1555(row.u16(2 * column));
+                continue;
+            }
+            const unsigned both = row.u8(column / 2);
             const unsigned index = x % 2 == 0 ? both >> 4U : both & 0xFU;
-            out[x] = index < static_cast<unsigned>(palette.size())
-                         ? palette[static_cast<qsizetype>(index)]
-                         : qRgb(0, 0, 0);
+            out[x] = palette.value(static_cast<qsizetype>(index), qRgb(0, 0, 0));
         }
     }
     return image;
 }
 
 QImage readPixels(const Layout& layout, PlusCursor& in) {
-    constexpr std::uint32_t kFourBits = 0x00030402;
     QList<QRgb> palette;
     if ((layout.format & kIndexedFlag) != 0)
         palette = readPalette(in);
@@ -120,8 +142,8 @@ QImage readPixels(const Layout& layout, PlusCursor& in) {
     if (layout.stride < (std::int64_t{layout.width} * bits + 7) / 8 ||
         static_cast<std::int64_t>(pixels.size()) < needed)
         throw DecodeError("a picture inside the metafile is cut short");
-    if (layout.format == kFourBits)
-        return readNibbles(layout, pixels, palette);
+    if (layout.format == kFourBits || layout.format == kArgb1555)
+        return readByHand(layout, pixels, palette);
     QImage image(reinterpret_cast<const uchar*>(pixels.data()), layout.width, layout.height,
                  layout.stride, qtFormat(layout.format));
     if (!palette.isEmpty()) {
@@ -133,6 +155,22 @@ QImage readPixels(const Layout& layout, PlusCursor& in) {
     return multiplied ? image.copy() : image.convertToFormat(QImage::Format_ARGB32);
 }
 
+// A metafile as files have it: placeable ones come with two more bytes behind their first header.
+QByteArray metafileOf(std::span<const std::byte> bytes) {
+    constexpr std::uint32_t kPlaceableKey = 0x9AC6CDD7;
+    constexpr std::size_t kPlaceableHeader = 22;
+    constexpr unsigned kWordsOfNextHeader = 9;
+    const ByteReader in(bytes);
+    QByteArray metafile(reinterpret_cast<const char*>(bytes.data()),
+                        static_cast<qsizetype>(bytes.size()));
+    const bool isPadded = in.has(0, kPlaceableHeader + 6) && in.u32(0) == kPlaceableKey &&
+                          in.u16(kPlaceableHeader) == 0 &&
+                          in.u16(kPlaceableHeader + 4) == kWordsOfNextHeader;
+    if (isPadded)
+        metafile.remove(kPlaceableHeader, 2);
+    return metafile;
+}
+
 } // namespace
 
 PlusImage readPlusImage(std::span<const std::byte> data) {
@@ -142,10 +180,7 @@ PlusImage readPlusImage(std::span<const std::byte> data) {
     if (type == kMetafile) {
         in.u32(); // which kind: its bytes tell
         const std::size_t size = in.count(1);
-        const auto bytes = in.bytes(size);
-        return {{},
-                QByteArray(reinterpret_cast<const char*>(bytes.data()),
-                           static_cast<qsizetype>(bytes.size()))};
+        return {{}, metafileOf(in.bytes(size))};
     }
     if (type != kBitmap)
         throw DecodeError("a picture inside the metafile is of an unknown kind");
@@ -154,6 +189,22 @@ PlusImage readPlusImage(std::span<const std::byte> data) {
         return {readCompressed(in.rest()), {}};
     requireModest(layout.width, layout.height);
     return {readPixels(layout, in), {}};
+}
+
+QRectF plusMetafileFrame(std::span<const std::byte> metafile) {
+    if (isEmf(metafile))
+        return readEmfLayout(metafile).frame;
+    const WmfLayout layout = readWmfLayout(metafile);
+    return layout.unitsPerInch > 0 ? layout.window.normalized() : QRectF();
+}
+
+std::int64_t plusMemoryOf(const PlusObject& object) {
+    if (const auto* brush = std::get_if<PlusBrush>(&object))
+        return brush->texture.sizeInBytes();
+    if (const auto* pen = std::get_if<PlusPen>(&object))
+        return pen->brush.texture.sizeInBytes();
+    const auto* image = std::get_if<PlusImage>(&object);
+    return image != nullptr ? image->image.sizeInBytes() + image->metafile.size() : 0;
 }
 
 bool plusImageHasAlpha(std::span<const std::byte> data) {

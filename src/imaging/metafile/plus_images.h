@@ -12,6 +12,13 @@ namespace imaging::metafile {
 // read or is too large.
 PlusImage readPlusImage(std::span<const std::byte> data);
 
+// The rectangle that a metafile's bytes say they show, in the pixels or units that records count
+// its parts in; null when they do not say.
+QRectF plusMetafileFrame(std::span<const std::byte> metafile);
+
+// Bytes that the picture takes in memory.
+std::int64_t plusMemoryOf(const PlusObject& object);
+
 // Whether the object's picture may have pixels that are not opaque; looks at its header alone.
 bool plusImageHasAlpha(std::span<const std::byte> data);
 

@@ -21,7 +21,6 @@ enum ObjectType : unsigned {
     StringFormatObject,
 };
 
-constexpr int kDeepestRegion = 32;
 constexpr std::size_t kMostStops = 256;
 
 QPainterPath readPath(PlusCursor in);
@@ -255,8 +254,9 @@ std::vector<std::uint8_t> readTypes(PlusCursor& in, std::size_t count, bool runs
 }
 
 QPainterPath readPath(PlusCursor in) {
-    constexpr std::uint32_t kRelative = 0x800;
+    constexpr std::uint32_t kRelative = 0x800; // with types in runs too
     constexpr std::uint32_t kRuns = 0x1000;
+    constexpr std::uint32_t kWinding = 0x2000;
     constexpr std::uint32_t kSmall = 0x4000;
     constexpr unsigned kLine = 1;
     constexpr unsigned kCurve = 3;
@@ -268,8 +268,10 @@ QPainterPath readPath(PlusCursor in) {
                             : (flags & kSmall) != 0  ? PlusPoints::Small
                                                      : PlusPoints::Real;
     const std::vector<QPointF> points = readPlusPoints(in, count, kind);
-    const std::vector<std::uint8_t> types = readTypes(in, count, (flags & kRuns) != 0);
+    const std::vector<std::uint8_t> types =
+        readTypes(in, count, (flags & (kRuns | kRelative)) != 0);
     QPainterPath path;
+    path.setFillRule((flags & kWinding) != 0 ? Qt::WindingFill : Qt::OddEvenFill);
     for (std::size_t i = 0; i < count; ++i) {
         const unsigned type = types[i] & 0x7U;
         if (type == kCurve && i + 2 < count) {
@@ -286,34 +288,39 @@ QPainterPath readPath(PlusCursor in) {
     return path;
 }
 
-PlusRegion readRegionNode(PlusCursor& in, int depth) {
+PlusRegionNode readRegionNode(PlusCursor& in) {
     constexpr std::uint32_t kRectangle = 0x10000000;
     constexpr std::uint32_t kPath = 0x10000001;
     constexpr std::uint32_t kEmpty = 0x10000002;
-    if (depth > kDeepestRegion)
-        throw DecodeError("a region in the metafile is nested too deeply");
-    PlusRegion region;
+    PlusRegionNode node;
     const std::uint32_t type = in.u32();
     if (type >= 1 && type <= 5) {
-        region.kind = static_cast<PlusRegionKind>(type - 1);
-        region.children.push_back(readRegionNode(in, depth + 1));
-        region.children.push_back(readRegionNode(in, depth + 1));
+        node.kind = static_cast<PlusRegionKind>(type - 1);
     } else if (type == kRectangle) {
-        region.kind = PlusRegionKind::Shape;
-        region.shape.addRect(in.rectangle());
+        node.kind = PlusRegionKind::Shape;
+        node.shape.addRect(in.rectangle());
     } else if (type == kPath) {
-        region.kind = PlusRegionKind::Shape;
+        node.kind = PlusRegionKind::Shape;
         const std::size_t size = in.count(1);
-        region.shape = readPath(PlusCursor(in.bytes(size)));
+        node.shape = readPath(PlusCursor(in.bytes(size)));
     } else {
-        region.kind = type == kEmpty ? PlusRegionKind::Empty : PlusRegionKind::Infinite;
+        node.kind = type == kEmpty ? PlusRegionKind::Empty : PlusRegionKind::Infinite;
     }
-    return region;
+    return node;
 }
 
+// The tree is told from its root, each node before its operands.
 PlusRegion readRegion(PlusCursor in) {
     in.bytes(8); // version, number of nodes
-    return readRegionNode(in, 0);
+    PlusRegion region;
+    for (std::size_t missing = 1; missing > 0;) {
+        region.nodes.push_back(readRegionNode(in));
+        if (region.nodes.back().kind < PlusRegionKind::Shape)
+            ++missing;
+        else
+            --missing;
+    }
+    return region;
 }
 
 PlusFont readFont(PlusCursor in) {

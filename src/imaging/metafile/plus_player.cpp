@@ -3,6 +3,7 @@
 #include "imaging/byte_reader.h"
 #include "imaging/image_scaling.h"
 #include "imaging/metafile/metafile.h"
+#include "imaging/metafile/plus_images.h"
 #include "imaging/metafile/plus_painting.h"
 #include "imaging/metafile/plus_reader.h"
 #include "imaging/metafile/plus_text.h"
@@ -58,7 +59,19 @@ class PlusPlayer::Impl {
 
   private:
     // ---- Objects
-    void on(const PlusDefine& record) { objects_.at(record.id) = record.object; }
+    // Small files can hold large pictures: reading them costs time, and keeping many memory.
+    void on(const PlusDefine& record) {
+        constexpr std::int64_t kMostMemory = 100'000'000;
+        const std::int64_t memory = plusMemoryOf(record.object);
+        canvas_.budget().spendPixels(static_cast<double>(memory));
+        PlusObject& place = objects_.at(record.id);
+        imageMemory_ -= plusMemoryOf(place);
+        place = {};
+        if (imageMemory_ + memory > kMostMemory)
+            return;
+        imageMemory_ += memory;
+        place = record.object;
+    }
 
     template <typename Kind>
     const Kind* object(std::size_t id) const {
@@ -201,24 +214,18 @@ class PlusPlayer::Impl {
         return isSensible(path) ? std::optional(path) : std::nullopt;
     }
 
-    QRegion regionOf(const PlusRegion& region) const {
+    QRegion leafOf(const PlusRegionNode& node) const {
         const QRect sheet = canvas_.sheet();
-        canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 4);
-        switch (region.kind) {
-        case PlusRegionKind::Infinite:
+        if (node.kind == PlusRegionKind::Infinite)
             return sheet;
-        case PlusRegionKind::Empty:
+        if (node.kind == PlusRegionKind::Empty)
             return {};
-        case PlusRegionKind::Shape: {
-            const QPainterPath path = toImage().map(region.shape);
-            return isSensible(path) ? metafile::regionOf(path, sheet) : QRegion();
-        }
-        default:
-            break;
-        }
-        const QRegion first = regionOf(region.children[0]);
-        const QRegion second = regionOf(region.children[1]);
-        switch (region.kind) {
+        const QPainterPath path = toImage().map(node.shape);
+        return isSensible(path) ? metafile::regionOf(path, sheet) : QRegion();
+    }
+
+    static QRegion combined(PlusRegionKind kind, const QRegion& first, const QRegion& second) {
+        switch (kind) {
         case PlusRegionKind::And:
             return first & second;
         case PlusRegionKind::Or:
@@ -230,6 +237,23 @@ class PlusPlayer::Impl {
         default:
             return second - first;
         }
+    }
+
+    // From the last node to the first, so that operands are ready when their node comes.
+    QRegion regionOf(const PlusRegion& region) const {
+        const QRect sheet = canvas_.sheet();
+        std::vector<QRegion> ready;
+        for (auto node = region.nodes.rbegin(); node != region.nodes.rend(); ++node) {
+            canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 4);
+            if (node->kind >= PlusRegionKind::Shape) {
+                ready.push_back(leafOf(*node));
+                continue;
+            }
+            const QRegion first = std::move(ready.back());
+            ready.pop_back();
+            ready.back() = combined(node->kind, first, ready.back());
+        }
+        return ready.back();
     }
 
     std::optional<QRegion> regionOf(const PlusShape& shape,
@@ -349,21 +373,48 @@ class PlusPlayer::Impl {
             std::abs(corners[0].y()) > kFarthest)
             return;
         if (!image->metafile.isEmpty()) {
-            drawMetafile(image->metafile, corners[0], across, down, size);
+            drawMetafile(image->metafile, record.part, corners[0], across, down, size);
             return;
         }
         drawBitmap(image->image, record.part, corners[0], across, down, size);
     }
 
-    void drawMetafile(const QByteArray& metafile, QPointF corner, QPointF across, QPointF down,
-                      QSizeF size) {
+    void drawMetafile(const QByteArray& metafile, QRectF part, QPointF corner, QPointF across,
+                      QPointF down, QSizeF size) {
         constexpr double kMostSide = 4000;
-        const QSize pixels(static_cast<int>(std::clamp(size.width(), 1.0, kMostSide)),
-                           static_cast<int>(std::clamp(size.height(), 1.0, kMostSide)));
-        const auto bytes =
-            std::span(metafile.constData(), static_cast<std::size_t>(metafile.size()));
-        const QImage drawn = drawNested(std::as_bytes(bytes), pixels, canvas_.budget());
-        drawBitmap(drawn, drawn.rect(), corner, across, down, size);
+        const auto bytes = std::as_bytes(
+            std::span(metafile.constData(), static_cast<std::size_t>(metafile.size())));
+        const QRectF share = shareOf(part.normalized(), plusMetafileFrame(bytes));
+        const QSize pixels(
+            static_cast<int>(std::clamp(size.width() / share.width(), 1.0, kMostSide)),
+            static_cast<int>(std::clamp(size.height() / share.height(), 1.0, kMostSide)));
+        canvas_.budget().spendPixels(double{1} * pixels.width() * pixels.height());
+        const QImage drawn = drawNested(bytes, pixels, canvas_.budget());
+        const QRectF wanted(share.x() * pixels.width(), share.y() * pixels.height(),
+                            share.width() * pixels.width(), share.height() * pixels.height());
+        drawBitmap(drawn, wanted, corner, across, down, size);
+    }
+
+    // The part of a metafile as parts of 1. Writers round its sides up, or count one pixel more.
+    static QRectF shareOf(const QRectF& part, const QRectF& frame) {
+        constexpr double kTolerance = 0.02;
+        constexpr double kSmallest = 0.01;
+        constexpr QRectF kWhole(0, 0, 1, 1);
+        if (frame.isEmpty() || part.isEmpty())
+            return kWhole;
+        const QRectF share((part.x() - frame.x()) / frame.width(),
+                           (part.y() - frame.y()) / frame.height(), part.width() / frame.width(),
+                           part.height() / frame.height());
+        const auto isNear = [&](double one, double other, double side) {
+            return std::abs(one - other) <= kTolerance + 1.5 / side;
+        };
+        const bool isWhole =
+            isNear(share.left(), 0, frame.width()) && isNear(share.top(), 0, frame.height()) &&
+            isNear(share.right(), 1, frame.width()) && isNear(share.bottom(), 1, frame.height());
+        const bool isPart = share.left() > -kTolerance && share.top() > -kTolerance &&
+                            share.right() < 1 + kTolerance && share.bottom() < 1 + kTolerance &&
+                            share.width() > kSmallest && share.height() > kSmallest;
+        return isPart && !isWhole ? share : kWhole;
     }
 
     void drawBitmap(const QImage& image, QRectF part, QPointF corner, QPointF across, QPointF down,
@@ -454,6 +505,7 @@ class PlusPlayer::Impl {
     std::array<PlusObject, 64> objects_;
     State state_;
     std::vector<SavedState> saved_;
+    std::int64_t imageMemory_ = 0; // bytes of the objects' pictures
     double dotsPerInch_ = 96;
     bool gettingContext_ = false;
 };

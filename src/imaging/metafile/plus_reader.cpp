@@ -287,7 +287,12 @@ PlusDrawLetters readLetters(Reading& reading) {
                                                                  : unit);
     }
     letters.firstPlaceOnly = (options & FollowAdvances) != 0;
-    const std::size_t places = letters.firstPlaceOnly ? std::min<std::size_t>(count, 1) : count;
+    // Writers align the places or do not; they write all of them or the first one alone.
+    const std::size_t matrix = transformed ? 24 : 0;
+    if (count % 2 != 0 && reading.in.left() >= 8 * count + matrix + 2)
+        reading.in.u16();
+    const bool isShort = letters.firstPlaceOnly && reading.in.left() < 8 * count + matrix;
+    const std::size_t places = isShort ? std::min<std::size_t>(count, 1) : count;
     letters.places = readPlusPoints(reading.in, places, PlusPoints::Real);
     if (transformed && reading.in.left() >= 24)
         letters.transform = reading.in.transform();
@@ -430,6 +435,12 @@ std::optional<PlusRecord> readAny(Reading& reading) {
     return readDrawing(reading);
 }
 
+void define(unsigned flags, std::span<const std::byte> data, const PlusReader::Sink& sink) {
+    const std::size_t id = flags & 0xFFU;
+    if (id < kNumbers)
+        sink(PlusDefine{id, readPlusObject(flags >> 8U & 0x7FU, data)});
+}
+
 } // namespace
 
 bool forEachPlusRecord(
@@ -449,31 +460,30 @@ bool forEachPlusRecord(
     return true;
 }
 
+// All parts but maybe the last are flagged, and those begin with the size of the whole.
 void PlusReader::readObject(std::uint16_t flags, std::span<const std::byte> data,
                             const Sink& sink) {
     constexpr unsigned kContinues = 0x8000;
     constexpr std::size_t kTotalSize = 4;
-    constexpr std::size_t kMostBytes = 100'000'000;
-    const unsigned type = flags >> 8U & 0x7FU;
-    const std::size_t id = flags & 0xFFU;
-    std::vector<std::byte> whole;
-    if ((flags & kContinues) != 0) {
-        const ByteReader in(data);
-        const std::size_t total = in.u32(0);
-        const auto part = in.rest(kTotalSize);
-        if (unfinished_.size() + part.size() > std::min(total, kMostBytes)) {
-            unfinished_.clear();
-            throw DecodeError("an object in the metafile is larger than it says");
-        }
-        unfinished_.insert(unfinished_.end(), part.begin(), part.end());
-        if (unfinished_.size() < total)
-            return;
-        whole = std::exchange(unfinished_, {});
-        data = whole;
+    const bool continues = (flags & kContinues) != 0;
+    const unsigned what = flags & ~kContinues;
+    if (unfinished_ && unfinished_->flags != what)
+        unfinished_.reset();
+    if (!continues && !unfinished_) {
+        define(what, data, sink);
+        return;
     }
-    unfinished_.clear();
-    if (id < kNumbers)
-        sink(PlusDefine{id, readPlusObject(type, data)});
+    if (!unfinished_)
+        unfinished_ = Unfinished{what, ByteReader(data).u32(0), {}};
+    std::vector<std::byte>& bytes = unfinished_->bytes;
+    const auto part = continues ? ByteReader(data).rest(kTotalSize) : data;
+    const auto fitting = part.first(std::min(part.size(), unfinished_->size - bytes.size()));
+    bytes.insert(bytes.end(), fitting.begin(), fitting.end());
+    if (continues && bytes.size() < unfinished_->size)
+        return;
+    const Unfinished whole = std::move(*unfinished_);
+    unfinished_.reset();
+    define(what, whole.bytes, sink);
 }
 
 void PlusReader::readRecord(std::uint16_t type, std::uint16_t flags,
@@ -482,6 +492,7 @@ void PlusReader::readRecord(std::uint16_t type, std::uint16_t flags,
         readObject(flags, data, sink);
         return;
     }
+    unfinished_.reset();
     Reading reading{type, flags, PlusCursor(data)};
     if (const auto record = readAny(reading))
         sink(*record);

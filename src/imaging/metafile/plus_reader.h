@@ -24,7 +24,13 @@ class PlusReader {
                     const Sink& sink);
     void readObject(std::uint16_t flags, std::span<const std::byte> data, const Sink& sink);
 
-    std::vector<std::byte> unfinished_; // of an object told in parts
+    // An object told in parts.
+    struct Unfinished {
+        unsigned flags = 0; // kind and number
+        std::size_t size = 0;
+        std::vector<std::byte> bytes;
+    };
+    std::optional<Unfinished> unfinished_;
 };
 
 // A comment's records, one after the other: type, flags, data. Returns false when the data cannot

@@ -65,12 +65,15 @@ struct PlusPen {
     PlusBrush brush;
 };
 
-// What regions are made of. Leaves have a shape; inner nodes have two children.
+// What regions are made of. Shape, empty and infinite ones are leaves; each other node is followed
+// by its first and then its second operand, which may be such nodes themselves. All are there.
 enum class PlusRegionKind { And, Or, Xor, Exclude, Complement, Shape, Empty, Infinite };
-struct PlusRegion {
+struct PlusRegionNode {
     PlusRegionKind kind = PlusRegionKind::Infinite;
     QPainterPath shape;
-    std::vector<PlusRegion> children;
+};
+struct PlusRegion {
+    std::vector<PlusRegionNode> nodes;
 };
 
 // One of both.
