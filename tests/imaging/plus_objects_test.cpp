@@ -125,8 +125,6 @@ TEST(PlusObjects, LargePicturesAreNotKeptInNumbers) {
     PlusFile file;
     file.object(5, 1, blue).object(5, 2, red).add(0x401A, 1, show).add(0x401A, 2, show);
     EXPECT_EQ(file.drawn().pixel(20, 20), kBlue);
-    file.object(5, 1, solidBrush(0xFF000000)).object(5, 2, red).add(0x401A, 2, show);
-    EXPECT_EQ(file.drawn().pixel(20, 20), kBlue);
     file.object(1, 1, solidBrush(0xFF000000)).object(5, 2, red).add(0x401A, 2, show);
     EXPECT_EQ(file.drawn().pixel(20, 20), kRed);
 }

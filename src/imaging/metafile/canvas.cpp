@@ -90,7 +90,34 @@ bool isStraight(double from, double to) {
     return std::abs(from - to) < kSame;
 }
 
+double pixelMiddle(double value) {
+    return std::floor(value) + 0.5;
+}
+
 } // namespace
+
+QPainterPath sharpened(const QPainterPath& outline) {
+    constexpr int kMostElements = 2000;
+    if (outline.elementCount() > kMostElements)
+        return outline;
+    QPainterPath path = outline;
+    for (int i = 1; i < outline.elementCount(); ++i) {
+        const auto from = outline.elementAt(i - 1);
+        const auto to = outline.elementAt(i);
+        if (to.type != QPainterPath::LineToElement)
+            continue;
+        const auto movedFrom = path.elementAt(i - 1);
+        const auto movedTo = path.elementAt(i);
+        if (isStraight(from.x, to.x)) {
+            path.setElementPositionAt(i - 1, pixelMiddle(from.x), movedFrom.y);
+            path.setElementPositionAt(i, pixelMiddle(from.x), movedTo.y);
+        } else if (isStraight(from.y, to.y)) {
+            path.setElementPositionAt(i - 1, movedFrom.x, pixelMiddle(from.y));
+            path.setElementPositionAt(i, movedTo.x, pixelMiddle(from.y));
+        }
+    }
+    return path;
+}
 
 std::optional<QRect> rectangleOf(const QPainterPath& outline) {
     constexpr int kCorners = 5; // the first one twice

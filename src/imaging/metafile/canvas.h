@@ -53,6 +53,10 @@ class Clip {
 // The whole pixels whose middle lies in the path.
 QRegion regionOf(const QPainterPath& path, const QRect& sheet);
 
+// Thin lines along the axes are moved to the middle of pixels, where they are sharp; the others
+// stay.
+QPainterPath sharpened(const QPainterPath& outline);
+
 // The rectangle with sides along the axes that the outline is, if it is one, in whole pixels and at
 // least one of them. Rectangles painted so meet their neighbours without a seam.
 std::optional<QRect> rectangleOf(const QPainterPath& outline);

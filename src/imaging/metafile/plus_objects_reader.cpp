@@ -136,22 +136,15 @@ PlusBrush readBrush(PlusCursor in) {
 }
 
 PlusCap capOf(std::uint32_t value) {
-    constexpr std::uint32_t kCustom = 0xFF;
-    switch (value) {
-    case 1:
-    case 0x11:
-        return PlusCap::Square;
-    case 2:
-    case 0x12:
-        return PlusCap::Round;
-    case 3:
-        return PlusCap::Triangle;
-    case 0x14:
-    case kCustom:
-        return PlusCap::Arrow;
-    default:
-        return PlusCap::Flat;
-    }
+    return value <= 3 ? static_cast<PlusCap>(value) : PlusCap::Flat;
+}
+
+void setLineEnd(PlusLineEnd& end, std::uint32_t value) {
+    constexpr std::uint32_t kFirstHead = 0x11;
+    constexpr std::uint32_t kLastHead = 0x14;
+    end.cap = capOf(value);
+    if (value >= kFirstHead && value <= kLastHead)
+        end.head = static_cast<PlusHead>(value - kFirstHead + 1);
 }
 
 std::vector<double> dashesOf(std::uint32_t style) {
@@ -176,9 +169,59 @@ std::vector<double> readReals(PlusCursor& in) {
     return values;
 }
 
-void skipSized(PlusCursor& in) {
+QPainterPath readSizedPath(PlusCursor& in) {
     const std::size_t size = in.count(1);
-    in.bytes(size);
+    return readPath(PlusCursor(in.bytes(size)));
+}
+
+void readArrow(PlusCursor& in, PlusLineEnd& end) {
+    const double width = in.real();
+    const double height = in.real();
+    const double notch = in.real();
+    const bool filled = in.u32() != 0;
+    const QPointF left(-width / 2, -height);
+    const QPointF right(width / 2, -height);
+    QPainterPath path(left);
+    path.lineTo(0, 0);
+    path.lineTo(right);
+    if (!filled) {
+        end.line = path;
+        return;
+    }
+    path.lineTo(0, notch - height);
+    path.closeSubpath();
+    end.fill = path;
+    end.inset = std::max(0.0, height - notch);
+}
+
+void readPathCap(PlusCursor& in, PlusLineEnd& end) {
+    constexpr std::uint32_t kFill = 1;
+    constexpr std::uint32_t kLine = 2;
+    const std::uint32_t parts = in.u32();
+    in.u32(); // the cap below it
+    end.inset = std::max(0.0, in.real());
+    in.bytes(16); // caps, joins and mitres of its line
+    const double scale = in.real();
+    in.bytes(16); // two points that are always zero
+    const QTransform larger = QTransform::fromScale(scale, scale);
+    if ((parts & kFill) != 0)
+        end.fill = larger.map(readSizedPath(in));
+    if ((parts & kLine) != 0)
+        end.line = larger.map(readSizedPath(in));
+    end.lineWidth = std::clamp(std::abs(scale), 0.01, 100.0);
+}
+
+// Its size comes first.
+void readCustomEnd(PlusCursor& in, PlusLineEnd& end) {
+    constexpr std::uint32_t kArrow = 1;
+    const std::size_t size = in.count(1);
+    PlusCursor cap(in.bytes(size));
+    cap.u32(); // version
+    end.head = PlusHead::Custom;
+    if (cap.u32() == kArrow)
+        readArrow(cap, end);
+    else
+        readPathCap(cap, end);
 }
 
 // The optional fields stand in the order of their flags.
@@ -205,11 +248,11 @@ PlusPen readPen(PlusCursor in) {
     pen.unit = in.unit();
     pen.width = std::abs(in.real());
     if (has(Transform))
-        in.transform(); // of the nib alone
+        pen.transform = in.transform();
     if (has(StartCap))
-        pen.startCap = capOf(in.u32());
+        setLineEnd(pen.start, in.u32());
     if (has(EndCap))
-        pen.endCap = capOf(in.u32());
+        setLineEnd(pen.end, in.u32());
     if (has(Join)) {
         const std::uint32_t join = in.u32();
         pen.join = join == 1 ? Qt::BevelJoin : join == 2 ? Qt::RoundJoin : Qt::MiterJoin;
@@ -219,19 +262,19 @@ PlusPen readPen(PlusCursor in) {
     if (has(LineStyle))
         pen.dashes = dashesOf(in.u32());
     if (has(DashCap))
-        pen.roundDashes = in.u32() == 2;
+        pen.dashCap = capOf(in.u32());
     if (has(DashOffset))
         pen.dashOffset = in.real();
     if (has(Dashes))
         pen.dashes = readReals(in);
-    if (has(Alignment))
-        in.u32();
+    if (has(Alignment) && in.u32() == 1)
+        pen.place = PlusPenPlace::Inside;
     if (has(Compound))
-        readReals(in);
+        pen.lines = readReals(in);
     if (has(CustomStartCap))
-        skipSized(in);
+        readCustomEnd(in, pen.start);
     if (has(CustomEndCap))
-        skipSized(in);
+        readCustomEnd(in, pen.end);
     pen.brush = readBrush(PlusCursor(in.rest()));
     return pen;
 }

@@ -5,6 +5,7 @@
 #include "imaging/metafile/metafile.h"
 #include "imaging/metafile/plus_images.h"
 #include "imaging/metafile/plus_painting.h"
+#include "imaging/metafile/plus_pens.h"
 #include "imaging/metafile/plus_reader.h"
 #include "imaging/metafile/plus_text.h"
 
@@ -21,9 +22,10 @@ constexpr double kFarthest = 60000; // image pixels; far outside of any sheet
 
 struct State {
     QTransform world;
-    QTransform page;      // world units after the world transform -> device units
-    QTransform container; // a container's page -> the one around it
-    Clip clip;            // image pixels
+    QTransform page;            // world units after the world transform -> device units
+    QTransform container;       // a container's page -> the one around it
+    Clip clip;                  // image pixels
+    std::size_t clipPoints = 0; // what setting it costs
     bool smoothImages = true;
     bool copiesSource = false;
     QPoint origin;
@@ -49,6 +51,7 @@ class PlusPlayer::Impl {
 
     void play(std::span<const std::byte> comment) {
         gettingContext_ = false;
+        clipSet_ = false; // others have used the painter
         reader_.read(comment, [this](const PlusRecord& record) {
             canvas_.budget().spendRecord();
             std::visit([this](const auto& kind) { on(kind); }, record);
@@ -100,6 +103,7 @@ class PlusPlayer::Impl {
         for (std::size_t i = saved_.size(); i-- > 0;) {
             if (saved_[i].number == record.number) {
                 state_ = saved_[i].state;
+                clipSet_ = false;
                 saved_.resize(i);
                 return;
             }
@@ -143,8 +147,9 @@ class PlusPlayer::Impl {
     }
 
     // ---- Clip
-    void on(const PlusResetClip&) { state_.clip = {}; }
+    void on(const PlusResetClip&) { resetClip(); }
     void on(const PlusMoveClip& record) {
+        clipSet_ = false;
         const QTransform transform = toImage();
         state_.clip.translate(transform.map(record.by) - transform.map(QPointF()));
     }
@@ -156,7 +161,7 @@ class PlusPlayer::Impl {
                                      record.combine == PlusCombine::Intersect);
         if (smooth) {
             if (record.combine == PlusCombine::Replace)
-                state_.clip = {};
+                resetClip();
             intersect(*path);
             return;
         }
@@ -166,8 +171,16 @@ class PlusPlayer::Impl {
         combine(*region, record.combine);
     }
 
+    void resetClip() {
+        state_.clip = {};
+        state_.clipPoints = 0;
+        clipSet_ = false;
+    }
+
     // Rectangles keep whole pixels, so that pictures cut along them meet.
     void intersect(const QPainterPath& path) {
+        clipSet_ = false;
+        state_.clipPoints += static_cast<std::size_t>(path.elementCount());
         if (const auto rectangle = rectangleOf(path))
             state_.clip.intersect(QRegion(*rectangle));
         else
@@ -175,6 +188,8 @@ class PlusPlayer::Impl {
     }
 
     void combine(const QRegion& region, PlusCombine how) {
+        clipSet_ = false;
+        state_.clipPoints += static_cast<std::size_t>(region.rectCount());
         const QRect sheet = canvas_.sheet();
         Clip& clip = state_.clip;
         switch (how) {
@@ -269,10 +284,14 @@ class PlusPlayer::Impl {
     QPainter& prepared() {
         QPainter& painter = canvas_.painter();
         painter.resetTransform();
-        state_.clip.applyTo(painter);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (!clipSet_) {
+            canvas_.budget().spendPoints(2 * state_.clipPoints);
+            state_.clip.applyTo(painter);
+            clipSet_ = true;
+        }
         painter.setOpacity(1);
         painter.setBrushOrigin(0, 0);
-        painter.setRenderHint(QPainter::Antialiasing);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
         return painter;
     }
@@ -323,37 +342,47 @@ class PlusPlayer::Impl {
         }
     }
 
+    // What maps the pen's units to image pixels. Only widths in world units follow the transforms.
+    QTransform nibOf(const PlusPen& pen) const {
+        if (pen.unit == PlusUnit::World)
+            return toImage();
+        const double unit =
+            plusUnitScale(pen.unit, {}, canvas_, dotsPerInch_) / std::max(canvas_.scale(), 1e-9);
+        return QTransform::fromScale(unit, unit) * canvas_.deviceToImage();
+    }
+
     void on(const PlusStroke& record) {
         const auto* pen = object<PlusPen>(record.pen);
         const auto path = outlineOf(record.shape);
         if (pen == nullptr || !path)
             return;
-        const QTransform transform = toImage();
-        const double width =
-            pen->width * plusUnitScale(pen->unit, transform, canvas_, dotsPerInch_);
         const QPoint origin = canvas_.deviceToImage().map(state_.origin);
-        const QBrush brush = plusBrush(pen->brush, transform, origin, canvas_);
-        QPen painterPen = plusPen(*pen, std::min(width, kFarthest), brush);
-        spend(*path, painterPen.widthF());
-        limitDashes(*path, painterPen);
-        prepared().strokePath(*path, painterPen);
-        const QPainterPath heads = plusLineEnds(*path, *pen, width);
-        if (!heads.isEmpty())
-            prepared().fillPath(heads, brush);
+        const QBrush brush = plusBrush(pen->brush, toImage(), origin, canvas_);
+        // Half of a pen twice as wide is inside of a closed figure.
+        const bool isInside = pen->place == PlusPenPlace::Inside && isClosed(*path);
+        QTransform nib = nibOf(*pen);
+        if (isInside)
+            nib = QTransform::fromScale(2, 2) * nib;
+        const PlusLine line = plusLine(*path, *pen, nib, brush, canvas_.budget());
+        spend(*path, line.pen.widthF());
+        QPainter& painter = prepared();
+        if (isInside) {
+            painter.setClipPath(*path, Qt::IntersectClip);
+            clipSet_ = false;
+        }
+        if (pen->lines.size() < 2) {
+            paintPlusLine(painter, line);
+            return;
+        }
+        constexpr double kMitres = 3;
+        const double reach = kMitres * line.pen.widthF();
+        const QRectF touched = path->controlPointRect().adjusted(-reach, -reach, reach, reach);
+        paintPlusLines(painter, line, pen->lines, touched.toAlignedRect() & canvas_.sheet());
     }
 
-    void limitDashes(const QPainterPath& path, QPen& pen) {
-        constexpr double kMostDashes = 20000;
-        if (pen.style() != Qt::CustomDashLine)
-            return;
-        double period = 0;
-        for (const qreal dash : pen.dashPattern())
-            period += dash * pen.widthF();
-        const double count = path.length() / std::max(period, 1e-6);
-        if (count > kMostDashes)
-            pen.setStyle(Qt::SolidLine);
-        else
-            canvas_.budget().spendPoints(static_cast<std::size_t>(8 * count));
+    static bool isClosed(const QPainterPath& path) {
+        const int count = path.elementCount();
+        return count > 2 && QPointF(path.elementAt(0)) == QPointF(path.elementAt(count - 1));
     }
 
     // ---- Images
@@ -508,6 +537,7 @@ class PlusPlayer::Impl {
     std::int64_t imageMemory_ = 0; // bytes of the objects' pictures
     double dotsPerInch_ = 96;
     bool gettingContext_ = false;
+    bool clipSet_ = false; // the painter has the state's clip
 };
 
 PlusPlayer::PlusPlayer(Canvas& canvas) : impl_(std::make_unique<Impl>(canvas)) {}

@@ -50,18 +50,34 @@ struct PlusBrush {
     QPointF centre;
 };
 
-enum class PlusCap { Flat, Square, Round, Triangle, Arrow };
+enum class PlusCap { Flat, Square, Round, Triangle };
+enum class PlusHead { None, Square, Round, Diamond, Arrow, Custom };
+struct PlusLineEnd {
+    PlusCap cap = PlusCap::Flat;
+    PlusHead head = PlusHead::None; // instead of the cap
+    // A custom head, told for a line one unit wide that comes from below (negative y) and ends at
+    // the origin.
+    QPainterPath fill;
+    QPainterPath line;
+    double lineWidth = 1;
+    double inset = 0; // how much shorter the line becomes
+};
 
+enum class PlusPenPlace { Centred, Inside };
 struct PlusPen {
     double width = 1;
     PlusUnit unit = PlusUnit::World;
-    PlusCap startCap = PlusCap::Flat;
-    PlusCap endCap = PlusCap::Flat;
+    QTransform transform; // of the nib
+    PlusLineEnd start;
+    PlusLineEnd end;
     Qt::PenJoinStyle join = Qt::MiterJoin;
     double miterLimit = 10;
     double dashOffset = 0;      // widths
     std::vector<double> dashes; // lengths of dashes and gaps in turn, in widths
-    bool roundDashes = false;
+    PlusCap dashCap = PlusCap::Flat;
+    PlusPenPlace place = PlusPenPlace::Centred;
+    // Where in the width each of several lines begins and ends, 0 to 1; empty: one line.
+    std::vector<double> lines;
     PlusBrush brush;
 };
 

@@ -11,40 +11,6 @@ namespace {
 
 constexpr double kThin = 1.5;
 
-bool isStraight(double from, double to) {
-    constexpr double kSame = 0.01;
-    return std::abs(from - to) < kSame;
-}
-
-double pixelMiddle(double value) {
-    return std::floor(value) + 0.5;
-}
-
-// Thin lines along the axes are moved to the middle of pixels, where they are sharp; the others
-// stay.
-QPainterPath sharpened(const QPainterPath& outline) {
-    constexpr int kMostElements = 2000;
-    if (outline.elementCount() > kMostElements)
-        return outline;
-    QPainterPath path = outline;
-    for (int i = 1; i < outline.elementCount(); ++i) {
-        const auto from = outline.elementAt(i - 1);
-        const auto to = outline.elementAt(i);
-        if (to.type != QPainterPath::LineToElement)
-            continue;
-        const auto movedFrom = path.elementAt(i - 1);
-        const auto movedTo = path.elementAt(i);
-        if (isStraight(from.x, to.x)) {
-            path.setElementPositionAt(i - 1, pixelMiddle(from.x), movedFrom.y);
-            path.setElementPositionAt(i, pixelMiddle(from.x), movedTo.y);
-        } else if (isStraight(from.y, to.y)) {
-            path.setElementPositionAt(i - 1, movedFrom.x, pixelMiddle(from.y));
-            path.setElementPositionAt(i, movedTo.x, pixelMiddle(from.y));
-        }
-    }
-    return path;
-}
-
 // How many dashes the pen would draw, about.
 double dashCount(const QPainterPath& outline, const QPen& pen) {
     double period = 0;
