@@ -122,6 +122,20 @@ TEST(PlusPlayer, ClipsCombine) {
     EXPECT_EQ(columns(5), "..x."); // complement
 }
 
+TEST(PlusPlayer, AClipOfManyPiecesHoldsAfterAnotherWasReset) {
+    PlusFile file;
+    file.add(0x4032, 0, Data().reals({0, 0, 10, 10})).fill({5, 5, 1, 1}, 0xFFFF0000);
+    file.add(0x4031, 0).fill({6, 6, 1, 1}, 0xFFFF0000);
+    file.add(0x4032, 0, Data().reals({0, 0, 20, 20}));
+    file.add(0x4032, 0x200, Data().reals({20, 20, 20, 20}));
+    file.add(0x400E, kColourFlag, Data().word(0xFFFF0000).reals({-20, -20, 80, 80}));
+    const QImage image = file.drawn();
+    EXPECT_EQ(image.pixel(10, 10), kRed);
+    EXPECT_EQ(image.pixel(30, 30), kRed);
+    EXPECT_EQ(image.pixel(30, 10), kWhite);
+    EXPECT_EQ(image.pixel(10, 30), kWhite);
+}
+
 TEST(PlusPlayer, GradientsRunAsTheirStopsSay) {
     PlusFile linear;
     linear.object(1, 1,
@@ -145,6 +159,24 @@ TEST(PlusPlayer, GradientsRunAsTheirStopsSay) {
     EXPECT_GT(qGreen(across.pixel(20, 20)), 230);
     EXPECT_GT(qBlue(across.pixel(38, 20)), 240);
 
+    PlusFile sharp; // two colours in the middle, mirrored beyond the rectangle
+    Data edge = Data().word(kVersion).words({4, 4, 1}).reals({0, 0, 20, 40}).words({0, 0, 0, 0, 4});
+    edge.reals({0, 0.5, 0.5, 1}).words({0xFFFF0000, 0xFFFF0000, 0xFF0000FF, 0xFF0000FF});
+    const QImage halves = sharp.object(1, 1, edge).fillWith(1, {0, 0, 40, 40}).drawn();
+    EXPECT_EQ(halves.pixel(8, 20), kRed);
+    EXPECT_EQ(halves.pixel(12, 20), kBlue);
+    EXPECT_EQ(halves.pixel(28, 20), kBlue);
+    EXPECT_EQ(halves.pixel(32, 20), kRed);
+
+    PlusFile down;
+    Data falling = Data().word(kVersion).words({4, 0x10, 0}).reals({0, 0, 40, 40});
+    falling.words({0xFFFF0000, 0xFF0000FF, 0, 0, 2}).reals({0, 1, 0, 1});
+    const QImage below = down.object(1, 1, falling).fillWith(1, {0, 0, 40, 40}).drawn();
+    EXPECT_GT(qRed(below.pixel(20, 2)), 230);
+    EXPECT_GT(qBlue(below.pixel(20, 37)), 230);
+}
+
+TEST(PlusPlayer, PathGradientsShadeFromEachPointInwards) {
     PlusFile inwards; // from blue edges to a red middle
     inwards.object(1, 1,
                    Data()
@@ -162,6 +194,30 @@ TEST(PlusPlayer, GradientsRunAsTheirStopsSay) {
     EXPECT_GT(qRed(middle.pixel(20, 20)), 220);
     EXPECT_GT(qBlue(middle.pixel(2, 20)), 220);
     EXPECT_NEAR(qRed(middle.pixel(10, 20)), 127, 20);
+
+    // A colour for each corner of the left half, a white centre that covers half of it; repeated.
+    PlusFile corners;
+    Data four = Data().word(kVersion).words({3, 0x40, 0, 0xFFFFFFFF}).reals({10, 20}).word(4);
+    four.words({0xFFFF0000, 0xFF0000FF, 0xFF0000FF, 0xFFFF0000, 4});
+    four.reals({0, 0, 20, 0, 20, 40, 0, 40}).word(2).reals({0.5, 0.5});
+    const QImage shaded = corners.object(1, 1, four).fillWith(1, {0, 0, 40, 40}).drawn();
+    EXPECT_GT(qRed(shaded.pixel(0, 20)), 230);
+    EXPECT_GT(qBlue(shaded.pixel(19, 20)), 230);
+    EXPECT_NEAR(qRed(shaded.pixel(10, 0)), 127, 20);
+    EXPECT_EQ(shaded.pixel(13, 20), kWhite);
+    EXPECT_GT(qRed(shaded.pixel(20, 20)), 230); // the next one's left side
+    EXPECT_EQ(shaded.pixel(33, 20), kWhite);
+}
+
+TEST(PlusPlayer, HatchesHaveAGroundAndKeepTheirSize) {
+    PlusFile file;
+    file.object(1, 1, Data().word(kVersion).words({1, 50, 0xFFFF0000, 0xFF0000FF}));
+    file.add(0x402E, 0, Data().reals({3, 3})).fillWith(1, {0, 0, 40, 40});
+    const QImage image = file.drawn(); // a checker board of four pixels a side
+    EXPECT_EQ(image.pixel(1, 1), kRed);
+    EXPECT_EQ(image.pixel(5, 1), kBlue);
+    EXPECT_EQ(image.pixel(5, 5), kRed);
+    EXPECT_EQ(image.pixel(9, 1), kRed);
 }
 
 TEST(PlusPlayer, PicturesOfEveryFormatAreDrawn) {

@@ -43,18 +43,38 @@ QRgb mixed(QRgb from, QRgb to, double share) {
     return qRgba(channel(qRed), channel(qGreen), channel(qBlue), channel(qAlpha));
 }
 
-// Positions with either colours or shares of the way from one colour to the other.
-std::vector<PlusStop> readStops(PlusCursor& in, std::uint32_t flags, QRgb from, QRgb to) {
-    constexpr std::uint32_t kPreset = 0x4;
-    constexpr std::uint32_t kFactors = 0x8;
-    if ((flags & (kPreset | kFactors)) == 0)
-        return {{0, from}, {1, to}};
-    std::vector<PlusStop> stops(std::min(in.count(8), kMostStops));
-    for (PlusStop& stop : stops)
-        stop.at = std::clamp(in.real(), 0.0, 1.0);
-    for (PlusStop& stop : stops)
-        stop.colour =
-            (flags & kPreset) != 0 ? in.colour() : mixed(from, to, std::clamp(in.real(), 0.0, 1.0));
+constexpr std::uint32_t kPresetColours = 0x4;
+constexpr std::uint32_t kShares = 0x8;
+constexpr std::uint32_t kSharesDown = 0x10;
+
+// Positions that do not fall, then what belongs to each.
+template <typename Stop, typename Read>
+std::vector<Stop> readPlaced(PlusCursor& in, Read read) {
+    const std::size_t count = in.count(8);
+    if (count > kMostStops)
+        throw DecodeError("a gradient in the metafile has too many colours");
+    std::vector<Stop> stops(count);
+    double latest = 0;
+    for (Stop& stop : stops)
+        stop.at = latest = std::clamp(in.real(), latest, 1.0);
+    for (Stop& stop : stops)
+        read(stop);
+    return stops;
+}
+
+std::vector<PlusStop> readColours(PlusCursor& in) {
+    return readPlaced<PlusStop>(in, [&](PlusStop& stop) { stop.colour = in.colour(); });
+}
+
+std::vector<PlusShare> readShares(PlusCursor& in) {
+    return readPlaced<PlusShare>(
+        in, [&](PlusShare& stop) { stop.share = std::clamp(in.real(), 0.0, 1.0); });
+}
+
+std::vector<PlusStop> stopsOf(const std::vector<PlusShare>& shares, QRgb from, QRgb to) {
+    std::vector<PlusStop> stops;
+    for (const PlusShare& share : shares)
+        stops.push_back({share.at, mixed(from, to, share.share)});
     return stops;
 }
 
@@ -72,6 +92,7 @@ PlusBrush readTexture(PlusCursor& in) {
 
 PlusBrush readPathGradient(PlusCursor& in) {
     constexpr std::uint32_t kBoundaryPath = 0x1;
+    constexpr std::uint32_t kFocus = 0x40;
     PlusBrush brush;
     brush.kind = PlusBrushKind::PathGradient;
     const std::uint32_t flags = in.u32();
@@ -92,7 +113,14 @@ PlusBrush readPathGradient(PlusCursor& in) {
         brush.boundary.closeSubpath();
     }
     readTransform(in, flags, brush);
-    brush.stops = readStops(in, flags, brush.surroundings.front(), brush.colour);
+    if ((flags & kPresetColours) != 0)
+        brush.stops = readColours(in);
+    else if ((flags & kShares) != 0)
+        brush.shares = readShares(in);
+    if ((flags & kFocus) != 0) {
+        in.u32(); // how many numbers follow: always two
+        brush.focus = in.point();
+    }
     return brush;
 }
 
@@ -106,7 +134,13 @@ PlusBrush readLinearGradient(PlusCursor& in) {
     const QRgb to = in.colour();
     in.bytes(std::min<std::size_t>(in.left(), 8)); // reserved; some writers leave them out
     readTransform(in, flags, brush);
-    brush.stops = readStops(in, flags, from, to);
+    if ((flags & kPresetColours) != 0)
+        brush.stops = readColours(in);
+    else if ((flags & (kShares | kSharesDown)) != 0)
+        brush.stops = stopsOf(readShares(in), from, to);
+    brush.runsDown = (flags & (kPresetColours | kShares | kSharesDown)) == kSharesDown;
+    if (brush.stops.empty())
+        brush.stops = {{0, from}, {1, to}};
     return brush;
 }
 

@@ -1,85 +1,62 @@
 #include "imaging/metafile/plus_painting.h"
 
 #include "imaging/byte_reader.h"
+#include "imaging/metafile/bitmap_reader.h"
+#include "imaging/metafile/plus_hatches.h"
+#include "imaging/metafile/plus_path_gradient.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace imaging::metafile {
 
 namespace {
 
-QGradient::Spread spreadOf(PlusWrap wrap) {
-    switch (wrap) {
-    case PlusWrap::Tile:
-    case PlusWrap::FlipDown:
-        return QGradient::RepeatSpread;
-    case PlusWrap::FlipAcross:
-    case PlusWrap::FlipBoth:
-        return QGradient::ReflectSpread;
-    case PlusWrap::Clamp:
-        break;
-    }
-    return QGradient::PadSpread;
+bool flipsAcross(PlusWrap wrap) {
+    return wrap == PlusWrap::FlipAcross || wrap == PlusWrap::FlipBoth;
 }
 
+bool flipsDown(PlusWrap wrap) {
+    return wrap == PlusWrap::FlipDown || wrap == PlusWrap::FlipBoth;
+}
+
+QGradient::Spread spreadOf(PlusWrap wrap, bool runsDown) {
+    if (wrap == PlusWrap::Clamp)
+        return QGradient::PadSpread;
+    return (runsDown ? flipsDown(wrap) : flipsAcross(wrap)) ? QGradient::ReflectSpread
+                                                            : QGradient::RepeatSpread;
+}
+
+// A gradient keeps one colour a place: a second one there, a sharp edge, is moved behind it.
 void setStops(QGradient& gradient, const std::vector<PlusStop>& stops) {
-    for (const PlusStop& stop : stops)
-        gradient.setColorAt(stop.at, QColor::fromRgba(stop.colour));
-}
-
-// Styles 0 to 5 are lines; those to 17 dots from thin to dense; the others are lines again.
-Qt::BrushStyle hatchStyle(int hatch) {
-    constexpr std::array kLines{Qt::HorPattern,   Qt::VerPattern,   Qt::FDiagPattern,
-                                Qt::BDiagPattern, Qt::CrossPattern, Qt::DiagCrossPattern};
-    constexpr std::array kDots{Qt::Dense7Pattern, Qt::Dense7Pattern, Qt::Dense6Pattern,
-                               Qt::Dense6Pattern, Qt::Dense6Pattern, Qt::Dense5Pattern,
-                               Qt::Dense5Pattern, Qt::Dense4Pattern, Qt::Dense3Pattern,
-                               Qt::Dense3Pattern, Qt::Dense2Pattern, Qt::Dense1Pattern};
-    // Light, dark and wide diagonals, narrow and dashed lines, then bricks, weaves and the like.
-    constexpr std::array kMore{
-        Qt::FDiagPattern, Qt::BDiagPattern, Qt::FDiagPattern, Qt::BDiagPattern,
-        Qt::FDiagPattern, Qt::BDiagPattern, Qt::VerPattern,   Qt::HorPattern,
-        Qt::VerPattern,   Qt::HorPattern,   Qt::VerPattern,   Qt::HorPattern,
-        Qt::FDiagPattern, Qt::BDiagPattern, Qt::HorPattern,   Qt::VerPattern};
-    constexpr std::size_t kFirstDots = kLines.size();
-    constexpr std::size_t kFirstMore = kFirstDots + kDots.size();
-    const auto index = static_cast<std::size_t>(hatch);
-    if (index < kFirstDots)
-        return kLines.at(index);
-    if (index < kFirstMore)
-        return kDots.at(index - kFirstDots);
-    if (index < kFirstMore + kMore.size())
-        return kMore.at(index - kFirstMore);
-    return Qt::DiagCrossPattern;
-}
-
-QBrush hatchBrush(const PlusBrush& brush) {
-    // One repeat of the pattern, so that its ground can have a colour.
-    constexpr int kPeriod = 8;
-    QImage tile(kPeriod, kPeriod, QImage::Format_ARGB32_Premultiplied);
-    tile.fill(QColor::fromRgba(brush.ground));
-    QPainter painter(&tile);
-    painter.fillRect(tile.rect(), QBrush(QColor::fromRgba(brush.colour), hatchStyle(brush.hatch)));
-    return QBrush(tile);
+    constexpr double kNext = 1e-6;
+    QGradientStops result;
+    for (const PlusStop& stop : stops) {
+        double at = stop.at;
+        if (!result.isEmpty() && at <= result.last().first)
+            at = result.last().first + kNext;
+        result.append({std::min(at, 1.0), QColor::fromRgba(stop.colour)});
+    }
+    gradient.setStops(result);
 }
 
 QBrush linearBrush(const PlusBrush& brush, const QTransform& toImage) {
-    QLinearGradient gradient(QPointF(brush.rectangle.left(), 0),
-                             QPointF(brush.rectangle.right(), 0));
+    const QPointF begin = brush.rectangle.topLeft();
+    QLinearGradient gradient(begin, brush.runsDown ? brush.rectangle.bottomLeft()
+                                                   : brush.rectangle.topRight());
     setStops(gradient, brush.stops);
-    gradient.setSpread(spreadOf(brush.wrap));
+    gradient.setSpread(spreadOf(brush.wrap, brush.runsDown));
     QBrush result(gradient);
     result.setTransform(brush.transform * toImage);
     return result;
 }
 
-QImage mirroredTile(const PlusBrush& brush) {
-    const bool across = brush.wrap == PlusWrap::FlipAcross || brush.wrap == PlusWrap::FlipBoth;
-    const bool down = brush.wrap == PlusWrap::FlipDown || brush.wrap == PlusWrap::FlipBoth;
-    const QImage& texture = brush.texture;
-    if (!across && !down)
+// One repeat of a texture that every other time is mirrored.
+QImage mirroredTile(const QImage& texture, PlusWrap wrap) {
+    const bool across = flipsAcross(wrap);
+    const bool down = flipsDown(wrap);
+    const std::int64_t pixels = std::int64_t{4} * texture.width() * texture.height();
+    if ((!across && !down) || pixels > kMaximumBitmapPixels)
         return texture;
     QImage tile = newImage({texture.width() * (across ? 2 : 1), texture.height() * (down ? 2 : 1)},
                            QImage::Format_ARGB32_Premultiplied);
@@ -94,35 +71,27 @@ QImage mirroredTile(const PlusBrush& brush) {
     return tile;
 }
 
-// From the edge of the boundary towards the centre, triangle by triangle.
+// The figure once, or its box repeated all over the sheet if the brush does that.
 QBrush pathBrush(const PlusBrush& brush, const QTransform& toImage, Canvas& canvas) {
+    constexpr double kLargestTile = 2000; // image pixels a side
     const QTransform transform = brush.transform * toImage;
-    const QPolygonF edge = transform.map(brush.boundary).toFillPolygon();
-    const QPointF centre = transform.map(brush.centre);
-    QImage layer = newImage(canvas.sheet().size(), QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&layer);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.setPen(Qt::NoPen);
-    canvas.budget().spendPoints(static_cast<std::size_t>(edge.size()) * 8);
-    canvas.budget().spendPixels(4.0 * layer.width() * layer.height());
-    for (qsizetype i = 0; i + 1 < edge.size(); ++i) {
-        const QPointF side = edge[i + 1] - edge[i];
-        const double length = std::hypot(side.x(), side.y());
-        if (length == 0)
-            continue;
-        const QPointF toCentre = centre - edge[i];
-        const double along = QPointF::dotProduct(toCentre, side) / (length * length);
-        QLinearGradient gradient(edge[i] + side * along, centre);
-        setStops(gradient, brush.stops);
-        const std::size_t colour =
-            std::min(static_cast<std::size_t>(i), brush.surroundings.size() - 1);
-        if (brush.surroundings.size() > 1)
-            gradient.setColorAt(0, QColor::fromRgba(brush.surroundings[colour]));
-        painter.setBrush(gradient);
-        painter.drawPolygon(QPolygonF{edge[i], edge[i + 1], centre});
-    }
-    painter.end();
-    return QBrush(layer);
+    const QRectF box = transform.mapRect(brush.boundary.boundingRect());
+    const bool isTiled = brush.wrap != PlusWrap::Clamp && box.width() >= 1 && box.height() >= 1 &&
+                         box.width() < kLargestTile && box.height() < kLargestTile &&
+                         !box.contains(canvas.sheet());
+    const QSize size = isTiled ? QSize(static_cast<int>(std::ceil(box.width())),
+                                       static_cast<int>(std::ceil(box.height())))
+                               : canvas.sheet().size();
+    const QTransform fromLayer =
+        isTiled ? QTransform::fromScale(box.width() / size.width(), box.height() / size.height()) *
+                      QTransform::fromTranslate(box.x(), box.y())
+                : QTransform();
+    canvas.budget().spendPixels(4.0 * size.width() * size.height());
+    QImage layer = newImage(size, QImage::Format_ARGB32_Premultiplied);
+    paintPathGradient(layer, brush, transform * fromLayer.inverted(), canvas.budget());
+    QBrush result(isTiled ? mirroredTile(layer, brush.wrap) : layer);
+    result.setTransform(fromLayer);
+    return result;
 }
 
 } // namespace
@@ -130,13 +99,13 @@ QBrush pathBrush(const PlusBrush& brush, const QTransform& toImage, Canvas& canv
 QBrush plusBrush(const PlusBrush& brush, const QTransform& toImage, QPoint origin, Canvas& canvas) {
     switch (brush.kind) {
     case PlusBrushKind::Hatch: {
-        QBrush result = hatchBrush(brush);
+        QBrush result(plusHatchTile(brush.hatch, brush.colour, brush.ground));
         result.setTransform(QTransform::fromTranslate(origin.x(), origin.y()));
         return result;
     }
     case PlusBrushKind::Texture: {
         canvas.budget().spendPixels(4.0 * brush.texture.width() * brush.texture.height());
-        QBrush result(mirroredTile(brush));
+        QBrush result(mirroredTile(brush.texture, brush.wrap));
         result.setTransform(brush.transform * toImage);
         return result;
     }

@@ -143,7 +143,15 @@ class PlusPlayer::Impl {
     }
 
     QTransform toImage() const {
-        return state_.world * state_.page * state_.container * canvas_.deviceToImage();
+        constexpr double kMost = 1e12;
+        const QTransform product =
+            state_.world * state_.page * state_.container * canvas_.deviceToImage();
+        for (const double cell : {product.m11(), product.m12(), product.m21(), product.m22(),
+                                  product.dx(), product.dy()}) {
+            if (!(std::abs(cell) < kMost))
+                return QTransform::fromScale(0, 0); // where nothing has any extent
+        }
+        return product;
     }
 
     // ---- Clip

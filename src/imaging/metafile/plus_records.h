@@ -35,6 +35,11 @@ struct PlusStop {
     QRgb colour = 0;
 };
 
+struct PlusShare {
+    double at = 0;    // 0 to 1
+    double share = 0; // of the way from one colour to the other
+};
+
 struct PlusBrush {
     PlusBrushKind kind = PlusBrushKind::Solid;
     QRgb colour = 0; // of a hatch: its lines; of a path gradient: its centre
@@ -43,11 +48,14 @@ struct PlusBrush {
     PlusWrap wrap = PlusWrap::Tile;
     QTransform transform;
     QImage texture;
-    QRectF rectangle;               // a linear gradient runs across it
+    QRectF rectangle; // a linear gradient runs across it, or down
+    bool runsDown = false;
     std::vector<PlusStop> stops;    // of gradients; a path gradient's run from the edge inwards
+    std::vector<PlusShare> shares;  // of a path gradient without stops; none: straight
     QPainterPath boundary;          // of a path gradient
     std::vector<QRgb> surroundings; // the colours of the boundary's points, the last one repeated
     QPointF centre;
+    QPointF focus; // how much of the figure, across and down, has the centre's colour
 };
 
 enum class PlusCap { Flat, Square, Round, Triangle };
