@@ -279,6 +279,33 @@ TEST(PlusPlayer, TextStandsInItsLayout) {
     EXPECT_GT(ink(2, {0, 0, 40, 40}).left(), 25);
 }
 
+TEST(PlusPlayer, TextBreaksTurnsAndStaysInItsLayout) {
+    const auto drawn = [](std::uint32_t flags, std::u16string_view characters,
+                          const std::vector<float>& layout, std::uint32_t keys = 0) {
+        Data format = Data().word(kVersion).words({flags, 0, 0, 0, 0, 0, 0, keys}).reals({0, 0});
+        Data text = Data().words({0xFF000000, 2, static_cast<std::uint32_t>(characters.size())});
+        text.reals(layout).text(characters);
+        PlusFile file;
+        file.object(6, 1, font(8, u"Arial")).object(7, 2, format);
+        return inkOf(file.add(0x401C, kColourFlag | 1, text).drawn());
+    };
+    constexpr std::uint32_t kVertical = 2;
+    constexpr std::uint32_t kNoWrap = 0x1000;
+    constexpr std::uint32_t kNoClip = 0x4000;
+    const QRect broken = drawn(0, u"HH HH", {0, 0, 18, 40});
+    EXPECT_LT(broken.right(), 15);
+    EXPECT_GT(broken.bottom(), 11);
+    EXPECT_LT(drawn(0, u"HH HH", {0, 0, 18, 8}).bottom(), 9); // no room for a second line
+    EXPECT_GT(drawn(kNoClip, u"HH HH", {0, 0, 18, 8}).bottom(), 11);
+    EXPECT_LT(drawn(kNoWrap, u"HHHHHH", {0, 0, 18, 40}).right(), 26);
+    EXPECT_GT(drawn(kNoWrap | kNoClip, u"HHHHHH", {0, 0, 18, 40}).right(), 30);
+    const QRect upright = drawn(kVertical, u"HHHH", {10, 5, 20, 35});
+    EXPECT_LT(upright.width(), 8);
+    EXPECT_GT(upright.height(), 18);
+    EXPECT_NEAR(upright.left(), 12, 2); // feet to the left
+    EXPECT_EQ(drawn(0, u"&H", {0, 0, 40, 40}, 1), drawn(0, u"H", {0, 0, 40, 40}));
+}
+
 TEST(PlusPlayer, LyingRecordsAreLeftOut) {
     PlusFile file;
     file.object(3, 1, Data().word(kVersion).word(0x7FFFFFFF).word(0)); // points that are not there

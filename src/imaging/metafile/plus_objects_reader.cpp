@@ -418,7 +418,9 @@ PlusFont readFont(PlusCursor in) {
 
 PlusStringFormat readStringFormat(PlusCursor in) {
     constexpr std::uint32_t kRightToLeft = 0x1;
+    constexpr std::uint32_t kVertical = 0x2;
     constexpr std::uint32_t kNoWrap = 0x1000;
+    constexpr std::uint32_t kNoClip = 0x4000;
     const auto alignment = [&] {
         return static_cast<PlusAlignment>(std::min(in.u32(), std::uint32_t{2}));
     };
@@ -426,11 +428,14 @@ PlusStringFormat readStringFormat(PlusCursor in) {
     in.u32(); // version
     const std::uint32_t flags = in.u32();
     format.rightToLeft = (flags & kRightToLeft) != 0;
+    format.vertical = (flags & kVertical) != 0;
     format.wraps = (flags & kNoWrap) == 0;
+    format.clips = (flags & kNoClip) == 0;
     in.u32(); // language
     format.across = alignment();
     format.down = alignment();
-    in.bytes(16); // digits, tabulator, hot keys
+    in.bytes(12); // digits of other languages, tabulator
+    format.marksKeys = in.u32() != 0;
     format.leadingMargin = std::clamp(in.real(), 0.0, 10.0);
     return format;
 }

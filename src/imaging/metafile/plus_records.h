@@ -119,7 +119,10 @@ struct PlusFont {
 enum class PlusAlignment { Near, Centre, Far };
 struct PlusStringFormat {
     bool wraps = true;
+    bool clips = true; // to the layout rectangle: whole letters and lines outside are left out
     bool rightToLeft = false;
+    bool vertical = false;  // turned with the clock
+    bool marksKeys = false; // by "&", which is not shown
     PlusAlignment across = PlusAlignment::Near;
     PlusAlignment down = PlusAlignment::Near;
     double leadingMargin = 1.0 / 6; // of the font's size

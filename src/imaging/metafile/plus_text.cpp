@@ -11,6 +11,7 @@ namespace imaging::metafile {
 namespace {
 
 constexpr std::size_t kPointsPerLetter = 20;
+constexpr double kFar = 1e9; // world units
 
 // A font at a size, ready to measure and to draw with.
 class Face {
@@ -40,15 +41,22 @@ class Face {
         return drawn.advance * perUnit_;
     }
 
-    void addLine(QPainterPath& path, QStringView text, QPointF place) const {
+    // Letters that begin outside of `from` to `to` are left out.
+    void addLine(QPainterPath& path, QStringView text, QPointF place, double from,
+                 double to) const {
         const QPointF begin = place;
-        for (const char32_t letter : text.toUcs4())
-            place.rx() += add(path, letter, place);
-        const double length = place.x() - begin.x();
+        for (const char32_t letter : text.toUcs4()) {
+            const bool isSeen = place.x() >= from && place.x() <= to;
+            place.rx() += isSeen ? add(path, letter, place) : glyph(letter).advance * perUnit_;
+        }
+        const double left = std::max(begin.x(), from);
+        const double length = std::min(place.x(), to) - left;
         if (font_.underline)
-            addBar(path, begin, length, metrics_.underlineCentre, metrics_.underlineThickness);
+            addBar(path, {left, begin.y()}, length, metrics_.underlineCentre,
+                   metrics_.underlineThickness);
         if (font_.strikeOut)
-            addBar(path, begin, length, -metrics_.strikeOutCentre, metrics_.strikeOutThickness);
+            addBar(path, {left, begin.y()}, length, -metrics_.strikeOutCentre,
+                   metrics_.strikeOutThickness);
     }
 
   private:
@@ -79,22 +87,43 @@ class Face {
 
 // Breaks a paragraph at spaces so that no line is wider than `most`; single words may be.
 void addBroken(QStringList& lines, const QString& paragraph, const Face& face, double most) {
+    // Fonts that stand in for missing ones are a little wider at times, and must not break lines
+    // that the right one would not.
+    constexpr double kTolerance = 1.04;
+    const double space = face.widthOf(u" ");
     QString line;
+    double width = 0;
+    bool isFirst = true;
     for (const QString& word : paragraph.split(u' ')) {
-        const QString longer = line.isEmpty() ? word : line + u' ' + word;
-        if (!line.isEmpty() && face.widthOf(longer) > most) {
+        const double wordWidth = face.widthOf(word);
+        const bool fits = width + space + wordWidth <= most * kTolerance;
+        if (!isFirst && !fits) {
             lines.append(line);
             line = word;
+            width = wordWidth;
         } else {
-            line = longer;
+            line += isFirst ? word : u' ' + word;
+            width += (isFirst ? 0 : space) + wordWidth;
         }
+        isFirst = false;
     }
     lines.append(line);
 }
 
+// Without the marks of keys: a single "&" stands before one, two of them are one to be shown.
+QString withoutMarks(const QString& text) {
+    QString result;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'&' && i + 1 < text.size())
+            ++i;
+        result.append(text[i]);
+    }
+    return result;
+}
+
 QStringList linesOf(const QString& text, const PlusStringFormat& format, const Face& face,
                     double most) {
-    QString normal = text;
+    QString normal = format.marksKeys ? withoutMarks(text) : text;
     normal.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     QStringList lines;
     for (const QString& paragraph : normal.split(u'\n')) {
@@ -124,22 +153,37 @@ QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
                              const PlusStringFormat& format, double em, WorkBudget& budget) {
     budget.spendPoints(kPointsPerLetter * (static_cast<std::size_t>(string.text.size()) + 1));
     const Face face(font, em);
+    // Lines are laid out from left to right in a box of their own first.
+    const QSizeF side = format.vertical ? string.layout.size().transposed() : string.layout.size();
     const double margin = format.leadingMargin * em;
-    const double room = std::max(0.0, string.layout.width() - 2 * margin);
+    const double room = std::max(0.0, side.width() - 2 * margin);
     const QStringList lines = linesOf(string.text, format, face, room);
-    const double height = face.lineHeight() * static_cast<double>(lines.size());
-    const double left =
-        string.layout.left() + (room > 0 || format.across == PlusAlignment::Near ? margin : 0);
-    double top = startOf(format.down, string.layout.top(), string.layout.height(), height);
+    const double lineHeight = face.lineHeight();
+    const double height = lineHeight * static_cast<double>(lines.size());
+    const double left = room > 0 || format.across == PlusAlignment::Near ? margin : 0;
     PlusAlignment across = format.across;
     if (format.rightToLeft && across != PlusAlignment::Centre)
         across = across == PlusAlignment::Near ? PlusAlignment::Far : PlusAlignment::Near;
+
+    const bool clips = format.clips && side.width() > 0;
+    const double from = clips ? -0.5 * em : -kFar;
+    const double to = clips ? side.width() : kFar;
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
-    for (const QString& line : lines) {
-        const double begin = startOf(across, left, room, face.widthOf(line));
-        face.addLine(path, line, {begin, top + face.ascent()});
-        top += face.lineHeight();
+    double top = startOf(format.down, 0, side.height(), height);
+    for (qsizetype i = 0; i < lines.size(); ++i, top += lineHeight) {
+        const bool isBelow = side.height() > 0 && top >= side.height();
+        if (i > 0 && isBelow && format.clips)
+            break;
+        const double begin = startOf(across, left, room, face.widthOf(lines[i]));
+        QPainterPath line;
+        face.addLine(line, lines[i], {begin, face.ascent()}, from, to);
+        // Vertical lines are turned with the clock, the first one to the left of the others.
+        const QTransform place =
+            format.vertical
+                ? QTransform(0, 1, -1, 0, string.layout.x() + top + lineHeight, string.layout.y())
+                : QTransform::fromTranslate(string.layout.x(), string.layout.y() + top);
+        path.addPath(place.map(line));
     }
     return path;
 }
