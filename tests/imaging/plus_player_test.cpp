@@ -37,6 +37,32 @@ TEST(PlusPlayer, TheHalfThatShowsMoreIsPlayed) {
     EXPECT_NEAR(qRed(image(Half::Dual, 0x800000FF, true)), 127, 2);
 }
 
+TEST(PlusPlayer, TheOtherHalfIsPlayedWhereThisOneIsBeyondUs) {
+    // Blue if this half is played, with a record more.
+    const auto isPlayed = [](unsigned type, unsigned flags, const Data& data) {
+        EmfFile file(40, 40);
+        PlusFile(Half::Dual).add(type, flags, data).fill({0, 0, 40, 40}, 0xFF0000FF).into(file);
+        file.stock(8).brush(1, colour(255, 0, 0)).rectangle(0, 0, 40, 40);
+        return file.drawn().pixel(20, 20) == kBlue;
+    };
+    EXPECT_TRUE(isPlayed(0x4008, 0x0201, pen(1, 0x80FF0000)));
+    EXPECT_FALSE(isPlayed(0x4008, 0x0201, pen(1, 0xFFFF0000)));
+    EXPECT_FALSE(isPlayed(0x4008, 0x0101, solidBrush(0x00FFFFFF)));
+
+    const auto withGlyphs = [](std::uint32_t options) {
+        EmfFile file(40, 40);
+        PlusFile(Half::Dual)
+            .add(0x4036, kColourFlag | 1, Data().words({0x80FF0000, options, 0, 0}))
+            .object(1, 1, solidBrush(0x80000000))
+            .fill({0, 0, 40, 40}, 0xFF0000FF)
+            .into(file);
+        file.stock(8).brush(1, colour(255, 0, 0)).rectangle(0, 0, 40, 40);
+        return file.drawn().pixel(20, 20);
+    };
+    EXPECT_EQ(withGlyphs(1), kBlue);
+    EXPECT_EQ(withGlyphs(0), kRed);
+}
+
 TEST(PlusPlayer, RecordsBehindGetContextBelongToBothHalves) {
     EmfFile file(40, 40);
     PlusFile().fill({0, 0, 10, 40}, 0xFF0000FF).into(file);

@@ -9,6 +9,7 @@ namespace {
 
 constexpr double kThin = 1.5; // image pixels
 constexpr double kMostDashes = 20000;
+constexpr int kMostHeadPoints = 100000; // of all heads of a line, and of what one is made of
 
 // Whether circles stay circles, but for a percent.
 bool keepsCircles(const QTransform& transform) {
@@ -121,6 +122,8 @@ QPainterPath headShape(const PlusLineEnd& end) {
     case PlusHead::Custom:
         break;
     }
+    if (end.fill.elementCount() > kMostHeadPoints || end.line.elementCount() > kMostHeadPoints)
+        return path;
     path = end.fill;
     if (!end.line.isEmpty()) {
         QPainterPathStroker stroker;
@@ -165,6 +168,8 @@ class HeadMaker {
 
     void put(QPainterPath& line, QPainterPath& heads, int tipAt, int beforeAt,
              const QPainterPath& shape, double inset) const {
+        if (heads.elementCount() > kMostHeadPoints)
+            return;
         const QPointF tip = line.elementAt(tipAt);
         const QPointF way = tip - QPointF(line.elementAt(beforeAt));
         const double length = std::hypot(way.x(), way.y());
@@ -229,6 +234,7 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
     if (!painterCaps) {
         budget.spendPoints(4 * static_cast<std::size_t>(line.elementCount()));
         HeadMaker(pen, width).make(result.line, result.heads);
+        budget.spendPoints(static_cast<std::size_t>(result.heads.elementCount()));
         result.heads = result.toImage.map(result.heads);
     }
     if (!pen.dashes.empty())

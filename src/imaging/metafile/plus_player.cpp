@@ -165,6 +165,8 @@ class PlusPlayer::Impl {
         const QRect sheet = canvas_.sheet();
         canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 8);
         const auto path = outlineOf(record.shape);
+        if (path)
+            spendEdges(*path);
         const bool smooth = path && (record.combine == PlusCombine::Replace ||
                                      record.combine == PlusCombine::Intersect);
         if (smooth) {
@@ -244,6 +246,7 @@ class PlusPlayer::Impl {
         if (node.kind == PlusRegionKind::Empty)
             return {};
         const QPainterPath path = toImage().map(node.shape);
+        spendEdges(path);
         return isSensible(path) ? metafile::regionOf(path, sheet) : QRegion();
     }
 
@@ -304,8 +307,22 @@ class PlusPlayer::Impl {
         return painter;
     }
 
-    void spend(const QPainterPath& path, double margin) {
+    // Edges cost what they are long, as far as they may be seen.
+    void spendEdges(const QPainterPath& path) const {
+        constexpr double kCostOfPixel = 4;
+        const QSizeF most = canvas_.sheet().size();
+        double length = 0;
+        for (int i = 1; i < path.elementCount(); ++i) {
+            const QPointF step = QPointF(path.elementAt(i)) - QPointF(path.elementAt(i - 1));
+            length += std::min(std::abs(step.x()), most.width()) +
+                      std::min(std::abs(step.y()), most.height());
+        }
         canvas_.budget().spendPoints(static_cast<std::size_t>(path.elementCount()));
+        canvas_.budget().spendPixels(kCostOfPixel * length);
+    }
+
+    void spend(const QPainterPath& path, double margin) {
+        spendEdges(path);
         const QRectF box = path.controlPointRect().adjusted(-margin, -margin, margin, margin) &
                            QRectF(canvas_.sheet());
         canvas_.budget().spendPixels(2 * std::max(0.0, box.width()) * std::max(0.0, box.height()));

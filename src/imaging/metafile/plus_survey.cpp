@@ -9,11 +9,15 @@ namespace {
 
 constexpr std::uint16_t kHeader = 0x4001;
 constexpr std::uint16_t kObject = 0x4008;
-constexpr std::uint16_t kLastKnown = 0x4039;
+constexpr std::uint16_t kDrawDriverString = 0x4036;
+constexpr std::uint16_t kStrokeFillPath = 0x4037;
+constexpr std::uint16_t kSerializableObject = 0x4038; // an effect on the next image
+constexpr std::uint16_t kLastKnown = 0x403A;
 constexpr unsigned kIsColour = 0x8000;
 
-bool isSolid(std::uint32_t colour) {
-    return qAlpha(colour) == 255;
+// What the other half can only approximate; what cannot be seen it leaves out as well.
+bool isTranslucent(std::uint32_t colour) {
+    return qAlpha(colour) > 0 && qAlpha(colour) < 255;
 }
 
 // Brushes that the other half has to take apart into many little shapes, or to leave out.
@@ -23,11 +27,12 @@ bool isRichBrush(std::span<const std::byte> data) {
     PlusCursor in(data);
     in.u32();
     const std::uint32_t type = in.u32();
-    return type == kSolid ? !isSolid(in.colour()) : type != kHatch;
+    return type == kSolid ? isTranslucent(in.colour()) : type != kHatch;
 }
 
 bool isRichObject(std::uint16_t flags, std::span<const std::byte> data) {
     constexpr unsigned kBrush = 1;
+    constexpr unsigned kPen = 2;
     constexpr unsigned kImage = 5;
     constexpr unsigned kContinues = 0x8000;
     const unsigned type = flags >> 8U & 0x7FU;
@@ -35,6 +40,12 @@ bool isRichObject(std::uint16_t flags, std::span<const std::byte> data) {
         data = data.subspan(std::min<std::size_t>(4, data.size()));
     if (type == kBrush)
         return isRichBrush(data);
+    if (type == kPen) {
+        const PlusObject object = readPlusObject(type, data);
+        const auto* pen = std::get_if<PlusPen>(&object);
+        return pen != nullptr && pen->brush.kind == PlusBrushKind::Solid &&
+               isTranslucent(pen->brush.colour);
+    }
     return type == kImage && plusImageHasAlpha(data);
 }
 
@@ -42,6 +53,18 @@ bool isRichObject(std::uint16_t flags, std::span<const std::byte> data) {
 bool isFill(std::uint16_t type) {
     return type == 0x400A || type == 0x400C || type == 0x400E || type == 0x4010 || type == 0x4013 ||
            type == 0x4014 || type == 0x4016;
+}
+
+// Records that cannot be drawn as they are meant, or only by luck.
+bool isBeyondUs(std::uint16_t type, std::span<const std::byte> data) {
+    if (type == kStrokeFillPath || type == kSerializableObject || type > kLastKnown)
+        return true;
+    if (type != kDrawDriverString)
+        return false;
+    constexpr unsigned kCharacters = 1; // else numbers of glyphs in a font that may not be here
+    PlusCursor in(data);
+    in.u32(); // brush
+    return (in.u32() & kCharacters) == 0;
 }
 
 } // namespace
@@ -52,13 +75,12 @@ void PlusSurvey::look(std::span<const std::byte> comment) {
             found_ = true;
             if (type == kHeader)
                 dual_ = (flags & 1U) != 0;
-            if (type > kLastKnown)
-                unknown_ = true;
             try {
+                unknown_ = unknown_ || isBeyondUs(type, data);
                 if (type == kObject)
                     better_ = better_ || isRichObject(flags, data);
                 if (isFill(type) && (flags & kIsColour) != 0)
-                    better_ = better_ || !isSolid(PlusCursor(data).u32());
+                    better_ = better_ || isTranslucent(PlusCursor(data).u32());
             } catch (const DecodeError&) {
                 // Too short to tell; what follows in the next comment belongs to it.
                 return;
