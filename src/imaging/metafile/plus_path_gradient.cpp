@@ -63,7 +63,7 @@ class Shading {
     // `way`: 0 on the edge, where the colour is `edge`, 1 in the centre. Premultiplied.
     QRgb at(double way, QRgb edge) const {
         const double shifted = std::clamp(way / (1 - focus_), 0.0, 1.0);
-        const auto step = static_cast<std::size_t>(shifted * (kSteps - 1) + 0.5);
+        const auto step = static_cast<std::size_t>(std::lround(shifted * (kSteps - 1)));
         return qPremultiply(hasColours_ ? colours_[step] : mixed(edge, centre_, shares_[step]));
     }
 

@@ -59,7 +59,8 @@ void setDashes(QPen& result, const PlusPen& pen, double length, WorkBudget& budg
     period *= result.widthF();
     if (period < kShortestPeriod || length / period > kMostDashes)
         return;
-    budget.spendPoints(static_cast<std::size_t>(8 * length / period) * (dashes.size() / 2 + 1));
+    budget.spendPoints(static_cast<std::size_t>(8 * length / period) *
+                       static_cast<std::size_t>(dashes.size() / 2 + 1));
     if (dashes.size() % 2 != 0)
         dashes += dashes;
     // Round ends belong to the dash, where a painter adds them.
