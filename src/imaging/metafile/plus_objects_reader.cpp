@@ -73,6 +73,7 @@ std::vector<PlusShare> readShares(PlusCursor& in) {
 
 std::vector<PlusStop> stopsOf(const std::vector<PlusShare>& shares, QRgb from, QRgb to) {
     std::vector<PlusStop> stops;
+    stops.reserve(shares.size());
     for (const PlusShare& share : shares)
         stops.push_back({share.at, mixed(from, to, share.share)});
     return stops;
