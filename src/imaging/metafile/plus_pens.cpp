@@ -217,7 +217,7 @@ double plusUnitScale(PlusUnit unit, const QTransform& world, const Canvas& canva
 
 PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform& nib,
                   const QBrush& brush, WorkBudget& budget) {
-    constexpr double kWidest = 60000;
+    constexpr double kWidest = 10000; // more would be beyond what painters count in
     const QTransform shape = pen.transform * nib;
     const QTransform turn(shape.m11(), shape.m12(), shape.m21(), shape.m22(), 0, 0);
     const double scale = std::sqrt(std::abs(turn.determinant()));

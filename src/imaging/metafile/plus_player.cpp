@@ -321,11 +321,25 @@ class PlusPlayer::Impl {
         canvas_.budget().spendPixels(kCostOfPixel * length);
     }
 
+    // `margin`: half a pen's width or more; 0 for fills.
     void spend(const QPainterPath& path, double margin) {
+        constexpr double kPiecesOfStroke = 8; // an element's outline has so many
+        constexpr double kRasterLimit = 30000;
+        WorkBudget& budget = canvas_.budget();
+        const QSizeF most = canvas_.sheet().size();
         spendEdges(path);
-        const QRectF box = path.controlPointRect().adjusted(-margin, -margin, margin, margin) &
-                           QRectF(canvas_.sheet());
-        canvas_.budget().spendPixels(2 * std::max(0.0, box.width()) * std::max(0.0, box.height()));
+        double pieces = path.elementCount();
+        if (margin > 0) {
+            pieces *= kPiecesOfStroke;
+            budget.spendPixels(pieces * std::min(margin, most.width() + most.height()));
+        }
+        const QRectF reach = path.controlPointRect().adjusted(-margin, -margin, margin, margin);
+        const QRectF near(-kRasterLimit, -kRasterLimit, 2 * kRasterLimit, 2 * kRasterLimit);
+        // The painter cuts what is farther off piece by piece, against all the others.
+        if (!near.contains(reach))
+            budget.spendPixels(4 * pieces * pieces);
+        const QRectF box = reach & QRectF(canvas_.sheet());
+        budget.spendPixels(2 * std::max(0.0, box.width()) * std::max(0.0, box.height()));
     }
 
     std::optional<QBrush> brushOf(const PlusFillWith& with) {
