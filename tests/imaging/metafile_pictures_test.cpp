@@ -240,6 +240,21 @@ TEST(MetafileText, AdvancesSpaceTheLettersAndMoveTheCurrentPosition) {
     EXPECT_GT(raised.height(), 55);
 }
 
+TEST(MetafileText, LeftwardScriptsAndDeviceFontsAreDrawn) {
+    const auto drawn = [](std::u16string_view text) {
+        return lettered(-40, 0).text(20, 50, text, {40, 40}).drawn();
+    };
+    EXPECT_NE(drawn(u"\u05D0\u05D1"), drawn(u"\u05D1\u05D0"));
+    // The first letter read is the right one seen.
+    const QImage first = lettered(-40, 0).text(60, 50, u"\u05D0", {}).drawn();
+    const QImage both = drawn(u"\u05D0\u05D1");
+    EXPECT_EQ(both.copy(62, 0, 38, 200), first.copy(62, 0, 38, 200));
+    // The system's font is as large as the device has it, not as the mapping makes it.
+    EmfFile scaled(200, 200);
+    scaled.add(17, {8}).add(9, {2000, 2000}).add(11, {200, 200}).add(18, {1}).stock(13);
+    EXPECT_NEAR(inkOf(scaled.text(100, 100, u"H", {}).drawn()).height(), 10, 3);
+}
+
 TEST(MetafileText, OpaqueRectanglesAndGlyphNumbersAndSymbolsAreUnderstood) {
     EmfFile opaque = lettered(-10, 0);
     opaque.add(25, {static_cast<std::int32_t>(colour(255, 0, 0))});

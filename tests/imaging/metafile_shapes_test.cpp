@@ -202,6 +202,42 @@ TEST(MetafileShapes, PathsBeginWhereThePenIsAndClipTheirInside) {
     EXPECT_TRUE(inkOf(aborted.drawn()).isNull());
 }
 
+// A diamond cut its whole box out, and a path that never was hid all that followed.
+TEST(MetafileShapes, ClipPathsAreWhatTheyAreAndNothingIsNoPath) {
+    EmfFile diamond = filled(kFileRed);
+    diamond.add(59).add(3, {0, 0, -1, -1, 4, 20, 0, 40, 20, 20, 40, 0, 20}).add(60).add(67, {1});
+    const QImage image = diamond.rectangle(0, 0, 40, 40).drawn();
+    EXPECT_EQ(image.pixel(20, 20), kRed);
+    EXPECT_EQ(image.pixel(3, 3), kWhite);
+    EmfFile none = filled(kFileRed);
+    EXPECT_EQ(none.add(67, {5}).rectangle(0, 0, 40, 40).drawn().pixel(20, 20), kRed);
+    // Six clip paths that reach far over the sheet took minutes, or let nothing through.
+    EmfFile large = filled(kFileRed);
+    for (int i = 0; i < 6; ++i)
+        large.add(59).add(42, {-500000, -500000, 500000, 500000}).add(60).add(67, {1});
+    EXPECT_EQ(large.rectangle(0, 0, 40, 40).drawn().pixel(20, 20), kRed);
+}
+
+TEST(MetafileShapes, OpenFiguresAreClosedWhereTheyAreFilledAndStroked) {
+    EmfFile file(40, 40);
+    file.stock(kNullBrush)
+        .pen(1, 0, 4, 0)
+        .add(59)
+        .add(27, {5, 5})
+        .add(54, {35, 5})
+        .add(54, {35, 35});
+    EXPECT_EQ(file.add(60).add(63, {0, 0, -1, -1}).drawn().pixel(20, 20), kBlack);
+}
+
+// Everything was drawn above the frame, and nothing could be seen.
+TEST(MetafileShapes, AFrameBesideThePictureIsMovedThere) {
+    EmfFile file = filled(kFileRed);
+    Bytes bytes = file.rectangle(0, -40, 20, -20).bytes();
+    set32(bytes, 12, static_cast<std::uint32_t>(-40)); // bounds: top and bottom
+    set32(bytes, 20, 0);
+    EXPECT_EQ(inkOf(drawnMetafile(bytes, {40, 40})), QRect(0, 0, 20, 20));
+}
+
 TEST(MetafileShapes, RasterOperationsActOnThePaper) {
     EmfFile file = filled(colour(0, 255, 255));
     file.add(20, {7}).rectangle(0, 0, 20, 40).rectangle(10, 0, 20, 40); // XOR

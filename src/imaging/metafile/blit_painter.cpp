@@ -97,7 +97,7 @@ void BlitPainter::begin(const DeviceContext& context) {
     QPainter& painter = canvas_.painter();
     painter.resetTransform();
     Clip clip = context.clip;
-    clip.intersect(context.frozenClip);
+    clip.intersect(context.frozenClip, canvas_.sheet());
     clip.applyTo(painter);
     painter.setOpacity(1);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
@@ -291,18 +291,23 @@ void BlitPainter::draw(const FloodFill& fill, const DeviceContext& context) {
         return same == (fill.mode == FloodMode::WhileSurface);
     };
     QImage reached = newImage(sheet.size(), QImage::Format_ARGB32_Premultiplied);
-    std::vector<QPoint> open{start};
+    std::vector<QPoint> open;
+    // Marked when it is put on the pile, so that no pixel lies there twice.
+    const auto reach = [&](QPoint at) {
+        if (!sheet.rect().contains(at))
+            return;
+        auto* pixel = reinterpret_cast<QRgb*>(reached.scanLine(at.y())) + at.x();
+        if (*pixel != 0 || !isInside(at))
+            return;
+        *pixel = qRgb(0, 0, 0);
+        open.push_back(at);
+    };
+    reach(start);
     while (!open.empty()) {
         const QPoint at = open.back();
         open.pop_back();
-        if (!sheet.rect().contains(at))
-            continue;
-        auto* pixel = reinterpret_cast<QRgb*>(reached.scanLine(at.y())) + at.x();
-        if (*pixel != 0 || !isInside(at))
-            continue;
-        *pixel = qRgb(0, 0, 0);
         for (const QPoint step : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)})
-            open.push_back(at + step);
+            reach(at + step);
     }
     QPainter painter(&reached);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

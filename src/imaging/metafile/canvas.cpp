@@ -19,21 +19,19 @@ void Clip::intersect(const QRegion& region) {
     bounded_ = true;
 }
 
-void Clip::intersect(const QPainterPath& path) {
+void Clip::intersect(const QPainterPath& path, const QRect& sheet) {
     // Each path costs time whenever something is drawn; many together are better kept as pixels.
     constexpr std::size_t kMostPaths = 4;
     paths_.push_back(path);
-    if (paths_.size() > kMostPaths) {
-        const QRect all = path.controlPointRect().toAlignedRect();
-        become(toRegion(all));
-    }
+    if (paths_.size() > kMostPaths)
+        become(toRegion(sheet));
 }
 
-void Clip::intersect(const Clip& other) {
+void Clip::intersect(const Clip& other, const QRect& sheet) {
     if (other.bounded_)
         intersect(other.region_);
     for (const QPainterPath& path : other.paths_)
-        intersect(path);
+        intersect(path, sheet);
 }
 
 void Clip::subtract(const QRegion& region, const QRect& sheet) {

@@ -28,14 +28,14 @@ class Clip {
     bool isEverything() const { return !bounded_ && paths_.empty(); }
 
     void intersect(const QRegion& region);
-    void intersect(const QPainterPath& path);
+    void intersect(const QPainterPath& path, const QRect& sheet);
     void subtract(const QRegion& region, const QRect& sheet);
     void unite(const QRegion& region, const QRect& sheet);
     void exclusiveOr(const QRegion& region, const QRect& sheet);
     void translate(QPointF offset);
 
     // Everything that this and the other let through.
-    void intersect(const Clip& other);
+    void intersect(const Clip& other, const QRect& sheet);
 
     // The same as whole pixels of the sheet.
     QRegion toRegion(const QRect& sheet) const;

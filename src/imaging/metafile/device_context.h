@@ -49,6 +49,8 @@ struct DeviceContext {
     QTransform toImage;     // logical units -> image pixels
     QTransform pageToImage; // the same without the world transform
 
+    double imagePerDevice = 1; // image pixels to one device unit, the mean of both directions
+
     // Image pixels to one logical unit, the mean of both directions.
     double scale() const;
 

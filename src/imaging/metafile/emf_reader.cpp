@@ -29,6 +29,20 @@ double density(const ByteReader& in, std::size_t axis) {
     return value > 0.01 && value < 10000 ? value : kUsual;
 }
 
+// Some writers turn an axis round and forget the frame: it lies beside what is drawn. Then it is
+// moved there, as large as it is.
+QRectF besideBounds(const QRectF& frame, const QRectF& bounds) {
+    constexpr double kLeastShare = 0.25;
+    if (!(bounds.width() > 1) || !(bounds.height() > 1))
+        return frame;
+    const QRectF seen = frame & bounds;
+    const double smaller =
+        std::min(bounds.width() * bounds.height(), frame.width() * frame.height());
+    if (seen.width() * seen.height() >= kLeastShare * smaller)
+        return frame;
+    return {bounds.topLeft(), frame.size()};
+}
+
 void readComment(const ByteReader& in, RecordSink& sink) {
     const std::size_t size = in.u32(8);
     if (size < 4 || !in.has(12, 4) || in.u32(12) != kPlusIdentifier)
@@ -141,6 +155,8 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
                           frame.height() * down);
     if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
         layout.frame = rectangleAt(in, 8).adjusted(0, 0, 1, 1);
+    else
+        layout.frame = besideBounds(layout.frame, rectangleAt(in, 8));
     if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
         throw DecodeError("the metafile's frame is empty");
     return layout;

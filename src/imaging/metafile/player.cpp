@@ -44,6 +44,7 @@ Player::Player(Canvas& canvas, QSizeF pixelsPerMillimetre, PlusHalf plusHalf)
       blits_(canvas) {
     for (const std::uint32_t stock : {0U, 7U, 13U}) // white brush, black pen, system font
         select(stockObject(stock));
+    context_.imagePerDevice = canvas_.scale();
     remap();
 }
 
@@ -53,7 +54,7 @@ bool Player::skips(const Record& record) const {
     if (plusHalf_ == PlusHalf::Ignored || plus_.wantsDeviceRecords())
         return false;
     return isOneOf<LineTo, Poly, PolyDraw, Box, AngleArc, SetPixel, FloodFill, RegionPaint,
-                   GradientFill, Text, RasterBlit, AlphaBlit, PathStep>(record);
+                   GradientFill, Text, RasterBlit, AlphaBlit, PathStep, ClipPath>(record);
 }
 
 void Player::take(const Record& record) {
@@ -194,9 +195,12 @@ void Player::on(const ClipRectangle& record) {
 
 void Player::clipTo(const QPainterPath& path, ClipMode mode) {
     const QRect sheet = canvas_.sheet();
-    canvas_.budget().spendPixels(2.0 * sheet.width() * sheet.height() / 16);
-    const bool plain = path.elementCount() == 5 && context_.toImage.type() <= QTransform::TxScale &&
-                       path.controlPointRect() == path.boundingRect();
+    canvas_.budget().spendPoints(static_cast<std::size_t>(path.elementCount()));
+    const bool plain =
+        context_.toImage.type() <= QTransform::TxScale && rectangleOf(path).has_value();
+    // Whole pixels are found by painting the path, and combined row by row.
+    if (!plain || mode != ClipMode::And)
+        canvas_.budget().spendPixels(2.0 * sheet.width() * sheet.height());
     const auto pixels = [&] {
         return plain ? QRegion(path.boundingRect().toRect()) : metafile::regionOf(path, sheet);
     };
@@ -204,13 +208,13 @@ void Player::clipTo(const QPainterPath& path, ClipMode mode) {
     switch (mode) {
     case ClipMode::Copy:
         clip = {};
-        clip.intersect(path);
+        clip.intersect(path, sheet);
         break;
     case ClipMode::And:
         if (plain)
             clip.intersect(pixels());
         else
-            clip.intersect(path);
+            clip.intersect(path, sheet);
         break;
     case ClipMode::Or:
         clip.unite(pixels(), sheet);
@@ -238,7 +242,9 @@ void Player::on(const ResetClip&) {
 
 void Player::on(const ClipRegion& record) {
     const QRect sheet = canvas_.sheet();
-    canvas_.budget().spendPoints(record.rectangles.size() * 4);
+    // Every rectangle may cost a look at all before it.
+    const double count = static_cast<double>(record.rectangles.size());
+    canvas_.budget().spendPixels(100 * count + count * count);
     QRegion region;
     for (const QRect& rectangle : record.rectangles)
         region += (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect();
@@ -265,12 +271,14 @@ void Player::on(const ClipRegion& record) {
 }
 
 void Player::on(const FreezeClip&) {
-    context_.frozenClip.intersect(context_.clip);
+    context_.frozenClip.intersect(context_.clip, canvas_.sheet());
     context_.clip = {};
     clipChanged();
 }
 
 void Player::on(const ClipPath& record) {
+    if (path_.isEmpty())
+        return; // without a path there is nothing to select
     QPainterPath path = path_;
     path.setFillRule(context_.fillMode == FillMode::Winding ? Qt::WindingFill : Qt::OddEvenFill);
     path_ = {};

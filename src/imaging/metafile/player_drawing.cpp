@@ -13,6 +13,28 @@ constexpr std::uint8_t kLineType = 2;
 constexpr std::uint8_t kCurveType = 4;
 constexpr std::uint8_t kMoveType = 6;
 
+// The same with every figure closed.
+QPainterPath closed(const QPainterPath& path) {
+    QPainterPath result;
+    result.setFillRule(path.fillRule());
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const auto element = path.elementAt(i);
+        if (element.type == QPainterPath::MoveToElement) {
+            if (!result.isEmpty())
+                result.closeSubpath();
+            result.moveTo(element);
+        } else if (element.type == QPainterPath::LineToElement) {
+            result.lineTo(element);
+        } else if (element.type == QPainterPath::CurveToElement && i + 2 < path.elementCount()) {
+            result.cubicTo(element, path.elementAt(i + 1), path.elementAt(i + 2));
+            i += 2;
+        }
+    }
+    if (!result.isEmpty())
+        result.closeSubpath();
+    return result;
+}
+
 bool continues(PolyKind kind) {
     return kind == PolyKind::LineTo || kind == PolyKind::BezierTo;
 }
@@ -158,7 +180,7 @@ void Player::on(const SetPixel& record) {
 void Player::paintPath(ShapePart part) {
     const QPainterPath path = std::exchange(path_, {});
     pathOpen_ = false;
-    shapes_.draw(path, context_, part);
+    shapes_.draw(part == ShapePart::FillAndStroke ? closed(path) : path, context_, part);
 }
 
 void Player::on(const PathStep& record) {

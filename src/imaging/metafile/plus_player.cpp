@@ -194,7 +194,7 @@ class PlusPlayer::Impl {
         if (const auto rectangle = rectangleOf(path))
             state_.clip.intersect(QRegion(*rectangle));
         else
-            state_.clip.intersect(path);
+            state_.clip.intersect(path, canvas_.sheet());
     }
 
     void combine(const QRegion& region, PlusCombine how) {

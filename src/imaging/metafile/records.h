@@ -58,9 +58,10 @@ struct Pen {
 };
 
 struct Font {
-    double height = 0;  // negative: of the em; positive: of the cell; 0: the system's choice
-    double width = 0;   // of an average character; 0: as the font is
-    int escapement = 0; // tenths of a degree, against the clock
+    bool deviceUnits = false; // the height counts in them, whatever the mapping
+    double height = 0;        // negative: of the em; positive: of the cell; 0: the system's choice
+    double width = 0;         // of an average character; 0: as the font is
+    int escapement = 0;       // tenths of a degree, against the clock
     int weight = 400;
     bool italic = false;
     bool underline = false;

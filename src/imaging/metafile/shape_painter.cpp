@@ -31,7 +31,7 @@ void ShapePainter::prepare(const DeviceContext& context) {
     if (!clipSet_) {
         painter.resetTransform();
         Clip clip = context.clip;
-        clip.intersect(context.frozenClip);
+        clip.intersect(context.frozenClip, canvas_.sheet());
         painter.setRenderHint(QPainter::Antialiasing);
         clip.applyTo(painter);
         clipSet_ = true;

@@ -14,6 +14,7 @@ Object stockFont(const char* family, std::uint8_t pitchAndFamily) {
     constexpr double kHeight = 16;
     Font font;
     font.height = kHeight;
+    font.deviceUnits = true;
     font.family = QString::fromLatin1(family);
     font.pitchAndFamily = pitchAndFamily;
     return font;

@@ -18,8 +18,8 @@ constexpr char32_t kPrivateRange = 0xF000;
 constexpr char32_t kNone = 0xFFFD;
 
 // MT Extra has a few mathematical signs only.
-constexpr CodeTable kMtExtraCodes = U"BCIKLMNOUhlmo";
-constexpr CodeTable kMtExtraCharacters = U"≬∐⋂…⋯⋮⋰⋱⋃ℏℓ∓∘";
+constexpr CodeTable kMtExtraCodes = U"BCIKLMNOQU`abchlmorstvw#$%&{}";
+constexpr CodeTable kMtExtraCharacters = U"≬∐⋂…⋯⋮⋰⋱∵⋃‵↦↕⇕ℏℓ∓∘→←↔⇀↼ˋˆ˜˙⏟⏞";
 static_assert(kMtExtraCodes.size() == kMtExtraCharacters.size());
 
 enum class SymbolFont {

@@ -127,13 +127,15 @@ struct Frame {
     double width(double fontUnits) const { return fontUnits * perUnit * stretch; }
 };
 
-double emOf(const Font& font, const FontMetrics& metrics, double imagePerUnit) {
+// In logical units; `logicalPerDevice` of them are a device unit.
+double emOf(const Font& font, const FontMetrics& metrics, double logicalPerDevice) {
     constexpr double kUsualPixels = 13;
+    const double unit = font.deviceUnits ? logicalPerDevice : 1;
     if (font.height < 0)
-        return -font.height;
+        return -font.height * unit;
     if (font.height > 0)
-        return font.height * kUnitsPerEm / std::max(1.0, metrics.ascent + metrics.descent);
-    return kUsualPixels / std::max(imagePerUnit, 1e-6);
+        return font.height * unit * kUnitsPerEm / std::max(1.0, metrics.ascent + metrics.descent);
+    return kUsualPixels * logicalPerDevice;
 }
 
 Frame frameOf(const ChosenFont& font, const DeviceContext& context) {
@@ -143,7 +145,8 @@ Frame frameOf(const ChosenFont& font, const DeviceContext& context) {
     const QTransform& page = context.pageToImage;
     const double across = std::hypot(page.m11(), page.m12());
     const double down = std::hypot(page.m21(), page.m22());
-    frame.perUnit = emOf(font.record, frame.metrics, down) / kUnitsPerEm;
+    const double logicalPerDevice = context.imagePerDevice / std::max(down, 1e-6);
+    frame.perUnit = emOf(font.record, frame.metrics, logicalPerDevice) / kUnitsPerEm;
     const QTransform& world = context.mapping.world;
     const double fold = page.m22() < 0 ? -1 : 1; // the world's y axis runs as the page's does
     const double foldAcross = page.m11() < 0 ? -1 : 1;
@@ -189,13 +192,13 @@ Line layOut(const std::vector<Letter>& letters, const ChosenFont& font, const Fr
     return line;
 }
 
-QPointF originOf(const Line& line, const Frame& frame, const Text& text, unsigned alignment) {
+QPointF originOf(const Line& line, const Frame& frame, unsigned alignment) {
     QPointF origin;
     const unsigned across = alignment & Centre;
     if (across == Centre)
         origin.setX(-line.length / 2);
-    else if ((across == Right) != text.rightToLeft)
-        origin.setX(across == Right ? -line.length : 0);
+    else if (across == Right)
+        origin.setX(-line.length);
     if ((alignment & BaseLine) == BaseLine)
         origin.setY(0);
     else if ((alignment & Bottom) != 0)
@@ -244,6 +247,16 @@ QPointF logicalStep(QPointF step, const DeviceContext& context) {
     return back.map(step) - back.map(QPointF());
 }
 
+// Scripts that run leftwards are told in the order of reading. Letters are not joined.
+void putInOrderOfSight(std::vector<Letter>& letters) {
+    const auto strong = std::find_if(letters.begin(), letters.end(), [](const Letter& letter) {
+        const auto direction = QChar::direction(letter.character);
+        return direction == QChar::DirL || direction == QChar::DirR || direction == QChar::DirAL;
+    });
+    if (strong != letters.end() && QChar::direction(strong->character) != QChar::DirL)
+        std::reverse(letters.begin(), letters.end());
+}
+
 } // namespace
 
 ChosenFont chosenFont(const Font& record) {
@@ -261,13 +274,14 @@ ChosenFont chosenFont(const Font& record) {
 PlacedText placeText(const Text& text, const ChosenFont& font, const DeviceContext& context,
                      WorkBudget& budget) {
     constexpr std::size_t kPointsPerLetter = 20;
-    const std::vector<Letter> letters = lettersOf(text, font.record);
+    std::vector<Letter> letters = lettersOf(text, font.record);
+    putInOrderOfSight(letters);
     budget.spendPoints(kPointsPerLetter * (letters.size() + 1));
     const Frame frame = frameOf(font, context);
     const Line line = layOut(letters, font, frame, context);
     const bool moves = (context.textAlignment & MovesPosition) != 0;
     const QPointF reference = context.map(moves ? context.position : text.reference);
-    const QPointF origin = originOf(line, frame, text, context.textAlignment);
+    const QPointF origin = originOf(line, frame, context.textAlignment);
     const QTransform place =
         frame.toImage * QTransform::fromTranslate(reference.x(), reference.y());
 
