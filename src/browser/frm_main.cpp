@@ -7,11 +7,15 @@
 #include "browser/damaged_report.h"
 #include "browser/group_icons.h"
 #include "browser/group_tree.h"
+#include "browser/key_bindings.h"
 #include "browser/main_layout.h"
 #include "browser/main_menus.h"
+#include "browser/picture_clipboard.h"
 #include "browser/picture_panel.h"
 #include "browser/temporary_pictures.h"
+#include "browser/window_state.h"
 #include "commands/edit_picture.h"
+#include "commands/failure_report.h"
 #include "compound/error.h"
 #include "imaging/picture.h"
 #include "platform/native_disk.h"
@@ -70,6 +74,8 @@ frmMain::frmMain(StartMode mode)
     menus_ = new MainMenus(menuBar(), dispatcher_, this);
     connectTree();
     connectPanel();
+    bindKeys(*this, {tree_, panel_->strip(), panel_->list(), menus_, [this] { copyPicture(); },
+                     [this] { refresh(); }});
     setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));
     resize(kInitialSize);
 }
@@ -172,6 +178,7 @@ void frmMain::unload() {
     }
     try {
         settings.save();
+        saveWindowState(*this);
     } catch (const compound::Error& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, this);
     }
@@ -277,6 +284,37 @@ void frmMain::showSelectedGroup() {
     panel_->setGroup(isReadable ? std::optional(selected->address) : std::nullopt);
     CurrentGroup_ = tree_->selectedKey();
     panel_->showGroupAnew();
+}
+
+void frmMain::refresh() {
+    if (!Activated_) {
+        return;
+    }
+    const QString key = tree_->selectedKey();
+    FillTreeView();
+    if (!key.isEmpty() && !tree_->selectKey(key)) {
+        SelectFirstGroup();
+    } else if (!key.isEmpty()) {
+        CurrentGroup_ = key;
+        panel_->Aktualisieren();
+    }
+    updateMenuState();
+}
+
+void frmMain::copyPicture() {
+    const commands::SelectionContext selection =
+        commands::contextOf(selectedGroup(), shownPicture());
+    const auto group = selection.group();
+    if (!group || selection.pictureName.isEmpty() ||
+        selection.pictureName == app::text(app::kTextNoPicture)) {
+        return;
+    }
+    try {
+        copyToClipboard(*library_, *group, {selection.pictureName.toStdU16String()},
+                        app::settings().temporaryFolderPath());
+    } catch (const std::exception& error) {
+        commands::reportFailure(*this, selection, error, app::kProgramTitle, this);
+    }
 }
 
 int frmMain::GetNodeIndex(const QString& text) const {

@@ -65,6 +65,12 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void SetImgScrollProperties();
     void NoToolTip();
 
+    // Reads the library again and shows the same group and picture, if they are still there.
+    void refresh();
+
+    // Puts the shown picture on the clipboard; nothing without one.
+    void copyPicture();
+
     // The number, from 1, of the first node with that text; 0 if there is none.
     int GetNodeIndex(const QString& text) const;
 

@@ -4,6 +4,7 @@
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
 #include <QTreeWidgetItemIterator>
@@ -309,6 +310,16 @@ void GroupTree::mousePressEvent(QMouseEvent* event) {
 void GroupTree::mouseMoveEvent(QMouseEvent* event) {
     QTreeWidget::mouseMoveEvent(event);
     emit pointerMoved();
+}
+
+void GroupTree::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    QTreeWidgetItem* item = selectedItem();
+    if (isEnter && item != nullptr) {
+        item->setExpanded(!item->isExpanded());
+        return;
+    }
+    QTreeWidget::keyPressEvent(event);
 }
 
 void GroupTree::contextMenuEvent(QContextMenuEvent* event) {

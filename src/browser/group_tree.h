@@ -73,6 +73,7 @@ class GroupTree : public QTreeWidget {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override; // Enter unfolds or folds the selected node
 
   private:
     QTreeWidgetItem* selectedItem() const;

@@ -152,6 +152,18 @@ void MainMenus::setGraphicalPreview(bool on) {
     actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, 0))->setChecked(on);
 }
 
+void MainMenus::trigger(Command command) {
+    for (const Menu& menu : commands::menus()) {
+        for (const MenuItem& item : menu.items) {
+            if (item.command == command) {
+                actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, item.index))
+                    ->trigger();
+                return;
+            }
+        }
+    }
+}
+
 void MainMenus::popUp(commands::BandId band, const QPoint& globalPosition) {
     bands_.at(static_cast<std::size_t>(band))->popup(globalPosition);
 }

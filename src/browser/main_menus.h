@@ -41,6 +41,9 @@ class MainMenus : public QObject {
 
     void setGraphicalPreview(bool on);
 
+    // Chooses the menu's item of that command; nothing while it is disabled.
+    void trigger(commands::Command command);
+
     // Shows a band at that place of the screen.
     void popUp(commands::BandId band, const QPoint& globalPosition);
 

@@ -361,6 +361,14 @@ void PicturePanel::showStored(const store::StoredPicture& picture) {
     }
 }
 
+QWidget* PicturePanel::strip() const {
+    return strip_;
+}
+
+QWidget* PicturePanel::list() const {
+    return lvwInfo_;
+}
+
 void PicturePanel::ClearVorschau() {
     imgVorschau_->showNothing();
     shownType_.clear();

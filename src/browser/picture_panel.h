@@ -79,6 +79,10 @@ class PicturePanel : public QObject {
     void pointerOnFreeSurface();
     void hideToolTip();
 
+    // What has the focus when the user is among the pictures.
+    QWidget* strip() const;
+    QWidget* list() const;
+
     // Tab order: what comes before and after.
     void setTabOrderAfter(QWidget* before);
 

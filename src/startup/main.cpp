@@ -2,6 +2,7 @@
 
 #include "app/settings.h"
 #include "browser/frm_main.h"
+#include "browser/window_state.h"
 #include "platform/temporary_folder.h"
 #include "startup/options.h"
 #include "startup/screenshot.h"
@@ -63,6 +64,7 @@ int run(const startup::Options& options) {
     if (!options.screenshotFile.empty()) {
         screenshot.emplace(window, QString::fromStdString(options.screenshotFile));
     }
+    browser::restoreWindowState(window);
     window.show();
     const int status = QApplication::exec();
     platform::wipeTemporaryFolder(platform::CopiedPicture::Remove);

@@ -1,0 +1,33 @@
+// The keys of the main window. Each runs the command that menu and band run, and does nothing while
+// that one is disabled. What else a view does with keys is its own matter.
+//
+//   F2       renames: the group in the tree, the picture in the thumbnails (a list edits in place)
+//   Delete   deletes: the group in the tree, the picture in thumbnails and list
+//   Ctrl+C   copies the shown picture to the clipboard
+//   F5       reads the library again
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+class QMainWindow;
+class QWidget;
+
+namespace browser {
+
+class MainMenus;
+
+struct KeyTargets {
+    QWidget* tree = nullptr;
+    QWidget* strip = nullptr;
+    QWidget* list = nullptr;
+    MainMenus* menus = nullptr;
+    std::function<void()> copy;
+    std::function<void()> refresh;
+};
+
+// Binds the keys; what the targets name must live as long as the window.
+void bindKeys(QMainWindow& window, const KeyTargets& targets);
+
+} // namespace browser

@@ -1,0 +1,17 @@
+// Pictures on the clipboard, for programs that take an image and for those that take a file.
+#pragma once
+
+#include "store/library.h"
+
+#include <filesystem>
+
+namespace browser {
+
+// Puts the picture on the clipboard: as an image (a metafile drawn at its own size), and as a copy
+// of its file in that folder, named like the picture. Throws compound::Error when it cannot be read
+// or written; one that cannot be decoded is copied as a file alone. The clipboard is as it was when
+// it throws.
+void copyToClipboard(const store::Library& library, const store::GroupAddress& group,
+                     const store::PictureName& name, const std::filesystem::path& folder);
+
+} // namespace browser

@@ -1,0 +1,91 @@
+#include "browser/window_state.h"
+
+#include "platform/settings_backend.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+#include <algorithm>
+#include <array>
+
+namespace browser {
+namespace {
+
+constexpr int kMostPixels = 100'000;
+const QString kSection = QStringLiteral("Software\\NORAVEX GmbH\\GraphicsLib\\Window");
+
+QString read(const QString& name) {
+    return platform::nativeSettings().read(platform::Hive::CurrentUser, kSection, name, {});
+}
+
+int areaOf(const QRect& rectangle) {
+    return rectangle.isEmpty() ? 0 : rectangle.width() * rectangle.height();
+}
+
+} // namespace
+
+WindowState readWindowState() {
+    const std::array names{QStringLiteral("Left"), QStringLiteral("Top"), QStringLiteral("Width"),
+                           QStringLiteral("Height")};
+    std::array<int, 4> numbers{};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        bool isNumber = false;
+        numbers.at(i) = read(names.at(i)).toInt(&isNumber);
+        if (!isNumber || std::abs(numbers.at(i)) > kMostPixels) {
+            return {};
+        }
+    }
+    WindowState state;
+    state.place = QRect(numbers[0], numbers[1], numbers[2], numbers[3]);
+    state.maximised = read(QStringLiteral("Maximised")) == u'1';
+    return state.place.isEmpty() ? WindowState() : state;
+}
+
+void writeWindowState(const WindowState& state) {
+    platform::SettingsBackend& settings = platform::nativeSettings();
+    settings.write(kSection, QStringLiteral("Left"), QString::number(state.place.left()));
+    settings.write(kSection, QStringLiteral("Top"), QString::number(state.place.top()));
+    settings.write(kSection, QStringLiteral("Width"), QString::number(state.place.width()));
+    settings.write(kSection, QStringLiteral("Height"), QString::number(state.place.height()));
+    settings.write(kSection, QStringLiteral("Maximised"),
+                   state.maximised ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+QRect placeOnScreens(const QRect& place, QSize minimum, const QList<QRect>& screens) {
+    if (place.isEmpty() || screens.isEmpty()) {
+        return {};
+    }
+    const auto shows = [&place](const QRect& screen) { return areaOf(screen & place); };
+    const QRect& screen = *std::max_element(
+        screens.begin(), screens.end(),
+        [&shows](const QRect& one, const QRect& other) { return shows(one) < shows(other); });
+    const QSize size = place.size().boundedTo(screen.size()).expandedTo(minimum);
+    const int left =
+        std::max(screen.left(), std::min(place.left(), screen.right() + 1 - size.width()));
+    const int top =
+        std::max(screen.top(), std::min(place.top(), screen.bottom() + 1 - size.height()));
+    return {QPoint(left, top), size};
+}
+
+void restoreWindowState(QWidget& window) {
+    const WindowState state = readWindowState();
+    QList<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        screens.append(screen->availableGeometry());
+    }
+    const QRect place = placeOnScreens(state.place, window.minimumSize(), screens);
+    if (place.isValid()) {
+        window.setGeometry(place);
+    }
+    if (state.maximised) {
+        window.setWindowState(window.windowState() | Qt::WindowMaximized);
+    }
+}
+
+void saveWindowState(const QWidget& window) {
+    const QRect normal = window.normalGeometry();
+    writeWindowState({normal.isEmpty() ? window.geometry() : normal, window.isMaximized()});
+}
+
+} // namespace browser

@@ -1,0 +1,173 @@
+// The keys of the main window, on a group two deep.
+#include "app/settings.h"
+#include "app/texts.h"
+#include "store/picture_operations.h"
+#include "ui/main_window_fixture.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QFile>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTest>
+#include <QTreeWidget>
+#include <QUrl>
+
+namespace {
+
+class Keyboard : public MainWindowTest {
+  protected:
+    ~Keyboard() override { QApplication::setActiveWindow(nullptr); }
+
+    void startTwoDeep(const QStringList& pictures) {
+        const auto top = makeGroup("Pumpen");
+        group_ = makeGroup("Kreisel", top);
+        for (const QString& name : pictures) {
+            addPicture(group_, name);
+        }
+        start();
+        clickNode("Pumpen/Kreisel");
+        QApplication::setActiveWindow(&window());
+    }
+
+    void press(QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QApplication::setActiveWindow(&window()); // a dialog may have been it
+        widget->setFocus();
+        QTest::keyClick(widget, key, modifiers);
+        settle();
+    }
+    QWidget* strip() { return find<QWidget>("shpVorschau"); }
+
+    store::GroupAddress group_;
+};
+
+TEST_F(Keyboard, F2RenamesWhatHasTheFocus) {
+    startTwoDeep({"P1"});
+    QTest::keyClick(strip(), Qt::Key_Home);
+    inDialog([this] { press(strip(), Qt::Key_F2); },
+             [](QDialog& dialog) {
+                 EXPECT_EQ(dialog.objectName(), "frmEditSymbol");
+                 dialog.findChild<QLineEdit*>()->setText("Neu");
+                 QTest::keyClick(&dialog, Qt::Key_Return);
+             });
+    EXPECT_EQ(label(), "Neu");
+    inDialog([this] { press(tree(), Qt::Key_F2); },
+             [](QDialog& dialog) {
+                 EXPECT_EQ(dialog.objectName(), "frmEditGruppe");
+                 QTest::keyClick(&dialog, Qt::Key_Escape);
+                 EXPECT_FALSE(dialog.isVisible());
+             });
+    EXPECT_EQ(selectedNode(), "Kreisel");
+}
+
+TEST_F(Keyboard, DeleteAsksAndActsOnWhatHasTheFocus) {
+    startTwoDeep({"P1", "P2"});
+    {
+        const MessageBoxScript no({}, app::kAnswerNo);
+        press(strip(), Qt::Key_Delete);
+        press(tree(), Qt::Key_Delete);
+    }
+    EXPECT_EQ(store::listPictures(library(), group_).size(), 2U);
+    MessageBoxScript yes({}, app::kAnswerYes);
+    press(strip(), Qt::Key_Delete);
+    EXPECT_EQ(thumbnails(), QStringList{"P2"});
+    trigger("Men_Extras_0");
+    press(find<QTreeWidget>("lvwInfo"), Qt::Key_Delete);
+    EXPECT_TRUE(rows().isEmpty());
+    EXPECT_EQ(label(), app::text(app::kTextNoPicture));
+    yes.take();
+    press(find<QTreeWidget>("lvwInfo"), Qt::Key_Delete);
+    EXPECT_TRUE(yes.take().isEmpty()) << "there is nothing to ask about";
+    press(tree(), Qt::Key_Delete);
+    EXPECT_EQ(node("Pumpen")->childCount(), 0);
+}
+
+TEST_F(Keyboard, WithoutAGroupNothingIsDeleted) {
+    start();
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    press(strip(), Qt::Key_Delete);
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    EXPECT_TRUE(storagesFolder().isEmpty());
+}
+
+TEST_F(Keyboard, EnterFoldsTheNode) {
+    startTwoDeep({});
+    clickNode("Pumpen");
+    const bool was = node("Pumpen")->isExpanded();
+    press(tree(), Qt::Key_Return);
+    EXPECT_NE(node("Pumpen")->isExpanded(), was);
+    press(tree(), Qt::Key_Enter);
+    EXPECT_EQ(node("Pumpen")->isExpanded(), was);
+}
+
+TEST_F(Keyboard, CopyPutsImageAndFileOnTheClipboard) {
+    startTwoDeep({"Rote Pumpe"});
+    press(strip(), Qt::Key_C, Qt::ControlModifier);
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    ASSERT_NE(data, nullptr) << boxes_.takeText().toStdString();
+    ASSERT_TRUE(data->hasImage());
+    EXPECT_EQ(data->imageData().value<QImage>().pixelColor(1, 1), QColor(Qt::red));
+    ASSERT_EQ(data->urls().size(), 1);
+    QFile file(data->urls().front().toLocalFile());
+    EXPECT_TRUE(file.fileName().endsWith("/Rote Pumpe.BMP")) << file.fileName().toStdString();
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const auto stored = store::readPicture(library(), group_, {u"Rote Pumpe"}).bytes;
+    EXPECT_EQ(file.readAll().size(), qsizetype(stored.size()));
+
+    store::deletePicture(library(), group_, {u"Rote Pumpe"});
+    press(strip(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(boxes_.take().size(), 1) << "it is gone, and somebody has to say so";
+}
+
+TEST_F(Keyboard, RefreshShowsWhatOthersHaveChanged) {
+    startTwoDeep({"P1", "P2"});
+    QTest::keyClick(strip(), Qt::Key_End);
+    EXPECT_EQ(label(), "P2");
+    makeGroup("Behälter");
+    addPicture(group_, "P0");
+    press(strip(), Qt::Key_F5);
+    settle();
+    EXPECT_NE(node("Behälter"), nullptr);
+    EXPECT_EQ(selectedNode(), "Kreisel");
+    EXPECT_EQ(label(), "P2");
+    EXPECT_EQ(thumbnails().size(), 3);
+    store::deleteGroup(library(), group_);
+    press(strip(), Qt::Key_F5);
+    settle();
+    EXPECT_EQ(selectedNode(), "Behälter") << "the first node, in the place of one that is gone";
+}
+
+// The letter behind the first single "&".
+QChar mnemonicOf(QString text) {
+    text.remove(QStringLiteral("&&"));
+    const qsizetype at = text.indexOf(u'&');
+    return at >= 0 && at + 1 < text.size() ? text[at + 1].toLower() : QChar();
+}
+
+TEST_F(Keyboard, EveryMenuItemHasAMnemonicOfItsOwnInBothLanguages) {
+    for (const int language : {1031, 1033}) {
+        app::setLanguage(language);
+        start();
+        for (const QMenu* menu : window().findChildren<QMenu*>(QRegularExpression("^Men_"))) {
+            QSet<QChar> seen;
+            for (const QAction* action : menu->actions()) {
+                const QChar letter = mnemonicOf(action->text());
+                if (letter.isNull()) {
+                    continue;
+                }
+                EXPECT_FALSE(seen.contains(letter))
+                    << menu->objectName().toStdString() << ": " << action->text().toStdString();
+                seen.insert(letter);
+            }
+        }
+        restart();
+    }
+    app::setLanguage(1031);
+}
+
+} // namespace
