@@ -229,21 +229,23 @@ void PicturePanel::Aktualisieren() {
     emit menuStateWanted();
 }
 
-// The chosen picture may have got other bytes, or be gone; or the group has its first pictures now.
+// The chosen picture may have got other bytes or another spelling, or be gone; or the group has its
+// first pictures now.
 void PicturePanel::showAgain() {
     const QString shown = shownPicture();
     if (shown.isEmpty()) {
         return; // nothing was chosen yet
     }
-    bool isThere = false;
+    std::optional<store::PictureName> found;
     try {
-        isThere = library_ != nullptr && group_ && shown != app::text(app::kTextNoPicture) &&
-                  store::pictureExists(*library_, *group_, {shown.toStdU16String()});
+        if (library_ != nullptr && group_ && shown != app::text(app::kTextNoPicture)) {
+            found = store::findPicture(*library_, *group_, {shown.toStdU16String()});
+        }
     } catch (const std::exception&) {
-        isThere = false;
+        found.reset();
     }
-    if (isThere) {
-        choose(shown);
+    if (found) {
+        choose(QString::fromStdU16String(found->text));
     } else {
         SelectPicture();
     }

@@ -271,7 +271,12 @@ TEST_F(MainPictures, AReplacedPictureIsShownAnew) {
     settle();
     EXPECT_EQ(label(), "P2");
     EXPECT_EQ(previewCentre(), QColor(Qt::blue));
-    store::deletePicture(library(), group_, {u"P2"});
+    addPicture(group_, "p2", Qt::green); // replaces it under another spelling
+    window().Aktualisieren();
+    settle();
+    EXPECT_EQ(label(), "p2");
+    EXPECT_EQ(previewCentre(), QColor(Qt::green));
+    store::deletePicture(library(), group_, {u"p2"});
     window().Aktualisieren();
     settle();
     EXPECT_EQ(label(), "P1") << "the shown picture is gone";
