@@ -14,6 +14,33 @@ using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 
+// The group's own storages may take each other's places; nothing else in the file makes way.
+void refuseTakenStorages(StorageAccess& access, const StorageName& from, const std::u16string& to) {
+    for (const std::u16string& name : {to, infoStorageOf({to}).text}) {
+        const auto found = access.root().find(name);
+        if (found && !sameName(found->name, from.text) &&
+            !sameName(found->name, infoStorageOf(from).text))
+            throw Error(ErrorCode::Exists, access.file().disk().path(),
+                        "the file holds \"" + toUtf8(found->name) + "\" already");
+    }
+}
+
+void renamePair(StorageHandle root, const StorageName& from, const std::u16string& to) {
+    const std::u16string info = infoStorageOf(from).text;
+    const auto renameInfo = [&] {
+        if (root.find(info))
+            root.RenameElement(info, infoStorageOf({to}).text);
+    };
+    // "Pumps" that becomes "PumpsInfo", or the other way round: the storage in the way goes first.
+    if (sameName(to, info)) {
+        renameInfo();
+        root.RenameElement(from.text, to);
+    } else {
+        root.RenameElement(from.text, to);
+        renameInfo();
+    }
+}
+
 // Renames a storage's pair and its `Name`; the links of the groups below it follow.
 void renameTopLevelPair(StorageHandle root, const StorageName& from, const std::u16string& to) {
     for (const std::u16string& storage : rootStorages(root)) {
@@ -24,10 +51,7 @@ void renameTopLevelPair(StorageHandle root, const StorageName& from, const std::
         if (parent && sameName(*parent, from.text))
             writeGroupText(group, kParentStream, to);
     }
-    root.RenameElement(from.text, to);
-    const std::u16string info = infoStorageOf(from).text;
-    if (root.find(info))
-        root.RenameElement(info, infoStorageOf({to}).text);
+    renamePair(root, from, to);
     writeGroupText(root.OpenStorage(to, OpenMode::Open), kNameStream, to);
 }
 
@@ -47,6 +71,7 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
     old.openGroup(group, Access::Read);
     if (oldPath == newPath)
         return newName;
+    refuseTakenStorages(old, group.storage, newName.text);
     NewGroupFile file(library, newPath);
     compound::copyAll(old.file(), file.file());
     renameTopLevelPair(StorageHandle(file.file().root()), group.storage, newName.text);

@@ -158,6 +158,32 @@ TEST_F(GroupTest, RenamingNeverTakesAnotherGroupsName) {
     EXPECT_TRUE(groupExistsIgnoringCase(library, {u"ALPHA"}));
 }
 
+// The new name may be that of a storage in the group's own file.
+TEST_F(GroupTest, RenamingMovesTheOwnStoragesAndNoOthers) {
+    const GroupAddress pumps = topGroup(u"Pumps");
+    subGroup(pumps, u"Below");
+    add(pumps, u"logo", "logo bytes");
+    renameGroup(library, pumps, {u"PUMPSInfo"}); // stood in the way of itself
+    EXPECT_THAT(rootOf(u"PUMPSInfo"),
+                ElementsAre(u"PUMPSInfo", u"PUMPSInfoInfo", u"Sub1", u"Sub1Info"));
+    EXPECT_THAT(treeOf(u"PUMPSInfo"), ElementsAre("PUMPSInfo>Sub1:Below"));
+    EXPECT_EQ(bytesOf(topLevelAddress(u"PUMPSInfo"), u"logo"), "PIC480 480 logo bytes");
+    renameGroup(library, topLevelAddress(u"PUMPSInfo"), {u"Pumps"});
+    EXPECT_THAT(rootOf(u"Pumps"), ElementsAre(u"Pumps", u"PumpsInfo", u"Sub1", u"Sub1Info"));
+    expectSound(u"Pumps");
+
+    for (const std::u16string name : {u"sub1", u"Sub1Info"}) {
+        try {
+            renameGroup(library, pumps, {name});
+            ADD_FAILURE();
+        } catch (const compound::Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::Exists);
+            EXPECT_EQ(error.file(), "/library/Pumps.stg"); // no file that the user never saw
+        }
+    }
+    EXPECT_THAT(treeOf(u"Pumps"), ElementsAre("Pumps>Sub1:Below"));
+}
+
 TEST_F(GroupTest, ReplacingAGroupKeepsTheOldFileInTheTrash) {
     add(topGroup(u"Plant"), u"old");
     createGroup(library, std::nullopt, {u"Plant"}, IfTaken::Replace);
