@@ -208,6 +208,9 @@ void PicturePanel::showGroupAnew() {
         SetImgScrollProperties();
         MiniVorschau(0);
     } else {
+        // The thumbnails, when they come back, begin where the list does.
+        const QSignalBlocker quiet(imgScroll_);
+        imgScroll_->setValue(1);
         if (group_) {
             FillListView(*group_);
         } else {

@@ -119,6 +119,16 @@ TEST_F(MainPictures, PagesAreCutByElementIndex) {
     clickNode("Tanks");
     EXPECT_EQ(scroll->value(), 1);
     EXPECT_EQ(scroll->maximum(), 1);
+    // Also if it was chosen in the list.
+    clickNode("Pumpen");
+    scroll->setValue(3);
+    trigger("Men_Extras_0");
+    clickNode("Tanks");
+    clickNode("Pumpen");
+    trigger("Men_Extras_0");
+    settle();
+    EXPECT_EQ(scroll->value(), 1);
+    EXPECT_EQ(thumbnails(), pageNames(1, 3));
 }
 
 TEST_F(MainPictures, AnUndecodablePictureTakesACell) {
