@@ -259,6 +259,7 @@ void frmMain::TreeViewSelectNode(const store::GroupAddress& group) {
     SetCurrentGroup(group);
     tree_->select(group);
     SelectPicture();
+    updateMenuState();
 }
 
 void frmMain::TreeViewAdd(const store::GroupName& name) {

@@ -3,6 +3,7 @@
 #include "app/message_box.h"
 #include "app/texts.h"
 #include "commands/dispatcher.h"
+#include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
 #include "editing/frm_optionen_wmf.h"
@@ -34,8 +35,8 @@ std::optional<editing::PictureInGroup> shownPicture(const SelectionContext& sele
 }
 
 // Nothing after a box has told the failure.
-std::optional<QString> readType(LibraryView& view, const editing::PictureInGroup& picture) {
-    const store::Library& library = view.library();
+std::optional<QString> readType(const CommandCall& call, const editing::PictureInGroup& picture) {
+    const store::Library& library = call.view.library();
     try {
         const std::string type = store::readPictureType(library, picture.group, picture.name);
         // A picture may lack its record; one that another program has removed lacks it, too.
@@ -47,7 +48,8 @@ std::optional<QString> readType(LibraryView& view, const editing::PictureInGroup
         return QString::fromStdString(type);
     } catch (const std::exception& failure) {
         app::msgBox(editing::unreadableText(picture, failure), app::Buttons::Ok, app::kProgramTitle,
-                    view.owner());
+                    call.view.owner());
+        showWhatIsLeft(call.view, call.selection, failure);
         return std::nullopt;
     }
 }
@@ -70,7 +72,7 @@ void editPicture(CommandCall& call) {
     if (!picture) {
         return;
     }
-    const auto type = readType(call.view, *picture);
+    const auto type = readType(call, *picture);
     if (!type) {
         return;
     }

@@ -31,14 +31,19 @@ void showWhatIsThere(LibraryView& view, const store::GroupAddress& group,
 
 } // namespace
 
-void reportFailure(LibraryView& view, const SelectionContext& selection,
-                   const std::exception& failure, const QString& title, QWidget* owner) {
-    app::msgBox(failureText(selection, failure), app::Buttons::Ok, title, owner);
+void showWhatIsLeft(LibraryView& view, const SelectionContext& selection,
+                    const std::exception& failure) {
     const auto* error = dynamic_cast<const compound::Error*>(&failure);
     const auto group = selection.group();
     if (error != nullptr && group) {
         showWhatIsThere(view, *group, error->code());
     }
+}
+
+void reportFailure(LibraryView& view, const SelectionContext& selection,
+                   const std::exception& failure, const QString& title, QWidget* owner) {
+    app::msgBox(failureText(selection, failure), app::Buttons::Ok, title, owner);
+    showWhatIsLeft(view, selection, failure);
 }
 
 } // namespace commands

@@ -11,8 +11,11 @@ namespace commands {
 
 class LibraryView;
 
-// Shows a box with the group's path and the cause, then brings the window up to date where the
-// failure says that it shows what is not there any more.
+// Brings the window up to date after a failure that says that it shows what is not there any more.
+void showWhatIsLeft(LibraryView& view, const SelectionContext& selection,
+                    const std::exception& failure);
+
+// Shows a box with the group's path and the cause, then what is left.
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner);
 

@@ -79,9 +79,9 @@ void frmNeueGruppe::arrange() {
     all->setSizeConstraint(QLayout::SetFixedSize);
     txtNeu_->setMinimumWidth(260);
 
-    setTabOrder(txtNeu_, cmdOK_);
+    setTabOrder(txtNeu_, target_);
+    setTabOrder(target_, cmdOK_);
     setTabOrder(cmdOK_, cmdAbbruch_);
-    setTabOrder(cmdAbbruch_, target_);
 }
 
 void frmNeueGruppe::openFor(const SelectionContext& context) {

@@ -118,6 +118,7 @@ TEST_F(Keyboard, CopyPutsImageAndFileOnTheClipboard) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const auto stored = store::readPicture(library(), group_, {u"Rote Pumpe"}).bytes;
     EXPECT_EQ(file.readAll().size(), qsizetype(stored.size()));
+    EXPECT_TRUE(file.remove());
 
     store::deletePicture(library(), group_, {u"Rote Pumpe"});
     press(strip(), Qt::Key_C, Qt::ControlModifier);
