@@ -1,5 +1,5 @@
 // Outlines and measures of characters, free of screens, hinting and sizes.
-// Source of the measures: the OpenType specification, tables OS/2, post and hhea.
+// Source of the measures: ISO/IEC 14496-22 (OpenType), tables OS/2, post and hhea.
 #pragma once
 
 #include <QCache>
