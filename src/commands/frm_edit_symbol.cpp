@@ -104,7 +104,10 @@ QString frmEditSymbol::renameOrRefuse(const QString& name) {
     }
     const auto group = context_.group();
     const store::PictureName from{context_.pictureName.toStdU16String()};
-    if (!group || !store::findPicture(view_.library(), *group, from)) {
+    if (!group) {
+        return app::text(kNoPicture);
+    }
+    if (!store::findPicture(view_.library(), *group, from)) {
         // One that went behind the window's back is taken off the screen as well.
         if (!context_.pictureName.isEmpty() &&
             context_.pictureName != app::text(app::kTextNoPicture)) {
