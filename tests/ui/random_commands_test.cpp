@@ -28,6 +28,8 @@ namespace {
 using library_model::Content;
 using library_model::Source;
 
+constexpr int kSeeds = 4; // both languages, each with both decimal separators
+constexpr int kSteps = 1000;
 constexpr int kStepsBetweenChecks = 20;
 constexpr std::size_t kToldSteps = 20;
 constexpr std::size_t kManyGroups = 12;
@@ -38,7 +40,7 @@ int fromEnvironment(const char* name, int otherwise) {
 }
 
 std::vector<int> seeds() {
-    std::vector<int> all(static_cast<std::size_t>(fromEnvironment("TXS_COMMANDS_SEEDS", 2)));
+    std::vector<int> all(static_cast<std::size_t>(fromEnvironment("TXS_COMMANDS_SEEDS", kSeeds)));
     std::iota(all.begin(), all.end(), fromEnvironment("TXS_COMMANDS_FIRST_SEED", 1));
     return all;
 }
@@ -361,7 +363,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, RandomCommands, testing::ValuesIn(seeds()));
 TEST_P(RandomCommands, WindowFilesAndModelStayTheSame) {
     startSmall();
     screen_.restart();
-    const int steps = fromEnvironment("TXS_COMMANDS_STEPS", 600);
+    const int steps = fromEnvironment("TXS_COMMANDS_STEPS", kSteps);
     for (step_ = 1; step_ <= steps && !HasFailure(); ++step_) {
         step();
         compareTree();
