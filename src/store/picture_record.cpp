@@ -72,14 +72,17 @@ std::string formatRecord(const PictureRecord& record, char16_t decimalSeparator)
 PictureRecord parseRecord(std::string_view text) {
     const std::size_t w = text.find('w');
     const std::size_t t = text.find('t');
-    if (text.empty() || text.front() != 'h' || w == std::string_view::npos ||
-        t == std::string_view::npos || t < w)
+    if (w == std::string_view::npos || t == std::string_view::npos || t < w ||
+        !isTypeCode(text.substr(t + 1)))
         return {};
-    PictureRecord record;
-    record.type = std::string(text.substr(t + 1));
-    if (!isTypeCode(record.type) || !parseNumber(text.substr(1, w - 1), record.height) ||
-        !parseNumber(text.substr(w + 1, t - w - 1), record.width))
-        return {};
+    PictureRecord record{0, 0, std::string(text.substr(t + 1))};
+    float height = 0;
+    float width = 0;
+    if (text.front() == 'h' && parseNumber(text.substr(1, w - 1), height) &&
+        parseNumber(text.substr(w + 1, t - w - 1), width)) {
+        record.height = height;
+        record.width = width;
+    }
     return record;
 }
 

@@ -26,7 +26,8 @@ std::string numberText(float number, char16_t decimalSeparator);
 
 std::string formatRecord(const PictureRecord& record, char16_t decimalSeparator);
 
-// Strict: anything that is no record gives the empty record. Takes "." and "," for the separator.
+// Takes "." and "," for the separator. Sizes that are not written strictly so are 0, both of them,
+// and leave the type; what has neither form nor a type code gives the empty record.
 PictureRecord parseRecord(std::string_view text);
 
 } // namespace store

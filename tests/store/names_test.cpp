@@ -91,10 +91,20 @@ TEST(PictureRecord, ReadsStrictlyWithEitherSeparator) {
     EXPECT_EQ(record.width, 64.25F);
     EXPECT_EQ(record.type, "GIF");
     for (const char* text :
-         {"", "h", "h1w2", "h1w2t", "h1w2tXYZ", "h1w2tgif", "w2h1tGIF", "hwtGIF", "h1w2tGIF ",
-          "h-1w2tGIF", "hnanw1tGIF", "h1e99w1tGIF", "h 1w2tGIF", "h1t2wGIF", "h1.2.3w1tGIF"}) {
+         {"", "h", "h1w2", "h1w2t", "h1w2tXYZ", "h1w2tgif", "h1w2tGIF ", "h1t2wGIF"}) {
         EXPECT_EQ(parseRecord(text).type, "") << text;
         EXPECT_EQ(parseRecord(text).height, 0) << text;
+    }
+}
+
+// The type decides which window opens and how a copy's name ends.
+TEST(PictureRecord, KeepsTheTypeBesideAGarbledSize) {
+    for (const char* text : {"w2h1tGIF", "hwtGIF", "h-1w2tGIF", "hnanw1tGIF", "h1e99w1tGIF",
+                             "h 1w2tGIF", "h1w2.3.4tGIF", "2w1tGIF"}) {
+        const PictureRecord record = parseRecord(text);
+        EXPECT_EQ(record.type, "GIF") << text;
+        EXPECT_EQ(record.height, 0) << text;
+        EXPECT_EQ(record.width, 0) << text;
     }
 }
 
