@@ -49,7 +49,7 @@ std::optional<QString> readType(const CommandCall& call, const editing::PictureI
     } catch (const std::exception& failure) {
         app::msgBox(editing::unreadableText(picture, failure), app::Buttons::Ok, app::kProgramTitle,
                     call.view.owner());
-        showWhatIsLeft(call.view, call.selection, failure);
+        showWhatIsLeft(call.view, failure);
         return std::nullopt;
     }
 }

@@ -19,31 +19,27 @@ QString failureText(const SelectionContext& selection, const std::exception& fai
     return app::text(kGroupPrompt) + u' ' + selection.groupPath + u'\n' + cause;
 }
 
-// A locked file stays on the screen: reading it now would only show its group empty.
-void showWhatIsThere(LibraryView& view, const store::GroupAddress& group,
-                     compound::ErrorCode code) {
-    if (code == compound::ErrorCode::NotFound || code == compound::ErrorCode::OutcomeUnknown) {
-        view.FillTreeView();
-        view.TreeViewSelectNode(group);
-        view.Aktualisieren();
-    }
-}
-
 } // namespace
 
-void showWhatIsLeft(LibraryView& view, const SelectionContext& selection,
-                    const std::exception& failure) {
+// A locked file stays on the screen: reading it now would only show its group empty.
+void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
     const auto* error = dynamic_cast<const compound::Error*>(&failure);
-    const auto group = selection.group();
-    if (error != nullptr && group) {
-        showWhatIsThere(view, *group, error->code());
+    if (error == nullptr || (error->code() != compound::ErrorCode::NotFound &&
+                             error->code() != compound::ErrorCode::OutcomeUnknown)) {
+        return;
     }
+    const std::optional<SelectedGroup> selected = view.selectedGroup();
+    view.FillTreeView();
+    if (selected) {
+        view.TreeViewSelectNode(selected->address);
+    }
+    view.Aktualisieren();
 }
 
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner) {
     app::msgBox(failureText(selection, failure), app::Buttons::Ok, title, owner);
-    showWhatIsLeft(view, selection, failure);
+    showWhatIsLeft(view, failure);
 }
 
 } // namespace commands

@@ -11,11 +11,11 @@ namespace commands {
 
 class LibraryView;
 
-// Brings the window up to date after a failure that says that it shows what is not there any more.
-void showWhatIsLeft(LibraryView& view, const SelectionContext& selection,
-                    const std::exception& failure);
+// Brings the window up to date after a failure that says that it shows what is not there any more,
+// or perhaps not yet what is there now.
+void showWhatIsLeft(LibraryView& view, const std::exception& failure);
 
-// Shows a box with the group's path and the cause, then what is left.
+// Shows a box with the path of the selection's group and the cause, then what is left.
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner);
 

@@ -18,7 +18,8 @@ enum class ErrorCode {
     Denied,          // no permission, or a read-only medium
     InvalidName,     // the name cannot be an element's or a file's name
     InvalidPicture,  // the bytes cannot be decoded as a picture
-    OutcomeUnknown,  // the header could neither be written nor put back: old or new state
+    OutcomeUnknown,  // done, or not: the header could neither be written nor put back, or a file was
+                     // moved and its new place not made durable
     Failed,          // any other failure of the system
 };
 

@@ -83,7 +83,7 @@ void setAside(const Library& library, const FileName& file) {
     if (library.disk.exists(aside))
         library.disk.trash(aside);
     library.disk.renameWithoutReplacing(path, aside);
-    library.disk.syncFolder(library.folder);
+    syncPlaceOf(library, aside);
 }
 
 std::size_t removeDamagedFiles(const Library& library) {

@@ -76,14 +76,16 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
     compound::copyAll(old.file(), file.file());
     renameTopLevelPair(StorageHandle(file.file().root()), group.storage, newName.text);
     library.disk.copyAttributes(old.file().disk(), file.file().disk());
-    file.publish();
     try {
+        file.publish();
         library.disk.removeTemporary(oldPath);
     } catch (const Error&) {
-        library.disk.removeTemporary(newPath); // the group keeps its old name, and is there once
+        if (file.isPublished())
+            library.disk.removeTemporary(
+                newPath); // the group keeps its old name, and is there once
         throw;
     }
-    library.disk.syncFolder(library.folder);
+    syncPlaceOf(library, newPath);
     return newName;
 }
 

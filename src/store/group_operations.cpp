@@ -134,8 +134,14 @@ void removeGroupFile(const Library& library, const FileName& file) {
     const std::filesystem::path path = pathOf(library, file);
     // Whoever works on the group right now finishes first.
     const auto locked = openLocked(library.disk, path, Access::Read, library.lockWait);
-    library.disk.trash(path);
-    library.disk.syncFolder(path.parent_path());
+    try {
+        library.disk.trash(path);
+    } catch (const Error& error) {
+        if (library.disk.exists(path))
+            throw;
+        throw Error(ErrorCode::OutcomeUnknown, path, error.cause());
+    }
+    syncPlaceOf(library, path);
 }
 
 GroupSize readGroupSize(const Library& library, const GroupAddress& group) {

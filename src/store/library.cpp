@@ -71,4 +71,12 @@ std::vector<std::filesystem::path> damagedFiles(const Library& library) {
     return files;
 }
 
+void syncPlaceOf(const Library& library, const std::filesystem::path& file) {
+    try {
+        library.disk.syncFolder(file.parent_path());
+    } catch (const compound::Error& error) {
+        throw compound::Error(compound::ErrorCode::OutcomeUnknown, file, error.cause());
+    }
+}
+
 } // namespace store

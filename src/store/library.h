@@ -72,4 +72,8 @@ std::vector<FileName> groupFiles(const Library& library);
 // The files that were set aside as damaged ("*.err"), by name without regard to case.
 std::vector<std::filesystem::path> damagedFiles(const Library& library);
 
+// Makes a file's new place in its folder durable, after the file was moved or made there. When that
+// fails the change is done, but may not outlast a power cut: OutcomeUnknown.
+void syncPlaceOf(const Library& library, const std::filesystem::path& file);
+
 } // namespace store

@@ -90,7 +90,7 @@ void NewGroupFile::publish() {
     file_->commit();
     library_.disk.renameWithoutReplacing(temporary_, target_);
     published_ = true;
-    library_.disk.syncFolder(target_.parent_path());
+    syncPlaceOf(library_, target_);
 }
 
 void NewGroupFile::publishInPlaceOf(compound::DiskFile& old) {
@@ -98,7 +98,7 @@ void NewGroupFile::publishInPlaceOf(compound::DiskFile& old) {
     file_->commit();
     library_.disk.renameReplacing(temporary_, target_);
     published_ = true;
-    library_.disk.syncFolder(target_.parent_path());
+    syncPlaceOf(library_, target_);
 }
 
 } // namespace store

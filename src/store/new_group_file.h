@@ -25,11 +25,14 @@ class NewGroupFile {
     // Makes the content durable under the temporary name.
     void prepare() { file_->commit(); }
 
-    // Commits, and gives the file its name. Exists (and nothing changed) when the name is taken.
+    // Commits, and gives the file its name. Exists (and nothing changed) when the name is taken;
+    // OutcomeUnknown when the file bears the name, but only until the next power cut perhaps.
     void publish();
 
     // As publish, but atomically takes the place of `old`, whose permissions it gets.
     void publishInPlaceOf(compound::DiskFile& old);
+
+    bool isPublished() const { return published_; }
 
   private:
     std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder);

@@ -222,7 +222,7 @@ void MemoryDisk::renameReplacing(const std::filesystem::path& from,
 }
 
 void MemoryDisk::syncFolder(const std::filesystem::path&) {
-    announce(Call::Folder);
+    announce(Call::SyncFolder);
 }
 
 void MemoryDisk::trash(const std::filesystem::path& path) {

@@ -33,7 +33,7 @@ class MemoryDisk : public compound::Disk {
         bool locked = false;
     };
 
-    enum class Call { Read, Write, Sync, Truncate, Size, Lock, Folder };
+    enum class Call { Read, Write, Sync, Truncate, Size, Lock, Folder, SyncFolder };
 
     MemoryDisk() = default;
 

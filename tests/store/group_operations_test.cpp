@@ -191,6 +191,33 @@ TEST_F(GroupTest, ReplacingAGroupKeepsTheOldFileInTheTrash) {
     EXPECT_EQ(disk.trashed().size(), 1U);
 }
 
+// What was done is there; whether a power cut leaves it, nobody can tell.
+TEST_F(GroupTest, AMoveWhoseFolderCannotBeSyncedHasAnUnknownOutcome) {
+    const GroupAddress plant = topGroup(u"Plant");
+    add(plant, u"logo", "logo bytes");
+    int syncsThatSucceed = 0;
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::SyncFolder && syncsThatSucceed-- <= 0)
+            throw compound::Error(ErrorCode::Failed, "/library", "told to fail");
+    });
+    EXPECT_EQ(errorOf([&] { createGroup(library, std::nullopt, {u"New"}); }),
+              ErrorCode::OutcomeUnknown);
+    EXPECT_TRUE(groupExists(library, {u"New"}));
+
+    EXPECT_EQ(errorOf([&] { renameGroup(library, plant, {u"Works"}); }), ErrorCode::OutcomeUnknown);
+    EXPECT_TRUE(groupExists(library, {u"Plant"}));
+    EXPECT_FALSE(groupExists(library, {u"Works"})); // the group is there once
+    syncsThatSucceed = 1;
+    EXPECT_EQ(errorOf([&] { renameGroup(library, plant, {u"Works"}); }), ErrorCode::OutcomeUnknown);
+    EXPECT_FALSE(groupExists(library, {u"Plant"}));
+    EXPECT_EQ(bytesOf(topLevelAddress(u"Works"), u"logo"), "PIC480 480 logo bytes");
+
+    EXPECT_EQ(errorOf([&] { removeGroupFile(library, {u"Works"}); }), ErrorCode::OutcomeUnknown);
+    EXPECT_FALSE(groupExists(library, {u"Works"}));
+    EXPECT_EQ(disk.trashed().size(), 1U);
+    disk.setInterceptor({});
+}
+
 TEST_F(GroupTest, RenamingASubGroupChangesItsNameAlone) {
     const GroupAddress plant = topGroup(u"Plant");
     const GroupAddress twin = subGroup(plant, u"Twin");

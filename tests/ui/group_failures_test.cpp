@@ -67,6 +67,32 @@ TEST_P(GroupsOnFailingDisk, KeepATopLevelGroupUnderItsName) {
     EXPECT_EQ(view_.refreshes, 0);
 }
 
+// Done, but perhaps not for good: the tree has to show what is there now.
+TEST_P(GroupsOnFailingDisk, AreReadAnewWhenNobodyKnowsWhatIsThere) {
+    selectTopLevelGroup();
+    view_.disk.setInterceptor([](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::SyncFolder) {
+            throw compound::Error(GetParam().code, "/library", "told to fail");
+        }
+    });
+    const auto making = giveName("gNew"); // beside the selected group, not in it
+    ASSERT_EQ(making.size(), 1);
+    EXPECT_EQ(making[0].text.toStdString(),
+              "/library/Neu.stg\nEs ist unklar, ob die Änderung gespeichert wurde. (told to fail)");
+    EXPECT_GT(view_.refreshes, 0);
+
+    view_.refreshes = 0;
+    MessageBoxScript yes({}, app::kAnswerYes);
+    commands::Dispatcher(view_).toolClick("gDelete");
+    const auto deleting = yes.take();
+    ASSERT_EQ(deleting.size(), 2); // the question comes first
+    EXPECT_EQ(deleting[1].text.toStdString(),
+              "Gruppe: Pumpen\n/library/Pumpen.stg\n"
+              "Es ist unklar, ob die Änderung gespeichert wurde. (told to fail)");
+    EXPECT_GT(view_.refreshes, 0);
+    view_.disk.setInterceptor({});
+}
+
 TEST_P(GroupsOnFailingDisk, KeepATopLevelGroupThatNoTrashTakes) {
     selectTopLevelGroup();
     view_.disk.setInterceptor([](MemoryDisk::Call call) {
