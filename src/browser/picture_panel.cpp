@@ -258,7 +258,7 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
     if (group_ != group) {
         return;
     }
-    setLabel(name);
+    setShownPicture(name);
     if (!GraphicalPreview_) {
         FillListView(group);
         lvwInfo_->select(name);
@@ -317,12 +317,13 @@ void PicturePanel::VorschauDeaktiviert() {
 // --- The shown picture
 
 QString PicturePanel::shownPicture() const {
-    return lblAktuell_->text();
+    return shownPicture_;
 }
 
-void PicturePanel::setLabel(const QString& text) {
-    lblAktuell_->setText(text);
-    strip_->mark(text);
+void PicturePanel::setShownPicture(const QString& name) {
+    shownPicture_ = name;
+    lblAktuell_->setText(name);
+    strip_->mark(name);
 }
 
 void PicturePanel::SelectPicture() {
@@ -338,7 +339,7 @@ void PicturePanel::SelectPicture() {
         first.reset();
     }
     if (first) {
-        setLabel(QString::fromStdU16String(first->name.text));
+        setShownPicture(QString::fromStdU16String(first->name.text));
         showStored(*first);
     } else {
         ShowNoPicture();
@@ -346,7 +347,7 @@ void PicturePanel::SelectPicture() {
 }
 
 void PicturePanel::choose(const QString& name) {
-    setLabel(name);
+    setShownPicture(name);
     shownType_.clear();
     try {
         if (library_ != nullptr && group_) {
@@ -390,7 +391,7 @@ void PicturePanel::NoToolTip() {
 }
 
 void PicturePanel::ShowNoPicture() {
-    setLabel(app::text(app::kTextNoPicture));
+    setShownPicture(app::text(app::kTextNoPicture));
     ClearVorschau();
 }
 
@@ -403,7 +404,7 @@ void PicturePanel::renamed(const store::GroupAddress& group, const QString& from
         return; // a click on another group has ended the editing
     }
     lvwInfo_->rename(from, to);
-    setLabel(to);
+    setShownPicture(to);
 }
 
 // --- Tool tip

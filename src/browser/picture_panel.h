@@ -56,7 +56,7 @@ class PicturePanel : public QObject {
     // The same without going through the scroll bar's handler: for groups chosen by commands.
     void showGroupAnew();
 
-    QString shownPicture() const;                           // the label's text
+    QString shownPicture() const; // the name below the preview; see LibraryView
     const QString& shownType() const { return shownType_; } // of the picture; may be empty
 
     bool GraphicalPreview() const { return GraphicalPreview_; }
@@ -99,7 +99,7 @@ class PicturePanel : public QObject {
     void onTimer();
     void choose(const QString& name);
     void showStored(const store::StoredPicture& picture);
-    void setLabel(const QString& text);
+    void setShownPicture(const QString& name);
     void showListRow();
     void showAgain();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
@@ -117,6 +117,7 @@ class PicturePanel : public QObject {
     const store::Library* library_ = nullptr;
     std::optional<store::GroupAddress> group_;
     app::TwipRect area_;
+    QString shownPicture_;
     QString shownType_;
     bool GraphicalPreview_ = true;
 };
