@@ -6,6 +6,11 @@
 #include "platform/help.h"
 #include "platform/paths.h"
 
+#include <QAbstractButton>
+#include <QShortcut>
+
+#include <utility>
+
 namespace app {
 
 namespace {
@@ -14,9 +19,18 @@ constexpr TextPair kFileMissing = {u"Die Hilfedatei fehlt:", u"The help file is 
 constexpr TextPair kNoViewer = {u"Für die Hilfedatei gibt es keine Anzeige:",
                                 u"There is no viewer for the help file:"};
 
+HelpHandler& currentHandler() {
+    static HelpHandler handler;
+    return handler;
+}
+
 } // namespace
 
 void showHelp(HelpTopic topic, QWidget* owner) {
+    if (currentHandler()) {
+        currentHandler()(topic);
+        return;
+    }
     const QString file = platform::nativePath(settings().helpFile());
     const platform::HelpOutcome outcome = platform::displayHelp(file, static_cast<int>(topic));
     if (outcome == platform::HelpOutcome::Shown)
@@ -24,6 +38,17 @@ void showHelp(HelpTopic topic, QWidget* owner) {
     const bool isMissing = outcome == platform::HelpOutcome::FileMissing;
     msgBox(text(isMissing ? kFileMissing : kNoViewer) + u'\n' + file, Buttons::Ok, kProgramTitle,
            owner);
+}
+
+void offerHelp(QWidget& window, QAbstractButton* button, HelpTopic topic) {
+    const auto help = [&window, topic] { showHelp(topic, &window); };
+    QObject::connect(button, &QAbstractButton::clicked, &window, help);
+    auto* key = new QShortcut(QKeySequence(Qt::Key_F1), &window);
+    QObject::connect(key, &QShortcut::activated, &window, help);
+}
+
+void setHelpHandler(HelpHandler handler) {
+    currentHandler() = std::move(handler);
 }
 
 } // namespace app

@@ -1,6 +1,9 @@
 // Context help, by the number of the topic.
 #pragma once
 
+#include <functional>
+
+class QAbstractButton;
 class QWidget;
 
 namespace app {
@@ -21,5 +24,12 @@ enum class HelpTopic {
 
 // Opens the help file at the topic. Where that is impossible a box names the help file.
 void showHelp(HelpTopic topic, QWidget* owner);
+
+// Lets the button and the key F1 show the window's topic.
+void offerHelp(QWidget& window, QAbstractButton* button, HelpTopic topic);
+
+// Tests look which topic is shown. An empty handler restores the help file.
+using HelpHandler = std::function<void(HelpTopic topic)>;
+void setHelpHandler(HelpHandler handler);
 
 } // namespace app

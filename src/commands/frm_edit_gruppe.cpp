@@ -11,7 +11,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 
 namespace commands {
 namespace {
@@ -54,9 +53,7 @@ frmEditGruppe::frmEditGruppe(LibraryView& view, QWidget* owner)
 void frmEditGruppe::connectControls() {
     connect(cmdOK_, &QPushButton::clicked, this, &frmEditGruppe::rename);
     connect(cmdAbbruch_, &QPushButton::clicked, this, &QDialog::reject);
-    const auto help = [this] { app::showHelp(app::HelpTopic::EditGroup, this); };
-    connect(cmdHilfe_, &QPushButton::clicked, this, help);
-    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+    app::offerHelp(*this, cmdHilfe_, app::HelpTopic::EditGroup);
 }
 
 void frmEditGruppe::openFor(const SelectionContext& context) {

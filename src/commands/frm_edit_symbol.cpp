@@ -13,7 +13,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 
 namespace commands {
 namespace {
@@ -67,9 +66,7 @@ frmEditSymbol::frmEditSymbol(LibraryView& view, QWidget* owner)
 void frmEditSymbol::connectControls() {
     connect(cmdOK_, &QPushButton::clicked, this, &frmEditSymbol::rename);
     connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
-    const auto help = [this] { app::showHelp(app::HelpTopic::RenamePicture, this); };
-    connect(cmdHilfe_, &QPushButton::clicked, this, help);
-    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+    app::offerHelp(*this, cmdHilfe_, app::HelpTopic::RenamePicture);
 }
 
 void frmEditSymbol::openFor(const SelectionContext& context) {

@@ -11,7 +11,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QShortcut>
 
 namespace commands {
 namespace {
@@ -95,9 +94,7 @@ void frmGroupInfo::arrange() {
 
 void frmGroupInfo::connectControls() {
     connect(cmdOK_, &QPushButton::clicked, this, &QDialog::accept);
-    const auto help = [this] { app::showHelp(app::HelpTopic::GroupInformation, this); };
-    connect(cmdHelp_, &QPushButton::clicked, this, help);
-    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+    app::offerHelp(*this, cmdHelp_, app::HelpTopic::GroupInformation);
 }
 
 void frmGroupInfo::openFor(const SelectionContext& context) {

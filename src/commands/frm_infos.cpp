@@ -13,7 +13,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QShortcut>
 
 #include <algorithm>
 #include <cmath>
@@ -196,9 +195,7 @@ void frmInfos::connectControls() {
     connect(optTwip_, &QRadioButton::clicked, this,
             [this] { convert([](double pixels) { return pixels * app::kTwipsPerPixel; }); });
     connect(cmdOK_, &QPushButton::clicked, this, &QDialog::reject);
-    const auto help = [this] { app::showHelp(app::HelpTopic::PictureInformation, this); };
-    connect(cmdZur_ck_, &QPushButton::clicked, this, help);
-    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+    app::offerHelp(*this, cmdZur_ck_, app::HelpTopic::PictureInformation);
 }
 
 void frmInfos::openFor(const store::Library& library, const store::GroupAddress& group,

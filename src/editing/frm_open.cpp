@@ -22,7 +22,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QShowEvent>
 #include <QVBoxLayout>
 
@@ -212,9 +211,7 @@ void frmOpen::connectControls() {
     connect(filDatei_, &FileList::fileClicked, this, &frmOpen::openFile);
     connect(cmdOK_, &QPushButton::clicked, this, &frmOpen::save);
     connect(cmdAbbruch_, &QPushButton::clicked, this, &frmOpen::goBack);
-    const auto help = [this] { app::showHelp(app::HelpTopic::AddPicture, this); };
-    connect(cmdHilfe_, &QPushButton::clicked, this, help);
-    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this, help);
+    app::offerHelp(*this, cmdHilfe_, app::HelpTopic::AddPicture);
 }
 
 void frmOpen::setCaptions() {
