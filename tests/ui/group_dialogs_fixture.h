@@ -1,21 +1,14 @@
 // The main window in both languages, with short ways to use the dialogs on groups.
 #pragma once
 
-#include "app/texts.h"
-#include "ui/main_window_fixture.h"
+#include "ui/every_language.h"
 
 #include <QLineEdit>
 #include <QString>
 #include <QTest>
 
-class GroupDialogsTest : public MainWindowTest, public testing::WithParamInterface<int> {
+class GroupDialogsTest : public EveryLanguageTest {
   protected:
-    GroupDialogsTest() { app::setLanguage(GetParam()); }
-
-    static QString say(const char* german, const char* english) {
-        return QString::fromUtf8(GetParam() == app::kGermanLocale ? german : english);
-    }
-
     // Opens a dialog by the action and works on its name field.
     void inNameField(const QString& action,
                      const std::function<void(QDialog&, QLineEdit&)>& steps) {

@@ -35,8 +35,7 @@ class GroupNames : public GroupDialogsTest {
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Languages, GroupNames,
-                         testing::Values(app::kGermanLocale, app::kEnglishLocale));
+INSTANTIATE_TEST_SUITE_P(Languages, GroupNames, EveryLanguageTest::all());
 
 TEST_P(GroupNames, RenamingRefusesInItsOwnOrderAndWritesNothing) {
     const auto pumps = makeGroup("Pumpen");

@@ -366,10 +366,6 @@ TEST_F(MainGroups, CaptionsFollowTheLanguage) {
     EXPECT_FALSE(find<QAction>("Men_Bearbeiten_0")->isVisible());
     trigger("gEdit"); // stands in the layout without a command
     EXPECT_TRUE(boxes_.take().isEmpty());
-    trigger("Men_Hilfe_1"); // German in both languages
-    EXPECT_EQ(boxes_.takeText(), "Leider noch keine Hilfe verfügbar");
-    trigger("Men_Hilfe_0");
-    EXPECT_TRUE(boxes_.takeText().contains("TXSGraphicsLib.chm"));
 }
 
 TEST_F(MainGroups, LeavingSavesTheSettingsAndRemovesTemporaryPictures) {

@@ -1,14 +1,12 @@
 // Renaming, deleting and looking at pictures through the real menus and dialogs, in both languages
 // and with both decimal separators.
-#include "app/number_text.h"
 #include "app/settings.h"
-#include "app/texts.h"
 #include "commands/edit_picture.h"
 #include "commands/enabling.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "store/storage_access.h"
-#include "ui/main_window_fixture.h"
+#include "ui/every_language.h"
 
 #include <QAction>
 #include <QApplication>
@@ -22,25 +20,8 @@
 
 namespace {
 
-struct Setting {
-    int locale;
-    QChar separator;
-};
-
-class PictureDialogs : public MainWindowTest, public testing::WithParamInterface<Setting> {
+class PictureDialogs : public EveryLanguageTest {
   protected:
-    PictureDialogs() {
-        app::setLanguage(GetParam().locale);
-        app::overrideDecimalSeparator(GetParam().separator);
-    }
-
-    // Which of the two texts belongs to the test's language.
-    static QString say(const char* german, const char* english) {
-        return QString::fromUtf8(GetParam().locale == app::kGermanLocale ? german : english);
-    }
-
-    static bool hasComma() { return GetParam().separator == u','; }
-
     // A group two levels deep with these pictures; each group above it, and the group of another
     // file, has a picture P1 of its own.
     void makeLibrary(const QStringList& names) {
@@ -165,11 +146,7 @@ class PictureDialogs : public MainWindowTest, public testing::WithParamInterface
     std::vector<store::GroupAddress> others_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Languages, PictureDialogs,
-                         testing::Values(Setting{app::kGermanLocale, u','},
-                                         Setting{app::kGermanLocale, u'.'},
-                                         Setting{app::kEnglishLocale, u','},
-                                         Setting{app::kEnglishLocale, u'.'}));
+INSTANTIATE_TEST_SUITE_P(Languages, PictureDialogs, EveryLanguageTest::all());
 
 // --- Renaming
 

@@ -1,10 +1,8 @@
 // The library information and the editor options, in both languages.
-#include "app/number_text.h"
-#include "app/texts.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "store/storage_access.h"
-#include "ui/main_window_fixture.h"
+#include "ui/every_language.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -14,12 +12,8 @@
 
 namespace {
 
-class ProgramDialogs : public MainWindowTest, public testing::WithParamInterface<int> {
+class ProgramDialogs : public EveryLanguageTest {
   protected:
-    ProgramDialogs() { app::setLanguage(GetParam()); }
-
-    static bool isGerman() { return GetParam() == app::kGermanLocale; }
-
     // What the library information says, in one line.
     QString counts() {
         QString result;
@@ -65,8 +59,7 @@ class ProgramDialogs : public MainWindowTest, public testing::WithParamInterface
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Languages, ProgramDialogs,
-                         testing::Values(app::kGermanLocale, app::kEnglishLocale));
+INSTANTIATE_TEST_SUITE_P(Languages, ProgramDialogs, EveryLanguageTest::all());
 
 TEST_P(ProgramDialogs, InformationCountsTheLibraryAfreshEachTime) {
     start();
@@ -86,9 +79,7 @@ TEST_P(ProgramDialogs, InformationCountsTheLibraryAfreshEachTime) {
     access.infoStorage().DestroyElement(u"P2");
     access.Commit();
     access.release();
-    EXPECT_EQ(counts(), countsText("2", "2,5"));
-    app::overrideDecimalSeparator(u'.');
-    EXPECT_EQ(counts(), countsText("2", "2.5"));
+    EXPECT_EQ(counts(), countsText("2", number("2.5")));
 
     // Neither what is no group file nor what cannot be read counts.
     writeGroupFile("Kaputt.stg", "no compound file");
@@ -105,6 +96,16 @@ TEST_P(ProgramDialogs, InformationSaysWhenThereIsNoLibrary) {
     const QString text = boxes_.takeText();
     EXPECT_TRUE(text.startsWith(QString::fromStdString(library().folder.string())))
         << text.toStdString();
+}
+
+TEST_P(ProgramDialogs, TheHelpCommandsSayThatThereIsNoHelp) {
+    start();
+    trigger("Men_Hilfe_1"); // German in both languages
+    EXPECT_EQ(takeTexts(), QStringList{"Leider noch keine Hilfe verfügbar"});
+    trigger("Men_Hilfe_0");
+    const QStringList texts = takeTexts();
+    ASSERT_EQ(texts.size(), 1);
+    EXPECT_TRUE(texts[0].contains("TXSGraphicsLib.chm")) << texts[0].toStdString();
 }
 
 TEST_P(ProgramDialogs, EditorOptionsOnlyTell) {

@@ -1,0 +1,179 @@
+// What holds for every dialog: it is reached by its command, names its controls for those who do
+// not see them, leads the Tab key in the order of reading, shows its topic of the help, and goes
+// away with Escape, changing nothing.
+#include "app/help.h"
+#include "ui/every_language.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QTest>
+
+#include <algorithm>
+
+namespace {
+
+enum class Place { AsTheDesktopLikes, Centred };
+
+struct DialogCase {
+    const char* action;
+    const char* dialog;
+    Place place;
+    const char* helpButton; // none: the dialog has no topic of its own
+    int topic;
+};
+
+constexpr DialogCase kDialogs[] = {
+    {"gNew", "frmNeueGruppe", Place::AsTheDesktopLikes, nullptr, 0},
+    {"gRename", "frmEditGruppe", Place::AsTheDesktopLikes, "cmdHilfe", 7},
+    {"gInfo", "frmGroupInfo", Place::AsTheDesktopLikes, "cmdHelp", 8},
+    {"gOpen", "frmOpen", Place::Centred, "cmdHilfe", 6},
+    {"bRename", "frmEditSymbol", Place::AsTheDesktopLikes, "cmdHilfe", 4},
+    {"bInfo", "frmInfos", Place::Centred, "cmdZur_ck", 5},
+    {"Men_Extras_1", "frmEditorOptionen", Place::AsTheDesktopLikes, nullptr, 0},
+    {"Men_Hilfe_3", "frmInfo", Place::Centred, nullptr, 0},
+};
+
+std::string nameOf(const QWidget* widget) {
+    return (widget->objectName() + " (" + widget->metaObject()->className() + ")").toStdString();
+}
+
+bool takesTab(const QWidget* widget) {
+    return widget->isVisible() && widget->isEnabled() &&
+           (widget->focusPolicy() & Qt::TabFocus) != 0;
+}
+
+QChar mnemonicOf(QString caption) {
+    caption.remove(QStringLiteral("&&"));
+    const qsizetype at = caption.indexOf(u'&');
+    return at >= 0 && at + 1 < caption.size() ? caption[at + 1].toLower() : QChar();
+}
+
+class EveryDialog : public EveryLanguageTest {
+  protected:
+    ~EveryDialog() override { QApplication::setActiveWindow(nullptr); }
+
+    void startTwoDeep() {
+        const auto group = makeGroup("Kreisel", makeGroup("Pumpen"));
+        addPicture(group, "P1");
+        start();
+        clickNode("Pumpen/Kreisel");
+        QApplication::setActiveWindow(&window());
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Languages, EveryDialog, EveryLanguageTest::all());
+
+void expectNamed(QWidget& dialog) {
+    EXPECT_FALSE(dialog.windowTitle().isEmpty());
+    for (const QWidget* control : dialog.findChildren<QWidget*>()) {
+        if (!takesTab(control)) {
+            continue;
+        }
+        auto* accessible = QAccessible::queryAccessibleInterface(const_cast<QWidget*>(control));
+        ASSERT_NE(accessible, nullptr) << nameOf(control);
+        EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty()) << nameOf(control);
+    }
+}
+
+void expectOwnMnemonics(const QWidget& dialog) {
+    QString seen;
+    const auto take = [&](const QString& caption) {
+        const QChar letter = mnemonicOf(caption);
+        EXPECT_FALSE(!letter.isNull() && seen.contains(letter)) << caption.toStdString();
+        seen += letter.isNull() ? QString() : QString(letter);
+    };
+    for (const auto* button : dialog.findChildren<QAbstractButton*>()) {
+        take(button->text());
+    }
+    for (const auto* label : dialog.findChildren<QLabel*>()) {
+        take(label->buddy() != nullptr ? label->text() : QString());
+    }
+}
+
+// The Tab key comes to every control once, and never goes back up and to the left.
+void expectReadingOrder(QWidget& dialog) {
+    QApplication::setActiveWindow(&dialog);
+    QList<QWidget*> order;
+    for (QWidget* now = dialog.focusWidget(); now != nullptr && !order.contains(now);
+         now = QApplication::focusWidget()) {
+        order.append(now);
+        QTest::keyClick(now, Qt::Key_Tab);
+    }
+    int tabbed = 0;
+    for (const QWidget* control : dialog.findChildren<QWidget*>()) {
+        const auto* radio = qobject_cast<const QAbstractButton*>(control);
+        const bool isOtherRadio = radio != nullptr && radio->autoExclusive() && !radio->isChecked();
+        tabbed += takesTab(control) && !isOtherRadio ? 1 : 0;
+    }
+    EXPECT_EQ(order.size(), tabbed);
+    // The walk begins where the dialog wants the user; it is read from the first control on.
+    const auto placeOf = [&](QWidget* control) { return control->mapTo(&dialog, QPoint(0, 0)); };
+    const auto first = std::min_element(order.begin(), order.end(), [&](QWidget* a, QWidget* b) {
+        return std::pair(placeOf(a).y(), placeOf(a).x()) <
+               std::pair(placeOf(b).y(), placeOf(b).x());
+    });
+    std::rotate(order.begin(), first, order.end());
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        const QPoint before = placeOf(order[i - 1]);
+        const QPoint now = placeOf(order[i]);
+        EXPECT_TRUE(now.y() > before.y() || now.x() > before.x())
+            << nameOf(order[i]) << " after " << nameOf(order[i - 1]);
+    }
+}
+
+void expectPlace(const QDialog& dialog, Place place) {
+    if (place == Place::Centred) {
+        const QRect screen = dialog.screen()->geometry();
+        EXPECT_EQ(dialog.x(), (screen.width() - dialog.width()) / 2);
+        EXPECT_EQ(dialog.y(), (screen.height() - dialog.height()) / 2);
+    }
+}
+
+void expectHelp(QDialog& dialog, const DialogCase& entry) {
+    QList<int> topics;
+    app::setHelpHandler([&](app::HelpTopic topic) { topics.append(static_cast<int>(topic)); });
+    QList<int> expected;
+    if (entry.helpButton != nullptr) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(entry.helpButton), Qt::LeftButton);
+        expected = {entry.topic, entry.topic};
+    }
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_F1);
+    EXPECT_EQ(topics, expected);
+    EXPECT_TRUE(dialog.isVisible());
+    app::setHelpHandler({});
+}
+
+TEST_P(EveryDialog, NamesItsControlsLeadsTheTabKeyHelpsAndLeavesByEscape) {
+    startTwoDeep();
+    for (const DialogCase& entry : kDialogs) {
+        SCOPED_TRACE(entry.dialog);
+        inDialog([&] { trigger(entry.action); },
+                 [&](QDialog& dialog) {
+                     EXPECT_EQ(dialog.objectName(), entry.dialog);
+                     EXPECT_EQ(dialog.parentWidget(), &window());
+                     expectNamed(dialog);
+                     expectOwnMnemonics(dialog);
+                     expectReadingOrder(dialog);
+                     expectPlace(dialog, entry.place);
+                     expectHelp(dialog, entry);
+                     QTest::keyClick(&dialog, Qt::Key_Escape);
+                     EXPECT_FALSE(dialog.isVisible());
+                 });
+    }
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    EXPECT_EQ(thumbnails(), QStringList{"P1"});
+    EXPECT_EQ(storagesFolder(), QStringList{"Pumpen.stg"});
+}
+
+TEST_P(EveryDialog, TheMainWindowNamesItsControlsAsWell) {
+    startTwoDeep();
+    expectNamed(window());
+    trigger("Men_Extras_0"); // the list in the place of the thumbnails
+    expectNamed(window());
+}
+
+} // namespace
