@@ -69,6 +69,11 @@ std::filesystem::path Settings::temporaryFolderPath() const {
     return platform::toFilePath(temporaryFolder_);
 }
 
+std::filesystem::path Settings::restoredTemporaryFolderPath() const {
+    platform::restoreTemporaryFolder();
+    return temporaryFolderPath();
+}
+
 QString Settings::readCommon() const {
     return backend_.read(Hive::LocalMachine, kMakerKey, QStringLiteral("Common"), kDefaultCommon);
 }

@@ -41,6 +41,9 @@ class Settings {
     std::filesystem::path helpFilePath() const;
     std::filesystem::path temporaryFolderPath() const;
 
+    // The same, for writing to it: made again if a cleaner of temporary files has taken it.
+    std::filesystem::path restoredTemporaryFolderPath() const;
+
     const QString& drive() const { return drive_; }
     void setDrive(const QString& drive) { drive_ = drive; }
     const QString& path() const { return path_; }

@@ -9,11 +9,15 @@
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
 #include <memory>
 #include <system_error>
 
 namespace browser {
 namespace {
+
+// Apart from the files that windows hand to each other: a picture may be named like one of them.
+constexpr const char* kFolder = "Clipboard";
 
 QImage imageOf(const store::StoredPicture& picture) {
     try {
@@ -24,17 +28,30 @@ QImage imageOf(const store::StoredPicture& picture) {
     }
 }
 
+// Names in a group file that another program has written may be paths, or hold what no file
+// system takes.
+std::string fileNameFor(std::u16string name) {
+    const auto isUnfit = [](char16_t unit) {
+        return unit < u' ' ||
+               std::u16string_view(u"/\\:*?\"<>|\x7F").find(unit) != std::u16string_view::npos;
+    };
+    std::replace_if(name.begin(), name.end(), isUnfit, u'_');
+    if (name.empty() || name.front() == u'.') {
+        name.insert(name.begin(), u'_');
+    }
+    return store::toUtf8(name);
+}
+
 } // namespace
 
 void copyToClipboard(const store::Library& library, const store::GroupAddress& group,
-                     const store::PictureName& name, const std::filesystem::path& folder) {
+                     const store::PictureName& name, const std::filesystem::path& temporaryFolder) {
     const store::StoredPicture picture = store::readPicture(library, group, name);
-    // Cleaners of temporary files take empty folders, too; what goes wrong here, the next call
-    // tells.
-    std::error_code ignored;
-    std::filesystem::create_directories(folder, ignored);
+    const std::filesystem::path folder = temporaryFolder / kFolder;
+    std::error_code ignored; // what goes wrong here, the next call tells
+    std::filesystem::create_directory(folder, ignored);
     const std::filesystem::path file =
-        store::exportPicture(library, group, name, folder, store::toUtf8(name.text));
+        store::exportPicture(library, group, name, folder, fileNameFor(name.text));
     auto data = std::make_unique<QMimeData>();
     const QImage image = imageOf(picture);
     if (!image.isNull()) {

@@ -8,10 +8,10 @@
 namespace browser {
 
 // Puts the picture on the clipboard: as an image (a metafile drawn at its own size), and as a copy
-// of its file in that folder, named like the picture. Throws compound::Error when it cannot be read
-// or written; one that cannot be decoded is copied as a file alone. The clipboard is as it was when
-// it throws.
+// of its file, which lies in a folder of its own in the temporary folder and is named like the
+// picture as far as a file can be. Throws compound::Error when it cannot be read or written; one
+// that cannot be decoded is copied as a file alone. The clipboard is as it was when it throws.
 void copyToClipboard(const store::Library& library, const store::GroupAddress& group,
-                     const store::PictureName& name, const std::filesystem::path& folder);
+                     const store::PictureName& name, const std::filesystem::path& temporaryFolder);
 
 } // namespace browser

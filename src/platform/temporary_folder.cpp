@@ -104,6 +104,16 @@ TemporaryFolder::~TemporaryFolder() {
     wipe(CopiedPicture::Remove);
 }
 
+void TemporaryFolder::restore() {
+    if (isWiped_)
+        return;
+    (void)QDir().mkpath(QFileInfo(path_.chopped(1)).path());
+    if (::mkdir(QFile::encodeName(path_).constData(), S_IRWXU) == 0) {
+        lock_ = openFolder(path_);
+        (void)tryLock(lock_);
+    }
+}
+
 void TemporaryFolder::wipe(CopiedPicture copiedPicture) {
     if (isWiped_)
         return;
@@ -129,6 +139,11 @@ QString temporaryFolder() {
     if (!processFolder())
         processFolder() = makeProcessFolder();
     return processFolder()->path();
+}
+
+void restoreTemporaryFolder() {
+    if (processFolder())
+        processFolder()->restore();
 }
 
 void wipeTemporaryFolder(CopiedPicture copiedPicture) {

@@ -24,6 +24,10 @@ class TemporaryFolder {
     // With a trailing separator, at most kLongestTemporaryPath characters.
     const QString& path() const { return path_; }
 
+    // Makes the folder again, private and locked as before, when a cleaner of temporary files has
+    // taken it. What goes wrong shows when the folder is used.
+    void restore();
+
     // Removes everything in the folder and the folder itself. Keep leaves the files named
     // "CopiedPicture" and a type, and so the folder, to the client that was given their path.
     void wipe(CopiedPicture copiedPicture);
@@ -39,6 +43,9 @@ inline constexpr int kLongestTemporaryPath = 254;
 // The process's temporary folder, made at the first call below the system's temporary path (or
 // TXSGRAPHICSLIB_HOME/tmp), or in the program's data folder when nothing can be made there.
 QString temporaryFolder();
+
+// Makes the same folder again when it is gone; see TemporaryFolder::restore.
+void restoreTemporaryFolder();
 
 // The same folder's end; call it when the program ends.
 void wipeTemporaryFolder(CopiedPicture copiedPicture);

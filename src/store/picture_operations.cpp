@@ -218,6 +218,9 @@ void deletePicture(const Library& library, const GroupAddress& group, const Pict
 std::filesystem::path exportPicture(const Library& library, const GroupAddress& group,
                                     const PictureName& name, const std::filesystem::path& folder,
                                     const std::string& baseName) {
+    if (baseName.empty() || baseName.find_first_of("/\\:") != std::string::npos)
+        throw Error(ErrorCode::InvalidName, folder,
+                    "\"" + baseName + "\" cannot be a file's base name");
     const StoredPicture picture = readPicture(library, group, name);
     const std::string type = picture.record.type.empty() ? "JPG" : picture.record.type;
     std::filesystem::path path = folder / (baseName + "." + type);

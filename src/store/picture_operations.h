@@ -105,7 +105,9 @@ void renamePicture(const Library& library, const GroupAddress& group, const Pict
 void deletePicture(const Library& library, const GroupAddress& group, const PictureName& name);
 
 // Writes the picture's bytes to FOLDER/BASE.TYPE (type code in upper case) and returns that path;
-// an earlier file of that name is replaced, a link of that name is never followed.
+// an earlier file of that name is replaced, a link of that name is never followed. A base name that
+// could lead out of the folder is InvalidName: a picture's own name, which another program may have
+// written, is none to pass as it is.
 std::filesystem::path exportPicture(const Library& library, const GroupAddress& group,
                                     const PictureName& name, const std::filesystem::path& folder,
                                     const std::string& baseName);

@@ -39,6 +39,21 @@ TEST_F(TemporaryFolderTest, isPrivateAndGoesWithItsContent) {
     EXPECT_TRUE(fs::exists(home_.at("kept").toStdString()));
 }
 
+TEST_F(TemporaryFolderTest, comesBackAfterACleanerHasTakenIt) {
+    TemporaryFolder folder(home_.root());
+    const fs::path path = folder.path().toStdString();
+    fs::remove_all(path);
+    folder.restore();
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0700));
+    makeOld(folder.path());
+    const TemporaryFolder next(home_.root()); // which removes what nobody has locked
+    EXPECT_TRUE(fs::exists(path));
+    folder.restore(); // nothing to do
+    folder.wipe(CopiedPicture::Remove);
+    folder.restore();
+    EXPECT_FALSE(fs::exists(path));
+}
+
 TEST_F(TemporaryFolderTest, leavesTheClientsPictureOnRequest) {
     TemporaryFolder folder(home_.root());
     const fs::path path = folder.path().toStdString();

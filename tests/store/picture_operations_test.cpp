@@ -243,5 +243,15 @@ TEST_F(PictureTest, ExportReplacesTheEarlierCopy) {
     EXPECT_EQ(disk.content(path).size(), std::string("PIC15 15 ").size());
 }
 
+TEST_F(PictureTest, ExportNeverLeavesItsFolder) {
+    disk.makeFolder("/temporary");
+    add(group, u"P");
+    for (const char* base : {"", "/library/A", "../library/A", "..\\A", "C:A"})
+        EXPECT_EQ(errorOf([&] { exportPicture(library, group, {u"P"}, "/temporary", base); }),
+                  ErrorCode::InvalidName)
+            << base;
+    EXPECT_THAT(disk.list("/temporary"), IsEmpty());
+}
+
 } // namespace
 } // namespace store::testing
