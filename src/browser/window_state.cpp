@@ -13,6 +13,7 @@ namespace browser {
 namespace {
 
 constexpr int kMostPixels = 100'000;
+constexpr int kTitleBar = 32; // pixels, as high as window managers commonly draw it
 const QString kSection = QStringLiteral("Software\\NORAVEX GmbH\\GraphicsLib\\Window");
 
 QString read(const QString& name) {
@@ -60,11 +61,12 @@ QRect placeOnScreens(const QRect& place, QSize minimum, const QList<QRect>& scre
     const QRect& screen = *std::max_element(
         screens.begin(), screens.end(),
         [&shows](const QRect& one, const QRect& other) { return shows(one) < shows(other); });
-    const QSize size = place.size().boundedTo(screen.size()).expandedTo(minimum);
+    const QSize room(screen.width(), screen.height() - kTitleBar);
+    const QSize size = place.size().boundedTo(room).expandedTo(minimum);
     const int left =
         std::max(screen.left(), std::min(place.left(), screen.right() + 1 - size.width()));
-    const int top =
-        std::max(screen.top(), std::min(place.top(), screen.bottom() + 1 - size.height()));
+    const int lowestTop = screen.bottom() + 1 - size.height();
+    const int top = std::max(screen.top() + kTitleBar, std::min(place.top(), lowestTop));
     return {QPoint(left, top), size};
 }
 

@@ -21,7 +21,8 @@ WindowState readWindowState();
 void writeWindowState(const WindowState& state);
 
 // The place, moved and made smaller so that it lies on the screen that shows most of it, or on the
-// first one; `minimum` is kept even where a screen is smaller. Invalid for an invalid place.
+// first one, with room for the title bar above it; `minimum` is kept even where a screen is
+// smaller. Invalid for an invalid place.
 QRect placeOnScreens(const QRect& place, QSize minimum, const QList<QRect>& screens);
 
 // Before the first showing and at the end.

@@ -26,7 +26,10 @@ TEST(WindowPlace, LiesOnAScreenWhateverHasBecomeOfThem) {
     EXPECT_EQ(placeOnScreens(inside, minimum, {left}).size(), inside.size());
     EXPECT_TRUE(left.contains(placeOnScreens({-5000, -5000, 400, 400}, minimum, {left})));
     // Larger than the screen, and smaller than the window can be.
-    EXPECT_EQ(placeOnScreens({10, 10, 5000, 5000}, minimum, {left}), left);
+    EXPECT_TRUE(left.contains(placeOnScreens({10, 10, 5000, 5000}, minimum, {left})));
+    // The title bar, by which it can be moved, lies above the place.
+    EXPECT_GT(placeOnScreens({10, -20, 400, 400}, minimum, {left}).top(), 20);
+    EXPECT_GT(placeOnScreens({10, 10, 5000, 5000}, minimum, {left}).top(), 20);
     EXPECT_EQ(placeOnScreens({10, 10, 20, 20}, minimum, {left}).size(), minimum);
     // Half on either: it stays where most of it is.
     EXPECT_TRUE(right.contains(placeOnScreens({900, 50, 600, 400}, minimum, {left, right})));
