@@ -71,10 +71,6 @@ QString sizeText(std::size_t bytes) {
     return number.left(number.indexOf(u',') + 2) + QLatin1String(" KB");
 }
 
-int pixelsOf(float side) {
-    return static_cast<int>(std::min(std::round(side), static_cast<float>(QWIDGETSIZE_MAX)));
-}
-
 // As a label shows it; 0 for what is no number.
 double numberOf(const QLabel* label) {
     return label->text().replace(app::decimalSeparator(), u'.').toDouble();
@@ -222,17 +218,19 @@ void frmInfos::showFacts(const store::StoredPicture& picture) {
 void frmInfos::showPreview(const store::StoredPicture& picture) {
     imgBild_->clear();
     imgBild_->setAutoFillBackground(false);
-    picBild_->resize(pixelsOf(picture.record.width), pixelsOf(picture.record.height));
-    VorschauAnpassen();
+    picBild_->resize(0, 0);
     try {
-        imgBild_->setPicture(imaging::decode(picture.bytes));
+        imaging::Picture decoded = imaging::decode(picture.bytes);
+        picBild_->resize(decoded.facts().pixels);
+        VorschauAnpassen();
+        imgBild_->setPicture(std::move(decoded));
         QPalette paper = palette();
         paper.setColor(QPalette::Window, paperColor(paper));
         imgBild_->setPalette(paper);
         imgBild_->setAutoFillBackground(true);
     } catch (const std::exception&) {
         // The facts about a picture that nobody can decode are still worth showing.
-        imgBild_->clear();
+        VorschauAnpassen();
     }
 }
 

@@ -108,6 +108,14 @@ class PictureDialogs : public EveryLanguageTest {
                           platform::toFilePath(home_.at("source.wmf")));
     }
 
+    void addImage(const QString& name, QSize size) {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::blue);
+        ASSERT_TRUE(image.save(home_.at("source.bmp"), "BMP"));
+        store::addPicture(library(), group_, {name.toStdU16String()},
+                          platform::toFilePath(home_.at("source.bmp")));
+    }
+
     void removeRecord(const std::u16string& name) {
         store::StorageAccess access(library());
         access.openGroup(group_, compound::Access::ReadWrite);
@@ -411,9 +419,10 @@ TEST_P(PictureDialogs, InformationIsCaptionedInTheProgramsLanguage) {
 
 TEST_P(PictureDialogs, ThePreviewKeepsProportionsAndStartsFromItsPlaceEachTime) {
     makeLibrary({"Breit"}); // measured as 20 x 10 pixels
-    addBytes("Hoch", 1, {3000, 750});
-    addBytes("Quadrat", 1, {300, 300});
-    addBytes("Strich", 1, {15, 1500000});
+    addImage("Hoch", {50, 200});
+    addImage("Quadrat", {20, 20});
+    addImage("Strich", {3000, 1});
+    addBytes("Rätsel", 1, {3000, 750});
     makeGroup("Leer");
     start();
     trigger("Men_Extras_0");
@@ -433,9 +442,11 @@ TEST_P(PictureDialogs, ThePreviewKeepsProportionsAndStartsFromItsPlaceEachTime) 
         factsOf("Strich", &preview);
         EXPECT_EQ(preview, QRect(6, square.top() + 72, 145, 1));
     }
-    removeRecord(u"Breit");
+    removeRecord(u"Breit"); // the picture itself is measured
     EXPECT_EQ(factsOf("Breit", &preview), hasComma() ? "0 x 0, 0,6 KB, " : "0 x 0, 0 KB, ");
-    EXPECT_EQ(preview, square);
+    EXPECT_EQ(preview, QRect(6, square.top() + 36, 145, 73));
+    factsOf("Rätsel", &preview);
+    EXPECT_EQ(preview, square); // with nothing in it
 }
 
 TEST_P(PictureDialogs, ThePreviewShowsThePicture) {
@@ -463,8 +474,6 @@ TEST_P(PictureDialogs, InformationAsksForAPictureBeforeAnyChoice) {
 
 TEST_P(PictureDialogs, ReadingThePictureShowsNothing) {
     startWith({"P1"});
-    // The process has one temporary folder; it went with the home of the test that ran first.
-    QDir().mkpath(app::settings().temporaryFolder());
     auto* action = find<QAction>("Men_Bearbeiten_0");
     EXPECT_FALSE(action->isVisible());
     EXPECT_EQ(action->text(), "");
