@@ -137,6 +137,12 @@ QString errorText(const std::exception& error) {
            QStringLiteral(" (%1)").arg(QString::fromLocal8Bit(error.what()));
 }
 
+QString groupFailureText(const QString& groupPath, const std::exception& error) {
+    constexpr int kGroupPrompt = 904;
+    const QString cause = errorText(error);
+    return groupPath.isEmpty() ? cause : text(kGroupPrompt) + u' ' + groupPath + u'\n' + cause;
+}
+
 MsgBoxHandler setMsgBoxHandler(MsgBoxHandler handler) {
     return std::exchange(currentHandler(), std::move(handler));
 }

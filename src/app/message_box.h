@@ -39,6 +39,10 @@ QString errorText(const compound::Error& error);
 // The same for any exception that a command may meet (out of memory, ...).
 QString errorText(const std::exception& error);
 
+// The same, after the path of the group that it happened to: a file's name does not tell which of
+// its groups is meant. An empty path leaves that line out.
+QString groupFailureText(const QString& groupPath, const std::exception& error);
+
 // Tests answer boxes themselves. An empty handler restores the real boxes; returns the handler that
 // was set before.
 using MsgBoxHandler =

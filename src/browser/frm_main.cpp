@@ -32,6 +32,7 @@ namespace {
 constexpr std::chrono::milliseconds kRefreshLockWait{1000};
 constexpr std::chrono::milliseconds kRetryLockWait{300};
 constexpr std::chrono::milliseconds kOperationLockWait{300}; // a click may need three operations
+constexpr int kRenamePicture = 400;
 constexpr app::TextPair kTreeName{u"Gruppen", u"Groups"};
 constexpr QSize kInitialSize(900, 640);
 
@@ -101,6 +102,9 @@ void frmMain::connectPanel() {
     });
     connect(panel_, &PicturePanel::editWanted, this,
             [this] { dispatcher_.run(commands::Command::EditPicture, commands::Origin::Menu); });
+    connect(panel_, &PicturePanel::editWantedByKey, this,
+            [this] { menus_->trigger(commands::Command::EditPicture); });
+    connect(panel_, &PicturePanel::renameFailed, this, &frmMain::tellRenameFailure);
 }
 
 // --- Lifecycle
@@ -170,9 +174,8 @@ void frmMain::unload() {
     app::Settings& settings = app::settings();
     removeTemporaryPictures(settings.temporaryFolderPath());
     // What is remembered waits until the library, or a group that was locked, is there again.
-    const QString selected = tree_->selectedKey();
-    if (isReachable_ && !(selected.isEmpty() && isRememberedLocked_)) {
-        settings.setCurrentGroup(selected);
+    if (isReachable_) {
+        settings.setCurrentGroup(awaitedKey_.isEmpty() ? tree_->selectedKey() : awaitedKey_);
     } else {
         settings.readCurrentGroup();
     }
@@ -184,7 +187,24 @@ void frmMain::unload() {
     }
 }
 
+void frmMain::HandOver(const QString& path) {
+    handOverValue_ = path;
+    emit PictureSelected(path);
+}
+
 void frmMain::Exit() {
+    if (mode_ == StartMode::Server) {
+        handOverValue_.clear();
+    }
+    leave();
+}
+
+void frmMain::ExitAfterHandOver() {
+    leave();
+}
+
+// Started alone, a hidden window would leave a process that nobody can end.
+void frmMain::leave() {
     if (mode_ == StartMode::Standalone) {
         close();
     } else {
@@ -249,13 +269,19 @@ void frmMain::SelectNode() {
     if (tree_->selectKey(remembered) && !tree_->selectedIsMarked()) {
         panel_->setGroup(tree_->selected()->address);
     }
-    const store::FileName file = store::addressOf(remembered.toStdU16String()).file;
-    isRememberedLocked_ = tree_->isMarked(file);
+    if (tree_->selectedKey() != remembered && isInMarkedFile(remembered)) {
+        awaitedKey_ = remembered;
+    }
     // The first click on the selected node shall fill the view anew.
     CurrentGroup_ = tree_->firstNodeText();
 }
 
+bool frmMain::isInMarkedFile(const QString& key) const {
+    return tree_->isMarked(store::addressOf(key.toStdU16String()).file);
+}
+
 void frmMain::TreeViewSelectNode(const store::GroupAddress& group) {
+    awaitedKey_.clear();
     SetCurrentGroup(group);
     tree_->select(group);
     SelectPicture();
@@ -263,6 +289,7 @@ void frmMain::TreeViewSelectNode(const store::GroupAddress& group) {
 }
 
 void frmMain::TreeViewAdd(const store::GroupName& name) {
+    awaitedKey_.clear();
     tree_->addTopLevelNode(name);
     tree_->selectKey(QString::fromStdU16String(name.text) + u'a');
     panel_->setGroup(store::topLevelAddress(name.text));
@@ -275,6 +302,7 @@ void frmMain::TreeViewRemove(const store::GroupAddress& group) {
 }
 
 void frmMain::SelectFirstGroup() {
+    awaitedKey_.clear();
     tree_->selectFirst();
     showSelectedGroup();
 }
@@ -291,15 +319,34 @@ void frmMain::refresh() {
     if (!Activated_) {
         return;
     }
-    const QString key = tree_->selectedKey();
+    const QString key = awaitedKey_.isEmpty() ? tree_->selectedKey() : awaitedKey_;
     FillTreeView();
-    if (!key.isEmpty() && !tree_->selectKey(key)) {
-        SelectFirstGroup();
-    } else if (!key.isEmpty()) {
-        CurrentGroup_ = key;
-        panel_->Aktualisieren();
+    if (!key.isEmpty()) {
+        selectAgain(key);
     }
     updateMenuState();
+}
+
+// A sub-group of a file that is locked just now has no node; its file's node stands for it until
+// then.
+void frmMain::selectAgain(const QString& key) {
+    if (tree_->selectKey(key)) {
+        const bool isBack = !awaitedKey_.isEmpty();
+        awaitedKey_.clear();
+        CurrentGroup_ = key;
+        if (isBack) {
+            showSelectedGroup();
+        } else {
+            panel_->Aktualisieren();
+        }
+    } else if (isInMarkedFile(key)) {
+        awaitedKey_ = key;
+        const std::u16string file = store::addressOf(key.toStdU16String()).file.text;
+        tree_->select(store::topLevelAddress(file));
+        showSelectedGroup();
+    } else {
+        SelectFirstGroup();
+    }
 }
 
 void frmMain::copyPicture() {
@@ -312,10 +359,15 @@ void frmMain::copyPicture() {
     }
     try {
         copyToClipboard(*library_, *group, {selection.pictureName.toStdU16String()},
-                        app::settings().temporaryFolderPath());
+                        app::settings().restoredTemporaryFolderPath());
     } catch (const std::exception& error) {
         commands::reportFailure(*this, selection, error, app::kProgramTitle, this);
     }
+}
+
+void frmMain::tellRenameFailure(const store::GroupAddress& group, const std::exception& failure) {
+    commands::reportFailure(*this, commands::contextOf(tree_->find(group), {}), failure,
+                            app::text(kRenamePicture), this);
 }
 
 int frmMain::GetNodeIndex(const QString& text) const {
@@ -327,6 +379,7 @@ void frmMain::nodeClicked() {
     if (!selected) {
         return;
     }
+    awaitedKey_.clear();
     // A file that could not be read is tried once more before anything waits for its pictures.
     const bool isMarked = tree_->selectedIsMarked();
     panel_->setGroup(isMarked ? std::nullopt : std::optional(selected->address));
@@ -342,10 +395,18 @@ void frmMain::nodeClicked() {
 }
 
 void frmMain::retry(const store::FileName& file) {
+    if (!tree_->isMarked(file)) {
+        return; // read meanwhile
+    }
     const bool wasSelected = tree_->selected() && tree_->selected()->address.file == file;
     tree_->replaceFile(file,
                        readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait)));
     if (wasSelected && !tree_->selectedIsMarked()) {
+        const store::FileName awaited = store::addressOf(awaitedKey_.toStdU16String()).file;
+        if (awaited == file && !tree_->selectKey(awaitedKey_)) {
+            tree_->select(store::topLevelAddress(file.text));
+        }
+        awaitedKey_.clear();
         showSelectedGroup();
     }
 }

@@ -57,7 +57,12 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     bool GraphicalPreview() const override;
     void VorschauAktiviert() override;
     void VorschauDeaktiviert() override;
+    void HandOver(const QString& path) override;
     void Exit() override;
+    void ExitAfterHandOver() override;
+
+    // The picture handed over last; empty for none, and after leaving the window as a server.
+    const QString& handOverValue() const { return handOverValue_; }
 
     // Selects the group that the settings remember.
     void SelectNode();
@@ -75,6 +80,10 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     int GetNodeIndex(const QString& text) const;
 
   signals:
+    // The user has taken a picture over; `path` is a copy of its file. The next hand-over may
+    // replace the copy.
+    void PictureSelected(const QString& path);
+
     // The window was closed and has saved its settings.
     void unloaded();
 
@@ -90,12 +99,16 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void load();
     void activate();
     void unload();
+    void leave();
     void placeParts();
     void nodeClicked();
     void retry(const store::FileName& file);
     void updateMenuState();
     void updateEditItem(commands::EditItemCause cause);
     void showSelectedGroup();
+    bool isInMarkedFile(const QString& key) const;
+    void selectAgain(const QString& key);
+    void tellRenameFailure(const store::GroupAddress& group, const std::exception& failure);
 
     StartMode mode_;
     commands::Dispatcher dispatcher_;
@@ -106,9 +119,10 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     std::optional<store::Library> library_;
     QString CurrentGroup_; // key of the group whose pictures are shown, or, after the start and
                            // after TreeViewAdd, a node's text
+    QString handOverValue_;
     QString loadFailure_;
     bool isReachable_ = false;
-    bool isRememberedLocked_ = false; // the remembered group lies in a file that cannot be read
+    QString awaitedKey_; // of a group that was selected until its file could not be read
     bool isLoaded_ = false;
     bool Activated_ = false;
     bool isUnloaded_ = false;

@@ -234,7 +234,14 @@ void GroupTree::selectFirst() {
 }
 
 std::optional<commands::SelectedGroup> GroupTree::selected() const {
-    const QTreeWidgetItem* item = selectedItem();
+    return groupOf(selectedItem());
+}
+
+std::optional<commands::SelectedGroup> GroupTree::find(const store::GroupAddress& address) const {
+    return groupOf(itemOf(keyTextOf(address)));
+}
+
+std::optional<commands::SelectedGroup> GroupTree::groupOf(const QTreeWidgetItem* item) {
     if (item == nullptr) {
         return std::nullopt;
     }

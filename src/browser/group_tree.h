@@ -47,6 +47,7 @@ class GroupTree : public QTreeWidget {
     void selectFirst();
 
     std::optional<commands::SelectedGroup> selected() const;
+    std::optional<commands::SelectedGroup> find(const store::GroupAddress& address) const;
     QString selectedKey() const; // empty when nothing is selected
     QString firstNodeText() const;
 
@@ -76,6 +77,7 @@ class GroupTree : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override; // Enter unfolds or folds the selected node
 
   private:
+    static std::optional<commands::SelectedGroup> groupOf(const QTreeWidgetItem* item);
     QTreeWidgetItem* selectedItem() const;
     QTreeWidgetItem* itemOf(const QString& key) const;
     void selectItem(QTreeWidgetItem* item);

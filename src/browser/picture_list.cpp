@@ -14,6 +14,7 @@
 namespace browser {
 namespace {
 
+constexpr int kNewName = 403;
 constexpr std::array<app::TextPair, kListColumns> kCaptions{{
     {u"Name", u"Name"},
     {u"Größe", u"Size"},
@@ -29,8 +30,12 @@ class NameDelegate : public QStyledItemDelegate {
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override {
-        return index.column() == 0 ? QStyledItemDelegate::createEditor(parent, option, index)
-                                   : nullptr;
+        if (index.column() != 0) {
+            return nullptr;
+        }
+        QWidget* editor = QStyledItemDelegate::createEditor(parent, option, index);
+        editor->setAccessibleName(app::text(kNewName));
+        return editor;
     }
 
     void setModelData(QWidget* editor, QAbstractItemModel*,
@@ -189,7 +194,7 @@ void PictureList::contextMenuEvent(QContextMenuEvent* event) {
 void PictureList::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isEnter && state() != QAbstractItemView::EditingState && !selectedName().isEmpty()) {
-        emit activatedByUser(selectedName());
+        emit activatedByKey(selectedName());
         return;
     }
     QTreeWidget::keyPressEvent(event);

@@ -57,7 +57,7 @@ class PictureList : public QTreeWidget {
     // Editing a name of `group` ended with another one; the row still shows the old. By now another
     // group may be shown.
     void renameWanted(const store::GroupAddress& group, const QString& from, const QString& to);
-    void activatedByUser(const QString& name); // Enter
+    void activatedByKey(const QString& name); // Enter
     void pointerMoved();
 
   protected:

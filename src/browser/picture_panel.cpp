@@ -58,6 +58,7 @@ void PicturePanel::connectStrip() {
         emit editItemWanted(commands::EditItemCause::Thumbnail);
     });
     connect(strip_, &ThumbnailStrip::activated, this, &PicturePanel::editWanted);
+    connect(strip_, &ThumbnailStrip::activatedByKey, this, &PicturePanel::editWantedByKey);
     connect(strip_, &ThumbnailStrip::popUpWanted, this, &PicturePanel::picturePopUpWanted);
     connect(strip_, &ThumbnailStrip::pointerOver, txtName_, &ThumbnailToolTip::pointerOver);
     connect(strip_, &ThumbnailStrip::pagesWanted, this,
@@ -81,7 +82,7 @@ void PicturePanel::connectList() {
                     emit picturePopUpWanted(position);
                 }
             });
-    connect(lvwInfo_, &PictureList::activatedByUser, this, &PicturePanel::editWanted);
+    connect(lvwInfo_, &PictureList::activatedByKey, this, &PicturePanel::editWantedByKey);
     connect(lvwInfo_, &PictureList::renameWanted, this, &PicturePanel::renamed);
     connect(lvwInfo_, &PictureList::pointerMoved, this, &PicturePanel::hideToolTip);
 }
@@ -93,7 +94,7 @@ void PicturePanel::setLibrary(const store::Library& library) {
 void PicturePanel::setCaptions() {
     lvwInfo_->setCaptions();
     lvwInfo_->setAccessibleName(app::text(kPicturesName));
-    strip_->setAccessibleDescription(app::text(kPicturesName));
+    strip_->setAccessibleName(app::text(kPicturesName));
     imgScroll_->setAccessibleName(app::text(kPageName));
     imgVorschau_->setAccessibleName(app::text(kPreviewName));
 }
@@ -397,14 +398,18 @@ void PicturePanel::ShowNoPicture() {
 
 void PicturePanel::renamed(const store::GroupAddress& group, const QString& from,
                            const QString& to) {
-    if (library_ == nullptr || !renameInPlace(*library_, group, from, to, surface_->window())) {
+    if (library_ == nullptr) {
         return;
     }
-    if (group_ != group) {
-        return; // a click on another group has ended the editing
+    try {
+        const bool isRenamed = renameInPlace(*library_, group, from, to, surface_->window());
+        if (isRenamed && group_ == group) { // not if a click on another group ended the editing
+            lvwInfo_->rename(from, to);
+            setShownPicture(to);
+        }
+    } catch (const std::exception& failure) {
+        emit renameFailed(group, failure);
     }
-    lvwInfo_->rename(from, to);
-    setShownPicture(to);
 }
 
 // --- Tool tip

@@ -90,7 +90,9 @@ class PicturePanel : public QObject {
     void menuStateWanted();
     void editItemWanted(commands::EditItemCause cause);
     void picturePopUpWanted(const QPoint& globalPosition);
-    void editWanted(); // a picture was double-clicked
+    void editWanted();      // a picture was double-clicked
+    void editWantedByKey(); // Enter was pressed on one
+    void renameFailed(const store::GroupAddress& group, const std::exception& failure);
 
   private:
     void connectStrip();

@@ -40,9 +40,11 @@ QString renameOrRefuse(const store::Library& library, const store::GroupAddress&
         }
         store::renamePicture(library, group, {from.toStdU16String()}, newName);
     } catch (const compound::Error& error) {
-        const bool isRefusal = error.code() == compound::ErrorCode::InvalidName ||
-                               error.code() == compound::ErrorCode::Exists;
-        return isRefusal ? app::text(kNameInvalid) : app::errorText(error);
+        if (error.code() == compound::ErrorCode::InvalidName ||
+            error.code() == compound::ErrorCode::Exists) {
+            return app::text(kNameInvalid);
+        }
+        throw;
     }
     return {};
 }

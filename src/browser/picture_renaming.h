@@ -9,8 +9,8 @@ class QWidget;
 
 namespace browser {
 
-// Checks the new name and renames the picture in the store. Every refusal and failure is told in a
-// box; then false, and nothing has changed.
+// Checks the new name and renames the picture in the store. A refusal is told in a box; then false,
+// and nothing has changed. Throws compound::Error when the store fails; see store::renamePicture.
 bool renameInPlace(const store::Library& library, const store::GroupAddress& group,
                    const QString& from, const QString& to, QWidget* owner);
 

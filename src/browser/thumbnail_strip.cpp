@@ -138,7 +138,7 @@ void ThumbnailStrip::showPicture(int index, const QString& name, const QImage& i
 
 void ThumbnailStrip::mark(const QString& name) {
     marked_ = name;
-    setAccessibleName(name);
+    setAccessibleDescription(name);
     refreshEmphasis();
 }
 
@@ -224,7 +224,7 @@ void ThumbnailStrip::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
         if (markedCell() >= 0) {
-            emit activated(marked_);
+            emit activatedByKey(marked_);
         }
         return;
     default:

@@ -66,7 +66,8 @@ class ThumbnailStrip : public QFrame {
 
   signals:
     void chosen(const QString& name);
-    void activated(const QString& name); // double click or Enter
+    void activated(const QString& name);      // double click
+    void activatedByKey(const QString& name); // Enter
     void popUpWanted(const QPoint& globalPosition);
     // The pointer is over that picture; an empty name: over none.
     void pointerOver(const QString& name, const QPoint& globalPosition);

@@ -41,6 +41,8 @@ constexpr std::array kBindings{
     Binding{Command::RenamePicture, renamePicture},
     Binding{Command::DeletePicture, deletePicture},
     Binding{Command::PictureInfo, showPictureInfo},
+    Binding{Command::HandOver, handOver},
+    Binding{Command::HandOverAndClose, handOverAndClose},
     Binding{Command::GraphicalPreview, toggleGraphicalPreview},
     Binding{Command::EditorOptions, showEditorOptions},
     Binding{Command::Exit, exitProgram},

@@ -1,26 +1,10 @@
 #include "commands/failure_report.h"
 
 #include "app/message_box.h"
-#include "app/texts.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
 
 namespace commands {
-namespace {
-
-constexpr int kGroupPrompt = 904;
-
-// The file's name alone does not tell which of its groups is meant.
-QString failureText(const SelectionContext& selection, const std::exception& failure) {
-    QString cause = app::errorText(failure);
-    if (!selection.hasGroup()) {
-        return cause;
-    }
-    return app::text(kGroupPrompt) + u' ' + selection.groupPath + u'\n' + cause;
-}
-
-} // namespace
-
 // A locked file stays on the screen: reading it now would only show its group empty.
 void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
     const auto* error = dynamic_cast<const compound::Error*>(&failure);
@@ -38,7 +22,8 @@ void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
 
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner) {
-    app::msgBox(failureText(selection, failure), app::Buttons::Ok, title, owner);
+    app::msgBox(app::groupFailureText(selection.groupPath, failure), app::Buttons::Ok, title,
+                owner);
     showWhatIsLeft(view, failure);
 }
 

@@ -82,7 +82,11 @@ void frmEditSymbol::rename() {
         refusal = renameOrRefuse(txtName_->text());
     } catch (const std::exception& error) {
         reportFailure(view_, context_, error, app::text(kCaption), this);
-        txtName_->setFocus();
+        if (context_.hasGroup() && !view_.selectedGroup()) {
+            reject(); // the report has found the group vanished: nothing is left to be renamed
+        } else {
+            txtName_->setFocus();
+        }
         return;
     }
     if (!refusal.isEmpty()) {

@@ -78,8 +78,16 @@ class LibraryView {
     virtual void VorschauAktiviert() = 0;
     virtual void VorschauDeaktiviert() = 0;
 
-    // Ends the window: started alone the program ends with it, as a server it only hides.
+    // Keeps the path of a copied picture as the hand-over value and lets whoever drives the program
+    // know; started alone, nobody does.
+    virtual void HandOver(const QString& path) = 0;
+
+    // Ends the window: started alone the program ends with it, as a server it only hides and
+    // forgets the hand-over value.
     virtual void Exit() = 0;
+
+    // The same after a hand-over, whose value stays for who is to fetch the picture.
+    virtual void ExitAfterHandOver() = 0;
 
   protected:
     LibraryView() = default;

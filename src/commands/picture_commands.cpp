@@ -9,6 +9,7 @@
 #include "commands/frm_infos.h"
 #include "commands/library_view.h"
 #include "editing/frm_open.h"
+#include "platform/paths.h"
 #include "store/picture_operations.h"
 
 #include <QCoreApplication>
@@ -21,7 +22,8 @@ constexpr int kDeleteBetween = 301;
 constexpr int kDeleteAfter = 302;
 constexpr int kNothingChosen = 303;
 
-const std::string kTemporaryName = "Picture";
+const std::string kReadName = "Picture";
+const std::string kHandOverName = "CopiedPicture";
 
 bool isNoPicture(const SelectionContext& selection) {
     return selection.pictureName == app::text(app::kTextNoPicture);
@@ -54,6 +56,24 @@ void withGroupNamed(const CommandCall& call, Action action) {
     }
 }
 
+// Copies the shown picture to a file of that base name in the temporary folder; nothing when there
+// is no picture of that name.
+std::optional<std::filesystem::path> copyToFile(const CommandCall& call,
+                                                const std::string& baseName) {
+    const auto group = groupOfPicture(call);
+    if (!group) {
+        return std::nullopt;
+    }
+    return store::exportPicture(call.view.library(), *group, nameOf(call.selection),
+                                app::settings().restoredTemporaryFolderPath(), baseName);
+}
+
+void handOverShownPicture(const CommandCall& call) {
+    if (const auto path = copyToFile(call, kHandOverName)) {
+        call.view.HandOver(platform::fromFilePath(*path));
+    }
+}
+
 bool isDeletionConfirmed(const CommandCall& call) {
     const QString question = app::text(kDeleteBefore) + call.selection.pictureName +
                              app::text(kDeleteBetween) + call.selection.groupName +
@@ -67,22 +87,29 @@ bool isDeletionConfirmed(const CommandCall& call) {
 void addPicture(CommandCall& call) {
     LibraryView& view = call.view;
     if (!call.dialogs.addPicture) {
-        call.dialogs.addPicture =
-            new editing::frmOpen(view.owner(), [&view] { view.Aktualisieren(); });
+        call.dialogs.addPicture = new editing::frmOpen(
+            view.owner(), {[&view] { view.Aktualisieren(); },
+                           [&view](const std::exception& error) { showWhatIsLeft(view, error); }});
     }
     call.dialogs.addPicture->openFor(view.library(),
-                                     {call.selection.group(), call.selection.groupName});
+                                     {call.selection.group(), call.selection.groupPath});
 }
 
 void readPicture(CommandCall& call) {
     if (isNoPicture(call.selection)) {
         return;
     }
+    withGroupNamed(call, [&call] { copyToFile(call, kReadName); });
+}
+
+void handOver(CommandCall& call) {
+    withGroupNamed(call, [&call] { handOverShownPicture(call); });
+}
+
+void handOverAndClose(CommandCall& call) {
     withGroupNamed(call, [&call] {
-        if (const auto group = groupOfPicture(call)) {
-            store::exportPicture(call.view.library(), *group, nameOf(call.selection),
-                                 app::settings().temporaryFolderPath(), kTemporaryName);
-        }
+        handOverShownPicture(call);
+        call.view.ExitAfterHandOver();
     });
 }
 

@@ -15,6 +15,11 @@ void addPicture(CommandCall& call);
 // Writes the shown picture to the temporary folder and leaves it there.
 void readPicture(CommandCall& call);
 
+// Copies the shown picture to the temporary folder and hands its path over; the second ends the
+// window then. Without such a picture nothing is handed over; after a failure the window stays.
+void handOver(CommandCall& call);
+void handOverAndClose(CommandCall& call);
+
 // Opens the dialog that gives the shown picture another name.
 void renamePicture(CommandCall& call);
 

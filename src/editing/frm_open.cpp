@@ -149,8 +149,8 @@ app::TwipRect previewRect(int height, int width) {
     return height > width ? ReduceWidth(height, width) : ReduceHeight(height, width);
 }
 
-frmOpen::frmOpen(QWidget* owner, std::function<void()> Aktualisieren)
-    : QDialog(owner), Aktualisieren_(std::move(Aktualisieren)) {
+frmOpen::frmOpen(QWidget* owner, Listener listener)
+    : QDialog(owner), listener_(std::move(listener)) {
     setObjectName(QStringLiteral("frmOpen"));
     setModal(true);
     setFixedSize(app::toPixels(kWidth, kHeight));
@@ -320,7 +320,10 @@ void frmOpen::save() {
     try {
         addToGroup(*target_.address, {txtName_->text().toStdU16String()});
     } catch (const std::exception& error) {
-        app::msgBox(app::errorText(error), app::Buttons::Ok, app::text(kTextTitle), this);
+        app::msgBox(app::groupFailureText(target_.path, error), app::Buttons::Ok,
+                    app::text(kTextTitle), this);
+        if (listener_.saveFailed)
+            listener_.saveFailed(error);
     }
 }
 
@@ -340,8 +343,8 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
 }
 
 void frmOpen::goBack() {
-    if (Aktualisieren_)
-        Aktualisieren_();
+    if (listener_.Aktualisieren)
+        listener_.Aktualisieren();
     reject();
 }
 

@@ -28,7 +28,7 @@ class PictureBox;
 // user that no group is selected.
 struct TargetGroup {
     std::optional<store::GroupAddress> address;
-    QString name;
+    QString path; // the names from the top level down to it, for reading
 };
 
 // The fitted preview box for a picture of this height and width (any unit, whole numbers), in twips
@@ -41,8 +41,12 @@ class frmOpen : public QDialog {
     Q_OBJECT
 
   public:
-    // `Aktualisieren` refreshes the main window; it runs when the user goes back by button.
-    frmOpen(QWidget* owner, std::function<void()> Aktualisieren);
+    // What the main window is told.
+    struct Listener {
+        std::function<void()> Aktualisieren;                   // the user goes back by button
+        std::function<void(const std::exception&)> saveFailed; // after a box has told it
+    };
+    frmOpen(QWidget* owner, Listener listener);
     ~frmOpen() override;
 
     // Opens the window modally for `target` and returns when it is closed. The drive and folder
@@ -74,7 +78,7 @@ class frmOpen : public QDialog {
     void goBack();
     void tell(int textId);
 
-    std::function<void()> Aktualisieren_;
+    Listener listener_;
     std::optional<store::Library> library_;
     TargetGroup target_;
     bool isInvalidPicture_ = false;

@@ -39,7 +39,9 @@ class ViewInMemory : public commands::LibraryView {
     bool GraphicalPreview() const override { return true; }
     void VorschauAktiviert() override {}
     void VorschauDeaktiviert() override {}
+    void HandOver(const QString&) override {}
     void Exit() override {}
+    void ExitAfterHandOver() override {}
 
     MemoryDisk disk;
     commands::SelectedGroup selected;

@@ -101,7 +101,9 @@ class FrmOpenTest : public testing::Test {
     store::Library library_{platform::nativeDisk(), makeLibraryFolder(), measure, u'.',
                             std::chrono::milliseconds(0)};
     int refreshed_ = 0;
-    frmOpen window_{nullptr, [this] { ++refreshed_; }};
+    int failed_ = 0;
+    frmOpen window_{nullptr,
+                    {[this] { ++refreshed_; }, [this](const std::exception&) { ++failed_; }}};
 
   private:
     std::filesystem::path makeLibraryFolder() const {
@@ -264,8 +266,10 @@ TEST_F(FrmOpenTest, namesTheGroupFileThatAnotherProgramHolds) {
     MessageBoxScript boxes;
     press("cmdOK");
     const QString said = boxes.takeText();
+    EXPECT_TRUE(said.startsWith("Gruppe: Pumpen\n")) << said.toStdString();
     EXPECT_TRUE(said.contains("Pumpen.stg")) << said.toStdString();
     EXPECT_TRUE(said.contains("anderen Programm")) << said.toStdString();
+    EXPECT_EQ(failed_, 1);
 }
 
 TEST_F(FrmOpenTest, setsDamagedFilesAsideWhenItOpensButNoLockedOnes) {

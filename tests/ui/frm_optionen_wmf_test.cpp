@@ -243,6 +243,7 @@ TEST_F(FrmOptionenWmf, TheListNeverOffersToEditAVectorPicture) {
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row);
     EXPECT_EQ(label(), "Breit");
     EXPECT_FALSE(isEditOffered());
+    EXPECT_EQ(refusalOf([&] { QTest::keyClick(list, Qt::Key_Return); }), "(0 boxes)");
 }
 
 TEST_F(FrmOptionenWmf, WithoutAPictureNothingHappens) {

@@ -122,7 +122,38 @@ TEST_F(Keyboard, CopyPutsImageAndFileOnTheClipboard) {
 
     store::deletePicture(library(), group_, {u"Rote Pumpe"});
     press(strip(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(boxes_.take().size(), 1) << "it is gone, and somebody has to say so";
+    EXPECT_TRUE(boxes_.takeText().startsWith("Gruppe: Pumpen / Kreisel\n"))
+        << "it is gone, and somebody has to say so";
+    ASSERT_EQ(label(), app::text(app::kTextNoPicture));
+    press(strip(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(boxes_.take().isEmpty());
+}
+
+// A foreign program's file may hold a path where a name should be; following it would overwrite
+// what lies there.
+TEST_F(Keyboard, CopyNeverLeavesTheTemporaryFolder) {
+    const auto group = makeGroup("Pumpen");
+    addPicture(group, "xxxescape");
+    const std::filesystem::path path = store::pathOf(library(), group.file);
+    QFile file(QString::fromStdString(path.string()));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    QByteArray bytes = file.readAll();
+    const auto utf16 = [](const QString& text) {
+        return QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+    };
+    bytes.replace(utf16("xxxescape"), utf16("../escape"));
+    file.seek(0);
+    file.write(bytes);
+    file.close();
+    start();
+    clickNode("Pumpen");
+    ASSERT_EQ(label(), "../escape");
+    press(strip(), Qt::Key_C, Qt::ControlModifier);
+    ASSERT_EQ(boxes_.takeText(), "(0 boxes)");
+    const QString copy = QGuiApplication::clipboard()->mimeData()->urls().value(0).toLocalFile();
+    EXPECT_TRUE(copy.startsWith(app::settings().temporaryFolder())) << copy.toStdString();
+    EXPECT_EQ(QFileInfo(copy).canonicalFilePath(), copy);
+    EXPECT_EQ(QFileInfo(copy).fileName(), "_.._escape.BMP");
 }
 
 TEST_F(Keyboard, RefreshShowsWhatOthersHaveChanged) {
@@ -141,6 +172,29 @@ TEST_F(Keyboard, RefreshShowsWhatOthersHaveChanged) {
     press(strip(), Qt::Key_F5);
     settle();
     EXPECT_EQ(selectedNode(), "Behälter") << "the first node, in the place of one that is gone";
+}
+
+// A group that another program holds has no node of its own for as long as that lasts.
+TEST_F(Keyboard, RefreshComesBackToAGroupThatWasLocked) {
+    makeGroup("Armaturen");
+    startTwoDeep({"P1"});
+    auto held = library().disk.open(store::pathOf(library(), group_.file), compound::Access::Read);
+    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    press(tree(), Qt::Key_F5);
+    EXPECT_EQ(selectedNode(), "Pumpen") << "and not just any group";
+    EXPECT_TRUE(thumbnails().isEmpty());
+    held.reset();
+    press(tree(), Qt::Key_F5);
+    EXPECT_EQ(selectedNode(), "Kreisel");
+    EXPECT_EQ(thumbnails(), QStringList{"P1"});
+
+    held = library().disk.open(store::pathOf(library(), group_.file), compound::Access::Read);
+    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    press(tree(), Qt::Key_F5);
+    window().close(); // which remembers the group that is meant
+    held.reset();
+    start();
+    EXPECT_EQ(selectedNode(), "Kreisel");
 }
 
 // The letter behind the first single "&".

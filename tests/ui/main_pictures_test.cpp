@@ -251,6 +251,44 @@ TEST_F(MainPictures, RenamingInPlaceAsksTheStore) {
     EXPECT_EQ(rows(), (QStringList{"P2", "PUMPE 1"})); // in the store's order
 }
 
+TEST_F(MainPictures, AFailureOfRenamingInPlaceNamesItsGroup) {
+    group_ = makeGroup("Kreisel", makeGroup("Pumpen"));
+    addPicture(group_, "P1");
+    start();
+    trigger("Men_Extras_0");
+    clickNode("Pumpen/Kreisel");
+    const auto renameFirst = [this] {
+        auto* list = find<QTreeWidget>("lvwInfo");
+        QApplication::setActiveWindow(&window());
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_F2);
+        auto* editor = list->viewport()->findChild<QLineEdit*>();
+        ASSERT_NE(editor, nullptr);
+        editor->setText("Neu");
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::qWait(0);
+        settle();
+    };
+    const auto path = store::pathOf(library(), group_.file);
+    auto held = library().disk.open(path, compound::Access::Read);
+    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    renameFirst();
+    const auto boxes = boxes_.take();
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_TRUE(boxes[0].text.startsWith("Gruppe: Pumpen / Kreisel\n"))
+        << boxes[0].text.toStdString();
+    EXPECT_EQ(boxes[0].title, "Bild umbenennen");
+    EXPECT_EQ(rows(), QStringList{"P1"});
+
+    held.reset();
+    ASSERT_TRUE(std::filesystem::remove(path));
+    renameFirst();
+    EXPECT_TRUE(boxes_.takeText().contains("Nicht gefunden"));
+    EXPECT_EQ(node("Pumpen"), nullptr);
+    EXPECT_TRUE(rows().isEmpty());
+    QApplication::setActiveWindow(nullptr);
+}
+
 TEST_F(MainPictures, ARenameEndedByAClickElsewhereStaysInItsGroup) {
     const store::GroupAddress other = makeGroup("Andere");
     addPicture(other, "P1");

@@ -4,6 +4,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "platform/native_disk.h"
+#include "platform/temporary_folder.h"
 #include "store/picture_operations.h"
 
 #include <QAction>
@@ -32,6 +33,7 @@ MainWindowTest::MainWindowTest() {
 
 MainWindowTest::~MainWindowTest() {
     window_.reset();
+    platform::wipeTemporaryFolder(platform::CopiedPicture::Remove); // it lies in this test's home
     app::overrideDecimalSeparator(std::nullopt);
     app::setLanguage(app::kGermanLocale);
 }
@@ -66,8 +68,8 @@ QStringList MainWindowTest::storagesFolder() const {
     return QDir(QString::fromStdString(library().folder.string())).entryList(QDir::Files);
 }
 
-void MainWindowTest::start() {
-    window_ = std::make_unique<browser::frmMain>(browser::StartMode::Standalone);
+void MainWindowTest::start(browser::StartMode mode) {
+    window_ = std::make_unique<browser::frmMain>(mode);
     window_->show();
     settle();
 }

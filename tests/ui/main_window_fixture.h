@@ -33,7 +33,8 @@ class MainWindowTest : public testing::Test {
     QStringList storagesFolder() const; // names of the files
 
     // --- The window
-    void start(); // creates and shows it and waits until it has settled
+    // Creates and shows it and waits until it has settled.
+    void start(browser::StartMode mode = browser::StartMode::Standalone);
     void restart();
     void settle();
     browser::frmMain& window() { return *window_; }
