@@ -5,6 +5,7 @@
 #include "store/address.h"
 
 #include <QAbstractButton>
+#include <QGridLayout>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -52,6 +53,14 @@ const ButtonKind& kindOf(Answer answer) {
     return kButtonKinds.front();
 }
 
+// Window managers cut the title of a box that is only as wide as a short text.
+void leaveRoomForTitle(QMessageBox& box) {
+    constexpr int kWidth = 280;
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout())) {
+        grid->addItem(new QSpacerItem(kWidth, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
+}
+
 int showBox(const QString& text, Buttons buttons, const QString& title, QWidget* owner) {
     QMessageBox box(owner);
     box.setObjectName(QStringLiteral("msgBox"));
@@ -62,10 +71,13 @@ int showBox(const QString& text, Buttons buttons, const QString& title, QWidget*
     const std::vector<Answer> answers = answersOf(buttons);
     for (const Answer answer : answers) {
         const ButtonKind& kind = kindOf(answer);
-        box.addButton(kind.standard)->setText(app::text(kind.caption));
+        QPushButton* button = box.addButton(kind.standard);
+        button->setText(app::text(kind.caption));
+        button->setIcon({}); // as in the dialogs
     }
     box.setDefaultButton(kindOf(answers.front()).standard);
     box.setEscapeButton(kindOf(answers.back()).standard);
+    leaveRoomForTitle(box);
     box.exec();
     const QMessageBox::StandardButton pressed = box.standardButton(box.clickedButton());
     for (const Answer answer : answers)
@@ -112,6 +124,11 @@ TextPair failureText(compound::ErrorCode code) {
     return {u"Der Vorgang ist fehlgeschlagen.", u"The operation failed."};
 }
 
+// Whether the cause, which is not in the user's language, would only repeat the kind of failure.
+bool saysItAll(compound::ErrorCode code) {
+    return code == compound::ErrorCode::Locked || code == compound::ErrorCode::NotCompoundFile;
+}
+
 } // namespace
 
 int msgBox(const QString& text, Buttons buttons, const QString& title, QWidget* owner) {
@@ -125,7 +142,7 @@ QString errorText(const compound::Error& error) {
     if (!error.file().empty())
         result = QString::fromStdU16String(store::fromPath(error.file())) + u'\n';
     result += text(failureText(error.code()));
-    if (!error.cause().empty())
+    if (!error.cause().empty() && !saysItAll(error.code()))
         result += QStringLiteral(" (%1)").arg(QString::fromStdString(error.cause()));
     return result;
 }

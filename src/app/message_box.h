@@ -33,7 +33,7 @@ enum Answer : int {
 int msgBox(const QString& text, Buttons buttons, const QString& title, QWidget* owner);
 
 // What a box says about a failed operation: the file, the kind of failure in the program's
-// language, and the system's own words.
+// language, and the system's own words where they tell more than the kind.
 QString errorText(const compound::Error& error);
 
 // The same for any exception that a command may meet (out of memory, ...).

@@ -58,6 +58,7 @@ TEST_F(MessageBoxTest, showsPlainTextAndCaptionsInTheProgramsLanguage) {
         answer(Buttons::YesNo, [&](QMessageBox* box) {
             for (const QAbstractButton* button : box->buttons())
                 captions += button->text();
+            EXPECT_TRUE(box->buttons().first()->icon().isNull());
             EXPECT_EQ(box->text(), "<b>a</b> & b");
             EXPECT_EQ(box->textFormat(), Qt::PlainText);
             EXPECT_EQ(box->icon(), QMessageBox::NoIcon);
@@ -69,11 +70,26 @@ TEST_F(MessageBoxTest, showsPlainTextAndCaptionsInTheProgramsLanguage) {
     }
 }
 
+// The title of a box with a short text read "Ren...ture".
+TEST_F(MessageBoxTest, isWideEnoughForItsTitle) {
+    QTimer::singleShot(0, [] {
+        QWidget* box = QApplication::activeModalWidget();
+        ASSERT_NE(box, nullptr);
+        const int windowButtons = 100;
+        EXPECT_GT(box->width(),
+                  box->fontMetrics().horizontalAdvance(box->windowTitle()) + windowButtons);
+        box->close();
+    });
+    app::msgBox("x", Buttons::Ok, "Neue Gruppe erstellen", nullptr);
+}
+
 TEST_F(MessageBoxTest, namesFileAndCauseOfAnError) {
-    const compound::Error error(compound::ErrorCode::Locked, "/srv/Pumpen ä.stg", "lock: busy");
-    EXPECT_EQ(app::errorText(error), "/srv/Pumpen ä.stg\n"
-                                     "Die Datei wird von einem anderen Programm benutzt. "
-                                     "(lock: busy)");
+    const compound::Error error(compound::ErrorCode::Denied, "/srv/Pumpen ä.stg", "open: no way");
+    EXPECT_EQ(app::errorText(error), "/srv/Pumpen ä.stg\nKeine Berechtigung. (open: no way)");
+    // A cause that only repeats the kind, in another language, is left out.
+    const compound::Error locked(compound::ErrorCode::Locked, "/srv/a.stg", "the file is in use");
+    EXPECT_EQ(app::errorText(locked),
+              "/srv/a.stg\nDie Datei wird von einem anderen Programm benutzt.");
     const std::exception& general = error;
     EXPECT_EQ(app::errorText(general), app::errorText(error));
     EXPECT_TRUE(app::errorText(std::runtime_error("no idea")).contains("no idea"));
