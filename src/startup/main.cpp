@@ -1,6 +1,7 @@
 // The program's start: language, main window, event loop.
 
 #include "app/settings.h"
+#include "app/texts.h"
 #include "browser/frm_main.h"
 #include "browser/window_state.h"
 #include "platform/temporary_folder.h"
@@ -8,6 +9,8 @@
 #include "startup/screenshot.h"
 
 #include <QApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 #include <cstdio>
 #include <optional>
@@ -55,9 +58,20 @@ void chooseScreen(const startup::Options& options) {
     }
 }
 
+// The toolkit's own words, such as those of a text field's menu. Without its texts they stay
+// English.
+void loadToolkitTexts(QTranslator& texts) {
+    constexpr app::TextPair kFile{u"qtbase_de", u"qtbase_en"};
+    if (texts.load(app::text(kFile), QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(&texts);
+    }
+}
+
 int run(const startup::Options& options) {
     // The language comes first, so that the window finds its texts.
     app::settings().chooseLanguage();
+    QTranslator toolkitTexts;
+    loadToolkitTexts(toolkitTexts);
     browser::frmMain window(browser::StartMode::Standalone);
     QObject::connect(&window, &browser::frmMain::unloaded, qApp, &QCoreApplication::quit);
     std::optional<startup::Screenshot> screenshot;
