@@ -19,6 +19,7 @@
 #include "store/picture_operations.h"
 
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -340,6 +341,13 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
     }
     const app::WaitCursor waiting;
     store::addPicture(*library_, group, name, pathOf(*filDatei_), ifExists);
+}
+
+void frmOpen::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel))
+        goBack();
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void frmOpen::goBack() {

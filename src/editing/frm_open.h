@@ -61,6 +61,7 @@ class frmOpen : public QDialog {
 
   protected:
     void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override; // Escape goes back like the button
 
   private:
     void makeControls();

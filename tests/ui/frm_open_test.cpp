@@ -284,15 +284,19 @@ TEST_F(FrmOpenTest, setsDamagedFilesAsideWhenItOpensButNoLockedOnes) {
     EXPECT_TRUE(QFile::exists(home_.at("library/Pumpen.stg")));
 }
 
-TEST_F(FrmOpenTest, refreshesTheMainWindowWhenLeftByButtonOnly) {
+TEST_F(FrmOpenTest, refreshesTheMainWindowWhenTheUserGoesBack) {
     open();
-    QTest::keyClick(&window_, Qt::Key_Escape);
+    window_.close();
     EXPECT_FALSE(window_.isVisible());
     EXPECT_EQ(refreshed_, 0);
     open();
     press("cmdAbbruch");
     EXPECT_FALSE(window_.isVisible());
     EXPECT_EQ(refreshed_, 1);
+    open();
+    QTest::keyClick(name(), Qt::Key_Escape);
+    EXPECT_FALSE(window_.isVisible());
+    EXPECT_EQ(refreshed_, 2);
 }
 
 TEST_F(FrmOpenTest, startsAfreshEachTimeInTheFolderOfTheLastTime) {
