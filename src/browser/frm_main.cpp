@@ -321,7 +321,9 @@ void frmMain::refresh() {
     }
     const QString key = awaitedKey_.isEmpty() ? tree_->selectedKey() : awaitedKey_;
     FillTreeView();
-    if (!key.isEmpty()) {
+    if (key.isEmpty()) {
+        panel_->Aktualisieren(); // of the group that was selected last
+    } else {
         selectAgain(key);
     }
     updateMenuState();

@@ -35,6 +35,7 @@ class TemporaryFoldersInMemory {
 };
 
 inline constexpr const char* kNoPictureFile = "broken.bmp";
+inline constexpr const char* kDoubleClick = "double click";
 
 inline std::string plain(const QString& text) {
     return text.toStdString();
@@ -60,6 +61,9 @@ class RandomCommands : private TemporaryFoldersInMemory,
     QString either(const char* one, const char* other) {
         return QLatin1String(oneIn(2) ? one : other);
     }
+    QString anyOfThese(std::initializer_list<const char*> actions) {
+        return QLatin1String(anyOf(actions));
+    }
 
     library_model::GroupNameTrial anyGroupName();
     QString anyPictureName();
@@ -76,6 +80,10 @@ class RandomCommands : private TemporaryFoldersInMemory,
     void deletePicture();
     void showPictureInfo();
     void showLibraryInfo();
+    void handOver();
+    void readPicture();
+    void copyPicture();
+    void editPicture();
     void clickGroup();
     void clearSelection();
     void choosePicture();
@@ -108,7 +116,15 @@ class RandomCommands : private TemporaryFoldersInMemory,
     enum class Answer { Ok = app::kAnswerOk, Yes = app::kAnswerYes, No = app::kAnswerNo };
     Answer anyAnswer(); // to a question
 
-    // Triggers the action, which opens a dialog or not, and works in it. Boxes are answered with
+    // An action's name, or what a hand does: a key on the tree ("F2 on tvwGruppen"), a double click
+    // on the preview.
+    void perform(const QString& action);
+    void press(QWidget* widget, const QKeySequence& key);
+    QString picturesView() const {
+        return QLatin1String(screen_.isStrip ? "shpVorschau" : "lvwInfo");
+    }
+
+    // Performs the action, which opens a dialog or not, and works in it. Boxes are answered with
     // `answer` and must be those that were expected.
     void run(const QString& action, Opens opens, const InDialog& inDialog = {},
              Answer answer = Answer::Ok);
@@ -140,6 +156,11 @@ class RandomCommands : private TemporaryFoldersInMemory,
     bool isPictureThere() const {
         return screen_.selected && model_.hasPictureIgnoringCase(*screen_.selected, screen_.label);
     }
+    const library_model::Source* shownSource() const {
+        return isPictureThere() ? model_.picturesOf(screen_.selected).find(screen_.label)->second
+                                : nullptr;
+    }
+    void expectCopy(const QString& path, const QString& fileName);
     QString groupText() const {
         return screen_.selected ? model_.find(*screen_.selected)->name : QString();
     }

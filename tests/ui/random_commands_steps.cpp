@@ -1,13 +1,16 @@
 // The commands on groups and pictures, and the choosing of both.
 #include "app/number_text.h"
+#include "app/settings.h"
 #include "app/texts.h"
 #include "ui/random_commands_fixture.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QMimeData>
 #include <QScrollBar>
 #include <QTest>
 
@@ -107,7 +110,8 @@ QString RandomCommands::renameGroupRefusal(const GroupNameTrial& name) const {
 }
 
 void RandomCommands::renameGroup() {
-    run(either("Men_Bearbeiten_7", "gRename"), Opens::Dialog, [&](QDialog& dialog) {
+    const QString action = anyOfThese({"Men_Bearbeiten_7", "gRename", "F2 on tvwGruppen"});
+    run(action, Opens::Dialog, [&](QDialog& dialog) {
         auto* field = dialog.findChild<QLineEdit*>("txtNeu");
         EXPECT_EQ(field->text(), "");
         for (int attempts = below(4); attempts > 0 && dialog.isVisible(); --attempts) {
@@ -131,7 +135,7 @@ void RandomCommands::renameGroup() {
 }
 
 void RandomCommands::deleteGroup() {
-    const QString action = either("Men_Bearbeiten_8", "gDelete");
+    const QString action = anyOfThese({"Men_Bearbeiten_8", "gDelete", "Del on tvwGruppen"});
     const Answer answer = anyAnswer();
     if (!screen_.selected) {
         if (offersMenu() || action == "gDelete") {
@@ -282,7 +286,8 @@ QString RandomCommands::renamePictureRefusal(const QString& name) const {
 }
 
 void RandomCommands::renamePicture() {
-    const QString action = either("Men_Bearbeiten_1", "bRename");
+    const QString action = screen_.isStrip && oneIn(3) ? QStringLiteral("F2 on shpVorschau")
+                                                       : either("Men_Bearbeiten_1", "bRename");
     if (action != "bRename" && (!offersMenu() || screen_.showsNoPicture())) {
         run(action, Opens::Nothing);
         return;
@@ -358,7 +363,8 @@ void RandomCommands::renameInPlace() {
 }
 
 void RandomCommands::deletePicture() {
-    const QString action = either("Men_Bearbeiten_3", "bDelete");
+    const QString action =
+        oneIn(3) ? "Del on " + picturesView() : either("Men_Bearbeiten_3", "bDelete");
     const Answer answer = anyAnswer();
     if (screen_.selected && isPictureThere()) {
         expectBox(app::text(300) + screen_.label + app::text(301) + groupText() + app::text(302));
@@ -394,6 +400,57 @@ void RandomCommands::showLibraryInfo() {
         expectText(dialog, "Label2", app::text(1300) + QString::number(model_.fileNames().size()));
         expectText(dialog, "Label3", app::text(1301) + QString::number(model_.pictureCount()));
         leave(dialog, "cmdZur_ck");
+    });
+}
+
+void RandomCommands::expectCopy(const QString& path, const QString& fileName) {
+    EXPECT_EQ(plain(path), plain(app::settings().temporaryFolder() + fileName));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << plain(path);
+    EXPECT_EQ(file.readAll(), shownSource()->bytes);
+}
+
+void RandomCommands::handOver() {
+    const QString before = window().handOverValue();
+    const bool isOffered = offersMenu();
+    const QString action = either("Men_Datei_4", "bCopy");
+    const Source* source = shownSource();
+    run(action, Opens::Nothing);
+    if (source != nullptr && (isOffered || action == "bCopy")) {
+        expectCopy(window().handOverValue(), "CopiedPicture." + source->type);
+    } else {
+        EXPECT_EQ(window().handOverValue(), before);
+    }
+}
+
+void RandomCommands::readPicture() {
+    const Source* source = screen_.showsNoPicture() ? nullptr : shownSource();
+    run("Men_Bearbeiten_0", Opens::Nothing);
+    if (source != nullptr) {
+        const QString name = "Picture." + source->type;
+        expectCopy(app::settings().temporaryFolder() + name, name);
+    }
+}
+
+void RandomCommands::copyPicture() {
+    const Source* source = screen_.showsNoPicture() ? nullptr : shownSource();
+    run("Ctrl+C on " + (oneIn(2) ? picturesView() : QStringLiteral("tvwGruppen")), Opens::Nothing);
+    if (source != nullptr) {
+        const QString path =
+            QGuiApplication::clipboard()->mimeData()->urls().value(0).toLocalFile();
+        expectCopy(path, "Clipboard/" + QFileInfo(path).fileName());
+    }
+}
+
+void RandomCommands::editPicture() {
+    const Source* source = screen_.showsNoPicture() ? nullptr : shownSource();
+    const bool isVector = source != nullptr && source->type == "WMF";
+    if (source != nullptr && !isVector) {
+        expectBox(QStringLiteral("*"));
+    }
+    run(kDoubleClick, isVector ? Opens::Dialog : Opens::Nothing, [&](QDialog& dialog) {
+        EXPECT_EQ(plain(dialog.objectName()), "frmOptionenWMF");
+        EXPECT_TRUE(dialog.windowTitle().contains(screen_.label));
     });
 }
 
@@ -471,5 +528,9 @@ void RandomCommands::toggleView() {
 
 void RandomCommands::refresh() {
     screen_.refresh();
-    window().Aktualisieren();
+    if (oneIn(2)) {
+        window().Aktualisieren();
+    } else {
+        run("F5 on " + (oneIn(2) ? picturesView() : QStringLiteral("tvwGruppen")), Opens::Nothing);
+    }
 }
