@@ -1,0 +1,71 @@
+// The keys that menus and dialogs underline, pressed together with Alt.
+#include "ui/every_language.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QTest>
+
+namespace {
+
+class Mnemonics : public EveryLanguageTest {
+  protected:
+    ~Mnemonics() override { QApplication::setActiveWindow(nullptr); }
+
+    void startActive() {
+        addPicture(makeGroup("Pumpen"), "P1");
+        start();
+        clickNode("Pumpen");
+        QApplication::setActiveWindow(&window());
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Languages, Mnemonics, EveryLanguageTest::all());
+
+TEST_P(Mnemonics, OpenTheMenusAndChooseTheirItems) {
+    struct Way {
+        const char* german;
+        const char* english; // the menu's letter and the item's
+        const char* menu;
+        const char* dialog;
+    };
+    startActive();
+    for (const Way& way : {Way{"dn", "fn", "Men_Datei", "frmNeueGruppe"},
+                           Way{"bm", "en", "Men_Bearbeiten", "frmEditGruppe"},
+                           Way{"bi", "ei", "Men_Bearbeiten", "frmInfos"},
+                           Way{"ee", "xe", "Men_Extras", "frmEditorOptionen"},
+                           Way{"hi", "hi", "Men_Hilfe", "frmInfo"}}) {
+        const char* letters = isGerman() ? way.german : way.english;
+        const auto choose = [&](const char* focused) {
+            QApplication::setActiveWindow(&window()); // a dialog may have been it
+            auto* focus = find<QWidget>(focused);
+            focus->setFocus();
+            QTest::keyClick(focus, letters[0], Qt::AltModifier);
+            QWidget* opened = QApplication::activePopupWidget();
+            ASSERT_NE(opened, nullptr) << letters;
+            EXPECT_EQ(opened->objectName(), way.menu);
+            QTest::keyClick(opened, letters[1]);
+        };
+        for (const char* focused : {"tvwGruppen", "shpVorschau"}) {
+            inDialog([&] { choose(focused); },
+                     [&](QDialog& dialog) { EXPECT_EQ(dialog.objectName(), way.dialog); });
+        }
+    }
+}
+
+TEST_P(Mnemonics, OfADialogReachTheirControls) {
+    startActive();
+    inDialog([&] { trigger("bInfo"); },
+             [&](QDialog& dialog) {
+                 QApplication::setActiveWindow(&dialog);
+                 const auto* width = dialog.findChild<QLabel*>("lblBreite2");
+                 const auto becomes = [&](Qt::Key key, const char* text) {
+                     QTest::keyClick(dialog.focusWidget(), key, Qt::AltModifier);
+                     return QTest::qWaitFor([&] { return width->text() == text; });
+                 };
+                 EXPECT_TRUE(becomes(Qt::Key_T, "300"));
+                 EXPECT_TRUE(becomes(Qt::Key_P, "20"));
+             });
+}
+
+} // namespace
