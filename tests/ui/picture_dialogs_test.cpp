@@ -3,6 +3,7 @@
 #include "app/settings.h"
 #include "commands/edit_picture.h"
 #include "commands/enabling.h"
+#include "editing/picture_box.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "store/storage_access.h"
@@ -457,6 +458,23 @@ TEST_P(PictureDialogs, ThePreviewShowsThePicture) {
                  const QImage image = box->grab().toImage();
                  EXPECT_EQ(image.pixelColor(image.rect().center()), QColor(Qt::red));
              });
+}
+
+// The dialog is kept: what it showed before must not stand for a picture that nobody can decode.
+TEST_P(PictureDialogs, ThePreviewIsEmptyForAnUndecodablePicture) {
+    makeLibrary({"P1"});
+    addUndecodable(group_, "P2");
+    start();
+    choose();
+    for (const char* name : {"P1", "P2", "P1"}) {
+        QTest::mouseClick(thumbnail(name), Qt::LeftButton);
+        inDialog([&] { trigger("bInfo"); },
+                 [&](QDialog& dialog) {
+                     const auto* preview = dialog.findChild<editing::PictureBox*>("imgBild");
+                     EXPECT_EQ(preview->isEmpty(), QLatin1String(name) == "P2");
+                     EXPECT_EQ(shown(dialog, "lblName2"), name);
+                 });
+    }
 }
 
 TEST_P(PictureDialogs, InformationAsksForAPictureBeforeAnyChoice) {
