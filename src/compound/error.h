@@ -18,9 +18,10 @@ enum class ErrorCode {
     Denied,          // no permission, or a read-only medium
     InvalidName,     // the name cannot be an element's or a file's name
     InvalidPicture,  // the bytes cannot be decoded as a picture
-    OutcomeUnknown,  // done, or not: the header could neither be written nor put back, or a file was
-                     // moved and its new place not made durable
-    Failed,          // any other failure of the system
+    // Done, or not: the header could neither be written nor put back, or a file was moved and its
+    // new place not made durable.
+    OutcomeUnknown,
+    Failed, // any other failure of the system
 };
 
 // Names what went wrong and the file it happened to. what() is "FILE: cause" in UTF-8, fit for a
