@@ -5,6 +5,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "browser/damaged_report.h"
+#include "browser/group_browsing.h"
 #include "browser/group_icons.h"
 #include "browser/group_tree.h"
 #include "browser/key_bindings.h"
@@ -29,8 +30,6 @@
 namespace browser {
 namespace {
 
-constexpr std::chrono::milliseconds kRefreshLockWait{1000};
-constexpr std::chrono::milliseconds kRetryLockWait{300};
 constexpr std::chrono::milliseconds kOperationLockWait{300}; // a click may need three operations
 constexpr int kRenamePicture = 400;
 constexpr app::TextPair kTreeName{u"Gruppen", u"Groups"};
@@ -72,6 +71,7 @@ frmMain::frmMain(StartMode mode)
     tree_ = new GroupTree(surface_);
     panel_ = new PicturePanel(surface_);
     panel_->setTabOrderAfter(tree_);
+    groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_);
     menus_ = new MainMenus(menuBar(), dispatcher_, this);
     connectTree();
     connectPanel();
@@ -84,10 +84,8 @@ frmMain::frmMain(StartMode mode)
 frmMain::~frmMain() = default;
 
 void frmMain::connectTree() {
-    connect(tree_, &GroupTree::nodeClicked, this, &frmMain::nodeClicked);
+    connect(groups_.get(), &GroupBrowsing::editItemWanted, this, &frmMain::updateEditItem);
     connect(tree_, &GroupTree::selectionCleared, this, &frmMain::updateMenuState);
-    // Rereading rebuilds the very node whose event asks for it.
-    connect(tree_, &GroupTree::retryWanted, this, &frmMain::retry, Qt::QueuedConnection);
     connect(tree_, &GroupTree::popUpWanted, this,
             [this](const QPoint& position) { menus_->popUp(commands::BandId::Group, position); });
     connect(tree_, &GroupTree::pointerMoved, panel_, &PicturePanel::hideToolTip);
@@ -133,6 +131,7 @@ void frmMain::load() {
     }
     library_.emplace(libraryOf(settings));
     panel_->setLibrary(*library_);
+    groups_->setLibrary(*library_);
     panel_->hideToolTip();
     panel_->setGraphicalPreview(true);
     placeParts();
@@ -173,9 +172,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
 void frmMain::unload() {
     app::Settings& settings = app::settings();
     removeTemporaryPictures(settings.temporaryFolderPath());
-    // What is remembered waits until the library, or a group that was locked, is there again.
-    if (isReachable_) {
-        settings.setCurrentGroup(awaitedKey_.isEmpty() ? tree_->selectedKey() : awaitedKey_);
+    if (const auto key = groups_->keyToRemember()) {
+        settings.setCurrentGroup(*key);
     } else {
         settings.readCurrentGroup();
     }
@@ -251,50 +249,27 @@ std::optional<commands::SelectedGroup> frmMain::selectedGroup() const {
 }
 
 void frmMain::FillTreeView() {
-    const LibraryReading reading = readLibrary(*library_, store::LockBudget(kRefreshLockWait));
-    isReachable_ = reading.reachable;
-    tree_->rebuild(reading.files);
+    groups_->fillTree();
 }
 
 void frmMain::SetCurrentGroup(const store::GroupAddress& group) {
-    panel_->setGroup(group);
-    CurrentGroup_ = QString::fromStdU16String(store::keyOf(group));
+    groups_->setCurrent(group);
 }
 
 void frmMain::SelectNode() {
     app::Settings& settings = app::settings();
     settings.readCurrentGroup();
-    const QString remembered = settings.currentGroup();
-    // Nothing waits for the pictures of a group that is known to be locked.
-    if (tree_->selectKey(remembered) && !tree_->selectedIsMarked()) {
-        panel_->setGroup(tree_->selected()->address);
-    }
-    if (tree_->selectedKey() != remembered && isInMarkedFile(remembered)) {
-        awaitedKey_ = remembered;
-    }
-    // The first click on the selected node shall fill the view anew.
-    CurrentGroup_ = tree_->firstNodeText();
-}
-
-bool frmMain::isInMarkedFile(const QString& key) const {
-    return tree_->isMarked(store::addressOf(key.toStdU16String()).file);
+    groups_->selectRemembered(settings.currentGroup());
 }
 
 void frmMain::TreeViewSelectNode(const store::GroupAddress& group) {
-    awaitedKey_.clear();
-    SetCurrentGroup(group);
-    tree_->select(group);
+    groups_->select(group);
     SelectPicture();
     updateMenuState();
 }
 
 void frmMain::TreeViewAdd(const store::GroupName& name) {
-    awaitedKey_.clear();
-    tree_->addTopLevelNode(name);
-    tree_->selectKey(QString::fromStdU16String(name.text) + u'a');
-    panel_->setGroup(store::topLevelAddress(name.text));
-    CurrentGroup_ = QString::fromStdU16String(name.text);
-    panel_->showGroupAnew();
+    groups_->add(name);
 }
 
 void frmMain::TreeViewRemove(const store::GroupAddress& group) {
@@ -302,52 +277,13 @@ void frmMain::TreeViewRemove(const store::GroupAddress& group) {
 }
 
 void frmMain::SelectFirstGroup() {
-    awaitedKey_.clear();
-    tree_->selectFirst();
-    showSelectedGroup();
-}
-
-void frmMain::showSelectedGroup() {
-    const auto selected = tree_->selected();
-    const bool isReadable = selected && !tree_->selectedIsMarked();
-    panel_->setGroup(isReadable ? std::optional(selected->address) : std::nullopt);
-    CurrentGroup_ = tree_->selectedKey();
-    panel_->showGroupAnew();
+    groups_->selectFirst();
 }
 
 void frmMain::refresh() {
-    if (!Activated_) {
-        return;
-    }
-    const QString key = awaitedKey_.isEmpty() ? tree_->selectedKey() : awaitedKey_;
-    FillTreeView();
-    if (key.isEmpty()) {
-        panel_->Aktualisieren(); // of the group that was selected last
-    } else {
-        selectAgain(key);
-    }
-    updateMenuState();
-}
-
-// A sub-group of a file that is locked just now has no node; its file's node stands for it until
-// then.
-void frmMain::selectAgain(const QString& key) {
-    if (tree_->selectKey(key)) {
-        const bool isBack = !awaitedKey_.isEmpty();
-        awaitedKey_.clear();
-        CurrentGroup_ = key;
-        if (isBack) {
-            showSelectedGroup();
-        } else {
-            panel_->Aktualisieren();
-        }
-    } else if (isInMarkedFile(key)) {
-        awaitedKey_ = key;
-        const std::u16string file = store::addressOf(key.toStdU16String()).file.text;
-        tree_->select(store::topLevelAddress(file));
-        showSelectedGroup();
-    } else {
-        SelectFirstGroup();
+    if (Activated_) {
+        groups_->refresh();
+        updateMenuState();
     }
 }
 
@@ -374,43 +310,6 @@ void frmMain::tellRenameFailure(const store::GroupAddress& group, const std::exc
 
 int frmMain::GetNodeIndex(const QString& text) const {
     return tree_->GetNodeIndex(text);
-}
-
-void frmMain::nodeClicked() {
-    const auto selected = tree_->selected();
-    if (!selected) {
-        return;
-    }
-    awaitedKey_.clear();
-    // A file that could not be read is tried once more before anything waits for its pictures.
-    const bool isMarked = tree_->selectedIsMarked();
-    panel_->setGroup(isMarked ? std::nullopt : std::optional(selected->address));
-    if (tree_->selectedKey() != CurrentGroup_) {
-        CurrentGroup_ = tree_->selectedKey();
-        panel_->showGroup();
-    }
-    updateEditItem(commands::EditItemCause::Group);
-    if (isMarked) {
-        QMetaObject::invokeMethod(
-            this, [this, file = selected->address.file] { retry(file); }, Qt::QueuedConnection);
-    }
-}
-
-void frmMain::retry(const store::FileName& file) {
-    if (!tree_->isMarked(file)) {
-        return; // read meanwhile
-    }
-    const bool wasSelected = tree_->selected() && tree_->selected()->address.file == file;
-    tree_->replaceFile(file,
-                       readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait)));
-    if (wasSelected && !tree_->selectedIsMarked()) {
-        const store::FileName awaited = store::addressOf(awaitedKey_.toStdU16String()).file;
-        if (awaited == file && !tree_->selectKey(awaitedKey_)) {
-            tree_->select(store::topLevelAddress(file.text));
-        }
-        awaitedKey_.clear();
-        showSelectedGroup();
-    }
 }
 
 // --- Menus

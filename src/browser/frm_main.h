@@ -5,7 +5,6 @@
 // window is shown the damaged files are reported and the group last used is selected.
 #pragma once
 
-#include "browser/library_reading.h"
 #include "commands/dispatcher.h"
 #include "commands/enabling.h"
 #include "commands/library_view.h"
@@ -17,6 +16,7 @@
 
 namespace browser {
 
+class GroupBrowsing;
 class GroupTree;
 class MainMenus;
 class PicturePanel;
@@ -101,13 +101,8 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void unload();
     void leave();
     void placeParts();
-    void nodeClicked();
-    void retry(const store::FileName& file);
     void updateMenuState();
     void updateEditItem(commands::EditItemCause cause);
-    void showSelectedGroup();
-    bool isInMarkedFile(const QString& key) const;
-    void selectAgain(const QString& key);
     void tellRenameFailure(const store::GroupAddress& group, const std::exception& failure);
 
     StartMode mode_;
@@ -116,13 +111,10 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     GroupTree* tree_;
     PicturePanel* panel_;
     MainMenus* menus_;
+    std::unique_ptr<GroupBrowsing> groups_;
     std::optional<store::Library> library_;
-    QString CurrentGroup_; // key of the group whose pictures are shown, or, after the start and
-                           // after TreeViewAdd, a node's text
     QString handOverValue_;
     QString loadFailure_;
-    bool isReachable_ = false;
-    QString awaitedKey_; // of a group that was selected until its file could not be read
     bool isLoaded_ = false;
     bool Activated_ = false;
     bool isUnloaded_ = false;

@@ -1,0 +1,155 @@
+#include "browser/group_browsing.h"
+
+#include "browser/group_tree.h"
+#include "browser/library_reading.h"
+#include "browser/picture_panel.h"
+
+#include <chrono>
+
+namespace browser {
+namespace {
+
+constexpr std::chrono::milliseconds kRefreshLockWait{1000};
+constexpr std::chrono::milliseconds kRetryLockWait{300};
+
+store::FileName fileOf(const QString& key) {
+    return store::addressOf(key.toStdU16String()).file;
+}
+
+} // namespace
+
+GroupBrowsing::GroupBrowsing(GroupTree& tree, PicturePanel& panel) : tree_(tree), panel_(panel) {
+    connect(&tree_, &GroupTree::nodeClicked, this, &GroupBrowsing::nodeClicked);
+    // Rereading rebuilds the very node whose event asks for it.
+    connect(&tree_, &GroupTree::retryWanted, this, &GroupBrowsing::retry, Qt::QueuedConnection);
+}
+
+void GroupBrowsing::fillTree() {
+    const LibraryReading reading = readLibrary(*library_, store::LockBudget(kRefreshLockWait));
+    isReachable_ = reading.reachable;
+    tree_.rebuild(reading.files);
+}
+
+void GroupBrowsing::refresh() {
+    const QString key = awaitedKey_.isEmpty() ? tree_.selectedKey() : awaitedKey_;
+    fillTree();
+    if (key.isEmpty()) {
+        panel_.Aktualisieren(); // of the group that was selected last
+    } else {
+        selectAgain(key);
+    }
+}
+
+void GroupBrowsing::selectAgain(const QString& key) {
+    const bool wasAwaited = !awaitedKey_.isEmpty();
+    if (tree_.selectKey(key)) {
+        awaitedKey_.clear();
+        CurrentGroup_ = key;
+        if (wasAwaited) {
+            showSelected();
+        } else {
+            panel_.Aktualisieren();
+        }
+    } else if (isInMarkedFile(key)) {
+        awaitedKey_ = key;
+        tree_.select(store::topLevelAddress(fileOf(key).text));
+        showSelected();
+    } else {
+        selectFirst();
+    }
+}
+
+void GroupBrowsing::selectRemembered(const QString& key) {
+    // Nothing waits for the pictures of a group that is known to be locked.
+    if (tree_.selectKey(key) && !tree_.selectedIsMarked()) {
+        panel_.setGroup(tree_.selected()->address);
+    }
+    if (tree_.selectedKey() != key && isInMarkedFile(key)) {
+        awaitedKey_ = key;
+    }
+    // The first click on the selected node shall fill the view anew.
+    CurrentGroup_ = tree_.firstNodeText();
+}
+
+std::optional<QString> GroupBrowsing::keyToRemember() const {
+    if (!isReachable_) {
+        return std::nullopt;
+    }
+    return awaitedKey_.isEmpty() ? tree_.selectedKey() : awaitedKey_;
+}
+
+void GroupBrowsing::setCurrent(const store::GroupAddress& group) {
+    panel_.setGroup(group);
+    CurrentGroup_ = QString::fromStdU16String(store::keyOf(group));
+}
+
+void GroupBrowsing::select(const store::GroupAddress& group) {
+    awaitedKey_.clear();
+    setCurrent(group);
+    tree_.select(group);
+}
+
+void GroupBrowsing::add(const store::GroupName& name) {
+    awaitedKey_.clear();
+    const QString text = QString::fromStdU16String(name.text);
+    tree_.addTopLevelNode(name);
+    tree_.selectKey(text + u'a');
+    panel_.setGroup(store::topLevelAddress(name.text));
+    CurrentGroup_ = text;
+    panel_.showGroupAnew();
+}
+
+void GroupBrowsing::selectFirst() {
+    awaitedKey_.clear();
+    tree_.selectFirst();
+    showSelected();
+}
+
+void GroupBrowsing::showSelected() {
+    const auto selected = tree_.selected();
+    const bool isReadable = selected && !tree_.selectedIsMarked();
+    panel_.setGroup(isReadable ? std::optional(selected->address) : std::nullopt);
+    CurrentGroup_ = tree_.selectedKey();
+    panel_.showGroupAnew();
+}
+
+void GroupBrowsing::nodeClicked() {
+    const auto selected = tree_.selected();
+    if (!selected) {
+        return;
+    }
+    awaitedKey_.clear();
+    // A file that could not be read is tried once more before anything waits for its pictures.
+    const bool isMarked = tree_.selectedIsMarked();
+    panel_.setGroup(isMarked ? std::nullopt : std::optional(selected->address));
+    if (tree_.selectedKey() != CurrentGroup_) {
+        CurrentGroup_ = tree_.selectedKey();
+        panel_.showGroup();
+    }
+    emit editItemWanted(commands::EditItemCause::Group);
+    if (isMarked) {
+        QMetaObject::invokeMethod(
+            this, [this, file = selected->address.file] { retry(file); }, Qt::QueuedConnection);
+    }
+}
+
+void GroupBrowsing::retry(const store::FileName& file) {
+    if (!tree_.isMarked(file)) {
+        return; // read meanwhile
+    }
+    const bool wasSelected = tree_.selected() && tree_.selected()->address.file == file;
+    tree_.replaceFile(file, readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait)));
+    if (wasSelected && !tree_.selectedIsMarked()) {
+        if (fileOf(awaitedKey_) == file && !tree_.selectKey(awaitedKey_)) {
+            tree_.select(store::topLevelAddress(file.text));
+        }
+        awaitedKey_.clear();
+        showSelected();
+    }
+}
+
+bool GroupBrowsing::isInMarkedFile(const QString& key) const {
+    return tree_.isMarked(fileOf(key));
+}
+
+} // namespace browser
