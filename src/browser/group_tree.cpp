@@ -338,6 +338,9 @@ void GroupTree::contextMenuEvent(QContextMenuEvent* event) {
         return;
     }
     const QTreeWidgetItem* item = selectedItem();
+    if (item != nullptr) {
+        scrollToItem(item); // the band stands below its node, not beside the tree
+    }
     const QRect rect = item == nullptr ? QRect() : visualItemRect(item);
     emit popUpWanted(viewport()->mapToGlobal(rect.bottomLeft()));
 }

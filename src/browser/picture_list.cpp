@@ -187,6 +187,7 @@ void PictureList::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Mouse || selectedItems().isEmpty()) {
         return;
     }
+    scrollToItem(selectedItems().front()); // the band stands below its row, not beside the list
     const QRect row = visualItemRect(selectedItems().front());
     emit mouseReleased(Qt::RightButton, viewport()->mapToGlobal(row.bottomLeft()));
 }

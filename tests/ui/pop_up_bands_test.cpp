@@ -112,6 +112,25 @@ TEST_P(PopUpBands, TheKeyOpensTheBandAtWhatIsSelected) {
     EXPECT_EQ(bandByKey(list, rowOf(list, list->topLevelItem(1))), "Band1");
 }
 
+TEST_P(PopUpBands, TheKeyBringsTheSelectedRowBack) {
+    const auto first = makeGroup("A0");
+    for (int i = 1; i <= 20; ++i) {
+        makeGroup("A" + QString::number(i), first);
+        addPicture(first, "P" + QString::number(i));
+    }
+    start();
+    window().resize(window().minimumSize());
+    clickNode("A0");
+    node("A0")->setExpanded(true);
+    trigger("Men_Extras_0");
+    auto* list = find<QTreeWidget>("lvwInfo");
+    for (QTreeWidget* view : {tree(), list}) {
+        view->scrollToBottom();
+        ASSERT_LT(view->visualItemRect(view->topLevelItem(0)).bottom(), 0);
+        EXPECT_EQ(bandByKey(view, view->rect()), view == list ? "Band1" : "Band2");
+    }
+}
+
 TEST_P(PopUpBands, TheKeyOpensNothingWhereNoPictureIs) {
     makeGroup("Leer");
     start();
