@@ -1,8 +1,7 @@
 #include "imaging/metafile/plus_player.h"
 
 #include "imaging/byte_reader.h"
-#include "imaging/image_scaling.h"
-#include "imaging/metafile/metafile.h"
+#include "imaging/metafile/plus_image_painter.h"
 #include "imaging/metafile/plus_images.h"
 #include "imaging/metafile/plus_painting.h"
 #include "imaging/metafile/plus_pens.h"
@@ -430,110 +429,11 @@ class PlusPlayer::Impl {
         if (image == nullptr)
             return;
         const QTransform transform = toImage();
-        std::array<QPointF, 3> corners{};
-        std::transform(record.corners.begin(), record.corners.end(), corners.begin(),
-                       [&](QPointF corner) { return transform.map(corner); });
-        const QPointF across = corners[1] - corners[0];
-        const QPointF down = corners[2] - corners[0];
-        const QSizeF size(std::hypot(across.x(), across.y()), std::hypot(down.x(), down.y()));
-        if (!(size.width() > 0) || !(size.height() > 0) || size.width() > kFarthest ||
-            size.height() > kFarthest || std::abs(corners[0].x()) > kFarthest ||
-            std::abs(corners[0].y()) > kFarthest)
-            return;
-        if (!image->metafile.isEmpty()) {
-            drawMetafile(image->metafile, record.part, corners[0], across, down, size);
-            return;
-        }
-        drawBitmap(image->image, record.part, corners[0], across, down, size);
-    }
-
-    void drawMetafile(const QByteArray& metafile, QRectF part, QPointF corner, QPointF across,
-                      QPointF down, QSizeF size) {
-        constexpr double kMostSide = 4000;
-        const auto bytes = std::as_bytes(
-            std::span(metafile.constData(), static_cast<std::size_t>(metafile.size())));
-        const QRectF share = shareOf(part.normalized(), plusMetafileFrame(bytes));
-        const QSize pixels(
-            static_cast<int>(std::clamp(size.width() / share.width(), 1.0, kMostSide)),
-            static_cast<int>(std::clamp(size.height() / share.height(), 1.0, kMostSide)));
-        canvas_.budget().spendPixels(double{1} * pixels.width() * pixels.height());
-        const QImage drawn = drawNested(bytes, pixels, canvas_.budget());
-        const QRectF wanted(share.x() * pixels.width(), share.y() * pixels.height(),
-                            share.width() * pixels.width(), share.height() * pixels.height());
-        drawBitmap(drawn, wanted, corner, across, down, size);
-    }
-
-    // The part of a metafile as parts of 1. Writers round its sides up, or count one pixel more.
-    static QRectF shareOf(const QRectF& part, const QRectF& frame) {
-        constexpr double kTolerance = 0.02;
-        constexpr double kSmallest = 0.01;
-        constexpr QRectF kWhole(0, 0, 1, 1);
-        if (frame.isEmpty() || part.isEmpty())
-            return kWhole;
-        const QRectF share((part.x() - frame.x()) / frame.width(),
-                           (part.y() - frame.y()) / frame.height(), part.width() / frame.width(),
-                           part.height() / frame.height());
-        const auto isNear = [&](double one, double other, double side) {
-            return std::abs(one - other) <= kTolerance + 1.5 / side;
-        };
-        const bool isWhole =
-            isNear(share.left(), 0, frame.width()) && isNear(share.top(), 0, frame.height()) &&
-            isNear(share.right(), 1, frame.width()) && isNear(share.bottom(), 1, frame.height());
-        const bool isPart = share.left() > -kTolerance && share.top() > -kTolerance &&
-                            share.right() < 1 + kTolerance && share.bottom() < 1 + kTolerance &&
-                            share.width() > kSmallest && share.height() > kSmallest;
-        return isPart && !isWhole ? share : kWhole;
-    }
-
-    void drawBitmap(const QImage& image, QRectF part, QPointF corner, QPointF across, QPointF down,
-                    QSizeF size) {
-        part = part.normalized();
-        if (image.isNull() || part.width() <= 0 || part.height() <= 0)
-            return;
-        canvas_.budget().spendPixels(double{1} * image.width() * image.height());
-        canvas_.budget().spendPixels(
-            4 * std::min(size.width() * size.height(),
-                         double{1} * canvas_.sheet().width() * canvas_.sheet().height()));
-        const QRect seen = (part & QRectF(image.rect())).toAlignedRect() & image.rect();
-        if (seen.isEmpty())
-            return;
-        // Scaled with averaging first: painting alone would leave pixels out.
-        // How many pixels the seen part's side gets; a wild share is none that fits anyway.
-        const auto share = [](double whole, double seenSide, double partSide) {
-            return static_cast<int>(
-                std::lround(std::clamp(whole * seenSide / partSide, 1.0, kFarthest)));
-        };
-        const QSize wanted(share(size.width(), seen.width(), part.width()),
-                           share(size.height(), seen.height(), part.height()));
-        QImage source = seen == image.rect() ? image : image.copy(seen);
-        const bool shrinks = wanted.width() < seen.width() && wanted.height() < seen.height();
-        if (shrinks)
-            source = smoothlyScaled(source, wanted);
-        const QTransform placed =
-            QTransform::fromScale(double{1} * seen.width() / source.width(),
-                                  double{1} * seen.height() / source.height()) *
-            QTransform::fromTranslate(seen.left() - part.left(), seen.top() - part.top()) *
-            QTransform(across.x() / part.width(), across.y() / part.width(),
-                       down.x() / part.height(), down.y() / part.height(), corner.x(), corner.y());
-        QPainter& painter = prepared();
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, state_.smoothImages);
-        const bool upright =
-            placed.type() <= QTransform::TxScale && placed.m11() > 0 && placed.m22() > 0;
-        if (upright) {
-            painter.setRenderHint(QPainter::Antialiasing, false);
-            const QRectF box = placed.mapRect(QRectF(source.rect()));
-            if (std::abs(box.left()) > kFarthest || std::abs(box.top()) > kFarthest ||
-                box.width() > kFarthest || box.height() > kFarthest)
-                return;
-            const QPoint topLeft = box.topLeft().toPoint();
-            const QPoint end = box.bottomRight().toPoint();
-            painter.drawImage(QRect(topLeft, end - QPoint(1, 1)) | QRect(topLeft, QSize(1, 1)),
-                              source);
-            return;
-        }
-        painter.setTransform(placed);
-        painter.drawImage(0, 0, source);
-        painter.resetTransform();
+        const QPointF corner = transform.map(record.corners[0]);
+        const PlusImagePlace place{corner, transform.map(record.corners[1]) - corner,
+                                   transform.map(record.corners[2]) - corner};
+        prepared().setRenderHint(QPainter::SmoothPixmapTransform, state_.smoothImages);
+        drawPlusImage(canvas_, *image, record.part, place);
     }
 
     // ---- Text

@@ -1,0 +1,22 @@
+// Draws the pictures and metafiles that EMF+ objects hold.
+#pragma once
+
+#include "imaging/metafile/canvas.h"
+#include "imaging/metafile/plus_records.h"
+
+namespace imaging::metafile {
+
+// Where a picture's top left corner goes, and its upper and left sides from there; image pixels.
+struct PlusImagePlace {
+    QPointF corner, across, down;
+
+    QSizeF size() const;
+};
+
+// Draws `part` of the image there. The canvas's painter is set to image pixels and clipped; its
+// hints and transform are other ones afterwards. Spends what it costs. Throws DecodeError when a
+// metafile cannot be read, and WorkExhausted.
+void drawPlusImage(Canvas& canvas, const PlusImage& image, const QRectF& part,
+                   const PlusImagePlace& place);
+
+} // namespace imaging::metafile
