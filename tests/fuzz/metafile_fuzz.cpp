@@ -18,8 +18,10 @@ class Nothing : public metafile::RecordSink {
   public:
     void take(const metafile::Record&) override {}
     void takePlus(Bytes comment) override {
-        plus_.read(comment, [](const metafile::PlusRecord&) {});
+        plus_.read(
+            comment, [](const metafile::PlusRecord&) {}, [] {});
     }
+    void leaveOut() override {}
 
   private:
     metafile::PlusReader plus_;

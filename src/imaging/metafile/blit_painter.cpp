@@ -96,9 +96,7 @@ BlitPainter::Place BlitPainter::placeOf(const Destination& destination,
 void BlitPainter::begin(const DeviceContext& context) {
     QPainter& painter = canvas_.painter();
     painter.resetTransform();
-    Clip clip = context.clip;
-    clip.intersect(context.frozenClip, canvas_.sheet());
-    clip.applyTo(painter);
+    canvas_.clipTo(context.clip, context.frozenClip);
     painter.setOpacity(1);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setRenderHint(QPainter::Antialiasing, false);
@@ -108,6 +106,12 @@ void BlitPainter::spendPicture(const QImage& image, const Place& place) {
     const QRect seen = place.pixels() & canvas_.sheet();
     canvas_.budget().spendPixels(double{1} * image.width() * image.height());
     canvas_.budget().spendPixels(4.0 * seen.width() * seen.height());
+}
+
+// The painter makes a picture of its own of each pattern.
+void BlitPainter::spendPattern(const Brush& brush) {
+    if (brush.kind == BrushKind::Pattern)
+        canvas_.budget().spendPixels(2.0 * brush.pattern.width() * brush.pattern.height());
 }
 
 // The part of the image as it lies within `box` of the sheet.
@@ -122,7 +126,10 @@ QImage BlitPainter::layer(const QImage& image, const QRectF& part, const Place& 
     const QTransform toSheet =
         place.from(part) * QTransform::fromTranslate(-box.left(), -box.top());
     const double factor = std::sqrt(std::abs(toSheet.determinant()));
-    if (place.alongAxes && factor < 1) {
+    // Scaling takes a second picture; a very large one would fill the memory.
+    constexpr qsizetype kMostPixels = 8'000'000;
+    const bool large = qsizetype{image.width()} * image.height() > kMostPixels;
+    if (place.alongAxes && factor < (large ? 0.5 : 1)) {
         const QRect target = toSheet.mapRect(QRectF(seen)).toRect();
         const QSize size = target.size().expandedTo({1, 1});
         const bool whole = seen == image.rect();
@@ -162,8 +169,10 @@ void BlitPainter::combine(const RasterBlit& blit, const Place& place,
     if (blit.source && (usesSource(blit.operation) || usesSource(blit.behindMask)))
         source = layerOf(*blit.source, blit.part);
     QImage pattern;
-    if (usesPattern(blit.operation) || usesPattern(blit.behindMask))
+    if (usesPattern(blit.operation) || usesPattern(blit.behindMask)) {
+        spendPattern(context.brush);
         pattern = patternLayer(box, context);
+    }
     QImage mask;
     if (blit.mask)
         mask = layerOf(*blit.mask, blit.part.translated(blit.maskOffset));
@@ -244,7 +253,7 @@ void BlitPainter::drawTriangle(const std::array<GradientVertex, 3>& corners,
     const double area = a.x() * b.y() - b.x() * a.y();
     if (box.isEmpty() || area == 0)
         return;
-    canvas_.budget().spendPixels(8.0 * box.width() * box.height());
+    canvas_.budget().spendPixels(40.0 * box.width() * box.height());
     QImage result = newImage(box.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < box.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(result.scanLine(y));
@@ -278,37 +287,62 @@ void BlitPainter::draw(const GradientFill& fill, const DeviceContext& context) {
     }
 }
 
+namespace {
+
+// Opaque where the flood comes to. Goes from row to row by runs of pixels: a list of single ones
+// would become several times as large as the sheet.
+QImage flooded(const QImage& sheet, QPoint start, const FloodFill& fill) {
+    constexpr QRgb kColour = 0x00FFFFFF;
+    QImage reached = newImage(sheet.size(), QImage::Format_ARGB32_Premultiplied);
+    const auto* surface = reinterpret_cast<const QRgb*>(sheet.constBits());
+    auto* flood = reinterpret_cast<QRgb*>(reached.bits());
+    const auto pixelAt = [&](int x, int y) { // both have rows without gaps
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(sheet.width()) +
+               static_cast<std::size_t>(x);
+    };
+    const bool wanted = fill.mode == FloodMode::WhileSurface;
+    const auto isOpen = [&](int x, int y) {
+        const std::size_t at = pixelAt(x, y);
+        return (((surface[at] ^ fill.colour) & kColour) == 0) == wanted && flood[at] == 0;
+    };
+    std::vector<QPoint> begins;
+    if (isOpen(start.x(), start.y()))
+        begins.push_back(start);
+    while (!begins.empty()) {
+        const QPoint at = begins.back();
+        begins.pop_back();
+        const int y = at.y();
+        if (!isOpen(at.x(), y))
+            continue;
+        int left = at.x();
+        while (left > 0 && isOpen(left - 1, y))
+            --left;
+        int right = at.x() + 1;
+        while (right < sheet.width() && isOpen(right, y))
+            ++right;
+        std::fill(flood + pixelAt(left, y), flood + pixelAt(right, y), qRgb(0, 0, 0));
+        for (const int next : {y - 1, y + 1}) {
+            if (next < 0 || next >= sheet.height())
+                continue;
+            for (int x = left; x < right; ++x) {
+                if (isOpen(x, next) && (x == left || !isOpen(x - 1, next)))
+                    begins.emplace_back(x, next);
+            }
+        }
+    }
+    return reached;
+}
+
+} // namespace
+
 void BlitPainter::draw(const FloodFill& fill, const DeviceContext& context) {
     const QImage& sheet = canvas_.pixels();
     const QPoint start = context.map(fill.point).toPoint();
     if (!sheet.rect().contains(start))
         return;
-    canvas_.budget().spendPixels(8.0 * sheet.width() * sheet.height());
-    constexpr QRgb kColour = 0x00FFFFFF;
-    const auto isInside = [&](QPoint at) {
-        const QRgb here = reinterpret_cast<const QRgb*>(sheet.constScanLine(at.y()))[at.x()];
-        const bool same = ((here ^ fill.colour) & kColour) == 0;
-        return same == (fill.mode == FloodMode::WhileSurface);
-    };
-    QImage reached = newImage(sheet.size(), QImage::Format_ARGB32_Premultiplied);
-    std::vector<QPoint> open;
-    // Marked when it is put on the pile, so that no pixel lies there twice.
-    const auto reach = [&](QPoint at) {
-        if (!sheet.rect().contains(at))
-            return;
-        auto* pixel = reinterpret_cast<QRgb*>(reached.scanLine(at.y())) + at.x();
-        if (*pixel != 0 || !isInside(at))
-            return;
-        *pixel = qRgb(0, 0, 0);
-        open.push_back(at);
-    };
-    reach(start);
-    while (!open.empty()) {
-        const QPoint at = open.back();
-        open.pop_back();
-        for (const QPoint step : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)})
-            reach(at + step);
-    }
+    canvas_.budget().spendPixels(30.0 * sheet.width() * sheet.height());
+    spendPattern(context.brush);
+    QImage reached = flooded(sheet, start, fill);
     QPainter painter(&reached);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.setBrushOrigin(context.brushOrigin);

@@ -1,6 +1,8 @@
 #include "imaging/metafile/canvas.h"
 
 #include "imaging/byte_reader.h"
+#include "imaging/metafile/drawing_costs.h"
+#include "imaging/metafile/outline_cutting.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,22 +16,31 @@ void Clip::become(QRegion region) {
     paths_.clear();
 }
 
-void Clip::intersect(const QRegion& region) {
+void Clip::intersect(const QRegion& region, const QRect& sheet) {
     region_ = bounded_ ? region_.intersected(region) : region;
     bounded_ = true;
+    if (isCrowded())
+        become(toRegion(sheet));
 }
 
 void Clip::intersect(const QPainterPath& path, const QRect& sheet) {
-    // Each path costs time whenever something is drawn; many together are better kept as pixels.
-    constexpr std::size_t kMostPaths = 4;
-    paths_.push_back(path);
-    if (paths_.size() > kMostPaths)
+    paths_.push_back(cutArea(path, sheet));
+    if (isCrowded())
         become(toRegion(sheet));
+}
+
+// Each path costs time whenever the clip is applied, and the painter needs the square of it to cut
+// one intricate shape by another: then they are better kept as pixels.
+bool Clip::isCrowded() const {
+    constexpr std::size_t kMostPaths = 4;
+    constexpr std::size_t kIntricate = 1000;
+    const bool several = paths_.size() > 1 || (bounded_ && region_.rectCount() > 1);
+    return paths_.size() > kMostPaths || (!paths_.empty() && several && weight() > kIntricate);
 }
 
 void Clip::intersect(const Clip& other, const QRect& sheet) {
     if (other.bounded_)
-        intersect(other.region_);
+        intersect(other.region_, sheet);
     for (const QPainterPath& path : other.paths_)
         intersect(path, sheet);
 }
@@ -79,6 +90,20 @@ void Clip::applyTo(QPainter& painter) const {
         painter.setClipPath(path, replace ? Qt::ReplaceClip : Qt::IntersectClip);
         replace = false;
     }
+}
+
+double Clip::cost(const QRect& sheet) const {
+    double cost = bounded_ ? regionCost(region_) : 0;
+    for (const QPainterPath& path : paths_)
+        cost += fillCost(path, sheet, EdgeLook::Smooth);
+    return cost;
+}
+
+std::size_t Clip::weight() const {
+    std::size_t weight = bounded_ ? static_cast<std::size_t>(region_.rectCount()) : 0;
+    for (const QPainterPath& path : paths_)
+        weight += static_cast<std::size_t>(path.elementCount());
+    return weight;
 }
 
 namespace {
@@ -157,7 +182,7 @@ QRegion regionOf(const QPainterPath& path, const QRect& sheet) {
     mask.fill(Qt::transparent);
     QPainter painter(&mask);
     painter.translate(-bounds.topLeft());
-    painter.fillPath(path, Qt::black);
+    painter.fillPath(cutArea(path, sheet), Qt::black);
     painter.end();
     QRegion region;
     for (int y = 0; y < mask.height(); ++y) {
@@ -176,6 +201,17 @@ QRegion regionOf(const QPainterPath& path, const QRect& sheet) {
     return region;
 }
 
+QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget) {
+    if (rectangles.size() <= 1)
+        return rectangles.empty() ? QRegion() : QRegion(rectangles.front());
+    // Halves first: one by one would copy the whole region as often as there are rectangles.
+    const auto middle = rectangles.size() / 2;
+    const QRegion both =
+        unionOf(rectangles.first(middle), budget) | unionOf(rectangles.subspan(middle), budget);
+    budget.spendPixels(regionCost(both));
+    return both;
+}
+
 Canvas::Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget)
     : image_(size, QImage::Format_RGB32),
       deviceToImage_(deviceToImage),
@@ -183,8 +219,16 @@ Canvas::Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget)
       budget_(budget) {
     if (image_.isNull())
         throw DecodeError("there is no memory for the picture");
+    budget_.spendPixels(double{1} * size.width() * size.height());
     image_.fill(Qt::white);
     painter_.begin(&image_);
+}
+
+void Canvas::clipTo(const Clip& clip, const Clip& besides) {
+    budget_.spendPixels(clip.cost(sheet()) + besides.cost(sheet()));
+    Clip whole = clip;
+    whole.intersect(besides, sheet());
+    whole.applyTo(painter_);
 }
 
 QImage Canvas::take() {

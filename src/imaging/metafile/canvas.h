@@ -17,6 +17,7 @@
 #include <QTransform>
 
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace imaging::metafile {
@@ -27,7 +28,7 @@ class Clip {
   public:
     bool isEverything() const { return !bounded_ && paths_.empty(); }
 
-    void intersect(const QRegion& region);
+    void intersect(const QRegion& region, const QRect& sheet);
     void intersect(const QPainterPath& path, const QRect& sheet);
     void subtract(const QRegion& region, const QRect& sheet);
     void unite(const QRegion& region, const QRect& sheet);
@@ -42,8 +43,15 @@ class Clip {
 
     void applyTo(QPainter& painter) const;
 
+    // What applying it takes, or turning it into pixels: in pixels filled, as the budget counts.
+    double cost(const QRect& sheet) const;
+
+    // How many rectangles and path elements it keeps in memory.
+    std::size_t weight() const;
+
   private:
     void become(QRegion region);
+    bool isCrowded() const;
 
     bool bounded_ = false;
     QRegion region_;                  // meaningful when bounded_
@@ -52,6 +60,10 @@ class Clip {
 
 // The whole pixels whose middle lies in the path.
 QRegion regionOf(const QPainterPath& path, const QRect& sheet);
+
+// The rectangles together. Spends work as it goes: a few thousand that cross each other make
+// millions.
+QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget);
 
 // Thin lines along the axes are moved to the middle of pixels, where they are sharp; the others
 // stay.
@@ -71,6 +83,9 @@ class Canvas {
     // Paints in image pixels. Whoever draws sets transform, clip, hints, pen, brush and composition
     // mode before; nothing of them is promised to stay from one record to the next.
     QPainter& painter() { return painter_; }
+
+    // Lets the painter paint where both clips allow it, in image pixels. Spends work before.
+    void clipTo(const Clip& clip, const Clip& besides = {});
 
     const QTransform& deviceToImage() const { return deviceToImage_; }
 

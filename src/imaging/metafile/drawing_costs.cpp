@@ -107,6 +107,12 @@ double fillCost(const QPainterPath& outline, const QRect& sheet, EdgeLook look) 
            (look == EdgeLook::Smooth ? smoothCost(edges, seen) : steppedCost(edges, seen));
 }
 
+double fillCost(const QRect& rectangle, const QRect& sheet) {
+    constexpr double kRectangle = 200;
+    const QRect seen = rectangle & sheet;
+    return kRectangle + double{1} * seen.width() * seen.height();
+}
+
 double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& sheet, EdgeLook look) {
     constexpr double kStrokedElement = 10 * kElement;
     constexpr double kDash = 60 * kElement;

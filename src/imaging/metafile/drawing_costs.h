@@ -16,6 +16,7 @@ namespace imaging::metafile {
 enum class EdgeLook { Smooth, Stepped };
 
 double fillCost(const QPainterPath& outline, const QRect& sheet, EdgeLook look);
+double fillCost(const QRect& rectangle, const QRect& sheet);
 
 // With the pen's dashes, joins and ends.
 double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& sheet, EdgeLook look);

@@ -64,7 +64,7 @@ void readRecord(const EmfRecord& record, EmfReading& reading) {
 }
 
 template <typename Read>
-FileEnd forEachRecord(std::span<const std::byte> bytes, Read read) {
+FileEnd forEachRecord(std::span<const std::byte> bytes, RecordSink* sink, Read read) {
     constexpr std::size_t kSmallest = 8;
     const ByteReader in(bytes);
     std::size_t at = 0;
@@ -78,7 +78,9 @@ FileEnd forEachRecord(std::span<const std::byte> bytes, Read read) {
         try {
             read(EmfRecord{type, ByteReader(in.part(at, size))});
         } catch (const DecodeError&) {
-            // The record is left out; the others make the picture still.
+            // The others make the picture still.
+            if (sink != nullptr)
+                sink->leaveOut();
         }
         at += size;
     }
@@ -164,7 +166,8 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
 
 FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink) {
     EmfReading reading{sink, {}, std::nullopt};
-    return forEachRecord(bytes, [&](const EmfRecord& record) { readRecord(record, reading); });
+    return forEachRecord(bytes, &sink,
+                         [&](const EmfRecord& record) { readRecord(record, reading); });
 }
 
 bool drawsWithoutPlus(std::span<const std::byte> bytes) {
@@ -173,14 +176,14 @@ bool drawsWithoutPlus(std::span<const std::byte> bytes) {
                                   73U, 74U, 76U, 77U, 78U, 79U, 80U, 81U, 83U,  84U,  85U,  86U,
                                   87U, 88U, 89U, 90U, 91U, 92U, 96U, 97U, 108U, 114U, 116U, 118U};
     bool found = false;
-    forEachRecord(bytes, [&](const EmfRecord& record) {
+    forEachRecord(bytes, nullptr, [&](const EmfRecord& record) {
         found = found || std::binary_search(kDrawing.begin(), kDrawing.end(), record.type);
     });
     return found;
 }
 
 void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink) {
-    forEachRecord(bytes, [&](const EmfRecord& record) {
+    forEachRecord(bytes, &sink, [&](const EmfRecord& record) {
         if (record.type == kComment)
             readComment(record.in, sink);
     });

@@ -18,6 +18,7 @@ class Surveyor : public RecordSink {
   public:
     void take(const Record&) override {}
     void takePlus(std::span<const std::byte> comment) override { survey.look(comment); }
+    void leaveOut() override {}
 
     PlusSurvey survey;
 };
@@ -105,15 +106,8 @@ Drawing draw(std::span<const std::byte> bytes, QSize size) {
 }
 
 QImage drawNested(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
-    budget.enterNested();
-    try {
-        QImage image = drawWithin(bytes, size, budget).image;
-        budget.leaveNested();
-        return image;
-    } catch (const DecodeError&) {
-        budget.leaveNested();
-        throw;
-    }
+    const WorkBudget::Nesting nesting(budget);
+    return drawWithin(bytes, size, budget).image;
 }
 
 } // namespace imaging::metafile

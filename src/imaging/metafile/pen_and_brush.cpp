@@ -50,7 +50,8 @@ QPen painterPen(const DeviceContext& context) {
     if (pen.style == PenStyle::Null || pen.brush.kind == BrushKind::Null)
         return Qt::NoPen;
     const bool cosmetic = pen.widthKind == PenWidth::Cosmetic;
-    const double width = cosmetic ? 1 : std::max(1.0, pen.width * context.scale());
+    constexpr double kWidest = 30000; // image pixels; more covers no more of any sheet
+    const double width = cosmetic ? 1 : std::clamp(pen.width * context.scale(), 1.0, kWidest);
     constexpr double kThin = 1.5;
     QPen result(painterBrush(pen.brush, context), width, Qt::SolidLine, pen.cap, pen.join);
     // Qt counts from the line's middle, in widths; others from tip to tip.

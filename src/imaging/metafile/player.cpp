@@ -1,5 +1,6 @@
 #include "imaging/metafile/player.h"
 
+#include "imaging/metafile/drawing_costs.h"
 #include "imaging/metafile/stock_objects.h"
 
 #include <algorithm>
@@ -17,14 +18,16 @@ bool isOneOf(const Record& record) {
     return (std::holds_alternative<Kinds>(record) || ...);
 }
 
-QRegion regionOf(const std::vector<QRect>& rectangles, const DeviceContext& context) {
-    QRegion region;
-    for (const QRect& rectangle : rectangles) {
-        QPainterPath path;
-        path.addRect(rectangle);
-        region += context.map(path).boundingRect().toRect();
-    }
-    return region;
+// Pixels that a picture in the record holds.
+double pixelsIn(const RasterBlit& blit) {
+    const auto area = [](const std::optional<Bitmap>& bitmap) {
+        return bitmap ? double{1} * bitmap->image.width() * bitmap->image.height() : 0;
+    };
+    return area(blit.source) + area(blit.mask);
+}
+
+double pixelsIn(const AlphaBlit& blit) {
+    return double{1} * blit.source.width() * blit.source.height();
 }
 
 QPainterPath pathOf(const QRegion& region) {
@@ -59,11 +62,19 @@ bool Player::skips(const Record& record) const {
 
 void Player::take(const Record& record) {
     canvas_.budget().spendRecord();
-    if (skips(record))
+    if (skips(record)) {
+        // The picture in it has been decoded.
+        if (isOneOf<RasterBlit, AlphaBlit>(record))
+            canvas_.budget().lookAtClock();
         return;
+    }
     if (!isOneOf<MoveTo, LineTo>(record))
         flushLines();
     std::visit([this](const auto& kind) { on(kind); }, record);
+}
+
+void Player::leaveOut() {
+    canvas_.budget().lookAtClock();
 }
 
 void Player::takePlus(std::span<const std::byte> comment) {
@@ -77,8 +88,24 @@ void Player::takePlus(std::span<const std::byte> comment) {
 // ---- Objects
 
 void Player::on(const CreateObject& record) {
-    if (record.handle < kMostObjects)
-        objects_[record.handle] = record.object;
+    if (record.handle >= kMostObjects)
+        return;
+    Object& object = objects_[record.handle];
+    object = record.object;
+    if (auto* pen = std::get_if<Pen>(&object))
+        keepPattern(pen->brush);
+    if (auto* brush = std::get_if<Brush>(&object))
+        keepPattern(*brush);
+}
+
+void Player::keepPattern(Brush& brush) {
+    if (brush.kind != BrushKind::Pattern)
+        return;
+    WorkBudget& budget = canvas_.budget();
+    budget.spendPixels(double{1} * brush.pattern.width() * brush.pattern.height());
+    brush.pattern = budget.pictures().keep(brush.pattern);
+    if (brush.pattern.isNull())
+        brush.kind = BrushKind::Null;
 }
 
 void Player::on(const SelectObject& record) {
@@ -170,8 +197,16 @@ void Player::on(const MultiplyWorldTransform& record) {
 }
 
 void Player::on(const SaveState&) {
-    if (saved_.size() < kMostStates)
-        saved_.push_back(context_);
+    constexpr std::size_t kMostWeight = 2'000'000; // of all clips, tens of megabytes
+    if (saved_.size() >= kMostStates)
+        return;
+    std::size_t weight = context_.clip.weight() + context_.frozenClip.weight();
+    if (!saved_.empty())
+        weight += savedWeights_.back();
+    if (weight > kMostWeight)
+        throw WorkExhausted();
+    saved_.push_back(context_);
+    savedWeights_.push_back(weight);
 }
 
 void Player::on(const RestoreState& record) {
@@ -181,6 +216,7 @@ void Player::on(const RestoreState& record) {
         return;
     context_ = saved_[static_cast<std::size_t>(index)];
     saved_.resize(static_cast<std::size_t>(index));
+    savedWeights_.resize(saved_.size());
     fontChosen_ = false;
     clipChanged();
 }
@@ -195,7 +231,8 @@ void Player::on(const ClipRectangle& record) {
 
 void Player::clipTo(const QPainterPath& path, ClipMode mode) {
     const QRect sheet = canvas_.sheet();
-    canvas_.budget().spendPoints(static_cast<std::size_t>(path.elementCount()));
+    spendClip();
+    canvas_.budget().spendPixels(fillCost(path, sheet, EdgeLook::Stepped));
     const bool plain =
         context_.toImage.type() <= QTransform::TxScale && rectangleOf(path).has_value();
     // Whole pixels are found by painting the path, and combined row by row.
@@ -212,7 +249,7 @@ void Player::clipTo(const QPainterPath& path, ClipMode mode) {
         break;
     case ClipMode::And:
         if (plain)
-            clip.intersect(pixels());
+            clip.intersect(pixels(), sheet);
         else
             clip.intersect(path, sheet);
         break;
@@ -242,20 +279,20 @@ void Player::on(const ResetClip&) {
 
 void Player::on(const ClipRegion& record) {
     const QRect sheet = canvas_.sheet();
-    // Every rectangle may cost a look at all before it.
-    const double count = static_cast<double>(record.rectangles.size());
-    canvas_.budget().spendPixels(100 * count + count * count);
-    QRegion region;
+    spendClip();
+    std::vector<QRect> rectangles;
     for (const QRect& rectangle : record.rectangles)
-        region += (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect();
+        rectangles.push_back(
+            (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect());
+    const QRegion region = unionOf(rectangles, canvas_.budget());
     Clip& clip = context_.clip;
     switch (record.mode) {
     case ClipMode::Copy:
         clip = {};
-        clip.intersect(region);
+        clip.intersect(region, sheet);
         break;
     case ClipMode::And:
-        clip.intersect(region);
+        clip.intersect(region, sheet);
         break;
     case ClipMode::Or:
         clip.unite(region, sheet);
@@ -270,7 +307,14 @@ void Player::on(const ClipRegion& record) {
     clipChanged();
 }
 
+// Before the clip is combined with another.
+void Player::spendClip() {
+    const QRect sheet = canvas_.sheet();
+    canvas_.budget().spendPixels(context_.clip.cost(sheet) + context_.frozenClip.cost(sheet));
+}
+
 void Player::on(const FreezeClip&) {
+    spendClip();
     context_.frozenClip.intersect(context_.clip, canvas_.sheet());
     context_.clip = {};
     clipChanged();
@@ -288,8 +332,16 @@ void Player::on(const ClipPath& record) {
 // ---- Blocks of pixels
 
 void Player::on(const RegionPaint& record) {
-    canvas_.budget().spendPoints(record.rectangles.size() * 4);
-    const QRegion region = regionOf(record.rectangles, context_) & canvas_.sheet();
+    constexpr int kMostRectangles = 200'000;
+    std::vector<QRect> rectangles;
+    for (const QRect& rectangle : record.rectangles) {
+        QPainterPath path;
+        path.addRect(rectangle);
+        rectangles.push_back(context_.map(path).boundingRect().toRect() & canvas_.sheet());
+    }
+    const QRegion region = unionOf(rectangles, canvas_.budget());
+    if (region.rectCount() > kMostRectangles)
+        throw WorkExhausted();
     const QPainterPath outline = pathOf(region);
     Object brush = context_.brush;
     if (record.brush) {
@@ -331,11 +383,13 @@ void Player::on(const GradientFill& record) {
 }
 
 void Player::on(const RasterBlit& record) {
+    canvas_.budget().spendPixels(pixelsIn(record));
     blits_.draw(record, context_);
     clipChanged();
 }
 
 void Player::on(const AlphaBlit& record) {
+    canvas_.budget().spendPixels(pixelsIn(record));
     blits_.draw(record, context_);
     clipChanged();
 }

@@ -22,6 +22,7 @@ class Player : public RecordSink {
     // Throws WorkExhausted and DecodeError (no memory for a layer) and nothing else.
     void take(const Record& record) override;
     void takePlus(std::span<const std::byte> comment) override;
+    void leaveOut() override;
 
     // Draws what is kept back for being drawn in one piece; after the last record.
     void finish() { flushLines(); }
@@ -75,15 +76,18 @@ class Player : public RecordSink {
     void on(const AlphaBlit& record);
 
     void select(const Object& object);
+    void keepPattern(Brush& brush);
     void remap();
     QPointF& mappingPart(MappingPart part);
     void clipTo(const QPainterPath& path, ClipMode mode);
+    void spendClip();
     void clipChanged() { shapes_.forgetClip(); }
 
     bool inPath() const { return pathOpen_; }
     // The path or the lines kept back, its pen at the current position.
     QPainterPath& goOn(QPainterPath& path);
     void flushLines();
+    void boundPath() const;
     void drawOutline(const QPainterPath& outline, ShapePart part);
     void drawAndMove(const QPainterPath& outline, QPointF end);
     void paintPath(ShapePart part);
@@ -100,6 +104,7 @@ class Player : public RecordSink {
     ChosenFont font_;
     bool fontChosen_ = false;
     std::vector<DeviceContext> saved_;
+    std::vector<std::size_t> savedWeights_; // of the clips of each state and those before it
     std::map<std::size_t, Object> objects_;
 
     QPainterPath path_; // of the bracket that is open or was closed last; image pixels

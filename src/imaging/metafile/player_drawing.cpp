@@ -80,11 +80,19 @@ void Player::on(const LineTo& record) {
 
 // ---- Shapes
 
+// Paths grow from record to record: a few files' worth of text would fill the memory.
+void Player::boundPath() const {
+    constexpr int kMostElements = 1'500'000;
+    if (path_.elementCount() > kMostElements)
+        throw WorkExhausted();
+}
+
 void Player::drawOutline(const QPainterPath& outline, ShapePart part) {
     if (inPath()) {
         canvas_.budget().spendPoints(static_cast<std::size_t>(outline.elementCount()));
         path_.addPath(outline);
         figureOpen_ = false;
+        boundPath();
     } else {
         shapes_.draw(outline, context_, part);
     }
@@ -94,6 +102,7 @@ void Player::drawOutline(const QPainterPath& outline, ShapePart part) {
 void Player::drawAndMove(const QPainterPath& outline, QPointF end) {
     if (inPath()) {
         goOn(path_).connectPath(outline);
+        boundPath();
     } else {
         shapes_.draw(outline, context_, ShapePart::Stroke);
     }
@@ -225,6 +234,7 @@ void Player::on(const PathStep& record) {
 void Player::on(const Text& record) {
     if (!fontChosen_) {
         font_ = chosenFont(context_.font);
+        canvas_.budget().lookAtClock();
         fontChosen_ = true;
     }
     const auto rectangle = [&] {
@@ -239,6 +249,7 @@ void Player::on(const Text& record) {
     if (inPath()) {
         path_.addPath(placed.outline);
         figureOpen_ = false;
+        boundPath();
     } else {
         const Clip clip = context_.clip;
         const bool clipped = record.clipped && record.rectangle;

@@ -198,15 +198,6 @@ QRectF plusMetafileFrame(std::span<const std::byte> metafile) {
     return layout.unitsPerInch > 0 ? layout.window.normalized() : QRectF();
 }
 
-std::int64_t plusMemoryOf(const PlusObject& object) {
-    if (const auto* brush = std::get_if<PlusBrush>(&object))
-        return brush->texture.sizeInBytes();
-    if (const auto* pen = std::get_if<PlusPen>(&object))
-        return pen->brush.texture.sizeInBytes();
-    const auto* image = std::get_if<PlusImage>(&object);
-    return image != nullptr ? image->image.sizeInBytes() + image->metafile.size() : 0;
-}
-
 bool plusImageHasAlpha(std::span<const std::byte> data) {
     PlusCursor in(data);
     in.u32();

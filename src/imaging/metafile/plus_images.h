@@ -16,9 +16,6 @@ PlusImage readPlusImage(std::span<const std::byte> data);
 // its parts in; null when they do not say.
 QRectF plusMetafileFrame(std::span<const std::byte> metafile);
 
-// Bytes that the picture takes in memory.
-std::int64_t plusMemoryOf(const PlusObject& object);
-
 // Whether the object's picture may have pixels that are not opaque; looks at its header alone.
 bool plusImageHasAlpha(std::span<const std::byte> data);
 

@@ -1,5 +1,7 @@
 #include "imaging/metafile/plus_pens.h"
 
+#include "imaging/metafile/drawing_costs.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,6 +12,13 @@ namespace {
 constexpr double kThin = 1.5; // image pixels
 constexpr double kMostDashes = 20000;
 constexpr int kMostHeadPoints = 100000; // of all heads of a line, and of what one is made of
+
+// How much longer a length becomes at most, and half as much again.
+double stretchOf(const QTransform& transform) {
+    constexpr double kSkewed = 1.5;
+    return kSkewed * std::max(std::hypot(transform.m11(), transform.m12()),
+                              std::hypot(transform.m21(), transform.m22()));
+}
 
 // Whether circles stay circles, but for a percent.
 bool keepsCircles(const QTransform& transform) {
@@ -233,7 +242,11 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
                       painterCaps ? capStyle(pen.start.cap) : Qt::FlatCap, pen.join);
     result.pen.setMiterLimit(std::max(1.0, pen.miterLimit / 2));
     if (!painterCaps) {
+        constexpr int kPointsAround = 20; // to widen a head's line
         budget.spendPoints(4 * static_cast<std::size_t>(line.elementCount()));
+        for (const PlusLineEnd* end : {&pen.start, &pen.end})
+            budget.spendPoints(static_cast<std::size_t>(end->fill.elementCount() +
+                                                        kPointsAround * end->line.elementCount()));
         HeadMaker(pen, width).make(result.line, result.heads);
         budget.spendPoints(static_cast<std::size_t>(result.heads.elementCount()));
         result.heads = result.toImage.map(result.heads);
@@ -243,6 +256,27 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
     else if (result.roundNib && width < kThin)
         result.line = sharpened(result.line);
     return result;
+}
+
+double plusLineReach(const PlusPen& pen, const QTransform& nib) {
+    const double widest = std::max(1.0, pen.width * stretchOf(pen.transform * nib));
+    return widest * std::max(1.0, pen.miterLimit);
+}
+
+double plusLineCost(const PlusLine& line, const QRect& sheet) {
+    QPen pen = line.pen;
+    if (!line.roundNib) {
+        // As wide as the ellipse is long, with as many dashes.
+        const double stretch = stretchOf(line.toImage);
+        QList<qreal> dashes = pen.dashPattern();
+        for (qreal& dash : dashes)
+            dash /= stretch;
+        pen.setWidthF(pen.widthF() * stretch);
+        if (pen.style() == Qt::CustomDashLine)
+            pen.setDashPattern(dashes);
+    }
+    return strokeCost(line.toImage.map(line.line), pen, sheet, EdgeLook::Smooth) +
+           fillCost(line.heads, sheet, EdgeLook::Smooth);
 }
 
 void paintPlusLine(QPainter& painter, const PlusLine& line) {

@@ -28,6 +28,12 @@ struct PlusLine {
 PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform& nib,
                   const QBrush& brush, WorkBudget& budget);
 
+// How far from a line the pen may reach, in image pixels.
+double plusLineReach(const PlusPen& pen, const QTransform& nib);
+
+// What painting the line takes, as drawing_costs.h counts it.
+double plusLineCost(const PlusLine& line, const QRect& sheet);
+
 // Strokes the line and fills its heads. The painter is set to image pixels and clipped.
 void paintPlusLine(QPainter& painter, const PlusLine& line);
 

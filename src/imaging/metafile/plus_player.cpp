@@ -1,8 +1,9 @@
 #include "imaging/metafile/plus_player.h"
 
 #include "imaging/byte_reader.h"
+#include "imaging/metafile/drawing_costs.h"
+#include "imaging/metafile/outline_cutting.h"
 #include "imaging/metafile/plus_image_painter.h"
-#include "imaging/metafile/plus_images.h"
 #include "imaging/metafile/plus_painting.h"
 #include "imaging/metafile/plus_pens.h"
 #include "imaging/metafile/plus_reader.h"
@@ -21,10 +22,9 @@ constexpr double kFarthest = 60000; // image pixels; far outside of any sheet
 
 struct State {
     QTransform world;
-    QTransform page;            // world units after the world transform -> device units
-    QTransform container;       // a container's page -> the one around it
-    Clip clip;                  // image pixels
-    std::size_t clipPoints = 0; // what setting it costs
+    QTransform page;      // world units after the world transform -> device units
+    QTransform container; // a container's page -> the one around it
+    Clip clip;            // image pixels
     bool smoothImages = true;
     bool copiesSource = false;
     QPoint origin;
@@ -33,6 +33,7 @@ struct State {
 struct SavedState {
     std::uint32_t number;
     State state;
+    std::size_t weight; // of its clip and those before it
 };
 
 // A wild outline is left out: no painter could draw it.
@@ -51,10 +52,11 @@ class PlusPlayer::Impl {
     void play(std::span<const std::byte> comment) {
         gettingContext_ = false;
         clipSet_ = false; // others have used the painter
-        reader_.read(comment, [this](const PlusRecord& record) {
+        const auto take = [this](const PlusRecord& record) {
             canvas_.budget().spendRecord();
             std::visit([this](const auto& kind) { on(kind); }, record);
-        });
+        };
+        reader_.read(comment, take, [this] { canvas_.budget().lookAtClock(); });
     }
 
     bool wantsDeviceRecords() const { return gettingContext_; }
@@ -63,16 +65,21 @@ class PlusPlayer::Impl {
     // ---- Objects
     // Small files can hold large pictures: reading them costs time, and keeping many memory.
     void on(const PlusDefine& record) {
-        constexpr std::int64_t kMostMemory = 100'000'000;
-        const std::int64_t memory = plusMemoryOf(record.object);
-        canvas_.budget().spendPixels(static_cast<double>(memory));
-        PlusObject& place = objects_.at(record.id);
-        imageMemory_ -= plusMemoryOf(place);
-        place = {};
-        if (imageMemory_ + memory > kMostMemory)
-            return;
-        imageMemory_ += memory;
-        place = record.object;
+        PlusObject& object = objects_.at(record.id);
+        object = {}; // what it held is free before the new one is kept
+        object = record.object;
+        if (auto* brush = std::get_if<PlusBrush>(&object))
+            keep(brush->texture);
+        if (auto* pen = std::get_if<PlusPen>(&object))
+            keep(pen->brush.texture);
+        if (auto* image = std::get_if<PlusImage>(&object))
+            keep(image->image);
+    }
+
+    void keep(QImage& picture) {
+        constexpr double kCostOfPixel = 4;
+        canvas_.budget().spendPixels(kCostOfPixel * picture.width() * picture.height());
+        picture = canvas_.budget().pictures().keep(picture);
     }
 
     template <typename Kind>
@@ -131,8 +138,14 @@ class PlusPlayer::Impl {
     void on(const PlusSetOrigin& record) { state_.origin = record.origin; }
 
     void save(std::uint32_t number) {
-        if (saved_.size() < kMostStates)
-            saved_.push_back({number, state_});
+        constexpr std::size_t kMostWeight = 2'000'000; // of all clips, tens of megabytes
+        if (saved_.size() >= kMostStates)
+            return;
+        const std::size_t before = saved_.empty() ? 0 : saved_.back().weight;
+        const std::size_t weight = before + state_.clip.weight();
+        if (weight > kMostWeight)
+            throw WorkExhausted();
+        saved_.push_back({number, state_, weight});
     }
 
     double pageUnit(PlusUnit unit) const {
@@ -163,9 +176,10 @@ class PlusPlayer::Impl {
     void on(const PlusClip& record) {
         const QRect sheet = canvas_.sheet();
         canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 8);
+        canvas_.budget().spendPixels(state_.clip.cost(sheet));
         const auto path = outlineOf(record.shape);
         if (path)
-            spendEdges(*path);
+            canvas_.budget().spendPixels(fillCost(*path, sheet, EdgeLook::Stepped));
         const bool smooth = path && (record.combine == PlusCombine::Replace ||
                                      record.combine == PlusCombine::Intersect);
         if (smooth) {
@@ -182,32 +196,29 @@ class PlusPlayer::Impl {
 
     void resetClip() {
         state_.clip = {};
-        state_.clipPoints = 0;
         clipSet_ = false;
     }
 
     // Rectangles keep whole pixels, so that pictures cut along them meet.
     void intersect(const QPainterPath& path) {
         clipSet_ = false;
-        state_.clipPoints += static_cast<std::size_t>(path.elementCount());
         if (const auto rectangle = rectangleOf(path))
-            state_.clip.intersect(QRegion(*rectangle));
+            state_.clip.intersect(QRegion(*rectangle), canvas_.sheet());
         else
             state_.clip.intersect(path, canvas_.sheet());
     }
 
     void combine(const QRegion& region, PlusCombine how) {
         clipSet_ = false;
-        state_.clipPoints += static_cast<std::size_t>(region.rectCount());
         const QRect sheet = canvas_.sheet();
         Clip& clip = state_.clip;
         switch (how) {
         case PlusCombine::Replace:
             clip = {};
-            clip.intersect(region);
+            clip.intersect(region, sheet);
             return;
         case PlusCombine::Intersect:
-            clip.intersect(region);
+            clip.intersect(region, sheet);
             return;
         case PlusCombine::Union:
             clip.unite(region, sheet);
@@ -221,7 +232,7 @@ class PlusPlayer::Impl {
         case PlusCombine::Complement: {
             const QRegion rest = region - clip.toRegion(sheet);
             clip = {};
-            clip.intersect(rest);
+            clip.intersect(rest, sheet);
             return;
         }
         }
@@ -234,6 +245,7 @@ class PlusPlayer::Impl {
             own = object<QPainterPath>(std::get<PlusShapeNumber>(shape).id);
         if (own == nullptr)
             return std::nullopt;
+        canvas_.budget().spendPoints(static_cast<std::size_t>(own->elementCount()));
         const QPainterPath path = toImage().map(*own);
         return isSensible(path) ? std::optional(path) : std::nullopt;
     }
@@ -245,8 +257,10 @@ class PlusPlayer::Impl {
         if (node.kind == PlusRegionKind::Empty)
             return {};
         const QPainterPath path = toImage().map(node.shape);
-        spendEdges(path);
-        return isSensible(path) ? metafile::regionOf(path, sheet) : QRegion();
+        if (!isSensible(path))
+            return {};
+        canvas_.budget().spendPixels(fillCost(path, sheet, EdgeLook::Stepped));
+        return metafile::regionOf(path, sheet);
     }
 
     static QRegion combined(PlusRegionKind kind, const QRegion& first, const QRegion& second) {
@@ -276,6 +290,7 @@ class PlusPlayer::Impl {
             }
             const QRegion first = std::move(ready.back());
             ready.pop_back();
+            canvas_.budget().spendPixels(regionCost(first) + regionCost(ready.back()));
             ready.back() = combined(node->kind, first, ready.back());
         }
         return ready.back();
@@ -296,8 +311,7 @@ class PlusPlayer::Impl {
         painter.resetTransform();
         painter.setRenderHint(QPainter::Antialiasing);
         if (!clipSet_) {
-            canvas_.budget().spendPoints(2 * state_.clipPoints);
-            state_.clip.applyTo(painter);
+            canvas_.clipTo(state_.clip);
             clipSet_ = true;
         }
         painter.setOpacity(1);
@@ -306,39 +320,8 @@ class PlusPlayer::Impl {
         return painter;
     }
 
-    // Edges cost what they are long, as far as they may be seen.
-    void spendEdges(const QPainterPath& path) const {
-        constexpr double kCostOfPixel = 4;
-        const QSizeF most = canvas_.sheet().size();
-        double length = 0;
-        for (int i = 1; i < path.elementCount(); ++i) {
-            const QPointF step = QPointF(path.elementAt(i)) - QPointF(path.elementAt(i - 1));
-            length += std::min(std::abs(step.x()), most.width()) +
-                      std::min(std::abs(step.y()), most.height());
-        }
-        canvas_.budget().spendPoints(static_cast<std::size_t>(path.elementCount()));
-        canvas_.budget().spendPixels(kCostOfPixel * length);
-    }
-
-    // `margin`: half a pen's width or more; 0 for fills.
-    void spend(const QPainterPath& path, double margin) {
-        constexpr double kPiecesOfStroke = 8; // an element's outline has so many
-        constexpr double kRasterLimit = 30000;
-        WorkBudget& budget = canvas_.budget();
-        const QSizeF most = canvas_.sheet().size();
-        spendEdges(path);
-        double pieces = path.elementCount();
-        if (margin > 0) {
-            pieces *= kPiecesOfStroke;
-            budget.spendPixels(pieces * std::min(margin, most.width() + most.height()));
-        }
-        const QRectF reach = path.controlPointRect().adjusted(-margin, -margin, margin, margin);
-        const QRectF near(-kRasterLimit, -kRasterLimit, 2 * kRasterLimit, 2 * kRasterLimit);
-        // The painter cuts what is farther off piece by piece, against all the others.
-        if (!near.contains(reach))
-            budget.spendPixels(4 * pieces * pieces);
-        const QRectF box = reach & QRectF(canvas_.sheet());
-        budget.spendPixels(2 * std::max(0.0, box.width()) * std::max(0.0, box.height()));
+    void spend(const QPainterPath& path) {
+        canvas_.budget().spendPixels(2 * fillCost(path, canvas_.sheet(), EdgeLook::Smooth));
     }
 
     std::optional<QBrush> brushOf(const PlusFillWith& with) {
@@ -351,13 +334,15 @@ class PlusPlayer::Impl {
         return plusBrush(*brush, toImage(), origin, canvas_);
     }
 
-    void fill(const QPainterPath& path, const QBrush& brush) {
-        spend(path, 0);
-        QPainter& painter = prepared();
-        if (const auto rectangle = rectangleOf(path))
-            painter.fillRect(*rectangle, brush);
-        else
-            painter.fillPath(path, brush);
+    void fill(const QPainterPath& outline, const QBrush& brush) {
+        if (const auto rectangle = rectangleOf(outline)) {
+            canvas_.budget().spendPixels(2 * fillCost(*rectangle, canvas_.sheet()));
+            prepared().fillRect(*rectangle, brush);
+            return;
+        }
+        const QPainterPath path = cutArea(outline, canvas_.sheet());
+        spend(path);
+        prepared().fillPath(path, brush);
     }
 
     void on(const PlusClear& record) {
@@ -374,6 +359,9 @@ class PlusPlayer::Impl {
         if (const auto path = outlineOf(record.shape)) {
             fill(*path, *brush);
         } else if (const auto region = regionOf(record.shape, std::nullopt)) {
+            constexpr int kMostRectangles = 200'000;
+            if (region->rectCount() > kMostRectangles)
+                throw WorkExhausted();
             QPainterPath pixels;
             pixels.addRegion(*region);
             fill(pixels, *brush);
@@ -401,11 +389,15 @@ class PlusPlayer::Impl {
         QTransform nib = nibOf(*pen);
         if (isInside)
             nib = QTransform::fromScale(2, 2) * nib;
-        const PlusLine line = plusLine(*path, *pen, nib, brush, canvas_.budget());
-        spend(*path, line.pen.widthF());
+        const QPainterPath seen = cutLines(*path, canvas_.sheet(), plusLineReach(*pen, nib));
+        const PlusLine line = plusLine(seen, *pen, nib, brush, canvas_.budget());
+        const double cost = plusLineCost(line, canvas_.sheet());
+        canvas_.budget().spendPixels(cost);
         QPainter& painter = prepared();
         if (isInside) {
-            painter.setClipPath(*path, Qt::IntersectClip);
+            const QPainterPath inside = cutArea(*path, canvas_.sheet());
+            spend(inside);
+            painter.setClipPath(inside, Qt::IntersectClip);
             clipSet_ = false;
         }
         if (pen->lines.size() < 2) {
@@ -415,7 +407,10 @@ class PlusPlayer::Impl {
         constexpr double kMitres = 3;
         const double reach = kMitres * line.pen.widthF();
         const QRectF touched = path->controlPointRect().adjusted(-reach, -reach, reach, reach);
-        paintPlusLines(painter, line, pen->lines, touched.toAlignedRect() & canvas_.sheet());
+        const QRect box = touched.toAlignedRect() & canvas_.sheet();
+        canvas_.budget().spendPixels(static_cast<double>(pen->lines.size()) *
+                                     (cost + double{1} * box.width() * box.height()));
+        paintPlusLines(painter, line, pen->lines, box);
     }
 
     static bool isClosed(const QPainterPath& path) {
@@ -446,9 +441,10 @@ class PlusPlayer::Impl {
 
     void fillText(const QPainterPath& outline, const PlusFillWith& with) {
         const auto brush = brushOf(with);
-        const QPainterPath path = toImage().map(outline);
-        if (brush && isSensible(path)) {
-            spend(path, 0);
+        const QPainterPath whole = toImage().map(outline);
+        if (brush && isSensible(whole)) {
+            const QPainterPath path = cutArea(whole, canvas_.sheet());
+            spend(path);
             prepared().fillPath(path, *brush);
         }
     }
@@ -473,7 +469,6 @@ class PlusPlayer::Impl {
     std::array<PlusObject, 64> objects_;
     State state_;
     std::vector<SavedState> saved_;
-    std::int64_t imageMemory_ = 0; // bytes of the objects' pictures
     double dotsPerInch_ = 96;
     bool gettingContext_ = false;
     bool clipSet_ = false; // the painter has the state's clip

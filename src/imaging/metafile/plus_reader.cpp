@@ -498,13 +498,15 @@ void PlusReader::readRecord(std::uint16_t type, std::uint16_t flags,
         sink(*record);
 }
 
-void PlusReader::read(std::span<const std::byte> comment, const Sink& sink) {
+void PlusReader::read(std::span<const std::byte> comment, const Sink& sink,
+                      const std::function<void()>& leaveOut) {
     forEachPlusRecord(
         comment, [&](std::uint16_t type, std::uint16_t flags, std::span<const std::byte> data) {
             try {
                 readRecord(type, flags, data, sink);
             } catch (const DecodeError&) {
-                // The record is left out; the others make the picture still.
+                // The others make the picture still.
+                leaveOut();
             }
         });
 }

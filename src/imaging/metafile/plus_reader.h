@@ -15,9 +15,10 @@ class PlusReader {
     using Sink = std::function<void(const PlusRecord&)>;
 
     // One comment's data. Objects that are told in several records, maybe in several comments, are
-    // put together. A record that cannot be read is left out. Throws what the sink throws and
-    // nothing else.
-    void read(std::span<const std::byte> comment, const Sink& sink);
+    // put together. A record that cannot be read is left out, which `leaveOut` is told: it may have
+    // taken long. Throws what the two throw and nothing else.
+    void read(std::span<const std::byte> comment, const Sink& sink,
+              const std::function<void()>& leaveOut);
 
   private:
     void readRecord(std::uint16_t type, std::uint16_t flags, std::span<const std::byte> data,

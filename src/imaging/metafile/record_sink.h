@@ -19,6 +19,10 @@ class RecordSink {
     // The data of a comment with EMF+ records, behind its identifier.
     virtual void takePlus(std::span<const std::byte> comment) = 0;
 
+    // A record cannot be read. Finding that out may have taken long: a picture in it may be broken
+    // at its very end.
+    virtual void leaveOut() = 0;
+
   protected:
     RecordSink() = default;
 };

@@ -1,5 +1,6 @@
 #include "imaging/metafile/shape_painter.h"
 
+#include "imaging/metafile/outline_cutting.h"
 #include "imaging/metafile/pen_and_brush.h"
 
 #include <algorithm>
@@ -11,17 +12,8 @@ namespace {
 
 constexpr double kThin = 1.5;
 
-// How many dashes the pen would draw, about.
-double dashCount(const QPainterPath& outline, const QPen& pen) {
-    double period = 0;
-    for (const qreal dash : pen.dashPattern())
-        period += dash * pen.widthF();
-    double length = 0;
-    for (int i = 1; i < outline.elementCount(); ++i) {
-        const QPointF step = QPointF(outline.elementAt(i)) - QPointF(outline.elementAt(i - 1));
-        length += std::abs(step.x()) + std::abs(step.y());
-    }
-    return period > 0 ? length / period : 0;
+EdgeLook edgeLook(const DeviceContext& context) {
+    return copiesPen(context) ? EdgeLook::Smooth : EdgeLook::Stepped;
 }
 
 } // namespace
@@ -30,21 +22,22 @@ void ShapePainter::prepare(const DeviceContext& context) {
     QPainter& painter = canvas_.painter();
     if (!clipSet_) {
         painter.resetTransform();
-        Clip clip = context.clip;
-        clip.intersect(context.frozenClip, canvas_.sheet());
         painter.setRenderHint(QPainter::Antialiasing);
-        clip.applyTo(painter);
+        canvas_.clipTo(context.clip, context.frozenClip);
         clipSet_ = true;
     }
     painter.setOpacity(1);
     painter.setBrushOrigin(context.brushOrigin);
 }
 
-void ShapePainter::spend(const QPainterPath& outline, double margin) {
-    canvas_.budget().spendPoints(static_cast<std::size_t>(outline.elementCount()));
-    const QRectF box = outline.controlPointRect().adjusted(-margin, -margin, margin, margin) &
-                       QRectF(canvas_.sheet());
-    canvas_.budget().spendPixels(std::max(0.0, box.width()) * std::max(0.0, box.height()));
+void ShapePainter::spend(const QPainterPath& outline, EdgeLook look) {
+    canvas_.budget().spendPixels(fillCost(outline, canvas_.sheet(), look));
+}
+
+// The painter makes a picture of its own of each pattern.
+void ShapePainter::spend(const Brush& brush) {
+    if (brush.kind == BrushKind::Pattern)
+        canvas_.budget().spendPixels(2.0 * brush.pattern.width() * brush.pattern.height());
 }
 
 void ShapePainter::draw(const QPainterPath& outline, const DeviceContext& context, ShapePart part) {
@@ -72,7 +65,7 @@ void ShapePainter::fill(const QPainterPath& outline, QRgb colour, const DeviceCo
         return;
     }
     prepare(context);
-    spend(outline, 0);
+    canvas_.budget().spendPixels(fillCost(*rectangle, canvas_.sheet()));
     QPainter& painter = canvas_.painter();
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.fillRect(*rectangle, QColor::fromRgb(colour));
@@ -81,19 +74,23 @@ void ShapePainter::fill(const QPainterPath& outline, QRgb colour, const DeviceCo
 void ShapePainter::fillSmoothly(const QPainterPath& outline, QRgb colour,
                                 const DeviceContext& context) {
     prepare(context);
-    spend(outline, 0);
+    const QPainterPath path = cutArea(outline, canvas_.sheet());
+    spend(path, EdgeLook::Smooth);
     QPainter& painter = canvas_.painter();
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.setRenderHint(QPainter::Antialiasing, true);
-    painter.fillPath(outline, QColor::fromRgb(colour));
+    painter.fillPath(path, QColor::fromRgb(colour));
 }
 
 QPainterPath ShapePainter::widened(const QPainterPath& outline, const DeviceContext& context) {
     const QPen pen = painterPen(context);
     if (pen.style() == Qt::NoPen)
         return {};
-    constexpr std::size_t kPointsAround = 8;
-    canvas_.budget().spendPoints(kPointsAround * static_cast<std::size_t>(outline.elementCount()));
+    // A pen's outline has many times the elements of its line, and may be widened again.
+    constexpr int kMostElements = 20000;
+    if (outline.elementCount() > kMostElements)
+        throw WorkExhausted();
+    canvas_.budget().spendPixels(strokeCost(outline, pen, canvas_.sheet(), EdgeLook::Stepped));
     QPainterPathStroker stroker(pen);
     stroker.setDashPattern(Qt::SolidLine);
     QPainterPath path = stroker.createStroke(outline);
@@ -103,16 +100,17 @@ QPainterPath ShapePainter::widened(const QPainterPath& outline, const DeviceCont
 
 void ShapePainter::invert(const QPainterPath& outline, const DeviceContext& context) {
     prepare(context);
-    spend(outline, 0);
+    const QPainterPath path = cutArea(outline, canvas_.sheet());
+    spend(path, EdgeLook::Stepped);
     QPainter& painter = canvas_.painter();
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setCompositionMode(QPainter::RasterOp_NotDestination);
-    painter.fillPath(outline, Qt::black);
+    painter.fillPath(path, Qt::black);
 }
 
 void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
                              const DeviceContext& context) {
-    spend(outline, 0);
+    spend(brush);
     QPainter& painter = canvas_.painter();
     painter.setCompositionMode(*compositionMode(context.rasterOperation));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
@@ -121,12 +119,14 @@ void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
     const QBrush ground = QColor::fromRgb(context.backgroundColour);
     // Neighbouring rectangles must meet without a seam.
     if (const auto rectangle = rectangleOf(outline)) {
+        canvas_.budget().spendPixels(2 * fillCost(*rectangle, canvas_.sheet()));
         if (showsGround)
             painter.fillRect(*rectangle, ground);
         painter.fillRect(*rectangle, filling);
         return;
     }
-    QPainterPath path = outline;
+    QPainterPath path = cutArea(outline, canvas_.sheet());
+    spend(path, edgeLook(context));
     path.setFillRule(context.fillMode == FillMode::Winding ? Qt::WindingFill : Qt::OddEvenFill);
     if (showsGround)
         painter.fillPath(path, ground);
@@ -135,21 +135,21 @@ void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
 
 void ShapePainter::paintStroke(const QPainterPath& outline, const DeviceContext& context) {
     constexpr double kMostDashes = 20000;
+    spend(context.pen.brush);
     QPen pen = painterPen(context);
     if (pen.style() == Qt::NoPen)
         return;
-    spend(outline, pen.widthF());
-    if (pen.style() == Qt::CustomDashLine) {
-        const double count = dashCount(outline, pen);
-        if (count > kMostDashes)
-            pen.setStyle(Qt::SolidLine);
-        else
-            canvas_.budget().spendPoints(static_cast<std::size_t>(4 * count));
-    }
+    const double reach = pen.widthF() * std::max(1.0, 2 * pen.miterLimit());
+    const QPainterPath lines = cutLines(outline, canvas_.sheet(), reach);
+    if (dashCount(lines, pen) > kMostDashes)
+        pen.setStyle(Qt::SolidLine);
+    const double slowness = copiesPen(context) ? 1 : 2;
+    canvas_.budget().spendPixels(slowness *
+                                 strokeCost(lines, pen, canvas_.sheet(), edgeLook(context)));
     QPainter& painter = canvas_.painter();
     painter.setCompositionMode(*compositionMode(context.rasterOperation));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
-    painter.strokePath(pen.widthF() < kThin ? sharpened(outline) : outline, pen);
+    painter.strokePath(pen.widthF() < kThin ? sharpened(lines) : lines, pen);
 }
 
 } // namespace imaging::metafile

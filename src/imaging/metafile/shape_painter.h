@@ -2,6 +2,7 @@
 #pragma once
 
 #include "imaging/metafile/device_context.h"
+#include "imaging/metafile/drawing_costs.h"
 
 namespace imaging::metafile {
 
@@ -37,7 +38,8 @@ class ShapePainter {
     void prepare(const DeviceContext& context);
     void paintFill(const QPainterPath& outline, const Brush& brush, const DeviceContext& context);
     void paintStroke(const QPainterPath& outline, const DeviceContext& context);
-    void spend(const QPainterPath& outline, double margin);
+    void spend(const QPainterPath& outline, EdgeLook look);
+    void spend(const Brush& brush);
 
     Canvas& canvas_;
     bool clipSet_ = false;

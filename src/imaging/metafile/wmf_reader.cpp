@@ -1,6 +1,7 @@
 #include "imaging/metafile/wmf_reader.h"
 
 #include "imaging/metafile/wmf_records.h"
+#include "imaging/metafile/work_budget.h"
 
 #include <algorithm>
 
@@ -30,7 +31,7 @@ void readRecord(const WmfRecord& record, WmfReading& reading) {
 enum class Next { Read, Stop };
 
 template <typename Read>
-FileEnd forEachRecord(std::span<const std::byte> bytes, Read read) {
+FileEnd forEachRecord(std::span<const std::byte> bytes, RecordSink* sink, Read read) {
     const ByteReader in(bytes);
     std::size_t at = isPlaceable(in) ? kPlaceableHeader + kHeader : kHeader;
     while (in.has(at, kSmallestRecord)) {
@@ -44,7 +45,9 @@ FileEnd forEachRecord(std::span<const std::byte> bytes, Read read) {
             if (read(WmfRecord{type, ByteReader(in.part(at, size))}) == Next::Stop)
                 return FileEnd::Reached;
         } catch (const DecodeError&) {
-            // The record is left out; the others make the picture still.
+            // The others make the picture still.
+            if (sink != nullptr)
+                sink->leaveOut();
         }
         at += size;
     }
@@ -58,7 +61,7 @@ std::optional<QRectF> firstWindow(std::span<const std::byte> bytes) {
     std::optional<QPointF> origin;
     std::optional<QPointF> extent;
     bool drawing = false;
-    forEachRecord(bytes, [&](const WmfRecord& record) {
+    forEachRecord(bytes, nullptr, [&](const WmfRecord& record) {
         if (record.type == kSetWindowOrg && !origin)
             origin = pointBackwards(record.in, 6);
         if (record.type == kSetWindowExt && !extent)
@@ -73,10 +76,11 @@ std::optional<QRectF> firstWindow(std::span<const std::byte> bytes) {
     return QRectF(origin.value_or(QPointF()), QSizeF(extent->x(), extent->y()));
 }
 
-// The box around what the records draw.
+// The box around what the records draw. Throws WorkExhausted when reading them takes too long.
 class DrawnBox : public RecordSink {
   public:
     void take(const Record& record) override {
+        budget_.spendRecord();
         if (const auto* line = std::get_if<LineTo>(&record))
             grow(line->point);
         else if (const auto* move = std::get_if<MoveTo>(&record))
@@ -90,8 +94,12 @@ class DrawnBox : public RecordSink {
                           [this](QPointF point) { grow(point); });
         else if (const auto* blit = std::get_if<RasterBlit>(&record))
             growBy({blit->destination.topLeft, QSizeF(blit->part.size())});
+        // Pictures have been decoded on the way.
+        if (!std::holds_alternative<LineTo>(record) && !std::holds_alternative<MoveTo>(record))
+            budget_.lookAtClock();
     }
     void takePlus(std::span<const std::byte>) override {}
+    void leaveOut() override { budget_.lookAtClock(); }
 
     QRectF box() const { return drawn_.isEmpty() ? QRectF(0, 0, 32, 32) : drawn_; }
 
@@ -105,6 +113,7 @@ class DrawnBox : public RecordSink {
         drawn_ = drawn_.isNull() ? pixel : drawn_.united(pixel);
     }
 
+    WorkBudget budget_;
     QRectF drawn_;
 };
 
@@ -112,7 +121,11 @@ QRectF windowOf(std::span<const std::byte> bytes) {
     if (const auto window = firstWindow(bytes))
         return *window;
     DrawnBox search;
-    readWmf(bytes, search);
+    try {
+        readWmf(bytes, search);
+    } catch (const WorkExhausted&) {
+        return search.box(); // of what could be drawn in the same time
+    }
     return search.box();
 }
 
@@ -179,7 +192,7 @@ std::vector<std::byte> readEmbeddedEmf(std::span<const std::byte> bytes) {
     constexpr std::uint32_t kEnhancedMetafile = 1;
     std::vector<std::byte> found;
     std::size_t missing = 0;
-    forEachRecord(bytes, [&](const WmfRecord& record) {
+    forEachRecord(bytes, nullptr, [&](const WmfRecord& record) {
         const ByteReader& in = record.in;
         const bool isPart = record.type == kEscape && in.has(0, 44) && in.u16(6) == kComment &&
                             in.u32(10) == kIdentifier && in.u32(14) == kEnhancedMetafile;
@@ -195,7 +208,7 @@ std::vector<std::byte> readEmbeddedEmf(std::span<const std::byte> bytes) {
 
 FileEnd readWmf(std::span<const std::byte> bytes, RecordSink& sink) {
     WmfReading reading{sink, {}, {}, {}, std::nullopt};
-    return forEachRecord(bytes, [&](const WmfRecord& record) {
+    return forEachRecord(bytes, &sink, [&](const WmfRecord& record) {
         readRecord(record, reading);
         return Next::Read;
     });

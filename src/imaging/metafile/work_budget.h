@@ -3,6 +3,8 @@
 // a spent budget ends the drawing with what is there by then.
 #pragma once
 
+#include "imaging/metafile/kept_pictures.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
@@ -25,12 +27,28 @@ class WorkBudget {
     // Pixels to write, of the target or of a picture on its way there.
     void spendPixels(double count);
 
-    // Metafiles may hold metafiles. Enter before one is played inside another, leave after it.
-    void enterNested();
-    void leaveNested() { --depth_; }
+    // For work that cannot be told in numbers before, after it was done.
+    void lookAtClock();
+
+    // The pictures that the file's objects hold.
+    KeptPictures& pictures() { return pictures_; }
+
+    // Metafiles may hold metafiles: lives while one is played inside another. WorkExhausted when
+    // there are too many around it.
+    class Nesting {
+      public:
+        explicit Nesting(WorkBudget& budget);
+        ~Nesting();
+        Nesting(const Nesting&) = delete;
+        Nesting& operator=(const Nesting&) = delete;
+
+      private:
+        WorkBudget& budget_;
+    };
 
   private:
     void spend(std::uint64_t units);
+    [[noreturn]] void giveUp(); // once and for all
 
     static constexpr std::uint64_t kRecordCost = 20;
     static constexpr std::uint64_t kPointCost = 40;
@@ -39,6 +57,7 @@ class WorkBudget {
     std::uint64_t untilClock_ = 0; // units left when the clock is looked at next
     std::clock_t started_;
     int depth_ = 0;
+    KeptPictures pictures_;
 };
 
 } // namespace imaging::metafile
