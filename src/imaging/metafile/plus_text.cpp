@@ -10,16 +10,22 @@ namespace imaging::metafile {
 
 namespace {
 
-constexpr std::size_t kPointsPerLetter = 20;
 constexpr double kFar = 1e9; // world units
+// Tens of megabytes, and more letters than any sheet can show.
+constexpr int kMostElements = 400'000;
+constexpr std::size_t kPointsOfLine = 20;
 
 // A font at a size, ready to measure and to draw with.
 class Face {
   public:
-    Face(const PlusFont& font, double em)
-        : font_(font), perUnit_(em / kUnitsPerEm), painterFont_(installedFont(requestOf(font))) {
+    Face(const PlusFont& font, double em, WorkBudget& budget)
+        : font_(font),
+          budget_(budget),
+          perUnit_(em / kUnitsPerEm),
+          painterFont_(installedFont(requestOf(font))) {
         metrics_ = GlyphSource::shared().metrics(painterFont_);
         translates_ = isSymbolFont(font.family) && !isInstalled(font.family);
+        budget_.lookAtClock();
     }
 
     double ascent() const { return metrics_.ascent * perUnit_; }
@@ -34,7 +40,7 @@ class Face {
 
     double add(QPainterPath& path, char32_t letter, QPointF place) const {
         const Glyph drawn = glyph(letter);
-        if (!drawn.outline.isEmpty())
+        if (!drawn.outline.isEmpty() && path.elementCount() < kMostElements)
             path.addPath((QTransform::fromScale(perUnit_, perUnit_) *
                           QTransform::fromTranslate(place.x(), place.y()))
                              .map(drawn.outline));
@@ -68,6 +74,8 @@ class Face {
     }
 
     Glyph glyph(char32_t letter) const {
+        constexpr std::size_t kPoints = 10;
+        budget_.spendPoints(kPoints);
         const char32_t same = translates_ ? unicodeOf(font_.family, letter) : 0;
         return GlyphSource::shared().glyph(painterFont_, same != 0 ? same : letter);
     }
@@ -79,6 +87,7 @@ class Face {
     }
 
     const PlusFont& font_;
+    WorkBudget& budget_;
     double perUnit_;
     QFont painterFont_;
     FontMetrics metrics_;
@@ -151,8 +160,7 @@ double startOf(PlusAlignment alignment, double begin, double room, double length
 
 QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
                              const PlusStringFormat& format, double em, WorkBudget& budget) {
-    budget.spendPoints(kPointsPerLetter * (static_cast<std::size_t>(string.text.size()) + 1));
-    const Face face(font, em);
+    const Face face(font, em, budget);
     // Lines are laid out from left to right in a box of their own first.
     const QSizeF side = format.vertical ? string.layout.size().transposed() : string.layout.size();
     const double margin = format.leadingMargin * em;
@@ -171,7 +179,9 @@ QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     double top = startOf(format.down, 0, side.height(), height);
-    for (qsizetype i = 0; i < lines.size(); ++i, top += lineHeight) {
+    for (qsizetype i = 0; i < lines.size() && path.elementCount() < kMostElements;
+         ++i, top += lineHeight) {
+        budget.spendPoints(kPointsOfLine);
         const bool isBelow = side.height() > 0 && top >= side.height();
         if (i > 0 && isBelow && format.clips)
             break;
@@ -190,8 +200,7 @@ QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
 
 QPainterPath plusLettersOutline(const PlusDrawLetters& letters, const PlusFont& font, double em,
                                 WorkBudget& budget) {
-    budget.spendPoints(kPointsPerLetter * (letters.letters.size() + 1));
-    const Face face(font, em);
+    const Face face(font, em, budget);
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     QPointF place;

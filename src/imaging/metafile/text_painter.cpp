@@ -171,10 +171,12 @@ struct Line {
 };
 
 Line layOut(const std::vector<Letter>& letters, const ChosenFont& font, const Frame& frame,
-            const DeviceContext& context) {
+            const DeviceContext& context, WorkBudget& budget) {
+    constexpr std::size_t kPointsPerLetter = 20;
     Line line;
     double rise = 0;
     for (const Letter& letter : letters) {
+        budget.spendPoints(kPointsPerLetter);
         line.at.push_back(line.length);
         line.rise.push_back(rise);
         rise += letter.rise;
@@ -215,11 +217,14 @@ void addBar(QPainterPath& path, const Frame& frame, double length, double centre
 }
 
 QPainterPath outlineOf(const std::vector<Letter>& letters, const Line& line, const ChosenFont& font,
-                       const Frame& frame, QPointF origin) {
+                       const Frame& frame, QPointF origin, WorkBudget& budget) {
+    // Tens of megabytes, and more letters than any sheet can show.
+    constexpr int kMostElements = 400'000;
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     const QTransform size = QTransform::fromScale(frame.perUnit * frame.stretch, frame.perUnit);
-    for (std::size_t i = 0; i < letters.size(); ++i) {
+    for (std::size_t i = 0; i < letters.size() && path.elementCount() < kMostElements; ++i) {
+        budget.spendPoints(1);
         const Glyph glyph = GlyphSource::shared().glyph(font.painterFont,
                                                         drawnCharacter(letters[i].character, font));
         // An empty box says less than a gap where a symbol has no counterpart.
@@ -273,12 +278,10 @@ ChosenFont chosenFont(const Font& record) {
 
 PlacedText placeText(const Text& text, const ChosenFont& font, const DeviceContext& context,
                      WorkBudget& budget) {
-    constexpr std::size_t kPointsPerLetter = 20;
     std::vector<Letter> letters = lettersOf(text, font.record);
     putInOrderOfSight(letters);
-    budget.spendPoints(kPointsPerLetter * (letters.size() + 1));
     const Frame frame = frameOf(font, context);
-    const Line line = layOut(letters, font, frame, context);
+    const Line line = layOut(letters, font, frame, context, budget);
     const bool moves = (context.textAlignment & MovesPosition) != 0;
     const QPointF reference = context.map(moves ? context.position : text.reference);
     const QPointF origin = originOf(line, frame, context.textAlignment);
@@ -286,7 +289,7 @@ PlacedText placeText(const Text& text, const ChosenFont& font, const DeviceConte
         frame.toImage * QTransform::fromTranslate(reference.x(), reference.y());
 
     PlacedText placed;
-    placed.outline = place.map(outlineOf(letters, line, font, frame, origin));
+    placed.outline = place.map(outlineOf(letters, line, font, frame, origin, budget));
     QPainterPath box;
     box.addRect(origin.x(), origin.y() - frame.ascent(), line.length,
                 frame.ascent() + frame.descent());
