@@ -197,6 +197,200 @@ TEST(HostileMetafiles, StatesObjectsAndNumbersAreBounded) {
     EXPECT_EQ(completeness(file.bytes()), Completeness::Whole);
 }
 
+// A polygon or polyline whose edges all cross each other and the whole 200 x 200 device.
+std::vector<std::int32_t> crossing(int points) {
+    std::mt19937 random(7);
+    std::vector<std::int32_t> words{0, 0, 199, 199, points};
+    for (int i = 0; i < 2 * points; ++i)
+        words.push_back(static_cast<std::int32_t>(random() % 200));
+    return words;
+}
+
+TEST(HostileMetafiles, OneRecordThatWouldTakeMinutesEndsThePicture) {
+    EmfFile fill(200, 200);
+    fill.stock(8).brush(1, colour(255, 0, 0)).add(3, crossing(30000));
+    EXPECT_EQ(completeness(fill.bytes()), Completeness::Part);
+    EmfFile stroke(200, 200);
+    stroke.add(95, {1, 0, 0, 0, 0, 0x10000, 60, 0, 255, 0, 0}).add(37, {1}).add(4, crossing(30000));
+    EXPECT_EQ(completeness(stroke.bytes()), Completeness::Part);
+    EmfFile clip(200, 200);
+    clip.add(59).add(3, crossing(30000)).add(60).add(67, {5}).add(42, {0, 0, 200, 200});
+    EXPECT_EQ(completeness(clip.bytes()), Completeness::Part);
+    // The same shapes with a sensible number of edges are whole.
+    EmfFile honest(200, 200);
+    honest.brush(1, colour(255, 0, 0)).add(3, crossing(300));
+    EXPECT_EQ(completeness(honest.bytes()), Completeness::Whole);
+}
+
+// Region data: its header, then rectangles.
+Bytes regionData(const std::vector<QRect>& rectangles) {
+    Bytes bytes;
+    for (const std::size_t word : {std::size_t{32}, std::size_t{1}, rectangles.size(),
+                                   16 * rectangles.size(), std::size_t{0}, std::size_t{0}})
+        put32(bytes, static_cast<std::uint32_t>(word));
+    put32(bytes, 2000);
+    put32(bytes, 2000);
+    for (const QRect& rectangle : rectangles) {
+        for (const int edge :
+             {rectangle.left(), rectangle.top(), rectangle.left() + rectangle.width(),
+              rectangle.top() + rectangle.height()})
+            put32(bytes, static_cast<std::uint32_t>(edge));
+    }
+    return bytes;
+}
+
+Bytes headed(std::initializer_list<std::size_t> words, const Bytes& data) {
+    Bytes bytes;
+    for (const std::size_t word : words)
+        put32(bytes, static_cast<std::uint32_t>(word));
+    return joined(bytes, data);
+}
+
+TEST(HostileMetafiles, StripesThatCrossIntoMillionsOfRectanglesEndThePicture) {
+    std::vector<QRect> stripes;
+    for (int i = 0; i < 1000; ++i) {
+        stripes.emplace_back(0, 2 * i, 2000, 1);
+        stripes.emplace_back(2 * i, 0, 1, 2000);
+    }
+    const Bytes region = regionData(stripes);
+    EmfFile file(2000, 2000); // a frame around each hole
+    file.addBytes(72, headed({0, 0, 2000, 2000, region.size(), 0x80000004, 1, 1}, region));
+    EXPECT_EQ(metafile::draw(file.bytes(), {2000, 2000}).completeness, Completeness::Part);
+    // A thousand states that each keep such a clip would take gigabytes.
+    EmfFile states(2000, 2000);
+    for (int i = 0; i < 12; ++i)
+        states.addBytes(75, headed({region.size(), 5}, region)).add(33);
+    EXPECT_EQ(metafile::draw(states.bytes(), {2000, 2000}).completeness, Completeness::Part);
+}
+
+TEST(HostileMetafiles, ShapesAsLargeAsTheWorldLookRightOnTheSheet) {
+    EmfFile fill(40, 40); // below the diagonal; its corners are far outside
+    fill.stock(8).brush(1, colour(255, 0, 0));
+    fill.add(3, {0, 0, -1, -1, 3, -50000, -50000, 50000, 50000, -50000, 50000});
+    EXPECT_EQ(fill.drawn().pixel(10, 30), kRed);
+    EXPECT_EQ(fill.drawn().pixel(30, 10), kWhite);
+    EmfFile ring(40, 40); // a hole in it stays one
+    ring.stock(8).brush(1, colour(255, 0, 0)).add(19, {1});
+    ring.add(8, {0,     0,     -1,     -1,    2,  8,  4,  4,  -50000, -40000, 50000, -50000,
+                 50000, 50000, -50000, 40000, 10, 10, 30, 10, 30,     30,     10,    30});
+    EXPECT_EQ(ring.drawn().pixel(20, 20), kWhite);
+    EXPECT_EQ(ring.drawn().pixel(5, 20), kRed);
+    EXPECT_EQ(ring.drawn().pixel(35, 38), kRed);
+    EmfFile line(40, 40); // along the diagonal, there and back by a far corner
+    line.add(95, {1, 0, 0, 0, 0, 0x10000, 8, 0, 255, 0, 0}).add(37, {1});
+    line.add(4, {0, 0, -1, -1, 3, -50000, -50000, 50000, 50000, 50000, -50000});
+    EXPECT_EQ(line.drawn().pixel(20, 20), kRed);
+    EXPECT_EQ(line.drawn().pixel(39, 38), kRed);
+    EXPECT_EQ(line.drawn().pixel(35, 10), kWhite);
+    EmfFile closed(40, 40); // a figure that is left whole beside one that is cut keeps all sides
+    closed.stock(5).add(95, {1, 0, 0, 0, 0, 0x10000, 4, 0, 255, 0, 0}).add(37, {1});
+    closed.add(8, {0, 0, -1, -1, 2, 6, 3, 3, 5, 5, 35, 5, 5, 35, 100, 100, 50000, 100, 100, 50000});
+    EXPECT_EQ(closed.drawn().pixel(20, 5), kRed);
+    EXPECT_EQ(closed.drawn().pixel(5, 20), kRed);
+    EXPECT_EQ(closed.drawn().pixel(20, 20), kRed);
+    EXPECT_EQ(closed.drawn().pixel(30, 30), kWhite);
+}
+
+TEST(HostileMetafiles, ManyClipPathsLargerThanTheSheetLetItsInsideThrough) {
+    // Their pixels were made for all of them, not for the sheet alone: gigabytes, or none.
+    EmfFile file(40, 40);
+    file.stock(8).brush(1, colour(255, 0, 0));
+    for (int i = 0; i < 6; ++i)
+        file.add(59).add(3, {0, 0, -1, -1, 3, -30000, -30000, 30000, 30000, -30000, 30000});
+    file.add(60);
+    for (int i = 0; i < 6; ++i) {
+        file.add(59).add(3, {0, 0, -1, -1, 3, -30000, -30000, 30000 + i, 30000, -30000, 30000});
+        file.add(60).add(67, {1});
+    }
+    const QImage image = file.rectangle(0, 0, 40, 40).drawn();
+    EXPECT_EQ(image.pixel(10, 30), kRed);
+    EXPECT_EQ(image.pixel(30, 10), kWhite);
+}
+
+// A picture of 6000 x 2500 pixels whose first colour is this.
+Bytes largeHeader(unsigned bits, unsigned compression, QRgb colour) {
+    Bytes header;
+    for (const std::uint32_t word : {40U, 6000U, 2500U})
+        put32(header, word);
+    put16(header, 1);
+    put16(header, bits);
+    for (const std::uint32_t word : {compression, 0U, 0U, 0U, 1U, 0U})
+        put32(header, word);
+    put32(header, colour & 0xFFFFFFU);
+    return header;
+}
+
+TEST(HostileMetafiles, PatternsTogetherAreBounded) {
+    const auto pattern = [](EmfFile& file, std::size_t handle, QRgb colour) {
+        const Bytes header = largeHeader(1, 0, colour);
+        const Bytes pixels(std::size_t{752} * 2500);
+        file.addBytes(94, headed({handle, 0, 32, header.size(), 32 + header.size(), pixels.size()},
+                                 joined(header, pixels)));
+        file.add(37, {static_cast<std::int32_t>(handle)});
+    };
+    EmfFile file(40, 40);
+    file.stock(8);
+    pattern(file, 1, kRed);
+    file.rectangle(0, 0, 10, 40);
+    pattern(file, 2, kBlue); // two are too many pixels
+    file.rectangle(10, 0, 20, 40);
+    // With the first one deleted, and no more in the painter's hand, there is room again.
+    file.add(39, {9, 2, 0, 0}).add(37, {9}).rectangle(30, 0, 40, 40).add(40, {1});
+    pattern(file, 3, kBlue);
+    file.rectangle(20, 0, 30, 40);
+    const QImage image = file.drawn();
+    EXPECT_EQ(image.pixel(5, 20), kRed);
+    EXPECT_EQ(image.pixel(15, 20), kWhite);
+    EXPECT_EQ(image.pixel(25, 20), kBlue);
+}
+
+TEST(HostileMetafiles, PicturesOutsideTheSheetAreWorkToo) {
+    // A hundred bytes each: run lengths that end at once.
+    const Bytes header = largeHeader(8, 1, kRed);
+    const Bytes picture = joined(header, {std::byte{0}, std::byte{1}, std::byte{0}, std::byte{0}});
+    EmfFile file(40, 40);
+    for (int i = 0; i < 150; ++i) {
+        const std::size_t size = header.size();
+        file.addBytes(81, headed({0, 0, 40, 40, 500, 500, 0, 0, 6000, 2500, 80, size, 80 + size, 2,
+                                  0, 0x00CC0020, 10, 10},
+                                 picture));
+    }
+    EXPECT_EQ(completeness(file.bytes()), Completeness::Part);
+}
+
+TEST(HostileMetafiles, AFloodFindsItsWayAroundWalls) {
+    EmfFile file(40, 40); // walls from the top and from the bottom in turn, and a closed chamber
+    file.stock(8).brush(1, colour(0, 0, 0));
+    for (int x = 5; x < 35; x += 10)
+        file.rectangle(x, 0, x + 2, 35).rectangle(x + 5, 5, x + 7, 40);
+    file.rectangle(36, 10, 40, 11).rectangle(36, 20, 40, 21).rectangle(36, 10, 37, 21);
+    file.brush(2, colour(255, 0, 0)).add(53, {0, 0, 0xFFFFFF, 1});
+    const QImage image = file.drawn();
+    for (const int x : {1, 8, 13, 18, 23, 28, 33, 38})
+        EXPECT_EQ(image.pixel(x, 38 - (x % 10 > 5 ? 0 : 36)), kRed) << x;
+    EXPECT_EQ(image.pixel(38, 30), kRed);
+    EXPECT_EQ(image.pixel(38, 15), kWhite);
+    EXPECT_EQ(image.pixel(5, 10), kBlack);
+}
+
+TEST(HostileMetafiles, UnreadableMetafilesInsideDoNotEndThePicture) {
+    // An image object of ten bytes of a metafile, drawn five times, then a red sheet.
+    Bytes plus;
+    const auto record = [&](std::size_t typeAndFlags, const Bytes& data) {
+        plus = joined(plus, headed({typeAndFlags, 12 + data.size(), data.size()}, data));
+    };
+    record(0x00004001, headed({0xDBC01002, 0, 96, 96}, {}));
+    record(0x05004008, headed({0xDBC01002, 2, 3, 12, 1, 1, 1}, {}));
+    for (int i = 0; i < 5; ++i)
+        record(0x0000401A,
+               headed({0, 2, 0, 0, 0x41200000, 0x41200000, 0, 0, 0x41200000, 0x41200000}, {}));
+    record(0x00004009, headed({0xFFFF0000}, {}));
+    EmfFile file(40, 40);
+    file.addBytes(70, headed({plus.size() + 4, 0x2B464D45}, plus));
+    EXPECT_EQ(completeness(file.bytes()), Completeness::Whole);
+    EXPECT_EQ(file.drawn().pixel(20, 20), kRed);
+}
+
 TEST(HostileMetafiles, FlippedBitsNeverCrash) {
     EmfFile emf(40, 40);
     emf.pen(1, 2, 3, 255)
