@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace imaging::metafile {
 
@@ -9,6 +10,7 @@ namespace {
 
 constexpr double kElement = 40; // to be mapped, flattened and put in order
 constexpr double kFarthest = 32768;
+constexpr double kEverywhere = 1e12; // pixels
 
 // What is known of an outline's edges, in pixels.
 struct Edges {
@@ -16,6 +18,46 @@ struct Edges {
     double crossed = 0; // within the sheet
     double walked = 0;  // each edge's whole length, as often as it has rows within the sheet
 };
+
+// How many different pixels intricate edges touch at most, in a line's width around them: thousands
+// of short steps may lie in a few. Counted in the squares of a grid, by walking along the edges.
+double touchedPixels(const QPainterPath& outline, const QRect& sheet, double width) {
+    constexpr int kIntricate = 1000;
+    constexpr int kMostSquares = 512; // a side
+    constexpr std::size_t kMostSteps = 5'000'000;
+    if (outline.elementCount() < kIntricate || sheet.isEmpty())
+        return kEverywhere;
+    const int side = std::max(2, std::max(sheet.width(), sheet.height()) / kMostSquares);
+    const int columns = sheet.width() / side + 1;
+    const int rows = sheet.height() / side + 1;
+    std::vector<bool> squares(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows));
+    const double most = static_cast<double>(squares.size()) / 2;
+    double touched = 0;
+    std::size_t steps = 0;
+    const auto squareAt = [&](QPointF point) {
+        return QPointF(std::clamp((point.x() - sheet.left()) / side, 0.0, columns - 1.0),
+                       std::clamp((point.y() - sheet.top()) / side, 0.0, rows - 1.0));
+    };
+    for (int i = 1; i < outline.elementCount(); ++i) {
+        if (outline.elementAt(i).isMoveTo())
+            continue;
+        const QPointF from = squareAt(outline.elementAt(i - 1));
+        const QPointF way = squareAt(outline.elementAt(i)) - from;
+        const double count = std::ceil(way.manhattanLength()) + 1;
+        steps += static_cast<std::size_t>(count);
+        if (touched > most || steps > kMostSteps)
+            return kEverywhere;
+        for (double step = 0; step <= count; ++step) {
+            const QPointF at = from + way * (step / count);
+            const auto square =
+                static_cast<std::size_t>(at.y()) * static_cast<std::size_t>(columns) +
+                static_cast<std::size_t>(at.x());
+            touched += squares[square] ? 0 : 1;
+            squares[square] = true;
+        }
+    }
+    return touched * side * (side + width);
+}
 
 Edges edgesOf(const QPainterPath& outline, const QRectF& sheet) {
     const auto within = [](QPointF point, double left, double top, double right, double bottom) {
@@ -73,13 +115,14 @@ QRectF seenPart(const QPainterPath& outline, double margin, const QRect& sheet) 
 // The painter has room for so few pixels of smooth edges that it paints the sheet in bands, of one
 // row at worst, and goes along all edges for each band, along those that reach into it pixel by
 // pixel.
-double smoothCost(const Edges& edges, const QRectF& seen) {
+double smoothCost(const Edges& edges, const QRectF& seen, double touched) {
     constexpr double kPixelsInBand = 125;
     constexpr double kPassedElement = 9;
     constexpr double kWalked = 10;
     constexpr double kCrossed = 30;
     const double rows = std::max(1.0, seen.height());
-    const double bands = std::clamp(edges.crossed / kPixelsInBand, 1.0, rows);
+    const double pixels = std::min(edges.crossed, touched);
+    const double bands = std::clamp(pixels / kPixelsInBand, 1.0, rows);
     return bands * kPassedElement * edges.elements + bands / rows * kWalked * edges.walked +
            kCrossed * edges.crossed + seen.width() * seen.height();
 }
@@ -104,7 +147,8 @@ double fillCost(const QPainterPath& outline, const QRect& sheet, EdgeLook look) 
     const QRectF seen = seenPart(outline, 0, sheet);
     const Edges edges = edgesOf(outline, sheet);
     return kElement * edges.elements +
-           (look == EdgeLook::Smooth ? smoothCost(edges, seen) : steppedCost(edges, seen));
+           (look == EdgeLook::Smooth ? smoothCost(edges, seen, touchedPixels(outline, sheet, 0))
+                                     : steppedCost(edges, seen));
 }
 
 double fillCost(const QRect& rectangle, const QRect& sheet) {
@@ -117,8 +161,9 @@ double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& she
     constexpr double kStrokedElement = 10 * kElement;
     constexpr double kDash = 60 * kElement;
     constexpr double kSides = 2;
-    constexpr double kElementsAround = 14; // of a line's join
-    constexpr double kEnds = 4;            // widths
+    // Of the outline to one of the line's.
+    const double elementsAround = pen.joinStyle() == Qt::RoundJoin ? 14 : 6;
+    constexpr double kEnds = 4; // widths
     const double dashes = dashCount(outline, pen);
     const double width = pen.widthF();
     Edges edges = edgesOf(outline, sheet);
@@ -128,10 +173,12 @@ double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& she
     const QRectF seen = seenPart(outline, width, sheet);
     const double ends = dashes * kEnds * std::min(width, seen.width() + seen.height());
     const double corners = cornerPixels(outline, width, seen) + ends;
-    edges.elements = kElementsAround * (edges.elements + dashes);
+    edges.elements = elementsAround * (edges.elements + dashes);
     edges.crossed = kSides * edges.crossed + corners;
     edges.walked = kSides * edges.walked + corners * std::min(width, seen.height());
-    return cost + (look == EdgeLook::Smooth ? smoothCost(edges, seen) : steppedCost(edges, seen));
+    return cost + (look == EdgeLook::Smooth
+                       ? smoothCost(edges, seen, touchedPixels(outline, sheet, width))
+                       : steppedCost(edges, seen));
 }
 
 double dashCount(const QPainterPath& outline, const QPen& pen) {
