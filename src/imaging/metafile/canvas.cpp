@@ -231,6 +231,11 @@ void Canvas::clipTo(const Clip& clip, const Clip& besides) {
     whole.applyTo(painter_);
 }
 
+void Canvas::renewPainter() {
+    painter_.end();
+    painter_.begin(&image_);
+}
+
 QImage Canvas::take() {
     painter_.end();
     return std::move(image_);

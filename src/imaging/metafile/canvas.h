@@ -87,6 +87,9 @@ class Canvas {
     // Lets the painter paint where both clips allow it, in image pixels. Spends work before.
     void clipTo(const Clip& clip, const Clip& besides = {});
 
+    // Lets go of the pictures that were painted with, which the painter holds on to.
+    void renewPainter();
+
     const QTransform& deviceToImage() const { return deviceToImage_; }
 
     // Image pixels to one device unit, the mean of both directions.

@@ -91,6 +91,7 @@ void Player::on(const CreateObject& record) {
     if (record.handle >= kMostObjects)
         return;
     Object& object = objects_[record.handle];
+    object = {}; // what it held is free before the new one is kept
     object = record.object;
     if (auto* pen = std::get_if<Pen>(&object))
         keepPattern(pen->brush);
@@ -102,6 +103,8 @@ void Player::keepPattern(Brush& brush) {
     if (brush.kind != BrushKind::Pattern)
         return;
     WorkBudget& budget = canvas_.budget();
+    canvas_.renewPainter();
+    clipChanged();
     budget.spendPixels(double{1} * brush.pattern.width() * brush.pattern.height());
     brush.pattern = budget.pictures().keep(brush.pattern);
     if (brush.pattern.isNull())

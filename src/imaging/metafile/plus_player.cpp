@@ -78,6 +78,10 @@ class PlusPlayer::Impl {
 
     void keep(QImage& picture) {
         constexpr double kCostOfPixel = 4;
+        if (picture.isNull())
+            return;
+        canvas_.renewPainter();
+        clipSet_ = false;
         canvas_.budget().spendPixels(kCostOfPixel * picture.width() * picture.height());
         picture = canvas_.budget().pictures().keep(picture);
     }
