@@ -296,6 +296,7 @@ TEST(HostileMetafiles, PicturesOfObjectsTogetherAreBounded) {
     EXPECT_EQ(image.pixel(5, 20), kRed);
     EXPECT_EQ(image.pixel(15, 20), kWhite);
     EXPECT_EQ(image.pixel(25, 20), kBlue);
+    EXPECT_EQ(completeness(file), Completeness::Part);
 }
 
 TEST(HostileMetafiles, PicturesOutsideTheSheetAreWorkToo) {

@@ -22,8 +22,12 @@ void giveBack(void* pointer) {
 
 QImage KeptPictures::keep(const QImage& picture) {
     auto share = std::make_unique<Share>(Share{picture, pixels_});
-    if (picture.isNull() || (*pixels_ > 0 && *pixels_ + share->count() > kMostPixels))
+    if (picture.isNull())
         return {};
+    if (*pixels_ > 0 && *pixels_ + share->count() > kMostPixels) {
+        haveRefused_ = true;
+        return {};
+    }
     *pixels_ += share->count();
     const QImage& held = share->picture;
     QImage kept(held.constBits(), held.width(), held.height(), held.bytesPerLine(), held.format(),

@@ -15,7 +15,11 @@ class KeptPictures {
     // Null when too many pixels are kept already; a picture alone is never too large.
     QImage keep(const QImage& picture);
 
+    // Whether there was no room for some picture.
+    bool haveRefused() const { return haveRefused_; }
+
   private:
+    bool haveRefused_ = false;
     std::shared_ptr<std::int64_t> pixels_ = std::make_shared<std::int64_t>(0);
 };
 

@@ -42,7 +42,7 @@ template <typename Play>
 Drawing played(Canvas& canvas, Play play) {
     Completeness completeness = Completeness::Part;
     try {
-        if (play() == FileEnd::Reached)
+        if (play() == FileEnd::Reached && !canvas.budget().pictures().haveRefused())
             completeness = Completeness::Whole;
     } catch (const WorkExhausted&) {
         completeness = Completeness::Part;

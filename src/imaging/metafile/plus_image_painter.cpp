@@ -56,7 +56,11 @@ void drawBitmap(Canvas& canvas, const QImage& image, const QRectF& part,
     const QSize wanted(share(size.width(), seen.width(), part.width()),
                        share(size.height(), seen.height(), part.height()));
     QImage source = seen == image.rect() ? image : image.copy(seen);
-    const bool shrinks = wanted.width() < seen.width() && wanted.height() < seen.height();
+    // Scaling takes a second picture; a very large one would fill the memory.
+    constexpr qsizetype kMostPixels = 8'000'000;
+    const int least = qsizetype{seen.width()} * seen.height() > kMostPixels ? 2 : 1;
+    const bool shrinks =
+        wanted.width() * least < seen.width() && wanted.height() * least < seen.height();
     if (shrinks)
         source = smoothlyScaled(source, wanted);
     const QTransform placed =
