@@ -206,7 +206,7 @@ QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget) {
         return rectangles.empty() ? QRegion() : QRegion(rectangles.front());
     // Halves first: one by one would copy the whole region as often as there are rectangles.
     const auto middle = rectangles.size() / 2;
-    const QRegion both =
+    QRegion both =
         unionOf(rectangles.first(middle), budget) | unionOf(rectangles.subspan(middle), budget);
     budget.spendPixels(regionCost(both));
     return both;

@@ -43,12 +43,12 @@ double touchedPixels(const QPainterPath& outline, const QRect& sheet, double wid
             continue;
         const QPointF from = squareAt(outline.elementAt(i - 1));
         const QPointF way = squareAt(outline.elementAt(i)) - from;
-        const double count = std::ceil(way.manhattanLength()) + 1;
+        const int count = static_cast<int>(std::ceil(way.manhattanLength())) + 1;
         steps += static_cast<std::size_t>(count);
         if (touched > most || steps > kMostSteps)
             return kEverywhere;
-        for (double step = 0; step <= count; ++step) {
-            const QPointF at = from + way * (step / count);
+        for (int step = 0; step <= count; ++step) {
+            const QPointF at = from + way * (double{1} * step / count);
             const auto square =
                 static_cast<std::size_t>(at.y()) * static_cast<std::size_t>(columns) +
                 static_cast<std::size_t>(at.x());

@@ -34,7 +34,7 @@ QImage KeptPictures::keep(const QImage& picture) {
                 giveBack, share.get());
     // Qt calls giveBack for a picture that it has made only.
     if (!kept.isNull())
-        share.release();
+        (void)share.release();
     else
         *pixels_ -= share->count();
     return kept;

@@ -284,6 +284,7 @@ void Player::on(const ClipRegion& record) {
     const QRect sheet = canvas_.sheet();
     spendClip();
     std::vector<QRect> rectangles;
+    rectangles.reserve(record.rectangles.size());
     for (const QRect& rectangle : record.rectangles)
         rectangles.push_back(
             (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect());
@@ -337,6 +338,7 @@ void Player::on(const ClipPath& record) {
 void Player::on(const RegionPaint& record) {
     constexpr int kMostRectangles = 200'000;
     std::vector<QRect> rectangles;
+    rectangles.reserve(record.rectangles.size());
     for (const QRect& rectangle : record.rectangles) {
         QPainterPath path;
         path.addRect(rectangle);

@@ -12,6 +12,11 @@ namespace {
 
 constexpr double kThin = 1.5;
 
+// Of an operation that draws something.
+QPainter::CompositionMode modeOf(const DeviceContext& context) {
+    return compositionMode(context.rasterOperation).value_or(QPainter::CompositionMode_SourceOver);
+}
+
 EdgeLook edgeLook(const DeviceContext& context) {
     return copiesPen(context) ? EdgeLook::Smooth : EdgeLook::Stepped;
 }
@@ -112,7 +117,7 @@ void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
                              const DeviceContext& context) {
     spend(brush);
     QPainter& painter = canvas_.painter();
-    painter.setCompositionMode(*compositionMode(context.rasterOperation));
+    painter.setCompositionMode(modeOf(context));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
     const QBrush filling = painterBrush(brush, context);
     const bool showsGround = brush.kind == BrushKind::Hatched && context.backgroundOpaque;
@@ -147,7 +152,7 @@ void ShapePainter::paintStroke(const QPainterPath& outline, const DeviceContext&
     canvas_.budget().spendPixels(slowness *
                                  strokeCost(lines, pen, canvas_.sheet(), edgeLook(context)));
     QPainter& painter = canvas_.painter();
-    painter.setCompositionMode(*compositionMode(context.rasterOperation));
+    painter.setCompositionMode(modeOf(context));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
     painter.strokePath(pen.widthF() < kThin ? sharpened(lines) : lines, pen);
 }
