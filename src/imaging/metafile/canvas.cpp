@@ -232,8 +232,11 @@ void Canvas::clipTo(const Clip& clip, const Clip& besides) {
 }
 
 void Canvas::renewPainter() {
+    const QPainter::RenderHints hints = painter_.renderHints();
     painter_.end();
     painter_.begin(&image_);
+    painter_.setRenderHints(painter_.renderHints(), false);
+    painter_.setRenderHints(hints);
 }
 
 QImage Canvas::take() {

@@ -87,7 +87,8 @@ class Canvas {
     // Lets the painter paint where both clips allow it, in image pixels. Spends work before.
     void clipTo(const Clip& clip, const Clip& besides = {});
 
-    // Lets go of the pictures that were painted with, which the painter holds on to.
+    // Lets go of the pictures that were painted with, which the painter holds on to. Of what was set
+    // only its hints stay.
     void renewPainter();
 
     const QTransform& deviceToImage() const { return deviceToImage_; }
