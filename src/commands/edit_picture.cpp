@@ -31,7 +31,7 @@ std::optional<editing::PictureInGroup> shownPicture(const SelectionContext& sele
         return std::nullopt;
     }
     return editing::PictureInGroup{
-        *group, selection.groupName, {selection.pictureName.toStdU16String()}};
+        *group, selection.groupPath, {selection.pictureName.toStdU16String()}};
 }
 
 // Nothing after a box has told the failure.

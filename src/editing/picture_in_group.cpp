@@ -25,7 +25,7 @@ QString causeOf(const std::exception& failure) {
 
 QString unreadableText(const PictureInGroup& picture, const std::exception& failure) {
     return app::text(kUnreadable)
-               .arg(QString::fromStdU16String(picture.name.text), picture.groupName) +
+               .arg(QString::fromStdU16String(picture.name.text), picture.groupPath) +
            QStringLiteral("\n\n") + causeOf(failure);
 }
 

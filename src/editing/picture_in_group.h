@@ -11,7 +11,7 @@ namespace editing {
 
 struct PictureInGroup {
     store::GroupAddress group;
-    QString groupName; // as the user knows it
+    QString groupPath; // the names from the top level down, for reading
     store::PictureName name;
 };
 

@@ -101,7 +101,7 @@ TEST_P(VanishedGroups, AreNamedAndLeaveTheWindow) {
             const bool isEditing = action == "bEdit" || action == "Men_Bearbeiten_2";
             EXPECT_TRUE(text.startsWith(isEditing ? unreadable : failure(gone())))
                 << qPrintable(text);
-            EXPECT_TRUE(text.contains("Kreisel") && text.contains("Pumpen.stg\n" + gone()))
+            EXPECT_TRUE(text.contains("Pumpen / Kreisel") && text.contains("Pumpen.stg\n" + gone()))
                 << qPrintable(text);
         }
     }
