@@ -54,8 +54,6 @@ QChar mnemonicOf(QString caption) {
 
 class EveryDialog : public EveryLanguageTest {
   protected:
-    ~EveryDialog() override { QApplication::setActiveWindow(nullptr); }
-
     void startTwoDeep() {
         const auto group = makeGroup("Kreisel", makeGroup("Pumpen"));
         addPicture(group, "P1");

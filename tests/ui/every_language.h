@@ -6,10 +6,17 @@
 #include "app/texts.h"
 #include "ui/main_window_fixture.h"
 
+#include <ostream>
+
 struct LanguageSetting {
     int locale;
     QChar separator;
 };
+
+inline void PrintTo(const LanguageSetting& setting, std::ostream* out) {
+    *out << (setting.locale == app::kGermanLocale ? "German" : "English")
+         << (setting.separator == u',' ? ", comma" : ", point");
+}
 
 class EveryLanguageTest : public MainWindowTest,
                           public testing::WithParamInterface<LanguageSetting> {

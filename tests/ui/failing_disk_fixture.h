@@ -12,6 +12,7 @@
 
 #include <array>
 #include <gtest/gtest.h>
+#include <ostream>
 
 // A main window that shows the picture P1 of a library in memory, and counts what it is told after
 // a change.
@@ -60,6 +61,10 @@ struct DiskFailure {
     QString german;
     QString english;
 };
+
+inline void PrintTo(const DiskFailure& failure, std::ostream* out) {
+    *out << failure.english.toStdString();
+}
 
 inline const std::array kDiskFailures{
     DiskFailure{compound::ErrorCode::NoSpace, "Der Datenträger ist voll.", "The disk is full."},

@@ -22,8 +22,6 @@ namespace {
 
 class Keyboard : public MainWindowTest {
   protected:
-    ~Keyboard() override { QApplication::setActiveWindow(nullptr); }
-
     void startTwoDeep(const QStringList& pictures) {
         const auto top = makeGroup("Pumpen");
         group_ = makeGroup("Kreisel", top);

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
@@ -53,14 +54,18 @@ class MainPictures : public MainWindowTest {
     // Ends in-place editing of the first row with that text.
     void renameFirstRow(const QString& text) {
         auto* list = find<QTreeWidget>("lvwInfo");
+        QApplication::setActiveWindow(&window()); // a box may have been it
         list->setFocus();
-        list->editItem(list->topLevelItem(0), 0);
-        auto* editor = list->viewport()->findChild<QLineEdit*>();
-        ASSERT_NE(editor, nullptr);
+        list->setCurrentItem(list->topLevelItem(0));
+        QTest::keyClick(list, Qt::Key_F2);
+        const QPointer<QLineEdit> editor = list->viewport()->findChild<QLineEdit*>();
+        ASSERT_FALSE(editor.isNull());
         editor->setText(text);
         QTest::keyClick(editor, Qt::Key_Return);
-        QTest::qWait(0);
+        // The new name is on its way before the editor goes.
+        ASSERT_TRUE(QTest::qWaitFor([&] { return editor.isNull(); }));
         QCoreApplication::processEvents();
+        settle();
     }
 
     store::GroupAddress group_;
@@ -257,22 +262,10 @@ TEST_F(MainPictures, AFailureOfRenamingInPlaceNamesItsGroup) {
     start();
     trigger("Men_Extras_0");
     clickNode("Pumpen/Kreisel");
-    const auto renameFirst = [this] {
-        auto* list = find<QTreeWidget>("lvwInfo");
-        QApplication::setActiveWindow(&window());
-        list->setFocus();
-        QTest::keyClick(list, Qt::Key_F2);
-        auto* editor = list->viewport()->findChild<QLineEdit*>();
-        ASSERT_NE(editor, nullptr);
-        editor->setText("Neu");
-        QTest::keyClick(editor, Qt::Key_Return);
-        QTest::qWait(0);
-        settle();
-    };
     const auto path = store::pathOf(library(), group_.file);
     auto held = library().disk.open(path, compound::Access::Read);
     ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
-    renameFirst();
+    renameFirstRow("Neu");
     const auto boxes = boxes_.take();
     ASSERT_EQ(boxes.size(), 1);
     EXPECT_TRUE(boxes[0].text.startsWith("Gruppe: Pumpen / Kreisel\n"))
@@ -282,11 +275,10 @@ TEST_F(MainPictures, AFailureOfRenamingInPlaceNamesItsGroup) {
 
     held.reset();
     ASSERT_TRUE(std::filesystem::remove(path));
-    renameFirst();
+    renameFirstRow("Neu");
     EXPECT_TRUE(boxes_.takeText().contains("Nicht gefunden"));
     EXPECT_EQ(node("Pumpen"), nullptr);
     EXPECT_TRUE(rows().isEmpty());
-    QApplication::setActiveWindow(nullptr);
 }
 
 TEST_F(MainPictures, ARenameEndedByAClickElsewhereStaysInItsGroup) {

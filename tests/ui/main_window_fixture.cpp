@@ -32,6 +32,7 @@ MainWindowTest::MainWindowTest() {
 }
 
 MainWindowTest::~MainWindowTest() {
+    QApplication::setActiveWindow(nullptr);
     window_.reset();
     platform::wipeTemporaryFolder(platform::CopiedPicture::Remove); // it lies in this test's home
     app::overrideDecimalSeparator(std::nullopt);

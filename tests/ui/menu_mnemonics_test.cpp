@@ -10,8 +10,6 @@ namespace {
 
 class Mnemonics : public EveryLanguageTest {
   protected:
-    ~Mnemonics() override { QApplication::setActiveWindow(nullptr); }
-
     void startActive() {
         addPicture(makeGroup("Pumpen"), "P1");
         start();

@@ -15,8 +15,6 @@ namespace {
 
 class PopUpBands : public EveryLanguageTest {
   protected:
-    ~PopUpBands() override { QApplication::setActiveWindow(nullptr); }
-
     // Pumpen, with the picture P1, and below it Kreisel with two vector pictures.
     void startWithPictures() {
         const auto top = makeGroup("Pumpen");
