@@ -32,8 +32,8 @@ TEST(HostileMetafiles, WhatIsCutShortOrUnreadableIsDrawnAsFarAsItGoes) {
     EXPECT_EQ(drawnMetafile(cut, {40, 40}).pixel(20, 20), kRed);
     // Counts beyond the record's end, a bitmap that is not there, an unknown type.
     file.add(3, {0, 0, -1, -1, 0x7FFFFFFF, 1, 1}).add(81, {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 9999, 40});
-    file.add(4711, {1, 2, 3}).rectangle(0, 0, 40, 40);
-    EXPECT_EQ(drawnMetafile(file.bytes(), {40, 40}).pixel(20, 20), kRed);
+    file.add(4711, {1, 2, 3}).brush(2, colour(0, 0, 255)).rectangle(0, 0, 40, 40);
+    EXPECT_EQ(drawnMetafile(file.bytes(), {40, 40}).pixel(20, 20), kBlue);
     EXPECT_THROW(metafile::draw(Bytes(sound.begin(), sound.begin() + 60), {40, 40}), DecodeError);
     EXPECT_THROW(metafile::draw(sound, {100000, 100000}), DecodeError);
 }
@@ -219,6 +219,10 @@ TEST(HostileMetafiles, ShapesAsLargeAsTheWorldLookRightOnTheSheet) {
     EXPECT_EQ(closed.drawn().pixel(5, 20), kRed);
     EXPECT_EQ(closed.drawn().pixel(20, 20), kRed);
     EXPECT_EQ(closed.drawn().pixel(30, 30), kWhite);
+    EmfFile corner(40, 40); // where a cut figure begins and ends its sides are joined
+    corner.stock(5).add(95, {1, 0, 0, 0, 0, 0x12200, 16, 0, 255, 0, 0}).add(37, {1});
+    corner.add(3, {0, 0, -1, -1, 3, 20, 20, 50000, 20, 20, 50000});
+    EXPECT_EQ(corner.drawn().pixel(14, 14), kRed);
 }
 
 TEST(HostileMetafiles, ManyClipPathsLargerThanTheSheetLetItsInsideThrough) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace imaging::metafile {
 
@@ -69,6 +70,23 @@ QPolygonF cutAt(const QPolygonF& polygon, const QRectF& bounds, std::size_t side
     return result;
 }
 
+// A closed figure comes apart where it leaves the bounds. Begun out there, none of its corners on
+// the sheet lies between its end and its beginning, where it would lose its join.
+void beginOutside(QPolygonF& polygon, const QRectF& bounds) {
+    if (!polygon.isClosed())
+        return;
+    const auto outside = std::find_if(polygon.begin(), polygon.end(), [&](QPointF point) {
+        const auto inset = insets(point, bounds);
+        return *std::min_element(inset.begin(), inset.end()) < 0;
+    });
+    if (outside == polygon.begin() || outside == polygon.end())
+        return;
+    const auto start = std::distance(polygon.begin(), outside);
+    polygon.removeLast(); // the same as the first
+    std::rotate(polygon.begin(), polygon.begin() + start, polygon.end());
+    polygon.append(QPointF(polygon.first()));
+}
+
 // Adds the part of a line that lies within the bounds; goes on where the last one ended.
 void addLine(QPainterPath& path, QPointF from, QPointF to, const QRectF& bounds) {
     const auto before = insets(from, bounds);
@@ -127,7 +145,8 @@ QPainterPath cutLines(const QPainterPath& outline, const QRect& sheet, double re
             result.addPath(figure);
             return;
         }
-        const QPolygonF polygon = flattened(figure);
+        QPolygonF polygon = flattened(figure);
+        beginOutside(polygon, bounds);
         for (qsizetype i = 1; i < polygon.size(); ++i)
             addLine(result, polygon[i - 1], polygon[i], bounds);
     });
