@@ -43,7 +43,10 @@ double touchedPixels(const QPainterPath& outline, const QRect& sheet, double wid
             continue;
         const QPointF from = squareAt(outline.elementAt(i - 1));
         const QPointF way = squareAt(outline.elementAt(i)) - from;
-        const int count = static_cast<int>(std::ceil(way.manhattanLength())) + 1;
+        const double length = way.manhattanLength();
+        if (!std::isfinite(length)) // a place that is no number stands nowhere in the grid
+            return kEverywhere;
+        const int count = static_cast<int>(std::ceil(length)) + 1;
         steps += static_cast<std::size_t>(count);
         if (touched > most || steps > kMostSteps)
             return kEverywhere;
