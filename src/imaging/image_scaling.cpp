@@ -45,14 +45,17 @@ QImage meanOfBlocks(const QImage& image, int factor) {
 } // namespace
 
 QImage smoothlyScaled(const QImage& image, QSize size) {
-    constexpr qsizetype kLarge = 8'000'000;
     const int ratio = std::min(image.width() / size.width(), image.height() / size.height());
-    // What is left is scaled once more, for which some more pixels are better; but scaling makes
-    // another picture of the same size first.
-    const int factor = qsizetype{image.width()} * image.height() > kLarge ? ratio : ratio / 2;
+    // What is left is scaled once more, for which some more pixels are better.
+    const int factor = isVeryLarge(image.size()) ? ratio : ratio / 2;
     const bool premultiplied = image.format() == QImage::Format_ARGB32_Premultiplied;
     const QImage source = factor >= 2 && !premultiplied ? meanOfBlocks(image, factor) : image;
     return source.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+bool isVeryLarge(QSize size) {
+    constexpr qsizetype kMostPixels = 8'000'000;
+    return qsizetype{size.width()} * size.height() > kMostPixels;
 }
 
 } // namespace imaging

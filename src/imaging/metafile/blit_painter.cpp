@@ -108,12 +108,6 @@ void BlitPainter::spendPicture(const QImage& image, const Place& place) {
     canvas_.budget().spendPixels(4.0 * seen.width() * seen.height());
 }
 
-// The painter makes a picture of its own of each pattern.
-void BlitPainter::spendPattern(const Brush& brush) {
-    if (brush.kind == BrushKind::Pattern)
-        canvas_.budget().spendPixels(2.0 * brush.pattern.width() * brush.pattern.height());
-}
-
 // The part of the image as it lies within `box` of the sheet.
 QImage BlitPainter::layer(const QImage& image, const QRectF& part, const Place& place,
                           const QRect& box, const DeviceContext& context) {
@@ -126,10 +120,7 @@ QImage BlitPainter::layer(const QImage& image, const QRectF& part, const Place& 
     const QTransform toSheet =
         place.from(part) * QTransform::fromTranslate(-box.left(), -box.top());
     const double factor = std::sqrt(std::abs(toSheet.determinant()));
-    // Scaling takes a second picture; a very large one would fill the memory.
-    constexpr qsizetype kMostPixels = 8'000'000;
-    const bool large = qsizetype{image.width()} * image.height() > kMostPixels;
-    if (place.alongAxes && factor < (large ? 0.5 : 1)) {
+    if (place.alongAxes && factor < (isVeryLarge(image.size()) ? 0.5 : 1)) {
         const QRect target = toSheet.mapRect(QRectF(seen)).toRect();
         const QSize size = target.size().expandedTo({1, 1});
         const bool whole = seen == image.rect();
@@ -170,7 +161,7 @@ void BlitPainter::combine(const RasterBlit& blit, const Place& place,
         source = layerOf(*blit.source, blit.part);
     QImage pattern;
     if (usesPattern(blit.operation) || usesPattern(blit.behindMask)) {
-        spendPattern(context.brush);
+        canvas_.budget().spendPixels(patternCost(context.brush));
         pattern = patternLayer(box, context);
     }
     QImage mask;
@@ -341,7 +332,7 @@ void BlitPainter::draw(const FloodFill& fill, const DeviceContext& context) {
     if (!sheet.rect().contains(start))
         return;
     canvas_.budget().spendPixels(30.0 * sheet.width() * sheet.height());
-    spendPattern(context.brush);
+    canvas_.budget().spendPixels(patternCost(context.brush));
     QImage reached = flooded(sheet, start, fill);
     QPainter painter(&reached);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

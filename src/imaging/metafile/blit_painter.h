@@ -21,7 +21,6 @@ class BlitPainter {
 
     Place placeOf(const Destination& destination, const DeviceContext& context) const;
     void begin(const DeviceContext& context);
-    void spendPattern(const Brush& brush);
     void spendPicture(const QImage& image, const Place& place);
     QImage layer(const QImage& image, const QRectF& part, const Place& place, const QRect& box,
                  const DeviceContext& context);

@@ -212,6 +212,15 @@ QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget) {
     return both;
 }
 
+QPainterPath pathOf(const QRegion& region) {
+    constexpr int kMostRectangles = 200'000;
+    if (region.rectCount() > kMostRectangles)
+        throw WorkExhausted();
+    QPainterPath path;
+    path.addRegion(region);
+    return path;
+}
+
 Canvas::Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget)
     : image_(size, QImage::Format_RGB32),
       deviceToImage_(deviceToImage),

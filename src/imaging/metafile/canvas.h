@@ -49,6 +49,9 @@ class Clip {
     // How many rectangles and path elements it keeps in memory.
     std::size_t weight() const;
 
+    // Of the clips of all saved states together; tens of megabytes.
+    static constexpr std::size_t kMostSavedWeight = 2'000'000;
+
   private:
     void become(QRegion region);
     bool isCrowded() const;
@@ -64,6 +67,10 @@ QRegion regionOf(const QPainterPath& path, const QRect& sheet);
 // The rectangles together. Spends work as it goes: a few thousand that cross each other make
 // millions.
 QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget);
+
+// The region as an outline to fill. WorkExhausted for one of more rectangles than a painter can
+// fill at once.
+QPainterPath pathOf(const QRegion& region);
 
 // Thin lines along the axes are moved to the middle of pixels, where they are sharp; the others
 // stay.
@@ -87,8 +94,8 @@ class Canvas {
     // Lets the painter paint where both clips allow it, in image pixels. Spends work before.
     void clipTo(const Clip& clip, const Clip& besides = {});
 
-    // Lets go of the pictures that were painted with, which the painter holds on to. Of what was set
-    // only its hints stay.
+    // Lets go of the pictures that were painted with, which the painter holds on to. Of what was
+    // set only its hints stay.
     void renewPainter();
 
     const QTransform& deviceToImage() const { return deviceToImage_; }

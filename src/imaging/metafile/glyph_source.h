@@ -16,6 +16,10 @@ namespace imaging::metafile {
 // is the left end of the base line.
 inline constexpr double kUnitsPerEm = 1000;
 
+// Points of a text's outline, behind which letters are left out: tens of megabytes, and more
+// letters than any sheet can show.
+inline constexpr int kMostTextElements = 400'000;
+
 struct Glyph {
     QPainterPath outline; // to be filled with the winding rule, which is set in it
     double advance = 0;

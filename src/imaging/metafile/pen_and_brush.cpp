@@ -94,6 +94,11 @@ QBrush painterBrush(const Brush& brush, const DeviceContext& context) {
     return QColor::fromRgb(brush.colour);
 }
 
+double patternCost(const Brush& brush) {
+    return brush.kind == BrushKind::Pattern ? 2.0 * brush.pattern.width() * brush.pattern.height()
+                                            : 0;
+}
+
 std::optional<QPainter::CompositionMode> compositionMode(int rasterOperation) {
     switch (rasterOperation) {
     case 1:

@@ -14,6 +14,10 @@ QPen painterPen(const DeviceContext& context);
 // Its pattern repeats in image pixels; monochrome ones get the context's colours.
 QBrush painterBrush(const Brush& brush, const DeviceContext& context);
 
+// What painting with the brush takes besides, in pixels filled: the painter makes a picture of its
+// own of each pattern.
+double patternCost(const Brush& brush);
+
 // The painter's counterpart of one of the sixteen operations of pen and destination; none for the
 // one that leaves everything as it is.
 std::optional<QPainter::CompositionMode> compositionMode(int rasterOperation);

@@ -30,12 +30,6 @@ double pixelsIn(const AlphaBlit& blit) {
     return double{1} * blit.source.width() * blit.source.height();
 }
 
-QPainterPath pathOf(const QRegion& region) {
-    QPainterPath path;
-    path.addRegion(region);
-    return path;
-}
-
 } // namespace
 
 Player::Player(Canvas& canvas, QSizeF pixelsPerMillimetre, PlusHalf plusHalf)
@@ -200,13 +194,12 @@ void Player::on(const MultiplyWorldTransform& record) {
 }
 
 void Player::on(const SaveState&) {
-    constexpr std::size_t kMostWeight = 2'000'000; // of all clips, tens of megabytes
     if (saved_.size() >= kMostStates)
         return;
     std::size_t weight = context_.clip.weight() + context_.frozenClip.weight();
     if (!saved_.empty())
         weight += savedWeights_.back();
-    if (weight > kMostWeight)
+    if (weight > Clip::kMostSavedWeight)
         throw WorkExhausted();
     saved_.push_back(context_);
     savedWeights_.push_back(weight);
@@ -336,7 +329,6 @@ void Player::on(const ClipPath& record) {
 // ---- Blocks of pixels
 
 void Player::on(const RegionPaint& record) {
-    constexpr int kMostRectangles = 200'000;
     std::vector<QRect> rectangles;
     rectangles.reserve(record.rectangles.size());
     for (const QRect& rectangle : record.rectangles) {
@@ -345,8 +337,6 @@ void Player::on(const RegionPaint& record) {
         rectangles.push_back(context_.map(path).boundingRect().toRect() & canvas_.sheet());
     }
     const QRegion region = unionOf(rectangles, canvas_.budget());
-    if (region.rectCount() > kMostRectangles)
-        throw WorkExhausted();
     const QPainterPath outline = pathOf(region);
     Object brush = context_.brush;
     if (record.brush) {

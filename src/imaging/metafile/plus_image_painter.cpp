@@ -47,7 +47,6 @@ void drawBitmap(Canvas& canvas, const QImage& image, const QRectF& part,
     const QRect seen = (part & QRectF(image.rect())).toAlignedRect() & image.rect();
     if (seen.isEmpty())
         return;
-    // Scaled with averaging first: painting alone would leave pixels out.
     // How many pixels the seen part's side gets; a wild share is none that fits anyway.
     const auto share = [](double whole, double seenSide, double partSide) {
         return static_cast<int>(
@@ -56,9 +55,8 @@ void drawBitmap(Canvas& canvas, const QImage& image, const QRectF& part,
     const QSize wanted(share(size.width(), seen.width(), part.width()),
                        share(size.height(), seen.height(), part.height()));
     QImage source = seen == image.rect() ? image : image.copy(seen);
-    // Scaling takes a second picture; a very large one would fill the memory.
-    constexpr qsizetype kMostPixels = 8'000'000;
-    const int least = qsizetype{seen.width()} * seen.height() > kMostPixels ? 2 : 1;
+    // Scaled with averaging first: painting alone would leave pixels out.
+    const int least = isVeryLarge(seen.size()) ? 2 : 1;
     const bool shrinks =
         wanted.width() * least < seen.width() && wanted.height() * least < seen.height();
     if (shrinks)

@@ -142,12 +142,11 @@ class PlusPlayer::Impl {
     void on(const PlusSetOrigin& record) { state_.origin = record.origin; }
 
     void save(std::uint32_t number) {
-        constexpr std::size_t kMostWeight = 2'000'000; // of all clips, tens of megabytes
         if (saved_.size() >= kMostStates)
             return;
         const std::size_t before = saved_.empty() ? 0 : saved_.back().weight;
         const std::size_t weight = before + state_.clip.weight();
-        if (weight > kMostWeight)
+        if (weight > Clip::kMostSavedWeight)
             throw WorkExhausted();
         saved_.push_back({number, state_, weight});
     }
@@ -363,12 +362,7 @@ class PlusPlayer::Impl {
         if (const auto path = outlineOf(record.shape)) {
             fill(*path, *brush);
         } else if (const auto region = regionOf(record.shape, std::nullopt)) {
-            constexpr int kMostRectangles = 200'000;
-            if (region->rectCount() > kMostRectangles)
-                throw WorkExhausted();
-            QPainterPath pixels;
-            pixels.addRegion(*region);
-            fill(pixels, *brush);
+            fill(pathOf(*region), *brush);
         }
     }
 

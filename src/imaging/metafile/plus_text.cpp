@@ -11,8 +11,6 @@ namespace imaging::metafile {
 namespace {
 
 constexpr double kFar = 1e9; // world units
-// Tens of megabytes, and more letters than any sheet can show.
-constexpr int kMostElements = 400'000;
 constexpr std::size_t kPointsOfLine = 20;
 
 // A font at a size, ready to measure and to draw with.
@@ -40,7 +38,7 @@ class Face {
 
     double add(QPainterPath& path, char32_t letter, QPointF place) const {
         const Glyph drawn = glyph(letter);
-        if (!drawn.outline.isEmpty() && path.elementCount() < kMostElements)
+        if (!drawn.outline.isEmpty() && path.elementCount() < kMostTextElements)
             path.addPath((QTransform::fromScale(perUnit_, perUnit_) *
                           QTransform::fromTranslate(place.x(), place.y()))
                              .map(drawn.outline));
@@ -179,7 +177,7 @@ QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     double top = startOf(format.down, 0, side.height(), height);
-    for (qsizetype i = 0; i < lines.size() && path.elementCount() < kMostElements;
+    for (qsizetype i = 0; i < lines.size() && path.elementCount() < kMostTextElements;
          ++i, top += lineHeight) {
         budget.spendPoints(kPointsOfLine);
         const bool isBelow = side.height() > 0 && top >= side.height();

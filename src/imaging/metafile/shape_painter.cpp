@@ -39,12 +39,6 @@ void ShapePainter::spend(const QPainterPath& outline, EdgeLook look) {
     canvas_.budget().spendPixels(fillCost(outline, canvas_.sheet(), look));
 }
 
-// The painter makes a picture of its own of each pattern.
-void ShapePainter::spend(const Brush& brush) {
-    if (brush.kind == BrushKind::Pattern)
-        canvas_.budget().spendPixels(2.0 * brush.pattern.width() * brush.pattern.height());
-}
-
 void ShapePainter::draw(const QPainterPath& outline, const DeviceContext& context, ShapePart part) {
     if (!compositionMode(context.rasterOperation) || outline.isEmpty())
         return;
@@ -115,7 +109,7 @@ void ShapePainter::invert(const QPainterPath& outline, const DeviceContext& cont
 
 void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
                              const DeviceContext& context) {
-    spend(brush);
+    canvas_.budget().spendPixels(patternCost(brush));
     QPainter& painter = canvas_.painter();
     painter.setCompositionMode(modeOf(context));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
@@ -140,7 +134,7 @@ void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
 
 void ShapePainter::paintStroke(const QPainterPath& outline, const DeviceContext& context) {
     constexpr double kMostDashes = 20000;
-    spend(context.pen.brush);
+    canvas_.budget().spendPixels(patternCost(context.pen.brush));
     QPen pen = painterPen(context);
     if (pen.style() == Qt::NoPen)
         return;

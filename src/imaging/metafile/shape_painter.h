@@ -39,7 +39,6 @@ class ShapePainter {
     void paintFill(const QPainterPath& outline, const Brush& brush, const DeviceContext& context);
     void paintStroke(const QPainterPath& outline, const DeviceContext& context);
     void spend(const QPainterPath& outline, EdgeLook look);
-    void spend(const Brush& brush);
 
     Canvas& canvas_;
     bool clipSet_ = false;

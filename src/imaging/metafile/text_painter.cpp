@@ -218,12 +218,10 @@ void addBar(QPainterPath& path, const Frame& frame, double length, double centre
 
 QPainterPath outlineOf(const std::vector<Letter>& letters, const Line& line, const ChosenFont& font,
                        const Frame& frame, QPointF origin, WorkBudget& budget) {
-    // Tens of megabytes, and more letters than any sheet can show.
-    constexpr int kMostElements = 400'000;
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     const QTransform size = QTransform::fromScale(frame.perUnit * frame.stretch, frame.perUnit);
-    for (std::size_t i = 0; i < letters.size() && path.elementCount() < kMostElements; ++i) {
+    for (std::size_t i = 0; i < letters.size() && path.elementCount() < kMostTextElements; ++i) {
         budget.spendPoints(1);
         const Glyph glyph = GlyphSource::shared().glyph(font.painterFont,
                                                         drawnCharacter(letters[i].character, font));
