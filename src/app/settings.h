@@ -41,7 +41,8 @@ class Settings {
     std::filesystem::path helpFilePath() const;
     std::filesystem::path temporaryFolderPath() const;
 
-    // The same, for writing to it: made again if a cleaner of temporary files has taken it.
+    // The same, for writing to it: made again if a cleaner of temporary files has taken it. Throws
+    // compound::Error when that fails.
     std::filesystem::path restoredTemporaryFolderPath() const;
 
     const QString& drive() const { return drive_; }

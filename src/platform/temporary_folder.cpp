@@ -42,7 +42,7 @@ bool tryLock(const FileDescriptor& folder) {
 
 bool isOwnedByUser(const FileDescriptor& folder) {
     struct stat status {};
-    return ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid();
+    return folder.isOpen() && ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid();
 }
 
 // Whatever cannot be removed is the next start's business.
@@ -107,17 +107,24 @@ TemporaryFolder::~TemporaryFolder() {
 void TemporaryFolder::restore() {
     if (isWiped_)
         return;
-    (void)QDir().mkpath(QFileInfo(path_.chopped(1)).path());
-    if (::mkdir(QFile::encodeName(path_).constData(), S_IRWXU) == 0) {
-        lock_ = openFolder(path_);
+    const QString folder = path_.chopped(1); // without the separator a link is not followed
+    (void)QDir().mkpath(QFileInfo(folder).path());
+    if (::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0) {
+        lock_ = openFolder(folder);
         (void)tryLock(lock_);
+        return;
     }
+    const int cause = errno;
+    if (!isOwnedByUser(openFolder(folder)))
+        throw compound::systemError(cause, toFilePath(folder), "make the temporary folder again");
 }
 
 void TemporaryFolder::wipe(CopiedPicture copiedPicture) {
     if (isWiped_)
         return;
     isWiped_ = true;
+    if (!isOwnedByUser(openFolder(path_.chopped(1))))
+        return; // what has taken its place is none of ours to remove
     const QDir folder(path_);
     const QDir::Filters everything =
         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;

@@ -25,11 +25,13 @@ class TemporaryFolder {
     const QString& path() const { return path_; }
 
     // Makes the folder again, private and locked as before, when a cleaner of temporary files has
-    // taken it. What goes wrong shows when the folder is used.
+    // taken it. Throws compound::Error naming it when that fails, or when somebody else has put a
+    // folder or a link of that name in its place.
     void restore();
 
     // Removes everything in the folder and the folder itself. Keep leaves the files named
-    // "CopiedPicture" and a type, and so the folder, to the client that was given their path.
+    // "CopiedPicture" and a type, and so the folder, to the client that was given their path. What
+    // somebody else has put in the folder's place stays.
     void wipe(CopiedPicture copiedPicture);
 
   private:

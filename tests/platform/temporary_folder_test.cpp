@@ -1,3 +1,4 @@
+#include "compound/error.h"
 #include "platform/own_home.h"
 #include "platform/temporary_folder.h"
 
@@ -52,6 +53,18 @@ TEST_F(TemporaryFolderTest, comesBackAfterACleanerHasTakenIt) {
     folder.wipe(CopiedPicture::Remove);
     folder.restore();
     EXPECT_FALSE(fs::exists(path));
+}
+
+// In a folder for everybody somebody else may take the name, to have pictures written elsewhere.
+TEST_F(TemporaryFolderTest, aLinkInItsPlaceIsNotFollowed) {
+    TemporaryFolder folder(home_.root());
+    const fs::path path = folder.path().chopped(1).toStdString();
+    home_.write("elsewhere/kept", "");
+    fs::remove_all(path);
+    fs::create_directory_symlink(home_.at("elsewhere").toStdString(), path);
+    EXPECT_THROW(folder.restore(), compound::Error);
+    folder.wipe(CopiedPicture::Remove);
+    EXPECT_TRUE(fs::exists(home_.at("elsewhere/kept").toStdString()));
 }
 
 TEST_F(TemporaryFolderTest, leavesTheClientsPictureOnRequest) {
