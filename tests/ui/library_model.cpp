@@ -6,16 +6,16 @@
 namespace library_model {
 namespace {
 
-bool isSame(const QString& left, const QString& right) {
-    return left.toUpper() == right.toUpper();
-}
-
 // 0 for storages that are not numbered.
 int numberOf(const QString& storage) {
     return storage.startsWith(QLatin1String("Sub")) ? storage.mid(3).toInt() : 0;
 }
 
 } // namespace
+
+bool isSameName(const QString& left, const QString& right) {
+    return left.toUpper() == right.toUpper();
+}
 
 bool ElementOrder::operator()(const QString& left, const QString& right) const {
     return left.size() != right.size() ? left.size() < right.size()
@@ -35,8 +35,8 @@ QString Library::nextStorage(const Groups& groups) const {
     }
     const auto isTaken = [&](const QString& name) {
         return std::any_of(groups.begin(), groups.end(), [&](const auto& entry) {
-            return isSame(entry.first, name) || isSame(entry.first, name + "Info") ||
-                   isSame(entry.first + "Info", name);
+            return isSameName(entry.first, name) || isSameName(entry.first, name + "Info") ||
+                   isSameName(entry.first + "Info", name);
         });
     };
     QString name;
@@ -144,8 +144,8 @@ bool Library::meetsOtherStorages(const Address& group, const QString& name) cons
     const Groups& groups = files_.at(group.file);
     return std::any_of(groups.begin(), groups.end(), [&](const auto& entry) {
         return entry.first != group.storage &&
-               (isSame(entry.first, name) || isSame(entry.first + "Info", name) ||
-                isSame(entry.first, name + "Info"));
+               (isSameName(entry.first, name) || isSameName(entry.first + "Info", name) ||
+                isSameName(entry.first, name + "Info"));
     });
 }
 

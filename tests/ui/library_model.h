@@ -24,6 +24,8 @@ struct Source {
     QByteArray bytes;
 };
 
+bool isSameName(const QString& left, const QString& right); // without regard to case
+
 // Elements of a group file: the shorter name first, then by upper case.
 struct ElementOrder {
     bool operator()(const QString& left, const QString& right) const;

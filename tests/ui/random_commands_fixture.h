@@ -135,6 +135,13 @@ class RandomCommands : private TemporaryFoldersInMemory,
     void type(QLineEdit* field, const QString& text);
     void accept(QDialog& dialog, QLineEdit* field);
     void leave(QDialog& dialog, const QString& button);
+
+    // Types a name and does to the model what the window is to do with it; gives what the box says
+    // to it, empty when the name is taken.
+    using NameTrial = std::function<QString(QLineEdit* field)>;
+    // Some names until one is taken, else leaves the dialog by the button or by Escape.
+    void tryNames(QDialog& dialog, const char* fieldName, const char* cancelButton,
+                  const NameTrial& enterName);
     static void press(QDialog& dialog, const QString& button);
     void expectText(QDialog& dialog, const char* label, const QString& text);
 

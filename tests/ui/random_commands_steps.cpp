@@ -40,6 +40,23 @@ QString RandomCommands::anyPictureName() {
                     : QStringLiteral("P%1").arg(below(30));
 }
 
+void RandomCommands::tryNames(QDialog& dialog, const char* fieldName, const char* cancelButton,
+                              const NameTrial& enterName) {
+    auto* field = dialog.findChild<QLineEdit*>(fieldName);
+    EXPECT_EQ(field->text(), "");
+    for (int attempts = below(4); attempts > 0 && dialog.isVisible(); --attempts) {
+        const QString refusal = enterName(field);
+        if (!refusal.isEmpty()) {
+            expectBox(refusal);
+        }
+        accept(dialog, field);
+        EXPECT_EQ(dialog.isVisible(), !refusal.isEmpty());
+    }
+    if (dialog.isVisible()) {
+        leave(dialog, cancelButton);
+    }
+}
+
 // --- Groups
 
 QString RandomCommands::newGroupRefusal(const std::optional<Address>& parent, const QString& typed,
@@ -66,8 +83,7 @@ void RandomCommands::newGroup() {
         }
         const auto parent = target->currentIndex() == 1 ? screen_.selected : std::nullopt;
         addNote(parent ? " below " + parent->key() : QStringLiteral(" at the top"));
-        auto* field = dialog.findChild<QLineEdit*>("txtNeu");
-        for (int attempts = below(4); attempts > 0 && dialog.isVisible(); --attempts) {
+        tryNames(dialog, "txtNeu", "cmdAbbruch", [&](QLineEdit* field) {
             const GroupNameTrial name = anyGroupName();
             type(field, name.text);
             const QString typed = QString(name.text).remove(u'.');
@@ -75,15 +91,9 @@ void RandomCommands::newGroup() {
             const QString refusal = newGroupRefusal(parent, typed, name);
             if (refusal.isEmpty()) {
                 screen_.groupMade(model_.addGroup(parent, typed));
-            } else {
-                expectBox(refusal);
             }
-            accept(dialog, field);
-            EXPECT_EQ(dialog.isVisible(), !refusal.isEmpty());
-        }
-        if (dialog.isVisible()) {
-            leave(dialog, "cmdAbbruch");
-        }
+            return refusal;
+        });
     });
 }
 
@@ -112,9 +122,7 @@ QString RandomCommands::renameGroupRefusal(const GroupNameTrial& name) const {
 void RandomCommands::renameGroup() {
     const QString action = anyOfThese({"Men_Bearbeiten_7", "gRename", "F2 on tvwGruppen"});
     run(action, Opens::Dialog, [&](QDialog& dialog) {
-        auto* field = dialog.findChild<QLineEdit*>("txtNeu");
-        EXPECT_EQ(field->text(), "");
-        for (int attempts = below(4); attempts > 0 && dialog.isVisible(); --attempts) {
+        tryNames(dialog, "txtNeu", "cmdAbbruch", [&](QLineEdit* field) {
             const GroupNameTrial name = anyGroupName();
             const QString typed = name.text;
             type(field, typed);
@@ -122,15 +130,9 @@ void RandomCommands::renameGroup() {
             if (refusal.isEmpty()) {
                 expectBox(app::text(151) + groupText() + app::text(153) + typed + app::text(154));
                 screen_.groupRenamed(model_.renameGroup(*screen_.selected, typed));
-            } else {
-                expectBox(refusal);
             }
-            accept(dialog, field);
-            EXPECT_EQ(dialog.isVisible(), !refusal.isEmpty());
-        }
-        if (dialog.isVisible()) {
-            leave(dialog, "cmdAbbruch");
-        }
+            return refusal;
+        });
     });
 }
 
@@ -293,24 +295,16 @@ void RandomCommands::renamePicture() {
         return;
     }
     run(action, Opens::Dialog, [&](QDialog& dialog) {
-        auto* field = dialog.findChild<QLineEdit*>("txtName");
-        EXPECT_EQ(field->text(), "");
-        for (int attempts = below(4); attempts > 0 && dialog.isVisible(); --attempts) {
+        tryNames(dialog, "txtName", "cmdCancel", [&](QLineEdit* field) {
             const QString name = anyPictureName();
             type(field, name);
             const QString refusal = renamePictureRefusal(name);
             if (refusal.isEmpty()) {
                 model_.renamePicture(*screen_.selected, screen_.label, name);
                 screen_.pictureRenamed(name);
-            } else {
-                expectBox(refusal);
             }
-            accept(dialog, field);
-            EXPECT_EQ(dialog.isVisible(), !refusal.isEmpty());
-        }
-        if (dialog.isVisible()) {
-            leave(dialog, "cmdCancel");
-        }
+            return refusal;
+        });
     });
 }
 

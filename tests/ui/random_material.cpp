@@ -101,10 +101,6 @@ const QStringList& pictureNameTrials() {
     return kNames;
 }
 
-bool isSameName(const QString& left, const QString& right) {
-    return left.toUpper() == right.toUpper();
-}
-
 bool isReservedName(const QString& pictureName) {
     return isSameName(pictureName, "Name") || isSameName(pictureName, "Parent");
 }

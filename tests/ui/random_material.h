@@ -18,8 +18,6 @@ struct GroupNameTrial {
 const std::vector<GroupNameTrial>& groupNameTrials();
 const QStringList& pictureNameTrials();
 
-bool isSameName(const QString& left, const QString& right); // without regard to case
-
 bool isReservedName(const QString& pictureName);
 bool isValidPictureName(const QString& name);
 
