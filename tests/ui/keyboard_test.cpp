@@ -4,16 +4,12 @@
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
 #include <QLineEdit>
-#include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
-#include <QRegularExpression>
-#include <QSet>
 #include <QTest>
 #include <QTreeWidget>
 #include <QUrl>
@@ -193,34 +189,6 @@ TEST_F(Keyboard, RefreshComesBackToAGroupThatWasLocked) {
     held.reset();
     start();
     EXPECT_EQ(selectedNode(), "Kreisel");
-}
-
-// The letter behind the first single "&".
-QChar mnemonicOf(QString text) {
-    text.remove(QStringLiteral("&&"));
-    const qsizetype at = text.indexOf(u'&');
-    return at >= 0 && at + 1 < text.size() ? text[at + 1].toLower() : QChar();
-}
-
-TEST_F(Keyboard, EveryMenuItemHasAMnemonicOfItsOwnInBothLanguages) {
-    for (const int language : {1031, 1033}) {
-        app::setLanguage(language);
-        start();
-        for (const QMenu* menu : window().findChildren<QMenu*>(QRegularExpression("^Men_"))) {
-            QSet<QChar> seen;
-            for (const QAction* action : menu->actions()) {
-                const QChar letter = mnemonicOf(action->text());
-                if (letter.isNull()) {
-                    continue;
-                }
-                EXPECT_FALSE(seen.contains(letter))
-                    << menu->objectName().toStdString() << ": " << action->text().toStdString();
-                seen.insert(letter);
-            }
-        }
-        restart();
-    }
-    app::setLanguage(1031);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
-// The keys that menus and dialogs underline, pressed together with Alt.
+// The keys that menus and dialogs underline, and what they do together with Alt.
 #include "ui/every_language.h"
+#include "ui/mnemonics.h"
 
 #include <QApplication>
 #include <QLabel>
 #include <QMenu>
+#include <QRegularExpression>
 #include <QTest>
 
 namespace {
@@ -19,6 +21,20 @@ class Mnemonics : public EveryLanguageTest {
 };
 
 INSTANTIATE_TEST_SUITE_P(Languages, Mnemonics, EveryLanguageTest::all());
+
+TEST_P(Mnemonics, AreDifferentWithinEachMenu) {
+    startActive();
+    const auto menus = window().findChildren<QMenu*>(QRegularExpression("^Men_"));
+    EXPECT_EQ(menus.size(), 4);
+    for (const QMenu* menu : menus) {
+        SCOPED_TRACE(menu->objectName().toStdString());
+        QStringList captions;
+        for (const QAction* action : menu->actions()) {
+            captions.append(action->text());
+        }
+        expectOwnMnemonics(captions);
+    }
+}
 
 TEST_P(Mnemonics, OpenTheMenusAndChooseTheirItems) {
     struct Way {
