@@ -60,9 +60,10 @@ void GroupBrowsing::selectAgain(const QString& key) {
 }
 
 void GroupBrowsing::selectRemembered(const QString& key) {
+    tree_.selectKey(key);
     // Nothing waits for the pictures of a group that is known to be locked.
-    if (tree_.selectKey(key) && !tree_.selectedIsMarked()) {
-        panel_.setGroup(tree_.selected()->address);
+    if (const auto selected = tree_.selected(); selected && !tree_.selectedIsMarked()) {
+        panel_.setGroup(selected->address);
     }
     if (tree_.selectedKey() != key && isInMarkedFile(key)) {
         awaitedKey_ = key;
@@ -137,7 +138,8 @@ void GroupBrowsing::retry(const store::FileName& file) {
     if (!tree_.isMarked(file)) {
         return; // read meanwhile
     }
-    const bool wasSelected = tree_.selected() && tree_.selected()->address.file == file;
+    const auto selected = tree_.selected();
+    const bool wasSelected = selected && selected->address.file == file;
     tree_.replaceFile(file, readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait)));
     if (wasSelected && !tree_.selectedIsMarked()) {
         if (fileOf(awaitedKey_) == file && !tree_.selectKey(awaitedKey_)) {

@@ -42,13 +42,14 @@ class NameDelegate : public QStyledItemDelegate {
                       const QModelIndex& index) const override {
         const auto* field = qobject_cast<QLineEdit*>(editor);
         const QString before = index.data().toString();
-        if (field == nullptr || field->text() == before || !list_->group()) {
+        const auto& shown = list_->group();
+        if (field == nullptr || field->text() == before || !shown) {
             return;
         }
         // A box now would take the focus from the editor and end the editing a second time.
         QMetaObject::invokeMethod(
             list_,
-            [list = list_, group = *list_->group(), before, after = field->text()] {
+            [list = list_, group = *shown, before, after = field->text()] {
                 emit list->renameWanted(group, before, after);
             },
             Qt::QueuedConnection);

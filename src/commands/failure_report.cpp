@@ -5,6 +5,7 @@
 #include "compound/error.h"
 
 namespace commands {
+
 // A locked file stays on the screen: reading it now would only show its group empty.
 void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
     const auto* error = dynamic_cast<const compound::Error*>(&failure);

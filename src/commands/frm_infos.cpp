@@ -220,10 +220,10 @@ void frmInfos::showPreview(const store::StoredPicture& picture) {
     imgBild_->setAutoFillBackground(false);
     picBild_->resize(0, 0);
     try {
-        imaging::Picture decoded = imaging::decode(picture.bytes);
+        const imaging::Picture decoded = imaging::decode(picture.bytes);
         picBild_->resize(decoded.facts().pixels);
         VorschauAnpassen();
-        imgBild_->setPicture(std::move(decoded));
+        imgBild_->setPicture(decoded);
         QPalette paper = palette();
         paper.setColor(QPalette::Window, paperColor(paper));
         imgBild_->setPalette(paper);

@@ -46,7 +46,7 @@ std::optional<store::GroupAddress> groupOfPicture(const CommandCall& call) {
     return std::nullopt;
 }
 
-// Runs what needs the shown picture's group; a failure is told with the group's name.
+// Runs what needs the shown picture's group; a failure is told with the group's path.
 template <typename Action>
 void withGroupNamed(const CommandCall& call, Action action) {
     try {

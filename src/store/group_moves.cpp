@@ -80,9 +80,9 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
         file.publish();
         library.disk.removeTemporary(oldPath);
     } catch (const Error&) {
+        // The group keeps its old name, and is there once.
         if (file.isPublished())
-            library.disk.removeTemporary(
-                newPath); // the group keeps its old name, and is there once
+            library.disk.removeTemporary(newPath);
         throw;
     }
     syncPlaceOf(library, newPath);
