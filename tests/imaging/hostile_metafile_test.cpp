@@ -350,7 +350,7 @@ TEST(HostileMetafiles, UnreadableMetafilesInsideDoNotEndThePicture) {
     EXPECT_EQ(file.drawn().pixel(20, 20), kRed);
 }
 
-TEST(HostileMetafiles, FlippedBitsNeverCrash) {
+TEST(HostileMetafiles, RandomBytesNeverCrash) {
     EmfFile emf(40, 40);
     emf.pen(1, 2, 3, 255)
         .brush(2, 255)
@@ -370,18 +370,8 @@ TEST(HostileMetafiles, FlippedBitsNeverCrash) {
     wmf.add(0x0A32, {1, 1, 2, 2, 0, 0, 9, 9, 0x4142, 5, 5}).add(0x0419, {0, 0, 20, 20});
     wmf.add(0x06FF, {0, 6, 0, 0, 0, 1, 2, 5, 5, 25, 15, 2, 5, 15, 5, 25, 2}).add(0x0228, {2, 1});
     std::mt19937 random(20);
-    for (const Bytes& sound : {emf.bytes(), wmf.plain(), wmf.placeable(0, 0, 40, 40, 96)}) {
-        for (int round = 0; round < 1500; ++round) {
-            Bytes bytes = sound;
-            for (int flips = 0; flips < 4; ++flips)
-                bytes[random() % bytes.size()] = static_cast<std::byte>(random());
-            try {
-                metafile::draw(bytes, {32, 32});
-            } catch (const DecodeError& error) {
-                EXPECT_STRNE(error.what(), "");
-            }
-        }
-    }
+    for (const Bytes& sound : {emf.bytes(), wmf.plain(), wmf.placeable(0, 0, 40, 40, 96)})
+        EXPECT_NO_THROW(drawWithRandomBytes(sound, 0, random));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "imaging/metafile_bytes.h"
 
+#include "imaging/byte_reader.h"
 #include "imaging/metafile/metafile.h"
 
 #include <bit>
@@ -184,6 +185,21 @@ Bytes bitmapPixels(int width, const std::vector<QRgb>& pixels) {
 
 QImage drawnMetafile(const Bytes& bytes, QSize size) {
     return metafile::draw(bytes, size).image;
+}
+
+void drawWithRandomBytes(const Bytes& sound, std::size_t from, std::mt19937& random) {
+    constexpr int kRounds = 1500;
+    constexpr int kBytes = 4;
+    for (int round = 0; round < kRounds; ++round) {
+        Bytes bytes = sound;
+        for (int i = 0; i < kBytes; ++i)
+            bytes[from + random() % (bytes.size() - from)] = static_cast<std::byte>(random());
+        try {
+            metafile::draw(bytes, {32, 32});
+        } catch (const DecodeError&) {
+            // Some are broken in a way that must be noticed.
+        }
+    }
 }
 
 QRect inkOf(const QImage& image) {

@@ -6,6 +6,7 @@
 
 #include <QImage>
 
+#include <random>
 #include <string_view>
 
 namespace imaging::testing {
@@ -61,6 +62,10 @@ Bytes bitmapHeader(int width, int height, int bits = 24);
 Bytes bitmapPixels(int width, const std::vector<QRgb>& pixels);
 
 QImage drawnMetafile(const Bytes& bytes, QSize size);
+
+// Draws the metafile many times, each time with a few other bytes from that place on. Throws only
+// what a broken metafile must not throw.
+void drawWithRandomBytes(const Bytes& sound, std::size_t from, std::mt19937& random);
 
 // The smallest rectangle with all pixels that are not white.
 QRect inkOf(const QImage& image);
