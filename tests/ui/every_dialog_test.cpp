@@ -22,20 +22,20 @@ enum class Place { AsTheDesktopLikes, Centred };
 struct DialogCase {
     const char* action;
     const char* dialog;
-    Place place;
     const char* helpButton; // none: the dialog has no topic of its own
     int topic;
+    Place place;
 };
 
 constexpr DialogCase kDialogs[] = {
-    {"gNew", "frmNeueGruppe", Place::AsTheDesktopLikes, nullptr, 0},
-    {"gRename", "frmEditGruppe", Place::AsTheDesktopLikes, "cmdHilfe", 7},
-    {"gInfo", "frmGroupInfo", Place::AsTheDesktopLikes, "cmdHelp", 8},
-    {"gOpen", "frmOpen", Place::Centred, "cmdHilfe", 6},
-    {"bRename", "frmEditSymbol", Place::AsTheDesktopLikes, "cmdHilfe", 4},
-    {"bInfo", "frmInfos", Place::Centred, "cmdZur_ck", 5},
-    {"Men_Extras_1", "frmEditorOptionen", Place::AsTheDesktopLikes, nullptr, 0},
-    {"Men_Hilfe_3", "frmInfo", Place::Centred, nullptr, 0},
+    {"gNew", "frmNeueGruppe", nullptr, 0, Place::AsTheDesktopLikes},
+    {"gRename", "frmEditGruppe", "cmdHilfe", 7, Place::AsTheDesktopLikes},
+    {"gInfo", "frmGroupInfo", "cmdHelp", 8, Place::AsTheDesktopLikes},
+    {"gOpen", "frmOpen", "cmdHilfe", 6, Place::Centred},
+    {"bRename", "frmEditSymbol", "cmdHilfe", 4, Place::AsTheDesktopLikes},
+    {"bInfo", "frmInfos", "cmdZur_ck", 5, Place::Centred},
+    {"Men_Extras_1", "frmEditorOptionen", nullptr, 0, Place::AsTheDesktopLikes},
+    {"Men_Hilfe_3", "frmInfo", nullptr, 0, Place::Centred},
 };
 
 std::string nameOf(const QWidget* widget) {
