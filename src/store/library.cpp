@@ -39,16 +39,16 @@ std::filesystem::path plainPathOf(const Library& library, const FileName& file) 
 
 std::filesystem::path pathOf(const Library& library, const FileName& file) {
     std::filesystem::path path = plainPathOf(library, file);
-    if (library.disk.exists(path))
-        return path;
-    // "A.STG" is the group file of A as well, on systems that tell the two names apart.
     try {
+        if (library.disk.exists(path))
+            return path;
+        // "A.STG" is the group file of A as well, on systems that tell the two names apart.
         for (const std::u16string& other : filesEndingIn(library, kGroupFileSuffix)) {
             if (other.substr(0, other.size() - kSuffixLength) == file.text)
                 return library.folder / toPath(other);
         }
     } catch (const compound::Error&) {
-        // The folder cannot be listed: opening the plain path will say why.
+        // The folder cannot be entered or listed: opening the plain path will say why.
         return path;
     }
     return path;

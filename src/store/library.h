@@ -59,7 +59,7 @@ inline constexpr std::u16string_view kGroupFileSuffix = u".stg";
 inline constexpr std::u16string_view kDamagedFileSuffix = u".err";
 
 // The path of T's group file: the only place where one is built. A file whose suffix is written in
-// another case is found as well.
+// another case is found as well. Never throws for the disk's sake.
 std::filesystem::path pathOf(const Library& library, const FileName& file);
 
 // The same without looking at the disk: the suffix as this program writes it.

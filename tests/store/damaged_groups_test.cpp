@@ -44,6 +44,19 @@ TEST_F(DamagedGroupTest, OnlyBytesMakeAFileDamaged) {
     EXPECT_EQ(reading(u"Works").state, GroupFileState::Damaged);
 }
 
+// As in a folder that may be listed but not entered: one such file ended the whole program.
+TEST_F(DamagedGroupTest, AFileThatCannotBeLookedUpIsUnreadable) {
+    topGroup(u"Plant");
+    disk.setInterceptor([](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Folder)
+            throw compound::Error(ErrorCode::Denied, "/library/Plant.stg", "look up");
+    });
+    EXPECT_EQ(reading(u"Plant").state, GroupFileState::Unreadable);
+    EXPECT_THAT(reading(u"Plant").cause, HasSubstr("Plant.stg"));
+    disk.setInterceptor({});
+    EXPECT_EQ(reading(u"Plant").state, GroupFileState::Sound);
+}
+
 TEST_F(DamagedGroupTest, CaseAndDotsOfTheFileNameDoNotMatter) {
     const GroupAddress plant = topGroup(u"Plant");
     subGroup(plant, u"Below");
