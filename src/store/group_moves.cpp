@@ -73,9 +73,11 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
         return newName;
     refuseTakenStorages(old, group.storage, newName.text);
     NewGroupFile file(library, newPath);
-    compound::copyAll(old.file(), file.file());
-    renameTopLevelPair(StorageHandle(file.file().root()), group.storage, newName.text);
-    library.disk.copyAttributes(old.file().disk(), file.file().disk());
+    file.write([&](compound::CompoundFile& content) {
+        compound::copyAll(old.file(), content);
+        renameTopLevelPair(StorageHandle(content.root()), group.storage, newName.text);
+        library.disk.copyAttributes(old.file().disk(), content.disk());
+    });
     try {
         file.publish();
         library.disk.removeTemporary(oldPath);
@@ -113,7 +115,7 @@ void compactGroupFile(const Library& library, const std::filesystem::path& path)
     StorageAccess old(library);
     old.openFile(path, Access::ReadWrite, library.lockWait);
     NewGroupFile file(library, path);
-    compound::copyAll(old.file(), file.file());
+    file.write([&](compound::CompoundFile& content) { compound::copyAll(old.file(), content); });
     file.publishInPlaceOf(old.file().disk());
 }
 

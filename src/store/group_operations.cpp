@@ -30,7 +30,9 @@ GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, 
     if (isTaken && ifTaken == IfTaken::Refuse)
         throw Error(ErrorCode::Exists, path, "the group exists already");
     NewGroupFile file(library, path);
-    createGroupPair(StorageHandle(file.file().root()), address.storage, kNoParent, name.text);
+    file.write([&](compound::CompoundFile& content) {
+        createGroupPair(StorageHandle(content.root()), address.storage, kNoParent, name.text);
+    });
     file.prepare(); // what can fail for want of space fails with the old file in its place
     if (isTaken)
         removeGroupFile(library, address.file);

@@ -71,9 +71,13 @@ std::vector<std::filesystem::path> damagedFiles(const Library& library) {
     return files;
 }
 
+std::filesystem::path folderOf(const std::filesystem::path& file) {
+    return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+}
+
 void syncPlaceOf(const Library& library, const std::filesystem::path& file) {
     try {
-        library.disk.syncFolder(file.parent_path());
+        library.disk.syncFolder(folderOf(file));
     } catch (const compound::Error& error) {
         throw compound::Error(compound::ErrorCode::OutcomeUnknown, file, error.cause());
     }

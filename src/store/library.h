@@ -72,6 +72,9 @@ std::vector<FileName> groupFiles(const Library& library);
 // The files that were set aside as damaged ("*.err"), by name without regard to case.
 std::vector<std::filesystem::path> damagedFiles(const Library& library);
 
+// The folder that holds the file; "." for a bare name.
+std::filesystem::path folderOf(const std::filesystem::path& file);
+
 // Makes a file's new place in its folder durable, after the file was moved or made there. When that
 // fails the change is done, but may not outlast a power cut: OutcomeUnknown.
 void syncPlaceOf(const Library& library, const std::filesystem::path& file);

@@ -50,7 +50,11 @@ void removeLeftovers(const Library& library, const std::filesystem::path& folder
 
 NewGroupFile::NewGroupFile(const Library& library, std::filesystem::path target)
     : library_(library), target_(std::move(target)) {
-    const std::filesystem::path folder = target_.parent_path();
+    tellOfTarget([&] { create(); });
+}
+
+void NewGroupFile::create() {
+    const std::filesystem::path folder = folderOf(target_);
     removeLeftovers(library_, folder);
     std::unique_ptr<compound::DiskFile> disk = createLocked(folder);
     try {
@@ -86,19 +90,36 @@ NewGroupFile::~NewGroupFile() {
     }
 }
 
-void NewGroupFile::publish() {
-    file_->commit();
-    library_.disk.renameWithoutReplacing(temporary_, target_);
+void NewGroupFile::tellOfTarget(const std::function<void()>& action) const {
+    try {
+        action();
+    } catch (const Error& error) {
+        throw error.file() == temporary_ ? Error(error.code(), target_, error.cause()) : error;
+    }
+}
+
+void NewGroupFile::write(const std::function<void(compound::CompoundFile&)>& build) {
+    tellOfTarget([&] { build(*file_); });
+}
+
+void NewGroupFile::prepare() {
+    tellOfTarget([&] { file_->commit(); });
+}
+
+void NewGroupFile::give(const std::function<void()>& rename) {
+    prepare();
+    tellOfTarget(rename);
     published_ = true;
     syncPlaceOf(library_, target_);
 }
 
+void NewGroupFile::publish() {
+    give([&] { library_.disk.renameWithoutReplacing(temporary_, target_); });
+}
+
 void NewGroupFile::publishInPlaceOf(compound::DiskFile& old) {
-    library_.disk.copyAttributes(old, file_->disk());
-    file_->commit();
-    library_.disk.renameReplacing(temporary_, target_);
-    published_ = true;
-    syncPlaceOf(library_, target_);
+    write([&](compound::CompoundFile& file) { library_.disk.copyAttributes(old, file.disk()); });
+    give([&] { library_.disk.renameReplacing(temporary_, target_); });
 }
 
 } // namespace store

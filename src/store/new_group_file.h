@@ -1,11 +1,13 @@
 // A group file in the making: written under a temporary name that no listing takes for a group
-// file, and given its real name only when it is complete and durable.
+// file, and given its real name only when it is complete and durable. Errors name the target, the
+// only file that the user knows of.
 #pragma once
 
 #include "compound/compound_file.h"
 #include "store/library.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,10 +22,11 @@ class NewGroupFile {
     NewGroupFile(const NewGroupFile&) = delete;
     NewGroupFile& operator=(const NewGroupFile&) = delete;
 
-    compound::CompoundFile& file() { return *file_; }
+    // Hands the file to `build`, which puts content into it.
+    void write(const std::function<void(compound::CompoundFile&)>& build);
 
     // Makes the content durable under the temporary name.
-    void prepare() { file_->commit(); }
+    void prepare();
 
     // Commits, and gives the file its name. Exists (and nothing changed) when the name is taken;
     // OutcomeUnknown when the file bears the name, but only until the next power cut perhaps.
@@ -35,7 +38,10 @@ class NewGroupFile {
     bool isPublished() const { return published_; }
 
   private:
+    void create();
     std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder);
+    void give(const std::function<void()>& rename);
+    void tellOfTarget(const std::function<void()>& action) const;
 
     const Library& library_;
     std::filesystem::path target_;

@@ -41,8 +41,7 @@ store::Library libraryOf(const Arguments& arguments) {
 }
 
 store::Library libraryAround(const std::filesystem::path& path) {
-    const std::filesystem::path folder = path.parent_path();
-    return libraryIn(folder.empty() ? "." : folder);
+    return libraryIn(store::folderOf(path));
 }
 
 store::GroupAddress groupOf(const store::Library& library, const std::string& key) {

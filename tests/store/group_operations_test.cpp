@@ -218,6 +218,34 @@ TEST_F(GroupTest, AMoveWhoseFolderCannotBeSyncedHasAnUnknownOutcome) {
     disk.setInterceptor({});
 }
 
+// Nobody knows the temporary file in which the new one grows.
+TEST_F(GroupTest, WhatFailsInANewFileIsToldOfTheGroupsFile) {
+    const GroupAddress plant = topGroup(u"Plant");
+    for (const MemoryDisk::Call failing : {MemoryDisk::Call::Write, MemoryDisk::Call::Sync}) {
+        disk.setInterceptor([&](MemoryDisk::Call call) {
+            if (call != failing)
+                return;
+            for (const compound::FolderEntry& entry : disk.list("/library"))
+                if (entry.name.string().starts_with(".txs-"))
+                    throw compound::Error(ErrorCode::NoSpace, "/library" / entry.name, "full");
+        });
+        const auto fileOf = [](const auto& action) -> std::filesystem::path {
+            try {
+                action();
+            } catch (const compound::Error& error) {
+                return error.file();
+            }
+            return {};
+        };
+        EXPECT_EQ(fileOf([&] { topGroup(u"New"); }), "/library/New.stg");
+        EXPECT_EQ(fileOf([&] { renameGroup(library, plant, {u"Works"}); }), "/library/Works.stg");
+        EXPECT_EQ(fileOf([&] { compactGroupFile(library, "/library/Plant.stg"); }),
+                  "/library/Plant.stg");
+        disk.setInterceptor({});
+        EXPECT_EQ(disk.list("/library").size(), 1U) << "a temporary file is left";
+    }
+}
+
 TEST_F(GroupTest, RenamingASubGroupChangesItsNameAlone) {
     const GroupAddress plant = topGroup(u"Plant");
     const GroupAddress twin = subGroup(plant, u"Twin");

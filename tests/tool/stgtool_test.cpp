@@ -178,6 +178,10 @@ TEST_F(ToolTest, CompactingGivesSpaceBackAndKeepsThePictures) {
     EXPECT_EQ(succeed({"pictures", "Pumps"}), pictures);
     EXPECT_EQ(run({"extract", "Pumps", "c", "-"}).out, bmpFile(400, 400));
     fail({"compact", (folder() / "missing.stg").string()}, "missing.stg");
+    const std::filesystem::path here = std::filesystem::current_path();
+    std::filesystem::current_path(libraryFolder());
+    EXPECT_EQ(run({"compact", "Pumps.stg"}).err, "") << "a bare name has no folder";
+    std::filesystem::current_path(here);
 }
 
 TEST_F(ToolTest, RendersFittedAndNeverOverAFile) {
