@@ -17,13 +17,6 @@ namespace {
 
 constexpr std::size_t kMostFindings = 1000; // a wild file has no use for more
 
-std::string printable(const std::u16string& name) {
-    std::string text;
-    for (const char16_t unit : name)
-        text.push_back(unit >= 0x20 && unit < 0x7F ? static_cast<char>(unit) : '?');
-    return text;
-}
-
 class Checker {
   public:
     explicit Checker(FileState& file) : file_(file) {}
@@ -162,7 +155,7 @@ class Checker {
             reached_[id] = true;
             const std::u16string name = directory.name(id);
             const std::string path =
-                (storage.path.empty() ? "" : storage.path + "/") + printable(name);
+                (storage.path.empty() ? "" : storage.path + "/") + shownName(name);
             if (!previous.empty() && compareNames(previous, name) >= 0)
                 find(path, "it stands in the wrong place of its storage's order");
             if (!isLegalName(name))

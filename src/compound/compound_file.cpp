@@ -8,6 +8,7 @@
 
 #include <array>
 #include <exception>
+#include <string>
 #include <utility>
 
 namespace compound {
@@ -16,27 +17,20 @@ using namespace format;
 
 namespace {
 
-std::string utf8(std::u16string_view name) {
-    std::string text;
-    for (const char16_t unit : name)
-        text.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
-    return text;
-}
-
 void requireLegal(FileState& file, std::u16string_view name) {
     if (!isLegalName(name))
         throw Error(ErrorCode::InvalidName, file.file().disk().path(),
-                    "\"" + utf8(name) + "\" cannot name a storage or stream");
+                    "\"" + shownName(name) + "\" cannot name a storage or stream");
 }
 
 Error notFound(FileState& file, std::u16string_view name) {
     return {ErrorCode::NotFound, file.file().disk().path(),
-            "there is no \"" + utf8(name) + "\" in the file"};
+            "there is no \"" + shownName(name) + "\" in the file"};
 }
 
 Error alreadyThere(FileState& file, std::u16string_view name) {
     return {ErrorCode::Exists, file.file().disk().path(),
-            "there is a \"" + utf8(name) + "\" in the file already"};
+            "there is a \"" + shownName(name) + "\" in the file already"};
 }
 
 Element elementOf(Directory& directory, EntryId id) {

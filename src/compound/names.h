@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace compound {
@@ -17,5 +18,8 @@ int compareNames(std::u16string_view left, std::u16string_view right) noexcept;
 
 // 1 to 31 units, none of them / \ : ! or zero.
 bool isLegalName(std::u16string_view name) noexcept;
+
+// The name in UTF-8 for messages; "?" for control characters and halves of characters.
+std::string shownName(std::u16string_view name);
 
 } // namespace compound

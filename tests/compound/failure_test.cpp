@@ -241,6 +241,24 @@ TEST_P(FailureTest, DroppedChangesLeaveNoTrace) {
     EXPECT_EQ(findingsOf(disk, kPath), "");
 }
 
+TEST(MessageTest, NamesAreShownAsTheyAreWritten) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath));
+    const auto causeOf = [&](std::u16string_view name) -> std::string {
+        try {
+            file.root().openStream(name);
+        } catch (const Error& error) {
+            return error.cause();
+        }
+        return {};
+    };
+    EXPECT_EQ(causeOf(u"Gr\u00F6\u00DFe \u20AC"),
+              "there is no \"Gr\u00F6\u00DFe \u20AC\" in the file");
+    EXPECT_EQ(causeOf(u"\U0001F4A7"), "there is no \"\U0001F4A7\" in the file");
+    const std::u16string halves{u'a', 0xDCA7, 0xD83D, u'\n'};
+    EXPECT_EQ(causeOf(halves), "there is no \"a???\" in the file");
+}
+
 TEST(ReadOnlyTest, ChangesAreDenied) {
     MemoryDisk disk;
     const std::vector<std::byte> base = makeBase(SectorSize::Bytes4096, 2);
