@@ -4,6 +4,7 @@
 #include "store/group_layout.h"
 #include "store/new_group_file.h"
 #include "store/storage_access.h"
+#include "store/text_codec.h"
 
 #include <algorithm>
 #include <set>
@@ -45,8 +46,13 @@ GroupAddress createSubGroup(const Library& library, const GroupAddress& parent,
     requireValidName(library, name, GroupLevel::SubGroup);
     StorageAccess access(library);
     access.openGroup(parent, Access::ReadWrite); // a vanished parent is found out here
+    const std::u16string above = access.root().find(parent.storage.text)->name; // as it is spelled
+    if (!encodeText(above))
+        throw Error(ErrorCode::InvalidName, access.file().disk().path(),
+                    "no group can be told to lie below \"" + toUtf8(above) +
+                        "\": the name has characters outside the text code page");
     const StorageName storage = nextSubGroup(access.root());
-    createGroupPair(access.root(), storage, parent.storage.text, name.text);
+    createGroupPair(access.root(), storage, above, name.text);
     access.Commit();
     return {parent.file, storage};
 }

@@ -139,12 +139,13 @@ void StorageAccess::openGroup(const GroupAddress& group, compound::Access access
 }
 
 // An info storage, or another program's, is no group: nothing in it is ours to change.
-void StorageAccess::requireGroup(std::u16string_view storage) const {
+void StorageAccess::requireGroup(std::u16string_view storage) {
     const bool isNumbered = storage.starts_with(kSubGroupPrefix);
     const bool hasTexts = isNumbered || groupStorage_->find(kNameStream).has_value() ||
                           groupStorage_->find(kParentStream).has_value();
     if (!hasTexts || endsWithIgnoringCase(storage, kInfoSuffix))
-        throw Error(ErrorCode::NotFound, {}, "\"" + toUtf8(storage) + "\" is no group");
+        throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
+                    "\"" + toUtf8(storage) + "\" is no group");
 }
 
 bool StorageAccess::openInfo(const GroupAddress& group) {

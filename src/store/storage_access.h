@@ -97,7 +97,7 @@ class StorageAccess {
     void release();
 
   private:
-    void requireGroup(std::u16string_view storage) const;
+    void requireGroup(std::u16string_view storage);
 
     const Library& library_;
     std::optional<compound::CompoundFile> fileStorage_;

@@ -11,7 +11,19 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAre;
 
-using GroupTest = StoreTest;
+class GroupTest : public StoreTest {
+  protected:
+    // The file that the action's error names.
+    template <typename Action>
+    std::filesystem::path blamedBy(Action action) {
+        try {
+            action();
+        } catch (const compound::Error& error) {
+            return error.file();
+        }
+        return {};
+    }
+};
 
 TEST_F(GroupTest, EveryGroupIsAPairAtTheRoot) {
     const GroupAddress plant = topGroup(u"Plant");
@@ -27,6 +39,31 @@ TEST_F(GroupTest, EveryGroupIsAPairAtTheRoot) {
     EXPECT_EQ(readGroupName(library, steel).text, u"Steel");
     EXPECT_THAT(treeOf(u"Plant"), ElementsAre("Plant>Sub1:Pumps", "Sub1>Sub2:Steel"));
     expectSound(u"Plant");
+}
+
+// An address may come from somebody who typed it.
+TEST_F(GroupTest, AParentIsWrittenAsItsStorageIsSpelled) {
+    topGroup(u"Plant");
+    const GroupAddress pumps = subGroup({{u"Plant"}, {u"PLANT"}}, u"Pumps");
+    EXPECT_EQ(readGroupParent(library, pumps).text, u"Plant");
+}
+
+TEST_F(GroupTest, RefusalsNameTheFile) {
+    topGroup(u"Plant");
+    const GroupAddress info = addressOf(u"PlantInfo/Plant");
+    EXPECT_EQ(blamedBy([&] { listPictures(library, info); }), "/library/Plant.stg");
+    // The text code page cannot say whose children its children would be.
+    disk.renameWithoutReplacing("/library/Plant.stg", "/library/\u041D.stg");
+    {
+        compound::CompoundFile raw = openRaw(u"\u041D");
+        raw.root().rename(u"Plant", u"\u041D");
+        raw.root().rename(u"PlantInfo", u"\u041DInfo");
+        raw.commit();
+    }
+    const auto before = disk.content("/library/\u041D.stg");
+    EXPECT_EQ(blamedBy([&] { subGroup(topLevelAddress(u"\u041D"), u"Below"); }),
+              "/library/\u041D.stg");
+    EXPECT_EQ(disk.content("/library/\u041D.stg"), before);
 }
 
 TEST_F(GroupTest, SubGroupNumbersGoUpFromTheGreatest) {
@@ -229,17 +266,9 @@ TEST_F(GroupTest, WhatFailsInANewFileIsToldOfTheGroupsFile) {
                 if (entry.name.string().starts_with(".txs-"))
                     throw compound::Error(ErrorCode::NoSpace, "/library" / entry.name, "full");
         });
-        const auto fileOf = [](const auto& action) -> std::filesystem::path {
-            try {
-                action();
-            } catch (const compound::Error& error) {
-                return error.file();
-            }
-            return {};
-        };
-        EXPECT_EQ(fileOf([&] { topGroup(u"New"); }), "/library/New.stg");
-        EXPECT_EQ(fileOf([&] { renameGroup(library, plant, {u"Works"}); }), "/library/Works.stg");
-        EXPECT_EQ(fileOf([&] { compactGroupFile(library, "/library/Plant.stg"); }),
+        EXPECT_EQ(blamedBy([&] { topGroup(u"New"); }), "/library/New.stg");
+        EXPECT_EQ(blamedBy([&] { renameGroup(library, plant, {u"Works"}); }), "/library/Works.stg");
+        EXPECT_EQ(blamedBy([&] { compactGroupFile(library, "/library/Plant.stg"); }),
                   "/library/Plant.stg");
         disk.setInterceptor({});
         EXPECT_EQ(disk.list("/library").size(), 1U) << "a temporary file is left";
