@@ -1,7 +1,7 @@
 // Walking all pictures of a group: group storage and info storage lie in the same order, so one
 // pass over both finds every picture's record without searching.
-#include "compound/error.h"
 #include "compound/names.h"
+#include "store/damage.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 #include "store/storage_access.h"
@@ -14,11 +14,20 @@ namespace {
 using compound::Access;
 using compound::Element;
 using compound::ElementKind;
-using compound::Error;
-using compound::ErrorCode;
 
 bool isPicture(const Element& element) {
     return element.kind == ElementKind::Stream && !isGroupText(element.name);
+}
+
+PictureRecord readRecord(const StorageHandle& info, const Element& element) {
+    if (element.kind != ElementKind::Stream)
+        return {};
+    return parseRecord(info.OpenStream(element).GetString());
+}
+
+PictureRecord findRecord(const StorageHandle& info, std::u16string_view name) {
+    const auto element = info.find(name);
+    return element ? readRecord(info, *element) : PictureRecord{};
 }
 
 // Delivers records for names asked for in ascending order; a name that the pass misses (a tree in
@@ -30,23 +39,18 @@ class RecordPass {
     }
 
     PictureRecord recordOf(std::u16string_view name) {
-        int order = -1;
-        while (any_ && (order = compound::compareNames(current_.name, name)) < 0)
-            advance();
-        if (any_ && order == 0)
-            return read(current_);
-        const auto element = info_.find(name);
-        return element ? read(*element) : PictureRecord{};
+        return unlessDamaged([&] { return searchOn(name); }).value_or(PictureRecord{});
     }
 
   private:
-    void advance() { any_ = cursor_.next(current_); }
-
-    PictureRecord read(const Element& element) const {
-        if (element.kind != ElementKind::Stream)
-            return {};
-        return parseRecord(info_.OpenStream(element).GetString());
+    PictureRecord searchOn(std::u16string_view name) {
+        int order = -1;
+        while (any_ && (order = compound::compareNames(current_.name, name)) < 0)
+            advance();
+        return any_ && order == 0 ? readRecord(info_, current_) : findRecord(info_, name);
     }
+
+    void advance() { any_ = cursor_.next(current_); }
 
     const StorageHandle& info_;
     compound::ElementCursor cursor_;
@@ -54,17 +58,19 @@ class RecordPass {
     bool any_ = false;
 };
 
+// Nothing when there is no info storage, or one that cannot be walked.
+std::optional<RecordPass> recordsOf(StorageAccess& access, const GroupAddress& group) {
+    if (!access.openInfo(group))
+        return std::nullopt;
+    return unlessDamaged([&] { return RecordPass(access.infoStorage()); });
+}
+
 // One picture with a damaged chain does not hide those behind it: it comes without bytes.
 std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& element) {
     if (element.size > kMaximumPictureBytes)
         return {};
-    try {
-        return group.OpenStream(element).Get();
-    } catch (const Error& error) {
-        if (error.code() != ErrorCode::Damaged)
-            throw;
-        return {};
-    }
+    return unlessDamaged([&] { return group.OpenStream(element).Get(); })
+        .value_or(std::vector<std::byte>{});
 }
 
 } // namespace
@@ -72,9 +78,7 @@ std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& 
 std::vector<PictureEntry> listPictures(const Library& library, const GroupAddress& group) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
-    std::optional<RecordPass> records;
-    if (access.openInfo(group))
-        records.emplace(access.infoStorage());
+    std::optional<RecordPass> records = recordsOf(access, group);
     std::vector<PictureEntry> pictures;
     pictures.reserve(64);
     compound::ElementCursor cursor = access.groupStorage().elements();
@@ -101,10 +105,10 @@ void walkPictures(const Library& library, const GroupAddress& group, std::size_t
         if (!isPicture(element))
             continue;
         StoredPicture picture;
-        if (hasInfo) {
-            if (const auto record = access.infoStorage().find(element.name))
-                picture.record = parseRecord(access.infoStorage().OpenStream(*record).GetString());
-        }
+        if (hasInfo)
+            picture.record = unlessDamaged([&] {
+                                 return findRecord(access.infoStorage(), element.name);
+                             }).value_or(PictureRecord{});
         picture.bytes = readUndamaged(access.groupStorage(), element);
         picture.name.text = std::move(element.name);
         if (take(picture) == TakePicture::Stop)

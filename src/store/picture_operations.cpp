@@ -1,6 +1,7 @@
 #include "store/picture_operations.h"
 
 #include "compound/error.h"
+#include "store/damage.h"
 #include "store/names.h"
 #include "store/storage_access.h"
 
@@ -65,11 +66,14 @@ Element requirePicture(StorageAccess& access, const PictureName& name) {
 }
 
 PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
-    const auto element = access.infoStorage().find(name);
-    if (!element || element->kind != ElementKind::Stream)
-        return {};
-    access.infoStream().emplace(access.infoStorage().OpenStream(*element));
-    return parseRecord(access.infoStream()->GetString());
+    const auto read = [&]() -> PictureRecord {
+        const auto element = access.infoStorage().find(name);
+        if (!element || element->kind != ElementKind::Stream)
+            return {};
+        access.infoStream().emplace(access.infoStorage().OpenStream(*element));
+        return parseRecord(access.infoStream()->GetString());
+    };
+    return unlessDamaged(read).value_or(PictureRecord{});
 }
 
 // Stores bytes first, then the record; both become the file's state with the caller's Commit.

@@ -1,4 +1,5 @@
 #include "compound/error.h"
+#include "compound/raw_file.h"
 #include "store/library_count.h"
 #include "store/store_fixture.h"
 
@@ -170,6 +171,39 @@ TEST_F(PictureTest, APictureWithoutARecordIsStillAPicture) {
     EXPECT_EQ(listPictures(library, group).front().record.type, "");
     renamePicture(library, group, {u"orphan"}, {u"second"});
     EXPECT_EQ(listPictures(library, group).front().record.type, "") << "a stranger's record";
+}
+
+// The record is a note on the picture: whatever has become of it, the bytes can be had.
+TEST_F(PictureTest, ADamagedRecordDoesNotHideThePicture) {
+    add(group, u"a", "first");
+    add(group, u"b", "second");
+    add(group, u"c", "third");
+    const auto expectAllRead = [&] {
+        EXPECT_THAT(pictureNames(group), ElementsAre("a", "b", "c"));
+        EXPECT_EQ(bytesOf(group, u"b"), "PIC480 480 second");
+        EXPECT_EQ(readPictureType(library, group, {u"b"}), "");
+        std::vector<std::string> types;
+        walkPictures(library, group, 0, [&](const StoredPicture& picture) {
+            types.push_back(picture.bytes.empty() ? "lost" : picture.record.type);
+            return TakePicture::Continue;
+        });
+        EXPECT_THAT(types, ElementsAre("BMP", "", "BMP"));
+        EXPECT_EQ(listPictures(library, group).back().record.type, "BMP");
+    };
+    {
+        compound::CompoundFile raw = openRaw(u"Plant");
+        raw.root().openStorage(u"Sub1Info").createStorage(u"b", compound::IfExists::Replace);
+        raw.commit();
+    }
+    expectAllRead();
+
+    add(group, u"b", "second");
+    const compound::EntryId record =
+        openRaw(u"Plant").root().openStorage(u"Sub1Info").find(u"b")->id;
+    compound_tests::RawFile raw(disk.content("/library/Plant.stg"));
+    raw.put(raw.entry(record) + compound::format::entry::kStartAt, 0x00FFFFFF);
+    disk.setContent("/library/Plant.stg", raw.bytes());
+    expectAllRead();
 }
 
 TEST_F(PictureTest, DeletingToleratesMissingRecordsAndStorages) {
