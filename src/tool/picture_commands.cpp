@@ -1,4 +1,5 @@
 // pictures, add, extract, rename-picture, remove-picture.
+#include "compound/error.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 #include "tool/command.h"
@@ -15,7 +16,11 @@ store::PictureName nameOf(const Invocation& invocation, const std::string& file)
     if (invocation.arguments.has(Option::Name))
         return {store::fromUtf8(invocation.arguments.valueOf(Option::Name))};
     const std::u16string fileName = store::fromPath(std::filesystem::path(file).filename());
-    return {std::u16string(store::cutAtFirstDot(fileName))};
+    store::PictureName name{std::u16string(store::cutAtFirstDot(fileName))};
+    if (!store::isValidPictureName(name.text))
+        throw compound::Error(compound::ErrorCode::InvalidName, file,
+                              "the file's name gives no name for a picture (see --name)");
+    return name;
 }
 
 // Overwrites one line of a terminal; prints nothing anywhere else.
