@@ -15,13 +15,27 @@ using compound::ErrorCode;
 
 constexpr std::chrono::milliseconds kListingWait{1000}; // for all files of the library together
 
-void addGroupRow(Table& table, const store::Library& library, const store::GroupEntry& group) {
-    const store::GroupSize size = store::readGroupSize(library, group.address);
+// Nothing for a group that is not there, or damaged, behind what tells of it.
+std::optional<store::GroupSize> sizeOf(const store::Library& library,
+                                       const store::GroupAddress& group, Console& console) {
+    try {
+        return store::readGroupSize(library, group);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotFound)
+            throw;
+        complain(console, error.what());
+        return std::nullopt;
+    }
+}
+
+void addGroupRow(Table& table, const store::GroupEntry& group,
+                 const std::optional<store::GroupSize>& size) {
     const Cell parent = group.parent.text.empty()
                             ? Cell::missing()
                             : Cell::text(store::keyOf({group.address.file, group.parent}));
     table.addRow({Cell::text(store::keyOf(group.address)), Cell::text(group.name.text), parent,
-                  Cell::number(std::uint64_t{size.pictures}), Cell::number(size.bytes)});
+                  size ? Cell::number(std::uint64_t{size->pictures}) : Cell::missing(),
+                  size ? Cell::number(size->bytes) : Cell::missing()});
 }
 
 void printKey(const Invocation& invocation, const store::GroupAddress& group) {
@@ -49,7 +63,7 @@ ExitStatus listGroups(const Invocation& invocation) {
     const store::LockBudget budget(kListingWait);
     Table table({"key", "name", "parent", "pictures", "bytes"});
     ExitStatus status = ExitStatus::Done;
-    // One file that cannot be read does not hide the others.
+    // One file, or one group in it, that cannot be read does not hide the others.
     for (const store::FileName& file : store::groupFiles(library)) {
         try {
             const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
@@ -57,8 +71,11 @@ ExitStatus listGroups(const Invocation& invocation) {
                 complain(invocation.console, reading.cause);
                 status = ExitStatus::Failed;
             }
-            for (const store::GroupEntry& group : reading.groups)
-                addGroupRow(table, library, group);
+            for (const store::GroupEntry& group : reading.groups) {
+                const auto size = sizeOf(library, group.address, invocation.console);
+                status = size ? status : ExitStatus::Failed;
+                addGroupRow(table, group, size);
+            }
         } catch (const Error& error) {
             complain(invocation.console, error.what());
             status = ExitStatus::Failed;

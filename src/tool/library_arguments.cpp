@@ -5,6 +5,7 @@
 #include "compound/error.h"
 #include "imaging/picture.h"
 #include "platform/native_disk.h"
+#include "store/group_operations.h"
 
 namespace tool {
 namespace {
@@ -22,6 +23,13 @@ store::Library libraryIn(std::filesystem::path folder) {
     store::Library library{platform::nativeDisk(), std::move(folder), measure};
     library.decimalSeparator = app::decimalSeparator().unicode();
     return library;
+}
+
+// The top-level group of a file whose name may go on behind the group's.
+store::GroupAddress topOf(const store::Library& library, const store::GroupAddress& group) {
+    const store::GroupFileReading reading =
+        store::readGroupFile(library, group.file, store::LockBudget(library.lockWait));
+    return reading.groups.empty() ? group : reading.groups.front().address;
 }
 
 std::filesystem::path settingsFolder() {
@@ -51,7 +59,8 @@ store::GroupAddress groupOf(const store::Library& library, const std::string& ke
                        !store::toPath(group.file.text).has_parent_path();
     if (!isKey)
         throw Error(ErrorCode::NotFound, library.folder, "\"" + key + "\" is no group's key");
-    return group;
+    const bool isFileAlone = key.find('/') == std::string::npos;
+    return isFileAlone && key.find('.') != std::string::npos ? topOf(library, group) : group;
 }
 
 store::PictureName pictureOf(const store::Library& library, const store::GroupAddress& group,

@@ -56,6 +56,7 @@ TEST_F(ToolTest, AddsAllFilesOrNone) {
     writeFile(broken, "BM, but no bitmap");
     fail({"add", "Pumps", picture("one.bmp"), broken}, broken);
     fail({"add", "Pumps", picture("one.bmp"), (folder() / "missing.bmp").string()}, "missing.bmp");
+    fail({"add", "Pumps", picture("one.bmp"), picture(".hidden.bmp")}, ".hidden.bmp");
     EXPECT_EQ(succeed({"pictures", "Pumps"}), "");
 
     succeed({"add", "Pumps", picture("one.bmp", 1, 1)});
@@ -135,6 +136,13 @@ TEST_F(ToolTest, KeysNeverLeaveTheLibrary) {
         fail({"remove-group", key}, libraryFolder().string());
     }
     EXPECT_EQ(contentOf(folder() / "Outside.stg"), before);
+}
+
+TEST_F(ToolTest, AFileAloneIsItsTopLevelGroup) {
+    succeed({"new-group", "Pumps"});
+    std::filesystem::rename(libraryFolder() / "Pumps.stg", libraryFolder() / "Pumps.v2.stg");
+    succeed({"add", "Pumps.v2", picture("a.bmp")});
+    EXPECT_EQ(succeed({"groups"}), "Pumps/Pumps.v2\tPumps.v2\t-\t1\t99");
 }
 
 TEST_F(ToolTest, ChecksEachFileForItself) {
@@ -261,6 +269,23 @@ TEST_F(ToolTest, ALockedGroupDoesNotHideTheOthers) {
     EXPECT_NE(result.err.find("Pumps.stg"), std::string::npos);
     fail({"add", "Pumps", picture("a.bmp")}, "Pumps.stg");
     EXPECT_TRUE(exists(libraryFolder() / "Pumps.stg")) << "a locked file was set aside";
+}
+
+// A file may have lost one of its groups, or be held while it is listed.
+TEST_F(ToolTest, AGroupThatCannotBeReadDoesNotHideTheOthers) {
+    succeed({"new-group", "Pumps"});
+    succeed({"new-group", "Rotary", "--below", "Pumps"});
+    {
+        auto file = compound::CompoundFile::open(
+            platform::nativeDisk().open(libraryFolder() / "Pumps.stg", compound::Access::ReadWrite),
+            compound::Access::ReadWrite);
+        file.root().destroy(u"Pumps");
+        file.commit();
+    }
+    const Result result = run({"groups"});
+    EXPECT_EQ(result.status, ExitStatus::Failed);
+    EXPECT_EQ(result.out, "Pumps/Pumps\tPumps\t-\t-\t-\nSub1/Pumps\tRotary\tPumps/Pumps\t0\t11\n");
+    EXPECT_NE(result.err.find("Pumps.stg"), std::string::npos);
 }
 
 TEST_F(ToolTest, WithoutAFolderTheSettingsChooseTheLibrary) {
