@@ -5,7 +5,9 @@
 #include "tool/library_arguments.h"
 #include "tool/output.h"
 
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace tool {
 namespace {
@@ -56,6 +58,18 @@ void refuseTakenName(const store::Library& library,
                     "there is a group \"" + store::toUtf8(name.text) + "\" already");
 }
 
+// The group as the list has it: its own texts may be missing, or name no parent that is there.
+std::optional<store::GroupEntry> listedGroup(const store::Library& library,
+                                             const store::GroupAddress& group) {
+    store::GroupFileReading reading =
+        store::readGroupFile(library, group.file, store::LockBudget(library.lockWait));
+    const auto found = std::find_if(
+        reading.groups.begin(), reading.groups.end(), [&](const store::GroupEntry& entry) {
+            return store::sameName(entry.address.storage.text, group.storage.text);
+        });
+    return found == reading.groups.end() ? std::nullopt : std::optional(std::move(*found));
+}
+
 } // namespace
 
 ExitStatus listGroups(const Invocation& invocation) {
@@ -104,9 +118,9 @@ ExitStatus renameGroup(const Invocation& invocation) {
         printKey(invocation, store::topLevelAddress(store::renameGroup(library, group, name).text));
         return ExitStatus::Done;
     }
-    if (store::readGroupName(library, group) != name)
-        refuseTakenName(
-            library, store::GroupAddress{group.file, store::readGroupParent(library, group)}, name);
+    const std::optional<store::GroupEntry> entry = listedGroup(library, group);
+    if (entry && entry->name != name)
+        refuseTakenName(library, store::GroupAddress{group.file, entry->parent}, name);
     store::renameGroup(library, group, name);
     printKey(invocation, group);
     return ExitStatus::Done;

@@ -288,6 +288,23 @@ TEST_F(ToolTest, AGroupThatCannotBeReadDoesNotHideTheOthers) {
     EXPECT_NE(result.err.find("Pumps.stg"), std::string::npos);
 }
 
+// Whatever is listed can be renamed, and bears no name of those it is listed with.
+TEST_F(ToolTest, AGroupThatHasLostItsParentCanBeRenamed) {
+    succeed({"new-group", "Pumps"});
+    succeed({"new-group", "Rotary", "--below", "Pumps"});
+    succeed({"new-group", "Screw", "--below", "Pumps"});
+    {
+        auto file = compound::CompoundFile::open(
+            platform::nativeDisk().open(libraryFolder() / "Pumps.stg", compound::Access::ReadWrite),
+            compound::Access::ReadWrite);
+        file.root().openStorage(u"Sub1").destroy(u"Parent");
+        file.commit();
+    }
+    fail({"rename-group", "Sub1/Pumps", "Screw"}, "Screw");
+    EXPECT_EQ(succeed({"rename-group", "Sub1/Pumps", "Gear"}), "Sub1/Pumps");
+    EXPECT_NE(succeed({"groups"}).find("Sub1/Pumps\tGear\tPumps/Pumps"), std::string::npos);
+}
+
 TEST_F(ToolTest, WithoutAFolderTheSettingsChooseTheLibrary) {
     const std::vector<std::string> words{"new-group", "Pumps"};
     std::ostringstream out;
