@@ -46,7 +46,8 @@ GroupAddress createSubGroup(const Library& library, const GroupAddress& parent,
     requireValidName(library, name, GroupLevel::SubGroup);
     StorageAccess access(library);
     access.openGroup(parent, Access::ReadWrite); // a vanished parent is found out here
-    const std::u16string above = access.root().find(parent.storage.text)->name; // as it is spelled
+    const auto spelled = access.root().find(parent.storage.text);
+    const std::u16string above = spelled ? spelled->name : parent.storage.text;
     if (!encodeText(above))
         throw Error(ErrorCode::InvalidName, access.file().disk().path(),
                     "no group can be told to lie below \"" + toUtf8(above) +
