@@ -65,8 +65,9 @@ std::string numberText(float number, char16_t decimalSeparator) {
 }
 
 std::string formatRecord(const PictureRecord& record, char16_t decimalSeparator) {
-    return "h" + numberText(record.height, decimalSeparator) + "w" +
-           numberText(record.width, decimalSeparator) + "t" + record.type;
+    const char16_t separator = decimalSeparator == u',' ? u',' : u'.';
+    return "h" + numberText(record.height, separator) + "w" + numberText(record.width, separator) +
+           "t" + record.type;
 }
 
 PictureRecord parseRecord(std::string_view text) {

@@ -24,6 +24,8 @@ PictureRecord recordOf(const TwipSize& size, std::string type);
 // Shortest decimal text that gives the number back (7 digits at most), no grouping.
 std::string numberText(float number, char16_t decimalSeparator);
 
+// A separator other than "," and ".", as some languages have, is written as ".": no reader knows
+// it, and the text code page cannot carry it.
 std::string formatRecord(const PictureRecord& record, char16_t decimalSeparator);
 
 // Takes "." and "," for the separator. Sizes that are not written strictly so are 0, both of them,

@@ -79,6 +79,8 @@ TEST(PictureRecord, WritesShortestNumbers) {
     EXPECT_EQ(formatRecord(recordOf({480, 480}, "ICO"), u'.'), "h32w32tICO");
     EXPECT_EQ(formatRecord(recordOf({472.5, 960}, "BMP"), u'.'), "h31.5w64tBMP");
     EXPECT_EQ(formatRecord(recordOf({472.5, 960}, "BMP"), u','), "h31,5w64tBMP");
+    const std::string persian = formatRecord(recordOf({472.5, 960}, "BMP"), u'\u066B');
+    EXPECT_EQ(parseRecord(persian).height, 31.5F) << persian;
     EXPECT_EQ(numberText(1000000, u'.'), "1000000");
     EXPECT_EQ(numberText(30000000, u'.'), "30000000");
     EXPECT_EQ(numberText(1.0F / 3, u','), "0,3333333");
