@@ -64,11 +64,11 @@ void refuseTakenName(const Library& library, const GroupAddress& group, const Gr
 
 GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
                               const GroupName& newName) {
-    refuseTakenName(library, group, newName);
     const std::filesystem::path oldPath = pathOf(library, group.file);
     const std::filesystem::path newPath = plainPathOf(library, {newName.text});
     StorageAccess old(library);
-    old.openGroup(group, Access::Read);
+    old.openGroup(group, Access::Read); // a vanished group is found out here
+    refuseTakenName(library, group, newName);
     if (oldPath == newPath)
         return newName;
     refuseTakenStorages(old, group.storage, newName.text);

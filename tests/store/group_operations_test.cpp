@@ -187,6 +187,8 @@ TEST_F(GroupTest, RenamingNeverTakesAnotherGroupsName) {
     add(topGroup(u"Beta"), u"kept");
     EXPECT_EQ(errorOf([&] { renameGroup(library, alpha, {u"Beta"}); }), ErrorCode::Exists);
     EXPECT_EQ(errorOf([&] { renameGroup(library, alpha, {u"BETA"}); }), ErrorCode::Exists);
+    EXPECT_EQ(errorOf([&] { renameGroup(library, topLevelAddress(u"Gone"), {u"Beta"}); }),
+              ErrorCode::NotFound); // which comes first
     EXPECT_EQ(errorOf([&] { renameGroup(library, alpha, {u"a/b"}); }), ErrorCode::InvalidName);
     EXPECT_EQ(errorOf([&] { createGroup(library, std::nullopt, {u"Beta"}); }), ErrorCode::Exists);
     EXPECT_THAT(pictureNames(topLevelAddress(u"Beta")), ElementsAre("kept"));
