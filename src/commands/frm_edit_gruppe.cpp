@@ -2,6 +2,7 @@
 
 #include "app/help.h"
 #include "app/message_box.h"
+#include "app/modal_dialog.h"
 #include "app/texts.h"
 #include "commands/dialog_layout.h"
 #include "commands/failure_report.h"
@@ -60,12 +61,7 @@ void frmEditGruppe::openFor(const SelectionContext& context) {
     context_ = context;
     txtNeu_->clear();
     txtNeu_->setFocus();
-    exec();
-    // A window manager that hands the focus from the box to this dialog may find it closed by then
-    // and leave the focus nowhere.
-    if (parentWidget() != nullptr) {
-        parentWidget()->activateWindow();
-    }
+    app::execModally(*this);
 }
 
 // Among the groups that hang where the renamed one does; case counts.

@@ -2,6 +2,7 @@
 
 #include "app/help.h"
 #include "app/message_box.h"
+#include "app/modal_dialog.h"
 #include "app/texts.h"
 #include "commands/dialog_layout.h"
 #include "commands/failure_report.h"
@@ -73,7 +74,7 @@ void frmEditSymbol::openFor(const SelectionContext& context) {
     context_ = context;
     txtName_->clear();
     txtName_->setFocus();
-    exec();
+    app::execModally(*this);
 }
 
 void frmEditSymbol::rename() {

@@ -1,6 +1,7 @@
 #include "commands/frm_editor_optionen.h"
 
 #include "app/message_box.h"
+#include "app/modal_dialog.h"
 #include "app/texts.h"
 
 #include <QCheckBox>
@@ -49,7 +50,7 @@ void frmEditorOptionen::openAfresh() {
     chkGrafik_->setChecked(false);
     chkGruppe_->setChecked(false);
     chkGrafik_->setFocus();
-    exec();
+    app::execModally(*this);
 }
 
 // The sentences are German in both languages.

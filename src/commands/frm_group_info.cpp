@@ -1,6 +1,7 @@
 #include "commands/frm_group_info.h"
 
 #include "app/help.h"
+#include "app/modal_dialog.h"
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "commands/failure_report.h"
@@ -102,7 +103,7 @@ void frmGroupInfo::openFor(const SelectionContext& context) {
         return;
     }
     cmdOK_->setFocus();
-    exec();
+    app::execModally(*this);
 }
 
 bool frmGroupInfo::read(const SelectionContext& context) {

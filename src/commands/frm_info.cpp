@@ -1,5 +1,6 @@
 #include "commands/frm_info.h"
 
+#include "app/modal_dialog.h"
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
@@ -68,7 +69,7 @@ void frmInfo::openFor(const store::Library& library) {
     adjustSize();
     editing::centreOnScreen(*this);
     cmdZur_ck_->setFocus();
-    exec();
+    app::execModally(*this);
 }
 
 // A picture without its record shows as a half: better than a count that hides it.

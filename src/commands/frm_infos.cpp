@@ -1,6 +1,7 @@
 #include "commands/frm_infos.h"
 
 #include "app/help.h"
+#include "app/modal_dialog.h"
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
@@ -204,7 +205,7 @@ void frmInfos::openFor(const store::Library& library, const store::GroupAddress&
     adjustSize();
     editing::centreOnScreen(*this);
     cmdOK_->setFocus();
-    exec();
+    app::execModally(*this);
 }
 
 void frmInfos::showFacts(const store::StoredPicture& picture) {

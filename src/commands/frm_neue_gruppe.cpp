@@ -1,6 +1,7 @@
 #include "commands/frm_neue_gruppe.h"
 
 #include "app/message_box.h"
+#include "app/modal_dialog.h"
 #include "app/texts.h"
 #include "commands/failure_report.h"
 #include "commands/group_target_box.h"
@@ -89,7 +90,7 @@ void frmNeueGruppe::openFor(const SelectionContext& context) {
     target_->offer(context, defaultTarget(context));
     txtNeu_->clear();
     txtNeu_->setFocus();
-    exec();
+    app::execModally(*this);
 }
 
 bool frmNeueGruppe::eventFilter(QObject* watched, QEvent* event) {

@@ -2,6 +2,7 @@
 
 #include "app/help.h"
 #include "app/message_box.h"
+#include "app/modal_dialog.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
@@ -233,7 +234,7 @@ void frmOpen::setCaptions() {
 
 void frmOpen::openFor(const store::Library& library, TargetGroup target) {
     load(library, std::move(target));
-    exec();
+    app::execModally(*this);
 }
 
 void frmOpen::load(const store::Library& library, TargetGroup target) {

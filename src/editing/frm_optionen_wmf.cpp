@@ -2,6 +2,7 @@
 
 #include "app/colours.h"
 #include "app/message_box.h"
+#include "app/modal_dialog.h"
 #include "app/texts.h"
 #include "editing/screen_place.h"
 #include "editing/vector_box.h"
@@ -60,7 +61,7 @@ void frmOptionenWMF::openFor(const store::Library& library, const PictureInGroup
                     parentWidget());
         return;
     }
-    exec();
+    app::execModally(*this);
     Vector_->clear(); // the window is kept for the next picture, this one's memory is not
 }
 
