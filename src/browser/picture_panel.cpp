@@ -164,6 +164,7 @@ void PicturePanel::onScrollChanged() {
 void PicturePanel::MiniVorschau(std::size_t startIndex) {
     loader_.stop();
     strip_->clear();
+    hideToolTip(); // it names what was below the pointer until now
     const std::size_t cells = strip_->cells();
     if (!group_ || cells == 0 || !GraphicalPreview_) {
         return;
@@ -180,6 +181,7 @@ void PicturePanel::MiniVorschau(std::size_t startIndex) {
         ShowNoPicture();
         return;
     }
+    strip_->expect(static_cast<int>(count), repeatedPictures(all, startIndex, cells));
     loader_.start(*library_, {*group_,
                               {first, first + count},
                               ThumbnailStrip::pictureArea(),

@@ -49,6 +49,19 @@ int lastPage(std::span<const std::size_t> pictureIndexes, std::size_t cells) {
     return static_cast<int>(pictureIndexes.back() / cells) + 1;
 }
 
+int repeatedPictures(std::span<const std::size_t> pictureIndexes, std::size_t start,
+                     std::size_t cells) {
+    if (start < cells) {
+        return 0;
+    }
+    const auto positionOf = [pictureIndexes](std::size_t element) {
+        return std::lower_bound(pictureIndexes.begin(), pictureIndexes.end(), element) -
+               pictureIndexes.begin();
+    };
+    const auto behindPageBefore = positionOf(start - cells) + static_cast<std::ptrdiff_t>(cells);
+    return static_cast<int>(std::max<std::ptrdiff_t>(0, behindPageBefore - positionOf(start)));
+}
+
 Move moveFrom(int cell, int filled, int columns, int cells, Step step) {
     const int last = std::max(0, filled - 1);
     if (step == Step::Last) {

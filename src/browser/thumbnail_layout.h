@@ -36,6 +36,12 @@ std::size_t startIndexOf(int page, std::size_t cells);
 // The last page on which some picture is shown; `pictureIndexes` ascending. At least 1.
 int lastPage(std::span<const std::size_t> pictureIndexes, std::size_t cells);
 
+// How many of the pictures at the beginning of the page from element `start` on stand at the end of
+// the page before as well: that one takes pictures until its cells are full, and so goes past its
+// own elements where some of them are no pictures.
+int repeatedPictures(std::span<const std::size_t> pictureIndexes, std::size_t start,
+                     std::size_t cells);
+
 // Where the selection moves within one page.
 enum class Step { Left, Right, Up, Down, First, Last };
 

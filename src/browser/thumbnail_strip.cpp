@@ -113,9 +113,15 @@ void ThumbnailStrip::setGrid(const GridSize& grid) {
 
 void ThumbnailStrip::clear() {
     chooseWhenShown_ = -1;
+    expect(0, 0);
     for (ThumbnailCell* cell : cells_) {
         cell->clear();
     }
+}
+
+void ThumbnailStrip::expect(int pictures, int repeated) {
+    expected_ = pictures;
+    repeated_ = repeated;
 }
 
 void ThumbnailStrip::clearTags() {
@@ -131,7 +137,6 @@ void ThumbnailStrip::showPicture(int index, const QString& name, const QImage& i
     cells_[static_cast<std::size_t>(index)]->showPicture(name, image);
     refreshEmphasis();
     if (chooseWhenShown_ == index) {
-        chooseWhenShown_ = -1;
         choose(index);
     }
 }
@@ -159,10 +164,6 @@ void ThumbnailStrip::setCellsVisible(bool visible) {
     }
 }
 
-void ThumbnailStrip::chooseWhenShown(int index) {
-    chooseWhenShown_ = index;
-}
-
 int ThumbnailStrip::cellAt(const QPoint& position) const {
     const auto found = std::find_if(cells_.begin(), cells_.end(), [&](const ThumbnailCell* cell) {
         return cell->geometry().contains(position) && !cell->tag().isEmpty();
@@ -183,22 +184,36 @@ int ThumbnailStrip::filledCells() const {
 }
 
 void ThumbnailStrip::choose(int index) {
+    chooseWhenShown_ = -1;
     emit chosen(cells_[static_cast<std::size_t>(index)]->tag());
 }
 
+void ThumbnailStrip::chooseSoon(int index) {
+    const bool isThere = index >= 0 && !cells_[static_cast<std::size_t>(index)]->tag().isEmpty();
+    if (isThere) {
+        choose(index);
+    } else {
+        chooseWhenShown_ = index;
+    }
+}
+
 void ThumbnailStrip::step(Step wanted) {
-    const int filled = filledCells();
-    if (filled == 0) {
+    if (expected_ == 0) {
         return;
     }
     const Move move =
-        moveFrom(markedCell(), filled, grid_.columns, static_cast<int>(cells_.size()), wanted);
+        moveFrom(markedCell(), expected_, grid_.columns, static_cast<int>(cells_.size()), wanted);
     if (move.pages == 0) {
-        choose(move.cell);
+        chooseSoon(move.cell);
         return;
     }
+    const int repeatedHere = repeated_;
     emit pagesWanted(move.pages);
-    chooseWhenShown_ = move.cell;
+    if (filledCells() > 0) {
+        return; // there is no such page
+    }
+    const int cell = move.pages > 0 ? move.cell + repeated_ : move.cell - repeatedHere;
+    chooseSoon(std::clamp(cell, 0, std::max(0, expected_ - 1)));
 }
 
 void ThumbnailStrip::keyPressEvent(QKeyEvent* event) {

@@ -61,8 +61,9 @@ class ThumbnailStrip : public QFrame {
 
     void setCellsVisible(bool visible);
 
-    // Chooses the first or last picture of the page as soon as it is there.
-    void chooseWhenShown(int index);
+    // How many pictures the page will show once all of them are there, and how many of them, from
+    // the first one on, the page before shows as well. None after clear().
+    void expect(int pictures, int repeated);
 
   signals:
     void chosen(const QString& name);
@@ -89,6 +90,7 @@ class ThumbnailStrip : public QFrame {
     int markedCell() const;                   // -1 for none
     int filledCells() const;
     void choose(int index);
+    void chooseSoon(int index); // at once, or as soon as its picture is there
     void step(Step step);
     void refreshEmphasis();
 
@@ -96,6 +98,8 @@ class ThumbnailStrip : public QFrame {
     GridSize grid_;
     QString marked_;
     bool areCellsVisible_ = true;
+    int expected_ = 0;
+    int repeated_ = 0;
     int chooseWhenShown_ = -1;
     int wheelRest_ = 0;
 };

@@ -136,6 +136,46 @@ TEST_F(MainPictures, PagesAreCutByElementIndex) {
     EXPECT_EQ(thumbnails(), pageNames(1, 3));
 }
 
+// The group's own two streams take part in cutting the pages, so that the second one usually
+// begins with two pictures that the first one shows already.
+TEST_F(MainPictures, ArrowsGoThroughAllPagesInOrder) {
+    QStringList names;
+    for (int i = 10; i < 22; ++i) {
+        names.append(QStringLiteral("Pumpe %1").arg(i));
+    }
+    startWith(names);
+    window().resize(window().minimumSize()); // three thumbnails, one below the other
+    QTest::qWait(0);
+    settle();
+    ASSERT_EQ(thumbnails(), names.mid(0, 3));
+    for (const auto& [forward, back] :
+         {std::pair(Qt::Key_Right, Qt::Key_Left), std::pair(Qt::Key_Down, Qt::Key_Up)}) {
+        for (const QString& name : names) {
+            EXPECT_EQ(label(), name);
+            pressInStrip(forward);
+        }
+        EXPECT_EQ(label(), names.last()) << "there is no page behind";
+        for (qsizetype i = names.size() - 1; i > 0; --i) {
+            EXPECT_EQ(label(), names[i]);
+            pressInStrip(back);
+        }
+        pressInStrip(back);
+        EXPECT_EQ(label(), names.first()) << "there is no page before";
+    }
+}
+
+TEST_F(MainPictures, DownIntoAShorterPageChoosesItsLastPicture) {
+    startWith({"A0", "A1", "A2", "A3", "A4", "A5", "A6", "A7", "A8", "A9"});
+    window().resize(window().minimumSize() + QSize(2 * 64, 0)); // three columns, three rows
+    QTest::qWait(0);
+    settle();
+    pressInStrip(Qt::Key_End);
+    ASSERT_EQ(label(), "A8");
+    pressInStrip(Qt::Key_Down);
+    EXPECT_EQ(thumbnails(), QStringList{"A9"});
+    EXPECT_EQ(label(), "A9");
+}
+
 TEST_F(MainPictures, AnUndecodablePictureTakesACell) {
     group_ = makeGroup("Pumpen");
     addUndecodable(group_, "Bad");
@@ -163,6 +203,11 @@ TEST_F(MainPictures, ToolTipNamesTheThumbnailAndHidesOverTheFreeSurface) {
     auto* toolTip = find<QLineEdit>("txtName");
     ASSERT_TRUE(QTest::qWaitFor([&] { return toolTip->isVisible(); }));
     EXPECT_EQ(toolTip->text(), "Pumpe & <b>Co");
+    window().Aktualisieren(); // another picture may stand below the resting pointer now
+    EXPECT_FALSE(toolTip->isVisible());
+    settle();
+    QTest::mouseMove(thumbnail("Pumpe & <b>Co"), QPoint(5, 5));
+    ASSERT_TRUE(toolTip->isVisible());
     QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, {}, {});
     QApplication::sendEvent(window().centralWidget(), &move);
     EXPECT_FALSE(toolTip->isVisible());
