@@ -45,8 +45,8 @@ void GroupBrowsing::selectAgain(const QString& key) {
     if (tree_.selectKey(key)) {
         awaitedKey_.clear();
         CurrentGroup_ = key;
-        if (wasAwaited) {
-            showSelected();
+        if (wasAwaited || !panel_.group() || tree_.selectedIsMarked()) {
+            showSelected(); // whose pictures become readable, or are not any longer
         } else {
             panel_.Aktualisieren();
         }

@@ -73,10 +73,19 @@ void setMark(QTreeWidgetItem* item, const store::GroupFileReading& reading) {
                                       : QTreeWidgetItem::ShowIndicator);
 }
 
+// Nodes that would stand deeper hang side by side on this level: a tree's items are destroyed by
+// recursion, and a hostile file may hold any number of groups one below the other.
+constexpr int kDeepestLevel = 1000;
+
+struct Place {
+    QTreeWidgetItem* item;
+    int level;
+};
+
 // Describes `top` and hangs the file's other groups below it.
 void fillTopItem(QTreeWidgetItem* top, const GroupFile& file) {
     const QString title = textOf(file.file.text);
-    std::map<std::u16string, QTreeWidgetItem*> byStorage;
+    std::map<std::u16string, Place> byStorage;
     store::GroupAddress topAddress = store::topLevelAddress(file.file.text);
     if (!file.reading.groups.empty()) {
         topAddress = file.reading.groups.front().address;
@@ -85,13 +94,16 @@ void fillTopItem(QTreeWidgetItem* top, const GroupFile& file) {
     setMark(top, file.reading);
     for (const store::GroupEntry& entry : file.reading.groups) {
         if (entry.parent.text.empty()) {
-            byStorage[entry.address.storage.text] = top;
+            byStorage.insert_or_assign(entry.address.storage.text, Place{top, 0});
             continue;
         }
-        const auto parent = byStorage.find(entry.parent.text);
-        auto* item = new QTreeWidgetItem(parent == byStorage.end() ? top : parent->second);
+        const auto found = byStorage.find(entry.parent.text);
+        const Place above = found == byStorage.end() ? Place{top, 0} : found->second;
+        auto* item = new QTreeWidgetItem(above.item);
         describe(item, entry.address, entry.parent, textOf(entry.name.text));
-        byStorage[entry.address.storage.text] = item;
+        byStorage.insert_or_assign(entry.address.storage.text, above.level < kDeepestLevel
+                                                                   ? Place{item, above.level + 1}
+                                                                   : above);
     }
 }
 
@@ -331,8 +343,11 @@ void GroupTree::keyPressEvent(QKeyEvent* event) {
 
 void GroupTree::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Mouse) {
-        if (itemAt(event->pos()) == nullptr) {
+        QTreeWidgetItem* below = itemAt(event->pos());
+        if (below == nullptr) {
             clearSelection();
+        } else if (!below->isSelected()) {
+            setCurrentItem(below); // a press beside its name, on the sign that unfolds it
         }
         emit popUpWanted(event->globalPos());
         return;

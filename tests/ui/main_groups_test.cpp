@@ -1,5 +1,6 @@
 #include "app/settings.h"
 #include "app/texts.h"
+#include "browser/group_tree.h"
 #include "platform/native_disk.h"
 #include "ui/main_window_fixture.h"
 
@@ -148,6 +149,23 @@ TEST_F(MainGroups, PressOnTheFreeAreaTakesTheSelectionAway) {
     EXPECT_EQ(offeredTargets("gNew"), QStringList{"TXSGraphicsLib"});
 }
 
+// The press itself only unfolds the node then.
+TEST_F(MainGroups, BandOpenedOnTheUnfoldingSignBelongsToThatNode) {
+    makeGroup("Pumpen");
+    makeGroup("Kugelhahn", makeGroup("Ventile"));
+    start();
+    clickNode("Pumpen");
+    const QRect row = tree()->visualItemRect(node("Ventile"));
+    const QPoint sign(row.left() - 9, row.center().y());
+    QTest::mousePress(tree()->viewport(), Qt::RightButton, {}, sign);
+    QContextMenuEvent request(QContextMenuEvent::Mouse, sign,
+                              tree()->viewport()->mapToGlobal(sign));
+    QApplication::sendEvent(tree()->viewport(), &request);
+    EXPECT_TRUE(find<QMenu>("Band2")->isVisible());
+    EXPECT_EQ(selectedNode(), "Ventile");
+    find<QMenu>("Band2")->close();
+}
+
 TEST_F(MainGroups, NewGroupOffersTheSelectionOfTheMoment) {
     const auto pumps = makeGroup("Pumpen");
     makeGroup("Kreisel", pumps);
@@ -267,6 +285,30 @@ TEST_F(MainGroups, LockedGroupLastUsedIsSelectedButEmptyAfterAStart) {
     EXPECT_EQ(label(), "P1");
 }
 
+TEST_F(MainGroups, RefreshShowsThePicturesOfATopLevelGroupAfterItsRelease) {
+    addPicture(makeGroup("Pumpen"), "P1");
+    start();
+    clickNode("Pumpen");
+    const auto refresh = [this] {
+        window().refresh();
+        settle();
+    };
+    const auto path = library().folder / "Pumpen.stg";
+    for (const auto& meanwhile : std::vector<std::function<void()>>{
+             refresh, [this] { restart(); }, [this] { clickNode("Pumpen"); }}) {
+        auto file = platform::nativeDisk().open(path, compound::Access::ReadWrite);
+        ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        refresh();
+        meanwhile();
+        EXPECT_EQ(selectedNode(), "Pumpen");
+        EXPECT_TRUE(thumbnails().isEmpty());
+        file.reset();
+        refresh();
+        EXPECT_EQ(thumbnails(), QStringList{"P1"});
+        EXPECT_EQ(label(), "P1");
+    }
+}
+
 TEST_F(MainGroups, ASubGroupOfALockedFileStaysRemembered) {
     makeGroup("Kreisel", makeGroup("Pumpen"));
     start();
@@ -354,6 +396,25 @@ TEST_F(MainGroups, AnUnreachableLibraryIsAnEmptyTreeAndForgetsNothing) {
     ASSERT_TRUE(QFile::rename(parent + "/Elsewhere", QDir::cleanPath(folder)));
     restart();
     EXPECT_EQ(selectedNode(), "Pumpen");
+}
+
+// Items are destroyed by recursion; a chain as long as a hostile file can hold must not be one.
+TEST(GroupTreeNodes, AChainOfVeryManyGroupsIsShownAndTakenDown) {
+    constexpr int kGroups = 200'000;
+    browser::GroupFile file{{u"Pumpen"}, {}};
+    file.reading.state = store::GroupFileState::Sound;
+    store::GroupAddress address = store::topLevelAddress(u"Pumpen");
+    file.reading.groups.push_back({address, {u"Pumpen"}, {}});
+    for (int i = 1; i <= kGroups; ++i) {
+        const store::StorageName parent = address.storage;
+        address.storage.text = u"Sub" + QString::number(i).toStdU16String();
+        file.reading.groups.push_back({address, {u"x"}, parent});
+    }
+    browser::GroupTree tree;
+    tree.rebuild({&file, 1});
+    EXPECT_EQ(tree.nodeCount(), kGroups + 1);
+    ASSERT_TRUE(tree.select(address));
+    EXPECT_EQ(tree.selected()->address, address);
 }
 
 TEST_F(MainGroups, CaptionsFollowTheLanguage) {
