@@ -1,5 +1,7 @@
 #include "editing/picture_box.h"
 
+#include "app/colours.h"
+
 #include <QPainter>
 
 namespace editing {
@@ -30,6 +32,8 @@ void PictureBox::paintEvent(QPaintEvent*) {
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (scaled_.hasAlphaChannel() && palette().color(QPalette::Base) != app::paperColor(palette()))
+        painter.fillRect(rect(), app::paperColor(palette()));
     painter.drawImage(rect(), scaled_);
 }
 

@@ -145,6 +145,22 @@ TEST_F(FrmOpenTest, showsAClickedPictureAndNamesItUpToTheFirstDot) {
     EXPECT_EQ(preview->grab().toImage().pixelColor(preview->rect().center()), QColor(Qt::blue));
 }
 
+// Symbols are drawn in dark lines on nothing.
+TEST_F(FrmOpenTest, laysSeeThroughPicturesOnPaperOnADarkDesktop) {
+    QImage image(16, 16, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    ASSERT_TRUE(image.save(home_.at("pictures/symbol.ico"), "ICO"));
+    QPalette dark;
+    dark.setColor(QPalette::Window, QColor(40, 40, 40));
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    window_.setPalette(dark);
+    open();
+    clickFile("symbol.ico");
+    auto* preview = find<QWidget>("imgVorschau");
+    EXPECT_GT(preview->grab().toImage().pixelColor(preview->rect().center()).lightness(), 200);
+}
+
 TEST_F(FrmOpenTest, loadsAHugePicture) {
     QImage image(6000, 6000, QImage::Format_Mono);
     image.fill(1);
