@@ -10,7 +10,17 @@
 namespace browser {
 namespace {
 
-constexpr int kPadding = 10; // pixels between frame and picture
+constexpr int kPadding = 10;  // pixels between frame and picture
+constexpr int kMostRatio = 4; // device pixels a pixel, on the finest screens
+
+// A huge picture need not stay in memory while the next ones are decoded.
+imaging::Picture reduced(imaging::Picture picture, const QSize& most) {
+    const QSize size = picture.image().size();
+    if (size.width() <= most.width() && size.height() <= most.height()) {
+        return picture;
+    }
+    return {picture.facts(), picture.scaledTo(most)};
+}
 
 } // namespace
 
@@ -21,7 +31,7 @@ LargePreview::LargePreview(QWidget* parent) : QFrame(parent) {
 
 void LargePreview::showPicture(imaging::Picture picture) {
     content_ = Content::Picture;
-    picture_ = std::move(picture);
+    picture_ = reduced(std::move(picture), size() * kMostRatio);
     fitted_ = {};
     update();
 }

@@ -16,6 +16,7 @@ class LargePreview : public QFrame {
   public:
     explicit LargePreview(QWidget* parent = nullptr);
 
+    // Of a picture larger than the frame only as much is kept as a screen can show.
     void showPicture(imaging::Picture picture);
 
     // For a picture whose bytes cannot be decoded.

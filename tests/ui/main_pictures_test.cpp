@@ -1,4 +1,5 @@
 #include "app/texts.h"
+#include "browser/large_preview.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
@@ -184,6 +185,21 @@ TEST_F(MainPictures, AnUndecodablePictureTakesACell) {
     EXPECT_EQ(thumbnails(), QStringList{"Bad"});
     EXPECT_EQ(label(), "Bad");
     EXPECT_TRUE(boxes_.take().isEmpty());
+}
+
+// With the next one decoded beside it, a group of huge pictures would take twice their memory.
+TEST(LargePreviewMemory, OfAHugePictureOnlyWhatAScreenShowsIsKept) {
+    browser::LargePreview preview(nullptr);
+    preview.resize(200, 200);
+    QImage image(4000, 2000, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    imaging::PictureFacts facts;
+    facts.pixels = image.size();
+    preview.showPicture({facts, image});
+    EXPECT_TRUE(image.isDetached());
+    const QImage shown = preview.grab().toImage();
+    EXPECT_EQ(shown.pixelColor(100, 100), QColor(Qt::blue));
+    EXPECT_EQ(shown.pixelColor(100, 40), preview.palette().color(QPalette::Base));
 }
 
 TEST_F(MainPictures, RightClickOnAThumbnailChoosesItAndShowsThePictureBand) {
