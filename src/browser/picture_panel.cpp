@@ -177,6 +177,11 @@ void PicturePanel::MiniVorschau(std::size_t startIndex) {
     const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
     const auto count =
         std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
+    if (count == 0 && !all.empty()) { // another program has removed what stood on that page
+        SetImgScrollProperties();
+        onScrollChanged();
+        return;
+    }
     if (count == 0) {
         ShowNoPicture();
         return;
@@ -214,6 +219,7 @@ void PicturePanel::showGroupAnew() {
         // The thumbnails, when they come back, begin where the list does.
         const QSignalBlocker quiet(imgScroll_);
         imgScroll_->setValue(1);
+        strip_->clear(); // and do not show another group until then
         if (group_) {
             FillListView(*group_);
         } else {

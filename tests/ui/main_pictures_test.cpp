@@ -132,6 +132,7 @@ TEST_F(MainPictures, PagesAreCutByElementIndex) {
     clickNode("Tanks");
     clickNode("Pumpen");
     trigger("Men_Extras_0");
+    EXPECT_TRUE(thumbnails().isEmpty()) << "they are of the group before";
     settle();
     EXPECT_EQ(scroll->value(), 1);
     EXPECT_EQ(thumbnails(), pageNames(1, 3));
@@ -163,6 +164,21 @@ TEST_F(MainPictures, ArrowsGoThroughAllPagesInOrder) {
         pressInStrip(back);
         EXPECT_EQ(label(), names.first()) << "there is no page before";
     }
+}
+
+TEST_F(MainPictures, APageThatAnotherProgramHasEmptiedLeadsToTheLastOne) {
+    startWith({"A0", "A1", "A2", "A3", "A4", "A5", "A6", "A7", "A8", "A9"});
+    window().resize(window().minimumSize()); // three thumbnails
+    QTest::qWait(0);
+    settle();
+    for (const char16_t* name : {u"A4", u"A5", u"A6", u"A7", u"A8", u"A9"}) {
+        store::deletePicture(library(), group_, {name});
+    }
+    find<QScrollBar>("imgScroll")->setValue(4);
+    settle();
+    EXPECT_EQ(thumbnails(), QStringList{"A3"});
+    EXPECT_EQ(find<QScrollBar>("imgScroll")->maximum(), 2);
+    EXPECT_EQ(label(), "A0") << "and the group is not said to be empty";
 }
 
 TEST_F(MainPictures, DownIntoAShorterPageChoosesItsLastPicture) {
