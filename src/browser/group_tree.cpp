@@ -184,13 +184,7 @@ void GroupTree::addTopLevelNode(const store::GroupName& name) {
 // By what the node stands for: the key of one that a command has added is another.
 void GroupTree::remove(const store::GroupAddress& address) {
     const QScopedValueRollback guard(selectingByProgram_, true);
-    for (QTreeWidgetItemIterator node(this); *node != nullptr; ++node) {
-        if ((*node)->data(0, kFileRole).toString() == textOf(address.file.text) &&
-            (*node)->data(0, kStorageRole).toString() == textOf(address.storage.text)) {
-            delete *node;
-            return;
-        }
-    }
+    delete itemOf(address);
 }
 
 int GroupTree::nodeCount() const {
@@ -215,6 +209,17 @@ QTreeWidgetItem* GroupTree::itemOf(const QString& key) const {
     return nullptr;
 }
 
+// A node's key is not always its address: see addTopLevelNode.
+QTreeWidgetItem* GroupTree::itemOf(const store::GroupAddress& address) const {
+    for (QTreeWidgetItemIterator node(const_cast<GroupTree*>(this)); *node != nullptr; ++node) {
+        if ((*node)->data(0, kFileRole).toString() == textOf(address.file.text) &&
+            (*node)->data(0, kStorageRole).toString() == textOf(address.storage.text)) {
+            return *node;
+        }
+    }
+    return nullptr;
+}
+
 void GroupTree::selectItem(QTreeWidgetItem* item) {
     const QScopedValueRollback guard(selectingByProgram_, true);
     if (item == nullptr) {
@@ -227,7 +232,7 @@ void GroupTree::selectItem(QTreeWidgetItem* item) {
 }
 
 bool GroupTree::select(const store::GroupAddress& address) {
-    QTreeWidgetItem* item = itemOf(keyTextOf(address));
+    QTreeWidgetItem* item = itemOf(address);
     selectItem(item);
     return item != nullptr;
 }
@@ -235,7 +240,7 @@ bool GroupTree::select(const store::GroupAddress& address) {
 bool GroupTree::selectKey(const QString& key) {
     QTreeWidgetItem* item = itemOf(key);
     if (item == nullptr && key.endsWith(u'a')) {
-        item = itemOf(keyTextOf(store::topLevelAddress(key.chopped(1).toStdU16String())));
+        item = itemOf(store::topLevelAddress(key.chopped(1).toStdU16String()));
     }
     selectItem(item);
     return item != nullptr;
@@ -250,7 +255,7 @@ std::optional<commands::SelectedGroup> GroupTree::selected() const {
 }
 
 std::optional<commands::SelectedGroup> GroupTree::find(const store::GroupAddress& address) const {
-    return groupOf(itemOf(keyTextOf(address)));
+    return groupOf(itemOf(address));
 }
 
 std::optional<commands::SelectedGroup> GroupTree::groupOf(const QTreeWidgetItem* item) {

@@ -80,6 +80,7 @@ class GroupTree : public QTreeWidget {
     static std::optional<commands::SelectedGroup> groupOf(const QTreeWidgetItem* item);
     QTreeWidgetItem* selectedItem() const;
     QTreeWidgetItem* itemOf(const QString& key) const;
+    QTreeWidgetItem* itemOf(const store::GroupAddress& address) const;
     void selectItem(QTreeWidgetItem* item);
     void onSelectionChanged();
 

@@ -158,11 +158,15 @@ TEST_P(EveryDialog, NamesItsControlsLeadsTheTabKeyHelpsAndLeavesByEscape) {
     EXPECT_EQ(storagesFolder(), QStringList{"Pumpen.stg"});
 }
 
-TEST_P(EveryDialog, TheMainWindowNamesItsControlsAsWell) {
+TEST_P(EveryDialog, TheMainWindowNamesItsControlsAndLeadsTheTabKeyAsWell) {
     startTwoDeep();
     expectNamed(window());
+    find<QWidget>("tvwGruppen")->setFocus();
+    expectReadingOrder(window());
     trigger("Men_Extras_0"); // the list in the place of the thumbnails
     expectNamed(window());
+    find<QWidget>("tvwGruppen")->setFocus();
+    expectReadingOrder(window());
 }
 
 } // namespace

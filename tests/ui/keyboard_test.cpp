@@ -1,4 +1,5 @@
 // The keys of the main window, on a group two deep.
+#include "app/help.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "store/picture_operations.h"
@@ -121,6 +122,30 @@ TEST_F(Keyboard, CopyPutsImageAndFileOnTheClipboard) {
     ASSERT_EQ(label(), app::text(app::kTextNoPicture));
     press(strip(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_TRUE(boxes_.take().isEmpty());
+}
+
+TEST_F(Keyboard, CopyBelongsToANameThatIsBeingEdited) {
+    startTwoDeep({"P1"});
+    trigger("Men_Extras_0");
+    auto* list = find<QTreeWidget>("lvwInfo");
+    press(list, Qt::Key_F2);
+    auto* editor = list->viewport()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClick(editor, Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "P1");
+    EXPECT_FALSE(QGuiApplication::clipboard()->mimeData()->hasImage());
+    QTest::keyClick(editor, Qt::Key_Escape);
+}
+
+TEST_F(Keyboard, F1AsksForTheMainWindowsTopic) {
+    startTwoDeep({});
+    QList<app::HelpTopic> topics;
+    app::setHelpHandler([&](app::HelpTopic topic) { topics.append(topic); });
+    press(tree(), Qt::Key_F1);
+    press(strip(), Qt::Key_F1);
+    app::setHelpHandler({});
+    EXPECT_EQ(topics, QList<app::HelpTopic>(2, app::HelpTopic::MainWindow));
 }
 
 // A foreign program's file may hold a path where a name should be; following it would overwrite

@@ -49,7 +49,13 @@ TEST_F(WindowStateTest, IsRememberedFromOneRunToTheNext) {
     EXPECT_EQ(next.geometry(), place);
     EXPECT_FALSE(next.isMaximized());
 
-    browser::writeWindowState({place, true});
+    start();
+    window().setGeometry(place);
+    window().showMaximized();
+    settle();
+    window().close();
+    EXPECT_TRUE(browser::readWindowState().maximised);
+    EXPECT_EQ(browser::readWindowState().place, place) << "to which it goes back";
     QWidget maximised;
     browser::restoreWindowState(maximised);
     EXPECT_TRUE(maximised.isMaximized());
