@@ -118,7 +118,7 @@ QRectF seenPart(const QPainterPath& outline, double margin, const QRect& sheet) 
 // The painter has room for so few pixels of smooth edges that it paints the sheet in bands, of one
 // row at worst, and goes along all edges for each band, along those that reach into it pixel by
 // pixel.
-double smoothCost(const Edges& edges, const QRectF& seen, double touched) {
+double smoothCost(const Edges& edges, const QRectF& seen, double touched = kEverywhere) {
     constexpr double kPixelsInBand = 125;
     constexpr double kPassedElement = 9;
     constexpr double kWalked = 10;
@@ -128,6 +128,16 @@ double smoothCost(const Edges& edges, const QRectF& seen, double touched) {
     const double bands = std::clamp(pixels / kPixelsInBand, 1.0, rows);
     return bands * kPassedElement * edges.elements + bands / rows * kWalked * edges.walked +
            kCrossed * edges.crossed + seen.width() * seen.height();
+}
+
+// An outline of `width`, 0 for a filled one. The pixels that it touches are only counted where
+// painting could take longer than counting.
+double smoothCost(const QPainterPath& outline, const Edges& edges, const QRectF& seen,
+                  const QRect& sheet, double width) {
+    constexpr double kWorthCounting = 1'000'000;
+    const double cost = smoothCost(edges, seen);
+    return cost < kWorthCounting ? cost
+                                 : smoothCost(edges, seen, touchedPixels(outline, sheet, width));
 }
 
 double steppedCost(const Edges& edges, const QRectF& seen) {
@@ -149,9 +159,9 @@ double thinPixelCost(const QRect& sheet) {
 double fillCost(const QPainterPath& outline, const QRect& sheet, EdgeLook look) {
     const QRectF seen = seenPart(outline, 0, sheet);
     const Edges edges = edgesOf(outline, sheet);
-    return kElement * edges.elements +
-           (look == EdgeLook::Smooth ? smoothCost(edges, seen, touchedPixels(outline, sheet, 0))
-                                     : steppedCost(edges, seen));
+    return kElement * edges.elements + (look == EdgeLook::Smooth
+                                            ? smoothCost(outline, edges, seen, sheet, 0)
+                                            : steppedCost(edges, seen));
 }
 
 double fillCost(const QRect& rectangle, const QRect& sheet) {
@@ -179,9 +189,8 @@ double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& she
     edges.elements = elementsAround * (edges.elements + dashes);
     edges.crossed = kSides * edges.crossed + corners;
     edges.walked = kSides * edges.walked + corners * std::min(width, seen.height());
-    return cost + (look == EdgeLook::Smooth
-                       ? smoothCost(edges, seen, touchedPixels(outline, sheet, width))
-                       : steppedCost(edges, seen));
+    return cost + (look == EdgeLook::Smooth ? smoothCost(outline, edges, seen, sheet, width)
+                                            : steppedCost(edges, seen));
 }
 
 double dashCount(const QPainterPath& outline, const QPen& pen) {
