@@ -313,6 +313,7 @@ class PlusPlayer::Impl {
         QPainter& painter = canvas_.painter();
         painter.resetTransform();
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, state_.smoothImages);
         if (!clipSet_) {
             canvas_.clipTo(state_.clip);
             clipSet_ = true;
@@ -425,7 +426,7 @@ class PlusPlayer::Impl {
         const QPointF corner = transform.map(record.corners[0]);
         const PlusImagePlace place{corner, transform.map(record.corners[1]) - corner,
                                    transform.map(record.corners[2]) - corner};
-        prepared().setRenderHint(QPainter::SmoothPixmapTransform, state_.smoothImages);
+        prepared();
         drawPlusImage(canvas_, *image, record.part, place);
     }
 
