@@ -19,25 +19,6 @@ bool isPair(std::u16string_view name, std::size_t at) {
     return at + 1 < name.size() && isHalf(name[at], 0xD800) && isHalf(name[at + 1], 0xDC00);
 }
 
-void appendUtf8(std::string& text, char32_t point) {
-    const auto put = [&](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-    const auto follow = [&](unsigned shift) { put(0x80U | ((point >> shift) & 0x3FU)); };
-    if (point < 0x80) {
-        put(point);
-    } else if (point < 0x800) {
-        put(0xC0U | (point >> 6U));
-    } else if (point < 0x10000) {
-        put(0xE0U | (point >> 12U));
-        follow(6);
-    } else {
-        put(0xF0U | (point >> 18U));
-        follow(12);
-        follow(6);
-    }
-    if (point >= 0x80)
-        follow(0);
-}
-
 } // namespace
 
 char16_t toUpper(char16_t unit) noexcept {
@@ -63,6 +44,25 @@ bool isLegalName(std::u16string_view name) noexcept {
     constexpr std::u16string_view kForbidden(u"/\\:!\0", 5);
     return !name.empty() && name.size() <= kMaximumNameUnits &&
            name.find_first_of(kForbidden) == std::u16string_view::npos;
+}
+
+void appendUtf8(std::string& text, char32_t point) {
+    const auto put = [&](char32_t byte) { text.push_back(static_cast<char>(byte)); };
+    const auto follow = [&](unsigned shift) { put(0x80U | ((point >> shift) & 0x3FU)); };
+    if (point < 0x80) {
+        put(point);
+    } else if (point < 0x800) {
+        put(0xC0U | (point >> 6U));
+    } else if (point < 0x10000) {
+        put(0xE0U | (point >> 12U));
+        follow(6);
+    } else {
+        put(0xF0U | (point >> 18U));
+        follow(12);
+        follow(6);
+    }
+    if (point >= 0x80)
+        follow(0);
 }
 
 std::string shownName(std::u16string_view name) {

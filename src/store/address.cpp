@@ -1,5 +1,7 @@
 #include "store/address.h"
 
+#include "compound/names.h"
+
 namespace store {
 namespace {
 
@@ -29,25 +31,6 @@ Decoded decodeAt(std::string_view bytes, std::size_t at) {
     if (overlong || surrogate || point > 0x10FFFF)
         return {};
     return {point, length};
-}
-
-void appendUtf8(std::string& out, char32_t point) {
-    const auto put = [&](char32_t value) { out.push_back(static_cast<char>(value)); };
-    if (point < 0x80) {
-        put(point);
-    } else if (point < 0x800) {
-        put(0xC0U | (point >> 6U));
-        put(0x80U | (point & 0x3FU));
-    } else if (point < 0x10000) {
-        put(0xE0U | (point >> 12U));
-        put(0x80U | ((point >> 6U) & 0x3FU));
-        put(0x80U | (point & 0x3FU));
-    } else {
-        put(0xF0U | (point >> 18U));
-        put(0x80U | ((point >> 12U) & 0x3FU));
-        put(0x80U | ((point >> 6U) & 0x3FU));
-        put(0x80U | (point & 0x3FU));
-    }
 }
 
 bool isHigh(char16_t unit) {
@@ -106,11 +89,11 @@ std::string toUtf8(std::u16string_view text) {
         if (isHigh(unit) && at + 1 < text.size() && isLow(text[at + 1])) {
             const char32_t high = unit - 0xD800U;
             const char32_t low = text[++at] - 0xDC00U;
-            appendUtf8(bytes, 0x10000U + (high << 10U) + low);
+            compound::appendUtf8(bytes, 0x10000U + (high << 10U) + low);
         } else if (unit >= kEscapeBase + 0x80 && unit <= kEscapeBase + 0xFF) {
             bytes.push_back(static_cast<char>(unit - kEscapeBase));
         } else {
-            appendUtf8(bytes, unit);
+            compound::appendUtf8(bytes, unit);
         }
     }
     return bytes;
