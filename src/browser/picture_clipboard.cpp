@@ -51,7 +51,7 @@ void copyToClipboard(const store::Library& library, const store::GroupAddress& g
     std::error_code ignored; // what goes wrong here, the next call tells
     std::filesystem::create_directory(folder, ignored);
     const std::filesystem::path file =
-        store::exportPicture(library, group, name, folder, fileNameFor(name.text));
+        store::exportPicture(library, picture, folder, fileNameFor(name.text));
     auto data = std::make_unique<QMimeData>();
     const QImage image = imageOf(picture);
     if (!image.isNull()) {

@@ -222,14 +222,25 @@ void deletePicture(const Library& library, const GroupAddress& group, const Pict
 std::filesystem::path exportPicture(const Library& library, const GroupAddress& group,
                                     const PictureName& name, const std::filesystem::path& folder,
                                     const std::string& baseName) {
+    return exportPicture(library, readPicture(library, group, name), folder, baseName);
+}
+
+std::filesystem::path exportPicture(const Library& library, const StoredPicture& picture,
+                                    const std::filesystem::path& folder,
+                                    const std::string& baseName) {
     if (baseName.empty() || baseName.find_first_of("/\\:") != std::string::npos)
         throw Error(ErrorCode::InvalidName, folder,
                     "\"" + baseName + "\" cannot be a file's base name");
-    const StoredPicture picture = readPicture(library, group, name);
     const std::string type = picture.record.type.empty() ? "JPG" : picture.record.type;
     std::filesystem::path path = folder / (baseName + "." + type);
     library.disk.removeTemporary(path);
-    library.disk.create(path)->write(0, picture.bytes);
+    const auto file = library.disk.create(path);
+    try {
+        file->write(0, picture.bytes);
+    } catch (...) {
+        library.disk.removeTemporary(path);
+        throw;
+    }
     return path;
 }
 

@@ -112,4 +112,9 @@ std::filesystem::path exportPicture(const Library& library, const GroupAddress& 
                                     const PictureName& name, const std::filesystem::path& folder,
                                     const std::string& baseName);
 
+// The same with a picture that was read already. A copy that cannot be written whole is removed.
+std::filesystem::path exportPicture(const Library& library, const StoredPicture& picture,
+                                    const std::filesystem::path& folder,
+                                    const std::string& baseName);
+
 } // namespace store

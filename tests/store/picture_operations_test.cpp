@@ -277,6 +277,19 @@ TEST_F(PictureTest, ExportReplacesTheEarlierCopy) {
     EXPECT_EQ(disk.content(path).size(), std::string("PIC15 15 ").size());
 }
 
+TEST_F(PictureTest, AnExportThatFailsLeavesNoHalfCopy) {
+    disk.makeFolder("/temporary");
+    add(group, u"P", std::string(5000, 'x'));
+    disk.setInterceptor([](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Write)
+            throw compound::Error(ErrorCode::NoSpace, "/temporary", "told to fail");
+    });
+    EXPECT_EQ(errorOf([&] { exportPicture(library, group, {u"P"}, "/temporary", "Copy"); }),
+              ErrorCode::NoSpace);
+    disk.setInterceptor({});
+    EXPECT_THAT(disk.list("/temporary"), IsEmpty());
+}
+
 TEST_F(PictureTest, ExportNeverLeavesItsFolder) {
     disk.makeFolder("/temporary");
     add(group, u"P");
