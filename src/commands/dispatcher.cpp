@@ -13,12 +13,12 @@
 #include "commands/library_view.h"
 #include "commands/picture_commands.h"
 #include "commands/program_commands.h"
-#include "compound/error.h"
 #include "editing/frm_open.h"
 #include "editing/frm_optionen_wmf.h"
 
 #include <algorithm>
 #include <array>
+#include <exception>
 
 namespace commands {
 namespace {
@@ -95,8 +95,6 @@ void Dispatcher::run(Command command, Origin origin) {
                      origin};
     try {
         handler(call);
-    } catch (const compound::Error& error) {
-        app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, view_.owner());
     } catch (const std::exception& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, view_.owner());
     }
