@@ -77,13 +77,6 @@ double numberOf(const QLabel* label) {
     return label->text().replace(app::decimalSeparator(), u'.').toDouble();
 }
 
-// Drawings in dark lines stay visible on a dark desktop.
-QColor paperColor(const QPalette& palette) {
-    const QColor base = palette.color(QPalette::Base);
-    const QColor text = palette.color(QPalette::Text);
-    return base.lightness() >= text.lightness() ? base : text;
-}
-
 template <typename Control, typename... Arguments>
 Control* makeNamed(const char* name, Arguments... arguments) {
     auto* control = new Control(arguments...);
@@ -218,17 +211,12 @@ void frmInfos::showFacts(const store::StoredPicture& picture) {
 
 void frmInfos::showPreview(const store::StoredPicture& picture) {
     imgBild_->clear();
-    imgBild_->setAutoFillBackground(false);
     picBild_->resize(0, 0);
     try {
         const imaging::Picture decoded = imaging::decode(picture.bytes);
         picBild_->resize(decoded.facts().pixels);
         VorschauAnpassen();
         imgBild_->setPicture(decoded);
-        QPalette paper = palette();
-        paper.setColor(QPalette::Window, paperColor(paper));
-        imgBild_->setPalette(paper);
-        imgBild_->setAutoFillBackground(true);
     } catch (const std::exception&) {
         // The facts about a picture that nobody can decode are still worth showing.
         VorschauAnpassen();

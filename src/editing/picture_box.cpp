@@ -32,7 +32,7 @@ void PictureBox::paintEvent(QPaintEvent*) {
         return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (scaled_.hasAlphaChannel() && palette().color(QPalette::Base) != app::paperColor(palette()))
+    if (scaled_.hasAlphaChannel())
         painter.fillRect(rect(), app::paperColor(palette()));
     painter.drawImage(rect(), scaled_);
 }
