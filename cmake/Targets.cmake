@@ -3,7 +3,8 @@
 add_library(txs_options INTERFACE)
 target_include_directories(txs_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(txs_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${TXS_WERROR}>:-Werror>
   # GCC 12 sees overlaps in std::string's own code (its bug 105651). clang-tidy, which reads these
   # options too, does not know that warning.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-unknown-warning-option;-Wno-restrict>)
@@ -18,20 +19,31 @@ endif()
 
 set(CMAKE_AUTOMOC_MOC_OPTIONS --include ${CMAKE_SOURCE_DIR}/cmake/moc_prelude.h)
 
-# txs_add_library(NAME SOURCES ... LINKS ...): one floor of the house as a static library.
+# txs_add_library(NAME SOURCES ... LINKS ... [PRELUDE ...]): one floor of the house as a static library.
 function(txs_add_library name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "PRELUDE" "SOURCES;LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
   target_link_libraries(${name} PUBLIC txs_options ${arg_LINKS})
+  if(arg_PRELUDE)
+    txs_use_prelude(${name} ${arg_PRELUDE})
+  endif()
 endfunction()
 
-# txs_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [OWN_MAIN]): one GoogleTest program; each of its
+# Templates under the sanitizers take the optimiser longer than the tests run; what is tested is
+# optimised all the same.
+set(txs_test_options $<$<BOOL:${TXS_SANITIZE}>:-O0>)
+
+# txs_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [PRELUDE ...] [OWN_MAIN]): one GoogleTest program; each of its
 # tests becomes a test of CTest, without a label of its own labelled like the program.
 function(txs_add_test name)
-  cmake_parse_arguments(arg "OWN_MAIN" "" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(arg "OWN_MAIN" "PRELUDE" "SOURCES;LINKS;LABELS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE txs_options ${arg_LINKS} GTest::gtest)
+  target_compile_options(${name} PRIVATE ${txs_test_options})
+  if(arg_PRELUDE)
+    txs_use_prelude(${name} ${arg_PRELUDE})
+  endif()
   if(NOT arg_OWN_MAIN)
     target_link_libraries(${name} PRIVATE GTest::gtest_main)
   endif()

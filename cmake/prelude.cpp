@@ -1,0 +1,1 @@
+// Owns no code: its target compiles the headers that others reuse (Precompiled.cmake).
