@@ -290,13 +290,12 @@ void frmMain::refresh() {
 void frmMain::copyPicture() {
     const commands::SelectionContext selection =
         commands::contextOf(selectedGroup(), shownPicture());
-    const auto group = selection.group();
-    if (!group || selection.pictureName.isEmpty() ||
-        selection.pictureName == app::text(app::kTextNoPicture)) {
+    const auto picture = selection.pictureInGroup();
+    if (!picture) {
         return;
     }
     try {
-        copyToClipboard(*library_, *group, {selection.pictureName.toStdU16String()},
+        copyToClipboard(*library_, picture->group, picture->name,
                         app::settings().restoredTemporaryFolderPath());
     } catch (const std::exception& error) {
         commands::reportFailure(*this, selection, error, app::kProgramTitle, this);
@@ -322,14 +321,14 @@ void frmMain::updateMenuState() {
 }
 
 void frmMain::updateEditItem(commands::EditItemCause cause) {
-    if (shownPicture() != app::text(app::kTextNoPicture)) {
+    if (!shownPicture().isNone()) {
         menus_->setEditItem(commands::allowsEditing(panel_->shownType(), cause));
     }
 }
 
 // --- Pictures
 
-QString frmMain::shownPicture() const {
+const commands::ShownPicture& frmMain::shownPicture() const {
     return panel_->shownPicture();
 }
 

@@ -40,7 +40,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     QWidget* owner() override { return this; }
     const store::Library& library() const override { return *library_; }
     std::optional<commands::SelectedGroup> selectedGroup() const override;
-    QString shownPicture() const override;
+    const commands::ShownPicture& shownPicture() const override;
     void FillTreeView() override;
     void SetCurrentGroup(const store::GroupAddress& group) override;
     void TreeViewSelectNode(const store::GroupAddress& group) override;

@@ -24,6 +24,10 @@ constexpr app::TextPair kPicturesName{u"Bilder", u"Pictures"};
 constexpr app::TextPair kPageName{u"Seite", u"Page"};
 constexpr app::TextPair kPreviewName{u"Vorschau", u"Preview"};
 
+store::PictureName pictureNamed(const QString& name) {
+    return {name.toStdU16String()};
+}
+
 } // namespace
 
 PicturePanel::PicturePanel(QWidget* surface)
@@ -54,7 +58,7 @@ PicturePanel::PicturePanel(QWidget* surface)
 
 void PicturePanel::connectStrip() {
     connect(strip_, &ThumbnailStrip::chosen, this, [this](const QString& name) {
-        choose(name);
+        choose(pictureNamed(name));
         emit editItemWanted(commands::EditItemCause::Thumbnail);
     });
     connect(strip_, &ThumbnailStrip::activated, this, &PicturePanel::editWanted);
@@ -67,8 +71,8 @@ void PicturePanel::connectStrip() {
 
 void PicturePanel::connectList() {
     connect(lvwInfo_, &PictureList::rowClicked, this, [this](const QString& name) {
-        if (name != shownPicture()) {
-            choose(name);
+        if (name != shownPicture_.nameText()) {
+            choose(pictureNamed(name));
             emit editItemWanted(commands::EditItemCause::Group); // by key no mouse is released
         }
     });
@@ -244,20 +248,19 @@ void PicturePanel::Aktualisieren() {
 // The chosen picture may have got other bytes or another spelling, or be gone; or the group has its
 // first pictures now.
 void PicturePanel::showAgain() {
-    const QString shown = shownPicture();
-    if (shown.isEmpty()) {
-        return; // nothing was chosen yet
+    if (shownPicture_.isUnchosen()) {
+        return;
     }
     std::optional<store::PictureName> found;
     try {
-        if (library_ != nullptr && group_ && shown != app::text(app::kTextNoPicture)) {
-            found = store::findPicture(*library_, *group_, {shown.toStdU16String()});
+        if (library_ != nullptr && group_ && shownPicture_.name()) {
+            found = store::findPicture(*library_, *group_, *shownPicture_.name());
         }
     } catch (const std::exception&) {
         found.reset();
     }
     if (found) {
-        choose(QString::fromStdU16String(found->text));
+        choose(*found);
     } else {
         SelectPicture();
     }
@@ -267,7 +270,7 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
     if (group_ != group) {
         return;
     }
-    setShownPicture(name);
+    setShownPicture(commands::ShownPicture(pictureNamed(name)));
     if (!GraphicalPreview_) {
         FillListView(group);
         lvwInfo_->select(name);
@@ -295,7 +298,7 @@ void PicturePanel::showListRow() {
     if (name.isEmpty()) {
         ShowNoPicture();
     } else {
-        choose(name);
+        choose(pictureNamed(name));
     }
 }
 
@@ -325,14 +328,11 @@ void PicturePanel::VorschauDeaktiviert() {
 
 // --- The shown picture
 
-QString PicturePanel::shownPicture() const {
-    return shownPicture_;
-}
-
-void PicturePanel::setShownPicture(const QString& name) {
-    shownPicture_ = name;
-    lblAktuell_->setText(name);
-    strip_->mark(name);
+void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
+    shownPicture_ = picture;
+    lblAktuell_->setText(picture.caption());
+    strip_->mark(picture.nameText());
+    strip_->setAccessibleDescription(picture.caption());
 }
 
 void PicturePanel::SelectPicture() {
@@ -348,19 +348,19 @@ void PicturePanel::SelectPicture() {
         first.reset();
     }
     if (first) {
-        setShownPicture(QString::fromStdU16String(first->name.text));
+        setShownPicture(commands::ShownPicture(first->name));
         showStored(*first);
     } else {
         ShowNoPicture();
     }
 }
 
-void PicturePanel::choose(const QString& name) {
-    setShownPicture(name);
+void PicturePanel::choose(const store::PictureName& picture) {
+    setShownPicture(commands::ShownPicture(picture));
     shownType_.clear();
     try {
         if (library_ != nullptr && group_) {
-            showStored(store::readPicture(*library_, *group_, {name.toStdU16String()}));
+            showStored(store::readPicture(*library_, *group_, picture));
         }
     } catch (const std::exception&) {
         imgVorschau_->showUndecodable();
@@ -400,7 +400,7 @@ void PicturePanel::NoToolTip() {
 }
 
 void PicturePanel::ShowNoPicture() {
-    setShownPicture(app::text(app::kTextNoPicture));
+    setShownPicture(commands::ShownPicture::none());
     ClearVorschau();
 }
 
@@ -413,7 +413,7 @@ void PicturePanel::renamed(const store::GroupAddress& group, const QString& from
         const bool isRenamed = renameInPlace(*library_, group, from, to, surface_->window());
         if (isRenamed && group_ == group) { // not if a click on another group ended the editing
             lvwInfo_->rename(from, to);
-            setShownPicture(to);
+            setShownPicture(commands::ShownPicture(pictureNamed(to)));
         }
     } catch (const std::exception& failure) {
         emit renameFailed(group, failure);

@@ -7,6 +7,7 @@
 #include "browser/main_layout.h"
 #include "browser/thumbnail_loader.h"
 #include "commands/enabling.h"
+#include "commands/shown_picture.h"
 #include "store/library.h"
 
 #include <QObject>
@@ -56,7 +57,7 @@ class PicturePanel : public QObject {
     // The same without going through the scroll bar's handler: for groups chosen by commands.
     void showGroupAnew();
 
-    QString shownPicture() const; // the name below the preview; see LibraryView
+    const commands::ShownPicture& shownPicture() const { return shownPicture_; }
     const QString& shownType() const { return shownType_; } // of the picture; may be empty
 
     bool GraphicalPreview() const { return GraphicalPreview_; }
@@ -99,9 +100,9 @@ class PicturePanel : public QObject {
     void connectList();
     void onScrollChanged();
     void onTimer();
-    void choose(const QString& name);
+    void choose(const store::PictureName& picture);
     void showStored(const store::StoredPicture& picture);
-    void setShownPicture(const QString& name);
+    void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
     void showAgain();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
@@ -119,7 +120,7 @@ class PicturePanel : public QObject {
     const store::Library* library_ = nullptr;
     std::optional<store::GroupAddress> group_;
     app::TwipRect area_;
-    QString shownPicture_;
+    commands::ShownPicture shownPicture_;
     QString shownType_;
     bool GraphicalPreview_ = true;
 };

@@ -143,7 +143,6 @@ void ThumbnailStrip::showPicture(int index, const QString& name, const QImage& i
 
 void ThumbnailStrip::mark(const QString& name) {
     marked_ = name;
-    setAccessibleDescription(name);
     refreshEmphasis();
 }
 

@@ -23,17 +23,6 @@ constexpr app::TextPair kNoEditor{
 const QString kVectorFromPopUp =
     QStringLiteral("Bearbeitungsfunktionen für Vektordateien sind noch nicht verfügbar.");
 
-// The label says nothing before the first choice, and in an empty group that there is no picture.
-std::optional<editing::PictureInGroup> shownPicture(const SelectionContext& selection) {
-    const auto group = selection.group();
-    if (!group || selection.pictureName.isEmpty() ||
-        selection.pictureName == app::text(app::kTextNoPicture)) {
-        return std::nullopt;
-    }
-    return editing::PictureInGroup{
-        *group, selection.groupPath, {selection.pictureName.toStdU16String()}};
-}
-
 // Nothing after a box has told the failure.
 std::optional<QString> readType(const CommandCall& call, const editing::PictureInGroup& picture) {
     const store::Library& library = call.view.library();
@@ -68,7 +57,7 @@ bool hasEditor(const QString& pictureType) {
 }
 
 void editPicture(CommandCall& call) {
-    const auto picture = shownPicture(call.selection);
+    const auto picture = call.selection.pictureInGroup();
     if (!picture) {
         return;
     }

@@ -7,7 +7,7 @@
 #include "commands/dialog_layout.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
-#include "compound/error.h"
+#include "commands/picture_renaming.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 
@@ -22,23 +22,16 @@ constexpr int kCaption = 400;
 constexpr int kPrompt = 403;
 constexpr int kBack = 404;
 constexpr int kHelp = 405;
-constexpr int kNotForPictures = 450;
-constexpr int kNameMissing = 451;
-constexpr int kNameExists = 452;
 constexpr int kNoPicture = 453;
 constexpr int kReservedBefore = 454;
 constexpr int kReservedAfter = 455;
-constexpr int kNameInvalid = 951;
 
 // What the name alone forbids; empty when it forbids nothing.
 QString refusalByName(const QString& name) {
     if (store::isGroupText(name.toStdU16String())) {
         return app::text(kReservedBefore) + u'"' + name + u'"' + app::text(kReservedAfter);
     }
-    if (name == app::text(app::kTextNoPicture)) {
-        return u'"' + name + app::text(kNotForPictures);
-    }
-    return name.isEmpty() ? app::text(kNameMissing) : QString();
+    return refusalOf(name);
 }
 
 } // namespace
@@ -104,41 +97,19 @@ QString frmEditSymbol::renameOrRefuse(const QString& name) {
     if (!refusal.isEmpty()) {
         return refusal;
     }
-    const auto group = context_.group();
-    const store::PictureName from{context_.pictureName.toStdU16String()};
-    if (!group) {
+    const auto picture = context_.pictureInGroup();
+    if (!picture) {
         return app::text(kNoPicture);
     }
-    if (!store::findPicture(view_.library(), *group, from)) {
-        // One that went behind the window's back is taken off the screen as well.
-        if (!context_.pictureName.isEmpty() &&
-            context_.pictureName != app::text(app::kTextNoPicture)) {
-            view_.Aktualisieren();
-        }
+    if (!store::pictureExists(view_.library(), picture->group, picture->name)) {
+        view_.Aktualisieren(); // it went behind the window's back: off the screen with it
         return app::text(kNoPicture);
     }
-    return renameInGroup(*group, from, name);
-}
-
-// Names count as they are written until the store, to which case does not matter, has the last
-// word.
-QString frmEditSymbol::renameInGroup(const store::GroupAddress& group,
-                                     const store::PictureName& from, const QString& name) {
-    const store::PictureName to{name.toStdU16String()};
-    if (store::findPicture(view_.library(), group, to) == to) {
-        return app::text(kNameExists);
+    refusal = commands::renameOrRefuse(view_.library(), picture->group, picture->name, name);
+    if (refusal.isEmpty()) {
+        view_.PictureRenamed(picture->group, name);
     }
-    try {
-        store::renamePicture(view_.library(), group, from, to);
-    } catch (const compound::Error& error) {
-        if (error.code() == compound::ErrorCode::InvalidName ||
-            error.code() == compound::ErrorCode::Exists) {
-            return app::text(kNameInvalid);
-        }
-        throw;
-    }
-    view_.PictureRenamed(group, name);
-    return {};
+    return refusal;
 }
 
 } // namespace commands

@@ -28,8 +28,6 @@ class frmEditSymbol : public QDialog {
     void connectControls();
     void rename();
     QString renameOrRefuse(const QString& name);
-    QString renameInGroup(const store::GroupAddress& group, const store::PictureName& from,
-                          const QString& name);
 
     LibraryView& view_;
     SelectionContext context_;

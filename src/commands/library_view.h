@@ -28,9 +28,7 @@ class LibraryView {
 
     virtual std::optional<SelectedGroup> selectedGroup() const = 0;
 
-    // What the label below the preview shows: a picture's name, the "no picture" text, or nothing
-    // before the first choice.
-    virtual QString shownPicture() const = 0;
+    virtual const ShownPicture& shownPicture() const = 0;
 
     // Reads all group files and rebuilds the tree. Nothing is selected afterwards.
     virtual void FillTreeView() = 0;
@@ -69,7 +67,7 @@ class LibraryView {
     // Empties the large preview and the thumbnails.
     virtual void NoPictures() = 0;
 
-    // Lets the label say that there is no picture, and empties the large preview.
+    // Lets the window say that there is no picture, and empties the large preview.
     virtual void ShowNoPicture() = 0;
 
     // Whether the thumbnails, and not the list, show the pictures.

@@ -25,25 +25,15 @@ constexpr int kNothingChosen = 303;
 const std::string kReadName = "Picture";
 const std::string kHandOverName = "CopiedPicture";
 
-bool isNoPicture(const SelectionContext& selection) {
-    return selection.pictureName == app::text(app::kTextNoPicture);
-}
-
-store::PictureName nameOf(const SelectionContext& selection) {
-    return {selection.pictureName.toStdU16String()};
-}
-
-// The selected group, if it holds the shown picture. A picture that went behind the window's back
-// is taken off the screen as well.
-std::optional<store::GroupAddress> groupOfPicture(const CommandCall& call) {
-    auto group = call.selection.group();
-    if (!group || store::findPicture(call.view.library(), *group, nameOf(call.selection))) {
-        return group;
-    }
-    if (!call.selection.pictureName.isEmpty() && !isNoPicture(call.selection)) {
+// The shown picture, if the selected group holds it. One that went behind the window's back is
+// taken off the screen as well.
+std::optional<editing::PictureInGroup> storedPicture(const CommandCall& call) {
+    auto picture = call.selection.pictureInGroup();
+    if (picture && !store::pictureExists(call.view.library(), picture->group, picture->name)) {
         call.view.Aktualisieren();
+        picture.reset();
     }
-    return std::nullopt;
+    return picture;
 }
 
 // Runs what needs the shown picture's group; a failure is told with the group's path.
@@ -60,11 +50,11 @@ void withGroupNamed(const CommandCall& call, Action action) {
 // is no picture of that name.
 std::optional<std::filesystem::path> copyToFile(const CommandCall& call,
                                                 const std::string& baseName) {
-    const auto group = groupOfPicture(call);
-    if (!group) {
+    const auto picture = storedPicture(call);
+    if (!picture) {
         return std::nullopt;
     }
-    return store::exportPicture(call.view.library(), *group, nameOf(call.selection),
+    return store::exportPicture(call.view.library(), picture->group, picture->name,
                                 app::settings().restoredTemporaryFolderPath(), baseName);
 }
 
@@ -75,7 +65,7 @@ void handOverShownPicture(const CommandCall& call) {
 }
 
 bool isDeletionConfirmed(const CommandCall& call) {
-    const QString question = app::text(kDeleteBefore) + call.selection.pictureName +
+    const QString question = app::text(kDeleteBefore) + call.selection.picture.nameText() +
                              app::text(kDeleteBetween) + call.selection.groupName +
                              app::text(kDeleteAfter);
     return app::msgBox(question, app::Buttons::YesNo, app::kProgramTitle, call.view.owner()) ==
@@ -96,7 +86,7 @@ void addPicture(CommandCall& call) {
 }
 
 void readPicture(CommandCall& call) {
-    if (isNoPicture(call.selection)) {
+    if (call.selection.picture.isNone()) {
         return;
     }
     withGroupNamed(call, [&call] { copyToFile(call, kReadName); });
@@ -114,7 +104,7 @@ void handOverAndClose(CommandCall& call) {
 }
 
 void renamePicture(CommandCall& call) {
-    if (call.origin == Origin::Menu && isNoPicture(call.selection)) {
+    if (call.origin == Origin::Menu && call.selection.picture.isNone()) {
         return;
     }
     if (!call.dialogs.renamePicture) {
@@ -124,20 +114,20 @@ void renamePicture(CommandCall& call) {
 }
 
 void deletePicture(CommandCall& call) {
-    if (call.origin == Origin::Menu && isNoPicture(call.selection)) {
+    if (call.origin == Origin::Menu && call.selection.picture.isNone()) {
         return;
     }
     withGroupNamed(call, [&call] {
-        const auto group = groupOfPicture(call);
-        if (group && isDeletionConfirmed(call)) {
-            store::deletePicture(call.view.library(), *group, nameOf(call.selection));
+        const auto picture = storedPicture(call);
+        if (picture && isDeletionConfirmed(call)) {
+            store::deletePicture(call.view.library(), picture->group, picture->name);
             call.view.Aktualisieren();
         }
     });
 }
 
 void showPictureInfo(CommandCall& call) {
-    if (call.selection.pictureName.isEmpty()) {
+    if (call.selection.picture.isUnchosen()) {
         app::msgBox(app::text(kNothingChosen), app::Buttons::Ok, app::kProgramTitle,
                     call.view.owner());
         return;
@@ -145,14 +135,14 @@ void showPictureInfo(CommandCall& call) {
     // What the click has set off is painted before the dialog covers it.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     withGroupNamed(call, [&call] {
-        const auto group = groupOfPicture(call);
-        if (!group) {
+        const auto picture = storedPicture(call);
+        if (!picture) {
             return;
         }
         if (!call.dialogs.pictureInfo) {
             call.dialogs.pictureInfo = new frmInfos(call.view.owner());
         }
-        call.dialogs.pictureInfo->openFor(call.view.library(), *group, nameOf(call.selection));
+        call.dialogs.pictureInfo->openFor(call.view.library(), picture->group, picture->name);
     });
 }
 

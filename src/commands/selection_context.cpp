@@ -9,9 +9,16 @@ std::optional<store::GroupAddress> SelectionContext::group() const {
     return store::GroupAddress{CurrentGroup, CurrentStorage};
 }
 
-SelectionContext contextOf(const std::optional<SelectedGroup>& group, const QString& pictureName) {
+std::optional<editing::PictureInGroup> SelectionContext::pictureInGroup() const {
+    if (!hasGroup() || !picture.name()) {
+        return std::nullopt;
+    }
+    return editing::PictureInGroup{*group(), groupPath, *picture.name()};
+}
+
+SelectionContext contextOf(const std::optional<SelectedGroup>& group, const ShownPicture& picture) {
     SelectionContext context;
-    context.pictureName = pictureName;
+    context.picture = picture;
     if (group) {
         context.CurrentStorage = group->address.storage;
         context.CurrentGroup = group->address.file;

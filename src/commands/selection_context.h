@@ -1,6 +1,8 @@
 // What is selected in the main window at the moment a command starts.
 #pragma once
 
+#include "commands/shown_picture.h"
+#include "editing/picture_in_group.h"
 #include "store/address.h"
 
 #include <QString>
@@ -26,15 +28,19 @@ struct SelectionContext {
     QString groupName;
     QString groupPath;
     bool TopLevelSelected = true; // also without a selected group: what is made goes to the top
-    QString pictureName;          // what the label below the preview shows; may name no picture
+    ShownPicture picture;
 
     bool hasGroup() const { return !CurrentGroup.text.empty(); }
 
     // The selected group; nothing when none is selected.
     std::optional<store::GroupAddress> group() const;
+
+    // The shown picture as one of the selected group; nothing without a picture or a group. It may
+    // have gone meanwhile, and another group than the selected one may be shown.
+    std::optional<editing::PictureInGroup> pictureInGroup() const;
 };
 
 // The only function that fills a context.
-SelectionContext contextOf(const std::optional<SelectedGroup>& group, const QString& pictureName);
+SelectionContext contextOf(const std::optional<SelectedGroup>& group, const ShownPicture& picture);
 
 } // namespace commands

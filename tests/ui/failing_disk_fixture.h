@@ -23,7 +23,7 @@ class ViewInMemory : public commands::LibraryView {
     QWidget* owner() override { return nullptr; }
     const store::Library& library() const override { return library_; }
     std::optional<commands::SelectedGroup> selectedGroup() const override { return selected; }
-    QString shownPicture() const override { return "P1"; }
+    const commands::ShownPicture& shownPicture() const override { return shown_; }
     void Aktualisieren() override { ++refreshes; }
     void PictureRenamed(const store::GroupAddress&, const QString&) override { ++refreshes; }
     void FillTreeView() override { ++refreshes; }
@@ -49,6 +49,7 @@ class ViewInMemory : public commands::LibraryView {
     int refreshes = 0;
 
   private:
+    commands::ShownPicture shown_{store::PictureName{u"P1"}};
     store::Library library_{disk, "/library",
                             [](std::span<const std::byte>) {
                                 return store::TwipSize{15, 15};

@@ -78,7 +78,7 @@ TEST_P(MainStart, LeavingAServerOnlyHidesItsWindow) {
         server.show();
         ASSERT_TRUE(QTest::qWaitFor([&] { return server.isSettled(); }));
         groups->setCurrentItem(groups->topLevelItem(0));
-        EXPECT_EQ(server.shownPicture(), "P1") << visit;
+        EXPECT_EQ(server.shownPicture().caption(), "P1") << visit;
         server.findChild<QAction*>("Men_Datei_6")->trigger();
         EXPECT_FALSE(server.isVisible()) << visit;
         EXPECT_EQ(unloaded.count(), 0) << visit;

@@ -1,0 +1,46 @@
+#include "commands/picture_renaming.h"
+
+#include "app/texts.h"
+#include "compound/error.h"
+#include "store/picture_operations.h"
+
+namespace commands {
+namespace {
+
+constexpr int kNotForPictures = 450;
+constexpr int kNameMissing = 451;
+constexpr int kNameExists = 452;
+constexpr int kNameInvalid = 951;
+
+} // namespace
+
+QString refusalOf(const QString& newName) {
+    if (newName == app::text(app::kTextNoPicture)) {
+        return u'"' + newName + app::text(kNotForPictures);
+    }
+    return newName.isEmpty() ? app::text(kNameMissing) : QString();
+}
+
+QString renameOrRefuse(const store::Library& library, const store::GroupAddress& group,
+                       const store::PictureName& from, const QString& newName) {
+    const QString refusal = refusalOf(newName);
+    if (!refusal.isEmpty()) {
+        return refusal;
+    }
+    const store::PictureName to{newName.toStdU16String()};
+    if (store::findPicture(library, group, to) == to) {
+        return app::text(kNameExists);
+    }
+    try {
+        store::renamePicture(library, group, from, to);
+    } catch (const compound::Error& error) {
+        if (error.code() == compound::ErrorCode::InvalidName ||
+            error.code() == compound::ErrorCode::Exists) {
+            return app::text(kNameInvalid);
+        }
+        throw;
+    }
+    return {};
+}
+
+} // namespace commands
