@@ -1,9 +1,9 @@
 // Drawing metafiles: WMF files against the library behind wmf2gd, both in this process and into
 // memory; EMF files against emf2svg-conv with rsvg-convert, all as programs that write PNG files.
 // The files are the demonstration library's, or those in the folder that TXS_METAFILES names.
-#include "imaging/metafile/metafile.h"
-#include "imaging/picture.h"
+#include "metafile/metafile.h"
 #include "peers.h"
+#include "picture/picture.h"
 #include "ratio_reporter.h"
 
 #include <QGuiApplication>
@@ -74,8 +74,8 @@ std::vector<Source> sourcesOf(const std::string& extension) {
             continue;
         Source source{entry.path().string(), contentOf(entry.path()), {}};
         try {
-            source.size = imaging::measure(source.bytes).pixels;
-        } catch (const imaging::DecodeError&) {
+            source.size = picture::measure(source.bytes).pixels;
+        } catch (const picture::DecodeError&) {
             continue; // one that nobody draws
         }
         source.size.scale(kSide, kSide, Qt::KeepAspectRatio);
@@ -90,7 +90,7 @@ void drawWmf(benchmark::State& state) {
     for (auto _ : state) {
         for (const Source& source : sources) {
             const auto bytes = contentOf(source.path);
-            benchmark::DoNotOptimize(imaging::metafile::draw(bytes, source.size));
+            benchmark::DoNotOptimize(metafile::draw(bytes, source.size));
         }
     }
 }

@@ -1,7 +1,7 @@
 // The store against a plain folder of files and against SQLite, side by side in one run:
 // durable adding and how its cost grows, listing, and reading one picture with opening included.
-#include "imaging/picture.h"
 #include "peers.h"
+#include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "ratio_reporter.h"
 #include "store/group_operations.h"
@@ -53,7 +53,7 @@ std::string nameOf(int number) {
 }
 
 store::TwipSize measure(std::span<const std::byte> bytes) {
-    const imaging::TwipSize size = imaging::measure(bytes).twips;
+    const picture::TwipSize size = picture::measure(bytes).twips;
     return {size.height, size.width};
 }
 

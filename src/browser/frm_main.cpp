@@ -18,7 +18,7 @@
 #include "commands/edit_picture.h"
 #include "commands/failure_report.h"
 #include "compound/error.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "platform/native_disk.h"
 
 #include <QCloseEvent>
@@ -36,7 +36,7 @@ constexpr app::TextPair kTreeName{u"Gruppen", u"Groups"};
 constexpr QSize kInitialSize(900, 640);
 
 store::TwipSize measurePicture(std::span<const std::byte> bytes) {
-    const imaging::TwipSize size = imaging::measure(bytes).twips;
+    const picture::TwipSize size = picture::measure(bytes).twips;
     return {size.height, size.width};
 }
 

@@ -14,7 +14,7 @@ constexpr int kPadding = 10;  // pixels between frame and picture
 constexpr int kMostRatio = 4; // device pixels a pixel, on the finest screens
 
 // A huge picture need not stay in memory while the next ones are decoded.
-imaging::Picture reduced(imaging::Picture picture, const QSize& most) {
+picture::Picture reduced(picture::Picture picture, const QSize& most) {
     const QSize size = picture.image().size();
     if (size.width() <= most.width() && size.height() <= most.height()) {
         return picture;
@@ -29,7 +29,7 @@ LargePreview::LargePreview(QWidget* parent) : QFrame(parent) {
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
 }
 
-void LargePreview::showPicture(imaging::Picture picture) {
+void LargePreview::showPicture(picture::Picture picture) {
     content_ = Content::Picture;
     picture_ = reduced(std::move(picture), size() * kMostRatio);
     fitted_ = {};

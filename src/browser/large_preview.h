@@ -2,7 +2,7 @@
 // its proportions kept, small pictures at their own size.
 #pragma once
 
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 #include <QFrame>
 
@@ -17,7 +17,7 @@ class LargePreview : public QFrame {
     explicit LargePreview(QWidget* parent = nullptr);
 
     // Of a picture larger than the frame only as much is kept as a screen can show.
-    void showPicture(imaging::Picture picture);
+    void showPicture(picture::Picture picture);
 
     // For a picture whose bytes cannot be decoded.
     void showUndecodable();
@@ -38,7 +38,7 @@ class LargePreview : public QFrame {
     enum class Content { Nothing, Picture, Undecodable };
 
     Content content_ = Content::Nothing;
-    std::optional<imaging::Picture> picture_;
+    std::optional<picture::Picture> picture_;
     QImage fitted_; // the picture at the frame's size; null until painted
     double fittedRatio_ = 1;
 };

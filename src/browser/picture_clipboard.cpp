@@ -1,6 +1,6 @@
 #include "browser/picture_clipboard.h"
 
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "platform/paths.h"
 #include "store/picture_operations.h"
 
@@ -21,9 +21,9 @@ constexpr const char* kFolder = "Clipboard";
 
 QImage imageOf(const store::StoredPicture& picture) {
     try {
-        const imaging::Picture decoded = imaging::decode(picture.bytes);
+        const picture::Picture decoded = picture::decode(picture.bytes);
         return decoded.scaledTo(decoded.facts().pixels);
-    } catch (const imaging::DecodeError&) {
+    } catch (const picture::DecodeError&) {
         return {};
     }
 }

@@ -9,7 +9,7 @@
 
 namespace browser {
 
-QImage fitted(const imaging::Picture& picture, const QSizeF& area, double screenRatio) {
+QImage fitted(const picture::Picture& picture, const QSizeF& area, double screenRatio) {
     QSizeF size = picture.facts().pixels;
     if (size.width() > area.width() || size.height() > area.height()) {
         size.scale(area, Qt::KeepAspectRatio);

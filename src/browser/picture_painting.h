@@ -1,7 +1,7 @@
 // How the main window's views paint pictures and the places where pictures stand.
 #pragma once
 
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 #include <QImage>
 #include <QPalette>
@@ -13,7 +13,7 @@ namespace browser {
 
 // The picture fitted into `area` (device-independent pixels) with its proportions kept and never
 // enlarged, at the screen's full resolution. The image's device pixel ratio tells its size.
-QImage fitted(const imaging::Picture& picture, const QSizeF& area, double screenRatio);
+QImage fitted(const picture::Picture& picture, const QSizeF& area, double screenRatio);
 
 // `image` centred in `area` (device-independent pixels) at the size given by its device pixel
 // ratio. A see-through image gets paper behind it.

@@ -8,7 +8,7 @@
 #include "browser/thumbnail_strip.h"
 #include "browser/thumbnail_tool_tip.h"
 #include "compound/error.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "store/picture_operations.h"
 
 #include <QScrollBar>
@@ -370,7 +370,7 @@ void PicturePanel::choose(const store::PictureName& picture) {
 void PicturePanel::showStored(const store::StoredPicture& picture) {
     shownType_ = QString::fromStdString(picture.record.type);
     try {
-        imgVorschau_->showPicture(imaging::decode(picture.bytes));
+        imgVorschau_->showPicture(picture::decode(picture.bytes));
     } catch (const std::exception&) {
         imgVorschau_->showUndecodable();
     }

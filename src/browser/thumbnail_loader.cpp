@@ -2,7 +2,7 @@
 
 #include "browser/picture_painting.h"
 #include "compound/error.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 #include <QElapsedTimer>
 
@@ -76,7 +76,7 @@ void ThumbnailLoader::decodeNext() {
     undecoded_.pop_front();
     QImage image;
     try {
-        image = fitted(imaging::decode(stored.bytes), page_.area, page_.screenRatio);
+        image = fitted(picture::decode(stored.bytes), page_.area, page_.screenRatio);
     } catch (const std::exception&) {
         image = {}; // shown as a picture that cannot be decoded
     }

@@ -7,7 +7,7 @@
 #include "app/twips.h"
 #include "editing/picture_box.h"
 #include "editing/screen_place.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -213,7 +213,7 @@ void frmInfos::showPreview(const store::StoredPicture& picture) {
     imgBild_->clear();
     picBild_->resize(0, 0);
     try {
-        const imaging::Picture decoded = imaging::decode(picture.bytes);
+        const picture::Picture decoded = picture::decode(picture.bytes);
         picBild_->resize(decoded.facts().pixels);
         VorschauAnpassen();
         imgBild_->setPicture(decoded);

@@ -13,7 +13,7 @@
 #include "editing/folder_list.h"
 #include "editing/picture_box.h"
 #include "editing/screen_place.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 #include "store/damaged_groups.h"
@@ -97,15 +97,15 @@ std::filesystem::path pathOf(const FileList& files) {
     return platform::toFilePath(platform::joinPath(files.folder(), files.fileName()));
 }
 
-// Throws compound::Error or imaging::DecodeError.
-imaging::Picture readPicture(const std::filesystem::path& path) {
+// Throws compound::Error or picture::DecodeError.
+picture::Picture readPicture(const std::filesystem::path& path) {
     const auto file = platform::nativeDisk().open(path, compound::Access::Read);
     const std::uint64_t size = file->size();
     if (size > store::kMaximumPictureBytes)
         throw compound::Error(compound::ErrorCode::TooLarge, path, "too large for a picture");
     std::vector<std::byte> bytes(static_cast<std::size_t>(size));
     bytes.resize(file->read(0, bytes));
-    return imaging::decode(bytes);
+    return picture::decode(bytes);
 }
 
 // Without a folder there is nothing to scan; saving will say what is wrong with it.
@@ -275,8 +275,8 @@ void frmOpen::openFile(const QString& fileName) {
     isInvalidPicture_ = false;
     try {
         const app::WaitCursor waiting;
-        const imaging::Picture picture = readPicture(pathOf(*filDatei_));
-        const imaging::TwipSize twips = picture.facts().twips;
+        const picture::Picture picture = readPicture(pathOf(*filDatei_));
+        const picture::TwipSize twips = picture.facts().twips;
         picBild_->resize(app::toPixels(twips.width, twips.height));
         imgVorschau_->hide();
         VorschauAnpassen();

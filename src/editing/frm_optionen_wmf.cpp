@@ -6,7 +6,7 @@
 #include "app/texts.h"
 #include "editing/screen_place.h"
 #include "editing/vector_box.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "store/picture_operations.h"
 
 #include <QPainter>
@@ -79,7 +79,7 @@ void frmOptionenWMF::load(const store::Library& library, const PictureInGroup& p
 void frmOptionenWMF::VorschauAnpassen(const store::Library& library,
                                       const PictureInGroup& picture) {
     const store::StoredPicture stored = store::readPicture(library, picture.group, picture.name);
-    imaging::Picture decoded = imaging::decode(stored.bytes);
+    picture::Picture decoded = picture::decode(stored.bytes);
     height_ = double{stored.record.height};
     width_ = double{stored.record.width};
     picBild_->resize(decoded.facts().pixels);

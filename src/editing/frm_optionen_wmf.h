@@ -26,7 +26,7 @@ class frmOptionenWMF : public QDialog {
     void load(const store::Library& library, const PictureInGroup& picture);
 
     // Reads the picture and fits `Vector` to its record. Throws compound::Error or
-    // imaging::DecodeError; the picture shown before then stays.
+    // picture::DecodeError; the picture shown before then stays.
     void VorschauAnpassen(const store::Library& library, const PictureInGroup& picture);
 
     // Where `Vector` stands in the window, twips. At the window's first size it fits into a square

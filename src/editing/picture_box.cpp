@@ -8,7 +8,7 @@ namespace editing {
 
 PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {}
 
-void PictureBox::setPicture(const imaging::Picture& picture) {
+void PictureBox::setPicture(const picture::Picture& picture) {
     const QSize device = size() * devicePixelRatioF();
     if (picture.image().isNull()) {
         // A metafile is drawn in the box's own proportions: stretching it afterwards would blur it.

@@ -1,7 +1,7 @@
 // A picture stretched to the box's own size, whatever its proportions.
 #pragma once
 
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 #include <QImage>
 #include <QWidget>
@@ -14,7 +14,7 @@ class PictureBox : public QWidget {
   public:
     explicit PictureBox(QWidget* parent);
 
-    void setPicture(const imaging::Picture& picture);
+    void setPicture(const picture::Picture& picture);
     void clear();
     bool isEmpty() const { return scaled_.isNull(); }
 

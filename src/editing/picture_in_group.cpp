@@ -2,7 +2,7 @@
 
 #include "app/message_box.h"
 #include "app/texts.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 namespace editing {
 
@@ -16,7 +16,7 @@ constexpr app::TextPair kNoPicture = {u"Sein Inhalt ist kein lesbares Bild. (%1)
 
 // What is wrong with a picture's bytes is not the group file's fault.
 QString causeOf(const std::exception& failure) {
-    if (dynamic_cast<const imaging::DecodeError*>(&failure) != nullptr)
+    if (dynamic_cast<const picture::DecodeError*>(&failure) != nullptr)
         return app::text(kNoPicture).arg(QString::fromUtf8(failure.what()));
     return app::errorText(failure);
 }

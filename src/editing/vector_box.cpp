@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds kSettled{80};
 
 // The largest rectangle of the picture's proportions in the middle of `area`. On whole pixels, so
 // that the player's thin lines fall onto the screen's.
-QRect fittedInto(const QSize& area, const imaging::TwipSize& picture) {
+QRect fittedInto(const QSize& area, const picture::TwipSize& picture) {
     QSizeF size(picture.width, picture.height);
     size.scale(area, Qt::KeepAspectRatio);
     const QSize whole = size.toSize().expandedTo({1, 1});
@@ -29,7 +29,7 @@ VectorBox::VectorBox(QWidget* parent) : QWidget(parent) {
     connect(&settling_, &QTimer::timeout, this, [this] { update(); });
 }
 
-void VectorBox::setPicture(imaging::Picture picture) {
+void VectorBox::setPicture(picture::Picture picture) {
     picture_ = std::move(picture);
     drawn_ = {};
     settling_.stop();
@@ -47,7 +47,7 @@ QSize VectorBox::deviceSize() const {
     return (QSizeF(size()) * devicePixelRatioF()).toSize();
 }
 
-void VectorBox::draw(const imaging::Picture& picture) {
+void VectorBox::draw(const picture::Picture& picture) {
     drawn_ = QImage(deviceSize(), QImage::Format_ARGB32_Premultiplied);
     if (drawn_.isNull())
         return;

@@ -6,7 +6,7 @@
 // the size has settled: a drawing may have more records than a frame has time.
 #pragma once
 
-#include "imaging/picture.h"
+#include "picture/picture.h"
 
 #include <QImage>
 #include <QTimer>
@@ -22,7 +22,7 @@ class VectorBox : public QWidget {
   public:
     explicit VectorBox(QWidget* parent);
 
-    void setPicture(imaging::Picture picture);
+    void setPicture(picture::Picture picture);
     void clear();
 
   protected:
@@ -31,9 +31,9 @@ class VectorBox : public QWidget {
 
   private:
     QSize deviceSize() const;
-    void draw(const imaging::Picture& picture);
+    void draw(const picture::Picture& picture);
 
-    std::optional<imaging::Picture> picture_;
+    std::optional<picture::Picture> picture_;
     QImage drawn_; // null until the picture is painted for the first time
     QTimer settling_;
 };

@@ -30,7 +30,7 @@ void limitPalette(DibHeader& header, std::size_t pixels) {
     header.paletteEntries = std::min(header.paletteEntries, room);
 }
 
-Picture decodeEmbedded(std::span<const std::byte> bytes, const DibHeader& header) {
+RasterPicture decodeEmbedded(std::span<const std::byte> bytes, const DibHeader& header) {
     const char* const format = header.compression == DibCompression::Png ? "PNG" : "JPG";
     const std::optional<QImage> image = readEmbedded(bytes, format, {header.width, header.height});
     if (!image)
@@ -44,7 +44,7 @@ PictureFacts measureBmp(std::span<const std::byte> bytes) {
     return factsOf(headerOf(bytes));
 }
 
-Picture decodeBmp(std::span<const std::byte> bytes) {
+RasterPicture decodeBmp(std::span<const std::byte> bytes) {
     const ByteReader file(bytes);
     DibHeader header = headerOf(bytes);
     const std::size_t pixels = pixelsAt(file, header);

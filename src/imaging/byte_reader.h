@@ -1,8 +1,9 @@
 // Bounded little-endian reading of a file in memory: whoever reads past the end gets a DecodeError.
 #pragma once
 
-#include "imaging/picture.h"
+#include "imaging/picture_facts.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -49,11 +50,5 @@ class ByteReader {
 
     std::span<const std::byte> bytes_;
 };
-
-// Throws unless both sides are at least 1 and the area at most kMaximumPixels.
-void requireSensibleSize(std::int64_t width, std::int64_t height);
-
-// An image of that size, cleared to transparent; DecodeError when there is no memory for it.
-QImage newImage(QSize size, QImage::Format format);
 
 } // namespace imaging

@@ -1,31 +1,45 @@
-// One decoder for each kind of picture; picture.cpp chooses by content. All throw DecodeError.
+// Raster pictures: bytes -> pixels, one decoder for each kind. A kind is recognised by the content,
+// and sizes are checked before memory is taken.
+//
+// All throw DecodeError and nothing else for the bytes' sake. They keep nothing between calls: any
+// number of threads may decode at once. No QGuiApplication is needed.
 #pragma once
 
-#include "imaging/picture.h"
+#include "imaging/picture_facts.h"
 
+#include <QImage>
+
+#include <cstddef>
 #include <optional>
 #include <span>
 
 namespace imaging {
 
+struct RasterPicture {
+    PictureFacts facts;
+    QImage image; // in full size, maybe with alpha
+};
+
+// What raster kind the bytes begin like.
+std::optional<PictureKind> sniff(std::span<const std::byte> bytes);
+
+// Kind and size from the headers; takes no memory for pixels.
+PictureFacts measure(std::span<const std::byte> bytes);
+
+RasterPicture decode(std::span<const std::byte> bytes);
+
 PictureFacts measureBmp(std::span<const std::byte> bytes);
-Picture decodeBmp(std::span<const std::byte> bytes);
+RasterPicture decodeBmp(std::span<const std::byte> bytes);
 
 // ICO and CUR.
 PictureFacts measureIcon(std::span<const std::byte> bytes);
-Picture decodeIcon(std::span<const std::byte> bytes);
+RasterPicture decodeIcon(std::span<const std::byte> bytes);
 
 PictureFacts measureGif(std::span<const std::byte> bytes);
-Picture decodeGif(std::span<const std::byte> bytes);
+RasterPicture decodeGif(std::span<const std::byte> bytes);
 
 PictureFacts measureJpg(std::span<const std::byte> bytes);
-Picture decodeJpg(std::span<const std::byte> bytes);
-
-// WMF and EMF: recognised and measured from their headers.
-PictureFacts measureWmf(std::span<const std::byte> bytes);
-PictureFacts measureEmf(std::span<const std::byte> bytes);
-bool isWmf(std::span<const std::byte> bytes);
-bool isEmf(std::span<const std::byte> bytes);
+RasterPicture decodeJpg(std::span<const std::byte> bytes);
 
 // A JPG or PNG picture inside another file, as ARGB32, through Qt's reader. `size` has been
 // checked; nullopt when the bytes cannot be read or are of another size.

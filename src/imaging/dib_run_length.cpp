@@ -1,5 +1,7 @@
 #include "imaging/dib_run_length.h"
 
+#include "imaging/new_image.h"
+
 #include <algorithm>
 #include <utility>
 

@@ -2,6 +2,7 @@
 // Source: "Graphics Interchange Format, Version 89a" (CompuServe, 1990).
 #include "imaging/byte_reader.h"
 #include "imaging/decoders.h"
+#include "imaging/new_image.h"
 
 #include <algorithm>
 #include <array>
@@ -165,7 +166,7 @@ PictureFacts measureGif(std::span<const std::byte> bytes) {
     return factsOf(gif.get());
 }
 
-Picture decodeGif(std::span<const std::byte> bytes) {
+RasterPicture decodeGif(std::span<const std::byte> bytes) {
     Source source{bytes};
     const Gif gif = openGif(source);
     const int transparent = findFirstPicture(gif.get());

@@ -4,6 +4,7 @@
 // ICONDIRENTRY.
 #include "imaging/decoders.h"
 #include "imaging/dib_reader.h"
+#include "imaging/new_image.h"
 
 #include <algorithm>
 #include <array>
@@ -156,7 +157,7 @@ PictureFacts measureIcon(std::span<const std::byte> bytes) {
     return factsOf(icon, icon.frames.front());
 }
 
-Picture decodeIcon(std::span<const std::byte> bytes) {
+RasterPicture decodeIcon(std::span<const std::byte> bytes) {
     constexpr std::size_t kMostTries = 16; // a hostile directory names very many broken frames
     const Icon icon = readDirectory(bytes);
     std::string cause;

@@ -1,6 +1,7 @@
 // JPG through Qt's reader, turned upright as its EXIF orientation says.
 #include "imaging/byte_reader.h"
 #include "imaging/decoders.h"
+#include "imaging/new_image.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -102,7 +103,7 @@ PictureFacts measureJpg(std::span<const std::byte> bytes) {
     return Reader(bytes).facts();
 }
 
-Picture decodeJpg(std::span<const std::byte> bytes) {
+RasterPicture decodeJpg(std::span<const std::byte> bytes) {
     QImageReader::setAllocationLimit(kAllocationLimit);
     Reader reader(bytes);
     const PictureFacts facts = reader.facts();

@@ -3,7 +3,7 @@
 #include "app/number_text.h"
 #include "app/settings.h"
 #include "compound/error.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "store/group_operations.h"
 
@@ -15,7 +15,7 @@ using compound::ErrorCode;
 
 // A picture counts as one when it can be shown, so the whole of it is decoded.
 store::TwipSize measure(std::span<const std::byte> bytes) {
-    const imaging::Picture picture = imaging::decode(bytes);
+    const picture::Picture picture = picture::decode(bytes);
     return {picture.facts().twips.height, picture.facts().twips.width};
 }
 

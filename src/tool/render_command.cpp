@@ -1,6 +1,6 @@
 // render: a picture file of any of the seven types as PNG.
 #include "compound/error.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "tool/command.h"
 #include "tool/library_arguments.h"
 #include "tool/output_file.h"
@@ -55,15 +55,15 @@ ExitStatus renderPicture(const Invocation& invocation) {
     const std::vector<std::byte> bytes = readPictureFile(source);
     QImage image;
     try {
-        const imaging::Picture picture = imaging::decode(bytes);
+        const picture::Picture picture = picture::decode(bytes);
         const QSize box = boxFor(invocation.arguments, picture.facts().pixels);
-        if (qint64{box.width()} * box.height() > imaging::kMaximumPixels)
+        if (qint64{box.width()} * box.height() > picture::kMaximumPixels)
             throw Error(ErrorCode::TooLarge, target, "the picture would have too many pixels");
         image = picture.scaledTo(box);
         if (picture.isDrawnInPart())
             complain(invocation.console,
                      source.string() + ": cut short or asking for too much; drawn in part");
-    } catch (const imaging::DecodeError& error) {
+    } catch (const picture::DecodeError& error) {
         throw Error(ErrorCode::InvalidPicture, source, error.what());
     }
     const QByteArray png = toPng(image, target);

@@ -1,9 +1,9 @@
 // Feeds arbitrary bytes to one metafile reader, or to readers and player together (TXS_READER).
 #include "imaging/byte_reader.h"
-#include "imaging/metafile/emf_reader.h"
-#include "imaging/metafile/metafile.h"
-#include "imaging/metafile/plus_reader.h"
-#include "imaging/metafile/wmf_reader.h"
+#include "metafile/emf/emf_reader.h"
+#include "metafile/metafile.h"
+#include "metafile/plus/plus_reader.h"
+#include "metafile/wmf/wmf_reader.h"
 
 #include <QGuiApplication>
 
@@ -12,7 +12,6 @@
 namespace {
 
 using Bytes = std::span<const std::byte>;
-namespace metafile = imaging::metafile;
 
 class Nothing : public metafile::RecordSink {
   public:
@@ -58,7 +57,7 @@ class Nothing : public metafile::RecordSink {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {
         TXS_READER(std::as_bytes(std::span(data, size)));
-    } catch (const imaging::DecodeError&) {
+    } catch (const picture::DecodeError&) {
         return 0; // what a reader says of bytes that are no metafile
     }
     return 0;

@@ -1,6 +1,6 @@
 // Writes metafiles with records of every family into a folder, for the fuzz targets to begin with.
 // usage: metafile_seeds FOLDER
-#include "imaging/metafile_bytes.h"
+#include "metafile/metafile_bytes.h"
 
 #include <cstdio>
 #include <fstream>
@@ -8,9 +8,9 @@
 
 namespace {
 
-using imaging::testing::Bytes;
-using imaging::testing::EmfFile;
-using imaging::testing::WmfFile;
+using metafile::testing::Bytes;
+using metafile::testing::EmfFile;
+using metafile::testing::WmfFile;
 
 void write(const std::string& folder, const std::string& name, const Bytes& bytes) {
     std::ofstream file(folder + "/" + name, std::ios::binary);

@@ -1,4 +1,4 @@
-#include "imaging/picture.h"
+#include "imaging/decoders.h"
 #include "imaging/picture_bytes.h"
 
 #include <QColor>
@@ -17,7 +17,7 @@ constexpr QRgb kWhite = 0xFFFFFFFF;
 
 // The pixels row by row from the top, transparent ones as 0.
 std::vector<QRgb> pixelsOf(const Bytes& bytes) {
-    const QImage image = decode(bytes).image().convertToFormat(QImage::Format_ARGB32);
+    const QImage image = decode(bytes).image.convertToFormat(QImage::Format_ARGB32);
     std::vector<QRgb> pixels;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
@@ -151,8 +151,8 @@ TEST(IconDecoder, TheBestFrameIsTheLargestThenTheDeepest) {
     large.fill(QColor(0, 255, 0, 255));
     const Bytes png = encoded(large, "PNG");
     const Bytes file = iconFile(1, {{small32, 0, 0}, {png, 0, 0}});
-    EXPECT_EQ(decode(file).image().size(), QSize(7, 5));
-    EXPECT_EQ(decode(file).image().pixel(6, 4), kGreen);
+    EXPECT_EQ(decode(file).image.size(), QSize(7, 5));
+    EXPECT_EQ(decode(file).image.pixel(6, 4), kGreen);
     Bytes brokenPng = png;
     brokenPng.resize(40);
     EXPECT_EQ(pixelsOf(iconFile(1, {{small32, 0, 0}, {brokenPng, 0, 0}})), (Pixels{kBlue, kBlue}))
@@ -202,66 +202,8 @@ TEST(JpgDecoder, OrientationTurnsPictureAndMeasure) {
     turned = joined(joined(turned, exif), Bytes(plain.begin() + 2, plain.end()));
     EXPECT_EQ(measure(plain).pixels, QSize(16, 8));
     EXPECT_EQ(measure(turned).pixels, QSize(8, 16));
-    EXPECT_EQ(decode(turned).image().size(), QSize(8, 16));
-    EXPECT_NEAR(qRed(decode(plain).image().pixel(8, 4)), 200, 4);
-}
-
-TEST(Metafiles, AreMeasuredFromTheirHeaders) {
-    const std::vector<Bytes> all = oneOfEachKind();
-    const PictureFacts wmf = measure(all[7]);
-    EXPECT_EQ(wmf.kind, PictureKind::Wmf);
-    EXPECT_DOUBLE_EQ(wmf.twips.width, 100 * 1440.0 / 96);
-    EXPECT_DOUBLE_EQ(wmf.twips.height, 50 * 1440.0 / 96);
-    const PictureFacts emf = measure(all[8]);
-    EXPECT_EQ(emf.kind, PictureKind::Emf);
-    EXPECT_DOUBLE_EQ(emf.twips.width, 1440);
-    EXPECT_DOUBLE_EQ(emf.twips.height, 720);
-
-    Bytes plain;
-    for (const unsigned value : {1U, 9U, 0x300U, 17U, 0U, 0U, 5U, 0U, 0U})
-        put16(plain, value);
-    for (const unsigned value : {5U, 0U, 0x020CU, 40U, 60U, 3U, 0U, 0U})
-        put16(plain, value);
-    EXPECT_DOUBLE_EQ(measure(plain).twips.width, 60 * 15);
-    EXPECT_DOUBLE_EQ(measure(plain).twips.height, 40 * 15);
-    Bytes noExtent(plain.begin(), plain.begin() + 18);
-    EXPECT_GT(measure(noExtent).twips.width, 0);
-    Bytes emptyFrame = all[8];
-    set32(emptyFrame, 32, 0);
-    EXPECT_GT(measure(emptyFrame).twips.width, 0);
-}
-
-TEST(Picture, ShrinkingKeepsColoursWhereTheyAre) {
-    QImage halves(800, 400, QImage::Format_RGB32); // left half red, right half blue
-    halves.fill(QColor(255, 0, 0));
-    QPainter(&halves).fillRect(400, 0, 400, 400, QColor(0, 0, 255));
-    const auto* begin = reinterpret_cast<const std::byte*>(halves.constBits());
-    const Bytes pixels(begin, begin + halves.sizeInBytes());
-    const QImage small = decode(bmpFile(infoHeader({800, -400, 32, 0, 0}), pixels))
-                             .scaledTo({20, 20})
-                             .convertToFormat(QImage::Format_ARGB32);
-    EXPECT_EQ(small.size(), QSize(20, 10));
-    EXPECT_EQ(small.pixel(3, 5), kRed);
-    EXPECT_EQ(small.pixel(16, 5), kBlue);
-}
-
-TEST(Picture, IsKnownByItsContentAndShownInABox) {
-    const std::vector<Bytes> all = oneOfEachKind();
-    const PictureKind kinds[] = {PictureKind::Bmp, PictureKind::Bmp, PictureKind::Bmp,
-                                 PictureKind::Ico, PictureKind::Cur, PictureKind::Gif,
-                                 PictureKind::Jpg, PictureKind::Wmf, PictureKind::Emf};
-    for (std::size_t i = 0; i < all.size(); ++i) {
-        const Picture picture = decode(all[i]);
-        EXPECT_EQ(picture.facts().kind, kinds[i]);
-        EXPECT_EQ(picture.facts().pixels, measure(all[i]).pixels);
-        EXPECT_FALSE(picture.scaledTo({40, 30}).isNull());
-    }
-    const Picture emf = decode(all[8]);
-    EXPECT_EQ(emf.scaledTo({60, 60}).size(), QSize(60, 30));
-    const Picture raster = decode(encoded(QImage(200, 100, QImage::Format_RGB32), "JPG"));
-    EXPECT_EQ(raster.scaledTo({60, 60}).size(), QSize(60, 30));
-    EXPECT_EQ(raster.scaledTo({900, 900}).size(), QSize(200, 100)) << "never enlarged";
-    EXPECT_FALSE(sniff(Bytes(100, std::byte{0x20})).has_value());
+    EXPECT_EQ(decode(turned).image.size(), QSize(8, 16));
+    EXPECT_NEAR(qRed(decode(plain).image.pixel(8, 4)), 200, 4);
 }
 
 } // namespace

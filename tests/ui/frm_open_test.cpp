@@ -2,7 +2,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "editing/frm_open.h"
-#include "imaging/picture.h"
+#include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "platform/own_home.h"
 #include "store/group_operations.h"
@@ -26,7 +26,7 @@ using app::TwipRect;
 using editing::frmOpen;
 
 store::TwipSize measure(std::span<const std::byte> bytes) {
-    const imaging::TwipSize size = imaging::measure(bytes).twips;
+    const picture::TwipSize size = picture::measure(bytes).twips;
     return {size.height, size.width};
 }
 

@@ -1,7 +1,7 @@
 #include "app/texts.h"
 #include "editing/frm_optionen_wmf.h"
-#include "imaging/picture.h"
 #include "imaging/picture_bytes.h"
+#include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
@@ -146,7 +146,7 @@ TEST_F(FrmOptionenWmf, GrowsWithTheWindowAndStaysSharp) {
         QImage picture(vector()->size(), QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
         QPainter painter(&picture);
-        imaging::decode(bytes).paint(painter, picture.rect());
+        picture::decode(bytes).paint(painter, picture.rect());
         painter.end();
         QImage sheet(picture.size(), QImage::Format_RGB32);
         sheet.fill(form_.grab().toImage().pixelColor(3, vector()->y() - 1)); // the paper
@@ -164,7 +164,7 @@ TEST_F(FrmOptionenWmf, KeepsWhatItShowsWhenAnotherPictureCannotBeRead) {
     const TwipRect before = vectorRectOf(100, 200);
     addVector("Bad", Bytes(40), {300, 150});
     picture_.name = {u"Bad"};
-    EXPECT_THROW(form_.load(library(), picture_), imaging::DecodeError);
+    EXPECT_THROW(form_.load(library(), picture_), picture::DecodeError);
     EXPECT_EQ(form_.vectorRect(), before);
     EXPECT_TRUE(form_.windowTitle().startsWith("P "));
 }

@@ -209,7 +209,7 @@ TEST(LargePreviewMemory, OfAHugePictureOnlyWhatAScreenShowsIsKept) {
     preview.resize(200, 200);
     QImage image(4000, 2000, QImage::Format_RGB32);
     image.fill(Qt::blue);
-    imaging::PictureFacts facts;
+    picture::PictureFacts facts;
     facts.pixels = image.size();
     preview.showPicture({facts, image});
     EXPECT_TRUE(image.isDetached());

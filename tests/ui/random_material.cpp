@@ -1,6 +1,6 @@
 #include "ui/random_material.h"
 
-#include "imaging/metafile_bytes.h"
+#include "metafile/metafile_bytes.h"
 
 #include <QImage>
 
@@ -33,7 +33,7 @@ QByteArray redGif() {
 
 // A rectangle without an outline, 300 twips wide and 308 high.
 QByteArray metafile(const QColor& colour) {
-    imaging::testing::WmfFile file;
+    metafile::testing::WmfFile file;
     file.window(0, 0, 300, 308);
     file.add(0x02FC, {0, colour.green() << 8 | colour.red(), colour.blue(), 0}).add(0x012D, {0});
     file.add(0x02FA, {5, 0, 0, 0, 0}).add(0x012D, {1});

@@ -1,0 +1,127 @@
+#include "metafile/metafile.h"
+
+#include "imaging/new_image.h"
+#include "metafile/emf/emf_reader.h"
+#include "metafile/player/player.h"
+#include "metafile/plus/plus_survey.h"
+#include "metafile/wmf/wmf_reader.h"
+
+#include <cmath>
+#include <new>
+
+namespace metafile {
+
+namespace {
+
+// Looks at a file's EMF+ comments alone.
+class Surveyor : public RecordSink {
+  public:
+    void take(const Record&) override {}
+    void takePlus(std::span<const std::byte> comment) override { survey.look(comment); }
+    void leaveOut() override {}
+
+    PlusSurvey survey;
+};
+
+PlusHalf betterHalf(std::span<const std::byte> bytes) {
+    Surveyor surveyor;
+    readPlusComments(bytes, surveyor);
+    const PlusSurvey& survey = surveyor.survey;
+    const bool played =
+        survey.found() && (!survey.isDual() || survey.drawsBetter() || !drawsWithoutPlus(bytes));
+    return played ? PlusHalf::Played : PlusHalf::Ignored;
+}
+
+// Device units that are the size's pixels already.
+QTransform fitted(const QRectF& from, QSize size) {
+    return QTransform::fromTranslate(-from.left(), -from.top()) *
+           QTransform::fromScale(size.width() / from.width(), size.height() / from.height());
+}
+
+template <typename Play>
+Drawing played(Canvas& canvas, Play play) {
+    Completeness completeness = Completeness::Part;
+    try {
+        if (play() == FileEnd::Reached && !canvas.budget().pictures().haveRefused())
+            completeness = Completeness::Whole;
+    } catch (const WorkExhausted&) {
+        completeness = Completeness::Part;
+    }
+    return {canvas.take(), completeness};
+}
+
+Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& budget);
+
+class Nested : public NestedMetafiles {
+  public:
+    QRectF frameOf(std::span<const std::byte> bytes) const override {
+        if (isEmf(bytes))
+            return readEmfLayout(bytes).frame;
+        const WmfLayout layout = readWmfLayout(bytes);
+        return layout.unitsPerInch > 0 ? layout.window.normalized() : QRectF();
+    }
+
+    QImage draw(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) const override {
+        const WorkBudget::Nesting nesting(budget);
+        return drawWithin(bytes, size, budget).image;
+    }
+};
+
+Drawing drawEmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
+    const Nested nested;
+    const EmfLayout layout = readEmfLayout(bytes);
+    Canvas canvas(size, fitted(layout.frame, size), budget);
+    return played(canvas, [&] {
+        Player player(canvas, layout.pixelsPerMillimetre, betterHalf(bytes), nested);
+        const FileEnd end = readEmf(bytes, player);
+        player.finish();
+        return end;
+    });
+}
+
+// The file's window is all that is shown; it fills the sheet whatever the file takes for a device.
+Drawing drawWmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
+    constexpr double kPixelsPerInch = 96;
+    constexpr double kMillimetresPerInch = 25.4;
+    // The enhanced metafile that a file was made of shows more than what was left of it.
+    const std::vector<std::byte> original = readEmbeddedEmf(bytes);
+    if (isEmf(original))
+        return drawEmf(original, size, budget);
+    const Nested nested;
+    const WmfLayout layout = readWmfLayout(bytes);
+    const double perInch = layout.unitsPerInch > 0 ? layout.unitsPerInch : kPixelsPerInch;
+    const double pixelsPerUnit = kPixelsPerInch / perInch;
+    const QSizeF page(std::abs(layout.window.width()) * pixelsPerUnit,
+                      std::abs(layout.window.height()) * pixelsPerUnit);
+    Canvas canvas(size, fitted(QRectF({0, 0}, page), size), budget);
+    return played(canvas, [&] {
+        const double density = kPixelsPerInch / kMillimetresPerInch;
+        Player player(canvas, {density, density}, PlusHalf::Ignored, nested);
+        player.take(SetMapMode{MapMode::Anisotropic});
+        player.take(SetMapping{MappingPart::WindowOrigin, layout.window.topLeft()});
+        player.take(
+            SetMapping{MappingPart::WindowExtent, {layout.window.width(), layout.window.height()}});
+        player.take(SetMapping{MappingPart::ViewportExtent, {page.width(), page.height()}});
+        const FileEnd end = readWmf(bytes, player);
+        player.finish();
+        return end;
+    });
+}
+
+Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
+    try {
+        return isEmf(bytes) ? drawEmf(bytes, size, budget) : drawWmf(bytes, size, budget);
+    } catch (const std::bad_alloc&) {
+        throw imaging::DecodeError("there is no memory for the picture");
+    }
+}
+
+} // namespace
+
+Drawing draw(std::span<const std::byte> bytes, QSize size) {
+    imaging::requireSensibleSize(size.width(), size.height());
+    WorkBudget budget;
+    return drawWithin(bytes, size, budget);
+}
+
+} // namespace metafile

@@ -1,0 +1,35 @@
+// WMF and EMF pictures, EMF+ included: recognised, measured, and drawn at any size.
+//
+// Thread-safe: any number of threads may call these functions at once.
+#pragma once
+
+#include "imaging/picture_facts.h"
+
+#include <QImage>
+
+#include <cstddef>
+#include <optional>
+#include <span>
+
+namespace metafile {
+
+// Wmf, Emf or nothing: what the bytes begin like.
+std::optional<imaging::PictureKind> sniff(std::span<const std::byte> bytes);
+
+// The size from the headers. DecodeError when they cannot be read.
+imaging::PictureFacts measure(std::span<const std::byte> bytes);
+
+enum class Completeness { Whole, Part };
+
+struct Drawing {
+    QImage image; // opaque, on white paper
+    Completeness completeness = Completeness::Whole;
+};
+
+// The whole picture, by its own frame, stretched to `size` pixels. A record that cannot be read is
+// left out; a file that is cut short, or that asks for more work than any honest one, is drawn as
+// far as it goes (Part). Needs a QGuiApplication. Throws DecodeError when the header cannot be read
+// or there is no memory.
+Drawing draw(std::span<const std::byte> bytes, QSize size);
+
+} // namespace metafile

@@ -1,0 +1,89 @@
+#include "picture/picture.h"
+
+#include "imaging/decoders.h"
+#include "imaging/image_scaling.h"
+#include "metafile/metafile.h"
+
+#include <QPainter>
+
+#include <new>
+#include <utility>
+
+namespace picture {
+
+namespace {
+
+bool isRaster(PictureKind kind) {
+    return kind != PictureKind::Wmf && kind != PictureKind::Emf;
+}
+
+QByteArray copyOf(std::span<const std::byte> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
+}
+
+} // namespace
+
+std::optional<PictureKind> sniff(std::span<const std::byte> bytes) {
+    const auto kind = metafile::sniff(bytes);
+    return kind ? kind : imaging::sniff(bytes);
+}
+
+PictureFacts measure(std::span<const std::byte> bytes) {
+    return metafile::sniff(bytes) ? metafile::measure(bytes) : imaging::measure(bytes);
+}
+
+Picture decode(std::span<const std::byte> bytes) {
+    try {
+        if (metafile::sniff(bytes))
+            return {metafile::measure(bytes), copyOf(bytes)};
+    } catch (const std::bad_alloc&) {
+        throw DecodeError("there is no memory for the picture");
+    }
+    const imaging::RasterPicture raster = imaging::decode(bytes);
+    return {raster.facts, raster.image};
+}
+
+Picture::Picture(PictureFacts facts, QImage image) : facts_(facts), image_(std::move(image)) {}
+
+Picture::Picture(PictureFacts facts, QByteArray metafile)
+    : facts_(facts), metafile_(std::move(metafile)) {}
+
+QImage Picture::drawnAt(QSize size) const {
+    if (drawn_.size() != size) {
+        const auto bytes =
+            std::span(metafile_.constData(), static_cast<std::size_t>(metafile_.size()));
+        const metafile::Drawing drawing = metafile::draw(std::as_bytes(bytes), size);
+        drawn_ = drawing.image;
+        drawnInPart_ = drawing.completeness == metafile::Completeness::Part;
+    }
+    return drawn_;
+}
+
+QImage Picture::scaledTo(QSize box) const {
+    if (box.isEmpty())
+        return {};
+    QSize size = facts_.pixels;
+    const bool fits = size.width() <= box.width() && size.height() <= box.height();
+    if (!fits || !isRaster(facts_.kind))
+        size.scale(box, Qt::KeepAspectRatio);
+    size = size.expandedTo({1, 1});
+    if (isRaster(facts_.kind))
+        return size == image_.size() ? image_ : imaging::smoothlyScaled(image_, size);
+    return drawnAt(size);
+}
+
+void Picture::paint(QPainter& painter, const QRectF& target) const {
+    // Scaled with averaging first: painting alone would drop pixels of a large picture.
+    const QSizeF device = painter.deviceTransform().mapRect(target).size();
+    const QSize needed = device.toSize().expandedTo({1, 1});
+    const bool shrinks = needed.width() < image_.width() && needed.height() < image_.height();
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (!isRaster(facts_.kind))
+        painter.drawImage(target, drawnAt(needed));
+    else
+        painter.drawImage(target, shrinks ? imaging::smoothlyScaled(image_, needed) : image_);
+    painter.restore();
+}
+
+} // namespace picture
