@@ -340,6 +340,11 @@ void frmMain::PictureRenamed(const store::GroupAddress& group, const QString& na
     panel_->PictureRenamed(group, name);
 }
 
+void frmMain::PictureDeleted(const store::GroupAddress& group,
+                             const std::optional<store::PictureName>& beside) {
+    panel_->PictureDeleted(group, beside);
+}
+
 void frmMain::FillListView(const store::GroupAddress& group) {
     panel_->FillListView(group);
 }

@@ -49,6 +49,8 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void SelectFirstGroup() override;
     void Aktualisieren() override;
     void PictureRenamed(const store::GroupAddress& group, const QString& name) override;
+    void PictureDeleted(const store::GroupAddress& group,
+                        const std::optional<store::PictureName>& beside) override;
     void FillListView(const store::GroupAddress& group) override;
     void MiniVorschau(std::size_t startIndex) override;
     void ClearVorschau() override;

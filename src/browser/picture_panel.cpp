@@ -280,6 +280,34 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
     onScrollChanged();
 }
 
+void PicturePanel::PictureDeleted(const store::GroupAddress& group,
+                                  const std::optional<store::PictureName>& beside) {
+    if (GraphicalPreview_ && group_ == group && beside) {
+        setShownPicture(commands::ShownPicture(*beside));
+        turnToShownPicture();
+    }
+    Aktualisieren();
+}
+
+// What a key acts on next must not stand on a page that nobody sees. The page is not filled yet.
+void PicturePanel::turnToShownPicture() {
+    const std::size_t cells = strip_->cells();
+    std::optional<store::PicturePlace> place;
+    try {
+        if (library_ != nullptr && group_ && shownPicture_.name()) {
+            place = store::placeOfPicture(*library_, *group_, *shownPicture_.name());
+        }
+    } catch (const std::exception&) {
+        place.reset();
+    }
+    const std::size_t start = startIndexOf(imgScroll_->value(), cells);
+    if (!place || cells == 0 || isOnPage(readIndexes(), start, cells, place->element)) {
+        return;
+    }
+    const QSignalBlocker quiet(imgScroll_);
+    imgScroll_->setValue(pageOf(place->element, cells));
+}
+
 void PicturePanel::FillListView(const store::GroupAddress& group) {
     std::vector<store::PictureEntry> pictures;
     try {

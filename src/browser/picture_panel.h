@@ -66,6 +66,8 @@ class PicturePanel : public QObject {
 
     void Aktualisieren();
     void PictureRenamed(const store::GroupAddress& group, const QString& name);
+    void PictureDeleted(const store::GroupAddress& group,
+                        const std::optional<store::PictureName>& beside);
     void FillListView(const store::GroupAddress& group);
     void MiniVorschau(std::size_t startIndex);
     void SelectPicture();
@@ -105,6 +107,7 @@ class PicturePanel : public QObject {
     void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
     void showAgain();
+    void turnToShownPicture();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
     std::vector<std::size_t> readIndexes() const;
 

@@ -42,11 +42,23 @@ std::size_t startIndexOf(int page, std::size_t cells) {
     return cells * static_cast<std::size_t>(std::max(1, page) - 1);
 }
 
+int pageOf(std::size_t element, std::size_t cells) {
+    return static_cast<int>(element / cells) + 1;
+}
+
+bool isOnPage(std::span<const std::size_t> pictureIndexes, std::size_t start, std::size_t cells,
+              std::size_t element) {
+    const auto first = std::lower_bound(pictureIndexes.begin(), pictureIndexes.end(), start);
+    const auto shown =
+        std::min<std::ptrdiff_t>(pictureIndexes.end() - first, static_cast<std::ptrdiff_t>(cells));
+    return std::binary_search(first, first + shown, element);
+}
+
 int lastPage(std::span<const std::size_t> pictureIndexes, std::size_t cells) {
     if (pictureIndexes.empty() || cells == 0) {
         return 1;
     }
-    return static_cast<int>(pictureIndexes.back() / cells) + 1;
+    return pageOf(pictureIndexes.back(), cells);
 }
 
 int repeatedPictures(std::span<const std::size_t> pictureIndexes, std::size_t start,

@@ -33,6 +33,13 @@ app::TwipRect cellRect(const app::TwipRect& area, const GridSize& grid, int inde
 // Page 1 is the first.
 std::size_t startIndexOf(int page, std::size_t cells);
 
+// The page to which an element belongs; `cells` is not 0. The page before may show it as well.
+int pageOf(std::size_t element, std::size_t cells);
+
+// Whether the page from element `start` on shows the picture with that element index.
+bool isOnPage(std::span<const std::size_t> pictureIndexes, std::size_t start, std::size_t cells,
+              std::size_t element);
+
 // The last page on which some picture is shown; `pictureIndexes` ascending. At least 1.
 int lastPage(std::span<const std::size_t> pictureIndexes, std::size_t cells);
 

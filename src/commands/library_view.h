@@ -56,6 +56,12 @@ class LibraryView {
     // Shows that a picture of the group, the one shown, has another name now.
     virtual void PictureRenamed(const store::GroupAddress& group, const QString& name) = 0;
 
+    // Shows that the shown picture is no longer in the group. Among the thumbnails the one beside
+    // it, if there is one, is the shown picture then, on the page that holds it; a list begins
+    // anew.
+    virtual void PictureDeleted(const store::GroupAddress& group,
+                                const std::optional<store::PictureName>& beside) = 0;
+
     virtual void FillListView(const store::GroupAddress& group) = 0;
 
     // Fills the thumbnails with the current group's pictures from that element index on.

@@ -120,8 +120,10 @@ void deletePicture(CommandCall& call) {
     withGroupNamed(call, [&call] {
         const auto picture = storedPicture(call);
         if (picture && isDeletionConfirmed(call)) {
-            store::deletePicture(call.view.library(), picture->group, picture->name);
-            call.view.Aktualisieren();
+            const store::Library& library = call.view.library();
+            const auto place = store::placeOfPicture(library, picture->group, picture->name);
+            store::deletePicture(library, picture->group, picture->name);
+            call.view.PictureDeleted(picture->group, place ? place->beside : std::nullopt);
         }
     });
 }

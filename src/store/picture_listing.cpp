@@ -129,4 +129,26 @@ std::vector<std::size_t> pictureIndexes(const Library& library, const GroupAddre
     return indexes;
 }
 
+std::optional<PicturePlace> placeOfPicture(const Library& library, const GroupAddress& group,
+                                           const PictureName& name) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    std::optional<PicturePlace> place;
+    std::optional<PictureName> before;
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    Element element;
+    for (std::size_t index = 0; cursor.next(element); ++index) {
+        if (!isPicture(element))
+            continue;
+        if (place) {
+            place->beside = PictureName{std::move(element.name)};
+            break;
+        }
+        if (sameName(element.name, name.text))
+            place = PicturePlace{index, before};
+        before = PictureName{std::move(element.name)};
+    }
+    return place;
+}
+
 } // namespace store

@@ -96,6 +96,16 @@ void walkPictures(const Library& library, const GroupAddress& group, std::size_t
 // The element indexes of the group's pictures, ascending (for paging by element index).
 std::vector<std::size_t> pictureIndexes(const Library& library, const GroupAddress& group);
 
+// Where a picture stands.
+struct PicturePlace {
+    std::size_t element = 0; // the index of its element in the group storage
+    // The picture behind it, or, if it is the last one, the one before it; nothing if it is alone.
+    std::optional<PictureName> beside;
+};
+// Without regard to case; nothing when there is no such picture.
+std::optional<PicturePlace> placeOfPicture(const Library& library, const GroupAddress& group,
+                                           const PictureName& name);
+
 // Renames stream and record. Exists when another picture has the new name in any case, InvalidName,
 // NotFound. A missing record is no error; a stale one under the new name is replaced.
 void renamePicture(const Library& library, const GroupAddress& group, const PictureName& from,

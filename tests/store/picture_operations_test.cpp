@@ -51,6 +51,27 @@ TEST_F(PictureTest, APictureIsItsBytesAndARecord) {
     expectSound(u"Plant");
 }
 
+TEST_F(PictureTest, APicturesPlaceCountsElementsAndNamesThePictureBesideIt) {
+    EXPECT_FALSE(placeOfPicture(library, group, {u"a"}));
+    for (const char16_t* name : {u"a", u"Logo", u"Pumps"}) // `Name` stands behind Logo
+        add(group, name);
+    const auto expectPlace = [&](const char16_t* name, std::size_t element,
+                                 const char16_t* beside) {
+        const auto place = placeOfPicture(library, group, {name});
+        ASSERT_TRUE(place);
+        EXPECT_EQ(place->element, element);
+        EXPECT_EQ(place->beside, PictureName{beside});
+        EXPECT_THAT(pictureIndexes(library, group), ::testing::Contains(element));
+    };
+    expectPlace(u"A", 0, u"Logo");
+    expectPlace(u"Logo", 1, u"Pumps");
+    expectPlace(u"PUMPS", 3, u"Logo");
+    EXPECT_FALSE(placeOfPicture(library, group, {u"name"}));
+    deletePicture(library, group, {u"Logo"});
+    deletePicture(library, group, {u"a"});
+    EXPECT_FALSE(placeOfPicture(library, group, {u"Pumps"})->beside);
+}
+
 TEST_F(PictureTest, AddingUnderAnExistingNameReplacesBytesAndRecord) {
     add(group, u"Logo", "first");
     addPicture(library, group, {u"LOGO"}, source("second.gif", 15, 30));

@@ -262,19 +262,17 @@ std::vector<Window::Row> Window::page() const {
     return pictures;
 }
 
-int Window::lastPage() const {
+int Window::pageOf(const QString& name) const {
     Pictures elements = library_.picturesOf(shown_);
     elements["Name"] = nullptr;
     elements["Parent"] = nullptr;
-    int index = 0;
-    int last = 1;
-    for (const auto& [name, source] : elements) {
-        if (source != nullptr) {
-            last = index / cells + 1;
-        }
-        ++index;
-    }
-    return last;
+    const auto before = std::distance(elements.begin(), elements.find(name));
+    return static_cast<int>(before) / cells + 1;
+}
+
+int Window::lastPage() const {
+    const Pictures pictures = library_.picturesOf(shown_);
+    return pictures.empty() ? 1 : pageOf(pictures.rbegin()->first);
 }
 
 void Window::fillRows() {
@@ -348,6 +346,24 @@ void Window::refresh() {
     } else if (isEmptyGroup || !label.isEmpty()) {
         showFirst();
     }
+}
+
+void Window::deletePicture() {
+    const QString name = label;
+    const Pictures before = library_.picturesOf(shown_);
+    const auto found = before.find(name);
+    const auto behind = std::next(found);
+    if (isStrip && before.size() > 1) {
+        label = (behind != before.end() ? behind : std::prev(found))->first;
+    }
+    library_.removePicture(*shown_, name);
+    const std::vector<Row> shown = page();
+    if (isStrip && before.size() > 1 &&
+        std::none_of(shown.begin(), shown.end(),
+                     [this](const Row& row) { return row.name == label; })) {
+        page_ = pageOf(label);
+    }
+    refresh();
 }
 
 void Window::toggleView() {

@@ -140,6 +140,7 @@ class Window {
     void groupRenamed(const Address& group);
     void groupRemoved();
     void refresh();
+    void deletePicture(); // the shown one, from the library as well
     void toggleView();
     void turnTo(int page) { page_ = page; }
     void choose(const QString& name);
@@ -151,6 +152,7 @@ class Window {
     void showFromBeginning();
     void showFirst();
     void fillRows();
+    int pageOf(const QString& name) const;
     std::vector<Row> shownPictures() const;
 
     Library& library_;

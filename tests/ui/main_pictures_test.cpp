@@ -193,6 +193,60 @@ TEST_F(MainPictures, DownIntoAShorterPageChoosesItsLastPicture) {
     EXPECT_EQ(label(), "A9");
 }
 
+// Delete, Return, Delete, Return must go on where the user looks.
+TEST_F(MainPictures, AfterADeletionTheNextThumbnailIsCurrentOnItsPage) {
+    QStringList left;
+    for (int i = 10; i < 20; ++i) {
+        left.append(QStringLiteral("Pumpe %1").arg(i));
+    }
+    startWith(left);
+    window().resize(window().minimumSize()); // three thumbnails
+    QTest::qWait(0);
+    settle();
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    auto* scroll = find<QScrollBar>("imgScroll");
+    const auto expectCurrent = [&](const QString& name, int page) {
+        EXPECT_EQ(label(), name);
+        EXPECT_TRUE(thumbnails().contains(name)) << thumbnails().join(' ').toStdString();
+        EXPECT_EQ(scroll->value(), page) << name.toStdString();
+    };
+    scroll->setValue(2);
+    settle();
+    QTest::mouseClick(thumbnail(thumbnails()[1]), Qt::LeftButton);
+    while (left.last() != label()) {
+        const QString next = left[left.indexOf(label()) + 1];
+        left.removeOne(label());
+        trigger("Men_Bearbeiten_3");
+        settle();
+        expectCurrent(next, 2);
+    }
+    // At the end it goes backwards, over pages that vanish.
+    while (left.size() > 1) {
+        left.removeLast();
+        trigger("Men_Bearbeiten_3");
+        settle();
+        expectCurrent(left.last(), scroll->value());
+        EXPECT_EQ(scroll->value(), scroll->maximum());
+    }
+    trigger("Men_Bearbeiten_3");
+    settle();
+    EXPECT_EQ(label(), app::text(app::kTextNoPicture));
+}
+
+TEST_F(MainPictures, TheNextThumbnailIsShownAlsoIfItsPageWasLeft) {
+    startWith({"A0", "A1", "A2", "A3", "A4", "A5", "A6", "A7", "A8", "A9"});
+    window().resize(window().minimumSize()); // three thumbnails
+    QTest::qWait(0);
+    settle();
+    find<QScrollBar>("imgScroll")->setValue(3);
+    settle();
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    trigger("Men_Bearbeiten_3"); // A0, of the first page
+    settle();
+    EXPECT_EQ(label(), "A1");
+    EXPECT_EQ(thumbnails(), (QStringList{"A1", "A2", "A3"}));
+}
+
 TEST_F(MainPictures, AnUndecodablePictureTakesACell) {
     group_ = makeGroup("Pumpen");
     addUndecodable(group_, "Bad");

@@ -363,8 +363,7 @@ void RandomCommands::deletePicture() {
     if (screen_.selected && isPictureThere()) {
         expectBox(app::text(300) + screen_.label + app::text(301) + groupText() + app::text(302));
         if (answer == Answer::Yes) {
-            model_.removePicture(*screen_.selected, screen_.label);
-            screen_.refresh();
+            screen_.deletePicture();
         }
     }
     run(action, Opens::Nothing, {}, answer);
