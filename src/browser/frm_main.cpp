@@ -85,7 +85,6 @@ frmMain::~frmMain() = default;
 
 void frmMain::connectTree() {
     connect(groups_.get(), &GroupBrowsing::editItemWanted, this, &frmMain::updateEditItem);
-    connect(tree_, &GroupTree::selectionCleared, this, &frmMain::updateMenuState);
     connect(tree_, &GroupTree::popUpWanted, this,
             [this](const QPoint& position) { menus_->popUp(commands::BandId::Group, position); });
     connect(tree_, &GroupTree::pointerMoved, panel_, &PicturePanel::hideToolTip);
@@ -263,9 +262,10 @@ void frmMain::SelectNode() {
 }
 
 void frmMain::TreeViewSelectNode(const store::GroupAddress& group) {
-    groups_->select(group);
-    SelectPicture();
-    updateMenuState();
+    if (groups_->select(group)) {
+        SelectPicture();
+        updateMenuState();
+    }
 }
 
 void frmMain::TreeViewAdd(const store::GroupName& name) {
@@ -314,8 +314,7 @@ int frmMain::GetNodeIndex(const QString& text) const {
 // --- Menus
 
 void frmMain::updateMenuState() {
-    menus_->setState(tree_->nodeCount() > 0 ? commands::TreeNodes::Some
-                                            : commands::TreeNodes::None);
+    menus_->setState(selectedGroup() ? commands::Selection::Group : commands::Selection::None);
     menus_->setEditItem(
         commands::allowsEditing(panel_->shownType(), commands::EditItemCause::Group));
 }

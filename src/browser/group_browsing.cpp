@@ -20,6 +20,7 @@ store::FileName fileOf(const QString& key) {
 
 GroupBrowsing::GroupBrowsing(GroupTree& tree, PicturePanel& panel) : tree_(tree), panel_(panel) {
     connect(&tree_, &GroupTree::nodeClicked, this, &GroupBrowsing::nodeClicked);
+    connect(&tree_, &GroupTree::selectionCleared, this, &GroupBrowsing::selectionCleared);
     // Rereading rebuilds the very node whose event asks for it.
     connect(&tree_, &GroupTree::retryWanted, this, &GroupBrowsing::retry, Qt::QueuedConnection);
 }
@@ -34,7 +35,7 @@ void GroupBrowsing::refresh() {
     const QString key = awaitedKey_.isEmpty() ? tree_.selectedKey() : awaitedKey_;
     fillTree();
     if (key.isEmpty()) {
-        panel_.Aktualisieren(); // of the group that was selected last
+        showSelected(); // nothing, also of a group that went away
     } else {
         selectAgain(key);
     }
@@ -84,10 +85,14 @@ void GroupBrowsing::setCurrent(const store::GroupAddress& group) {
     CurrentGroup_ = QString::fromStdU16String(store::keyOf(group));
 }
 
-void GroupBrowsing::select(const store::GroupAddress& group) {
+bool GroupBrowsing::select(const store::GroupAddress& group) {
     awaitedKey_.clear();
+    if (!tree_.select(group)) {
+        showSelected();
+        return false;
+    }
     setCurrent(group);
-    tree_.select(group);
+    return true;
 }
 
 void GroupBrowsing::add(const store::GroupName& name) {
@@ -108,10 +113,18 @@ void GroupBrowsing::selectFirst() {
 
 void GroupBrowsing::showSelected() {
     const auto selected = tree_.selected();
-    const bool isReadable = selected && !tree_.selectedIsMarked();
-    panel_.setGroup(isReadable ? std::optional(selected->address) : std::nullopt);
     CurrentGroup_ = tree_.selectedKey();
+    if (!selected) {
+        panel_.showNothing();
+        return;
+    }
+    panel_.setGroup(tree_.selectedIsMarked() ? std::nullopt : std::optional(selected->address));
     panel_.showGroupAnew();
+}
+
+void GroupBrowsing::selectionCleared() {
+    awaitedKey_.clear();
+    showSelected();
 }
 
 void GroupBrowsing::nodeClicked() {

@@ -1,6 +1,8 @@
 // Which group is selected in the tree and which group's pictures are shown, over clicks, commands
 // and rereadings of the library.
 //
+// Without a selected node nothing is shown.
+//
 // A sub-group has no node while its file is locked. Then its file's node stands for it, and the
 // next reading that succeeds selects it again; whatever else is selected meanwhile ends that.
 #pragma once
@@ -33,7 +35,7 @@ class GroupBrowsing : public QObject {
     void fillTree();
 
     // Reads the library again and shows the same group, or the one that was selected before its
-    // file was locked; the first one when it is gone.
+    // file was locked; the first one when it is gone. Without a selected group nothing is selected.
     void refresh();
 
     // Selects the node with that key and makes its group the panel's; what is remembered from the
@@ -47,8 +49,9 @@ class GroupBrowsing : public QObject {
     // Makes a group the one whose pictures are shown, without touching the tree's selection.
     void setCurrent(const store::GroupAddress& group);
 
-    // Selects the node; its pictures are not shown yet. A missing node selects nothing.
-    void select(const store::GroupAddress& group);
+    // Selects the node; its pictures are not shown yet. With a missing node nothing is selected nor
+    // shown; then false.
+    bool select(const store::GroupAddress& group);
 
     // Adds a top-level node without reading any file, selects it and shows its pictures.
     void add(const store::GroupName& name);
@@ -62,6 +65,7 @@ class GroupBrowsing : public QObject {
 
   private:
     void nodeClicked();
+    void selectionCleared();
     void retry(const store::FileName& file);
     void showSelected();
     void selectAgain(const QString& key);

@@ -53,7 +53,7 @@ MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* o
     actionOf(menus_.at(static_cast<std::size_t>(MenuId::Hilfe)),
              actionName(commands::menu(MenuId::Hilfe), 0))
         ->setShortcut(QKeySequence::HelpContents);
-    setState(nodes_);
+    setState(selection_);
 }
 
 void MainMenus::buildMenu(QMenuBar* bar, const Menu& menu) {
@@ -117,13 +117,13 @@ void MainMenus::setCaptions() {
     }
 }
 
-void MainMenus::setState(commands::TreeNodes nodes) {
-    nodes_ = nodes;
+void MainMenus::setState(commands::Selection selection) {
+    selection_ = selection;
     for (const Menu& menu : commands::menus()) {
         QMenu* popUp = menus_.at(static_cast<std::size_t>(menu.id));
         for (const MenuItem& item : menu.items) {
             actionOf(popUp, actionName(menu, item.index))
-                ->setEnabled(commands::isOffered(item.command, nodes));
+                ->setEnabled(commands::isOffered(item.command, selection));
         }
     }
     updateEditItem();
@@ -138,7 +138,7 @@ void MainMenus::updateEditItem() {
     constexpr int kEditIndex = 2;
     const Menu& menu = commands::menu(MenuId::Bearbeiten);
     actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, kEditIndex))
-        ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, nodes_));
+        ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, selection_));
 }
 
 void MainMenus::setEditTool(bool allowed) {

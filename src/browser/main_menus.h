@@ -30,8 +30,8 @@ class MainMenus : public QObject {
     // Sets all captions from the text table.
     void setCaptions();
 
-    // Enables the items for such a tree.
-    void setState(commands::TreeNodes nodes);
+    // Enables the items for such a selection.
+    void setState(commands::Selection selection);
 
     // Whether the shown picture can be edited from the menu.
     void setEditItem(bool allowed);
@@ -56,7 +56,7 @@ class MainMenus : public QObject {
     commands::Dispatcher& dispatcher_;
     std::array<QMenu*, 4> menus_{};
     std::array<QMenu*, 2> bands_{};
-    commands::TreeNodes nodes_ = commands::TreeNodes::None;
+    commands::Selection selection_ = commands::Selection::None;
     bool isEditingAllowed_ = true;
 };
 

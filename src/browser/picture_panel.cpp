@@ -234,7 +234,23 @@ void PicturePanel::showGroupAnew() {
     emit menuStateWanted();
 }
 
+void PicturePanel::showNothing() {
+    group_.reset();
+    loader_.stop();
+    strip_->clear();
+    hideToolTip();
+    lvwInfo_->fill(group_, {});
+    SetImgScrollProperties();
+    setShownPicture({});
+    ClearVorschau();
+    emit menuStateWanted();
+}
+
 void PicturePanel::Aktualisieren() {
+    if (!group_) { // as little is to be seen as before
+        emit menuStateWanted();
+        return;
+    }
     if (!GraphicalPreview_) {
         showGroupAnew();
         return;

@@ -54,7 +54,11 @@ class PicturePanel : public QObject {
     // Shows the group's pictures from the beginning, and its first picture.
     void showGroup();
 
-    // The same without going through the scroll bar's handler: for groups chosen by commands.
+    // No group is shown: everything is empty, the label too.
+    void showNothing();
+
+    // The same as showGroup without going through the scroll bar's handler: for groups chosen by
+    // commands.
     void showGroupAnew();
 
     const commands::ShownPicture& shownPicture() const { return shownPicture_; }

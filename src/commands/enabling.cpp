@@ -6,7 +6,7 @@
 namespace commands {
 namespace {
 
-bool needsNode(Command command) {
+bool needsGroup(Command command) {
     switch (command) {
     case Command::HandOver:
     case Command::HandOverAndClose:
@@ -23,8 +23,8 @@ bool needsNode(Command command) {
 
 } // namespace
 
-bool isOffered(Command command, TreeNodes nodes) {
-    return hasHandler(command) && (nodes == TreeNodes::Some || !needsNode(command));
+bool isOffered(Command command, Selection selection) {
+    return hasHandler(command) && (selection == Selection::Group || !needsGroup(command));
 }
 
 bool allowsEditing(const QString& pictureType, EditItemCause cause) {

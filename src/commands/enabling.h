@@ -7,12 +7,13 @@
 
 namespace commands {
 
-enum class TreeNodes { None, Some };
+// Whether a node of the tree is selected.
+enum class Selection { None, Group };
 
-// Whether the main menu offers the command for such a tree. A command whose window does not exist
-// is never offered, wherever it stands. What needs a node for its very first step is not offered
-// without one; what can tell the user what is missing stays.
-bool isOffered(Command command, TreeNodes nodes);
+// Whether the main menu offers the command for such a selection. A command whose window does not
+// exist is never offered, wherever it stands. What needs a group for its very first step is not
+// offered without one; what can tell the user what is missing stays.
+bool isOffered(Command command, Selection selection);
 
 // The events after which the menu's edit item is set anew.
 enum class EditItemCause {

@@ -36,7 +36,8 @@ class LibraryView {
     // Makes a group the one whose pictures are shown, without touching the tree's selection.
     virtual void SetCurrentGroup(const store::GroupAddress& group) = 0;
 
-    // Selects the group's node and shows its first picture; a missing node selects nothing.
+    // Selects the group's node and shows its first picture. With a missing node nothing is selected
+    // nor shown.
     virtual void TreeViewSelectNode(const store::GroupAddress& group) = 0;
 
     // Adds a top-level node without reading any file, selects it and shows its pictures.
@@ -47,7 +48,7 @@ class LibraryView {
     virtual void TreeViewRemove(const store::GroupAddress& group) = 0;
 
     // Selects the tree's first node and shows its pictures from the beginning; with an empty tree
-    // nothing is current and no picture is shown.
+    // nothing is selected nor shown.
     virtual void SelectFirstGroup() = 0;
 
     // Shows the current group's pictures anew after a command has changed them.

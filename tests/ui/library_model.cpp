@@ -325,13 +325,30 @@ void Window::groupRenamed(const Address& group) {
     show(group);
 }
 
+void Window::clearSelection() {
+    selected.reset();
+    shown_.reset();
+    clicked_.reset();
+    page_ = 1;
+    rows.clear();
+    label.clear();
+    preview = nullptr;
+}
+
 void Window::groupRemoved() {
     const std::vector<Address> left = library_.groups();
-    selected = left.empty() ? std::nullopt : std::optional(left.front());
+    if (left.empty()) {
+        clearSelection();
+        return;
+    }
+    selected = left.front();
     show(selected);
 }
 
 void Window::refresh() {
+    if (!shown_) {
+        return;
+    }
     if (!isStrip) {
         showFromBeginning();
         return;

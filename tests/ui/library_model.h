@@ -135,7 +135,7 @@ class Window {
 
     void restart();
     void clickNode(const Address& group);
-    void clearSelection() { selected.reset(); }
+    void clearSelection();
     void groupMade(const Address& group);
     void groupRenamed(const Address& group);
     void groupRemoved();

@@ -1,6 +1,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "browser/group_tree.h"
+#include "browser/large_preview.h"
 #include "platform/native_disk.h"
 #include "ui/main_window_fixture.h"
 
@@ -12,6 +13,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -147,6 +149,53 @@ TEST_F(MainGroups, PressOnTheFreeAreaTakesTheSelectionAway) {
     find<QMenu>("Band2")->close();
     // What was selected before must not reach the next command.
     EXPECT_EQ(offeredTargets("gNew"), QStringList{"TXSGraphicsLib"});
+}
+
+TEST_F(MainGroups, WithoutASelectedNodeNothingIsShownNorOffered) {
+    const auto pumps = makeGroup("Pumpen");
+    for (const char* name : {"P1", "P2", "P3", "P4", "P5", "P6", "P7", "P8", "P9"}) {
+        addPicture(pumps, name);
+    }
+    makeGroup("Ventile");
+    start();
+    const auto* preview = find<browser::LargePreview>("imgVorschau");
+    const auto expectNothing = [&] {
+        settle();
+        EXPECT_EQ(selectedNode(), "");
+        EXPECT_EQ(label(), "");
+        EXPECT_TRUE(preview->isEmpty());
+        EXPECT_TRUE(thumbnails().isEmpty());
+        EXPECT_TRUE(rows().isEmpty());
+        EXPECT_EQ(find<QScrollBar>("imgScroll")->maximum(), 1);
+        for (const char* action : {"Men_Datei_4", "Men_Datei_5", "Men_Bearbeiten_1",
+                                   "Men_Bearbeiten_3", "Men_Bearbeiten_6", "Men_Bearbeiten_8"}) {
+            EXPECT_FALSE(isEnabled(action)) << action;
+        }
+        EXPECT_TRUE(isEnabled("Men_Datei_0"));
+    };
+    expectNothing(); // nothing is remembered yet
+    window().resize(window().minimumSize() + QSize(0, 100)); // few thumbnails
+    for (const bool isListTheView : {false, true}) {
+        clickNode("Pumpen");
+        EXPECT_EQ(label(), "P1");
+        EXPECT_TRUE(isEnabled("Men_Bearbeiten_3"));
+        EXPECT_GT(find<QScrollBar>("imgScroll")->maximum(), 1);
+        clickFreeArea(Qt::LeftButton);
+        expectNothing();
+        window().refresh();
+        expectNothing();
+        clickNode("Pumpen"); // the very node is filled again
+        EXPECT_GT(isListTheView ? rows().size() : thumbnails().size(), 2);
+        trigger("Men_Extras_0");
+    }
+    // The group goes away behind the window's back.
+    clickNode("Pumpen");
+    ASSERT_TRUE(std::filesystem::remove(library().folder / "Pumpen.stg"));
+    trigger("gInfo");
+    EXPECT_EQ(boxes_.take().size(), 1);
+    expectNothing();
+    window().refresh();
+    expectNothing();
 }
 
 // The press itself only unfolds the node then.

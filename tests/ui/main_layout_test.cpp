@@ -123,11 +123,11 @@ TEST(EditItem, IsOffForWhatTheMenuCannotEdit) {
 // A command whose window does not exist must not be offered anywhere.
 TEST(Commands, AreOfferedOnlyWithTheirFunction) {
     using commands::Command;
-    using commands::TreeNodes;
-    EXPECT_TRUE(commands::isOffered(Command::NewGroup, TreeNodes::None));
-    EXPECT_FALSE(commands::isOffered(Command::AddPicture, TreeNodes::None));
-    EXPECT_TRUE(commands::isOffered(Command::AddPicture, TreeNodes::Some));
-    EXPECT_FALSE(commands::isOffered(Command::ImportGroup, TreeNodes::Some));
+    using commands::Selection;
+    EXPECT_TRUE(commands::isOffered(Command::NewGroup, Selection::None));
+    EXPECT_FALSE(commands::isOffered(Command::AddPicture, Selection::None));
+    EXPECT_TRUE(commands::isOffered(Command::AddPicture, Selection::Group));
+    EXPECT_FALSE(commands::isOffered(Command::ImportGroup, Selection::Group));
 }
 
 TEST(CommandLine, TakesItsOptionsAndRefusesOthers) {

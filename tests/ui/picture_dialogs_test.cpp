@@ -253,20 +253,6 @@ TEST_P(PictureDialogs, WithoutAPictureOnlyThePopUpRenameOpensAndSaysSo) {
     EXPECT_EQ(boxTitled(title), message);
 }
 
-// The pictures of the group selected before are still on the screen.
-TEST_P(PictureDialogs, RenamingWithoutAGroupLeavesTheChosenRow) {
-    startWith({"P1", "P2"});
-    trigger("Men_Extras_0");
-    auto* list = find<QTreeWidget>("lvwInfo");
-    list->setCurrentItem(list->findItems("P2", Qt::MatchExactly).value(0));
-    clickFreeArea(Qt::LeftButton);
-    ASSERT_EQ(selectedNode(), "");
-    renameTo("Neu");
-    EXPECT_EQ(boxes_.takeText(), say("Kein Bild ausgewählt.", "No picture selected."));
-    EXPECT_EQ(label(), "P2");
-    EXPECT_EQ(list->currentItem()->text(0), "P2");
-}
-
 // A program in the other language, or another program, may have given it that name.
 TEST_P(PictureDialogs, APictureNamedLikeTheWordsForNoneIsAPicture) {
     const QString name = say("- Kein Bild -", "- No picture -");

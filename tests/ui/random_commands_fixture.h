@@ -171,7 +171,7 @@ class RandomCommands : private TemporaryFoldersInMemory,
     QString groupText() const {
         return screen_.selected ? model_.find(*screen_.selected)->name : QString();
     }
-    bool offersMenu() const { return !model_.groups().empty(); }
+    bool offersMenu() const { return screen_.selected.has_value(); }
 
     browser::ThumbnailStrip* strip() { return find<browser::ThumbnailStrip>("shpVorschau"); }
     QTreeWidget* list() { return find<QTreeWidget>("lvwInfo"); }
