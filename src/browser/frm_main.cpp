@@ -85,6 +85,15 @@ frmMain::~frmMain() = default;
 
 void frmMain::connectTree() {
     connect(groups_.get(), &GroupBrowsing::editItemWanted, this, &frmMain::updateEditItem);
+    // A box must not come up in the middle of what reads the library.
+    connect(
+        groups_.get(), &GroupBrowsing::filesSetAside, this,
+        [this] {
+            if (Activated_) { // else the start tells of them
+                reportDamagedFiles(*library_, this);
+            }
+        },
+        Qt::QueuedConnection);
     connect(tree_, &GroupTree::popUpWanted, this,
             [this](const QPoint& position) { menus_->popUp(commands::BandId::Group, position); });
     connect(tree_, &GroupTree::pointerMoved, panel_, &PicturePanel::hideToolTip);

@@ -29,6 +29,9 @@ void GroupBrowsing::fillTree() {
     const LibraryReading reading = readLibrary(*library_, store::LockBudget(kRefreshLockWait));
     isReachable_ = reading.reachable;
     tree_.rebuild(reading.files);
+    if (reading.setAside > 0) {
+        emit filesSetAside();
+    }
 }
 
 void GroupBrowsing::refresh() {
@@ -43,7 +46,7 @@ void GroupBrowsing::refresh() {
 
 void GroupBrowsing::selectAgain(const QString& key) {
     const bool wasAwaited = !awaitedKey_.isEmpty();
-    if (tree_.selectKey(key)) {
+    if (tree_.selectKey(key, wasAwaited ? Reveal::Unfold : Reveal::KeepFolded)) {
         awaitedKey_.clear();
         CurrentGroup_ = key;
         if (wasAwaited || !panel_.group() || tree_.selectedIsMarked()) {
@@ -56,7 +59,9 @@ void GroupBrowsing::selectAgain(const QString& key) {
         tree_.select(store::topLevelAddress(fileOf(key).text));
         showSelected();
     } else {
-        selectFirst();
+        awaitedKey_.clear();
+        tree_.selectFirst(Reveal::KeepFolded);
+        showSelected();
     }
 }
 
@@ -153,7 +158,11 @@ void GroupBrowsing::retry(const store::FileName& file) {
     }
     const auto selected = tree_.selected();
     const bool wasSelected = selected && selected->address.file == file;
-    tree_.replaceFile(file, readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait)));
+    const auto reading = readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait));
+    if (!reading) {
+        emit filesSetAside();
+    }
+    tree_.replaceFile(file, reading);
     if (wasSelected && !tree_.selectedIsMarked()) {
         if (fileOf(awaitedKey_) == file && !tree_.selectKey(awaitedKey_)) {
             tree_.select(store::topLevelAddress(file.text));

@@ -62,6 +62,8 @@ class GroupBrowsing : public QObject {
   signals:
     // The user has chosen a node.
     void editItemWanted(commands::EditItemCause cause);
+    // Reading has found damaged files and renamed them.
+    void filesSetAside();
 
   private:
     void nodeClicked();

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QTreeWidgetItemIterator>
 
 #include <map>
@@ -131,13 +132,19 @@ GroupTree::GroupTree(QWidget* parent) : QTreeWidget(parent) {
     });
 }
 
-void GroupTree::rebuild(std::span<const GroupFile> files) {
+QSet<QString> GroupTree::unfoldedKeys() const {
     QSet<QString> unfolded;
-    for (QTreeWidgetItemIterator node(this); *node != nullptr; ++node) {
+    for (QTreeWidgetItemIterator node(const_cast<GroupTree*>(this)); *node != nullptr; ++node) {
         if ((*node)->isExpanded()) {
             unfolded.insert((*node)->data(0, kKeyRole).toString());
         }
     }
+    return unfolded;
+}
+
+void GroupTree::rebuild(std::span<const GroupFile> files) {
+    const QSet<QString> unfolded = unfoldedKeys();
+    const int scrolled = verticalScrollBar()->value();
     const QScopedValueRollback guard(selectingByProgram_, true);
     clear();
     QList<QTreeWidgetItem*> items;
@@ -147,14 +154,15 @@ void GroupTree::rebuild(std::span<const GroupFile> files) {
         fillTopItem(items.back(), file);
     }
     addTopLevelItems(items);
-    if (unfolded.isEmpty()) {
-        return;
-    }
-    for (QTreeWidgetItemIterator node(this); *node != nullptr; ++node) {
-        if (unfolded.contains((*node)->data(0, kKeyRole).toString())) {
+    for (QTreeWidgetItemIterator node(this); !unfolded.isEmpty() && *node != nullptr; ++node) {
+        const bool isMarked =
+            (*node)->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None);
+        if (!isMarked && unfolded.contains((*node)->data(0, kKeyRole).toString())) {
             (*node)->setExpanded(true);
         }
     }
+    executeDelayedItemsLayout(); // until then there is nothing to scroll
+    verticalScrollBar()->setValue(scrolled);
 }
 
 void GroupTree::replaceFile(const store::FileName& file, const std::optional<GroupFile>& reading) {
@@ -220,34 +228,39 @@ QTreeWidgetItem* GroupTree::itemOf(const store::GroupAddress& address) const {
     return nullptr;
 }
 
-void GroupTree::selectItem(QTreeWidgetItem* item) {
+void GroupTree::selectItem(QTreeWidgetItem* item, Reveal reveal) {
     const QScopedValueRollback guard(selectingByProgram_, true);
     if (item == nullptr) {
         clearSelection();
         return;
     }
+    setAutoScroll(reveal == Reveal::Unfold); // scrolling unfolds what stands above
     setCurrentItem(item, 0, QItemSelectionModel::ClearAndSelect);
+    setAutoScroll(true);
+    if (reveal == Reveal::KeepFolded) {
+        return;
+    }
     scrollToItem(item);
     item->setExpanded(item->data(0, kMarkRole).toInt() == static_cast<int>(GroupMark::None));
 }
 
 bool GroupTree::select(const store::GroupAddress& address) {
     QTreeWidgetItem* item = itemOf(address);
-    selectItem(item);
+    selectItem(item, Reveal::Unfold);
     return item != nullptr;
 }
 
-bool GroupTree::selectKey(const QString& key) {
+bool GroupTree::selectKey(const QString& key, Reveal reveal) {
     QTreeWidgetItem* item = itemOf(key);
     if (item == nullptr && key.endsWith(u'a')) {
         item = itemOf(store::topLevelAddress(key.chopped(1).toStdU16String()));
     }
-    selectItem(item);
+    selectItem(item, reveal);
     return item != nullptr;
 }
 
-void GroupTree::selectFirst() {
-    selectItem(topLevelItem(0));
+void GroupTree::selectFirst(Reveal reveal) {
+    selectItem(topLevelItem(0), reveal);
 }
 
 std::optional<commands::SelectedGroup> GroupTree::selected() const {

@@ -15,13 +15,19 @@
 
 namespace browser {
 
+// What selecting does to what is folded.
+enum class Reveal {
+    Unfold,     // the node can be seen with what is below it
+    KeepFolded, // nothing changes
+};
+
 class GroupTree : public QTreeWidget {
     Q_OBJECT
 
   public:
     explicit GroupTree(QWidget* parent = nullptr);
 
-    // Replaces all nodes. What was unfolded stays so; nothing is selected.
+    // Replaces all nodes. What was unfolded stays so, as does the scroll bar; nothing is selected.
     void rebuild(std::span<const GroupFile> files);
 
     // Replaces one file's nodes, whose top node keeps its selection; a missing reading removes
@@ -42,9 +48,9 @@ class GroupTree : public QTreeWidget {
 
     // Selects the node with exactly that key; a key that ends in "a" and that no node has may name
     // the top-level group before the "a".
-    bool selectKey(const QString& key);
+    bool selectKey(const QString& key, Reveal reveal = Reveal::Unfold);
 
-    void selectFirst();
+    void selectFirst(Reveal reveal = Reveal::Unfold);
 
     std::optional<commands::SelectedGroup> selected() const;
     std::optional<commands::SelectedGroup> find(const store::GroupAddress& address) const;
@@ -81,7 +87,8 @@ class GroupTree : public QTreeWidget {
     QTreeWidgetItem* selectedItem() const;
     QTreeWidgetItem* itemOf(const QString& key) const;
     QTreeWidgetItem* itemOf(const store::GroupAddress& address) const;
-    void selectItem(QTreeWidgetItem* item);
+    void selectItem(QTreeWidgetItem* item, Reveal reveal);
+    QSet<QString> unfoldedKeys() const;
     void onSelectionChanged();
 
     bool selectingByProgram_ = false;

@@ -35,6 +35,8 @@ LibraryReading readLibrary(const store::Library& library, const store::LockBudge
     for (const store::FileName& name : names) {
         if (std::optional<GroupFile> file = readGroupFileAgain(library, name, budget)) {
             result.files.push_back(std::move(*file));
+        } else {
+            ++result.setAside;
         }
     }
     return result;

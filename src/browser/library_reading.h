@@ -17,6 +17,7 @@ struct GroupFile {
 struct LibraryReading {
     bool reachable = false; // whether the storages folder could be listed
     std::vector<GroupFile> files;
+    std::size_t setAside = 0; // how many damaged files were renamed
 };
 
 // Files by name without regard to case. Waits for locked files as long as the budget lasts. Damaged

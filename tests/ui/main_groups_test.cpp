@@ -173,7 +173,7 @@ TEST_F(MainGroups, WithoutASelectedNodeNothingIsShownNorOffered) {
         }
         EXPECT_TRUE(isEnabled("Men_Datei_0"));
     };
-    expectNothing(); // nothing is remembered yet
+    expectNothing();                                         // nothing is remembered yet
     window().resize(window().minimumSize() + QSize(0, 100)); // few thumbnails
     for (const bool isListTheView : {false, true}) {
         clickNode("Pumpen");
