@@ -1,6 +1,7 @@
 #include "browser/group_tree.h"
 
 #include "browser/group_icons.h"
+#include "browser/plain_tool_tip.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -32,12 +33,6 @@ QString keyTextOf(const store::GroupAddress& address) {
     return textOf(store::keyOf(address));
 }
 
-// Tool tips guess their format; this one is always the text itself.
-QString plainToolTip(const std::string& utf8) {
-    return QStringLiteral("<p>%1</p>")
-        .arg(QString::fromStdString(utf8).toHtmlEscaped().replace(u'\n', QLatin1String("<br>")));
-}
-
 GroupMark markOf(const store::GroupFileReading& reading) {
     switch (reading.state) {
     case store::GroupFileState::Sound:
@@ -59,16 +54,15 @@ void describe(QTreeWidgetItem* item, const store::GroupAddress& address,
     item->setData(0, kParentRole, textOf(parent.text));
 }
 
-void setMark(QTreeWidgetItem* item, const store::GroupFileReading& reading) {
-    const GroupMark mark = markOf(reading);
+void setMark(QTreeWidgetItem* item, const GroupFile& file) {
+    const GroupMark mark = markOf(file.reading);
     item->setIcon(0, groupIcon(mark));
     item->setData(0, kMarkRole, static_cast<int>(mark));
     QFont font;
     font.setItalic(mark != GroupMark::None);
     item->setFont(0, font);
-    const QString cause = QString::fromStdString(reading.cause);
-    item->setToolTip(0, mark == GroupMark::None ? QString() : plainToolTip(reading.cause));
-    item->setData(0, Qt::AccessibleDescriptionRole, mark == GroupMark::None ? QString() : cause);
+    item->setToolTip(0, file.trouble);
+    item->setData(0, Qt::AccessibleDescriptionRole, file.trouble);
     item->setChildIndicatorPolicy(mark == GroupMark::None
                                       ? QTreeWidgetItem::DontShowIndicatorWhenChildless
                                       : QTreeWidgetItem::ShowIndicator);
@@ -92,7 +86,7 @@ void fillTopItem(QTreeWidgetItem* top, const GroupFile& file) {
         topAddress = file.reading.groups.front().address;
     }
     describe(top, topAddress, {}, title);
-    setMark(top, file.reading);
+    setMark(top, file);
     for (const store::GroupEntry& entry : file.reading.groups) {
         if (entry.parent.text.empty()) {
             byStorage.insert_or_assign(entry.address.storage.text, Place{top, 0});
@@ -122,6 +116,7 @@ GroupTree::GroupTree(QWidget* parent) : QTreeWidget(parent) {
     setTextElideMode(Qt::ElideRight);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     header()->setStretchLastSection(true);
+    setItemDelegate(new ToolTipDelegate(this));
     setMouseTracking(true);
     connect(this, &QTreeWidget::itemSelectionChanged, this, &GroupTree::onSelectionChanged);
     connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {

@@ -8,6 +8,7 @@
 #include "browser/library_reading.h"
 #include "commands/selection_context.h"
 
+#include <QSet>
 #include <QTreeWidget>
 
 #include <optional>

@@ -1,5 +1,6 @@
 #include "browser/library_reading.h"
 
+#include "app/message_box.h"
 #include "compound/error.h"
 #include "store/damaged_groups.h"
 
@@ -11,12 +12,15 @@ std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
                                             const store::FileName& file,
                                             const store::LockBudget& budget) {
     GroupFile group{file, store::readGroupFile(library, file, budget)};
+    if (group.reading.failure) {
+        group.trouble = app::errorText(*group.reading.failure);
+    }
     if (group.reading.state == store::GroupFileState::Damaged) {
         try {
             store::setAside(library, file);
             return std::nullopt;
         } catch (const std::exception& error) {
-            group.reading.cause += std::string("\n") + error.what();
+            group.trouble += u'\n' + app::errorText(error);
         }
     }
     return group;

@@ -4,6 +4,8 @@
 
 #include "store/group_operations.h"
 
+#include <QString>
+
 #include <optional>
 #include <vector>
 
@@ -12,6 +14,7 @@ namespace browser {
 struct GroupFile {
     store::FileName file;
     store::GroupFileReading reading; // never Damaged, unless the file could not be set aside
+    QString trouble = {};            // why it cannot be shown, for the user; empty for a sound file
 };
 
 struct LibraryReading {

@@ -1,5 +1,8 @@
 #include "browser/picture_label.h"
 
+#include "browser/plain_tool_tip.h"
+
+#include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
 
@@ -13,9 +16,22 @@ PictureLabel::PictureLabel(QWidget* parent) : QLabel(parent) {
 
 void PictureLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, width() - 4);
     style()->drawItemText(&painter, rect(), static_cast<int>(alignment()), palette(), isEnabled(),
-                          shown, QPalette::WindowText);
+                          fittingText(), QPalette::WindowText);
+}
+
+bool PictureLabel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QLabel::event(event);
+    }
+    const bool isCut = fittingText() != text();
+    showToolTip(static_cast<QHelpEvent*>(event)->globalPos(), isCut ? text() : QString(), this,
+                rect());
+    return true;
+}
+
+QString PictureLabel::fittingText() const {
+    return fontMetrics().elidedText(text(), Qt::ElideMiddle, width() - 4);
 }
 
 } // namespace browser

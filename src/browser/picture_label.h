@@ -1,5 +1,5 @@
 // The label below the large preview, `lblAktuell`: the name of the shown picture, as plain text,
-// with an ellipsis where it does not fit.
+// with an ellipsis and a tool tip where it does not fit.
 #pragma once
 
 #include <QLabel>
@@ -14,6 +14,10 @@ class PictureLabel : public QLabel {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    bool event(QEvent* event) override;
+
+  private:
+    QString fittingText() const;
 };
 
 } // namespace browser

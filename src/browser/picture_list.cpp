@@ -3,13 +3,13 @@
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
+#include "browser/plain_tool_tip.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QScopedValueRollback>
-#include <QStyledItemDelegate>
 
 namespace browser {
 namespace {
@@ -24,9 +24,9 @@ constexpr std::array<app::TextPair, kListColumns> kCaptions{{
 }};
 
 // Edits names only, and leaves the row as it is: the store decides on the new name.
-class NameDelegate : public QStyledItemDelegate {
+class NameDelegate : public ToolTipDelegate {
   public:
-    explicit NameDelegate(PictureList* list) : QStyledItemDelegate(list), list_(list) {}
+    explicit NameDelegate(PictureList* list) : ToolTipDelegate(list), list_(list) {}
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override {
@@ -75,6 +75,12 @@ std::array<double, kListColumns> columnWidths(double listWidth) {
 QString kilobytesText(std::uint64_t bytes) {
     const QString number = app::numberText(static_cast<double>(bytes) / 1024);
     return number.section(u',', 0, 0) + QLatin1String(" KB");
+}
+
+QString bytesText(std::uint64_t bytes) {
+    constexpr app::TextPair kOne{u"1 Byte", u"1 byte"};
+    constexpr app::TextPair kSeveral{u"%1 Bytes", u"%1 bytes"};
+    return bytes == 1 ? app::text(kOne) : app::text(kSeveral).arg(bytes);
 }
 
 PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
@@ -126,6 +132,7 @@ void PictureList::fill(const std::optional<store::GroupAddress>& group,
                                          hasRecord ? app::numberText(record.height) : QString(),
                                          hasRecord ? app::numberText(record.width) : QString(),
                                          QString::fromStdString(record.type)});
+        row->setToolTip(1, bytesText(picture.bytes));
         row->setFlags(row->flags() | Qt::ItemIsEditable);
         rows.append(row);
     }

@@ -20,6 +20,9 @@ std::array<double, kListColumns> columnWidths(double listWidth);
 // A stored size as the list shows it: kilobytes, cut at a decimal comma (a decimal point is kept).
 QString kilobytesText(std::uint64_t bytes);
 
+// The same exactly, in the window's language.
+QString bytesText(std::uint64_t bytes);
+
 class PictureList : public QTreeWidget {
     Q_OBJECT
 

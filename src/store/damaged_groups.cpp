@@ -41,7 +41,7 @@ GroupFileReading examine(const Library& library, const std::filesystem::path& pa
         reading.state = GroupFileState::Sound;
     } catch (const Error& error) {
         reading.state = stateOf(error);
-        reading.cause = error.what();
+        reading.failure = error;
     }
     return reading;
 }
@@ -76,7 +76,7 @@ void setAside(const Library& library, const FileName& file) {
         return;
     if (now.state != GroupFileState::Damaged)
         throw Error(now.state == GroupFileState::Locked ? ErrorCode::Locked : ErrorCode::Failed,
-                    path, now.cause);
+                    path, now.failure->cause());
     const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const std::filesystem::path aside =
         library.folder / toPath(file.text + std::u16string(kDamagedFileSuffix));

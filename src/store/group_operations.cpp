@@ -100,8 +100,7 @@ bool subGroupExists(const Library& library, const GroupAddress& parent, const Gr
 GroupName readGroupName(const Library& library, const GroupAddress& group) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
-    access.groupStream().emplace(access.groupStorage().OpenStream(kNameStream, OpenMode::Open));
-    return {access.groupStream()->GetText()};
+    return {readGroupText(access.groupStorage(), kNameStream).value_or(group.storage.text)};
 }
 
 StorageName readGroupParent(const Library& library, const GroupAddress& group) {

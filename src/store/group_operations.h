@@ -5,6 +5,7 @@
 // stream a picture). Nesting is told by the `Parent` texts alone.
 #pragma once
 
+#include "compound/error.h"
 #include "store/library.h"
 #include "store/names.h"
 
@@ -32,7 +33,7 @@ enum class GroupFileState {
 
 struct GroupFileReading {
     GroupFileState state = GroupFileState::Unreadable;
-    std::string cause; // UTF-8, for everything but Sound
+    std::optional<compound::Error> failure; // for everything but Sound
     // Sound only: the top-level group first, every parent before its children. Groups whose parent
     // is missing, themselves, or part of a ring hang directly under the top-level group.
     std::vector<GroupEntry> groups;
@@ -62,6 +63,7 @@ bool groupExistsIgnoringCase(const Library& library, const GroupName& name);
 // Whether a group directly below `parent` has exactly this name.
 bool subGroupExists(const Library& library, const GroupAddress& parent, const GroupName& name);
 
+// The storage's name for a group that another program has made without a `Name`.
 GroupName readGroupName(const Library& library, const GroupAddress& group);
 
 // The storage name of the group's parent as its `Parent` stream tells it; "None" at top level.

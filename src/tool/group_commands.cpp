@@ -81,8 +81,8 @@ ExitStatus listGroups(const Invocation& invocation) {
     for (const store::FileName& file : store::groupFiles(library)) {
         try {
             const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
-            if (reading.state != store::GroupFileState::Sound) {
-                complain(invocation.console, reading.cause);
+            if (reading.failure) {
+                complain(invocation.console, reading.failure->what());
                 status = ExitStatus::Failed;
             }
             for (const store::GroupEntry& group : reading.groups) {

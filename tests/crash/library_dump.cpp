@@ -36,7 +36,8 @@ std::string dumpGroupFile(const store::Library& library, const store::FileName& 
     std::ostringstream out;
     const store::LockBudget budget(std::chrono::milliseconds{0});
     const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
-    out << reading.cause;
+    if (reading.failure)
+        out << reading.failure->what();
     for (const store::GroupEntry& group : reading.groups) {
         out << store::toUtf8(store::keyOf(group.address)) << ' ' << store::toUtf8(group.name.text)
             << " below " << store::toUtf8(group.parent.text) << '\n';

@@ -33,7 +33,7 @@ TEST_F(DamagedGroupTest, OnlyBytesMakeAFileDamaged) {
         ASSERT_TRUE(file->lock(std::chrono::milliseconds{0}));
         EXPECT_EQ(stateOf("Plant.stg"), GroupFileState::Locked);
         EXPECT_EQ(reading(u"Plant").state, GroupFileState::Locked);
-        EXPECT_THAT(reading(u"Plant").cause, HasSubstr("Plant.stg"));
+        EXPECT_THAT(reading(u"Plant").failure->what(), HasSubstr("Plant.stg"));
     }
     disk.create("/library/Text.stg")->write(0, std::as_bytes(std::span("no compound file")));
     disk.create("/library/Empty.stg");
@@ -52,7 +52,7 @@ TEST_F(DamagedGroupTest, AFileThatCannotBeLookedUpIsUnreadable) {
             throw compound::Error(ErrorCode::Denied, "/library/Plant.stg", "look up");
     });
     EXPECT_EQ(reading(u"Plant").state, GroupFileState::Unreadable);
-    EXPECT_THAT(reading(u"Plant").cause, HasSubstr("Plant.stg"));
+    EXPECT_THAT(reading(u"Plant").failure->what(), HasSubstr("Plant.stg"));
     disk.setInterceptor({});
     EXPECT_EQ(reading(u"Plant").state, GroupFileState::Sound);
 }

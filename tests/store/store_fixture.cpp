@@ -84,7 +84,8 @@ std::vector<std::u16string> StoreTest::rootOf(std::u16string_view file) {
 std::vector<std::string> StoreTest::treeOf(std::u16string_view file) {
     const GroupFileReading reading =
         readGroupFile(library, {std::u16string(file)}, LockBudget{std::chrono::milliseconds{0}});
-    EXPECT_EQ(reading.state, GroupFileState::Sound) << reading.cause;
+    EXPECT_EQ(reading.state, GroupFileState::Sound)
+        << (reading.failure ? reading.failure->what() : "");
     std::vector<std::string> tree;
     for (std::size_t i = 1; i < reading.groups.size(); ++i) {
         const GroupEntry& group = reading.groups[i];

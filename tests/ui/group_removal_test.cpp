@@ -2,6 +2,7 @@
 #include "app/settings.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
+#include "store/storage_access.h"
 #include "ui/group_dialogs_fixture.h"
 
 #include <QAction>
@@ -129,6 +130,26 @@ TEST_P(GroupRemoval, TheLastGroupLeavesTheEmptyState) {
         window().close();
         EXPECT_EQ(app::settings().currentGroup(), "");
     }
+}
+
+// As another program may leave it.
+TEST_P(GroupRemoval, ASubGroupWithoutItsNameHasItsInformation) {
+    const auto group = makeGroup("Kreisel", makeGroup("Pumpen"));
+    addPicture(group, "P1");
+    {
+        store::StorageAccess access(library());
+        access.openGroup(group, compound::Access::ReadWrite);
+        access.groupStorage().DestroyElement(u"Name");
+        access.Commit();
+    }
+    start();
+    clickNode("Pumpen/Sub1");
+    inDialog([&] { trigger("gInfo"); },
+             [](QDialog& dialog) {
+                 EXPECT_EQ(dialog.findChild<QLabel*>("lblName2")->text(), "Sub1");
+                 EXPECT_EQ(dialog.findChild<QLabel*>("lblBilder2")->text(), "1");
+             });
+    EXPECT_TRUE(boxes_.take().isEmpty());
 }
 
 TEST_P(GroupRemoval, ANodeAddedByACommandCanBeDeleted) {
