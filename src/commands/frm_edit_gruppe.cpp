@@ -59,7 +59,8 @@ void frmEditGruppe::connectControls() {
 
 void frmEditGruppe::openFor(const SelectionContext& context) {
     context_ = context;
-    txtNeu_->clear();
+    txtNeu_->setText(context.groupName);
+    txtNeu_->selectAll();
     txtNeu_->setFocus();
     app::execModally(*this);
 }

@@ -21,10 +21,10 @@ class frmEditGruppe : public QDialog {
     // The view must outlive the dialog.
     frmEditGruppe(LibraryView& view, QWidget* owner);
 
-    // Shows the dialog, empty, for the group of that selection and returns when it is closed. A
-    // name that is refused or a failure of the store is told in a box, changes nothing and leaves
-    // the dialog open; it closes when the group has vanished. Without a selected group every name
-    // is refused.
+    // Shows the dialog, with the old name selected, for the group of that selection and returns
+    // when it is closed. A name that is refused or a failure of the store is told in a box, changes
+    // nothing and leaves the dialog open; it closes when the group has vanished. Without a selected
+    // group every name is refused.
     void openFor(const SelectionContext& context);
 
   private:

@@ -65,7 +65,8 @@ void frmEditSymbol::connectControls() {
 
 void frmEditSymbol::openFor(const SelectionContext& context) {
     context_ = context;
-    txtName_->clear();
+    txtName_->setText(context.picture.nameText());
+    txtName_->selectAll();
     txtName_->setFocus();
     app::execModally(*this);
 }

@@ -20,7 +20,8 @@ class frmEditSymbol : public QDialog {
     // The view must outlive the dialog.
     frmEditSymbol(LibraryView& view, QWidget* owner);
 
-    // Shows the dialog, empty, for the picture of that selection and returns when it is closed.
+    // Shows the dialog, with the old name selected, for the picture of that selection and returns
+    // when it is closed.
     // Every refused name is told in a box, changes nothing and leaves the dialog open.
     void openFor(const SelectionContext& context);
 

@@ -215,12 +215,13 @@ TEST_P(PictureDialogs, ARenamedPictureStaysTheShownOne) {
     expectOthersUntouched();
 }
 
-TEST_P(PictureDialogs, TheRenameDialogOpensEmptyEachTime) {
+TEST_P(PictureDialogs, TheRenameDialogOffersTheOldNameEachTime) {
     startWith({"P1"});
     QDialog* first = nullptr;
     inDialog([&] { trigger("bRename"); },
              [&](QDialog& dialog) {
                  first = &dialog;
+                 EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->selectedText(), "P1");
                  QTest::keyClicks(dialog.findChild<QLineEdit*>("txtName"), "half typed");
                  QTest::keyClick(&dialog, Qt::Key_Escape);
                  EXPECT_FALSE(dialog.isVisible());
@@ -228,11 +229,21 @@ TEST_P(PictureDialogs, TheRenameDialogOpensEmptyEachTime) {
     inDialog([&] { trigger("bRename"); },
              [&](QDialog& dialog) {
                  EXPECT_EQ(&dialog, first);
-                 EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->text(), "");
+                 auto* field = dialog.findChild<QLineEdit*>("txtName");
+                 EXPECT_EQ(field->selectedText(), "P1");
                  press(dialog, "cmdCancel");
                  EXPECT_FALSE(dialog.isVisible());
              });
     EXPECT_EQ(stored(group_), QStringList{"P1"});
+    inDialog([&] { trigger("bRename"); },
+             [&](QDialog& dialog) { // what is typed takes the old name's place
+                 auto* field = dialog.findChild<QLineEdit*>("txtName");
+                 QTest::keyClicks(field, "P");
+                 QTest::keyClick(field, Qt::Key_End);
+                 QTest::keyClicks(field, "7");
+                 QTest::keyClick(field, Qt::Key_Return);
+             });
+    EXPECT_EQ(stored(group_), QStringList{"P7"});
 }
 
 TEST_P(PictureDialogs, WithoutAPictureOnlyThePopUpRenameOpensAndSaysSo) {

@@ -141,7 +141,7 @@ class RandomCommands : private TemporaryFoldersInMemory,
     using NameTrial = std::function<QString(QLineEdit* field)>;
     // Some names until one is taken, else leaves the dialog by the button or by Escape.
     void tryNames(QDialog& dialog, const char* fieldName, const char* cancelButton,
-                  const NameTrial& enterName);
+                  const QString& oldName, const NameTrial& enterName);
     static void press(QDialog& dialog, const QString& button);
     void expectText(QDialog& dialog, const char* label, const QString& text);
 

@@ -41,9 +41,10 @@ QString RandomCommands::anyPictureName() {
 }
 
 void RandomCommands::tryNames(QDialog& dialog, const char* fieldName, const char* cancelButton,
-                              const NameTrial& enterName) {
+                              const QString& oldName, const NameTrial& enterName) {
     auto* field = dialog.findChild<QLineEdit*>(fieldName);
-    EXPECT_EQ(field->text(), "");
+    EXPECT_EQ(plain(field->text()), plain(oldName));
+    EXPECT_EQ(plain(field->selectedText()), plain(oldName));
     for (int attempts = below(4); attempts > 0 && dialog.isVisible(); --attempts) {
         const QString refusal = enterName(field);
         if (!refusal.isEmpty()) {
@@ -83,7 +84,7 @@ void RandomCommands::newGroup() {
         }
         const auto parent = target->currentIndex() == 1 ? screen_.selected : std::nullopt;
         addNote(parent ? " below " + parent->key() : QStringLiteral(" at the top"));
-        tryNames(dialog, "txtNeu", "cmdAbbruch", [&](QLineEdit* field) {
+        tryNames(dialog, "txtNeu", "cmdAbbruch", {}, [&](QLineEdit* field) {
             const GroupNameTrial name = anyGroupName();
             type(field, name.text);
             const QString typed = QString(name.text).remove(u'.');
@@ -122,7 +123,7 @@ QString RandomCommands::renameGroupRefusal(const GroupNameTrial& name) const {
 void RandomCommands::renameGroup() {
     const QString action = anyOfThese({"Men_Bearbeiten_7", "gRename", "F2 on tvwGruppen"});
     run(action, Opens::Dialog, [&](QDialog& dialog) {
-        tryNames(dialog, "txtNeu", "cmdAbbruch", [&](QLineEdit* field) {
+        tryNames(dialog, "txtNeu", "cmdAbbruch", groupText(), [&](QLineEdit* field) {
             const GroupNameTrial name = anyGroupName();
             const QString typed = name.text;
             type(field, typed);
@@ -295,7 +296,8 @@ void RandomCommands::renamePicture() {
         return;
     }
     run(action, Opens::Dialog, [&](QDialog& dialog) {
-        tryNames(dialog, "txtName", "cmdCancel", [&](QLineEdit* field) {
+        const QString oldName = screen_.showsNoPicture() ? QString() : screen_.label;
+        tryNames(dialog, "txtName", "cmdCancel", oldName, [&](QLineEdit* field) {
             const QString name = anyPictureName();
             type(field, name);
             const QString refusal = renamePictureRefusal(name);
