@@ -178,9 +178,17 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::unload() {
+    removeTemporaryPictures(app::settings().temporaryFolderPath());
+    saveSettings();
+}
+
+void frmMain::saveSettings() {
+    if (!isLoaded_) {
+        return;
+    }
     app::Settings& settings = app::settings();
-    removeTemporaryPictures(settings.temporaryFolderPath());
-    if (const auto key = groups_->keyToRemember()) {
+    // Before the first activation nothing is selected, whatever is remembered.
+    if (const auto key = Activated_ ? groups_->keyToRemember() : std::nullopt) {
         settings.setCurrentGroup(*key);
     } else {
         settings.readCurrentGroup();

@@ -75,6 +75,10 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     // Reads the library again and shows the same group and picture, if they are still there.
     void refresh();
 
+    // Writes what the next run is to find: settings and the window's place. Nothing before the
+    // window was shown. A failure is told in a box.
+    void saveSettings();
+
     // Puts the shown picture on the clipboard; nothing without one.
     void copyPicture();
 

@@ -7,6 +7,7 @@
 #include "platform/temporary_folder.h"
 #include "startup/options.h"
 #include "startup/screenshot.h"
+#include "startup/system_requests.h"
 
 #include <QApplication>
 #include <QLibraryInfo>
@@ -78,6 +79,7 @@ int run(const startup::Options& options) {
     if (!options.screenshotFile.empty()) {
         screenshot.emplace(window, QString::fromStdString(options.screenshotFile));
     }
+    const startup::SystemRequests requests(window);
     browser::restoreWindowState(window);
     window.show();
     const int status = QApplication::exec();

@@ -1,31 +1,22 @@
 #include "startup/screenshot.h"
 
-#include "app/message_box.h"
 #include "browser/frm_main.h"
+#include "startup/unattended.h"
 
 #include <QCoreApplication>
 #include <QImageWriter>
 #include <QPixmap>
-
-#include <cstdio>
 
 namespace startup {
 namespace {
 
 constexpr int kLookAgainMilliseconds = 20;
 
-void tell(const QString& text) {
-    std::fprintf(stderr, "txsgraphicslib: %s\n", qPrintable(text));
-}
-
 } // namespace
 
 Screenshot::Screenshot(browser::frmMain& window, const QString& file)
     : window_(window), file_(file) {
-    app::setMsgBoxHandler([](const QString& text, app::Buttons, const QString&, QWidget*) -> int {
-        tell(text);
-        return app::kAnswerNo;
-    });
+    answerBoxesAlone();
     timer_.setInterval(kLookAgainMilliseconds);
     connect(&timer_, &QTimer::timeout, this, &Screenshot::lookAgain);
     timer_.start();

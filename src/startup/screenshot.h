@@ -13,8 +13,7 @@ namespace startup {
 
 // Waits until the window has loaded and painted everything, choosing the first group when none is
 // remembered, saves the picture and ends the event loop: with 0, or with 1 when the file cannot be
-// written (the reason goes to stderr). Boxes are answered with No and told on stderr, so that
-// nothing waits and nothing is changed.
+// written (the reason goes to stderr). Boxes are answered as answerBoxesAlone says.
 class Screenshot : public QObject {
     Q_OBJECT
 

@@ -26,6 +26,10 @@ class ViewInMemory : public commands::LibraryView {
     const commands::ShownPicture& shownPicture() const override { return shown_; }
     void Aktualisieren() override { ++refreshes; }
     void PictureRenamed(const store::GroupAddress&, const QString&) override { ++refreshes; }
+    void PictureDeleted(const store::GroupAddress&,
+                        const std::optional<store::PictureName>&) override {
+        ++refreshes;
+    }
     void FillTreeView() override { ++refreshes; }
     void SetCurrentGroup(const store::GroupAddress&) override {}
     void TreeViewSelectNode(const store::GroupAddress&) override {}

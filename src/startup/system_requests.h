@@ -1,0 +1,31 @@
+// What the system wants of the program: to end, or to be ready for the end of the session.
+#pragma once
+
+#include "platform/termination.h"
+
+#include <QObject>
+
+namespace browser {
+class frmMain;
+}
+
+namespace startup {
+
+// While it lives, a request to end leaves the program as its Exit command does, whatever dialog is
+// open: their question is answered as by Escape. At the end of the desktop's session what the next
+// run remembers is saved first, since another program may still keep the session; then the desktop
+// closes the window. Boxes of that time are told on stderr.
+class SystemRequests : public QObject {
+  public:
+    // The window must outlive the object.
+    explicit SystemRequests(browser::frmMain& window);
+
+  private:
+    void leave();
+    void prepareForSessionEnd();
+
+    browser::frmMain& window_;
+    platform::TerminationRequests termination_;
+};
+
+} // namespace startup
