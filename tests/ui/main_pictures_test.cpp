@@ -1,3 +1,4 @@
+#include "app/message_box.h"
 #include "app/texts.h"
 #include "browser/large_preview.h"
 #include "store/picture_operations.h"
@@ -9,6 +10,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QPointer>
 #include <QScrollBar>
@@ -385,6 +387,27 @@ TEST_F(MainPictures, RenamingInPlaceAsksTheStore) {
     restart();
     trigger("Men_Extras_0");
     EXPECT_EQ(rows(), (QStringList{"P2", "PUMPE 1"})); // in the store's order
+}
+
+// A box takes the focus from the name's editor, which ends the editing once more.
+TEST_F(MainPictures, ARefusalOfRenamingInPlaceIsToldOnceInARealBox) {
+    startWith({"P1", "P2"});
+    trigger("Men_Extras_0");
+    const app::MsgBoxHandler script = app::setMsgBoxHandler({});
+    QStringList told;
+    QTimer looking;
+    QObject::connect(&looking, &QTimer::timeout, [&told] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            told.append(box->text());
+            box->button(QMessageBox::Ok)->click();
+        }
+    });
+    looking.start(0);
+    renameFirstRow("P2");
+    app::setMsgBoxHandler(script);
+    EXPECT_EQ(told, QStringList{app::text(452)});
+    EXPECT_EQ(rows(), (QStringList{"P1", "P2"}));
+    EXPECT_EQ(label(), "P1");
 }
 
 TEST_F(MainPictures, AFailureOfRenamingInPlaceNamesItsGroup) {
