@@ -1,6 +1,7 @@
 #include "catalogue.h"
 
 #include "drawings.h"
+#include "states.h"
 
 #include <iterator>
 
@@ -136,6 +137,7 @@ std::vector<Group> catalogue() {
     std::vector<Group> groups = pumps();
     for (auto part : {valves(), vessels()})
         std::move(part.begin(), part.end(), std::back_inserter(groups));
+    groups.push_back(states());
     return groups;
 }
 
