@@ -9,7 +9,10 @@ import unicodedata
 
 def simple_upper(unit):
     # str.upper() gives the full mapping; the simple one is the full one where that has one unit.
+    # Letters with a longer one may have a simple one as well, the same as their title case.
     upper = chr(unit).upper()
+    if len(upper) != 1:
+        upper = chr(unit).title()
     if len(upper) != 1 or ord(upper) > 0xFFFF or unicodedata.category(chr(unit)) == "Cs":
         return unit
     return ord(upper)
