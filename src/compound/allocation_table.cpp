@@ -58,6 +58,11 @@ void AllocationTable::loadDifat() {
         at = read32(bytes.data() + std::size_t{4} * (perSector_ - 1));
     }
     ranges_.resize(fatSectors_.size());
+    tables_.clear();
+    for (const std::vector<std::uint32_t>* sectors : {&fatSectors_, &difatSectors_}) {
+        for (const std::uint32_t sector : *sectors)
+            tables_.insert(sector);
+    }
     difatLoaded_ = true;
 }
 
@@ -127,7 +132,7 @@ std::uint32_t AllocationTable::rangeLock() const {
 }
 
 bool AllocationTable::isUsable(std::uint32_t sector) const {
-    return sector < limit() && sector != rangeLock();
+    return sector < limit() && sector != rangeLock() && !tables_.contains(sector);
 }
 
 void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
@@ -178,7 +183,7 @@ void AllocationTable::addRange() {
     ranges_.push_back(std::move(range));
     const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
     fatSectors_.push_back(take(place));
-    set(place, kFatSector);
+    markTable(place, kFatSector);
     touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
 }
 
@@ -294,6 +299,16 @@ void AllocationTable::release(std::uint32_t sector) {
     scannedTo_ = std::min(scannedTo_, sector / perSector_);
 }
 
+void AllocationTable::markTable(std::uint32_t sector, std::uint32_t as) {
+    set(sector, as);
+    tables_.insert(sector);
+}
+
+void AllocationTable::releaseTable(std::uint32_t sector) {
+    tables_.erase(sector);
+    release(sector);
+}
+
 void AllocationTable::releaseChain(std::uint32_t first) {
     std::uint64_t seen = 0;
     for (std::uint32_t at = first; at != kEndOfChain;) {
@@ -359,8 +374,8 @@ bool AllocationTable::moveFatSectors() {
         const std::uint32_t own = findFree(index, 0, 0);
         const std::uint32_t place =
             own != kNone ? take(own) : allocate(fatSectors_[index], Purpose::Move);
-        set(place, kFatSector);
-        release(fatSectors_[index]);
+        markTable(place, kFatSector);
+        releaseTable(fatSectors_[index]);
         fatSectors_[index] = place;
         touchDifat(index);
     }
@@ -382,16 +397,16 @@ bool AllocationTable::moveDifat() {
         const bool isNew = difatMoved_ >= difatSectors_.size();
         const std::uint32_t place = isNew ? allocate(0, Purpose::Growth)
                                           : allocate(difatSectors_[difatMoved_], Purpose::Move);
-        set(place, kDifatSector);
+        markTable(place, kDifatSector);
         if (isNew) {
             difatSectors_.push_back(place);
         } else {
-            release(difatSectors_[difatMoved_]);
+            releaseTable(difatSectors_[difatMoved_]);
             difatSectors_[difatMoved_] = place;
         }
     }
     while (difatSectors_.size() > sectorsFor(fatSectors_.size())) {
-        release(difatSectors_.back()); // a foreign file kept more than it needs
+        releaseTable(difatSectors_.back()); // a foreign file kept more than it needs
         difatSectors_.pop_back();
         any = true;
     }
@@ -428,7 +443,7 @@ void AllocationTable::dropEmptyRanges() {
         }
         if (own / perSector_ != index)
             return; // another program's arrangement
-        release(own);
+        releaseTable(own);
         fatSectors_.pop_back();
         ranges_.pop_back();
         touchDifat(index == 0 ? 0 : index - 1);

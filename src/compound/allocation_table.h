@@ -117,6 +117,8 @@ class AllocationTable {
     std::uint32_t chooseDataRange();
     void touchDifat(std::uint32_t fatIndex);
     void mark(std::uint32_t sector, std::uint32_t as);
+    void markTable(std::uint32_t sector, std::uint32_t as);
+    void releaseTable(std::uint32_t sector);
     bool moveFatSectors();
     bool moveDifat();
     void writeRange(std::uint32_t index);
@@ -132,6 +134,7 @@ class AllocationTable {
     std::vector<std::unique_ptr<Range>> ranges_;
     SectorSet fresh_;
     SectorSet pending_;              // freed, but used by the committed state
+    SectorSet tables_;               // FAT and DIFAT, which another program may have left unmarked
     std::uint32_t difatTouched_ = 0; // FAT sectors before this one have moved
     std::size_t difatMoved_ = 0;     // DIFAT sectors before this one have their new places
     std::uint32_t dataHint_ = format::kFreeSector;

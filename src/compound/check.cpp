@@ -6,6 +6,7 @@
 #include "compound/red_black_tree.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -16,6 +17,12 @@ using namespace format;
 namespace {
 
 constexpr std::size_t kMostFindings = 1000; // a wild file has no use for more
+
+struct ByName {
+    bool operator()(std::u16string_view one, std::u16string_view other) const {
+        return compareNames(one, other) < 0;
+    }
+};
 
 class Checker {
   public:
@@ -147,6 +154,7 @@ class Checker {
         Directory& directory = file_.directory();
         const std::string where = storage.path.empty() ? "root" : storage.path;
         std::u16string previous;
+        std::map<std::u16string, std::string, ByName> names; // with their paths
         for (const EntryId id : directory.elements(storage.id)) {
             if (id >= reached_.size() || reached_[id]) {
                 find(where, "entry " + std::to_string(id) + " is linked twice");
@@ -156,8 +164,10 @@ class Checker {
             const std::u16string name = directory.name(id);
             const std::string path =
                 (storage.path.empty() ? "" : storage.path + "/") + shownName(name);
-            if (!previous.empty() && compareNames(previous, name) >= 0)
+            if (!previous.empty() && compareNames(previous, name) > 0)
                 find(path, "it stands in the wrong place of its storage's order");
+            if (const auto [other, isFirst] = names.emplace(name, path); !isFirst)
+                find(path, "it bears the same name as " + other->second);
             if (!isLegalName(name))
                 find(path, "its name is not allowed");
             previous = name;

@@ -213,8 +213,9 @@ CompoundFile::CompoundFile(CompoundFile&&) noexcept = default;
 CompoundFile& CompoundFile::operator=(CompoundFile&&) noexcept = default;
 
 CompoundFile::~CompoundFile() {
-    // A state in which something has just gone wrong is not worth keeping.
-    if (!state_ || !cache_ || !state_->identity() || std::uncaught_exceptions() > 0)
+    // A state in which something has just gone wrong is not worth keeping, nor is a writer's.
+    if (!state_ || !cache_ || !state_->identity() || std::uncaught_exceptions() > 0 ||
+        state_->access() != Access::Read)
         return;
     try {
         const FileIdentity identity = *state_->identity();
@@ -226,14 +227,17 @@ CompoundFile::~CompoundFile() {
 
 CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, ReadCache* cache) {
     const Header header = readHeader(*file);
-    if (access != Access::Read || !cache)
-        return {std::make_unique<FileState>(std::move(file), header, access, false), nullptr};
-    const std::optional<FileIdentity> identity = file->identity();
-    std::unique_ptr<FileState> state = identity ? cache->take(*identity, header) : nullptr;
-    if (state)
+    const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
+    std::unique_ptr<FileState> state;
+    if (identity && access == Access::Read)
+        state = cache->take(*identity, header);
+    if (state) {
         state->file().setDisk(std::move(file));
-    else
+    } else {
         state = std::make_unique<FileState>(std::move(file), header, access, false);
+        if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt)
+            state->recall(*known);
+    }
     state->setIdentity(identity);
     return {std::move(state), cache};
 }
@@ -261,7 +265,26 @@ Storage CompoundFile::root() {
 }
 
 void CompoundFile::commit() {
+    if (!state_->hasChanges())
+        return;
+    if (cache_ && state_->identity())
+        cache_->forget(*state_->identity());
     state_->commit();
+    rememberCommit();
+}
+
+// The commit is done: what goes wrong here costs the next transaction some time only.
+void CompoundFile::rememberCommit() noexcept {
+    if (!cache_ || !state_->identity())
+        return;
+    try {
+        const bool isThere = disk().isStillAtPath();
+        const auto identity = isThere ? disk().identity() : std::nullopt;
+        if (identity)
+            cache_->remember({*identity, state_->header(), state_->directory().soundStorages()});
+    } catch (const std::exception&) {
+        return;
+    }
 }
 
 void CompoundFile::dropChanges() {

@@ -11,7 +11,8 @@
 //
 // Errors. Everything throws compound::Error with the file's path; Damaged means that the bytes are
 // wrong (every chain, tree and size is checked when it is first reached). After an exception the
-// transaction is to be dropped; the committed state is untouched.
+// transaction is to be dropped; the committed state is untouched. After OutcomeUnknown the file can
+// be changed again only when it is opened anew.
 //
 // Names are 1 to 31 UTF-16 units without / \ : ! and compare without regard to case (simple
 // upper-casing of each unit, length first).
@@ -137,7 +138,8 @@ class CompoundFile {
     // Opens a compound file; `file` is locked by the caller as it needs. Reads the header only.
     // NotCompoundFile when the signature is missing, Damaged when the header contradicts itself.
     // Access::Read refuses every change with Denied.
-    // `cache`, if given, must live as long as the file.
+    // `cache`, if given, must live as long as the file; it is asked for and told what this process
+    // knows of the file.
     static CompoundFile open(std::unique_ptr<DiskFile> file, Access access,
                              ReadCache* cache = nullptr);
 
@@ -177,12 +179,15 @@ class CompoundFile {
   private:
     friend void copyAll(CompoundFile& from, CompoundFile& to);
     CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
+    void rememberCommit() noexcept;
+
     std::unique_ptr<FileState> state_;
-    ReadCache* cache_ = nullptr; // gets the state back in the end; null for what is written
+    ReadCache* cache_ = nullptr; // may be null
 };
 
 // Copies every element of `from` (class ids, state bits and times included) into the empty file
-// `to`, densely, and leaves `to` uncommitted. The way to compact a file.
+// `to`, densely, and leaves `to` uncommitted. The way to compact a file. Of elements of one storage
+// that bear one name, which another program may have written, all but one get a number behind it.
 void copyAll(CompoundFile& from, CompoundFile& to);
 
 } // namespace compound

@@ -1,7 +1,9 @@
 #include "compound/compound_file.h"
 #include "compound/file_state.h"
+#include "compound/names.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -27,11 +29,45 @@ struct Copier {
         }
     }
 
-    EntryId copyElement(EntryId source, EntryId into) const {
-        const EntryId target = to.directory().insert(into, from.directory().name(source),
-                                                     from.directory().type(source));
+    EntryId copyElement(EntryId source, EntryId into, const std::u16string& name) const {
+        const EntryId target = to.directory().insert(into, name, from.directory().type(source));
         to.directory().setAttributes(target, from.directory().attributes(source));
         return target;
+    }
+
+    // A name like `name` that no element of the copied storage bears.
+    std::u16string freeName(EntryId into, std::u16string name) const {
+        for (unsigned number = 2;; ++number) {
+            std::u16string suffix = u" (";
+            for (const char digit : std::to_string(number))
+                suffix += static_cast<char16_t>(digit);
+            suffix += u')';
+            const std::u16string tried = name.substr(0, kMaximumNameUnits - suffix.size()) + suffix;
+            if (!to.directory().find(into, tried))
+                return tried;
+        }
+    }
+
+    // Copies a storage's elements; of those that bear one name, which only another program can have
+    // written, the first by its spelling keeps it. `copied` takes each with its copy.
+    template <typename Copied>
+    void copyElements(EntryId source, EntryId target, Copied copied) const {
+        Directory& directory = from.directory();
+        std::vector<EntryId> elements = directory.elements(source);
+        directory.sortByName(elements);
+        std::vector<EntryId> others;
+        std::u16string previous;
+        for (const EntryId element : elements) {
+            std::u16string name = directory.name(element);
+            if (compareNames(previous, name) == 0)
+                others.push_back(element);
+            else
+                copied(element, copyElement(element, target, name));
+            previous = std::move(name);
+        }
+        for (const EntryId element : others)
+            copied(element,
+                   copyElement(element, target, freeName(target, directory.name(element))));
     }
 
     void copyBelow(EntryId sourceRoot, EntryId targetRoot) const {
@@ -40,15 +76,14 @@ struct Copier {
         while (!open.empty()) {
             const auto [source, target] = open.back();
             open.pop_back();
-            for (const EntryId element : from.directory().elements(source)) {
+            copyElements(source, target, [&](EntryId element, EntryId copy) {
                 if (++seen > from.directory().bound())
                     from.file().throwDamaged("the directory runs in a ring");
-                const EntryId copy = copyElement(element, target);
                 if (from.directory().type(element) == EntryType::Stream)
                     copyStream(element, copy);
                 else
                     open.emplace_back(element, copy);
-            }
+            });
         }
     }
 };

@@ -28,6 +28,7 @@ void Directory::createRoot() {
     at[entry::kTypeAt] = static_cast<std::byte>(EntryType::Root);
     at[entry::kColourAt] = static_cast<std::byte>(Colour::Black);
     setContent(id, kEndOfChain, 0);
+    sound_.insert(id);
 }
 
 std::optional<EntryId> Directory::freeEntryOn(std::uint32_t page) {
@@ -78,19 +79,23 @@ std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name
         }
         at = order < 0 ? left(at) : right(at);
     }
-    if (trusted_)
-        return std::nullopt;
-    return findAnywhere(storage, name);
+    return sound_.contains(storage) ? std::nullopt : findAnywhere(storage, name);
 }
 
-// A tree in another order is walked once; its names in our order then serve every further search.
+// A tree is walked once. When it is sound the search was right; otherwise its names in our order
+// serve every further search.
 std::optional<EntryId> Directory::findAnywhere(EntryId storage, std::u16string_view name) {
-    const auto [walked, isNew] = walked_.try_emplace(storage);
-    std::vector<EntryId>& ids = walked->second;
-    if (isNew) {
-        ids = elements(storage);
-        sortByName(ids);
+    auto walked = walked_.find(storage);
+    if (walked == walked_.end()) {
+        std::vector<EntryId> all = elements(storage);
+        if (isSound(storage, all)) {
+            sound_.insert(storage);
+            return std::nullopt;
+        }
+        sortByName(all);
+        walked = walked_.emplace(storage, std::move(all)).first;
     }
+    const std::vector<EntryId>& ids = walked->second;
     const auto found = std::partition_point(ids.begin(), ids.end(),
                                             [&](EntryId id) { return compare(name, id) > 0; });
     return found != ids.end() && compare(name, *found) == 0 ? std::optional(*found) : std::nullopt;
@@ -107,17 +112,42 @@ void Directory::reach(EntryId storage, EntryId id) {
 }
 
 EntryId Directory::insert(EntryId storage, std::u16string_view name, EntryType type) {
+    requireSound(storage);
     const EntryId id = takeFreeEntry();
     setName(id, name);
     change(id)[entry::kTypeAt] = static_cast<std::byte>(type);
     setContent(id, type == EntryType::Stream ? kEndOfChain : 0, 0);
-    RedBlackTree(*this, storage).insert(id);
+    if (type == EntryType::Storage)
+        sound_.insert(id);
+    link(storage, id);
     reach(storage, id);
     return id;
 }
 
+void Directory::link(EntryId storage, EntryId id) {
+    walked_.erase(storage);
+    if (RedBlackTree(*this, storage).insert(id))
+        return;
+    std::vector<EntryId> all = elements(storage);
+    if (std::find(all.begin(), all.end(), id) == all.end())
+        all.push_back(id);
+    rebuild(storage, std::move(all));
+}
+
+// A tree that turns out not to be sound on the way still holds all its elements: it is rebuilt.
+void Directory::unlink(EntryId storage, EntryId id) {
+    walked_.erase(storage);
+    if (RedBlackTree(*this, storage).remove(id))
+        return;
+    std::vector<EntryId> rest = elements(storage);
+    rest.erase(std::remove(rest.begin(), rest.end(), id), rest.end());
+    rebuild(storage, std::move(rest));
+}
+
 void Directory::remove(EntryId storage, EntryId id) {
-    RedBlackTree(*this, storage).remove(id);
+    unlink(storage, id);
+    sound_.erase(id);
+    walked_.erase(id);
     clear(change(id));
     if (id < storageOf_.size())
         storageOf_[id] = kNoEntry;
@@ -125,9 +155,10 @@ void Directory::remove(EntryId storage, EntryId id) {
 }
 
 void Directory::rename(EntryId storage, EntryId id, std::u16string_view name) {
-    RedBlackTree(*this, storage).remove(id);
+    requireSound(storage);
+    unlink(storage, id);
     setName(id, name);
-    RedBlackTree(*this, storage).insert(id);
+    link(storage, id);
 }
 
 std::vector<EntryId> Directory::elements(EntryId storage) {
@@ -153,17 +184,28 @@ std::vector<EntryId> Directory::elements(EntryId storage) {
 }
 
 // Order, no two reds in a row, a black root, and equal numbers of blacks on every way down.
+// Elements that bear one name, which only another program can have written, may stand side by side.
 bool Directory::isSound(EntryId storage, const std::vector<EntryId>& walked) {
     for (std::size_t i = 1; i < walked.size(); ++i) {
-        if (compare(name(walked[i - 1]), walked[i]) >= 0)
+        if (compare(name(walked[i - 1]), walked[i]) > 0)
             return false;
     }
     return RedBlackTree(*this, storage).hasSoundColours();
 }
 
+void Directory::makeSound(EntryId storage, std::vector<EntryId> walked) {
+    if (isSound(storage, walked))
+        sound_.insert(storage);
+    else
+        rebuild(storage, std::move(walked));
+}
+
+void Directory::requireSound(EntryId storage) {
+    if (!sound_.contains(storage))
+        makeSound(storage, elements(storage));
+}
+
 void Directory::makeSound() {
-    if (trusted_)
-        return;
     std::unordered_set<EntryId> seen{kRoot};
     std::vector<EntryId> open{kRoot};
     while (!open.empty()) {
@@ -176,20 +218,10 @@ void Directory::makeSound() {
             if (type(id) == EntryType::Storage)
                 open.push_back(id);
         }
-        if (isSound(storage, walked))
-            continue;
-        sortByName(walked);
-        for (std::size_t i = 1; i < walked.size(); ++i) {
-            if (compare(name(walked[i - 1]), walked[i]) == 0)
-                file_.throwDamaged("two elements of one storage bear one name");
-        }
-        rebuild(storage, walked);
+        makeSound(storage, std::move(walked));
     }
-    trusted_ = true;
-    walked_.clear();
 }
 
-// Of elements that bear one name the first stays the first.
 void Directory::sortByName(std::vector<EntryId>& ids) {
     std::vector<std::pair<std::u16string, std::size_t>> named; // with their places in `ids`
     named.reserve(ids.size());
@@ -197,7 +229,7 @@ void Directory::sortByName(std::vector<EntryId>& ids) {
         named.emplace_back(name(id), named.size());
     std::sort(named.begin(), named.end(), [](const auto& one, const auto& other) {
         const int order = compareNames(one.first, other.first);
-        return order != 0 ? order < 0 : one.second < other.second;
+        return order != 0 ? order < 0 : one < other;
     });
     const std::vector<EntryId> before = ids;
     std::transform(named.begin(), named.end(), ids.begin(),
@@ -205,7 +237,8 @@ void Directory::sortByName(std::vector<EntryId>& ids) {
 }
 
 // A tree of the least height: all levels but the lowest are full and black, the lowest is red.
-void Directory::rebuild(EntryId storage, const std::vector<EntryId>& ordered) {
+void Directory::rebuild(EntryId storage, std::vector<EntryId> ordered) {
+    sortByName(ordered);
     struct Part {
         std::size_t from, to;
         unsigned depth;
@@ -228,6 +261,8 @@ void Directory::rebuild(EntryId storage, const std::vector<EntryId>& ordered) {
         open.push_back({part.from, middle, part.depth + 1, id, entry::kLeftAt});
         open.push_back({middle + 1, part.to, part.depth + 1, id, entry::kRightAt});
     }
+    sound_.insert(storage);
+    walked_.erase(storage);
 }
 
 } // namespace compound

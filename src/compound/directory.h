@@ -1,22 +1,24 @@
 // The directory: the elements of each storage linked into one red-black tree ([MS-CFB] 2.6.4).
 //
-// Reading is tolerant: a tree in another order or with other colours is walked where searching
-// fails. Before the first change every tree that is not sound is rebuilt (makeSound()); from then
-// on searching alone decides.
+// What another program has written may stand in another order and with other colours, whatever the
+// header says. So a name that a search misses is looked for by walking the storage's tree, unless
+// the tree was found sound before; an element is added to sound trees only, and a tree that is not
+// is rebuilt. In a tree that is walked in vain once, searching decides from then on.
 #pragma once
 
 #include "compound/directory_entries.h"
 
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace compound {
 
 class Directory : public DirectoryEntries {
   public:
-    // `trusted`: the trees are known to be sound.
-    Directory(SectorFile& file, SectorChain& chain, bool trusted, std::uint64_t sizeMask)
-        : DirectoryEntries(file, chain, sizeMask), trusted_(trusted) {}
+    Directory(SectorFile& file, SectorChain& chain, std::uint64_t sizeMask)
+        : DirectoryEntries(file, chain, sizeMask) {}
 
     // Makes the root entry of a new file.
     void createRoot();
@@ -38,18 +40,30 @@ class Directory : public DirectoryEntries {
     // The elements of a storage in the order of its tree. Damaged for rings.
     std::vector<EntryId> elements(EntryId storage);
 
-    // Rebuilds every tree that searching could not rely on. Damaged for rings and crossings.
+    // Orders elements by name, and those that bear one name by its spelling.
+    void sortByName(std::vector<EntryId>& ids);
+
+    // Rebuilds every tree that is not sound. Damaged for rings and crossings.
     void makeSound();
+
+    // The storages whose trees are known to be sound.
+    std::vector<EntryId> soundStorages() const { return {sound_.begin(), sound_.end()}; }
+    void trust(const std::vector<EntryId>& storages) {
+        sound_.insert(storages.begin(), storages.end());
+    }
 
   private:
     EntryId takeFreeEntry();
     std::optional<EntryId> freeEntryOn(std::uint32_t page);
-    void rebuild(EntryId storage, const std::vector<EntryId>& ordered);
+    void link(EntryId storage, EntryId id);
+    void unlink(EntryId storage, EntryId id);
+    void makeSound(EntryId storage, std::vector<EntryId> walked);
+    void requireSound(EntryId storage);
+    void rebuild(EntryId storage, std::vector<EntryId> ordered);
     bool isSound(EntryId storage, const std::vector<EntryId>& walked);
-    void sortByName(std::vector<EntryId>& ids);
     std::optional<EntryId> findAnywhere(EntryId storage, std::u16string_view name);
 
-    bool trusted_;
+    std::unordered_set<EntryId> sound_; // storages whose trees were walked and found sound
     std::unordered_map<EntryId, std::vector<EntryId>> walked_; // elements by name, see findAnywhere
     std::vector<EntryId> storageOf_;                           // of the elements reached so far
     std::vector<EntryId> freed_; // by this transaction, to be taken again first

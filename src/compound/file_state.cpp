@@ -3,6 +3,7 @@
 #include "compound/error.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <string>
 #include <utility>
@@ -13,8 +14,8 @@ using namespace format;
 
 namespace {
 
-// The transaction signatures that this program writes begin with this byte. Its trees are sound,
-// so that a name which searching does not find is not there; in other programs' files it may be.
+// The transaction signatures that this program writes begin with this byte. It tells who wrote the
+// header, and nothing about the trees: another program may have edited the file in place since.
 constexpr std::uint32_t kOwnSignature = 0x54000000;
 constexpr std::uint32_t kSignatureMask = 0xFF000000;
 
@@ -33,10 +34,10 @@ std::uint64_t sizeMask(const Header& header) {
 
 } // namespace
 
-FileState::Parts::Parts(SectorFile& file, Header& header, bool trusted)
+FileState::Parts::Parts(SectorFile& file, Header& header)
     : table(file, header),
       directoryChain(file, table, header.firstDirectory, "the directory"),
-      directory(file, directoryChain, trusted, sizeMask(header)),
+      directory(file, directoryChain, sizeMask(header)),
       mini(file, header, table, directory),
       content(file, table, directory, mini) {}
 
@@ -47,8 +48,9 @@ FileState::FileState(std::unique_ptr<DiskFile> file, const Header& committed, Ac
       header_(committed),
       access_(access),
       isNew_(isNew),
+      isDurable_(isNew),
       lengthBefore_(file_.disk().size()),
-      parts_(std::make_unique<Parts>(file_, header_, isNew || isOurs(committed))) {
+      parts_(std::make_unique<Parts>(file_, header_)) {
     if (isNew_)
         startNewFile();
 }
@@ -78,7 +80,16 @@ FileState::Change::~Change() {
         file_.inPieces_ = true;
 }
 
+void FileState::recall(const CommittedFile& known) {
+    isDurable_ = true;
+    parts_->directory.trust(known.soundStorages);
+}
+
 void FileState::requireWhole() {
+    if (outcomeUnknown_)
+        throw Error(ErrorCode::Failed, file_.disk().path(),
+                    "whether the last change was stored is not known; the file has to be opened "
+                    "again before it can be changed");
     if (inPieces_)
         throw Error(ErrorCode::Failed, file_.disk().path(),
                     "an earlier failure has left the change incomplete; it can only be dropped");
@@ -89,14 +100,33 @@ void FileState::beginChange() {
         throw Error(ErrorCode::Denied, file_.disk().path(), "the file is open for reading only");
     if (changed_)
         return;
+    if (!isDurable_)
+        makeHeaderDurable();
     changed_ = true;
+    inPieces_ = true;
+    makeSound();
+    inPieces_ = false;
+}
+
+// The header in force may be another program's that died before it was durable: then a power cut
+// brings back the one before it, and with it sectors that are free now and would be written over.
+// Writing it again brings it to the medium even when an earlier attempt has failed.
+void FileState::makeHeaderDurable() {
+    std::array<std::byte, kHeaderSize> raw{};
+    if (file_.disk().read(0, raw) < raw.size())
+        file_.throwDamaged("header: the file is cut short");
+    file_.disk().write(0, raw);
+    file_.disk().sync();
+    isDurable_ = true;
+}
+
+// The trees of a file with our signature are looked at one by one, when they are searched in vain.
+void FileState::makeSound() {
+    parts_->mini.makeSound();
     if (isOurs(committed_))
         return;
-    inPieces_ = true;
     parts_->table.makeSound();
     parts_->directory.makeSound();
-    parts_->mini.makeSound();
-    inPieces_ = false;
 }
 
 void FileState::commit() {
@@ -114,6 +144,7 @@ void FileState::commit() {
     file_.disk().sync();
     writeHeader();
     committed_ = header_;
+    isDurable_ = true;
     isNew_ = false;
     changed_ = false;
     inPieces_ = false;
@@ -144,20 +175,31 @@ void FileState::writeHeader() {
         file_.disk().write(0, encodeHeader(header_));
         file_.disk().sync();
     } catch (const std::exception& failure) {
-        try {
-            if (isNew_)
-                file_.disk().write(0, std::vector<std::byte>(kHeaderSize));
-            else
-                file_.disk().write(0, encodeHeader(committed_));
-            file_.disk().sync();
-        } catch (const std::exception&) {
-            outcomeUnknown_ = true;
-            throw Error(ErrorCode::OutcomeUnknown, file_.disk().path(),
-                        std::string("the change may or may not have been stored: ") +
-                            failure.what());
-        }
+        putHeaderBack(failure.what());
         throw;
     }
+}
+
+// Our own header goes back under a signature of its own: a program that knows the old one to be
+// durable must not take it for that, as long as the medium may hold the new one.
+void FileState::putHeaderBack(const char* cause) {
+    Header old = committed_;
+    if (isOurs(committed_))
+        old.transaction = nextTransaction(header_);
+    isDurable_ = false;
+    try {
+        if (isNew_)
+            file_.disk().write(0, std::vector<std::byte>(kHeaderSize));
+        else
+            file_.disk().write(0, encodeHeader(old));
+        file_.disk().sync();
+    } catch (const std::exception&) {
+        outcomeUnknown_ = true;
+        throw Error(ErrorCode::OutcomeUnknown, file_.disk().path(),
+                    std::string("the change may or may not have been stored: ") + cause);
+    }
+    committed_ = old;
+    isDurable_ = true;
 }
 
 // Gives a long free tail back. The change is durable already, so a failure loses nothing but space.
@@ -180,7 +222,7 @@ void FileState::drop() noexcept {
     changed_ = false;
     inPieces_ = false;
     header_ = committed_;
-    parts_ = std::make_unique<Parts>(file_, header_, isNew_ || isOurs(committed_));
+    parts_ = std::make_unique<Parts>(file_, header_);
     if (isNew_)
         startNewFile();
 }

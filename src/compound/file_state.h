@@ -6,6 +6,7 @@
 #include "compound/directory.h"
 #include "compound/header.h"
 #include "compound/mini_stream.h"
+#include "compound/read_cache.h"
 #include "compound/sector_chain.h"
 #include "compound/sector_file.h"
 #include "compound/stream_content.h"
@@ -32,7 +33,8 @@ class FileState {
     const Header& header() const { return header_; }
 
     // Stands around every change of the transaction. Refuses it in a file opened for reading
-    // (Denied), and makes another program's file sound first. When an exception ends the change,
+    // (Denied), and before the first one makes the header in force durable and another program's
+    // file sound. When an exception ends the change,
     // the transaction is in pieces: from then on it can only be dropped.
     class Change {
       public:
@@ -50,6 +52,10 @@ class FileState {
     void commit();
     void drop() noexcept;
     bool hasChanges() const { return changed_; }
+    Access access() const { return access_; }
+
+    // Takes over what this process knows of the header in force.
+    void recall(const CommittedFile& known);
 
     // The file as the disk told it when it was opened; what it knows of the file, in bytes.
     const std::optional<FileIdentity>& identity() const { return identity_; }
@@ -58,7 +64,7 @@ class FileState {
 
   private:
     struct Parts {
-        Parts(SectorFile& file, Header& header, bool trusted);
+        Parts(SectorFile& file, Header& header);
 
         AllocationTable table;
         SectorChain directoryChain;
@@ -68,10 +74,13 @@ class FileState {
     };
 
     void beginChange();
+    void makeHeaderDurable();
+    void makeSound();
     void requireWhole();
     void startNewFile();
     void keepReserve();
     void writeHeader();
+    void putHeaderBack(const char* cause);
     void cutFreeTail() noexcept;
     void restoreLength() noexcept;
 
@@ -83,6 +92,7 @@ class FileState {
     bool changed_ = false;
     bool inPieces_ = false;
     bool outcomeUnknown_ = false;
+    bool isDurable_; // the committed header is known to be on the medium
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
     std::optional<FileIdentity> identity_;

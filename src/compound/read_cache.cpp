@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::size_t kMostFiles = 8;
 constexpr std::size_t kMostBytes = std::size_t{32} << 20U; // of one file's state
+constexpr std::size_t kMostCommitted = 64;
+
+bool isSameFile(const FileIdentity& one, const FileIdentity& other) {
+    return one.device == other.device && one.number == other.number;
+}
 
 } // namespace
 
@@ -22,6 +27,7 @@ ReadCache::ReadCache() = default;
 ReadCache::~ReadCache() = default;
 
 std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const Header& header) {
+    const std::lock_guard lock(mutex_);
     for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
         if (!entry->identity.isSameStateAs(identity) || entry->state->header() != header)
             continue;
@@ -36,9 +42,42 @@ void ReadCache::keep(const FileIdentity& identity, std::unique_ptr<FileState> st
     if (!identity.settled || state->memory() > kMostBytes)
         return;
     state->file().takeDisk();
+    const std::lock_guard lock(mutex_);
     entries_.push_front({identity, std::move(state)});
     if (entries_.size() > kMostFiles)
         entries_.pop_back();
+}
+
+std::optional<CommittedFile> ReadCache::recall(const FileIdentity& identity, const Header& header) {
+    const std::lock_guard lock(mutex_);
+    for (const CommittedFile& file : committed_) {
+        if (!isSameFile(file.identity, identity) || file.header != header)
+            continue;
+        CommittedFile found = file;
+        // Another program may have edited the file in place and left our header as it was.
+        if (!file.identity.isSameStateAs(identity))
+            found.soundStorages.clear();
+        return found;
+    }
+    return std::nullopt;
+}
+
+void ReadCache::remember(CommittedFile file) {
+    const std::lock_guard lock(mutex_);
+    forgetLocked(file.identity);
+    committed_.push_front(std::move(file));
+    if (committed_.size() > kMostCommitted)
+        committed_.pop_back();
+}
+
+void ReadCache::forget(const FileIdentity& identity) {
+    const std::lock_guard lock(mutex_);
+    forgetLocked(identity);
+}
+
+void ReadCache::forgetLocked(const FileIdentity& identity) {
+    committed_.remove_if(
+        [&](const CommittedFile& file) { return isSameFile(file.identity, identity); });
 }
 
 } // namespace compound

@@ -1,9 +1,14 @@
-// What reading has learnt of a few files: parts of their FAT, directory and mini stream.
+// What this process remembers of a few files: what reading has learnt of them (parts of their FAT,
+// directory and mini stream), and what its own last commit left.
 //
 // Nothing stays open. A file that is opened for reading again takes up its state only when the disk
 // says that the file is the same one with the same size and time stamps, and its header is the same
 // byte for byte. Writers never touch a sector that a header in force names, so all that the state
 // knows is still true then.
+//
+// A header that this process has committed is known to be durable, so that the next transaction
+// need not make it so: no two headers of a file are the same, since every one that is written
+// counts the transaction signature up.
 #pragma once
 
 #include "compound/disk.h"
@@ -11,11 +16,22 @@
 
 #include <list>
 #include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
 
 namespace compound {
 
 class FileState;
 
+// What a commit leaves behind in memory.
+struct CommittedFile {
+    FileIdentity identity;
+    Header header;
+    std::vector<std::uint32_t> soundStorages; // entries of storages whose trees are sound
+};
+
+// Safe to be used from several threads.
 class ReadCache {
   public:
     ReadCache();
@@ -29,9 +45,21 @@ class ReadCache {
     // Keeps an unchanged state; the oldest one goes when there are too many.
     void keep(const FileIdentity& identity, std::unique_ptr<FileState> state);
 
+    // What this process has last committed to the file, if `header` is still in force; without
+    // sound storages when anything else about the file has changed since.
+    std::optional<CommittedFile> recall(const FileIdentity& identity, const Header& header);
+
+    // Takes the place of what was remembered of that file before.
+    void remember(CommittedFile file);
+    void forget(const FileIdentity& identity);
+
   private:
+    void forgetLocked(const FileIdentity& identity);
+
     struct Entry;
-    std::list<Entry> entries_; // the latest first
+    std::mutex mutex_;
+    std::list<Entry> entries_;           // the latest first
+    std::list<CommittedFile> committed_; // the latest first
 };
 
 } // namespace compound

@@ -51,7 +51,7 @@ EntryId RedBlackTree::above(std::size_t level) const {
 
 void RedBlackTree::goDown(EntryId id) {
     if (path_.size() >= kGreatestHeight)
-        directory_.throwDamaged("a tree of the directory is too high to be sound");
+        throw Unsound{};
     path_.push_back(id);
 }
 
@@ -65,7 +65,24 @@ void RedBlackTree::descendTo(EntryId id) {
     }
 }
 
-void RedBlackTree::insert(EntryId id) {
+bool RedBlackTree::insert(EntryId id) {
+    try {
+        link(id);
+        return true;
+    } catch (const Unsound&) {
+        return false;
+    }
+}
+
+bool RedBlackTree::remove(EntryId id) {
+    try {
+        return unlink(id);
+    } catch (const Unsound&) {
+        return false;
+    }
+}
+
+void RedBlackTree::link(EntryId id) {
     descendTo(id);
     setChild(id, Side::Left, kNoEntry);
     setChild(id, Side::Right, kNoEntry);
@@ -132,25 +149,24 @@ void RedBlackTree::exchangeWithSuccessor(EntryId id) {
     path_[place] = next;
 }
 
-void RedBlackTree::remove(EntryId id) {
+bool RedBlackTree::unlink(EntryId id) {
     descendTo(id);
     const EntryId parent = above(0);
     const bool linked = parent == storage_
                             ? directory_.child(storage_) == id
                             : child(parent, Side::Left) == id || child(parent, Side::Right) == id;
     if (!linked)
-        directory_.throwDamaged("an element stands in the wrong place of its tree");
+        return false;
     if (child(id, Side::Left) != kNoEntry && child(id, Side::Right) != kNoEntry)
         exchangeWithSuccessor(id);
     const EntryId left = child(id, Side::Left);
     const EntryId only = left != kNoEntry ? left : child(id, Side::Right);
     replace(above(0), id, only);
-    if (isRed(id))
-        return;
     if (isRed(only))
         directory_.setColour(only, Colour::Black);
-    else
+    else if (!isRed(id))
         mendAfterRemove(only);
+    return true;
 }
 
 // One black is missing on every way through `id` (which may be no entry at all).
@@ -167,6 +183,8 @@ void RedBlackTree::mendAfterRemove(EntryId id) {
             path_.push_back(parent);
             sibling = child(parent, other(side));
         }
+        if (sibling == kNoEntry)
+            throw Unsound{}; // there are fewer blacks on that side than the colours here tell
         if (!isRed(child(sibling, side)) && !isRed(child(sibling, other(side)))) {
             directory_.setColour(sibling, Colour::Red);
             id = parent;

@@ -15,16 +15,17 @@ class RedBlackTree {
     RedBlackTree(DirectoryEntries& directory, EntryId storage)
         : directory_(directory), storage_(storage) {}
 
-    // Links an entry whose name no other element of the storage has.
-    void insert(EntryId id);
-
-    // Unlinks an entry of the storage. Damaged when its name does not lead to it.
-    void remove(EntryId id);
+    // Links an entry / unlinks one of the storage's. False when the tree is found not to be sound
+    // on the way: too high, or with colours or an order that the entry's name does not fit. Then
+    // all other elements are still linked, and the entry may be.
+    bool insert(EntryId id);
+    bool remove(EntryId id);
 
     bool hasSoundColours();
 
   private:
     enum class Side { Left, Right };
+    struct Unsound {}; // thrown inside only
 
     static Side other(Side side) { return side == Side::Left ? Side::Right : Side::Left; }
     EntryId child(EntryId id, Side side);
@@ -36,6 +37,8 @@ class RedBlackTree {
     void goDown(EntryId id);
     EntryId above(std::size_t level) const; // ancestor, the storage above the root
     void exchangeWithSuccessor(EntryId id);
+    void link(EntryId id);
+    bool unlink(EntryId id);
     void mendAfterInsert(EntryId id);
     void mendAfterRemove(EntryId id);
 

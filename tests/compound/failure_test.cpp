@@ -137,6 +137,38 @@ TEST_P(FailureTest, DiskThatStaysAwayLeavesOneOfTheTwoStates) {
     EXPECT_EQ(unknown, 2); // the header's write, and the sync after it
 }
 
+// The header in force may name what the old one does not: nothing may be written over.
+TEST_P(FailureTest, UnknownOutcomeAllowsNoFurtherChange) {
+    MemoryDisk disk;
+    disk.setContent(kPath, makeBase(GetParam(), 5));
+    CompoundFile file = openFile(disk, kPath);
+    file.root().createStorage(u"New");
+    const std::uint32_t signature = file.transactionSignature();
+    int writes = 0;
+    disk.setInterceptor([&](Call kind) {
+        if (kind == Call::Write)
+            ++writes;
+        if (kind == Call::Sync && writes > 0)
+            throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+    });
+    EXPECT_THROW(file.commit(), Error);
+    disk.setInterceptor({});
+    file.dropChanges();
+    EXPECT_EQ(file.transactionSignature(), signature);
+    file.root().createStorage(u"Other");
+    int syncs = 0;
+    disk.setInterceptor([&](Call kind) {
+        syncs += kind == Call::Sync ? 1 : 0;
+        if (syncs > 1)
+            throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+    });
+    EXPECT_THROW(file.commit(), Error); // the header's sync, and the one after putting it back
+    disk.setInterceptor({});
+    file.dropChanges();
+    EXPECT_THROW(file.root().createStorage(u"Third"), Error);
+    EXPECT_NO_THROW(openFile(disk, kPath).root().createStorage(u"Third"));
+}
+
 TEST_P(FailureTest, FailedNewFileIsNoCompoundFile) {
     MemoryDisk disk;
     for (int call = 0; call < 1000; ++call) {

@@ -1,9 +1,13 @@
-// Files as other programs leave them: read as they are, and sound after the first change.
+// Files as other programs leave them, made by them or edited in place with our signature kept: read
+// as they are, and sound after the first change.
 #include "compound/error.h"
 #include "compound/file_helpers.h"
 #include "compound/raw_file.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
+#include <tuple>
 #include <utility>
 
 namespace compound_tests {
@@ -29,9 +33,19 @@ RawFile makeRaw(SectorSize sectorSize) {
             .assign(patterned(kSizes[i % 3], static_cast<std::uint32_t>(i)));
     }
     file.commit();
-    RawFile raw(disk.content(kPath));
-    raw.makeForeign();
-    return raw;
+    return RawFile(disk.content(kPath));
+}
+
+// Elements that another program has chained as a list, which no tree of any colours is.
+void makeList(RawFile& raw, const std::vector<std::u16string>& names, Colour colour) {
+    raw.put(raw.entry(u"S") + entry::kChildAt, raw.idOf(names.front()));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const std::size_t at = raw.entry(names[i]);
+        const bool last = i + 1 == names.size();
+        raw.put(at + entry::kLeftAt, kNoEntry);
+        raw.put(at + entry::kRightAt, last ? kNoEntry : raw.idOf(names[i + 1]));
+        raw.bytes().at(at + entry::kColourAt) = static_cast<std::byte>(colour);
+    }
 }
 
 // Reading gives what was there before the patches; a change keeps it and makes the file sound.
@@ -65,9 +79,18 @@ Content contentOf(RawFile& raw) {
     return compound_tests::contentOf(disk, kPath);
 }
 
-class ForeignTest : public testing::TestWithParam<SectorSize> {
+enum class Signature { Ours, Theirs };
+
+class ForeignTest : public testing::TestWithParam<std::tuple<SectorSize, Signature>> {
   protected:
-    RawFile raw_ = makeRaw(GetParam());
+    ForeignTest() {
+        if (std::get<Signature>(GetParam()) == Signature::Theirs)
+            raw_.makeForeign();
+    }
+
+    static SectorSize sectorSize() { return std::get<SectorSize>(GetParam()); }
+
+    RawFile raw_ = makeRaw(sectorSize());
     Content content_ = contentOf(raw_);
 
     void putColour(std::u16string_view name, Colour colour) {
@@ -77,17 +100,15 @@ class ForeignTest : public testing::TestWithParam<SectorSize> {
     void expectReadAndMended() { compound_tests::expectReadAndMended(raw_, content_); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Sectors, ForeignTest, testing::ValuesIn(kBothSectorSizes));
+INSTANTIATE_TEST_SUITE_P(Sectors, ForeignTest,
+                         testing::Combine(testing::ValuesIn(kBothSectorSizes),
+                                          testing::Values(Signature::Ours, Signature::Theirs)));
 
 TEST_P(ForeignTest, ListInsteadOfATree) {
-    raw_.put(raw_.entry(u"S") + entry::kChildAt, raw_.idOf(u"a"));
-    for (std::size_t i = 0; i < kLetters.size(); ++i) {
-        const std::size_t at = raw_.entry(kLetters.substr(i, 1));
-        const bool last = i + 1 == kLetters.size();
-        raw_.put(at + entry::kLeftAt, kNoEntry);
-        raw_.put(at + entry::kRightAt, last ? kNoEntry : raw_.idOf(kLetters.substr(i + 1, 1)));
-        putColour(kLetters.substr(i, 1), Colour::Black);
-    }
+    std::vector<std::u16string> names;
+    for (const char16_t letter : kLetters)
+        names.emplace_back(1, letter);
+    makeList(raw_, names, Colour::Black);
     expectReadAndMended();
 }
 
@@ -138,7 +159,7 @@ TEST_P(ForeignTest, JunkWhereNothingCounts) {
 
 TEST_P(ForeignTest, LastSectorCutShort) {
     MemoryDisk disk;
-    CompoundFile file = CompoundFile::create(disk.create(kPath), GetParam());
+    CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize());
     file.root().createStream(u"x").assign(patterned(5000, 1));
     file.commit();
     RawFile raw(disk.content(kPath));
@@ -171,7 +192,7 @@ TEST_P(ForeignTest, AttributesAreCarriedAlong) {
     file.root().openStorage(u"S").openStream(u"renamed").assign(patterned(9, 1));
     file.root().rename(u"S", u"T");
     file.commit();
-    CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), GetParam());
+    CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), sectorSize());
     copyAll(file, copy);
     copy.commit();
     for (const auto& path : {kPath, std::filesystem::path("copy.stg")}) {
@@ -181,8 +202,66 @@ TEST_P(ForeignTest, AttributesAreCarriedAlong) {
     }
 }
 
+// Colours that promise blacks which are not there, and a list higher than any tree: removing looks
+// at the elements beside the way down.
+TEST_P(ForeignTest, EveryElementOfALooseTreeCanBeRemoved) {
+    for (const Colour colour : {Colour::Red, Colour::Black}) {
+        MemoryDisk disk;
+        std::vector<std::u16string> names;
+        {
+            CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize());
+            auto storage = file.root().createStorage(u"S");
+            for (char16_t i = 0; i < 100; ++i) {
+                names.push_back({u'n', static_cast<char16_t>(u'0' + i / 10),
+                                 static_cast<char16_t>(u'0' + i % 10)});
+                storage.createStream(names.back()).assign(patterned(50, i));
+            }
+            file.commit();
+        }
+        RawFile raw(disk.content(kPath));
+        if (std::get<Signature>(GetParam()) == Signature::Theirs)
+            raw.makeForeign();
+        std::reverse(names.begin(), names.begin() + 50);
+        makeList(raw, names, colour);
+        disk.setContent(kPath, raw.bytes());
+        std::shuffle(names.begin(), names.end(), std::mt19937(3));
+        for (const std::u16string& name : names) {
+            CompoundFile file = openFile(disk, kPath);
+            ASSERT_NO_THROW(file.root().openStorage(u"S").destroy(name));
+            file.commit();
+        }
+        EXPECT_EQ(compound_tests::contentOf(disk, kPath), (Content{{u"S/", {}}}));
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+    }
+}
+
+// To another program "B" and "b" may be two names.
+TEST_P(ForeignTest, TwoElementsOfOneNameAreBothKept) {
+    raw_.put(raw_.entry(u"p"), u'B');
+    MemoryDisk disk;
+    disk.setContent(kPath, raw_.bytes());
+    content_.extract(u"S/p");
+    content_[u"S/B"] = patterned(100, 15);
+    EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == content_);
+    EXPECT_NE(findingsOf(disk, kPath).find("it bears the same name as S/"), std::string::npos);
+    CompoundFile file = openFile(disk, kPath);
+    file.root().openStorage(u"S").createStream(u"added");
+    file.commit();
+    content_[u"S/added"] = {};
+    EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == content_);
+    CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), sectorSize());
+    copyAll(file, copy);
+    copy.commit();
+    auto moved = content_.extract(u"S/b");
+    moved.key() = u"S/b (2)";
+    content_.insert(std::move(moved));
+    EXPECT_TRUE(compound_tests::contentOf(disk, "copy.stg") == content_);
+    EXPECT_EQ(findingsOf(disk, "copy.stg"), "");
+}
+
 TEST(Foreign512Test, UpperHalvesOfSizesDoNotCount) {
     RawFile raw = makeRaw(SectorSize::Bytes512);
+    raw.makeForeign();
     const Content expected = contentOf(raw);
     for (const std::u16string_view name : {u"a", u"b", u"c", u"Root Entry"})
         raw.put(raw.entry(name) + entry::kSizeAt + 4, 0xCDCDCDCD);

@@ -87,6 +87,7 @@ class MemoryFile : public compound::DiskFile {
         requireWritable();
         disk_.announce(MemoryDisk::Call::Write);
         disk_.checkCapacity(*file_, std::max(file_->bytes.size(), offset + bytes.size()));
+        ++file_->changes;
         file_->bytes.write(offset, bytes);
     }
 
@@ -96,6 +97,7 @@ class MemoryFile : public compound::DiskFile {
         requireWritable();
         disk_.announce(MemoryDisk::Call::Truncate);
         disk_.checkCapacity(*file_, size);
+        ++file_->changes;
         file_->bytes.resize(size);
     }
 
@@ -113,6 +115,11 @@ class MemoryFile : public compound::DiskFile {
     }
 
     bool isStillAtPath() override { return disk_.find(path_) == file_; }
+
+    std::optional<compound::FileIdentity> identity() override {
+        return compound::FileIdentity{
+            1, file_->number, file_->bytes.size(), file_->changes, file_->changes, true};
+    }
 
   private:
     void requireWritable() const {
@@ -140,9 +147,15 @@ std::vector<std::byte> MemoryDisk::content(const std::filesystem::path& path) co
 }
 
 void MemoryDisk::setContent(const std::filesystem::path& path, std::span<const std::byte> bytes) {
-    auto file = std::make_shared<File>();
+    auto file = makeFile();
     file->bytes.write(0, bytes);
     files_[path] = std::move(file);
+}
+
+std::shared_ptr<MemoryDisk::File> MemoryDisk::makeFile() {
+    auto file = std::make_shared<File>();
+    file->number = ++filesMade_;
+    return file;
 }
 
 void MemoryDisk::announce(Call call) const {
@@ -176,7 +189,7 @@ std::unique_ptr<compound::DiskFile> MemoryDisk::open(const std::filesystem::path
 
 std::unique_ptr<compound::DiskFile> MemoryDisk::create(const std::filesystem::path& path) {
     announce(Call::Folder);
-    auto file = std::make_shared<File>();
+    auto file = makeFile();
     if (!files_.emplace(path, file).second)
         throw Error(ErrorCode::Exists, path, "the file exists");
     return std::make_unique<MemoryFile>(*this, std::move(file), path, Access::ReadWrite);

@@ -31,6 +31,8 @@ class MemoryDisk : public compound::Disk {
     struct File {
         SparseBytes bytes;
         bool locked = false;
+        std::uint64_t number = 0;
+        std::int64_t changes = 0; // stand for the time stamps
     };
 
     enum class Call { Read, Write, Sync, Truncate, Size, Lock, Folder, SyncFolder };
@@ -68,10 +70,12 @@ class MemoryDisk : public compound::Disk {
     void announce(Call call) const;
     void checkCapacity(const File& file, std::uint64_t newSize) const;
     std::shared_ptr<File> find(const std::filesystem::path& path) const;
+    std::shared_ptr<File> makeFile();
 
     std::map<std::filesystem::path, std::shared_ptr<File>> files_;
     std::vector<std::filesystem::path> folders_;
     std::vector<std::filesystem::path> trashed_;
     std::function<void(Call)> interceptor_;
     std::optional<std::uint64_t> capacity_;
+    std::uint64_t filesMade_ = 0;
 };

@@ -3,10 +3,10 @@
 #include "compound/memory_disk.h"
 #include "crash/library_dump.h"
 #include "crash/power_cut.h"
+#include "crash/random_states.h"
 #include "crash/scenarios.h"
 #include "store/picture_operations.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
@@ -17,13 +17,7 @@
 namespace crash {
 namespace {
 
-constexpr std::size_t kDefaultStates = TXS_CRASH_STATES; // random ones, of all tests together
-constexpr std::size_t kAddEvery = 16;                    // every so many states a picture is added
-
-std::size_t randomStates() {
-    const char* text = std::getenv("TXS_CRASH_STATES");
-    return text == nullptr ? kDefaultStates : std::strtoul(text, nullptr, 10);
-}
+constexpr std::size_t kAddEvery = 16; // every so many states a picture is added
 
 // One step's share of the events, and the library before and after it.
 struct StepRecord {

@@ -1,5 +1,8 @@
 #include "crash/recording_disk.h"
 
+#include "compound/error.h"
+
+#include <limits>
 #include <utility>
 
 namespace crash {
@@ -19,16 +22,19 @@ class RecordingFile : public DiskFile {
     }
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        disk_.admit(path());
         inner_->write(offset, bytes);
         disk_.record({EventKind::Write, id_, offset, {bytes.begin(), bytes.end()}, {}, {}});
     }
 
     void sync() override {
+        disk_.admit(path());
         inner_->sync();
         disk_.record({EventKind::SyncFile, id_, 0, {}, {}, {}});
     }
 
     void truncate(std::uint64_t size) override {
+        disk_.admit(path());
         inner_->truncate(size);
         disk_.record({EventKind::Truncate, id_, size, {}, {}, {}});
     }
@@ -36,6 +42,7 @@ class RecordingFile : public DiskFile {
     std::uint64_t size() override { return inner_->size(); }
     bool lock(std::chrono::milliseconds wait) override { return inner_->lock(wait); }
     bool isStillAtPath() override { return inner_->isStillAtPath(); }
+    std::optional<compound::FileIdentity> identity() override { return inner_->identity(); }
 
     DiskFile& inner() { return *inner_; }
 
@@ -58,6 +65,33 @@ RecordingDisk::RecordingDisk(compound::Disk& inner, std::filesystem::path folder
     beginning_.names = names_;
 }
 
+void RecordingDisk::breakAfter(Breakage breakage, std::size_t changes) {
+    breakage_ = breakage;
+    headersLeft_ = 0;
+    breakAt_ = events_.size() + changes;
+}
+
+void RecordingDisk::breakAfterHeaders(Breakage breakage, std::size_t headers) {
+    breakage_ = breakage;
+    headersLeft_ = headers;
+    breakAt_ = std::numeric_limits<std::size_t>::max();
+}
+
+void RecordingDisk::admit(const std::filesystem::path& path) {
+    if (breakage_ == Breakage::None || events_.size() < breakAt_)
+        return;
+    if (breakage_ == Breakage::OneError)
+        mend();
+    throw compound::Error(compound::ErrorCode::Failed, path, "the disk has failed");
+}
+
+void RecordingDisk::record(Event event) {
+    const bool isHeader = event.kind == EventKind::Write && event.offset == 0;
+    events_.push_back(std::move(event));
+    if (isHeader && headersLeft_ > 0 && --headersLeft_ == 0)
+        breakAt_ = events_.size();
+}
+
 std::unique_ptr<DiskFile> RecordingDisk::open(const std::filesystem::path& path, Access access) {
     std::unique_ptr<DiskFile> file = inner_.open(path, access);
     const auto known = names_.find(path);
@@ -67,9 +101,10 @@ std::unique_ptr<DiskFile> RecordingDisk::open(const std::filesystem::path& path,
 }
 
 std::unique_ptr<DiskFile> RecordingDisk::create(const std::filesystem::path& path) {
-    std::unique_ptr<DiskFile> file = inner_.create(path);
     if (path.parent_path() != folder_)
-        return file;
+        return inner_.create(path);
+    admit(path);
+    std::unique_ptr<DiskFile> file = inner_.create(path);
     const FileId id = nextId_++;
     names_[path] = id;
     record({EventKind::Create, id, 0, {}, path, {}});
@@ -91,12 +126,14 @@ bool RecordingDisk::exists(const std::filesystem::path& path) {
 
 void RecordingDisk::renameWithoutReplacing(const std::filesystem::path& from,
                                            const std::filesystem::path& to) {
+    admit(from);
     inner_.renameWithoutReplacing(from, to);
     recordRename(from, to);
 }
 
 void RecordingDisk::renameReplacing(const std::filesystem::path& from,
                                     const std::filesystem::path& to) {
+    admit(from);
     inner_.renameReplacing(from, to);
     recordRename(from, to);
 }
@@ -109,17 +146,20 @@ void RecordingDisk::recordRename(const std::filesystem::path& from,
 }
 
 void RecordingDisk::syncFolder(const std::filesystem::path& folder) {
+    admit(folder);
     inner_.syncFolder(folder);
     record({EventKind::SyncFolder, 0, 0, {}, folder, {}});
 }
 
 void RecordingDisk::trash(const std::filesystem::path& path) {
+    admit(path);
     inner_.trash(path);
     names_.erase(path);
     record({EventKind::Trash, 0, 0, {}, path, {}});
 }
 
 void RecordingDisk::removeTemporary(const std::filesystem::path& path) {
+    admit(path);
     inner_.removeTemporary(path);
     if (names_.erase(path) > 0)
         record({EventKind::Remove, 0, 0, {}, path, {}});

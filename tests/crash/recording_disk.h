@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace crash {
@@ -42,6 +43,10 @@ struct Snapshot {
     std::map<FileId, std::vector<std::byte>> contents;
 };
 
+// What becomes of the changes from some event on: the process is killed (no change of it reaches
+// the page cache any more), or the disk refuses one or all of them.
+enum class Breakage : std::uint8_t { None, Killed, OneError, AllErrors };
+
 class RecordingDisk : public compound::Disk {
   public:
     // Records changes to files below `folder` of `inner`; the files there now are the beginning.
@@ -49,6 +54,12 @@ class RecordingDisk : public compound::Disk {
 
     const Snapshot& beginning() const { return beginning_; }
     const std::vector<Event>& events() const { return events_; }
+
+    // Breaks once `headers` headers were written from now on, or `changes` changes were made. Lasts
+    // until it is called again.
+    void breakAfterHeaders(Breakage breakage, std::size_t headers);
+    void breakAfter(Breakage breakage, std::size_t changes);
+    void mend() { breakage_ = Breakage::None; }
 
     std::unique_ptr<compound::DiskFile> open(const std::filesystem::path& path,
                                              compound::Access access) override;
@@ -67,7 +78,8 @@ class RecordingDisk : public compound::Disk {
   private:
     friend class RecordingFile;
 
-    void record(Event event) { events_.push_back(std::move(event)); }
+    void admit(const std::filesystem::path& path); // throws in a change's place
+    void record(Event event);
     void recordRename(const std::filesystem::path& from, const std::filesystem::path& to);
 
     compound::Disk& inner_;
@@ -76,6 +88,9 @@ class RecordingDisk : public compound::Disk {
     FileId nextId_ = 0;
     Snapshot beginning_;
     std::vector<Event> events_;
+    Breakage breakage_ = Breakage::None;
+    std::size_t breakAt_ = 0; // the first event that does not happen
+    std::size_t headersLeft_ = 0;
 };
 
 } // namespace crash

@@ -194,6 +194,34 @@ std::vector<Scenario> allScenarios() {
     return all;
 }
 
+std::vector<Step> allCommands() {
+    return {
+        {"add a small picture", [](const Library& library) { add(library, kPumps, u"tiny", 7); }},
+        {"add or replace a large one",
+         [](const Library& library) { add(library, kRotary, u"big", 30000); }},
+        {"replace one by a larger one",
+         [](const Library& library) { add(library, kPumps, u"pump", 9000); }},
+        {"replace one by a smaller one",
+         [](const Library& library) { add(library, kPumps, u"pump", 64); }},
+        {"delete a large one",
+         [](const Library& library) { store::deletePicture(library, kSteel, {u"sheet"}); }},
+        {"rename a picture",
+         [](const Library& library) {
+             store::renamePicture(library, kPumps, {u"drawing"}, {u"a much longer name"});
+         }},
+        {"rename it back",
+         [](const Library& library) {
+             store::renamePicture(library, kPumps, {u"a much longer name"}, {u"drawing"});
+         }},
+        {"add many", [](const Library& library) { addBatch(library, kSteel, 12); }},
+        {"make a sub-group",
+         [](const Library& library) { store::createGroup(library, kPumps, {u"Screw"}); }},
+        {"rename a sub-group",
+         [](const Library& library) { store::renameGroup(library, kRotary, {u"Vane"}); }},
+        {"delete a sub-group", [](const Library& library) { store::deleteGroup(library, kSteel); }},
+    };
+}
+
 void makeEmptyGroupFile(const Library& library, const GroupAddress& group,
                         compound::SectorSize sectorSize) {
     auto file = compound::CompoundFile::create(
@@ -207,6 +235,11 @@ void makeEmptyGroupFile(const Library& library, const GroupAddress& group,
 
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = allScenarios();
+    return all;
+}
+
+const std::vector<Step>& commands() {
+    static const std::vector<Step> all = allCommands();
     return all;
 }
 

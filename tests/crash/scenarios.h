@@ -29,6 +29,9 @@ struct Scenario {
 
 const std::vector<Scenario>& scenarios();
 
+// Commands that can be run in any order, each on whatever the others have left.
+const std::vector<Step>& commands();
+
 // The library that every scenario begins with: the groups Pumps (with sub-groups two deep) and
 // Valves, pictures from a few bytes to some sectors, and a damaged file Broken.stg. `sectorSize` is
 // that of Pumps.stg. The sources to be added lie in kSourceFolder.

@@ -1,0 +1,148 @@
+// What the process remembers of a file from one opening to the next, and when it must not.
+#include "compound/error.h"
+#include "compound/file_helpers.h"
+#include "compound/raw_file.h"
+#include "compound/read_cache.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+
+namespace compound_tests {
+namespace {
+
+using compound::Access;
+using compound::CompoundFile;
+using compound::Error;
+using compound::ErrorCode;
+using compound::ReadCache;
+using Call = MemoryDisk::Call;
+
+const std::filesystem::path kPath = "group.stg";
+
+class MemoryTest : public testing::Test {
+  protected:
+    MemoryTest() {
+        CompoundFile file = CompoundFile::create(disk_.create(kPath));
+        auto storage = file.root().createStorage(u"S");
+        for (const char16_t letter : std::u16string_view(u"abcdefg"))
+            storage.createStream(std::u16string(1, letter)).assign(patterned(9000, letter));
+        file.commit();
+    }
+
+    CompoundFile open(Access access) {
+        return CompoundFile::open(disk_.open(kPath, access), access, &cache_);
+    }
+
+    // Calls of one kind while `use` runs.
+    template <typename Use>
+    int count(Call which, Use use) {
+        int calls = 0;
+        disk_.setInterceptor([&](Call kind) { calls += kind == which ? 1 : 0; });
+        use();
+        disk_.setInterceptor({});
+        return calls;
+    }
+
+    int readsOfOneReading() {
+        return count(Call::Read,
+                     [&] { EXPECT_TRUE(open(Access::Read).root().openStorage(u"S").find(u"c")); });
+    }
+
+    // Exchanges two names as another program might that edits in place: the header stays.
+    void exchange(std::u16string_view one, std::u16string_view other) {
+        RawFile raw(disk_.content(kPath));
+        const std::size_t first = raw.entry(one);
+        const std::size_t second = raw.entry(other);
+        const auto file = disk_.open(kPath, Access::ReadWrite);
+        file->write(first, std::as_bytes(std::span(other)));
+        file->write(second, std::as_bytes(std::span(one)));
+    }
+
+    MemoryDisk disk_;
+    ReadCache cache_;
+};
+
+TEST_F(MemoryTest, ASecondReadingReadsTheHeaderOnly) {
+    EXPECT_GT(readsOfOneReading(), 1);
+    EXPECT_EQ(readsOfOneReading(), 1);
+}
+
+TEST_F(MemoryTest, WhatAnExceptionHasLeftIsNotKept) {
+    try {
+        CompoundFile file = open(Access::Read);
+        EXPECT_TRUE(file.root().openStorage(u"S").find(u"c"));
+        throw std::runtime_error("something went wrong");
+    } catch (const std::runtime_error&) {
+        EXPECT_GT(readsOfOneReading(), 1);
+    }
+}
+
+TEST_F(MemoryTest, AWalkThatFailsIsTakenUpAgain) {
+    exchange(u"a", u"f");
+    CompoundFile file = open(Access::Read);
+    const auto storage = file.root().openStorage(u"S");
+    int calls = 0;
+    int failing = 0;
+    disk_.setInterceptor([&](Call) {
+        if (calls++ == failing)
+            throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+    });
+    for (; failing < 20; ++failing) {
+        calls = 0;
+        try {
+            EXPECT_TRUE(storage.find(u"a")) << failing;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::Failed);
+        }
+    }
+    disk_.setInterceptor({});
+    EXPECT_TRUE(storage.find(u"a"));
+}
+
+TEST_F(MemoryTest, AnEditInPlaceEndsTheTrustInATree) {
+    {
+        CompoundFile file = open(Access::ReadWrite);
+        file.root().openStorage(u"S").createStream(u"added");
+        file.commit();
+    }
+    exchange(u"a", u"f");
+    for (const std::u16string_view name : {u"a", u"f"}) {
+        CompoundFile file = open(Access::ReadWrite);
+        EXPECT_THROW(file.root().openStorage(u"S").createStream(name), Error);
+    }
+}
+
+// Every header is written once only, so that it can be known by its bytes: the one that is put back
+// after a failure as well.
+TEST_F(MemoryTest, OnlyTheHeaderOfTheLastCommitIsKnownToBeDurable) {
+    const auto syncs = [&](ReadCache* cache) {
+        return count(Call::Sync, [&] {
+            CompoundFile file =
+                CompoundFile::open(disk_.open(kPath, Access::ReadWrite), Access::ReadWrite, cache);
+            file.root().openStorage(u"S").openStream(u"a").append(patterned(10, 1));
+            file.commit();
+        });
+    };
+    EXPECT_EQ(syncs(&cache_), 3);
+    EXPECT_EQ(syncs(&cache_), 2);
+    ReadCache other; // another process
+    EXPECT_EQ(syncs(&other), 3);
+    EXPECT_EQ(syncs(&cache_), 3);
+    int calls = 0;
+    disk_.setInterceptor([&](Call kind) {
+        if (kind == Call::Sync && ++calls == 3)
+            throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+    });
+    {
+        CompoundFile file =
+            CompoundFile::open(disk_.open(kPath, Access::ReadWrite), Access::ReadWrite, &other);
+        file.root().createStorage(u"T");
+        EXPECT_THROW(file.commit(), Error); // and the old header is put back
+    }
+    disk_.setInterceptor({});
+    EXPECT_EQ(syncs(&cache_), 3);
+    EXPECT_EQ(findingsOf(disk_, kPath), "");
+}
+
+} // namespace
+} // namespace compound_tests
