@@ -389,16 +389,21 @@ TEST_F(MainPictures, RenamingInPlaceAsksTheStore) {
     EXPECT_EQ(rows(), (QStringList{"P2", "PUMPE 1"})); // in the store's order
 }
 
-// A box takes the focus from the name's editor, which ends the editing once more.
+// A box that comes up in the middle of the editing takes the focus from the name's editor, which
+// stays behind it.
 TEST_F(MainPictures, ARefusalOfRenamingInPlaceIsToldOnceInARealBox) {
     startWith({"P1", "P2"});
     trigger("Men_Extras_0");
     const app::MsgBoxHandler script = app::setMsgBoxHandler({});
     QStringList told;
     QTimer looking;
-    QObject::connect(&looking, &QTimer::timeout, [&told] {
+    QObject::connect(&looking, &QTimer::timeout, [&] {
         if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
             told.append(box->text());
+            const auto* viewport = find<QTreeWidget>("lvwInfo")->viewport();
+            for (const auto* editor : viewport->findChildren<QLineEdit*>()) {
+                EXPECT_FALSE(editor->isVisible());
+            }
             box->button(QMessageBox::Ok)->click();
         }
     });

@@ -61,6 +61,28 @@ TEST_F(Refresh, ARefillAfterACommandKeepsWhatIsUnfolded) {
     EXPECT_FALSE(isUnfolded("Armaturen"));
 }
 
+// While its file is locked the group has no node, and is selected again when it has.
+TEST_F(Refresh, AnotherChoiceEndsTheWaitForALockedGroup) {
+    makeGroup("Armaturen");
+    start();
+    const std::vector<std::pair<QString, std::function<void()>>> choices{
+        {"Armaturen", [this] { clickNode("Armaturen"); }},
+        {"", [this] { clickFreeArea(Qt::LeftButton); }},
+    };
+    for (const auto& [chosen, choose] : choices) {
+        clickNode("Pumpen/Kreisel");
+        auto file =
+            platform::nativeDisk().open(library().folder / "Pumpen.stg", compound::Access::Read);
+        ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        pressF5();
+        ASSERT_EQ(selectedNode(), "Pumpen");
+        choose();
+        file.reset();
+        pressF5();
+        EXPECT_EQ(selectedNode(), chosen);
+    }
+}
+
 TEST_F(Refresh, KeepsTheTreeWhereItIsScrolled) {
     for (int i = 10; i < 60; ++i) {
         makeGroup(QStringLiteral("Anlage %1").arg(i));
