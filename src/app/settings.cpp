@@ -42,7 +42,6 @@ void Settings::readPaths() {
     storagesFolder_ = readCommon() + kStoragesSuffix;
     helpFile_ = readCommon() + kHelpFileSuffix;
     createDefaultStoragesFolder();
-    temporaryFolder_ = platform::temporaryFolder();
     drive_ = backend_.read(Hive::CurrentUser, kProgramKey, kDriveName, QStringLiteral("C:"));
     path_ = backend_.read(Hive::CurrentUser, kProgramKey, kPathName, QStringLiteral("C:\\"));
 }
@@ -69,7 +68,12 @@ std::filesystem::path Settings::temporaryFolderPath() const {
     return platform::toFilePath(temporaryFolder_);
 }
 
-std::filesystem::path Settings::restoredTemporaryFolderPath() const {
+void Settings::makeTemporaryFolder() {
+    temporaryFolder_ = platform::temporaryFolder();
+}
+
+std::filesystem::path Settings::restoredTemporaryFolderPath() {
+    makeTemporaryFolder(); // there may have been no room for one before
     platform::restoreTemporaryFolder();
     return temporaryFolderPath();
 }

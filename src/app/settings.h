@@ -21,11 +21,14 @@ class Settings {
     // Reads `LCID`, chooses the language and builds the text table. First step of every start.
     void chooseLanguage();
 
-    // Reads `Common` (once for each of the two paths built from it), makes the temporary folder,
-    // reads `Drive` and `Path`. Where no `Common` is configured, the default storages folder is
-    // created; a configured one never is. A missing or unreadable folder is not an error here.
-    // Throws compound::Error only when no temporary folder can be made.
+    // Reads `Common` (once for each of the two paths built from it), `Drive` and `Path`. Where no
+    // `Common` is configured, the default storages folder is created; a configured one never is. A
+    // missing or unreadable folder is not an error here.
     void readPaths();
+
+    // Makes the process's temporary folder, once. Throws compound::Error when there is no place for
+    // one; then no temporary folder is known, and nothing is to be written into one.
+    void makeTemporaryFolder();
 
     // Reads `CurrentGroup` (the key S/T of the group last selected; empty for none).
     void readCurrentGroup();
@@ -36,14 +39,15 @@ class Settings {
 
     const QString& storagesFolder() const { return storagesFolder_; }
     const QString& helpFile() const { return helpFile_; }
-    const QString& temporaryFolder() const { return temporaryFolder_; } // ends in a separator
+    // Ends in a separator; empty when there is none.
+    const QString& temporaryFolder() const { return temporaryFolder_; }
     std::filesystem::path storagesFolderPath() const;
     std::filesystem::path helpFilePath() const;
     std::filesystem::path temporaryFolderPath() const;
 
-    // The same, for writing to it: made again if a cleaner of temporary files has taken it. Throws
-    // compound::Error when that fails.
-    std::filesystem::path restoredTemporaryFolderPath() const;
+    // The same, for writing to it: made if there was no place before, and made again if a cleaner
+    // of temporary files has taken it. Throws compound::Error when that fails.
+    std::filesystem::path restoredTemporaryFolderPath();
 
     const QString& drive() const { return drive_; }
     void setDrive(const QString& drive) { drive_ = drive; }

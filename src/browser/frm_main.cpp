@@ -132,8 +132,9 @@ void frmMain::load() {
     tree_->setAccessibleName(app::text(kTreeName));
     panel_->setCaptions();
     app::Settings& settings = app::settings();
+    settings.readPaths();
     try {
-        settings.readPaths();
+        settings.makeTemporaryFolder();
     } catch (const compound::Error& error) {
         loadFailure_ = app::errorText(error);
     }

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -66,20 +67,38 @@ std::unique_ptr<TemporaryFolder>& processFolder() {
     return folder;
 }
 
+// Where the process's folder may lie, the best place first.
+QStringList temporaryParents() {
+    QStringList parents;
+    if (!homeRoot().isEmpty())
+        parents += joinPath(homeRoot(), QStringLiteral("tmp"));
+    else
+        parents += QDir::tempPath();
+    parents += joinPath(dataFolder(), QStringLiteral("tmp"));
+    parents += QDir::tempPath(); // the home may be one that cannot be written to
+    return parents;
+}
+
 std::unique_ptr<TemporaryFolder> makeProcessFolder() {
-    const QString spare = joinPath(dataFolder(), QStringLiteral("tmp"));
-    const QString parent =
-        homeRoot().isEmpty() ? QDir::tempPath() : joinPath(homeRoot(), QStringLiteral("tmp"));
-    try {
-        return std::make_unique<TemporaryFolder>(parent);
-    } catch (const Error&) {
-        return std::make_unique<TemporaryFolder>(spare);
+    std::optional<Error> first;
+    for (const QString& parent : temporaryParents()) {
+        try {
+            return std::make_unique<TemporaryFolder>(parent);
+        } catch (const Error& error) {
+            if (!first)
+                first = error;
+        }
     }
+    throw *std::move(first);
 }
 
 } // namespace
 
 TemporaryFolder::TemporaryFolder(const QString& parent) {
+    // The system's temporary path is empty when it names no folder, and then anything joined to it
+    // would lie where the program was started.
+    if (QDir::isRelativePath(parent))
+        throw compound::systemError(ENOENT, toFilePath(parent), "create a temporary folder");
     (void)QDir().mkpath(parent);
     removeLeftovers(parent);
     const QString pattern =

@@ -13,7 +13,8 @@ enum class CopiedPicture { Remove, Keep };
 
 // A private folder below `parent` (mode 0700, locked by the kernel for as long as the object
 // lives, so that other processes can tell it from the leftover of a dead one). The constructor
-// removes such leftovers of the same user. Throws compound::Error naming the folder.
+// removes such leftovers of the same user. Throws compound::Error naming the folder, also when
+// `parent` is not absolute.
 class TemporaryFolder {
   public:
     explicit TemporaryFolder(const QString& parent);
@@ -43,7 +44,9 @@ class TemporaryFolder {
 inline constexpr int kLongestTemporaryPath = 254;
 
 // The process's temporary folder, made at the first call below the system's temporary path (or
-// TXSGRAPHICSLIB_HOME/tmp), or in the program's data folder when nothing can be made there.
+// TXSGRAPHICSLIB_HOME/tmp); when nothing can be made there, or its path would be too long, in the
+// program's data folder or below the system's temporary path after all. Throws compound::Error, and
+// tries again at the next call, when all of them fail.
 QString temporaryFolder();
 
 // Makes the same folder again when it is gone; see TemporaryFolder::restore.

@@ -1,5 +1,4 @@
 // stgtool: the library for scripts.
-#include "platform/temporary_folder.h"
 #include "platform/terminal.h"
 #include "tool/command.h"
 
@@ -34,7 +33,5 @@ int main(int argc, char** argv) {
     const bool isTerminal = platform::isTerminal(platform::StandardStream::Error);
     tool::Console console{std::cout, std::cerr,
                           isTerminal ? tool::ErrorStream::Terminal : tool::ErrorStream::Elsewhere};
-    const tool::ExitStatus status = tool::run(commandLine, console);
-    platform::wipeTemporaryFolder(platform::CopiedPicture::Remove);
-    return static_cast<int>(status);
+    return static_cast<int>(tool::run(commandLine, console));
 }

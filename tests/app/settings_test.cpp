@@ -2,11 +2,14 @@
 #include "app/message_box_script.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "compound/error.h"
 #include "platform/own_home.h"
 #include "platform/temporary_folder.h"
 
+#include <QDir>
 #include <QMap>
 
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace {
@@ -109,9 +112,30 @@ TEST_F(SettingsTest, createTheDefaultFolderButNoConfiguredOne) {
 
 TEST_F(SettingsTest, giveAPrivateTemporaryFolderBelowTheirRoot) {
     settings_.readPaths();
+    EXPECT_FALSE(QDir(home_.at("tmp")).exists()) << "nobody has asked for one";
+    settings_.makeTemporaryFolder();
     EXPECT_TRUE(settings_.temporaryFolder().startsWith(home_.root()));
     EXPECT_TRUE(settings_.temporaryFolder().endsWith('/'));
     EXPECT_TRUE(QDir(settings_.temporaryFolder()).exists());
+}
+
+// Closing writes the remembered drive and folder back, whatever became of the temporary folder; and
+// nothing may be written to where the program was started.
+TEST_F(SettingsTest, areReadWithoutAnyPlaceForTemporaryFiles) {
+    home_.write("file", "");
+    qputenv(platform::kHomeVariable, home_.at("file/none").toUtf8());
+    qputenv("TMPDIR", home_.at("file/none").toUtf8());
+    backend_.values["Drive"] = "/mnt";
+    backend_.values["Path"] = "/mnt/pictures";
+    settings_.readPaths();
+    EXPECT_THROW(settings_.makeTemporaryFolder(), compound::Error);
+    EXPECT_THROW((void)settings_.restoredTemporaryFolderPath(), compound::Error);
+    EXPECT_EQ(settings_.temporaryFolder(), "");
+    EXPECT_EQ(settings_.drive(), "/mnt");
+    EXPECT_EQ(settings_.path(), "/mnt/pictures");
+    qputenv("TMPDIR", home_.root().toUtf8());
+    EXPECT_TRUE(std::filesystem::is_directory(settings_.restoredTemporaryFolderPath()));
+    qunsetenv("TMPDIR");
 }
 
 TEST_F(SettingsTest, nameTheHelpFileThatIsMissing) {

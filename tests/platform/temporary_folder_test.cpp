@@ -93,4 +93,55 @@ TEST_F(TemporaryFolderTest, cleansUpAfterDeadProcessesOnly) {
     EXPECT_TRUE(fs::exists(home_.at("precious").toStdString()));
 }
 
+// The home, the data folder or all of them may be places that nobody can write to. A file in the
+// place of a folder is one even for an administrator.
+class TemporaryFolderOfTheProcessTest : public TemporaryFolderTest {
+  protected:
+    TemporaryFolderOfTheProcessTest() { home_.write("file", ""); }
+    ~TemporaryFolderOfTheProcessTest() override {
+        platform::wipeTemporaryFolder(CopiedPicture::Remove);
+        qunsetenv("TMPDIR");
+        qunsetenv("XDG_DATA_HOME");
+    }
+
+    void setTemporaryPath(const QString& path) { qputenv("TMPDIR", path.toUtf8()); }
+    void setHome(const QString& path) { qputenv(platform::kHomeVariable, path.toUtf8()); }
+};
+
+TEST_F(TemporaryFolderOfTheProcessTest, fallsBackFromPlaceToPlace) {
+    const QString nowhere = home_.at("file/none");
+    QDir().mkpath(home_.at("temporary"));
+    setHome(nowhere);
+    setTemporaryPath(home_.at("temporary"));
+    EXPECT_TRUE(platform::temporaryFolder().startsWith(home_.at("temporary/")));
+    platform::wipeTemporaryFolder(CopiedPicture::Remove);
+
+    setHome({});
+    qputenv("XDG_DATA_HOME", home_.at("share").toUtf8());
+    setTemporaryPath(nowhere);
+    EXPECT_TRUE(platform::temporaryFolder().startsWith(home_.at("share/TXSGraphicsLib/tmp/")));
+    platform::wipeTemporaryFolder(CopiedPicture::Remove);
+
+    QString longPath = home_.root();
+    while (longPath.size() <= platform::kLongestTemporaryPath)
+        longPath += QStringLiteral("/long name of a folder");
+    setTemporaryPath(longPath);
+    EXPECT_TRUE(platform::temporaryFolder().startsWith(home_.at("share/TXSGraphicsLib/tmp/")));
+}
+
+TEST_F(TemporaryFolderOfTheProcessTest, isAnErrorWhereThereIsNoPlace) {
+    setHome(home_.at("file/none"));
+    setTemporaryPath(home_.at("file/none either"));
+    for (int i = 0; i < 2; ++i) {
+        try {
+            platform::temporaryFolder();
+            ADD_FAILURE() << "no error";
+        } catch (const compound::Error& error) {
+            EXPECT_EQ(error.file().string(), home_.at("file/none/tmp").toStdString());
+        }
+    }
+    setTemporaryPath(home_.root()); // there is room now
+    EXPECT_TRUE(QDir(platform::temporaryFolder()).exists());
+}
+
 } // namespace
