@@ -92,6 +92,9 @@ bool isValidGroupName(std::u16string_view name, GroupLevel level) {
 bool isValidPictureName(std::u16string_view name) {
     if (name.empty() || name.size() > kMaximumNameLength || isGroupText(name))
         return false;
+    // They name folders wherever a picture becomes a file again.
+    if (name == u"." || name == u"..")
+        return false;
     return !containsAny(name, kStorageForbidden) && !hasLoneSurrogate(name);
 }
 

@@ -55,6 +55,11 @@ TEST(Names, PictureNamesAreFreer) {
     EXPECT_TRUE(isValidPictureName(u"\U0001F3ED"));
     EXPECT_FALSE(isValidPictureName(u"half\xD83D"));
     EXPECT_FALSE(isValidPictureName(u"pArEnT"));
+    // Every folder holds these two.
+    EXPECT_FALSE(isValidPictureName(u"."));
+    EXPECT_FALSE(isValidPictureName(u".."));
+    EXPECT_TRUE(isValidPictureName(u"..."));
+    EXPECT_TRUE(isValidPictureName(u".hidden"));
 }
 
 TEST(Names, ListingsIgnoreCase) {

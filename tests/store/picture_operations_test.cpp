@@ -227,6 +227,21 @@ TEST_F(PictureTest, ADamagedRecordDoesNotHideThePicture) {
     expectAllRead();
 }
 
+// A record that is left behind would be taken for that of the next picture of the name.
+TEST_F(PictureTest, DeletingTakesTheRecordWithIt) {
+    for (const char16_t* name : {u"one", u"Two", u"three"})
+        add(group, name);
+    deletePicture(library, group, {u"one"});
+    deletePicture(library, group, {u"TWO"});
+    compound::CompoundFile raw = openRaw(u"Plant");
+    for (const char16_t* name : {u"Sub1", u"Sub1Info"}) {
+        const compound::Storage storage = raw.root().openStorage(name);
+        EXPECT_FALSE(storage.find(u"one"));
+        EXPECT_FALSE(storage.find(u"Two"));
+        EXPECT_TRUE(storage.find(u"three"));
+    }
+}
+
 TEST_F(PictureTest, DeletingToleratesMissingRecordsAndStorages) {
     add(group, u"one");
     add(group, u"two");
