@@ -1,5 +1,6 @@
 #include "peers.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -49,6 +50,20 @@ void PlainFolder::addDurably(const std::string& name, std::span<const std::byte>
                              const std::string& record) const {
     writeFile(folder_ / (name + ".bmp"), picture.data(), picture.size(), Durable::Yes);
     writeFile(folder_ / (name + ".txt"), record.data(), record.size(), Durable::Yes);
+    syncFolder();
+}
+
+void PlainFolder::renameDurably(const std::string& from, const std::string& to) const {
+    for (const char* suffix : {".bmp", ".txt"}) {
+        const std::filesystem::path before = folder_ / (from + suffix);
+        const std::filesystem::path after = folder_ / (to + suffix);
+        require(renameat2(AT_FDCWD, before.c_str(), AT_FDCWD, after.c_str(), RENAME_NOREPLACE) == 0,
+                "rename");
+    }
+    syncFolder();
+}
+
+void PlainFolder::syncFolder() const {
     const int folder = open(folder_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     require(folder >= 0 && fsync(folder) == 0, "sync folder");
     close(folder);

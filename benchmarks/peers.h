@@ -38,7 +38,12 @@ class PlainFolder {
                     const std::string& record) const;
     std::size_t readPicture(const std::string& name, std::vector<std::byte>& into) const;
 
+    // Renames both files without replacing any, then syncs the folder.
+    void renameDurably(const std::string& from, const std::string& to) const;
+
   private:
+    void syncFolder() const;
+
     std::filesystem::path folder_;
 };
 

@@ -1,5 +1,6 @@
 // The store against a plain folder of files and against SQLite, side by side in one run:
-// durable adding and how its cost grows, listing, and reading one picture with opening included.
+// durable adding and how its cost grows, listing, reading one picture with opening included, and
+// durable renaming.
 #include "peers.h"
 #include "picture/picture.h"
 #include "platform/native_disk.h"
@@ -57,6 +58,28 @@ store::TwipSize measure(std::span<const std::byte> bytes) {
     return {size.height, size.width};
 }
 
+// Each picture gets a new name, and in the next round its old one again.
+class Renamer {
+  public:
+    explicit Renamer(int size) : size_(size) {}
+
+    struct Names {
+        std::string from, to;
+    };
+    Names next() {
+        const std::string old = nameOf(next_ * kStep % size_);
+        const std::string renamed = "renamed-" + old;
+        const bool isBack = next_ / size_ % 2 == 1;
+        ++next_;
+        return isBack ? Names{renamed, old} : Names{old, renamed};
+    }
+
+  private:
+    static constexpr int kStep = 37; // no neighbours one after the other; prime to the sizes
+    int size_;
+    int next_ = 0;
+};
+
 // One library, one folder and one database with the same pictures, made once for each count.
 struct Setup {
     explicit Setup(int count)
@@ -66,7 +89,9 @@ struct Setup {
           bitmap(makeBitmap()),
           source(scratch.path() / "source.bmp"),
           next(count),
-          size(count) {
+          size(count),
+          inStore(count),
+          inFolder(count) {
         std::filesystem::create_directories(library.folder);
         std::ofstream(source, std::ios::binary)
             .write(reinterpret_cast<const char*>(bitmap.data()),
@@ -94,6 +119,8 @@ struct Setup {
     store::GroupAddress group;
     int next;
     int size;
+    Renamer inStore;
+    Renamer inFolder;
 };
 
 Setup& setupOf(std::int64_t count) {
@@ -165,6 +192,23 @@ void readOneFolder(benchmark::State& state) {
     }
 }
 
+void renameDurablyStore(benchmark::State& state) {
+    Setup& setup = setupOf(state.range(0));
+    for (auto _ : state) {
+        const auto [from, to] = setup.inStore.next();
+        store::renamePicture(setup.library, setup.group, {store::fromUtf8(from)},
+                             {store::fromUtf8(to)});
+    }
+}
+
+void renameDurablyFolder(benchmark::State& state) {
+    Setup& setup = setupOf(state.range(0));
+    for (auto _ : state) {
+        const auto [from, to] = setup.inFolder.next();
+        setup.folder.renameDurably(from, to);
+    }
+}
+
 void configure(benchmark::internal::Benchmark* benchmark) {
     benchmark->Repetitions(kRepetitions)
         ->ReportAggregatesOnly()
@@ -179,23 +223,30 @@ BENCHMARK(readOneFolder)->Arg(100)->Arg(10000)->Apply(configure);
 BENCHMARK(addDurablyStore)->Arg(100)->Arg(10000)->Iterations(60)->Apply(configure);
 BENCHMARK(addDurablyFolder)->Arg(100)->Arg(10000)->Iterations(60)->Apply(configure);
 BENCHMARK(addDurablyDatabase)->Arg(100)->Arg(10000)->Iterations(60)->Apply(configure);
+BENCHMARK(renameDurablyStore)->Arg(2000)->Arg(10000)->Iterations(60)->Apply(configure);
+BENCHMARK(renameDurablyFolder)->Arg(2000)->Arg(10000)->Iterations(60)->Apply(configure);
 
 } // namespace
 
 int main(int argc, char** argv) {
-    return benchmarks::runWithRatios(argc, argv,
-                                     {{"durable add, 100 pictures: store / plain folder",
-                                       "addDurablyStore/100", "addDurablyFolder/100", 1.0},
-                                      {"durable add, 10,000 pictures: store / plain folder",
-                                       "addDurablyStore/10000", "addDurablyFolder/10000", 1.0},
-                                      {"durable add, 10,000 pictures: store / SQLite",
-                                       "addDurablyStore/10000", "addDurablyDatabase/10000", 1.0},
-                                      {"durable add: store at 10,000 / store at 100",
-                                       "addDurablyStore/10000", "addDurablyStore/100", 1.3},
-                                      {"list 10,000 pictures: store / SQLite select",
-                                       "listStore/10000", "listDatabase/10000", 1.0},
-                                      {"read one of 100 pictures: store / plain file",
-                                       "readOneStore/100", "readOneFolder/100", 2.0},
-                                      {"read one of 10,000 pictures: store / plain file",
-                                       "readOneStore/10000", "readOneFolder/10000", 2.0}});
+    return benchmarks::runWithRatios(
+        argc, argv,
+        {{"durable add, 100 pictures: store / plain folder", "addDurablyStore/100",
+          "addDurablyFolder/100", 1.0},
+         {"durable add, 10,000 pictures: store / plain folder", "addDurablyStore/10000",
+          "addDurablyFolder/10000", 1.0},
+         {"durable add, 10,000 pictures: store / SQLite", "addDurablyStore/10000",
+          "addDurablyDatabase/10000", 1.0},
+         {"durable add: store at 10,000 / store at 100", "addDurablyStore/10000",
+          "addDurablyStore/100", 1.3},
+         {"list 10,000 pictures: store / SQLite select", "listStore/10000", "listDatabase/10000",
+          1.0},
+         {"read one of 100 pictures: store / plain file", "readOneStore/100", "readOneFolder/100",
+          2.0},
+         {"read one of 10,000 pictures: store / plain file", "readOneStore/10000",
+          "readOneFolder/10000", 2.0},
+         {"durable rename, 2,000 pictures: store / plain folder", "renameDurablyStore/2000",
+          "renameDurablyFolder/2000", 1.5},
+         {"durable rename, 10,000 pictures: store / plain folder", "renameDurablyStore/10000",
+          "renameDurablyFolder/10000", 1.5}});
 }
