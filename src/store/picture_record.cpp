@@ -66,8 +66,9 @@ std::string numberText(float number, char16_t decimalSeparator) {
 
 std::string formatRecord(const PictureRecord& record, char16_t decimalSeparator) {
     const char16_t separator = decimalSeparator == u',' ? u',' : u'.';
-    return "h" + numberText(record.height, separator) + "w" + numberText(record.width, separator) +
-           "t" + record.type;
+    std::string text = "h";
+    text += numberText(record.height, separator) + "w" + numberText(record.width, separator) + "t";
+    return text + record.type;
 }
 
 PictureRecord parseRecord(std::string_view text) {
