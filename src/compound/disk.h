@@ -5,6 +5,8 @@
 // failed write() or truncate() may have reached part of the range it was given.
 #pragma once
 
+#include "compound/error.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -61,14 +63,15 @@ class DiskFile {
 
     // Takes the exclusive kernel lock, which goes with the handle. Waits up to `wait` for another
     // holder; false when it still holds then. A second handle of the same process counts as another
-    // holder.
+    // holder. Only what is read, measured or looked up after it is what the last holder left: on a
+    // volume that other machines share, anything from before may be older.
     virtual bool lock(std::chrono::milliseconds wait) = 0;
 
     // Whether path() still names this very file (it may have been renamed or replaced between
     // opening and locking).
     virtual bool isStillAtPath() = 0;
 
-    // The file's present state, if the disk can tell; asked for while the lock is held.
+    // The file's present state, if the disk can tell for sure; asked for while the lock is held.
     virtual std::optional<FileIdentity> identity() { return std::nullopt; }
 
   protected:
@@ -92,20 +95,40 @@ class Disk {
     // Creates a new file and opens it for reading and writing; Exists when the path is taken.
     virtual std::unique_ptr<DiskFile> create(const std::filesystem::path& path) = 0;
 
-    // Gives `to` the permissions and, as far as the system lets us, the owner of `from`.
+    // The same, but nobody else may read the file until it is given other attributes: for the copy
+    // of a file whose readers are copied last.
+    virtual std::unique_ptr<DiskFile> createPrivate(const std::filesystem::path& path) {
+        return create(path);
+    }
+
+    // Gives `to` the permissions, the access control list, the extended attributes and, as far as
+    // the system lets us, the owner of `from`. Durable with the next sync() of `to`.
     virtual void copyAttributes(DiskFile& from, DiskFile& to) = 0;
 
     // The entries of a folder in no particular order, without "." and "..".
     virtual std::vector<FolderEntry> list(const std::filesystem::path& folder) = 0;
 
+    // Whether the path is taken. On a volume that other machines share the answer may be a little
+    // old; creating, opening and renaming never go by it.
     virtual bool exists(const std::filesystem::path& path) = 0;
 
     // Renames within one folder; Exists (and nothing changed) when `to` is taken.
     virtual void renameWithoutReplacing(const std::filesystem::path& from,
                                         const std::filesystem::path& to) = 0;
 
+    // The file that the path stands for in the end: the target of a link, else the path itself.
+    virtual std::filesystem::path resolved(const std::filesystem::path& path) { return path; }
+
+    // Makes a link at `path` to `target`, relative or absolute as the link `pattern` is. Exists.
+    // Failed on a disk without links.
+    virtual void linkAs(const std::filesystem::path& pattern, const std::filesystem::path& target,
+                        const std::filesystem::path& path) {
+        (void)pattern, (void)target;
+        throw Error(ErrorCode::Failed, path, "links cannot be made here");
+    }
+
     // Renames within one folder, atomically taking the place of `to`, whose content the caller has
-    // made durable in `from`. A link at `to` is resolved: its target is replaced.
+    // made durable in `from`. A link at `to` is replaced itself: see resolved().
     virtual void renameReplacing(const std::filesystem::path& from,
                                  const std::filesystem::path& to) = 0;
 

@@ -1,6 +1,7 @@
 #include "platform/file_descriptor.h"
 
 #include "compound/error.h"
+#include "platform/file_attributes.h"
 
 #include <array>
 #include <cerrno>
@@ -18,8 +19,8 @@ using compound::Error;
 using compound::ErrorCode;
 using compound::systemError;
 
-constexpr mode_t kPermissionBits = 07777;
-constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kUsualMode = 0666;
+constexpr mode_t kOwnersMode = 0600;
 
 void requireRegular(const struct stat& status, const std::filesystem::path& path) {
     if (!S_ISREG(status.st_mode))
@@ -47,24 +48,15 @@ void copyBytes(const FileDescriptor& source, const std::filesystem::path& from,
     }
 }
 
-// For file systems without the atomic call: a second link fails when the name is taken, and until
-// the first one is gone the file merely has two names.
-void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to) {
-    if (::link(from.c_str(), to.c_str()) == 0) {
-        if (::unlink(from.c_str()) != 0) {
-            const int cause = errno;
-            ::unlink(to.c_str());
-            throw systemError(cause, from, "rename");
-        }
-        return;
-    }
-    if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS)
-        throw systemError(errno, errno == EEXIST ? to : from, "rename");
-    struct stat status {};
-    if (::lstat(to.c_str(), &status) == 0)
-        throw systemError(EEXIST, to, "rename");
-    if (::rename(from.c_str(), to.c_str()) != 0)
-        throw systemError(errno, from, "rename");
+// Leaves errno as it is.
+bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+    const int before = errno;
+    struct stat first {};
+    struct stat second {};
+    const bool isSame = ::lstat(one.c_str(), &first) == 0 && ::lstat(other.c_str(), &second) == 0 &&
+                        first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+    errno = before;
+    return isSame;
 }
 
 } // namespace
@@ -86,9 +78,9 @@ FileDescriptor openRegularFile(const std::filesystem::path& path, int flags, str
     return descriptor;
 }
 
-FileDescriptor createFile(const std::filesystem::path& path) {
-    FileDescriptor descriptor(
-        ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode));
+FileDescriptor createFile(const std::filesystem::path& path, Readers readers) {
+    FileDescriptor descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
+                                     readers == Readers::Usual ? kUsualMode : kOwnersMode));
     if (!descriptor.isOpen())
         throw systemError(errno, path, "create");
     return descriptor;
@@ -96,17 +88,33 @@ FileDescriptor createFile(const std::filesystem::path& path) {
 
 void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to) {
     const FileDescriptor source = openRegularFile(from, O_RDONLY);
-    const FileDescriptor target = createFile(to);
+    const FileDescriptor target = createFile(to, Readers::OwnerOnly);
     try {
         copyBytes(source, from, target, to);
-        struct stat status {};
-        if (::fstat(source.get(), &status) == 0)
-            (void)::fchmod(target.get(), status.st_mode & kPermissionBits);
+        copyFileAttributes(source.get(), from, target.get(), to);
         if (::fsync(target.get()) != 0)
             throw systemError(errno, to, "sync");
     } catch (...) {
         ::unlink(to.c_str());
         throw;
+    }
+}
+
+// A second link fails when the name is taken, and until the first one is gone the file merely has
+// two names.
+void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to) {
+    // A server whose answer got lost is asked again, and then finds the link that it has made.
+    if (::link(from.c_str(), to.c_str()) != 0 && !(errno == EEXIST && isSameFile(from, to))) {
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK)
+            throw systemError(errno, errno == EEXIST ? to : from, "rename");
+        throw Error(ErrorCode::Failed, to,
+                    "the file system can neither rename a file without replacing another one nor "
+                    "give a file a second name");
+    }
+    if (::unlink(from.c_str()) != 0) {
+        const int cause = errno;
+        ::unlink(to.c_str());
+        throw systemError(cause, from, "rename");
     }
 }
 

@@ -30,15 +30,22 @@ class FileDescriptor {
 FileDescriptor openRegularFile(const std::filesystem::path& path, int flags,
                                struct stat* opened = nullptr);
 
-// Creates `path`, which must not exist (compound::ErrorCode::Exists), for reading and writing.
-FileDescriptor createFile(const std::filesystem::path& path);
+// Who may read a new file: whom the process's mask lets, or its owner only.
+enum class Readers { Usual, OwnerOnly };
 
-// Writes a new file `to` with the content and permissions of `from` and syncs it. A failure leaves
+// Creates `path`, which must not exist (compound::ErrorCode::Exists), for reading and writing.
+FileDescriptor createFile(const std::filesystem::path& path, Readers readers);
+
+// Writes a new file `to` with the content and attributes of `from` and syncs it. A failure leaves
 // no `to` behind; `from` is never changed.
 void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to);
 
-// Renames; throws Exists, with nothing changed, when `to` is taken.
+// Renames; throws Exists, with nothing changed, when `to` is taken, and Failed on a file system
+// that can neither rename without replacing nor link.
 void renameFileWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// The same by way of a second link, for file systems that only know renames that replace.
+void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // Makes the entries of `folder` durable. A file system that cannot sync folders is no error.
 void syncFolderEntries(const std::filesystem::path& folder);

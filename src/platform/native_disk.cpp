@@ -1,12 +1,14 @@
 #include "platform/native_disk.h"
 
 #include "compound/error.h"
+#include "platform/file_attributes.h"
 #include "platform/file_descriptor.h"
+#include "platform/shared_volume.h"
 #include "platform/trash.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
+#include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -28,13 +30,28 @@ using compound::ErrorCode;
 using compound::systemError;
 using std::filesystem::path;
 
-constexpr mode_t kPermissionBits = 07777;
 constexpr std::chrono::milliseconds kLockPollInterval{10};
+
+// What the disk takes as given, and a test may give otherwise.
+struct Surroundings {
+    Volumes volumes;
+    TimeOfDay timeOfDay;
+};
+
+std::chrono::nanoseconds systemTime() {
+    return std::chrono::system_clock::now().time_since_epoch();
+}
 
 class NativeFile final : public DiskFile {
   public:
-    NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath)
-        : descriptor_(std::move(descriptor)), path_(std::move(filePath)), opened_(opened) {}
+    NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath,
+               const Surroundings& surroundings)
+        : descriptor_(std::move(descriptor)),
+          path_(std::move(filePath)),
+          opened_(opened),
+          timeOfDay_(surroundings.timeOfDay),
+          isShared_(surroundings.volumes == Volumes::AllShared ||
+                    isSharedVolume(descriptor_.get())) {}
 
     const std::filesystem::path& path() const override { return path_; }
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override;
@@ -48,13 +65,21 @@ class NativeFile final : public DiskFile {
 
     int descriptor() const { return descriptor_.get(); }
 
+    // Takes over the attributes of `from`; the next sync() makes them durable.
+    void takeAttributes(const NativeFile& from);
+
   private:
     bool tryLock();
+    bool waitForLock(std::chrono::milliseconds wait);
 
     FileDescriptor descriptor_;
     std::filesystem::path path_;
     struct stat opened_ {}; // as it was when it was opened
     struct stat named_ {};  // as isStillAtPath() has last found it
+    TimeOfDay timeOfDay_;
+    bool isShared_;
+    bool isGone_ = false; // found out in locking
+    bool hasNewAttributes_ = false;
 };
 
 std::size_t NativeFile::read(std::uint64_t offset, std::span<std::byte> into) {
@@ -83,8 +108,9 @@ void NativeFile::write(std::uint64_t offset, std::span<const std::byte> bytes) {
 }
 
 void NativeFile::sync() {
-    if (::fdatasync(descriptor()) != 0)
+    if ((hasNewAttributes_ ? ::fsync(descriptor()) : ::fdatasync(descriptor())) != 0)
         throw systemError(errno, path_, "sync");
+    hasNewAttributes_ = false;
 }
 
 void NativeFile::truncate(std::uint64_t size) {
@@ -95,7 +121,9 @@ void NativeFile::truncate(std::uint64_t size) {
 
 std::uint64_t NativeFile::size() {
     struct stat status {};
-    if (::fstat(descriptor(), &status) != 0)
+    const bool isTold =
+        isShared_ ? askStatus(descriptor(), status) : ::fstat(descriptor(), &status) == 0;
+    if (!isTold)
         throw systemError(errno, path_, "get size");
     return static_cast<std::uint64_t>(status.st_size);
 }
@@ -107,12 +135,15 @@ bool NativeFile::tryLock() {
     // still keeps every writer out.
     if (errno == EBADF && ::flock(descriptor(), LOCK_SH | LOCK_NB) == 0)
         return true;
-    if (errno != EWOULDBLOCK && errno != EINTR)
-        throw systemError(errno, path_, "lock");
-    return false;
+    // The name was remembered of a file that another machine has removed or replaced meanwhile.
+    // There is nobody to keep out of it; isStillAtPath() tells.
+    isGone_ = isShared_ && (errno == ESTALE || errno == ENOENT);
+    if (!isGone_ && errno != EWOULDBLOCK && errno != EINTR)
+        throw lockFailure(errno, path_);
+    return isGone_;
 }
 
-bool NativeFile::lock(std::chrono::milliseconds wait) {
+bool NativeFile::waitForLock(std::chrono::milliseconds wait) {
     if (tryLock())
         return true;
     const auto end = std::chrono::steady_clock::now() + wait;
@@ -125,9 +156,23 @@ bool NativeFile::lock(std::chrono::milliseconds wait) {
     return true;
 }
 
+bool NativeFile::lock(std::chrono::milliseconds wait) {
+    if (!waitForLock(wait))
+        return false;
+    if (isShared_ && !isGone_)
+        forgetContent(descriptor());
+    return true;
+}
+
 bool NativeFile::isStillAtPath() {
-    if (::stat(path_.c_str(), &named_) != 0) {
-        if (errno == ENOENT || errno == ENOTDIR)
+    if (isShared_)
+        forgetName(path_);
+    if (isGone_)
+        return false;
+    const bool isThere = isShared_ ? askStatus(path_, named_) : ::stat(path_.c_str(), &named_) == 0;
+    if (!isThere) {
+        // A handle of a file that another machine has removed is stale on some systems.
+        if (errno == ENOENT || errno == ENOTDIR || errno == ESTALE)
             return false;
         throw systemError(errno, path_, "get identity");
     }
@@ -135,36 +180,45 @@ bool NativeFile::isStillAtPath() {
 }
 
 // What isStillAtPath() has found under the lock; every call to the system counts in short readings.
+// Clocks of other machines go differently, so the time stamps of a shared volume prove nothing.
 std::optional<compound::FileIdentity> NativeFile::identity() {
-    constexpr std::int64_t kNanoseconds = 1'000'000'000;
-    struct timespec now {};
-    if (named_.st_ino == 0 || ::clock_gettime(CLOCK_REALTIME, &now) != 0)
+    if (isShared_ || named_.st_ino == 0)
         return std::nullopt;
-    const auto nanoseconds = [](const struct timespec& time) {
-        return std::int64_t{time.tv_sec} * kNanoseconds + std::int64_t{time.tv_nsec};
+    const auto sinceEpoch = [](const struct timespec& time) {
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
     };
-    const std::int64_t changed = nanoseconds(named_.st_ctim);
+    const std::chrono::nanoseconds changed = sinceEpoch(named_.st_ctim);
     // Time stamps go on in ticks of some milliseconds, on some file systems of a second or two.
-    const bool settled = nanoseconds(now) - changed > 3 * kNanoseconds;
+    const bool settled = timeOfDay_() - changed > std::chrono::seconds(3);
     return compound::FileIdentity{named_.st_dev,
                                   named_.st_ino,
                                   static_cast<std::uint64_t>(named_.st_size),
-                                  nanoseconds(named_.st_mtim),
-                                  changed,
+                                  sinceEpoch(named_.st_mtim).count(),
+                                  changed.count(),
                                   settled};
 }
 
-int descriptorOf(DiskFile& file) {
-    const auto* native = dynamic_cast<NativeFile*>(&file);
+void NativeFile::takeAttributes(const NativeFile& from) {
+    hasNewAttributes_ = true;
+    copyFileAttributes(from.descriptor(), from.path_, descriptor(), path_);
+}
+
+NativeFile& nativeFile(DiskFile& file) {
+    auto* native = dynamic_cast<NativeFile*>(&file);
     if (native == nullptr)
         throw Error(ErrorCode::Failed, file.path(), "not a file of this disk");
-    return native->descriptor();
+    return *native;
 }
 
 class NativeDisk final : public compound::Disk {
   public:
+    explicit NativeDisk(const Surroundings& surroundings) : surroundings_(surroundings) {}
+
     std::unique_ptr<DiskFile> open(const path& filePath, Access access) override;
     std::unique_ptr<DiskFile> create(const path& filePath) override;
+    std::unique_ptr<DiskFile> createPrivate(const path& filePath) override;
+    path resolved(const path& filePath) override;
+    void linkAs(const path& pattern, const path& target, const path& filePath) override;
     void copyAttributes(DiskFile& from, DiskFile& to) override;
     std::vector<compound::FolderEntry> list(const path& folder) override;
     bool exists(const path& filePath) override;
@@ -173,36 +227,50 @@ class NativeDisk final : public compound::Disk {
     void syncFolder(const path& folder) override;
     void trash(const path& filePath) override;
     void removeTemporary(const path& filePath) override;
+
+  private:
+    std::unique_ptr<DiskFile> create(const path& filePath, Readers readers) const;
+    bool isShared(const path& folder) const {
+        return surroundings_.volumes == Volumes::AllShared || isSharedVolume(folder);
+    }
+
+    Surroundings surroundings_;
 };
 
 std::unique_ptr<DiskFile> NativeDisk::open(const path& filePath, Access access) {
+    const int flags = access == Access::Read ? O_RDONLY : O_RDWR;
     struct stat status {};
-    FileDescriptor descriptor =
-        openRegularFile(filePath, access == Access::Read ? O_RDONLY : O_RDWR, &status);
-    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath);
+    FileDescriptor descriptor;
+    try {
+        descriptor = openRegularFile(filePath, flags, &status);
+    } catch (const Error& error) {
+        // Another machine may have made the file since its absence was remembered here.
+        if (error.code() != ErrorCode::NotFound || !isShared(folderOf(filePath)))
+            throw;
+        forgetName(filePath);
+        descriptor = openRegularFile(filePath, flags, &status);
+    }
+    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }
 
 std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath) {
-    FileDescriptor descriptor = createFile(filePath);
+    return create(filePath, Readers::Usual);
+}
+
+std::unique_ptr<DiskFile> NativeDisk::createPrivate(const path& filePath) {
+    return create(filePath, Readers::OwnerOnly);
+}
+
+std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath, Readers readers) const {
+    FileDescriptor descriptor = createFile(filePath, readers);
     struct stat status {};
     if (::fstat(descriptor.get(), &status) != 0)
         throw systemError(errno, filePath, "create");
-    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath);
+    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }
 
 void NativeDisk::copyAttributes(DiskFile& from, DiskFile& to) {
-    struct stat status {};
-    if (::fstat(descriptorOf(from), &status) != 0)
-        throw systemError(errno, from.path(), "get attributes");
-    const int target = descriptorOf(to);
-    // Only an administrator may give files away; everybody else keeps what the system lets them
-    // keep, the group at best. The mode comes last because a change of owner resets parts of it.
-    if (::fchown(target, status.st_uid, status.st_gid) != 0)
-        (void)::fchown(target, static_cast<uid_t>(-1), status.st_gid);
-    if (::fchmod(target, status.st_mode & kPermissionBits) != 0 && errno != EPERM)
-        throw systemError(errno, to.path(), "set permissions");
-    if (::fsync(target) != 0)
-        throw systemError(errno, to.path(), "sync");
+    nativeFile(to).takeAttributes(nativeFile(from));
 }
 
 bool isRegularEntry(int folder, const dirent& entry) {
@@ -216,6 +284,9 @@ std::vector<compound::FolderEntry> NativeDisk::list(const path& folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
     if (!stream)
         throw systemError(errno, folder, "list");
+    struct stat status {};
+    if (surroundings_.volumes == Volumes::AllShared || isSharedVolume(::dirfd(stream.get())))
+        (void)askStatus(::dirfd(stream.get()), status); // a newer folder is read anew
     std::vector<compound::FolderEntry> entries;
     for (;;) {
         errno = 0;
@@ -233,11 +304,14 @@ std::vector<compound::FolderEntry> NativeDisk::list(const path& folder) {
 
 bool NativeDisk::exists(const path& filePath) {
     struct stat status {};
-    if (::lstat(filePath.c_str(), &status) == 0)
-        return true;
-    if (errno == ENOENT || errno == ENOTDIR)
-        return false;
-    throw systemError(errno, filePath, "look up");
+    int failure = ::lstat(filePath.c_str(), &status) == 0 ? 0 : errno;
+    if (failure == ENOENT && isShared(folderOf(filePath))) {
+        forgetName(filePath);
+        failure = ::lstat(filePath.c_str(), &status) == 0 ? 0 : errno;
+    }
+    if (failure != 0 && failure != ENOENT && failure != ENOTDIR)
+        throw systemError(failure, filePath, "look up");
+    return failure == 0;
 }
 
 void NativeDisk::renameWithoutReplacing(const path& from, const path& to) {
@@ -245,25 +319,29 @@ void NativeDisk::renameWithoutReplacing(const path& from, const path& to) {
 }
 
 void NativeDisk::renameReplacing(const path& from, const path& to) {
-    std::error_code failure;
-    path target = std::filesystem::weakly_canonical(to, failure);
-    if (failure)
-        target = to;
-    if (::rename(from.c_str(), target.c_str()) == 0)
-        return;
-    if (errno != EXDEV)
+    if (::rename(from.c_str(), to.c_str()) != 0)
         throw systemError(errno, from, "rename");
-    // The link leads to another volume: bring the new content there first.
-    path copy = target;
-    copy += ".new";
-    copyDurably(from, copy);
-    if (::rename(copy.c_str(), target.c_str()) != 0) {
-        const int cause = errno;
-        ::unlink(copy.c_str());
-        throw systemError(cause, target, "rename");
+}
+
+path NativeDisk::resolved(const path& filePath) {
+    std::error_code failure;
+    if (!std::filesystem::is_symlink(filePath, failure))
+        return filePath;
+    path target = std::filesystem::canonical(filePath, failure);
+    if (failure)
+        throw systemError(failure.value(), filePath, "follow link");
+    return target;
+}
+
+void NativeDisk::linkAs(const path& pattern, const path& target, const path& filePath) {
+    std::error_code failure;
+    path content = target;
+    if (std::filesystem::read_symlink(pattern, failure).is_relative() && !failure) {
+        const path folder = std::filesystem::canonical(folderOf(filePath), failure);
+        content = failure ? target : target.lexically_relative(folder);
     }
-    syncFolderEntries(folderOf(target));
-    removeTemporary(from);
+    if (::symlink(content.c_str(), filePath.c_str()) != 0)
+        throw systemError(errno, filePath, "link");
 }
 
 void NativeDisk::syncFolder(const path& folder) {
@@ -282,8 +360,15 @@ void NativeDisk::removeTemporary(const path& filePath) {
 } // namespace
 
 compound::Disk& nativeDisk() {
-    static NativeDisk disk;
+    static NativeDisk disk({Volumes::AsTheyAre, systemTime});
+    // A file past the user's limit is an error of the write, not the end of the program.
+    static const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    (void)ignored;
     return disk;
+}
+
+std::unique_ptr<compound::Disk> makeNativeDisk(Volumes volumes, TimeOfDay timeOfDay) {
+    return std::make_unique<NativeDisk>(Surroundings{volumes, timeOfDay});
 }
 
 } // namespace platform

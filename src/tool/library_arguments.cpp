@@ -7,6 +7,8 @@
 #include "platform/native_disk.h"
 #include "store/group_operations.h"
 
+#include <chrono>
+
 namespace tool {
 namespace {
 
@@ -19,8 +21,12 @@ store::TwipSize measure(std::span<const std::byte> bytes) {
     return {picture.facts().twips.height, picture.facts().twips.width};
 }
 
+// A script had rather wait for another program, or another machine, than fail; nobody watches it.
+constexpr std::chrono::seconds kLockWait{5};
+
 store::Library libraryIn(std::filesystem::path folder) {
     store::Library library{platform::nativeDisk(), std::move(folder), measure};
+    library.lockWait = kLockWait;
     library.decimalSeparator = app::decimalSeparator().unicode();
     return library;
 }

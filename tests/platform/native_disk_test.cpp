@@ -1,13 +1,17 @@
 #include "compound/error.h"
+#include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
 #include "platform/own_home.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
 
@@ -129,14 +133,42 @@ TEST_F(NativeDiskTest, renamesWithoutReplacing) {
               ErrorCode::NotFound);
 }
 
-TEST_F(NativeDiskTest, replacesTheTargetOfALinkAndKeepsTheLink) {
-    fs::create_directory(at("elsewhere"));
-    write("elsewhere/real", "old");
-    write("new", "new");
-    fs::create_symlink("elsewhere/real", at("link"));
-    nativeDisk().renameReplacing(at("new"), at("link"));
-    EXPECT_TRUE(fs::is_symlink(at("link")));
-    EXPECT_EQ(read("elsewhere/real"), "new");
+TEST_F(NativeDiskTest, followsAndMakesLinks) {
+    fs::create_directories(at("library"));
+    write("elsewhere/real.stg", "content");
+    fs::create_symlink("../elsewhere/real.stg", at("library/a.stg"));
+    fs::create_symlink("a.stg", at("library/second.stg"));
+    fs::create_symlink(at("elsewhere/real.stg"), at("library/absolute.stg"));
+    fs::create_symlink("gone", at("library/dangling.stg"));
+    const fs::path real = fs::canonical(at("elsewhere/real.stg"));
+    EXPECT_EQ(nativeDisk().resolved(at("library/second.stg")), real);
+    EXPECT_EQ(nativeDisk().resolved(at("elsewhere/real.stg")), at("elsewhere/real.stg"));
+    EXPECT_EQ(codeOf([&] { nativeDisk().resolved(at("library/dangling.stg")); }),
+              ErrorCode::NotFound);
+    nativeDisk().linkAs(at("library/a.stg"), real, at("library/b.stg"));
+    nativeDisk().linkAs(at("library/absolute.stg"), real, at("library/c.stg"));
+    EXPECT_EQ(fs::read_symlink(at("library/b.stg")), "../elsewhere/real.stg");
+    EXPECT_EQ(fs::read_symlink(at("library/c.stg")), real);
+    EXPECT_EQ(read("library/b.stg"), "content");
+    EXPECT_EQ(
+        codeOf([&] { nativeDisk().linkAs(at("library/a.stg"), real, at("library/dangling.stg")); }),
+        ErrorCode::Exists);
+}
+
+// The way round for file systems that cannot rename without replacing.
+TEST_F(NativeDiskTest, renamesByLinkingWithoutReplacing) {
+    write("a", "one");
+    write("b", "two");
+    EXPECT_EQ(codeOf([&] { platform::renameByLinking(at("a"), at("b")); }), ErrorCode::Exists);
+    EXPECT_EQ(read("b"), "two");
+    platform::renameByLinking(at("a"), at("c"));
+    EXPECT_FALSE(fs::exists(at("a")));
+    EXPECT_EQ(read("c"), "one");
+    // The answer to an earlier call was lost on the way.
+    fs::create_hard_link(at("c"), at("d"));
+    platform::renameByLinking(at("c"), at("d"));
+    EXPECT_FALSE(fs::exists(at("c")));
+    EXPECT_EQ(read("d"), "one");
 }
 
 TEST_F(NativeDiskTest, tellsRegularFilesFromTheRestInAFolder) {
@@ -155,13 +187,101 @@ TEST_F(NativeDiskTest, tellsRegularFilesFromTheRestInAFolder) {
     EXPECT_EQ(codeOf([&] { nativeDisk().list(at("none")); }), ErrorCode::NotFound);
 }
 
-TEST_F(NativeDiskTest, copiesPermissions) {
+TEST_F(NativeDiskTest, copiesWhatAFileHasBesideItsContent) {
+    constexpr std::string_view kNote = "drawn by hand";
     write("a", "");
     fs::permissions(at("a"), fs::perms(0640));
+    const bool hasNotes =
+        ::setxattr(at("a").c_str(), "user.note", kNote.data(), kNote.size(), 0) == 0;
     const auto from = nativeDisk().open(at("a"), Access::Read);
-    const auto to = nativeDisk().create(at("b"));
+    const mode_t mask = ::umask(0);
+    const auto to = nativeDisk().createPrivate(at("b"));
+    ::umask(mask);
+    EXPECT_EQ(fs::status(at("b")).permissions(), fs::perms(0600));
     nativeDisk().copyAttributes(*from, *to);
+    to->sync();
     EXPECT_EQ(fs::status(at("b")).permissions(), fs::perms(0640));
+    std::string note(100, '?');
+    const ssize_t length = ::getxattr(at("b").c_str(), "user.note", note.data(), note.size());
+    note.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    EXPECT_EQ(note, hasNotes ? kNote : "");
+}
+
+// An access control list: one more user may read; the folder of the copy hands on another one.
+TEST_F(NativeDiskTest, copiesTheAccessListAndNoneThatWasInherited) {
+    const auto listWithUser = [](std::uint32_t user) {
+        // Version 2; then tag, permissions, id: owner, that user, group, mask, others.
+        struct Entry {
+            std::uint16_t tag, permissions;
+            std::uint32_t id;
+        };
+        const std::array<Entry, 5> entries{
+            {{0x01, 6, ~0U}, {0x02, 4, user}, {0x04, 0, ~0U}, {0x10, 4, ~0U}, {0x20, 0, ~0U}}};
+        std::string list("\x02\0\0\0", 4);
+        return list.append(reinterpret_cast<const char*>(entries.data()), sizeof entries);
+    };
+    const auto listOf = [&](const char* name) {
+        std::string list(200, '?');
+        const ssize_t length =
+            ::getxattr(at(name).c_str(), "system.posix_acl_access", list.data(), list.size());
+        return list.substr(0, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    };
+    write("listed", "");
+    write("plain", "");
+    fs::permissions(at("plain"), fs::perms(0644));
+    fs::create_directory(at("folder"));
+    const std::string list = listWithUser(4711);
+    if (::setxattr(at("listed").c_str(), "system.posix_acl_access", list.data(), list.size(), 0) !=
+        0)
+        GTEST_SKIP() << "the file system has no access lists";
+    const std::string inherited = listWithUser(4712);
+    ASSERT_EQ(::setxattr(at("folder").c_str(), "system.posix_acl_default", inherited.data(),
+                         inherited.size(), 0),
+              0);
+    for (const char* name : {"listed", "plain"}) {
+        const auto from = nativeDisk().open(at(name), Access::Read);
+        const auto to = nativeDisk().createPrivate(at(std::string("folder/") + name));
+        nativeDisk().copyAttributes(*from, *to);
+    }
+    EXPECT_EQ(listOf("folder/listed"), list);
+    EXPECT_EQ(listOf("folder/plain"), "");
+    EXPECT_EQ(fs::status(at("folder/plain")).permissions(), fs::perms(0644));
+}
+
+// A file past the user's limit used to end the program.
+TEST_F(NativeDiskTest, tellsOfAFileThatGrowsPastTheLimit) {
+    const auto file = nativeDisk().create(at("a"));
+    struct rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const struct rlimit small { 4096, before.rlim_max };
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const ErrorCode code = codeOf([&] { file->write(4096, bytesOf("more")); });
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(code, ErrorCode::TooLarge);
+}
+
+std::chrono::nanoseconds timeOfDay{};
+
+// A change within the tick of the last time stamp leaves the stamp as it is.
+TEST_F(NativeDiskTest, callsAFileSettledThreeSecondsAfterItsLastChange) {
+    write("a", "text");
+    struct stat status {};
+    ASSERT_EQ(::stat(at("a").c_str(), &status), 0);
+    const auto changed = std::chrono::seconds(status.st_ctim.tv_sec) +
+                         std::chrono::nanoseconds(status.st_ctim.tv_nsec);
+    const auto disk =
+        platform::makeNativeDisk(platform::Volumes::AsTheyAre, [] { return timeOfDay; });
+    const auto file = disk->open(at("a"), Access::Read);
+    const auto isSettledAfter = [&](std::chrono::nanoseconds time) {
+        timeOfDay = changed + time;
+        EXPECT_TRUE(file->isStillAtPath());
+        const auto identity = file->identity();
+        return identity && identity->settled;
+    };
+    EXPECT_FALSE(isSettledAfter(-std::chrono::hours(1))); // the clock was put back
+    EXPECT_FALSE(isSettledAfter(std::chrono::seconds(0)));
+    EXPECT_FALSE(isSettledAfter(std::chrono::seconds(3)));
+    EXPECT_TRUE(isSettledAfter(std::chrono::seconds(3) + std::chrono::nanoseconds(1)));
 }
 
 // Two groups of one name that are removed one after the other must both be found in the trash.
