@@ -3,6 +3,7 @@
 #include "compound/error.h"
 #include "store/group_layout.h"
 #include "store/group_operations.h"
+#include "store/leftovers.h"
 #include "store/new_group_file.h"
 
 #include <utility>
@@ -62,32 +63,68 @@ void refuseTakenName(const Library& library, const GroupAddress& group, const Gr
     }
 }
 
+// Where a group's file is and where it goes. Behind a link the file lies elsewhere and stays there,
+// under the new name; the link's place is taken by one of the new name.
+struct Move {
+    std::filesystem::path from, to;         // in the library
+    std::filesystem::path fromFile, toFile; // the same, unless they are links
+
+    bool isLinked() const { return from != fromFile; }
+};
+
+Move moveOf(const Library& library, const FileName& file, const GroupName& newName) {
+    Move move;
+    move.from = pathOf(library, file);
+    move.to = plainPathOf(library, {newName.text});
+    move.fromFile = library.disk.resolved(move.from);
+    move.toFile = move.isLinked() ? folderOf(move.fromFile) / move.to.filename() : move.to;
+    return move;
+}
+
+void removeOld(const Library& library, const Move& move) {
+    library.disk.removeTemporary(move.from);
+    if (move.isLinked())
+        library.disk.removeTemporary(move.fromFile);
+}
+
+void removeNew(const Library& library, const Move& move) {
+    if (move.isLinked())
+        library.disk.removeTemporary(move.to);
+    library.disk.removeTemporary(move.toFile);
+}
+
 GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
                               const GroupName& newName) {
-    const std::filesystem::path oldPath = pathOf(library, group.file);
-    const std::filesystem::path newPath = plainPathOf(library, {newName.text});
     StorageAccess old(library);
     old.openGroup(group, Access::Read); // a vanished group is found out here
     refuseTakenName(library, group, newName);
-    if (oldPath == newPath)
+    const Move move = moveOf(library, group.file, newName);
+    if (move.from == move.to)
         return newName;
     refuseTakenStorages(old, group.storage, newName.text);
-    NewGroupFile file(library, newPath);
+    NewGroupFile file(library, move.toFile, NewGroupFile::Content::Copied);
     file.write([&](compound::CompoundFile& content) {
         compound::copyAll(old.file(), content);
         renameTopLevelPair(StorageHandle(content.root()), group.storage, newName.text);
-        library.disk.copyAttributes(old.file().disk(), content.disk());
     });
+    file.takeAttributes(old.file().disk());
+    const MoveRecord record(library, old.file().disk(), group.file, {newName.text});
+    if (move.isLinked() && library.disk.exists(move.to))
+        throw Error(ErrorCode::Exists, move.to, "the file exists");
     try {
         file.publish();
-        library.disk.removeTemporary(oldPath);
+        if (move.isLinked()) {
+            library.disk.linkAs(move.from, move.toFile, move.to);
+            library.disk.syncFolder(library.folder);
+        }
+        removeOld(library, move);
     } catch (const Error&) {
         // The group keeps its old name, and is there once.
         if (file.isPublished())
-            library.disk.removeTemporary(newPath);
+            removeNew(library, move);
         throw;
     }
-    syncPlaceOf(library, newPath);
+    syncPlaceOf(library, move.to);
     return newName;
 }
 
@@ -114,9 +151,10 @@ GroupName renameGroup(const Library& library, const GroupAddress& group, const G
 void compactGroupFile(const Library& library, const std::filesystem::path& path) {
     StorageAccess old(library);
     old.openFile(path, Access::ReadWrite, library.lockWait);
-    NewGroupFile file(library, path);
+    NewGroupFile file(library, library.disk.resolved(path), NewGroupFile::Content::Copied);
     file.write([&](compound::CompoundFile& content) { compound::copyAll(old.file(), content); });
-    file.publishInPlaceOf(old.file().disk());
+    file.takeAttributes(old.file().disk());
+    file.publishReplacing();
 }
 
 } // namespace store

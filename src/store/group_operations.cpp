@@ -30,7 +30,7 @@ GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, 
     const bool isTaken = library.disk.exists(path);
     if (isTaken && ifTaken == IfTaken::Refuse)
         throw Error(ErrorCode::Exists, path, "the group exists already");
-    NewGroupFile file(library, path);
+    NewGroupFile file(library, path, NewGroupFile::Content::Fresh);
     file.write([&](compound::CompoundFile& content) {
         createGroupPair(StorageHandle(content.root()), address.storage, kNoParent, name.text);
     });

@@ -1,6 +1,7 @@
 #include "store/library.h"
 
 #include "compound/error.h"
+#include "store/leftovers.h"
 #include "store/names.h"
 
 #include <algorithm>
@@ -10,9 +11,10 @@ namespace {
 
 constexpr std::size_t kSuffixLength = 4;
 
-std::vector<std::u16string> filesEndingIn(const Library& library, std::u16string_view suffix) {
+std::vector<std::u16string> filesEndingIn(const std::vector<compound::FolderEntry>& entries,
+                                          std::u16string_view suffix) {
     std::vector<std::u16string> names;
-    for (const compound::FolderEntry& entry : library.disk.list(library.folder)) {
+    for (const compound::FolderEntry& entry : entries) {
         std::u16string name = fromPath(entry.name);
         const bool hasBaseName = name.size() > suffix.size();
         if (entry.isRegularFile && hasBaseName && endsWithIgnoringCase(name, suffix))
@@ -20,6 +22,16 @@ std::vector<std::u16string> filesEndingIn(const Library& library, std::u16string
     }
     std::sort(names.begin(), names.end(), listsBefore);
     return names;
+}
+
+std::vector<FileName> groupFilesAmong(const std::vector<compound::FolderEntry>& entries) {
+    std::vector<FileName> files;
+    for (std::u16string& name : filesEndingIn(entries, kGroupFileSuffix)) {
+        name.resize(name.size() - kSuffixLength);
+        files.push_back({std::move(name)});
+    }
+    files.erase(std::unique(files.begin(), files.end()), files.end());
+    return files;
 }
 
 } // namespace
@@ -43,7 +55,8 @@ std::filesystem::path pathOf(const Library& library, const FileName& file) {
         if (library.disk.exists(path))
             return path;
         // "A.STG" is the group file of A as well, on systems that tell the two names apart.
-        for (const std::u16string& other : filesEndingIn(library, kGroupFileSuffix)) {
+        for (const std::u16string& other :
+             filesEndingIn(library.disk.list(library.folder), kGroupFileSuffix)) {
             if (other.substr(0, other.size() - kSuffixLength) == file.text)
                 return library.folder / toPath(other);
         }
@@ -55,18 +68,20 @@ std::filesystem::path pathOf(const Library& library, const FileName& file) {
 }
 
 std::vector<FileName> groupFiles(const Library& library) {
-    std::vector<FileName> files;
-    for (std::u16string& name : filesEndingIn(library, kGroupFileSuffix)) {
-        name.resize(name.size() - kSuffixLength);
-        files.push_back({std::move(name)});
-    }
-    files.erase(std::unique(files.begin(), files.end()), files.end());
+    const std::vector<compound::FolderEntry> entries = library.disk.list(library.folder);
+    std::vector<FileName> files = groupFilesAmong(entries);
+    const bool hasLeftovers = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+        return isFileOfPassage(entry.name);
+    });
+    if (hasLeftovers && clearLeftovers(library, files))
+        return groupFilesAmong(library.disk.list(library.folder));
     return files;
 }
 
 std::vector<std::filesystem::path> damagedFiles(const Library& library) {
     std::vector<std::filesystem::path> files;
-    for (const std::u16string& name : filesEndingIn(library, kDamagedFileSuffix))
+    for (const std::u16string& name :
+         filesEndingIn(library.disk.list(library.folder), kDamagedFileSuffix))
         files.push_back(library.folder / toPath(name));
     return files;
 }

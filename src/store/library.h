@@ -66,7 +66,9 @@ std::filesystem::path pathOf(const Library& library, const FileName& file);
 std::filesystem::path plainPathOf(const Library& library, const FileName& file);
 
 // The group files, by name without regard to case. Only regular files whose last four characters
-// are ".stg" in any case count. Throws NotFound or Denied when the folder cannot be listed.
+// are ".stg" in any case count. What a crashed program has left beside them is cleared away first,
+// where that is possible (store/leftovers.h). Throws NotFound or Denied when the folder cannot be
+// listed.
 std::vector<FileName> groupFiles(const Library& library);
 
 // The files that were set aside as damaged ("*.err"), by name without regard to case.

@@ -1,62 +1,27 @@
 #include "store/new_group_file.h"
 
 #include "compound/error.h"
+#include "store/leftovers.h"
 
-#include <random>
-#include <string>
 #include <utility>
 
 namespace store {
 namespace {
 
-using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 
-constexpr std::string_view kPrefix = ".txs-";
-constexpr std::string_view kSuffix = ".new";
-
-std::string randomName() {
-    static std::mt19937_64 generator{std::random_device{}()};
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    std::string name(kPrefix);
-    for (std::uint64_t rest = generator(), i = 0; i < 16; ++i, rest >>= 4U)
-        name.push_back(kDigits[rest & 0xFU]);
-    return name.append(kSuffix);
-}
-
-bool isTemporaryName(const std::string& name) {
-    return name.size() == kPrefix.size() + 16 + kSuffix.size() && name.starts_with(kPrefix) &&
-           name.ends_with(kSuffix);
-}
-
-// A temporary file whose maker lives is locked; one that can be locked was left by a crash.
-void removeLeftovers(const Library& library, const std::filesystem::path& folder) {
-    for (const compound::FolderEntry& entry : library.disk.list(folder)) {
-        if (!entry.isRegularFile || !isTemporaryName(entry.name.string()))
-            continue;
-        try {
-            const auto file = library.disk.open(folder / entry.name, Access::Read);
-            if (file->lock(std::chrono::milliseconds{0}))
-                library.disk.removeTemporary(folder / entry.name);
-        } catch (const Error&) {
-            // Another program is just removing or publishing it; nothing depends on our removal.
-            continue;
-        }
-    }
-}
-
 } // namespace
 
-NewGroupFile::NewGroupFile(const Library& library, std::filesystem::path target)
+NewGroupFile::NewGroupFile(const Library& library, std::filesystem::path target, Content content)
     : library_(library), target_(std::move(target)) {
-    tellOfTarget([&] { create(); });
+    tellOfTarget([&] { create(content); });
 }
 
-void NewGroupFile::create() {
+void NewGroupFile::create(Content content) {
     const std::filesystem::path folder = folderOf(target_);
-    removeLeftovers(library_, folder);
-    std::unique_ptr<compound::DiskFile> disk = createLocked(folder);
+    removeUnfinishedFiles(library_, folder);
+    std::unique_ptr<compound::DiskFile> disk = createLocked(folder, content);
     try {
         file_.emplace(compound::CompoundFile::create(std::move(disk)));
     } catch (...) {
@@ -66,14 +31,15 @@ void NewGroupFile::create() {
 }
 
 // Between creating and locking, another program may take the file for a leftover and remove it.
-std::unique_ptr<compound::DiskFile>
-NewGroupFile::createLocked(const std::filesystem::path& folder) {
+std::unique_ptr<compound::DiskFile> NewGroupFile::createLocked(const std::filesystem::path& folder,
+                                                               Content content) {
     constexpr int kTries = 10;
     for (int i = 0; i < kTries; ++i) {
-        temporary_ = folder / randomName();
-        std::unique_ptr<compound::DiskFile> disk = library_.disk.create(temporary_);
-        if (disk->lock(library_.lockWait) && disk->isStillAtPath())
-            return disk;
+        temporary_ = folder / nameInTheMaking();
+        auto created = content == Content::Copied ? library_.disk.createPrivate(temporary_)
+                                                  : library_.disk.create(temporary_);
+        if (auto locked = lockNew(library_, std::move(created)))
+            return locked;
     }
     throw Error(ErrorCode::Locked, temporary_, "the file is in use by another program");
 }
@@ -85,7 +51,7 @@ NewGroupFile::~NewGroupFile() {
         file_.reset();
         library_.disk.removeTemporary(temporary_);
     } catch (const std::exception&) {
-        // Left for the next program that makes a group here: see removeLeftovers.
+        // Left for the next program that lists the library: see clearLeftovers.
         published_ = false;
     }
 }
@@ -117,8 +83,11 @@ void NewGroupFile::publish() {
     give([&] { library_.disk.renameWithoutReplacing(temporary_, target_); });
 }
 
-void NewGroupFile::publishInPlaceOf(compound::DiskFile& old) {
-    write([&](compound::CompoundFile& file) { library_.disk.copyAttributes(old, file.disk()); });
+void NewGroupFile::takeAttributes(compound::DiskFile& old) {
+    tellOfTarget([&] { library_.disk.copyAttributes(old, file_->disk()); });
+}
+
+void NewGroupFile::publishReplacing() {
     give([&] { library_.disk.renameReplacing(temporary_, target_); });
 }
 

@@ -15,15 +15,21 @@ namespace store {
 
 class NewGroupFile {
   public:
-    // Creates and locks the temporary file beside `target`. Temporary files that crashed programs
-    // have left in the folder are removed.
-    NewGroupFile(const Library& library, std::filesystem::path target);
+    // What is copied from another file has that file's readers, and until it is given them none.
+    enum class Content { Fresh, Copied };
+
+    // Creates and locks the temporary file beside `target`, which is no link (Disk::resolved).
+    // Temporary files that crashed programs have left in the folder are removed.
+    NewGroupFile(const Library& library, std::filesystem::path target, Content content);
     ~NewGroupFile(); // removes the temporary file unless it was published
     NewGroupFile(const NewGroupFile&) = delete;
     NewGroupFile& operator=(const NewGroupFile&) = delete;
 
     // Hands the file to `build`, which puts content into it.
     void write(const std::function<void(compound::CompoundFile&)>& build);
+
+    // Gives the file the attributes of `old`, once the content is there.
+    void takeAttributes(compound::DiskFile& old);
 
     // Makes the content durable under the temporary name.
     void prepare();
@@ -32,14 +38,15 @@ class NewGroupFile {
     // OutcomeUnknown when the file bears the name, but only until the next power cut perhaps.
     void publish();
 
-    // As publish, but atomically takes the place of `old`, whose permissions it gets.
-    void publishInPlaceOf(compound::DiskFile& old);
+    // As publish, but atomically takes the place of the file that is there.
+    void publishReplacing();
 
     bool isPublished() const { return published_; }
 
   private:
-    void create();
-    std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder);
+    void create(Content content);
+    std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder,
+                                                     Content content);
     void give(const std::function<void()>& rename);
     void tellOfTarget(const std::function<void()>& action) const;
 

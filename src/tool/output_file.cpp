@@ -29,12 +29,14 @@ void refuseTaken(const std::filesystem::path& path, IfFileExists ifExists) {
         throw Error(ErrorCode::Exists, path, "something else than a file stands there");
 }
 
+// A file that is replaced hands its attributes on, so nobody else may read the new one before.
 void writeTemporary(const std::filesystem::path& temporary, const std::filesystem::path& path,
                     std::span<const std::byte> bytes) {
     compound::Disk& disk = platform::nativeDisk();
-    const auto file = disk.create(temporary);
+    const bool replaces = disk.exists(path);
+    const auto file = replaces ? disk.createPrivate(temporary) : disk.create(temporary);
     file->write(0, bytes);
-    if (disk.exists(path))
+    if (replaces)
         disk.copyAttributes(*disk.open(path, compound::Access::Read), *file);
     file->sync();
 }
@@ -56,10 +58,11 @@ void writeOutputFile(const std::filesystem::path& path, std::span<const std::byt
     if (!path.has_filename())
         throw Error(ErrorCode::InvalidName, path, "that is no file's name");
     refuseTaken(path, ifExists);
-    const std::filesystem::path temporary = temporaryBeside(path);
+    const std::filesystem::path target = platform::nativeDisk().resolved(path); // a link stays one
+    const std::filesystem::path temporary = temporaryBeside(target);
     try {
-        writeTemporary(temporary, path, bytes);
-        publish(temporary, path, ifExists);
+        writeTemporary(temporary, target, bytes);
+        publish(temporary, target, ifExists);
     } catch (const Error& error) {
         platform::nativeDisk().removeTemporary(temporary);
         throw Error(error.code(), path, error.cause()); // the user knows of no temporary file

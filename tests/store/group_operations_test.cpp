@@ -265,7 +265,7 @@ TEST_F(GroupTest, WhatFailsInANewFileIsToldOfTheGroupsFile) {
             if (call != failing)
                 return;
             for (const compound::FolderEntry& entry : disk.list("/library"))
-                if (entry.name.string().starts_with(".txs-"))
+                if (entry.name.string().ends_with(".new"))
                     throw compound::Error(ErrorCode::NoSpace, "/library" / entry.name, "full");
         });
         EXPECT_EQ(blamedBy([&] { topGroup(u"New"); }), "/library/New.stg");

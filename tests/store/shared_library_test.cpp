@@ -152,8 +152,8 @@ TEST_F(SharedLibraryTest, MachinesThatTakeTurnsLoseNothing) {
 // Both read again and again what the other has changed in between.
 TEST_F(SharedLibraryTest, ReadingShowsTheOthersLastChange) {
     for (const char* content : {"one", "two", "three"}) {
-        addPicture(first_, plant_, {u"logo"}, source("any.bmp", 15, 15, content),
-                   IfPictureExists::Replace);
+        const auto picture = source(std::string(content) + ".bmp", 15, 15, content);
+        addPicture(first_, plant_, {u"logo"}, picture, IfPictureExists::Replace);
         const StoredPicture seen = readPicture(second_, plant_, {u"logo"});
         EXPECT_EQ(seen.bytes.size(), ("PIC15 15 " + std::string(content)).size());
     }

@@ -257,6 +257,77 @@ TEST_F(ToolTest, ForeignNamesStayOnOneLine) {
     fail({"extract", "Pumps", "x\x1b[2J", "-"}, "x\\x1b[2J");
 }
 
+// A library may gather files that lie elsewhere.
+TEST_F(ToolTest, AGroupBehindALinkStaysWhereItIs) {
+    namespace fs = std::filesystem;
+    succeed({"new-group", "Pumps"});
+    succeed({"add", "Pumps", picture("a.bmp")});
+    succeed({"add", "Pumps", picture("b.bmp", 200, 200)});
+    succeed({"remove-picture", "Pumps", "b"});
+    const fs::path elsewhere = folder() / "elsewhere";
+    fs::create_directory(elsewhere);
+    fs::rename(libraryFolder() / "Pumps.stg", elsewhere / "real.stg");
+    fs::permissions(elsewhere / "real.stg", fs::perms(0600));
+    fs::create_symlink("../elsewhere/real.stg", libraryFolder() / "Pumps.stg");
+
+    const std::uintmax_t before = fs::file_size(elsewhere / "real.stg");
+    succeed({"compact", (libraryFolder() / "Pumps.stg").string()});
+    EXPECT_LT(fs::file_size(elsewhere / "real.stg"), before);
+    EXPECT_EQ(fs::status(elsewhere / "real.stg").permissions(), fs::perms(0600));
+    EXPECT_EQ(fs::read_symlink(libraryFolder() / "Pumps.stg"), "../elsewhere/real.stg");
+
+    succeed({"rename-group", "Pumps", "Works"});
+    EXPECT_EQ(fs::read_symlink(libraryFolder() / "Works.stg"), "../elsewhere/Works.stg");
+    EXPECT_EQ(fs::status(elsewhere / "Works.stg").permissions(), fs::perms(0600));
+    EXPECT_FALSE(fs::is_symlink(libraryFolder() / "Pumps.stg"));
+    EXPECT_FALSE(exists(elsewhere / "real.stg"));
+    EXPECT_EQ(succeed({"pictures", "Works"}).substr(0, 1), "a");
+
+    // Neither name may take another's place, here or there.
+    writeFile(elsewhere / "Taken.stg", "somebody's");
+    fail({"rename-group", "Works", "Taken"}, "Taken.stg");
+    EXPECT_EQ(contentOf(elsewhere / "Taken.stg"), "somebody's");
+    fs::create_symlink("gone", libraryFolder() / "Dangling.stg");
+    fail({"rename-group", "Works", "Dangling"}, "Dangling.stg");
+    EXPECT_FALSE(exists(elsewhere / "Dangling.stg"));
+    EXPECT_EQ(succeed({"pictures", "Works"}).substr(0, 1), "a");
+}
+
+TEST_F(ToolTest, ARenamedFileKeepsItsRights) {
+    succeed({"new-group", "Pumps"});
+    for (const int mode : {0600, 0640, 0666}) {
+        std::filesystem::permissions(libraryFolder() / "Pumps.stg", std::filesystem::perms(mode));
+        succeed({"rename-group", "Pumps", "Works"});
+        succeed({"rename-group", "Works", "Pumps"});
+        EXPECT_EQ(std::filesystem::status(libraryFolder() / "Pumps.stg").permissions(),
+                  std::filesystem::perms(mode));
+    }
+}
+
+// Scripts run where there is no home, and need no temporary folder.
+TEST_F(ToolTest, TheSettingsLibraryNeedsNoTemporaryFolder) {
+    std::ostringstream out;
+    std::ostringstream err;
+    Console console{out, err, ErrorStream::Elsewhere};
+    const std::vector<std::string> words{"groups"};
+    EXPECT_EQ(tool::run(words, console), ExitStatus::Done) << err.str();
+    EXPECT_TRUE(exists(folder() / "home" / "TalvixStudio")) << "the settings were not read";
+    EXPECT_FALSE(exists(folder() / "home" / "tmp"));
+    EXPECT_FALSE(exists(folder() / "home" / "data"));
+}
+
+TEST_F(ToolTest, AnOutputFileBehindALinkIsWrittenThroughIt) {
+    namespace fs = std::filesystem;
+    succeed({"new-group", "Pumps"});
+    const std::string source = picture("a.bmp");
+    succeed({"add", "Pumps", source});
+    writeFile(folder() / "real.bmp", "old");
+    fs::create_symlink("real.bmp", folder() / "link.bmp");
+    succeed({"extract", "Pumps", "a", (folder() / "link.bmp").string(), "--replace"});
+    EXPECT_TRUE(fs::is_symlink(folder() / "link.bmp"));
+    EXPECT_EQ(contentOf(folder() / "real.bmp"), contentOf(source));
+}
+
 TEST_F(ToolTest, ALockedGroupDoesNotHideTheOthers) {
     succeed({"new-group", "Pumps"});
     succeed({"new-group", "Valves"});
@@ -267,7 +338,6 @@ TEST_F(ToolTest, ALockedGroupDoesNotHideTheOthers) {
     EXPECT_EQ(result.status, ExitStatus::Failed);
     EXPECT_EQ(result.out, "Valves/Valves\tValves\t-\t0\t10\n");
     EXPECT_NE(result.err.find("Pumps.stg"), std::string::npos);
-    fail({"add", "Pumps", picture("a.bmp")}, "Pumps.stg");
     EXPECT_TRUE(exists(libraryFolder() / "Pumps.stg")) << "a locked file was set aside";
 }
 

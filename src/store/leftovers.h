@@ -1,0 +1,61 @@
+// The files of passage that stand beside the group files for the time of an operation, and what of
+// them a program has left behind that did not live to the operation's end.
+//
+//   .txs-XXXXXXXXXXXXXXXX.new   a group file in the making (see new_group_file.h)
+//   .txs-XXXXXXXXXXXXXXXX.was   an empty file: a group file is on its way to a new name. The digits
+//                               are a fingerprint of the old file's name, size and header and of
+//                               the new file's name.
+//
+// Whoever makes one holds its lock, so one whose lock is free was left by a crash.
+//
+// Nothing syncs the folder between the record and the new name. A file system that loses the older
+// of two changes in a power cut may leave both groups, each of them whole, as ever.
+#pragma once
+
+#include "store/library.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace store {
+
+// Whether a folder's entry is one of them by its name.
+bool isFileOfPassage(const std::filesystem::path& name);
+
+// A name for a new group file in the making.
+std::string nameInTheMaking();
+
+// Locks a file of passage that was just created; null when another program has taken it for a
+// leftover in between.
+std::unique_ptr<compound::DiskFile> lockNew(const Library& library,
+                                            std::unique_ptr<compound::DiskFile> created);
+
+// Stands for the time in which both names of a group file may be there: from before the new one is
+// given until the old one is gone.
+class MoveRecord {
+  public:
+    // `old`, locked, is the file that goes; `oldFile` and `newFile` are the names.
+    MoveRecord(const Library& library, compound::DiskFile& old, const FileName& oldFile,
+               const FileName& newFile);
+    ~MoveRecord(); // removes the record; whatever is in the way, the next listing does it
+    MoveRecord(const MoveRecord&) = delete;
+    MoveRecord& operator=(const MoveRecord&) = delete;
+
+  private:
+    const Library& library_;
+    std::filesystem::path path_;
+    std::unique_ptr<compound::DiskFile> file_;
+};
+
+// Removes from the folder the group files in the making that nobody makes any more.
+void removeUnfinishedFiles(const Library& library, const std::filesystem::path& folder);
+
+// Clears what crashed programs have left in the library, whose group files are `files`: removes
+// unfinished files and finishes moves. Where both files of a move are there and the old one is as
+// it was, the old one goes. Returns whether one has gone. What is in use, or cannot be changed,
+// stays for the next time; never throws for its sake.
+bool clearLeftovers(const Library& library, const std::vector<FileName>& files);
+
+} // namespace store

@@ -1,0 +1,228 @@
+// What crashed programs leave beside the group files, and what moves do on the way.
+#include "compound/error.h"
+#include "store/store_fixture.h"
+
+#include <gmock/gmock.h>
+#include <map>
+
+namespace store::testing {
+namespace {
+
+using compound::ErrorCode;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+using Files = std::map<std::filesystem::path, std::vector<std::byte>>;
+
+class LeftoversTest : public StoreTest {
+  protected:
+    Files filesNow() {
+        Files files;
+        for (const compound::FolderEntry& entry : disk.list("/library"))
+            files["/library" / entry.name] = disk.content("/library" / entry.name);
+        return files;
+    }
+
+    // The library after each call to the disk in `action`, as a program would leave it that is
+    // killed then.
+    template <typename Action>
+    std::vector<Files> momentsOf(Action action) {
+        std::vector<Files> moments;
+        bool isLooking = false; // which calls the disk, too
+        disk.setInterceptor([&](MemoryDisk::Call call) {
+            if (isLooking || call == MemoryDisk::Call::Read || call == MemoryDisk::Call::Size)
+                return;
+            isLooking = true;
+            moments.push_back(filesNow());
+            isLooking = false;
+        });
+        action();
+        disk.setInterceptor({});
+        moments.push_back(filesNow());
+        return moments;
+    }
+
+    static std::vector<std::string> listingOf(MemoryDisk& other) {
+        std::vector<std::string> names;
+        const Library library{other, "/library", measureText, u'.', std::chrono::milliseconds{0}};
+        for (const FileName& file : groupFiles(library))
+            names.push_back(toUtf8(file.text));
+        return names;
+    }
+
+    static std::vector<std::string> entriesOf(MemoryDisk& other) {
+        std::vector<std::string> names;
+        for (const compound::FolderEntry& entry : other.list("/library"))
+            names.push_back(entry.name.string());
+        return names;
+    }
+
+    static void fill(MemoryDisk& other, const Files& files) {
+        other.makeFolder("/library");
+        for (const auto& [path, content] : files)
+            other.setContent(path, content);
+    }
+
+    // The moment of a move from "Old" to "New" at which both files are there.
+    Files betweenTheNames() {
+        const GroupAddress old = topGroup(u"Old");
+        add(old, u"logo", "logo bytes");
+        for (const Files& files : momentsOf([&] { renameGroup(library, old, {u"New"}); })) {
+            if (files.contains("/library/Old.stg") && files.contains("/library/New.stg"))
+                return files;
+        }
+        ADD_FAILURE() << "there is no such moment";
+        return {};
+    }
+};
+
+TEST_F(LeftoversTest, WheneverAMoveIsKilledTheNextListingShowsTheGroupOnce) {
+    const GroupAddress old = topGroup(u"Old");
+    subGroup(old, u"Below");
+    add(old, u"logo", "logo bytes");
+    topGroup(u"Bystander");
+    std::size_t moved = 0;
+    for (const Files& files : momentsOf([&] { renameGroup(library, old, {u"New"}); })) {
+        MemoryDisk other;
+        fill(other, files);
+        const std::vector<std::string> names = listingOf(other);
+        ASSERT_EQ(names.size(), 2U) << ::testing::PrintToString(names);
+        EXPECT_EQ(names.front(), "Bystander");
+        EXPECT_EQ(entriesOf(other).size(), 2U) << "something is left behind";
+        moved += names.back() == "New" ? 1 : 0;
+    }
+    EXPECT_GT(moved, 1U); // one of them with the old file still there
+    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Bystander"}, FileName{u"New"}));
+}
+
+// Somebody who saw both groups has gone on working in the old one.
+TEST_F(LeftoversTest, AMoveWhoseOldFileHasChangedSinceIsNotFinished) {
+    MemoryDisk other;
+    fill(other, betweenTheNames());
+    {
+        compound::CompoundFile changed = compound::CompoundFile::open(
+            other.open("/library/Old.stg", compound::Access::ReadWrite),
+            compound::Access::ReadWrite);
+        changed.root().openStorage(u"Old").createStream(u"later");
+        changed.commit();
+    }
+    EXPECT_THAT(listingOf(other), ElementsAre("New", "Old"));
+    EXPECT_THAT(entriesOf(other), ::testing::SizeIs(2)) << "the record is still there";
+}
+
+TEST_F(LeftoversTest, AMoveIsNotFinishedWithoutASoundNewFile) {
+    const Files files = betweenTheNames();
+    MemoryDisk other;
+    fill(other, files);
+    std::vector<std::byte> cut = files.at("/library/New.stg");
+    cut.resize(700);
+    other.setContent("/library/New.stg", cut);
+    EXPECT_THAT(listingOf(other), ElementsAre("New", "Old"));
+    // One that is in use is no reason to give up.
+    MemoryDisk busy;
+    fill(busy, files);
+    auto holder = busy.open("/library/New.stg", compound::Access::Read);
+    ASSERT_TRUE(holder->lock(std::chrono::milliseconds{0}));
+    EXPECT_THAT(listingOf(busy), ElementsAre("New", "Old"));
+    holder.reset();
+    EXPECT_THAT(listingOf(busy), ElementsAre("New"));
+}
+
+TEST_F(LeftoversTest, GoWithTheNextListingUnlessTheirMakerLives) {
+    topGroup(u"Plant");
+    for (const char* name : {"/library/.txs-0123456789abcdef.new",
+                             "/library/.txs-0123456789abcdef.was", "/library/.txs-short.new"})
+        disk.create(name);
+    const auto alive = disk.create("/library/.txs-fedcba9876543210.new");
+    ASSERT_TRUE(alive->lock(std::chrono::milliseconds{0}));
+    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
+    EXPECT_FALSE(disk.exists("/library/.txs-0123456789abcdef.new"));
+    EXPECT_FALSE(disk.exists("/library/.txs-0123456789abcdef.was"));
+    EXPECT_TRUE(disk.exists("/library/.txs-fedcba9876543210.new"));
+    EXPECT_TRUE(disk.exists("/library/.txs-short.new")) << "not one of ours";
+}
+
+TEST_F(LeftoversTest, ThatCannotBeRemovedHideNothing) {
+    topGroup(u"Plant");
+    disk.create("/library/.txs-0123456789abcdef.new");
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Lock)
+            throw compound::Error(ErrorCode::Denied, "/library", "told to fail");
+    });
+    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
+    disk.setInterceptor({});
+}
+
+// Notes who may read a new file, and how much of it there was when its readers were set.
+class WatchingDisk : public MemoryDisk {
+  public:
+    std::unique_ptr<compound::DiskFile> create(const std::filesystem::path& path) override {
+        if (path.extension() == ".new")
+            steps.push_back("open to all");
+        return MemoryDisk::create(path);
+    }
+    std::unique_ptr<compound::DiskFile> createPrivate(const std::filesystem::path& path) override {
+        steps.push_back("private");
+        return MemoryDisk::create(path);
+    }
+    void copyAttributes(compound::DiskFile& from, compound::DiskFile& to) override {
+        steps.push_back(from.path().filename().string() +
+                        (to.size() > 50000 ? " to the whole" : " to a part"));
+        MemoryDisk::copyAttributes(from, to);
+    }
+
+    std::vector<std::string> steps;
+};
+
+TEST_F(LeftoversTest, ACopyGetsItsReadersLast) {
+    WatchingDisk watching;
+    watching.makeFolder("/library");
+    const Library watched{watching, "/library", measureText, u'.', std::chrono::milliseconds{0}};
+    const GroupAddress plant = createGroup(watched, std::nullopt, {u"Plant"});
+    EXPECT_THAT(watching.steps, ElementsAre("open to all"));
+    const std::string large = "PIC15 15" + std::string(60000, 'x');
+    watching.setContent("/large.bmp", std::as_bytes(std::span(large)));
+    addPicture(watched, plant, {u"large"}, "/large.bmp");
+    watching.steps.clear();
+    compactGroupFile(watched, "/library/Plant.stg");
+    EXPECT_THAT(watching.steps, ElementsAre("private", "Plant.stg to the whole"));
+    watching.steps.clear();
+    renameGroup(watched, plant, {u"Works"});
+    EXPECT_THAT(watching.steps, ElementsAre("private", "Plant.stg to the whole"));
+}
+
+// Replacing takes the old file away only when the new one is whole.
+TEST_F(LeftoversTest, AGroupThatCannotBeReplacedStaysWhereItIs) {
+    add(topGroup(u"Plant"), u"old");
+    const auto before = disk.content("/library/Plant.stg");
+    for (const MemoryDisk::Call failing : {MemoryDisk::Call::Write, MemoryDisk::Call::Sync}) {
+        disk.setInterceptor([&](MemoryDisk::Call call) {
+            if (call == failing)
+                throw compound::Error(ErrorCode::NoSpace, "/library/Plant.stg", "told to fail");
+        });
+        EXPECT_EQ(
+            errorOf([&] { createGroup(library, std::nullopt, {u"Plant"}, IfTaken::Replace); }),
+            ErrorCode::NoSpace);
+        disk.setInterceptor({});
+        EXPECT_THAT(disk.trashed(), IsEmpty());
+        EXPECT_EQ(disk.content("/library/Plant.stg"), before);
+    }
+}
+
+// A system that tells the two names apart may hold both: the one that this program writes counts.
+TEST_F(LeftoversTest, OfTwoFilesThatDifferInTheSuffixOneCounts) {
+    const GroupAddress plant = topGroup(u"Plant");
+    add(plant, u"ours");
+    const auto others = disk.content("/library/Plant.stg");
+    disk.setContent("/library/Plant.STG", others);
+    add(plant, u"added");
+    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
+    EXPECT_THAT(pictureNames(plant), ElementsAre("ours", "added"));
+    EXPECT_EQ(disk.content("/library/Plant.STG"), others);
+    removeGroupFile(library, {u"Plant"});
+    EXPECT_THAT(disk.trashed(), ElementsAre("/library/Plant.stg"));
+    EXPECT_THAT(pictureNames(plant), ElementsAre("ours")) << "the other one is not reached";
+}
+
+} // namespace
+} // namespace store::testing
