@@ -71,6 +71,11 @@ class DiskFile {
     // opening and locking).
     virtual bool isStillAtPath() = 0;
 
+    // Call it, locked, when the file has lost its path for good and its content lives elsewhere. On
+    // a volume that other machines share, whoever opened it by a remembered name then finds that it
+    // is no longer at its path, whatever the name says; elsewhere nothing happens. Best effort.
+    virtual void retire() noexcept {}
+
     // The file's present state, if the disk can tell for sure; asked for while the lock is held.
     virtual std::optional<FileIdentity> identity() { return std::nullopt; }
 
@@ -89,7 +94,7 @@ class Disk {
     Disk(const Disk&) = delete;
     Disk& operator=(const Disk&) = delete;
 
-    // Opens an existing regular file. NotFound, Denied.
+    // Opens an existing regular file. NotFound, Denied; Locked while another machine replaces it.
     virtual std::unique_ptr<DiskFile> open(const std::filesystem::path& path, Access access) = 0;
 
     // Creates a new file and opens it for reading and writing; Exists when the path is taken.

@@ -62,6 +62,7 @@ class NativeFile final : public DiskFile {
     bool lock(std::chrono::milliseconds wait) override;
     bool isStillAtPath() override;
     std::optional<compound::FileIdentity> identity() override;
+    void retire() noexcept override;
 
     int descriptor() const { return descriptor_.get(); }
 
@@ -167,7 +168,7 @@ bool NativeFile::lock(std::chrono::milliseconds wait) {
 bool NativeFile::isStillAtPath() {
     if (isShared_)
         forgetName(path_);
-    if (isGone_)
+    if (isGone_ || (isShared_ && isRetired(descriptor())))
         return false;
     const bool isThere = isShared_ ? askStatus(path_, named_) : ::stat(path_.c_str(), &named_) == 0;
     if (!isThere) {
@@ -196,6 +197,11 @@ std::optional<compound::FileIdentity> NativeFile::identity() {
                                   sinceEpoch(named_.st_mtim).count(),
                                   changed.count(),
                                   settled};
+}
+
+void NativeFile::retire() noexcept {
+    if (isShared_)
+        markRetired(descriptor());
 }
 
 void NativeFile::takeAttributes(const NativeFile& from) {
@@ -237,18 +243,30 @@ class NativeDisk final : public compound::Disk {
     Surroundings surroundings_;
 };
 
+// A name that still stands for a file that is gone is one of a file that is just being replaced.
+FileDescriptor openAgain(const path& filePath, int flags, struct stat& status) {
+    errno = 0;
+    try {
+        return openRegularFile(filePath, flags, &status);
+    } catch (const Error& error) {
+        if (errno == ESTALE)
+            throw Error(ErrorCode::Locked, filePath, error.cause());
+        throw;
+    }
+}
+
 std::unique_ptr<DiskFile> NativeDisk::open(const path& filePath, Access access) {
     const int flags = access == Access::Read ? O_RDONLY : O_RDWR;
     struct stat status {};
     FileDescriptor descriptor;
     try {
         descriptor = openRegularFile(filePath, flags, &status);
-    } catch (const Error& error) {
-        // Another machine may have made the file since its absence was remembered here.
-        if (error.code() != ErrorCode::NotFound || !isShared(folderOf(filePath)))
+    } catch (const Error&) {
+        // Another machine may have made or replaced the file since its name was remembered here.
+        if (!isShared(folderOf(filePath)))
             throw;
         forgetName(filePath);
-        descriptor = openRegularFile(filePath, flags, &status);
+        descriptor = openAgain(filePath, flags, status);
     }
     return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <linux/magic.h>
+#include <string>
+#include <string_view>
 #include <sys/sysmacros.h>
 #include <sys/vfs.h>
 #include <unistd.h>
@@ -28,6 +30,9 @@ constexpr std::array<std::uint64_t, 13> kSharedKinds{
     FUSE_SUPER_MAGIC, NFS_SUPER_MAGIC,   SMB_SUPER_MAGIC, SMB2_SUPER_MAGIC, CIFS_SUPER_MAGIC,
     V9FS_MAGIC,       CEPH_SUPER_MAGIC,  AFS_SUPER_MAGIC, AFS_FS_MAGIC,     CODA_SUPER_MAGIC,
     NCP_SUPER_MAGIC,  kVirtualBoxFolder, kVmwareFolder};
+
+// Stands in the place of a group file's signature.
+constexpr std::string_view kRetired = "TXS: this file has been replaced";
 
 struct timespec timeOf(const struct statx_timestamp& time) {
     struct timespec result {};
@@ -85,6 +90,21 @@ bool askStatus(const std::filesystem::path& path, struct stat& status) {
 
 bool askStatus(int descriptor, struct stat& status) {
     return ask(descriptor, "", AT_EMPTY_PATH, status);
+}
+
+void markRetired(int descriptor) noexcept {
+    // The handle may be one for reading; the file itself belongs to us, or stays unmarked.
+    const std::string self = "/proc/self/fd/" + std::to_string(descriptor);
+    const FileDescriptor file(::open(self.c_str(), O_WRONLY | O_CLOEXEC));
+    if (file.isOpen() && ::pwrite(file.get(), kRetired.data(), kRetired.size(), 0) > 0)
+        (void)::fdatasync(file.get());
+}
+
+bool isRetired(int descriptor) {
+    std::array<char, kRetired.size()> start{};
+    return ::pread(descriptor, start.data(), start.size(), 0) ==
+               static_cast<ssize_t>(start.size()) &&
+           std::string_view(start.data(), start.size()) == kRetired;
 }
 
 compound::Error lockFailure(int cause, const std::filesystem::path& path) {

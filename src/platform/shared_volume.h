@@ -29,6 +29,11 @@ void forgetContent(int descriptor);
 bool askStatus(const std::filesystem::path& path, struct stat& status);
 bool askStatus(int descriptor, struct stat& status);
 
+// Marks the open file, which has no path any more, as given up, and tells such a file from others.
+// Names are remembered by file systems in user space and by their caches as well; content is not.
+void markRetired(int descriptor) noexcept;
+bool isRetired(int descriptor);
+
 // The error for a lock that could not be taken for `cause` (errno), other than that somebody holds
 // it. Not every shared volume offers locks.
 compound::Error lockFailure(int cause, const std::filesystem::path& path);

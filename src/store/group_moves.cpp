@@ -125,6 +125,7 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
         throw;
     }
     syncPlaceOf(library, move.to);
+    old.file().disk().retire(); // not before no power cut can bring its name back
     return newName;
 }
 
@@ -155,6 +156,7 @@ void compactGroupFile(const Library& library, const std::filesystem::path& path)
     file.write([&](compound::CompoundFile& content) { compound::copyAll(old.file(), content); });
     file.takeAttributes(old.file().disk());
     file.publishReplacing();
+    old.file().disk().retire();
 }
 
 } // namespace store

@@ -4,7 +4,9 @@
 #include "store/names.h"
 #include "store/text_codec.h"
 
+#include <algorithm>
 #include <array>
+#include <thread>
 #include <utility>
 
 namespace store {
@@ -18,6 +20,18 @@ constexpr std::size_t kLongestRecord = 64; // "h", "w", "t", a type code and two
 
 compound::IfExists ifExistsOf(OpenMode mode) {
     return mode == OpenMode::Create ? compound::IfExists::Replace : compound::IfExists::Refuse;
+}
+
+// Null for a file that is being replaced right now.
+std::unique_ptr<compound::DiskFile> tryOpen(compound::Disk& disk, const std::filesystem::path& path,
+                                            compound::Access access) {
+    try {
+        return disk.open(path, access);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Locked)
+            throw;
+        return nullptr;
+    }
 }
 
 } // namespace
@@ -96,17 +110,21 @@ std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
                                                const std::filesystem::path& path,
                                                compound::Access access,
                                                std::chrono::milliseconds wait) {
+    constexpr std::chrono::milliseconds kPause{10}; // for a name that other machines have changed
     std::optional<LockBudget> budget; // started by the first file that was replaced meanwhile
     while (true) {
-        std::unique_ptr<compound::DiskFile> file = disk.open(path, access);
-        if (!file->lock(budget ? budget->remaining() : wait))
-            throw Error(ErrorCode::Locked, path, "the file is in use by another program");
-        if (file->isStillAtPath())
-            return file;
+        if (std::unique_ptr<compound::DiskFile> file = tryOpen(disk, path, access)) {
+            if (!file->lock(budget ? budget->remaining() : wait))
+                throw Error(ErrorCode::Locked, path, "the file is in use by another program");
+            if (file->isStillAtPath())
+                return file;
+        }
         if (!budget)
             budget.emplace(wait);
-        if (budget->remaining().count() == 0)
+        const std::chrono::milliseconds left = budget->remaining();
+        if (left.count() == 0)
             throw Error(ErrorCode::Locked, path, "the file is being replaced by another program");
+        std::this_thread::sleep_for(std::min(left, kPause));
     }
 }
 

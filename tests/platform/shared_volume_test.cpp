@@ -106,6 +106,19 @@ TEST_F(SharedVolumeTest, lookingUpANameChangesNothing) {
     EXPECT_EQ(home_.read("b"), "text");
 }
 
+// Another machine may remember the name of a file that was replaced; its content tells.
+TEST_F(SharedVolumeTest, aRetiredFileIsNoLongerAtItsPath) {
+    home_.write("a", QByteArray(600, 'x'));
+    const auto local = platform::nativeDisk().open(at("a"), Access::ReadWrite);
+    local->retire();
+    EXPECT_EQ(home_.read("a"), QByteArray(600, 'x')) << "no other machine can have opened it";
+    const auto file = disk_->open(at("a"), Access::Read);
+    EXPECT_TRUE(file->isStillAtPath());
+    disk_->open(at("a"), Access::Read)->retire();
+    EXPECT_FALSE(file->isStillAtPath());
+    EXPECT_TRUE(disk_->create(at("b"))->isStillAtPath()) << "an empty one is none";
+}
+
 TEST_F(SharedVolumeTest, asksForWhatStatTells) {
     home_.write("a", "text");
     struct stat told {};
