@@ -253,7 +253,8 @@ QImage readDibPixels(std::span<const std::byte> pixels, const DibHeader& header,
         reader.read(pixels.subspan(at, rowBytes), reinterpret_cast<QRgb*>(image.scanLine(row)),
                     header.width);
     }
-    if (use == DibUse::File && header.masks[3] != 0)
+    const bool isAlphaMeant = header.compression == DibCompression::AlphaBitFields;
+    if (use == DibUse::File && header.masks[3] != 0 && !isAlphaMeant)
         ignoreUnusedAlpha(image);
     return image;
 }

@@ -1,104 +1,14 @@
-// Icons and cursors: a directory of frames, each a bitmap without file header, with a mask of one
-// bit a pixel behind it, or a PNG file.
-// Source: "Icons" (J. Hornick, Microsoft, 1995); PNG frames as in [MS-ICO]-era documentation of
-// ICONDIRENTRY.
+// Icons and cursors: the best frame that can be decoded.
 #include "imaging/decoders.h"
-#include "imaging/dib_reader.h"
-#include "imaging/new_image.h"
+#include "imaging/icon_directory.h"
 
 #include <algorithm>
-#include <array>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace imaging {
 
 namespace {
 
-constexpr std::size_t kDirectory = 6;
-constexpr std::size_t kEntry = 16;
-constexpr std::uint16_t kCursorType = 2;
-constexpr std::array<std::uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
-
-struct Frame {
-    std::span<const std::byte> data;
-    QPoint hotSpot;
-    QSize size;
-    int bitsPerPixel = 0;
-    bool isPng = false;
-
-    qint64 area() const { return qint64{size.width()} * size.height(); }
-};
-
-bool isPng(std::span<const std::byte> data) {
-    return data.size() >= kPngSignature.size() &&
-           std::equal(kPngSignature.begin(), kPngSignature.end(), data.begin(),
-                      [](std::uint8_t one, std::byte other) {
-                          return one == std::to_integer<std::uint8_t>(other);
-                      });
-}
-
-std::uint32_t bigEndian32(const ByteReader& in, std::size_t at) {
-    return std::uint32_t{in.u8(at)} << 24U | std::uint32_t{in.u8(at + 1)} << 16U |
-           std::uint32_t{in.u8(at + 2)} << 8U | in.u8(at + 3);
-}
-
-// Size and depth from the picture itself; what the directory says of them is often wrong.
-void measureFrame(Frame& frame) {
-    const ByteReader in(frame.data);
-    frame.isPng = isPng(frame.data);
-    if (frame.isPng) {
-        constexpr std::size_t kWidthAt = 16; // behind signature, length and "IHDR"
-        const std::uint32_t width = bigEndian32(in, kWidthAt);
-        const std::uint32_t height = bigEndian32(in, kWidthAt + 4);
-        requireSensibleSize(width, height);
-        frame.size = {static_cast<int>(width), static_cast<int>(height)};
-        frame.bitsPerPixel = 32;
-        return;
-    }
-    const DibHeader header = readDibHeader(frame.data, DibUse::IconFrame);
-    frame.size = {header.width, header.height};
-    frame.bitsPerPixel = header.bitsPerPixel;
-}
-
-struct Icon {
-    PictureKind kind = PictureKind::Ico;
-    std::vector<Frame> frames; // the best first
-};
-
-// All frames that can be measured; largest area first, then greatest depth.
-Icon readDirectory(std::span<const std::byte> bytes) {
-    const ByteReader in(bytes);
-    Icon icon;
-    const bool isCursor = in.u16(2) == kCursorType;
-    icon.kind = isCursor ? PictureKind::Cur : PictureKind::Ico;
-    const std::size_t count = in.u16(4);
-    std::string cause = "the icon holds no picture";
-    for (std::size_t i = 0; i < count && in.has(kDirectory + i * kEntry, kEntry); ++i) {
-        const std::size_t at = kDirectory + i * kEntry;
-        Frame frame;
-        frame.data = in.rest(in.u32(at + 12)); // the stated length is often wrong
-        if (isCursor)
-            frame.hotSpot = {in.u16(at + 4), in.u16(at + 6)};
-        try {
-            measureFrame(frame);
-            icon.frames.push_back(frame);
-        } catch (const DecodeError& error) {
-            cause = error.what();
-        }
-    }
-    if (icon.frames.empty())
-        throw DecodeError(cause);
-    std::stable_sort(icon.frames.begin(), icon.frames.end(),
-                     [](const Frame& one, const Frame& other) {
-                         return one.area() != other.area() ? one.area() > other.area()
-                                                           : one.bitsPerPixel > other.bitsPerPixel;
-                     });
-    return icon;
-}
-
-PictureFacts factsOf(const Icon& icon, const Frame& frame) {
+PictureFacts factsOf(const IconDirectory& icon, const IconFrame& frame) {
     PictureFacts facts = rasterFacts(icon.kind, frame.size, frame.bitsPerPixel);
     if (icon.kind == PictureKind::Cur)
         facts.hotSpot = {std::clamp(frame.hotSpot.x(), 0, frame.size.width() - 1),
@@ -106,71 +16,17 @@ PictureFacts factsOf(const Icon& icon, const Frame& frame) {
     return facts;
 }
 
-bool hasAnyAlpha(const QImage& image) {
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
-            return true;
-    }
-    return false;
-}
-
-// A set bit of the mask lets the background through. Rows that are missing hide nothing.
-void applyMask(QImage& image, std::span<const std::byte> mask, bool topDown) {
-    const std::size_t rowBytes = dibRowBytes(image.width(), 1);
-    for (int y = 0; y < image.height(); ++y) {
-        const std::size_t at = rowBytes * static_cast<std::size_t>(y);
-        const int row = topDown ? y : image.height() - 1 - y;
-        auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(row));
-        for (int x = 0; x < image.width(); ++x) {
-            const std::size_t byte = at + static_cast<std::size_t>(x / 8);
-            const unsigned bit = 0x80U >> static_cast<unsigned>(x % 8);
-            const bool hidden =
-                byte < mask.size() && (std::to_integer<unsigned>(mask[byte]) & bit) != 0;
-            pixels[x] = hidden ? qRgba(0, 0, 0, 0) : pixels[x] | 0xFF000000U;
-        }
-    }
-}
-
-QImage decodeDibFrame(const Frame& frame) {
-    const DibHeader header = readDibHeader(frame.data, DibUse::IconFrame);
-    QImage image = readDibPixels(frame.data, header, header.pixelsAt, DibUse::IconFrame);
-    if (header.bitsPerPixel == 32 && hasAnyAlpha(image))
-        return image;
-    const std::size_t pixels =
-        dibRowBytes(header.width, header.bitsPerPixel) * static_cast<std::size_t>(header.height);
-    applyMask(image, ByteReader(frame.data).rest(header.pixelsAt + pixels), header.topDown);
-    return image;
-}
-
-QImage decodePngFrame(const Frame& frame) {
-    const std::optional<QImage> image = readEmbedded(frame.data, "PNG", frame.size);
-    if (!image)
-        throw DecodeError("the icon's PNG picture cannot be read");
-    return *image;
-}
-
 } // namespace
 
 PictureFacts measureIcon(std::span<const std::byte> bytes) {
-    const Icon icon = readDirectory(bytes);
+    const IconDirectory icon = readIconDirectory(bytes);
     return factsOf(icon, icon.frames.front());
 }
 
 RasterPicture decodeIcon(std::span<const std::byte> bytes) {
-    constexpr std::size_t kMostTries = 16; // a hostile directory names very many broken frames
-    const Icon icon = readDirectory(bytes);
-    std::string cause;
-    for (std::size_t i = 0; i < std::min(kMostTries, icon.frames.size()); ++i) {
-        const Frame& frame = icon.frames[i];
-        try {
-            return {factsOf(icon, frame),
-                    frame.isPng ? decodePngFrame(frame) : decodeDibFrame(frame)};
-        } catch (const DecodeError& error) {
-            cause = error.what();
-        }
-    }
-    throw DecodeError(cause);
+    const IconDirectory icon = readIconDirectory(bytes);
+    const ShownFrame shown = decodeShownFrame(icon);
+    return {factsOf(icon, shown.frame), shown.image};
 }
 
 } // namespace imaging

@@ -194,12 +194,8 @@ TEST(JpgDecoder, OrientationTurnsPictureAndMeasure) {
     QImage image(16, 8, QImage::Format_RGB32);
     image.fill(Qt::white);
     image.fill(QColor(200, 30, 30));
-    Bytes plain = encoded(image, "JPG");
-    Bytes exif;
-    putBytes(exif, {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0});
-    putBytes(exif, {1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0});
-    Bytes turned(plain.begin(), plain.begin() + 2);
-    turned = joined(joined(turned, exif), Bytes(plain.begin() + 2, plain.end()));
+    const Bytes plain = encoded(image, "JPG");
+    const Bytes turned = turnedJpg(image);
     EXPECT_EQ(measure(plain).pixels, QSize(16, 8));
     EXPECT_EQ(measure(turned).pixels, QSize(8, 16));
     EXPECT_EQ(decode(turned).image.size(), QSize(8, 16));

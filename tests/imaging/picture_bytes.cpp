@@ -142,6 +142,15 @@ Bytes encoded(const QImage& image, const char* format) {
     return {begin, begin + data.size()};
 }
 
+Bytes turnedJpg(const QImage& image) {
+    const Bytes plain = encoded(image, "JPG");
+    Bytes exif;
+    putBytes(exif, {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0});
+    putBytes(exif, {1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, 6, 0, 0, 0, 0, 0, 0, 0});
+    const Bytes start(plain.begin(), plain.begin() + 2);
+    return joined(joined(start, exif), Bytes(plain.begin() + 2, plain.end()));
+}
+
 std::vector<Bytes> oneOfEachKind() {
     QImage plain(12, 9, QImage::Format_ARGB32);
     plain.fill(qRgb(200, 40, 90));

@@ -58,6 +58,9 @@ Bytes gifFile(const Gif& gif);
 
 Bytes encoded(const QImage& image, const char* format);
 
+// A JPG that its EXIF data turn by a quarter.
+Bytes turnedJpg(const QImage& image);
+
 // One sound picture of every kind that is decoded or measured.
 std::vector<Bytes> oneOfEachKind();
 
