@@ -11,10 +11,13 @@ namespace {
 
 enum class Takes : std::uint8_t { Nothing, Value };
 
+enum class Given : std::uint8_t { Once, AnyTimes };
+
 struct OptionForm {
     std::string_view text;
     Option option;
     Takes takes;
+    Given given = Given::Once;
 };
 
 constexpr std::array kOptions{
@@ -25,6 +28,16 @@ constexpr std::array kOptions{
     OptionForm{"--below", Option::Below, Takes::Value},
     OptionForm{"--width", Option::Width, Takes::Value},
     OptionForm{"--height", Option::Height, Takes::Value},
+    OptionForm{"--flip", Option::Flip, Takes::Nothing, Given::AnyTimes},
+    OptionForm{"--reverse", Option::Reverse, Takes::Nothing, Given::AnyTimes},
+    OptionForm{"--rotate", Option::Rotate, Takes::Value, Given::AnyTimes},
+    OptionForm{"--grow", Option::Grow, Takes::Nothing, Given::AnyTimes},
+    OptionForm{"--fill", Option::Fill, Takes::Value, Given::AnyTimes},
+    OptionForm{"--hue", Option::Hue, Takes::Value, Given::AnyTimes},
+    OptionForm{"--saturation", Option::Saturation, Takes::Value, Given::AnyTimes},
+    OptionForm{"--contrast", Option::Contrast, Takes::Value, Given::AnyTimes},
+    OptionForm{"--intensity", Option::Intensity, Takes::Value, Given::AnyTimes},
+    OptionForm{"--invert", Option::Invert, Takes::Nothing, Given::AnyTimes},
     OptionForm{"--help", Option::Help, Takes::Nothing},
     OptionForm{"--version", Option::Version, Takes::Nothing},
 };
@@ -49,20 +62,28 @@ std::string textOf(Option option) {
     return std::string(found->text);
 }
 
+bool Arguments::has(Option option) const {
+    return std::any_of(options.begin(), options.end(),
+                       [&](const GivenOption& given) { return given.option == option; });
+}
+
 std::string Arguments::valueOf(Option option) const {
-    const auto found = options.find(option);
-    return found == options.end() ? std::string() : found->second;
+    const auto found = std::find_if(options.begin(), options.end(), [&](const GivenOption& given) {
+        return given.option == option;
+    });
+    return found == options.end() ? std::string() : found->value;
 }
 
 int Arguments::numberOf(Option option, int maximum) const {
-    if (!has(option))
-        return 0;
-    const std::string text = valueOf(option);
+    return has(option) ? wholeNumber(option, valueOf(option), 1, maximum) : 0;
+}
+
+int wholeNumber(Option option, const std::string& text, int least, int most) {
     int number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size() || number < 1 || number > maximum)
-        throw UsageError(textOf(option) + " wants a whole number from 1 to " +
-                         std::to_string(maximum) + ", not \"" + text + "\"");
+    if (error != std::errc() || end != text.data() + text.size() || number < least || number > most)
+        throw UsageError(textOf(option) + " wants a whole number from " + std::to_string(least) +
+                         " to " + std::to_string(most) + ", not \"" + text + "\"");
     return number;
 }
 
@@ -93,8 +114,9 @@ Arguments parseArguments(std::span<const std::string> commandLine) {
         } else {
             throw UsageError(std::string(form.text) + " wants a value");
         }
-        if (!arguments.options.emplace(form.option, std::move(value)).second)
+        if (form.given == Given::Once && arguments.has(form.option))
             throw UsageError(std::string(form.text) + " is given twice");
+        arguments.options.push_back({form.option, std::move(value)});
     }
     return arguments;
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -24,6 +23,16 @@ enum class Option : std::uint8_t {
     Below,
     Width,
     Height,
+    Flip,
+    Reverse,
+    Rotate,
+    Grow,
+    Fill,
+    Hue,
+    Saturation,
+    Contrast,
+    Intensity,
+    Invert,
     Help,
     Version,
 };
@@ -31,11 +40,16 @@ enum class Option : std::uint8_t {
 // The option as typed, with its two hyphens.
 std::string textOf(Option option);
 
-struct Arguments {
-    std::vector<std::string> words;        // the command's name first; bytes as typed
-    std::map<Option, std::string> options; // value of each given option; empty for a plain switch
+struct GivenOption {
+    Option option = Option::Help;
+    std::string value; // empty for a plain switch
+};
 
-    bool has(Option option) const { return options.contains(option); }
+struct Arguments {
+    std::vector<std::string> words;   // the command's name first; bytes as typed
+    std::vector<GivenOption> options; // in the order given
+
+    bool has(Option option) const;
 
     // The option's value, or the empty text.
     std::string valueOf(Option option) const;
@@ -45,8 +59,13 @@ struct Arguments {
     int numberOf(Option option, int maximum) const;
 };
 
+// `text`, the option's value, as a whole number from `least` to `most`; UsageError for anything
+// else.
+int wholeNumber(Option option, const std::string& text, int least, int most);
+
 // Options may stand anywhere, as "--name VALUE" or "--name=VALUE"; "--" ends them; a lone "-" is a
-// plain word. UsageError for unknown, repeated or incomplete options.
+// plain word. UsageError for unknown or incomplete options, and for
+// repeated ones that are no operations on a picture.
 Arguments parseArguments(std::span<const std::string> commandLine);
 
 } // namespace tool

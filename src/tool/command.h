@@ -58,6 +58,7 @@ ExitStatus removePicture(const Invocation& invocation);
 ExitStatus checkFiles(const Invocation& invocation);
 ExitStatus compactFile(const Invocation& invocation);
 ExitStatus renderPicture(const Invocation& invocation);
+ExitStatus convertPicture(const Invocation& invocation);
 
 // Runs one command line (without the program's name). Everything that goes wrong is told on
 // console.err, naming the file and the cause; nothing is thrown.

@@ -139,6 +139,15 @@ std::span<const Command> commands() {
          2,
          {Option::Width, Option::Height, Option::Replace},
          renderPicture},
+        {"convert",
+         "IN OUT [--width N] [OPERATION...] [--replace]",
+         "write a picture file of any of the seven types, edited, in the type of OUT's name",
+         2,
+         2,
+         {Option::Width, Option::Flip, Option::Reverse, Option::Rotate, Option::Grow, Option::Fill,
+          Option::Hue, Option::Saturation, Option::Contrast, Option::Intensity, Option::Invert,
+          Option::Replace},
+         convertPicture},
     };
     return all;
 }

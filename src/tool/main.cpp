@@ -6,6 +6,7 @@
 #include <QLoggingCategory>
 
 #include <algorithm>
+#include <array>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -16,7 +17,9 @@ namespace {
 // Only a command that paints text needs the fonts, and their start takes longer than most commands.
 std::unique_ptr<QCoreApplication> makeApplication(const std::vector<std::string>& commandLine,
                                                   int& argc, char** argv) {
-    if (std::find(commandLine.begin(), commandLine.end(), "render") == commandLine.end())
+    constexpr std::array kPainting{"render", "convert"};
+    if (std::find_first_of(commandLine.begin(), commandLine.end(), kPainting.begin(),
+                           kPainting.end()) == commandLine.end())
         return std::make_unique<QCoreApplication>(argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen"); // works without a display, and shows nothing on one
     return std::make_unique<QGuiApplication>(argc, argv);
