@@ -41,8 +41,8 @@ RasterPicture decodeGif(std::span<const std::byte> bytes);
 PictureFacts measureJpg(std::span<const std::byte> bytes);
 RasterPicture decodeJpg(std::span<const std::byte> bytes);
 
-// A JPG or PNG picture inside another file, as ARGB32, through Qt's reader. `size` has been
-// checked; nullopt when the bytes cannot be read or are of another size.
+// A JPG or PNG picture inside another file, as ARGB32. `size` has been checked; nullopt when the
+// bytes cannot be read or are of another size.
 std::optional<QImage> readEmbedded(std::span<const std::byte> bytes, const char* format,
                                    QSize size);
 

@@ -181,11 +181,8 @@ struct RowReader {
 
 // A mask that promises alpha in a picture all of whose pixels have none left it unused.
 void ignoreUnusedAlpha(QImage& image) {
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
-            return;
-    }
+    if (hasAnyAlpha(image))
+        return;
     for (int y = 0; y < image.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
         std::transform(row, row + image.width(), row,
@@ -194,6 +191,15 @@ void ignoreUnusedAlpha(QImage& image) {
 }
 
 } // namespace
+
+bool hasAnyAlpha(const QImage& image) {
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
+            return true;
+    }
+    return false;
+}
 
 std::size_t dibRowBytes(int width, int bits) {
     return (static_cast<std::size_t>(width) * static_cast<std::size_t>(bits) + 31) / 32 * 4;

@@ -41,6 +41,10 @@ enum class DibUse { File, IconFrame, Blend };
 // Reads and checks the header that begins `bytes`; the size is checked against the limit.
 DibHeader readDibHeader(std::span<const std::byte> bytes, DibUse use);
 
+// Whether any pixel of an ARGB32 image is not wholly transparent. Where none is, the writer left
+// alpha unused.
+bool hasAnyAlpha(const QImage& image);
+
 // Bytes of one row of `bits` bits a pixel, padded to four bytes.
 std::size_t dibRowBytes(int width, int bits);
 

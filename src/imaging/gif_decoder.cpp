@@ -134,7 +134,22 @@ std::vector<QRgb> coloursOf(const GifFileType* gif, int transparent) {
     return colours;
 }
 
-// Paints the rows that can be read; returns how many there were.
+// The part of a row from `left` on, as far as the screen goes.
+void paint(std::span<const GifPixelType> part, const GifImageDesc& picture, QPoint at,
+           const std::vector<QRgb>& colours, QImage& screen) {
+    const int y = picture.Top + at.y();
+    if (y >= screen.height())
+        return;
+    auto* out = reinterpret_cast<QRgb*>(screen.scanLine(y));
+    int x = picture.Left + at.x();
+    for (const GifPixelType pixel : part) {
+        if (x >= screen.width())
+            return;
+        out[x++] = colours[pixel];
+    }
+}
+
+// Paints the rows that can be read as a whole; returns how many there were.
 int readRows(GifFileType* gif, const std::vector<QRgb>& colours, QImage& screen) {
     const GifImageDesc& picture = gif->Image;
     std::vector<GifPixelType> line(static_cast<std::size_t>(picture.Width));
@@ -142,14 +157,26 @@ int readRows(GifFileType* gif, const std::vector<QRgb>& colours, QImage& screen)
     for (Rows rows(picture); !rows.isDone(); rows.next(), ++count) {
         if (DGifGetLine(gif, line.data(), picture.Width) == GIF_ERROR)
             break;
-        const int y = picture.Top + rows.row();
-        if (y >= screen.height())
-            continue;
-        auto* out = reinterpret_cast<QRgb*>(screen.scanLine(y));
-        for (int x = 0; x < picture.Width && picture.Left + x < screen.width(); ++x)
-            out[picture.Left + x] = colours[line[static_cast<std::size_t>(x)]];
+        paint(line, picture, {0, rows.row()}, colours, screen);
     }
     return count;
+}
+
+// giflib tells a row that is cut short by failing, and not how much of it there is: behind the
+// whole rows, which are read once more, the pixels are asked for one by one.
+void readCutRow(std::span<const std::byte> bytes, int wholeRows, const std::vector<QRgb>& colours,
+                QImage& screen) {
+    Source source{bytes};
+    const Gif gif = openGif(source);
+    findFirstPicture(gif.get());
+    const GifImageDesc& picture = gif->Image;
+    std::vector<GifPixelType> line(static_cast<std::size_t>(picture.Width));
+    Rows rows(picture);
+    for (int row = 0; row < wholeRows; ++row, rows.next())
+        DGifGetLine(gif.get(), line.data(), picture.Width);
+    GifPixelType pixel = 0;
+    for (int x = 0; x < picture.Width && DGifGetLine(gif.get(), &pixel, 1) == GIF_OK; ++x)
+        paint({&pixel, 1}, picture, {x, rows.row()}, colours, screen);
 }
 
 PictureFacts factsOf(const GifFileType* gif) {
@@ -172,8 +199,10 @@ RasterPicture decodeGif(std::span<const std::byte> bytes) {
     const int transparent = findFirstPicture(gif.get());
     const PictureFacts facts = factsOf(gif.get());
     QImage screen = newImage(facts.pixels, QImage::Format_ARGB32);
-    if (readRows(gif.get(), coloursOf(gif.get(), transparent), screen) == 0)
-        throw DecodeError("the GIF picture's rows cannot be read");
+    const std::vector<QRgb> colours = coloursOf(gif.get(), transparent);
+    const int whole = readRows(gif.get(), colours, screen);
+    if (whole < gif->Image.Height)
+        readCutRow(bytes, whole, colours, screen);
     return {facts, screen};
 }
 

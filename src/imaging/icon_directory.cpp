@@ -7,25 +7,15 @@
 #include "imaging/decoders.h"
 #include "imaging/dib_reader.h"
 #include "imaging/new_image.h"
+#include "imaging/png_reader.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <string>
 
 namespace imaging {
 
 namespace {
-
-constexpr std::array<std::uint8_t, 8> kPngSignature = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A};
-
-bool isPng(std::span<const std::byte> data) {
-    return data.size() >= kPngSignature.size() &&
-           std::equal(kPngSignature.begin(), kPngSignature.end(), data.begin(),
-                      [](std::uint8_t one, std::byte other) {
-                          return one == std::to_integer<std::uint8_t>(other);
-                      });
-}
 
 std::uint32_t bigEndian32(const ByteReader& in, std::size_t at) {
     return std::uint32_t{in.u8(at)} << 24U | std::uint32_t{in.u8(at + 1)} << 16U |
@@ -48,15 +38,6 @@ void measureFrame(IconFrame& frame) {
     const DibHeader header = readDibHeader(frame.data, DibUse::IconFrame);
     frame.size = {header.width, header.height};
     frame.bitsPerPixel = header.bitsPerPixel;
-}
-
-bool hasAnyAlpha(const QImage& image) {
-    for (int y = 0; y < image.height(); ++y) {
-        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
-            return true;
-    }
-    return false;
 }
 
 // A set bit of the mask lets the background through. Rows that are missing hide nothing.

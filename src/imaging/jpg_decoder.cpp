@@ -2,6 +2,7 @@
 #include "imaging/byte_reader.h"
 #include "imaging/decoders.h"
 #include "imaging/new_image.h"
+#include "imaging/quiet_reading.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -91,6 +92,7 @@ struct Reader {
         return rasterFacts(PictureKind::Jpg, size, gray ? 8 : 24);
     }
 
+    QuietReading quiet;
     QByteArray data;
     QBuffer buffer;
     QImageReader reader;

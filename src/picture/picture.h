@@ -3,6 +3,10 @@
 //
 // Errors: DecodeError; nothing else escapes for the bytes' sake. Sizes are checked before memory is
 // taken. Neither measure() nor decode() needs a QGuiApplication.
+//
+// Threads: sniff(), measure() and decode() may be called by any number at once. A Picture belongs
+// to one thread at a time, because it keeps what it drew last; a copy of it is independent. Threads
+// that draw metafiles must end before the QGuiApplication does.
 #pragma once
 
 #include "imaging/picture_facts.h"
@@ -25,7 +29,6 @@ using imaging::kMaximumPixels;
 using imaging::PictureFacts;
 using imaging::PictureKind;
 using imaging::TwipSize;
-using imaging::typeCodeOf;
 
 class Picture {
   public:

@@ -63,6 +63,22 @@ TEST(BmpDecoder, IndexedPixelsOfEveryDepth) {
     EXPECT_EQ(pixelsOf(file(8, outside)), (Pixels{kRed, kBlack, kBlue, kWhite}));
 }
 
+TEST(BmpDecoder, APaletteEndsWhereThePixelsBegin) {
+    Bytes palette;
+    for (const std::uint32_t colour : {0xFF0000U, 0x00FF00U})
+        put32(palette, colour);
+    Bytes row;
+    putBytes(row, {0, 1, 2, 3}); // two of them colours only if the pixels were some
+    for (const std::uint32_t stated : {0U, 4U, 256U, 0xFFFFFFFFU})
+        EXPECT_EQ(pixelsOf(bmpFile(joined(infoHeader({4, 1, 8, 0, stated}), palette), row)),
+                  (Pixels{kRed, kGreen, kBlack, kBlack}))
+            << stated;
+    Bytes runs;
+    putBytes(runs, {2, 1, 2, 200, 0, 1});
+    EXPECT_EQ(pixelsOf(bmpFile(joined(infoHeader({4, 1, 8, 1, 2}), palette), runs)),
+              (Pixels{kGreen, kGreen, kBlack, kBlack}));
+}
+
 TEST(BmpDecoder, OldHeadersHaveSmallColours) {
     Bytes core;
     put32(core, 12);
@@ -188,6 +204,17 @@ TEST(GifDecoder, ACutPictureShowsTheRowsThatAreThere) {
     const Pixels pixels = pixelsOf(file);
     EXPECT_EQ(pixels.front(), kRed);
     EXPECT_EQ(pixels.back(), 0U);
+}
+
+TEST(GifDecoder, ARowThatIsCutShowsThePixelsThatAreThere) {
+    Bytes file = gifFile({4000, 1, 0, 0, 4000, 1, false, -1, std::vector<int>(4000, 1)});
+    const Bytes header(file.begin(), file.begin() + 40);
+    file.resize(file.size() / 2);
+    const Pixels pixels = pixelsOf(file);
+    EXPECT_EQ(pixels.front(), kRed);
+    EXPECT_EQ(pixels.at(1000), kRed);
+    EXPECT_EQ(pixels.back(), 0U);
+    EXPECT_EQ(pixelsOf(header), Pixels(4000)) << "nothing there but the frame";
 }
 
 TEST(JpgDecoder, OrientationTurnsPictureAndMeasure) {

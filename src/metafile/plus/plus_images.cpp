@@ -2,6 +2,8 @@
 
 #include "imaging/decoders.h"
 #include "imaging/new_image.h"
+#include "imaging/png_reader.h"
+#include "imaging/quiet_reading.h"
 #include "metafile/plus/plus_fields.h"
 #include "metafile/records/bitmap_reader.h"
 
@@ -50,6 +52,12 @@ QImage inArgb(QImage image) {
 }
 
 QImage readCompressed(std::span<const std::byte> bytes) {
+    if (imaging::isPng(bytes)) {
+        const QSize size = imaging::measurePng(bytes);
+        requireModest(size.width(), size.height());
+        return imaging::readPng(bytes);
+    }
+    const imaging::QuietReading quiet;
     QImageReader::setAllocationLimit(imaging::kAllocationLimit);
     QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
                                               static_cast<qsizetype>(bytes.size()));
