@@ -1,6 +1,5 @@
 // Texts of a group file (`Name`, `Parent`, records): Windows-1252, one byte a character, without
 // prefix or terminator.
-// Table: https://www.unicode.org/Public/MAPPINGS/VENDORS/MICSFT/WindowsBestFit/bestfit1252.txt
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,7 @@
 #include "metafile/text/character_sets.h"
 
+#include "store/windows_1252.h"
+
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -36,13 +38,6 @@ constexpr std::array kCodePages{
     CodePage{255, Width::OneByte, "ibm-437"},
 };
 constexpr std::uint8_t kShiftJis = 128;
-
-// Where Windows-1252 differs from Latin-1: 0x80 to 0x9F.
-constexpr std::array<char16_t, 32> kWindows1252{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
-};
 
 const CodePage* codePageOf(std::uint8_t characterSet) {
     const auto* found = std::ranges::find(kCodePages, characterSet, &CodePage::characterSet);
@@ -114,7 +109,7 @@ DecodedText symbolText(std::span<const std::byte> bytes) {
 DecodedText windows1252Text(std::span<const std::byte> bytes) {
     TextBuilder builder(bytes.size());
     for (std::size_t at = 0; at < bytes.size(); ++at)
-        builder.append(windows1252(std::to_integer<std::uint8_t>(bytes[at])), at);
+        builder.append(store::windows1252(std::to_integer<std::uint8_t>(bytes[at])), at);
     return builder.take();
 }
 
@@ -131,7 +126,7 @@ DecodedText codePageText(std::span<const std::byte> bytes, const CodePage& page,
         const QString text =
             length <= bytes.size() - at ? decoder.decode(bytes.subspan(at, length)) : QString();
         if (text.isEmpty()) { // the second byte, if any, may well be a character by itself
-            builder.append(windows1252(byte), at++);
+            builder.append(store::windows1252(byte), at++);
         } else {
             builder.append(text, at);
             at += length;
@@ -141,10 +136,6 @@ DecodedText codePageText(std::span<const std::byte> bytes, const CodePage& page,
 }
 
 } // namespace
-
-char16_t windows1252(std::uint8_t byte) {
-    return byte >= 0x80 && byte < 0xA0 ? kWindows1252.at(byte - 0x80U) : char16_t(byte);
-}
 
 DecodedText textOf(std::span<const std::byte> bytes, std::uint8_t characterSet) {
     if (characterSet == kSymbolCharacterSet)

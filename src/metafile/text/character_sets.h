@@ -15,9 +15,6 @@ inline constexpr std::uint8_t kAnsiCharacterSet = 0;
 inline constexpr std::uint8_t kDefaultCharacterSet = 1;
 inline constexpr std::uint8_t kSymbolCharacterSet = 2;
 
-// The Windows-1252 character of a byte; the five bytes without one keep their own value.
-char16_t windows1252(std::uint8_t byte);
-
 struct DecodedText {
     QString text;
     // For each UTF-16 unit of `text` the index of the first byte that it stands for, never falling.

@@ -1,7 +1,7 @@
 #include "metafile/text/symbol_fonts.h"
 
-#include "metafile/text/character_sets.h"
 #include "metafile/text/symbol_tables.h"
+#include "store/windows_1252.h"
 
 #include <QString>
 
@@ -18,8 +18,8 @@ constexpr char32_t kPrivateRange = 0xF000;
 constexpr char32_t kNone = 0xFFFD;
 
 // MT Extra has a few mathematical signs only.
-constexpr CodeTable kMtExtraCodes = U"BCIKLMNOQU`abchlmorstvw#$%&{}";
-constexpr CodeTable kMtExtraCharacters = U"≬∐⋂…⋯⋮⋰⋱∵⋃‵↦↕⇕ℏℓ∓∘→←↔⇀↼ˋˆ˜˙⏟⏞";
+constexpr CodeTable kMtExtraCodes = U"BCIKLMNOQU`abchlmorstvw#$%&{}pf<>():;=?@APRSVWXYZ[]^de";
+constexpr CodeTable kMtExtraCharacters = U"≬∐⋂…⋯⋮⋰⋱∵⋃‵↦↕⇕ℏℓ∓∘→←↔⇀↼ˋˆ˜˙⏟⏞≺≻⊲⊳⌣⌢∼≃≪≫≜≙∥∡∢△□▭▱↗↙↘↖○⊙";
 static_assert(kMtExtraCodes.size() == kMtExtraCharacters.size());
 
 enum class SymbolFont {
@@ -90,7 +90,7 @@ char32_t byteOf(char32_t code) {
     if (code >= kFirstCode && code <= kLastCode)
         return code;
     for (unsigned byte = 0x80; byte < 0xA0; ++byte) {
-        if (windows1252(std::uint8_t(byte)) == code)
+        if (store::windows1252(std::uint8_t(byte)) == code)
             return byte;
     }
     return 0;
