@@ -23,13 +23,20 @@ class Surveyor : public RecordSink {
     PlusSurvey survey;
 };
 
+// Which halves to play. A file that draws before its first EMF+ record did not begin as an EMF+
+// file: somebody put one into it later, which the other records do not stand in for.
 PlusHalf betterHalf(std::span<const std::byte> bytes) {
     Surveyor surveyor;
     readPlusComments(bytes, surveyor);
     const PlusSurvey& survey = surveyor.survey;
-    const bool played =
-        survey.found() && (!survey.isDual() || survey.drawsBetter() || !drawsWithoutPlus(bytes));
-    return played ? PlusHalf::Played : PlusHalf::Ignored;
+    if (!survey.found())
+        return PlusHalf::Ignored;
+    const DrawingWithoutPlus without = drawingWithoutPlus(bytes);
+    if (without == DrawingWithoutPlus::Before)
+        return survey.isDual() ? PlusHalf::Ignored : PlusHalf::Beside;
+    const bool isBest =
+        !survey.isDual() || survey.drawsBetter() || without == DrawingWithoutPlus::Nowhere;
+    return isBest ? PlusHalf::Played : PlusHalf::Ignored;
 }
 
 // Device units that are the size's pixels already.
@@ -70,7 +77,8 @@ class Nested : public NestedMetafiles {
 Drawing drawEmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
     const Nested nested;
     const EmfLayout layout = readEmfLayout(bytes);
-    Canvas canvas(size, fitted(layout.frame, size), budget);
+    const QTransform axis = QTransform::fromScale(1, layout.mirrored ? -1 : 1);
+    Canvas canvas(size, axis * fitted(layout.frame, size), budget);
     return played(canvas, [&] {
         Player player(canvas, layout.pixelsPerMillimetre, betterHalf(bytes), nested);
         const FileEnd end = readEmf(bytes, player);
@@ -118,9 +126,9 @@ Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& bud
 
 } // namespace
 
-Drawing draw(std::span<const std::byte> bytes, QSize size) {
+Drawing draw(std::span<const std::byte> bytes, QSize size, WorkClock clock) {
     imaging::requireSensibleSize(size.width(), size.height());
-    WorkBudget budget;
+    WorkBudget budget(clock);
     return drawWithin(bytes, size, budget);
 }
 

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "imaging/picture_facts.h"
+#include "metafile/bounds/work_budget.h"
+#include "platform/thread_time.h"
 
 #include <QImage>
 
@@ -28,8 +30,10 @@ struct Drawing {
 
 // The whole picture, by its own frame, stretched to `size` pixels. A record that cannot be read is
 // left out; a file that is cut short, or that asks for more work than any honest one, is drawn as
-// far as it goes (Part). Needs a QGuiApplication. Throws DecodeError when the header cannot be read
-// or there is no memory.
-Drawing draw(std::span<const std::byte> bytes, QSize size);
+// far as it goes (Part). How much is too much is counted in steps; `clock` tells of those that took
+// longer than they count. Needs a QGuiApplication. Throws DecodeError when the header cannot be
+// read or there is no memory.
+Drawing draw(std::span<const std::byte> bytes, QSize size,
+             WorkClock clock = platform::processorSecondsOfThisThread);
 
 } // namespace metafile

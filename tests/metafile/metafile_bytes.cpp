@@ -184,7 +184,7 @@ Bytes bitmapPixels(int width, const std::vector<QRgb>& pixels) {
 }
 
 QImage drawnMetafile(const Bytes& bytes, QSize size) {
-    return draw(bytes, size).image;
+    return draw(bytes, size, stoppedClock).image;
 }
 
 void drawWithRandomBytes(const Bytes& sound, std::size_t from, std::mt19937& random) {

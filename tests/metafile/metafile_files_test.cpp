@@ -91,6 +91,14 @@ TEST(WindowsMetafiles, FloodsRegionsAndPatternsFill) {
     EXPECT_EQ(drawn(pattern).pixel(10, 30), kBlack);
 }
 
+TEST(WindowsMetafiles, ColoursMayBeNumbersOfThePalette) {
+    WmfFile file;
+    file.window(0, 0, 40, 40).add(0x00F7, {0x300, 2, 0, 0, 255, 0}).add(0x0234, {0});
+    file.add(0x02FA, {5, 0, 0, 0, 0}).add(0x012D, {1}).add(0x02FC, {0, 1, 0x0100, 0});
+    file.add(0x012D, {2}).add(0x041B, {40, 40, 0, 0});
+    EXPECT_EQ(drawn(file).pixel(20, 20), kRed);
+}
+
 TEST(WindowsMetafiles, BitmapsAreDrawn) {
     const Bytes bitmap = joined(bitmapHeader(2, 2), bitmapPixels(2, {kRed, kBlue, kBlack, kWhite}));
     WmfFile file = filled(0, 0);

@@ -229,13 +229,87 @@ TEST(MetafileShapes, OpenFiguresAreClosedWhereTheyAreFilledAndStroked) {
     EXPECT_EQ(file.add(60).add(63, {0, 0, -1, -1}).drawn().pixel(20, 20), kBlack);
 }
 
-// Everything was drawn above the frame, and nothing could be seen.
+// Everything was drawn beside the frame, and nothing could be seen.
 TEST(MetafileShapes, AFrameBesideThePictureIsMovedThere) {
     EmfFile file = filled(kFileRed);
-    Bytes bytes = file.rectangle(0, -40, 20, -20).bytes();
+    Bytes bytes = file.rectangle(100, 0, 120, 20).bytes();
+    set32(bytes, 8, 100); // bounds: left and right
+    set32(bytes, 16, 140);
+    EXPECT_EQ(inkOf(drawnMetafile(bytes, {40, 40})), QRect(0, 0, 20, 20));
+}
+
+// Where the bounds fill the frame when they are mirrored, the device counts upwards.
+TEST(MetafileShapes, AFrameThatMirroredBoundsFillMirrorsTheDevice) {
+    EmfFile file = filled(kFileRed);
+    file.rectangle(0, -40, 20, -20).font(2, -20, 0, u"Arial").text(22, -20, u"L", {10});
+    Bytes bytes = file.bytes();
     set32(bytes, 12, static_cast<std::uint32_t>(-40)); // bounds: top and bottom
     set32(bytes, 20, 0);
-    EXPECT_EQ(inkOf(drawnMetafile(bytes, {40, 40})), QRect(0, 0, 20, 20));
+    const QImage image = drawnMetafile(bytes, {40, 40});
+    EXPECT_EQ(inkOf(image.copy(0, 0, 21, 40)), QRect(0, 20, 20, 20));
+    // The letter stands upright: its foot is as broad as itself.
+    const QRect letter = inkOf(image.copy(22, 0, 18, 40));
+    ASSERT_GT(letter.height(), 8);
+    const QImage top = image.copy(letter.translated(22, 0)).copy(0, 0, letter.width(), 3);
+    EXPECT_LT(inkOf(top).width(), letter.width());
+}
+
+// A rectangle and the line along its edge were a pixel apart.
+TEST(MetafileShapes, LinesAndEdgesTakeTheNearestPixel) {
+    EmfFile file = filled(kFileRed);
+    file.rectangle(18, 18, 40, 40).pen(2, 0, 0, kFileBlue);
+    file.add(27, {18, 0}).add(54, {18, 40}).add(27, {0, 18}).add(54, {40, 18});
+    const QImage image = file.drawn(0.7); // 18 is 12.6 there
+    EXPECT_EQ(image.pixel(12, 20), kWhite);
+    EXPECT_EQ(image.pixel(13, 20), kBlue);
+    EXPECT_EQ(image.pixel(14, 20), kRed);
+    EXPECT_EQ(image.pixel(20, 12), kWhite);
+    EXPECT_EQ(image.pixel(20, 13), kBlue);
+}
+
+TEST(MetafileShapes, FiguresOfAPathThatGoOnFromTheCurrentPositionStayApart) {
+    const auto path = [](const std::vector<std::int32_t>& first,
+                         const std::vector<std::int32_t>& second, std::uint32_t type) {
+        EmfFile file(40, 40);
+        file.stock(kNullBrush).pen(1, 0, 2, 0).add(59);
+        file.add(27, {5, 5}).add(type, first).add(27, {5, 35}).add(type, second);
+        return file.add(60).add(64, {0, 0, -1, -1}).drawn();
+    };
+    const QImage lines = path({0, 0, -1, -1, 1, 35, 5}, {0, 0, -1, -1, 1, 35, 35}, 6);
+    EXPECT_TRUE(inkOf(lines.copy(0, 8, 40, 24)).isNull());
+    EXPECT_FALSE(inkOf(lines.copy(0, 32, 40, 8)).isNull());
+    const QImage curves =
+        path({0, 0, -1, -1, 3, 15, 5, 25, 5, 35, 5}, {0, 0, -1, -1, 3, 15, 35, 25, 35, 35, 35}, 5);
+    EXPECT_TRUE(inkOf(curves.copy(0, 8, 40, 24)).isNull());
+    EXPECT_FALSE(inkOf(curves.copy(0, 32, 40, 8)).isNull());
+    // A second part without a move goes on from the first one's end.
+    EmfFile joined(40, 40);
+    joined.stock(kNullBrush).pen(1, 0, 2, 0).add(59).add(27, {5, 5});
+    joined.add(6, {0, 0, -1, -1, 1, 35, 5}).add(6, {0, 0, -1, -1, 1, 35, 35});
+    const QImage corner = joined.add(60).add(64, {0, 0, -1, -1}).drawn();
+    EXPECT_FALSE(inkOf(corner.copy(30, 15, 10, 10)).isNull());
+}
+
+TEST(MetafileShapes, ALineLeadsToTheArcThatGoesOn) {
+    EmfFile file(40, 40); // from (2, 20) to the arc's begin at the left of its circle
+    file.pen(1, 0, 2, 0).add(27, {2, 20}).add(41, {28, 20, 8, 0x43340000, 0x42B40000});
+    EXPECT_FALSE(inkOf(file.drawn().copy(8, 18, 4, 4)).isNull());
+}
+
+TEST(MetafileShapes, ColoursMayBeNumbersOfThePalette) {
+    constexpr std::uint32_t kNumber = 0x01000000;
+    EmfFile file(40, 40); // of two colours, with a flag behind each
+    file.stock(kNullPen).add(49, {7, 0x20300, 0x04FF0000, 0x040000FF}).add(48, {7});
+    file.brush(1, kNumber + 1).rectangle(0, 0, 20, 20).brush(2, kNumber).rectangle(20, 0, 40, 20);
+    file.brush(3, 0x02000000 + kFileRed).rectangle(0, 20, 20, 40);
+    file.brush(4, kNumber + 2).rectangle(20, 20, 40, 40);
+    const QImage image = file.drawn();
+    EXPECT_EQ(image.pixel(5, 5), kRed);
+    EXPECT_EQ(image.pixel(25, 5), kBlue);
+    EXPECT_EQ(image.pixel(5, 25), kRed) << "a palette's own colour";
+    EXPECT_EQ(image.pixel(25, 25), kBlack) << "beyond the palette";
+    EXPECT_EQ(filled(kNumber + 13).rectangle(0, 0, 40, 40).drawn().pixel(20, 20), kRed)
+        << "of the default palette";
 }
 
 TEST(MetafileShapes, RasterOperationsActOnThePaper) {

@@ -1,3 +1,4 @@
+#include "metafile/metafile_bytes.h"
 #include "metafile/text/character_sets.h"
 #include "metafile/text/fonts.h"
 #include "metafile/text/glyph_source.h"
@@ -5,9 +6,11 @@
 
 #include <QFontDatabase>
 
+#include <array>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <optional>
+#include <thread>
 
 namespace metafile::testing {
 namespace {
@@ -102,6 +105,10 @@ TEST(SymbolFonts, TablesStandInTheirPlaces) {
     EXPECT_EQ(unicodeOf(u"ZapfDingbats", '4'), U'✔');
     EXPECT_EQ(unicodeOf(u"ZapfDingbats", 0xFE), U'➾');
     EXPECT_EQ(unicodeOf(u"MT Extra", 0xF04C), U'⋯');
+    EXPECT_EQ(unicodeOf(u"MT Extra", 'p'), U'≺');
+    EXPECT_EQ(unicodeOf(u"MT Extra", 'f'), U'≻');
+    EXPECT_EQ(unicodeOf(u"MT Extra", '<'), U'⊲');
+    EXPECT_EQ(unicodeOf(u"MT Extra", '>'), U'⊳');
 }
 
 FontRequest requestFor(const char16_t* family, std::uint8_t pitchAndFamily = 0) {
@@ -173,6 +180,26 @@ TEST(GlyphSource, OutlinesStandOnTheBaseLineInThousandthsOfAnEm) {
     EXPECT_EQ(glyph.outline.fillRule(), Qt::WindingFill);
     EXPECT_TRUE(source.glyph(sans(), U' ').outline.isEmpty());
     EXPECT_NEAR(source.glyph(sans(), U' ').advance, 277.8, 0.5);
+}
+
+// Fonts belong to the thread that loaded them.
+TEST(GlyphSource, ManyThreadsDrawTheSame) {
+    EmfFile file(200, 60);
+    file.font(1, -30, 0, u"Arial").text(5, 5, u"Typ ✔ ff", {}).font(2, -20, 0, u"Symbol", 2);
+    const Bytes bytes = file.text(5, 35, u"abc", {}).bytes();
+    const QImage wanted = drawnMetafile(bytes, {200, 60});
+    ASSERT_FALSE(inkOf(wanted).isNull());
+    std::array<QImage, 4> drawn;
+    std::vector<std::thread> threads;
+    for (QImage& own : drawn)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 5; ++round)
+                own = drawnMetafile(bytes, {200, 60});
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const QImage& own : drawn)
+        EXPECT_EQ(own, wanted);
 }
 
 TEST(GlyphSource, SizeAndLinesOfTheFontDoNotMatter) {
@@ -296,7 +323,7 @@ TEST(GlyphSource, ManyFontsAndGlyphsStayRight) {
     for (char32_t character = 0x100; character < 0x1300; ++character)
         source.glyph(sans(), character);
     EXPECT_EQ(source.glyph(sans(), U'g').outline, before.outline);
-    EXPECT_EQ(&GlyphSource::shared(), &GlyphSource::shared());
+    EXPECT_EQ(&GlyphSource::ofThisThread(), &GlyphSource::ofThisThread());
 }
 
 } // namespace

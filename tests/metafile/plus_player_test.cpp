@@ -36,6 +36,21 @@ TEST(PlusPlayer, TheHalfThatShowsMoreIsPlayed) {
     EXPECT_NEAR(qRed(image(Half::Dual, 0x800000FF, true)), 127, 2);
 }
 
+// Somebody put an EMF+ picture into a file that had begun without.
+TEST(PlusPlayer, ALateHeaderDoesNotSilenceWhatIsDrawnAlready) {
+    const auto image = [](Half half) {
+        EmfFile file(40, 40);
+        file.stock(8).brush(1, colour(255, 0, 0)).rectangle(0, 0, 20, 20);
+        PlusFile(half).fill({20, 0, 20, 20}, 0xFF0000FF).into(file);
+        return file.rectangle(0, 20, 20, 40).drawn();
+    };
+    EXPECT_EQ(image(Half::Only).pixel(10, 10), kRed);
+    EXPECT_EQ(image(Half::Only).pixel(30, 10), kBlue);
+    EXPECT_EQ(image(Half::Only).pixel(10, 30), kRed);
+    EXPECT_EQ(image(Half::Dual).pixel(10, 10), kRed);
+    EXPECT_EQ(image(Half::Dual).pixel(30, 10), kWhite) << "the other half stands in for it";
+}
+
 TEST(PlusPlayer, TheOtherHalfIsPlayedWhereThisOneIsBeyondUs) {
     // Blue if this half is played, with a record more.
     const auto isPlayed = [](unsigned type, unsigned flags, const Data& data) {
@@ -258,6 +273,11 @@ TEST(PlusPlayer, PicturesOfEveryFormatAreDrawn) {
     indexed.object(5, 1, nibbles.word(0x0000001F)).add(0x401A, 1, to);
     EXPECT_EQ(indexed.drawn().pixel(3, 20), kBlue);
     EXPECT_EQ(indexed.drawn().pixel(36, 20), kBlack);
+    PlusFile bytewise; // eight bits a pixel: the same
+    Data wide = bitmapImage(0x00030803, 2, 4).words({0, 2, 0xFFFF0000, 0xFF0000FF});
+    bytewise.object(5, 1, wide.word(0x0000C801)).add(0x401A, 1, to);
+    EXPECT_EQ(bytewise.drawn().pixel(3, 20), kBlue);
+    EXPECT_EQ(bytewise.drawn().pixel(36, 20), kBlack);
 
     QImage picture(2, 1, QImage::Format_RGB32);
     picture.fill(Qt::red);

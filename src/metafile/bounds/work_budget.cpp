@@ -9,14 +9,14 @@ namespace {
 // A unit is about a pixel filled, some nanoseconds.
 constexpr std::uint64_t kUnits = 2'000'000'000;
 constexpr std::uint64_t kUnitsBetweenClocks = 100'000;
-// Units are an estimate; the processor's time catches what they miss.
+// Units are an estimate; the thread's time on the processor catches what they miss.
 constexpr double kSeconds = 0.9;
 constexpr int kMaximumDepth = 3;
 
 } // namespace
 
-WorkBudget::WorkBudget()
-    : left_(kUnits), untilClock_(kUnits - kUnitsBetweenClocks), started_(std::clock()) {}
+WorkBudget::WorkBudget(WorkClock clock)
+    : left_(kUnits), untilClock_(kUnits - kUnitsBetweenClocks), clock_(clock), started_(clock_()) {}
 
 void WorkBudget::spendPixels(double count) {
     constexpr double kMost = 1e12;
@@ -46,8 +46,7 @@ void WorkBudget::spend(std::uint64_t units) {
 }
 
 void WorkBudget::lookAtClock() {
-    const auto used = static_cast<double>(std::clock() - started_) / CLOCKS_PER_SEC;
-    if (used > kSeconds)
+    if (clock_() - started_ > kSeconds)
         giveUp();
 }
 

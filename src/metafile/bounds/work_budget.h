@@ -1,22 +1,26 @@
 // How much work one metafile may cause. Files tell how often and how large to draw, so a small
 // hostile one could keep the program busy for hours: whoever draws spends from a budget first, and
 // a spent budget ends the drawing with what is there by then.
+//
+// Belongs to one drawing, and so to one thread.
 #pragma once
 
 #include "metafile/bounds/kept_pictures.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 
 namespace metafile {
 
 // Thrown by WorkBudget; the picture drawn so far stays.
 struct WorkExhausted {};
 
+// Seconds of work done by the calling thread since some fixed moment.
+using WorkClock = double (*)();
+
 class WorkBudget {
   public:
-    WorkBudget();
+    explicit WorkBudget(WorkClock clock);
 
     // One record read and played.
     void spendRecord() { spend(kRecordCost); }
@@ -55,7 +59,8 @@ class WorkBudget {
 
     std::uint64_t left_;
     std::uint64_t untilClock_ = 0; // units left when the clock is looked at next
-    std::clock_t started_;
+    WorkClock clock_;
+    double started_;
     int depth_ = 0;
     KeptPictures pictures_;
 };

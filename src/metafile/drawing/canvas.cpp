@@ -45,17 +45,29 @@ void Clip::intersect(const Clip& other, const QRect& sheet) {
         intersect(path, sheet);
 }
 
-void Clip::subtract(const QRegion& region, const QRect& sheet) {
-    become(toRegion(sheet).subtracted(region));
-}
-
-void Clip::unite(const QRegion& region, const QRect& sheet) {
-    if (!isEverything())
-        become(toRegion(sheet).united(region));
-}
-
-void Clip::exclusiveOr(const QRegion& region, const QRect& sheet) {
-    become(toRegion(sheet).xored(region));
+void Clip::combine(const QRegion& region, ClipMode mode, const QRect& sheet) {
+    switch (mode) {
+    case ClipMode::Copy:
+        *this = {};
+        intersect(region, sheet);
+        return;
+    case ClipMode::And:
+        intersect(region, sheet);
+        return;
+    case ClipMode::Or:
+        if (!isEverything())
+            become(toRegion(sheet).united(region));
+        return;
+    case ClipMode::Xor:
+        become(toRegion(sheet).xored(region));
+        return;
+    case ClipMode::Difference:
+        become(toRegion(sheet).subtracted(region));
+        return;
+    case ClipMode::Complement:
+        become(region.subtracted(toRegion(sheet)));
+        return;
+    }
 }
 
 void Clip::translate(QPointF offset) {
@@ -113,8 +125,13 @@ bool isStraight(double from, double to) {
     return std::abs(from - to) < kSame;
 }
 
+// Of lines and edges alike, so that a frame's lines lie on its filling's edges.
+double nearestPixel(double value) {
+    return std::floor(value + 0.5);
+}
+
 double pixelMiddle(double value) {
-    return std::floor(value) + 0.5;
+    return nearestPixel(value) + 0.5;
 }
 
 } // namespace
@@ -155,10 +172,10 @@ std::optional<QRect> rectangleOf(const QPainterPath& outline) {
             return std::nullopt;
     }
     const QRectF box = outline.controlPointRect();
-    const int left = static_cast<int>(std::lround(box.left()));
-    const int top = static_cast<int>(std::lround(box.top()));
-    const int right = static_cast<int>(std::lround(box.right()));
-    const int bottom = static_cast<int>(std::lround(box.bottom()));
+    const int left = static_cast<int>(nearestPixel(box.left()));
+    const int top = static_cast<int>(nearestPixel(box.top()));
+    const int right = static_cast<int>(nearestPixel(box.right()));
+    const int bottom = static_cast<int>(nearestPixel(box.bottom()));
     const double corners = box.width() * box.height();
     // Two strokes there and back, or a figure like an hourglass, are no rectangle.
     double area = 0;

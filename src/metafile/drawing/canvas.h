@@ -9,6 +9,7 @@
 #pragma once
 
 #include "metafile/bounds/work_budget.h"
+#include "metafile/records/records.h"
 
 #include <QImage>
 #include <QPainter>
@@ -30,9 +31,7 @@ class Clip {
 
     void intersect(const QRegion& region, const QRect& sheet);
     void intersect(const QPainterPath& path, const QRect& sheet);
-    void subtract(const QRegion& region, const QRect& sheet);
-    void unite(const QRegion& region, const QRect& sheet);
-    void exclusiveOr(const QRegion& region, const QRect& sheet);
+    void combine(const QRegion& region, ClipMode mode, const QRect& sheet);
     void translate(QPointF offset);
 
     // Everything that this and the other let through.

@@ -140,7 +140,7 @@ double emOf(const Font& font, const FontMetrics& metrics, double logicalPerDevic
 
 Frame frameOf(const ChosenFont& font, const DeviceContext& context) {
     Frame frame;
-    frame.metrics = GlyphSource::shared().metrics(font.painterFont);
+    frame.metrics = GlyphSource::ofThisThread().metrics(font.painterFont);
     // Mirrored axes of the page do not mirror letters; the world transform does.
     const QTransform& page = context.pageToImage;
     const double across = std::hypot(page.m11(), page.m12());
@@ -186,7 +186,7 @@ Line layOut(const std::vector<Letter>& letters, const ChosenFont& font, const Fr
         }
         const char32_t character = drawnCharacter(letter.character, font);
         line.length +=
-            frame.width(GlyphSource::shared().glyph(font.painterFont, character).advance) +
+            frame.width(GlyphSource::ofThisThread().glyph(font.painterFont, character).advance) +
             context.characterExtra;
         if (letter.character == U' ' && context.justification.breaks > 0)
             line.length += context.justification.extra / context.justification.breaks;
@@ -223,8 +223,8 @@ QPainterPath outlineOf(const std::vector<Letter>& letters, const Line& line, con
     const QTransform size = QTransform::fromScale(frame.perUnit * frame.stretch, frame.perUnit);
     for (std::size_t i = 0; i < letters.size() && path.elementCount() < kMostTextElements; ++i) {
         budget.spendPoints(1);
-        const Glyph glyph = GlyphSource::shared().glyph(font.painterFont,
-                                                        drawnCharacter(letters[i].character, font));
+        const Glyph glyph = GlyphSource::ofThisThread().glyph(
+            font.painterFont, drawnCharacter(letters[i].character, font));
         // An empty box says less than a gap where a symbol has no counterpart.
         if (glyph.outline.isEmpty() || (font.translatesSymbols && !glyph.isPresent))
             continue;

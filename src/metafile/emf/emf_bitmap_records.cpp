@@ -172,7 +172,7 @@ void readBlended(const EmfRecord& record, EmfReading& reading) {
     if (blend)
         blit.opacity = in.u8(42) / 255.0;
     else
-        makeTransparent(*source, colourAt(in, 40));
+        makeTransparent(*source, reading.colourAt(in, 40));
     blit.source = source->convertToFormat(QImage::Format_ARGB32_Premultiplied);
     reading.sink.take(blit);
 }

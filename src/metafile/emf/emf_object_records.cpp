@@ -27,14 +27,15 @@ enum Type : std::uint32_t {
 constexpr std::uint32_t kStock = 0x80000000;
 constexpr std::uint32_t kPaletteColours = 1; // usage of a bitmap's colours
 
-Pen readPen(const imaging::ByteReader& in) {
+Pen readPen(const EmfRecord& record, const EmfReading& reading) {
+    const imaging::ByteReader& in = record.in;
     Pen pen;
     pen.style = penStyleOf(in.u32(12));
     pen.width = std::abs(double{1} * in.i32(16));
     // A width of 1 counts as "as thin as the device can".
     if (pen.width <= 1)
         pen.widthKind = PenWidth::Cosmetic;
-    pen.brush.colour = colourAt(in, 24);
+    pen.brush.colour = reading.colourAt(in, 24);
     return pen;
 }
 
@@ -60,7 +61,8 @@ std::vector<double> readDashes(const imaging::ByteReader& in, std::size_t at) {
     return dashes;
 }
 
-Pen readExtendedPen(const imaging::ByteReader& in) {
+Pen readExtendedPen(const EmfRecord& record, const EmfReading& reading) {
+    const imaging::ByteReader& in = record.in;
     constexpr std::uint32_t kGeometric = 0x10000;
     constexpr std::uint32_t kPattern = 3;
     constexpr std::uint32_t kDibPattern = 5;
@@ -73,7 +75,7 @@ Pen readExtendedPen(const imaging::ByteReader& in) {
     pen.widthKind = (style & kGeometric) != 0 ? PenWidth::Geometric : PenWidth::Cosmetic;
     pen.width = in.u32(32);
     const std::uint32_t brushStyle = in.u32(36);
-    pen.brush = plainBrush(brushStyle, colourAt(in, 40), in.u32(44));
+    pen.brush = plainBrush(brushStyle, reading.colourAt(in, 40), in.u32(44));
     if (brushStyle == kPattern || brushStyle == kDibPattern || brushStyle == kDibPatternPointer) {
         pen.brush.kind = BrushKind::Pattern;
         pen.brush.pattern =
@@ -113,7 +115,7 @@ void readColours(const imaging::ByteReader& in, std::size_t at, std::size_t coun
     for (std::size_t i = 0; i < count && first + i < kMost && in.has(at + 4 * i, 4); ++i) {
         if (colours.size() <= first + i)
             colours.resize(first + i + 1);
-        colours[first + i] = colourAt(in, at + 4 * i);
+        colours[first + i] = qRgb(in.u8(at + 4 * i), in.u8(at + 4 * i + 1), in.u8(at + 4 * i + 2));
     }
 }
 
@@ -156,10 +158,10 @@ bool readEmfObject(const EmfRecord& record, EmfReading& reading) {
         reading.sink.take(DeleteObject{in.u32(8)});
         return true;
     case CreatePen:
-        create(readPen(in));
+        create(readPen(record, reading));
         return true;
     case CreateBrushIndirect:
-        create(plainBrush(in.u32(12), colourAt(in, 16), in.u32(20)));
+        create(plainBrush(in.u32(12), reading.colourAt(in, 16), in.u32(20)));
         return true;
     case ExtCreateFontIndirectW:
         create(readFont(in));
@@ -171,7 +173,7 @@ bool readEmfObject(const EmfRecord& record, EmfReading& reading) {
         create(readPatternBrush(in, 12, false, reading));
         return true;
     case ExtCreatePen:
-        create(readExtendedPen(in));
+        create(readExtendedPen(record, reading));
         return true;
     case SelectPalette:
         reading.selectedPalette = in.u32(8);

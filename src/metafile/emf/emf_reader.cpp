@@ -1,6 +1,7 @@
 #include "metafile/emf/emf_reader.h"
 
 #include "metafile/emf/emf_records.h"
+#include "metafile/records/stock_objects.h"
 
 #include <algorithm>
 #include <array>
@@ -29,26 +30,41 @@ double density(const imaging::ByteReader& in, std::size_t axis) {
     return value > 0.01 && value < 10000 ? value : kUsual;
 }
 
-// Some writers turn an axis round and forget the frame: it lies beside what is drawn. Then it is
-// moved there, as large as it is.
-QRectF besideBounds(const QRectF& frame, const QRectF& bounds) {
+// Whether hardly anything of what is drawn lies in the frame.
+bool isBeside(const QRectF& frame, const QRectF& bounds) {
     constexpr double kLeastShare = 0.25;
     if (!(bounds.width() > 1) || !(bounds.height() > 1))
-        return frame;
+        return false;
     const QRectF seen = frame & bounds;
     const double smaller =
         std::min(bounds.width() * bounds.height(), frame.width() * frame.height());
-    if (seen.width() * seen.height() >= kLeastShare * smaller)
-        return frame;
-    return {bounds.topLeft(), frame.size()};
+    return seen.width() * seen.height() < kLeastShare * smaller;
+}
+
+// Some writers turn the device's y axis round and tell the frame as it was meant: what is drawn
+// fills it when it is mirrored. Others forget the frame altogether, which is then moved to where
+// something is, as large as it is.
+void fitToBounds(EmfLayout& layout, const QRectF& bounds) {
+    constexpr double kFilled = 0.5;
+    if (!isBeside(layout.frame, bounds))
+        return;
+    const QRectF turned(bounds.left(), -bounds.bottom(), bounds.width(), bounds.height());
+    const QRectF filled = turned & layout.frame;
+    layout.mirrored =
+        filled.width() * filled.height() >= kFilled * layout.frame.width() * layout.frame.height();
+    if (!layout.mirrored)
+        layout.frame.moveTopLeft(bounds.topLeft());
+}
+
+bool isPlus(const imaging::ByteReader& comment) {
+    return comment.has(8, 8) && comment.u32(8) >= 4 && comment.u32(12) == kPlusIdentifier;
 }
 
 void readComment(const imaging::ByteReader& in, RecordSink& sink) {
-    const std::size_t size = in.u32(8);
-    if (size < 4 || !in.has(12, 4) || in.u32(12) != kPlusIdentifier)
+    if (!isPlus(in))
         return;
     const auto rest = in.rest(16);
-    sink.takePlus(rest.first(std::min(rest.size(), size - 4)));
+    sink.takePlus(rest.first(std::min<std::size_t>(rest.size(), in.u32(8) - 4)));
 }
 
 void readRecord(const EmfRecord& record, EmfReading& reading) {
@@ -96,16 +112,16 @@ const Palette* EmfReading::palette() const {
     return found == palettes.end() ? nullptr : &found->second;
 }
 
+QRgb EmfReading::colourAt(const imaging::ByteReader& in, std::size_t at) const {
+    return meantColour(in.u32(at), palette());
+}
+
 QPointF pointAt(const imaging::ByteReader& in, std::size_t at) {
     return {double{1} * in.i32(at), double{1} * in.i32(at + 4)};
 }
 
 QRectF rectangleAt(const imaging::ByteReader& in, std::size_t at) {
     return {pointAt(in, at), pointAt(in, at + 8)};
-}
-
-QRgb colourAt(const imaging::ByteReader& in, std::size_t at) {
-    return qRgb(in.u8(at), in.u8(at + 1), in.u8(at + 2));
 }
 
 double realAt(const imaging::ByteReader& in, std::size_t at) {
@@ -164,7 +180,7 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
     if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
         layout.frame = rectangleAt(in, 8).adjusted(0, 0, 1, 1);
     else
-        layout.frame = besideBounds(layout.frame, rectangleAt(in, 8));
+        fitToBounds(layout, rectangleAt(in, 8));
     if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
         throw imaging::DecodeError("the metafile's frame is empty");
     return layout;
@@ -176,16 +192,20 @@ FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink) {
                          [&](const EmfRecord& record) { readRecord(record, reading); });
 }
 
-bool drawsWithoutPlus(std::span<const std::byte> bytes) {
+DrawingWithoutPlus drawingWithoutPlus(std::span<const std::byte> bytes) {
     constexpr std::array kDrawing{2U,  3U,  4U,  5U,  6U,  7U,  8U,  15U, 41U,  42U,  43U,  44U,
                                   45U, 46U, 47U, 53U, 54U, 55U, 56U, 62U, 63U,  64U,  71U,  72U,
                                   73U, 74U, 76U, 77U, 78U, 79U, 80U, 81U, 83U,  84U,  85U,  86U,
                                   87U, 88U, 89U, 90U, 91U, 92U, 96U, 97U, 108U, 114U, 116U, 118U};
-    bool found = false;
+    DrawingWithoutPlus where = DrawingWithoutPlus::Nowhere;
+    bool plusBegan = false;
     forEachRecord(bytes, nullptr, [&](const EmfRecord& record) {
-        found = found || std::binary_search(kDrawing.begin(), kDrawing.end(), record.type);
+        plusBegan = plusBegan || (record.type == kComment && isPlus(record.in));
+        if (where == DrawingWithoutPlus::Nowhere &&
+            std::binary_search(kDrawing.begin(), kDrawing.end(), record.type))
+            where = plusBegan ? DrawingWithoutPlus::Behind : DrawingWithoutPlus::Before;
     });
-    return found;
+    return where;
 }
 
 void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink) {

@@ -13,6 +13,7 @@ bool isEmf(std::span<const std::byte> bytes);
 struct EmfLayout {
     QRectF frame;                           // the picture's own rectangle, in device pixels
     QSizeF pixelsPerMillimetre{3.78, 3.78}; // across and down
+    bool mirrored = false; // the device's pixels count upwards, the frame's downwards
 };
 
 // DecodeError when the header cannot be read.
@@ -22,8 +23,10 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes);
 // sink throws and nothing else.
 FileEnd readEmf(std::span<const std::byte> bytes, RecordSink& sink);
 
-// Whether any record besides comments draws something.
-bool drawsWithoutPlus(std::span<const std::byte> bytes);
+// Where records besides comments draw something: nowhere, only behind the first EMF+ record, or
+// before it already.
+enum class DrawingWithoutPlus { Nowhere, Behind, Before };
+DrawingWithoutPlus drawingWithoutPlus(std::span<const std::byte> bytes);
 
 // Hands the sink the comments with EMF+ records alone, without reading anything else.
 void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink);

@@ -22,6 +22,8 @@ struct EmfReading {
 
     // Null when no palette is selected.
     const Palette* palette() const;
+    // Of a pen, a brush or the device context; maybe an entry of the palette.
+    QRgb colourAt(const imaging::ByteReader& in, std::size_t at) const;
 };
 
 // Each returns whether the type is one of its own, and throws DecodeError when such a record cannot
@@ -37,7 +39,6 @@ bool readEmfBitmap(const EmfRecord& record, EmfReading& reading);
 QPointF pointAt(const imaging::ByteReader& in, std::size_t at);
 // Left, top, right, bottom.
 QRectF rectangleAt(const imaging::ByteReader& in, std::size_t at);
-QRgb colourAt(const imaging::ByteReader& in, std::size_t at);
 // DecodeError unless it is a finite number; wild ones are bounded.
 double realAt(const imaging::ByteReader& in, std::size_t at);
 QTransform transformAt(const imaging::ByteReader& in, std::size_t at);

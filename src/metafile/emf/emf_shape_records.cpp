@@ -197,11 +197,12 @@ GradientFill readGradient(const imaging::ByteReader& in) {
     return fill;
 }
 
-bool readSinglePoint(const EmfRecord& record, RecordSink& sink) {
+bool readSinglePoint(const EmfRecord& record, const EmfReading& reading) {
     const imaging::ByteReader& in = record.in;
+    RecordSink& sink = reading.sink;
     switch (record.type) {
     case SetPixelV:
-        sink.take(SetPixel{pointAt(in, 8), colourAt(in, 16)});
+        sink.take(SetPixel{pointAt(in, 8), reading.colourAt(in, 16)});
         return true;
     case MoveToEx:
         sink.take(MoveTo{pointAt(in, 8)});
@@ -210,7 +211,7 @@ bool readSinglePoint(const EmfRecord& record, RecordSink& sink) {
         sink.take(LineTo{pointAt(in, 8)});
         return true;
     case ExtFloodFill:
-        sink.take(FloodFill{pointAt(in, 8), colourAt(in, 16),
+        sink.take(FloodFill{pointAt(in, 8), reading.colourAt(in, 16),
                             in.u32(20) == 1 ? FloodMode::WhileSurface : FloodMode::ToBorder});
         return true;
     default:
@@ -223,7 +224,7 @@ bool readSinglePoint(const EmfRecord& record, RecordSink& sink) {
 bool readEmfShape(const EmfRecord& record, EmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     RecordSink& sink = reading.sink;
-    if (readSinglePoint(record, sink))
+    if (readSinglePoint(record, reading))
         return true;
     switch (record.type) {
     case PolyBezier:

@@ -211,10 +211,10 @@ bool readEmfState(const EmfRecord& record, EmfReading& reading) {
         sink.take(SetBrushOrigin{originAt(in, 8)});
         return true;
     case SetTextColor:
-        sink.take(SetTextColour{colourAt(in, 8)});
+        sink.take(SetTextColour{reading.colourAt(in, 8)});
         return true;
     case SetBkColor:
-        sink.take(SetBackgroundColour{colourAt(in, 8)});
+        sink.take(SetBackgroundColour{reading.colourAt(in, 8)});
         return true;
     case SaveDc:
         sink.take(SaveState{});

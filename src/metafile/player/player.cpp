@@ -49,7 +49,7 @@ Player::Player(Canvas& canvas, QSizeF pixelsPerMillimetre, PlusHalf plusHalf,
 // A file that is played by its EMF+ half has other records besides: those it means too, and those
 // that only stand in for it.
 bool Player::skips(const Record& record) const {
-    if (plusHalf_ == PlusHalf::Ignored || plus_.wantsDeviceRecords())
+    if (plusHalf_ != PlusHalf::Played || plus_.wantsDeviceRecords())
         return false;
     return isOneOf<LineTo, Poly, PolyDraw, Box, AngleArc, SetPixel, FloodFill, RegionPaint,
                    GradientFill, Text, RasterBlit, AlphaBlit, PathStep, ClipPath>(record);
@@ -239,26 +239,14 @@ void Player::clipTo(const QPainterPath& path, ClipMode mode) {
         return plain ? QRegion(path.boundingRect().toRect()) : metafile::regionOf(path, sheet);
     };
     Clip& clip = context_.clip;
-    switch (mode) {
-    case ClipMode::Copy:
-        clip = {};
+    // Paths keep their smooth edges where the clip only gets smaller.
+    const bool smooth = mode == ClipMode::Copy || (mode == ClipMode::And && !plain);
+    if (!smooth) {
+        clip.combine(pixels(), mode, sheet);
+    } else {
+        if (mode == ClipMode::Copy)
+            clip = {};
         clip.intersect(path, sheet);
-        break;
-    case ClipMode::And:
-        if (plain)
-            clip.intersect(pixels(), sheet);
-        else
-            clip.intersect(path, sheet);
-        break;
-    case ClipMode::Or:
-        clip.unite(pixels(), sheet);
-        break;
-    case ClipMode::Xor:
-        clip.exclusiveOr(pixels(), sheet);
-        break;
-    case ClipMode::Difference:
-        clip.subtract(pixels(), sheet);
-        break;
     }
     clipChanged();
 }
@@ -283,25 +271,7 @@ void Player::on(const ClipRegion& record) {
         rectangles.push_back(
             (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect());
     const QRegion region = unionOf(rectangles, canvas_.budget());
-    Clip& clip = context_.clip;
-    switch (record.mode) {
-    case ClipMode::Copy:
-        clip = {};
-        clip.intersect(region, sheet);
-        break;
-    case ClipMode::And:
-        clip.intersect(region, sheet);
-        break;
-    case ClipMode::Or:
-        clip.unite(region, sheet);
-        break;
-    case ClipMode::Xor:
-        clip.exclusiveOr(region, sheet);
-        break;
-    case ClipMode::Difference:
-        clip.subtract(region, sheet);
-        break;
-    }
+    context_.clip.combine(region, record.mode, sheet);
     clipChanged();
 }
 

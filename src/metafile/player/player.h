@@ -1,4 +1,13 @@
 // Plays records on a canvas, as a device would have drawn them that only they were sent to.
+//
+// The player is what Windows calls a device context: records of state change pen, brush, font,
+// mapping, clip and path, records of drawing use them. Logical units are mapped to image pixels
+// here; the painters of drawing/ get outlines, texts and bitmaps in image pixels. EMF+ records go
+// on to a PlusPlayer, which shares nothing with this state but the canvas.
+//
+// One player plays one file from its first record to its last, in one thread. Wild numbers, unknown
+// handles and states are bounded or passed over; whatever ends the playing early, the canvas keeps
+// what was drawn by then.
 #pragma once
 
 #include "metafile/drawing/blit_painter.h"
@@ -11,16 +20,19 @@
 
 namespace metafile {
 
-// Which of an EMF file's two descriptions is played.
-enum class PlusHalf { Ignored, Played };
+// Which of an EMF file's two descriptions is played: the EMF records, the EMF+ records in their
+// stead, or both in the file's order.
+enum class PlusHalf { Ignored, Played, Beside };
 
 class Player : public RecordSink {
   public:
-    // Canvas and nested metafiles must outlive the player.
+    // The device's density maps fixed units (millimetres, inches, points); `nested` shows metafiles
+    // that EMF+ records hold. Canvas and nested metafiles must outlive the player.
     Player(Canvas& canvas, QSizeF pixelsPerMillimetre, PlusHalf plusHalf,
            const NestedMetafiles& nested);
 
-    // Throws WorkExhausted and DecodeError (no memory for a layer) and nothing else.
+    // All three throw WorkExhausted, take() and takePlus() also DecodeError (no memory for a
+    // layer), and nothing else.
     void take(const Record& record) override;
     void takePlus(std::span<const std::byte> comment) override;
     void leaveOut() override;

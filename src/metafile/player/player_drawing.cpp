@@ -35,6 +35,20 @@ QPainterPath closed(const QPainterPath& path) {
     return result;
 }
 
+// Goes on with the outline's lines and curves from the path's end, which is where they begin.
+// QPainterPath::connectPath() would join them to the figure before when a move is the last element.
+void append(QPainterPath& path, const QPainterPath& outline) {
+    for (int i = 1; i < outline.elementCount(); ++i) {
+        const auto element = outline.elementAt(i);
+        if (element.type == QPainterPath::LineToElement) {
+            path.lineTo(element);
+        } else if (element.type == QPainterPath::CurveToElement && i + 2 < outline.elementCount()) {
+            path.cubicTo(element, outline.elementAt(i + 1), outline.elementAt(i + 2));
+            i += 2;
+        }
+    }
+}
+
 bool continues(PolyKind kind) {
     return kind == PolyKind::LineTo || kind == PolyKind::BezierTo;
 }
@@ -101,7 +115,7 @@ void Player::drawOutline(const QPainterPath& outline, ShapePart part) {
 // An outline that begins at the current position and leaves it at another.
 void Player::drawAndMove(const QPainterPath& outline, QPointF end) {
     if (inPath()) {
-        goOn(path_).connectPath(outline);
+        append(goOn(path_), outline);
         boundPath();
     } else {
         shapes_.draw(outline, context_, ShapePart::Stroke);
@@ -157,7 +171,8 @@ void Player::on(const PolyDraw& record) {
 void Player::joinArc(const QPainterPath& arc) {
     QPainterPath joined;
     joined.moveTo(context_.position);
-    joined.connectPath(arc);
+    joined.lineTo(arc.elementAt(0));
+    append(joined, arc);
     drawAndMove(context_.map(joined), arc.currentPosition());
 }
 

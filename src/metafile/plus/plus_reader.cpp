@@ -12,7 +12,7 @@ namespace {
 enum Type : std::uint16_t {
     Header = 0x4001,
     GetDc = 0x4004,
-    Object = 0x4008,
+    Object_ = 0x4008,
     Clear,
     FillRects,
     DrawRects,
@@ -326,7 +326,9 @@ PlusRecord readWorld(Reading& reading) {
 
 PlusRecord readClip(Reading& reading) {
     PlusClip clip;
-    clip.combine = static_cast<PlusCombine>(std::min(reading.flags >> 8U & 0xFU, 5U));
+    constexpr std::array kModes{ClipMode::Copy, ClipMode::And,        ClipMode::Or,
+                                ClipMode::Xor,  ClipMode::Difference, ClipMode::Complement};
+    clip.mode = kModes.at(std::min<std::size_t>(reading.flags >> 8U & 0xFU, kModes.size() - 1));
     if (reading.type == SetClipRect) {
         QPainterPath path;
         path.addRect(reading.in.rectangle().normalized());
@@ -488,7 +490,7 @@ void PlusReader::readObject(std::uint16_t flags, std::span<const std::byte> data
 
 void PlusReader::readRecord(std::uint16_t type, std::uint16_t flags,
                             std::span<const std::byte> data, const Sink& sink) {
-    if (type == Object) {
+    if (type == Object_) {
         readObject(flags, data, sink);
         return;
     }

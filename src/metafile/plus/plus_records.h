@@ -6,6 +6,8 @@
 // Source: [MS-EMFPLUS] 2.2 (objects), 2.3 (records).
 #pragma once
 
+#include "metafile/records/records.h"
+
 #include <QByteArray>
 #include <QImage>
 #include <QPainterPath>
@@ -214,9 +216,8 @@ struct PlusBeginContainer {
     PlusUnit unit = PlusUnit::Pixel;
 };
 
-enum class PlusCombine { Replace, Intersect, Union, Xor, Exclude, Complement };
 struct PlusClip {
-    PlusCombine combine = PlusCombine::Replace;
+    ClipMode mode = ClipMode::Copy;
     PlusShape shape;
 };
 struct PlusResetClip {};

@@ -183,10 +183,9 @@ class PlusPlayer::Impl {
         const auto path = outlineOf(record.shape);
         if (path)
             canvas_.budget().spendPixels(fillCost(*path, sheet, EdgeLook::Stepped));
-        const bool smooth = path && (record.combine == PlusCombine::Replace ||
-                                     record.combine == PlusCombine::Intersect);
+        const bool smooth = path && (record.mode == ClipMode::Copy || record.mode == ClipMode::And);
         if (smooth) {
-            if (record.combine == PlusCombine::Replace)
+            if (record.mode == ClipMode::Copy)
                 resetClip();
             intersect(*path);
             return;
@@ -194,7 +193,8 @@ class PlusPlayer::Impl {
         const auto region = regionOf(record.shape, path);
         if (!region)
             return;
-        combine(*region, record.combine);
+        clipSet_ = false;
+        state_.clip.combine(*region, record.mode, sheet);
     }
 
     void resetClip() {
@@ -209,36 +209,6 @@ class PlusPlayer::Impl {
             state_.clip.intersect(QRegion(*rectangle), canvas_.sheet());
         else
             state_.clip.intersect(path, canvas_.sheet());
-    }
-
-    void combine(const QRegion& region, PlusCombine how) {
-        clipSet_ = false;
-        const QRect sheet = canvas_.sheet();
-        Clip& clip = state_.clip;
-        switch (how) {
-        case PlusCombine::Replace:
-            clip = {};
-            clip.intersect(region, sheet);
-            return;
-        case PlusCombine::Intersect:
-            clip.intersect(region, sheet);
-            return;
-        case PlusCombine::Union:
-            clip.unite(region, sheet);
-            return;
-        case PlusCombine::Xor:
-            clip.exclusiveOr(region, sheet);
-            return;
-        case PlusCombine::Exclude:
-            clip.subtract(region, sheet);
-            return;
-        case PlusCombine::Complement: {
-            const QRegion rest = region - clip.toRegion(sheet);
-            clip = {};
-            clip.intersect(rest, sheet);
-            return;
-        }
-        }
     }
 
     // ---- Shapes, in image pixels

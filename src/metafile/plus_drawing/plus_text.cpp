@@ -21,7 +21,7 @@ class Face {
           budget_(budget),
           perUnit_(em / kUnitsPerEm),
           painterFont_(installedFont(requestOf(font))) {
-        metrics_ = GlyphSource::shared().metrics(painterFont_);
+        metrics_ = GlyphSource::ofThisThread().metrics(painterFont_);
         translates_ = isSymbolFont(font.family) && !isInstalled(font.family);
         budget_.lookAtClock();
     }
@@ -75,7 +75,7 @@ class Face {
         constexpr std::size_t kPoints = 10;
         budget_.spendPoints(kPoints);
         const char32_t same = translates_ ? unicodeOf(font_.family, letter) : 0;
-        return GlyphSource::shared().glyph(painterFont_, same != 0 ? same : letter);
+        return GlyphSource::ofThisThread().glyph(painterFont_, same != 0 ? same : letter);
     }
 
     void addBar(QPainterPath& path, QPointF begin, double length, double centre,

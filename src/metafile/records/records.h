@@ -185,7 +185,9 @@ struct RestoreState {
 
 // ---- Clip and paths
 
-enum class ClipMode { And = 1, Or = 2, Xor = 3, Difference = 4, Copy = 5 };
+// How a new shape changes the clip. The first five by the numbers that EMF files use; Complement:
+// what is in the new one and not in the old.
+enum class ClipMode { And = 1, Or, Xor, Difference, Copy, Complement };
 
 struct ClipRectangle {
     ClipMode mode = ClipMode::And; // And or Difference

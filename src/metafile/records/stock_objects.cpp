@@ -1,8 +1,16 @@
 #include "metafile/records/stock_objects.h"
 
+#include <array>
+#include <span>
+
 namespace metafile {
 
 namespace {
+
+constexpr std::array<QRgb, 20> kDefaultPalette{
+    0xFF000000, 0xFF800000, 0xFF008000, 0xFF808000, 0xFF000080, 0xFF800080, 0xFF008080,
+    0xFFC0C0C0, 0xFFC0DCC0, 0xFFA6CAF0, 0xFFFFFBF0, 0xFFA0A0A4, 0xFF808080, 0xFFFF0000,
+    0xFF00FF00, 0xFFFFFF00, 0xFF0000FF, 0xFFFF00FF, 0xFF00FFFF, 0xFFFFFFFF};
 
 Object stockPen(QRgb colour) {
     Pen pen;
@@ -27,6 +35,18 @@ Object nullPen() {
 }
 
 } // namespace
+
+QRgb meantColour(std::uint32_t value, const Palette* selected) {
+    constexpr std::uint32_t kPaletteIndex = 1;
+    if (value >> 24U != kPaletteIndex)
+        return qRgb(static_cast<int>(value & 0xFFU), static_cast<int>(value >> 8U & 0xFFU),
+                    static_cast<int>(value >> 16U & 0xFFU));
+    const std::size_t index = value & 0xFFFFU;
+    const std::span<const QRgb> colours = selected != nullptr
+                                              ? std::span<const QRgb>(selected->colours)
+                                              : std::span<const QRgb>(kDefaultPalette);
+    return index < colours.size() ? colours[index] | 0xFF000000U : qRgb(0, 0, 0);
+}
 
 Brush solidBrush(QRgb colour) {
     Brush brush;

@@ -1,5 +1,5 @@
 // The objects that every device has from the start, by the numbers that files use.
-// Source: [MS-EMF] 2.1.31 (StockObject).
+// Sources: [MS-EMF] 2.1.31 (StockObject), [MS-WMF] 2.2.2.8 (ColorRef).
 #pragma once
 
 #include "metafile/records/records.h"
@@ -9,6 +9,11 @@ namespace metafile {
 // The object of that number (0 white brush, 5 null brush, 8 null pen, 13 system font, ...), or
 // none.
 Object stockObject(std::uint32_t number);
+
+// The colour that a file's four bytes mean (red, green, blue from the lowest on). The highest byte
+// says how: 1 makes the others the number of an entry of the palette (null: the default one, of
+// twenty colours); a number that it does not have is black.
+QRgb meantColour(std::uint32_t value, const Palette* selected);
 
 Brush solidBrush(QRgb colour);
 

@@ -5,6 +5,8 @@
 #include <QGlyphRun>
 #include <QRawFont>
 #include <QTextLayout>
+#include <QThread>
+#include <QThreadStorage>
 
 #include <array>
 
@@ -270,17 +272,16 @@ FontMetrics GlyphSource::metrics(const QFont& font) {
     return faceOf(font)->metrics;
 }
 
-GlyphSource& GlyphSource::shared() {
-    // Not a static object: that would be destroyed after the fonts' engines are.
-    static GlyphSource* source = nullptr;
-    if (!source) {
-        source = new GlyphSource;
-        qAddPostRoutine([] {
-            delete source;
-            source = nullptr;
-        });
+GlyphSource& GlyphSource::ofThisThread() {
+    static QThreadStorage<std::shared_ptr<GlyphSource>> sources;
+    std::shared_ptr<GlyphSource>& own = sources.localData();
+    if (!own) {
+        own = std::make_shared<GlyphSource>();
+        // What the main thread keeps would go only after the fonts' engines.
+        if (QThread::currentThread() == QCoreApplication::instance()->thread())
+            qAddPostRoutine([] { sources.localData().reset(); });
     }
-    return *source;
+    return *own;
 }
 
 } // namespace metafile

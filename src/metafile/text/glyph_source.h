@@ -43,8 +43,8 @@ struct FontMetrics {
 // stretch do. What the installed font lacks of boldness and slant is made from its outlines, as GDI
 // does. Characters that it lacks come from the font that Qt falls back to.
 //
-// Keeps the 4096 glyphs and 64 fonts that were used last. One thread; needs a QGuiApplication and
-// must be gone before that is.
+// Keeps the 4096 glyphs and 64 fonts that were used last. Belongs to the thread that made it, as
+// the fonts in it do; needs a QGuiApplication and must be gone before that is.
 class GlyphSource {
   public:
     GlyphSource();
@@ -58,8 +58,9 @@ class GlyphSource {
 
     FontMetrics metrics(const QFont& font);
 
-    // The one that all players share; its caches are emptied when the application ends.
-    static GlyphSource& shared();
+    // The one that all players of this thread share; gone when the thread or the application ends.
+    // Threads that draw must end before the application does.
+    static GlyphSource& ofThisThread();
 
   private:
     struct Face;

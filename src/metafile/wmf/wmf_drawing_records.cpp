@@ -178,13 +178,13 @@ bool readWmfShape(const WmfRecord& record, WmfReading& reading) {
         sink.take(readBox(record));
         return true;
     case SetPixel_:
-        sink.take(SetPixel{pointBackwards(in, 10), wmfColourAt(in, 6)});
+        sink.take(SetPixel{pointBackwards(in, 10), reading.colourAt(in, 6)});
         return true;
     case FloodFill_:
-        sink.take(FloodFill{pointBackwards(in, 10), wmfColourAt(in, 6), FloodMode::ToBorder});
+        sink.take(FloodFill{pointBackwards(in, 10), reading.colourAt(in, 6), FloodMode::ToBorder});
         return true;
     case ExtFloodFill:
-        sink.take(FloodFill{pointBackwards(in, 12), wmfColourAt(in, 8),
+        sink.take(FloodFill{pointBackwards(in, 12), reading.colourAt(in, 8),
                             in.u16(6) == 1 ? FloodMode::WhileSurface : FloodMode::ToBorder});
         return true;
     default:

@@ -1,7 +1,9 @@
 #include "metafile/wmf/wmf_reader.h"
 
 #include "metafile/bounds/work_budget.h"
+#include "metafile/records/stock_objects.h"
 #include "metafile/wmf/wmf_records.h"
+#include "platform/thread_time.h"
 
 #include <algorithm>
 
@@ -123,7 +125,7 @@ class DrawnBox : public RecordSink {
         drawn_ = drawn_.isNull() ? pixel : drawn_.united(pixel);
     }
 
-    WorkBudget budget_;
+    WorkBudget budget_{platform::processorSecondsOfThisThread};
     QRectF drawn_;
 };
 
@@ -164,6 +166,12 @@ const Palette* WmfReading::palette() const {
     return found == palettes.end() ? nullptr : &found->second;
 }
 
+QRgb WmfReading::colourAt(const imaging::ByteReader& in, std::size_t at) const {
+    // Some files leave out the last byte.
+    const std::uint32_t kind = in.has(at + 3, 1) ? in.u8(at + 3) : 0U;
+    return meantColour(in.u16(at) | std::uint32_t{in.u8(at + 2)} << 16U | kind << 24U, palette());
+}
+
 QPointF pointBackwards(const imaging::ByteReader& in, std::size_t at) {
     return {double{1} * in.i16(at + 2), double{1} * in.i16(at)};
 }
@@ -174,10 +182,6 @@ QSizeF sizeBackwards(const imaging::ByteReader& in, std::size_t at) {
 
 QRectF rectangleBackwards(const imaging::ByteReader& in, std::size_t at) {
     return {pointBackwards(in, at + 4), pointBackwards(in, at)};
-}
-
-QRgb wmfColourAt(const imaging::ByteReader& in, std::size_t at) {
-    return qRgb(in.u8(at), in.u8(at + 1), in.u8(at + 2));
 }
 
 bool isWmf(std::span<const std::byte> bytes) {

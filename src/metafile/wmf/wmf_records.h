@@ -29,6 +29,8 @@ struct WmfReading {
     std::size_t takeHandle();
     // Null when no palette is selected.
     const Palette* palette() const;
+    // Of a pen, a brush or the device context; maybe an entry of the palette.
+    QRgb colourAt(const imaging::ByteReader& in, std::size_t at) const;
 };
 
 // Each returns whether the type is one of its own, and throws DecodeError when such a record cannot
@@ -45,6 +47,5 @@ QPointF pointBackwards(const imaging::ByteReader& in, std::size_t at); // y, x
 QSizeF sizeBackwards(const imaging::ByteReader& in, std::size_t at);   // height, width
 QRectF rectangleBackwards(const imaging::ByteReader& in,
                           std::size_t at); // bottom, right, top, left
-QRgb wmfColourAt(const imaging::ByteReader& in, std::size_t at);
 
 } // namespace metafile

@@ -120,7 +120,8 @@ bool readMapping(const WmfRecord& record, RecordSink& sink) {
     }
 }
 
-Pen readPen(const imaging::ByteReader& in) {
+Pen readPen(const WmfRecord& record, const WmfReading& reading) {
+    const imaging::ByteReader& in = record.in;
     Pen pen;
     const std::uint32_t style = in.u16(6);
     pen.style = penStyleOf(style);
@@ -131,7 +132,7 @@ Pen readPen(const imaging::ByteReader& in) {
     if (pen.width <= 1)
         pen.widthKind = PenWidth::Cosmetic;
     // The height's word is there in good files; some leave the colour's end out.
-    pen.brush.colour = wmfColourAt(in, 12);
+    pen.brush.colour = reading.colourAt(in, 12);
     return pen;
 }
 
@@ -202,7 +203,7 @@ Palette readPalette(const imaging::ByteReader& in) {
     Palette palette;
     const std::size_t count = in.u16(8);
     for (std::size_t i = 0; i < count && in.has(10 + 4 * i, 4); ++i)
-        palette.colours.push_back(wmfColourAt(in, 10 + 4 * i));
+        palette.colours.push_back(qRgb(in.u8(10 + 4 * i), in.u8(11 + 4 * i), in.u8(12 + 4 * i)));
     return palette;
 }
 
@@ -210,11 +211,11 @@ Object readObject(const WmfRecord& record, const WmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     switch (record.type) {
     case CreatePenIndirect:
-        return readPen(in);
+        return readPen(record, reading);
     case CreateFontIndirect:
         return readFont(in);
     case CreateBrushIndirect:
-        return plainBrush(in.u16(6), wmfColourAt(in, 8), in.has(12, 2) ? in.u16(12) : 0U);
+        return plainBrush(in.u16(6), reading.colourAt(in, 8), in.has(12, 2) ? in.u16(12) : 0U);
     default:
         return readBitmapBrush(record, reading);
     }
@@ -252,10 +253,10 @@ bool readWmfState(const WmfRecord& record, WmfReading& reading) {
         sink.take(RestoreState{in.has(6, 2) ? in.i16(6) : -1});
         return true;
     case SetBkColor:
-        sink.take(SetBackgroundColour{wmfColourAt(in, 6)});
+        sink.take(SetBackgroundColour{reading.colourAt(in, 6)});
         return true;
     case SetTextColor:
-        sink.take(SetTextColour{wmfColourAt(in, 6)});
+        sink.take(SetTextColour{reading.colourAt(in, 6)});
         return true;
     case SetTextJustification:
         sink.take(SetJustification{double{1} * in.i16(8), in.i16(6)});
