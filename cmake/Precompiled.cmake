@@ -20,6 +20,7 @@ endfunction()
 
 set(txs_standard_headers <algorithm> <array> <chrono> <cmath> <cstdint> <filesystem> <functional>
   <map> <memory> <optional> <span> <string> <string_view> <vector>)
+set(txs_core_headers ${txs_standard_headers} <QByteArray> <QDir> <QFileInfo> <QString>)
 set(txs_gui_headers ${txs_standard_headers}
   <QByteArray> <QDir> <QGuiApplication> <QImage> <QPainter> <QPainterPath> <QString> <QTransform>)
 set(txs_widgets_headers ${txs_gui_headers}
@@ -28,6 +29,7 @@ set(txs_widgets_headers ${txs_gui_headers}
 
 if(TXS_PRECOMPILE)
   txs_add_prelude(txs_standard_prelude HEADERS ${txs_standard_headers})
+  txs_add_prelude(txs_core_prelude LINKS Qt6::Core HEADERS ${txs_core_headers})
   txs_add_prelude(txs_gui_prelude LINKS Qt6::Gui HEADERS ${txs_gui_headers})
   txs_add_prelude(txs_widgets_prelude LINKS Qt6::Widgets HEADERS ${txs_widgets_headers})
 endif()
