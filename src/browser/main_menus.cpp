@@ -6,9 +6,6 @@
 #include <QMenu>
 #include <QMenuBar>
 
-#include <algorithm>
-#include <cstddef>
-
 namespace browser {
 namespace {
 
@@ -33,10 +30,6 @@ QString actionName(const Menu& menu, int index) {
     return QStringLiteral("%1_%2").arg(fromAscii(menu.name)).arg(index);
 }
 
-QAction* actionOf(QMenu* menu, const QString& name) {
-    return menu->findChild<QAction*>(name, Qt::FindDirectChildrenOnly);
-}
-
 } // namespace
 
 MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* owner)
@@ -50,10 +43,16 @@ MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* o
     for (const commands::IdleTool& tool : commands::idleTools()) {
         buildTool(tool.key, tool.storedCaption, owner);
     }
-    actionOf(menus_.at(static_cast<std::size_t>(MenuId::Hilfe)),
-             actionName(commands::menu(MenuId::Hilfe), 0))
-        ->setShortcut(QKeySequence::HelpContents);
+    itemOf(Command::Help)->setShortcut(QKeySequence::HelpContents);
     setState(selection_);
+}
+
+QAction* MainMenus::itemOf(Command command) const {
+    return menuActions_.at(command);
+}
+
+QAction* MainMenus::toolOf(Command command) const {
+    return bandActions_.at(command);
 }
 
 void MainMenus::buildMenu(QMenuBar* bar, const Menu& menu) {
@@ -76,8 +75,9 @@ void MainMenus::buildMenu(QMenuBar* bar, const Menu& menu) {
         connect(action, &QAction::triggered, this,
                 [this, id = menu.id, index = item.index] { dispatcher_.menuClick(id, index); });
         popUp->addAction(action);
+        menuActions_[item.command] = action;
     }
-    menus_.at(static_cast<std::size_t>(menu.id)) = popUp;
+    menus_[menu.id] = popUp;
     bar->addMenu(popUp);
 }
 
@@ -97,22 +97,21 @@ void MainMenus::buildBand(const Band& band, QWidget* owner) {
         QAction* action = buildTool(tool.key, tool.storedCaption, popUp);
         action->setEnabled(commands::hasHandler(tool.command));
         popUp->addAction(action);
+        bandActions_[tool.command] = action;
     }
-    bands_.at(static_cast<std::size_t>(band.id)) = popUp;
+    bands_[band.id] = popUp;
 }
 
 void MainMenus::setCaptions() {
     for (const Menu& menu : commands::menus()) {
-        QMenu* popUp = menus_.at(static_cast<std::size_t>(menu.id));
-        popUp->setTitle(app::text(menu.textId));
+        menus_.at(menu.id)->setTitle(app::text(menu.textId));
         for (const MenuItem& item : menu.items) {
-            actionOf(popUp, actionName(menu, item.index))->setText(captionOf(item));
+            itemOf(item.command)->setText(captionOf(item));
         }
     }
     for (const Band& band : commands::bands()) {
-        QMenu* popUp = bands_.at(static_cast<std::size_t>(band.id));
         for (const commands::Tool& tool : band.tools) {
-            actionOf(popUp, fromAscii(tool.key))->setText(app::text(tool.textId));
+            toolOf(tool.command)->setText(app::text(tool.textId));
         }
     }
 }
@@ -120,10 +119,8 @@ void MainMenus::setCaptions() {
 void MainMenus::setState(commands::Selection selection) {
     selection_ = selection;
     for (const Menu& menu : commands::menus()) {
-        QMenu* popUp = menus_.at(static_cast<std::size_t>(menu.id));
         for (const MenuItem& item : menu.items) {
-            actionOf(popUp, actionName(menu, item.index))
-                ->setEnabled(commands::isOffered(item.command, selection));
+            itemOf(item.command)->setEnabled(commands::isOffered(item.command, selection));
         }
     }
     updateEditItem();
@@ -135,37 +132,24 @@ void MainMenus::setEditItem(bool allowed) {
 }
 
 void MainMenus::updateEditItem() {
-    constexpr int kEditIndex = 2;
-    const Menu& menu = commands::menu(MenuId::Bearbeiten);
-    actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, kEditIndex))
+    itemOf(Command::EditPicture)
         ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, selection_));
 }
 
 void MainMenus::setEditTool(bool allowed) {
-    actionOf(bands_.at(static_cast<std::size_t>(commands::BandId::Picture)),
-             QStringLiteral("bEdit"))
-        ->setEnabled(allowed && commands::hasHandler(Command::EditPicture));
+    toolOf(Command::EditPicture)->setEnabled(allowed && commands::hasHandler(Command::EditPicture));
 }
 
 void MainMenus::setGraphicalPreview(bool on) {
-    const Menu& menu = commands::menu(MenuId::Extras);
-    actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, 0))->setChecked(on);
+    itemOf(Command::GraphicalPreview)->setChecked(on);
 }
 
 void MainMenus::trigger(Command command) {
-    for (const Menu& menu : commands::menus()) {
-        for (const MenuItem& item : menu.items) {
-            if (item.command == command) {
-                actionOf(menus_.at(static_cast<std::size_t>(menu.id)), actionName(menu, item.index))
-                    ->trigger();
-                return;
-            }
-        }
-    }
+    itemOf(command)->trigger();
 }
 
 void MainMenus::popUp(commands::BandId band, const QPoint& globalPosition) {
-    bands_.at(static_cast<std::size_t>(band))->popup(globalPosition);
+    bands_.at(band)->popup(globalPosition);
 }
 
 } // namespace browser

@@ -10,7 +10,7 @@
 
 #include <QObject>
 
-#include <array>
+#include <map>
 #include <string_view>
 
 class QAction;
@@ -52,10 +52,14 @@ class MainMenus : public QObject {
     QAction* buildTool(std::string_view key, std::u16string_view caption, QObject* owner);
     void buildBand(const commands::Band& band, QWidget* owner);
     void updateEditItem();
+    QAction* itemOf(commands::Command command) const; // there must be one
+    QAction* toolOf(commands::Command command) const;
 
     commands::Dispatcher& dispatcher_;
-    std::array<QMenu*, 4> menus_{};
-    std::array<QMenu*, 2> bands_{};
+    std::map<commands::MenuId, QMenu*> menus_;
+    std::map<commands::BandId, QMenu*> bands_;
+    std::map<commands::Command, QAction*> menuActions_; // a command has one item at most
+    std::map<commands::Command, QAction*> bandActions_; // and one tool at most
     commands::Selection selection_ = commands::Selection::None;
     bool isEditingAllowed_ = true;
 };

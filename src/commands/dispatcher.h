@@ -4,52 +4,14 @@
 // A command that has no such function yet is disabled everywhere.
 #pragma once
 
+#include "commands/command_call.h"
 #include "commands/command_tables.h"
-#include "commands/selection_context.h"
 
-#include <QPointer>
 #include <QString>
-
-namespace editing {
-class frmOpen;
-class frmOptionenWMF;
-} // namespace editing
 
 namespace commands {
 
-class LibraryView;
-class frmEditGruppe;
-class frmEditorOptionen;
-class frmEditSymbol;
-class frmGroupInfo;
-class frmInfo;
-class frmInfos;
-class frmNeueGruppe;
-
-// Where a command was chosen. Some commands act differently on the two ways.
-enum class Origin { PopUp, Menu };
-
-// The dialogs, each made on its first use, kept for the next one, and owned by the main window.
-struct Dialogs {
-    QPointer<frmNeueGruppe> newGroup;
-    QPointer<frmEditGruppe> renameGroup;
-    QPointer<frmGroupInfo> groupInfo;
-    QPointer<editing::frmOpen> addPicture;
-    QPointer<editing::frmOptionenWMF> vectorPicture;
-    QPointer<frmEditSymbol> renamePicture;
-    QPointer<frmInfos> pictureInfo;
-    QPointer<frmEditorOptionen> editorOptions;
-    QPointer<frmInfo> libraryInfo;
-};
-
-// What a command's function gets.
-struct CommandCall {
-    LibraryView& view;
-    Dialogs& dialogs;
-    SelectionContext selection;
-    Origin origin;
-};
-
+// Whether the command has a function yet.
 bool hasHandler(Command command);
 
 class Dispatcher {

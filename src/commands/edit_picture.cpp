@@ -2,7 +2,7 @@
 
 #include "app/message_box.h"
 #include "app/texts.h"
-#include "commands/dispatcher.h"
+#include "commands/command_call.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
@@ -44,10 +44,7 @@ std::optional<QString> readType(const CommandCall& call, const editing::PictureI
 }
 
 void openVectorWindow(CommandCall& call, const editing::PictureInGroup& picture) {
-    if (!call.dialogs.vectorPicture) {
-        call.dialogs.vectorPicture = new editing::frmOptionenWMF(call.view.owner());
-    }
-    call.dialogs.vectorPicture->openFor(call.view.library(), picture);
+    keptDialog(call.dialogs.vectorPicture, call.view.owner()).openFor(call.view.library(), picture);
 }
 
 } // namespace

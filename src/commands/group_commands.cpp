@@ -2,7 +2,7 @@
 
 #include "app/message_box.h"
 #include "app/texts.h"
-#include "commands/dispatcher.h"
+#include "commands/command_call.h"
 #include "commands/failure_report.h"
 #include "commands/frm_edit_gruppe.h"
 #include "commands/frm_group_info.h"
@@ -16,15 +16,6 @@ namespace {
 constexpr int kDeleteBefore = 304;
 constexpr int kDeleteAfter = 305;
 constexpr int kNoGroup = 306;
-
-// The kept dialog, made on its first use.
-template <typename Dialog>
-Dialog& dialogOf(QPointer<Dialog>& kept, LibraryView& view) {
-    if (kept.isNull()) {
-        kept = QPointer<Dialog>(new Dialog(view, view.owner()));
-    }
-    return *kept;
-}
 
 void sayThatNoGroupIsSelected(const CommandCall& call) {
     app::msgBox(app::text(kNoGroup), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
@@ -40,11 +31,11 @@ bool isDeletionConfirmed(const CommandCall& call) {
 } // namespace
 
 void newGroup(CommandCall& call) {
-    dialogOf(call.dialogs.newGroup, call.view).openFor(call.selection);
+    keptDialog(call.dialogs.newGroup, call.view, call.view.owner()).openFor(call.selection);
 }
 
 void renameGroup(CommandCall& call) {
-    dialogOf(call.dialogs.renameGroup, call.view).openFor(call.selection);
+    keptDialog(call.dialogs.renameGroup, call.view, call.view.owner()).openFor(call.selection);
 }
 
 void deleteGroup(CommandCall& call) {
@@ -75,7 +66,7 @@ void showGroupInfo(CommandCall& call) {
         sayThatNoGroupIsSelected(call);
         return;
     }
-    dialogOf(call.dialogs.groupInfo, call.view).openFor(call.selection);
+    keptDialog(call.dialogs.groupInfo, call.view, call.view.owner()).openFor(call.selection);
 }
 
 } // namespace commands

@@ -3,7 +3,7 @@
 #include "app/message_box.h"
 #include "app/settings.h"
 #include "app/texts.h"
-#include "commands/dispatcher.h"
+#include "commands/command_call.h"
 #include "commands/failure_report.h"
 #include "commands/frm_edit_symbol.h"
 #include "commands/frm_infos.h"
@@ -76,13 +76,12 @@ bool isDeletionConfirmed(const CommandCall& call) {
 
 void addPicture(CommandCall& call) {
     LibraryView& view = call.view;
-    if (!call.dialogs.addPicture) {
-        call.dialogs.addPicture = new editing::frmOpen(
-            view.owner(), {[&view] { view.Aktualisieren(); },
-                           [&view](const std::exception& error) { showWhatIsLeft(view, error); }});
-    }
-    call.dialogs.addPicture->openFor(view.library(),
-                                     {call.selection.group(), call.selection.groupPath});
+    editing::frmOpen& dialog =
+        keptDialog(call.dialogs.addPicture, view.owner(),
+                   editing::frmOpen::Listener{
+                       [&view] { view.Aktualisieren(); },
+                       [&view](const std::exception& error) { showWhatIsLeft(view, error); }});
+    dialog.openFor(view.library(), {call.selection.group(), call.selection.groupPath});
 }
 
 void readPicture(CommandCall& call) {
@@ -107,10 +106,7 @@ void renamePicture(CommandCall& call) {
     if (call.origin == Origin::Menu && call.selection.picture.isNone()) {
         return;
     }
-    if (!call.dialogs.renamePicture) {
-        call.dialogs.renamePicture = new frmEditSymbol(call.view, call.view.owner());
-    }
-    call.dialogs.renamePicture->openFor(call.selection);
+    keptDialog(call.dialogs.renamePicture, call.view, call.view.owner()).openFor(call.selection);
 }
 
 void deletePicture(CommandCall& call) {
@@ -141,10 +137,8 @@ void showPictureInfo(CommandCall& call) {
         if (!picture) {
             return;
         }
-        if (!call.dialogs.pictureInfo) {
-            call.dialogs.pictureInfo = new frmInfos(call.view.owner());
-        }
-        call.dialogs.pictureInfo->openFor(call.view.library(), picture->group, picture->name);
+        keptDialog(call.dialogs.pictureInfo, call.view.owner())
+            .openFor(call.view.library(), picture->group, picture->name);
     });
 }
 

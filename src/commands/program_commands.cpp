@@ -3,7 +3,7 @@
 #include "app/help.h"
 #include "app/message_box.h"
 #include "app/texts.h"
-#include "commands/dispatcher.h"
+#include "commands/command_call.h"
 #include "commands/frm_editor_optionen.h"
 #include "commands/frm_info.h"
 #include "commands/library_view.h"
@@ -19,10 +19,7 @@ void toggleGraphicalPreview(CommandCall& call) {
 }
 
 void showEditorOptions(CommandCall& call) {
-    if (!call.dialogs.editorOptions) {
-        call.dialogs.editorOptions = new frmEditorOptionen(call.view.owner());
-    }
-    call.dialogs.editorOptions->openAfresh();
+    keptDialog(call.dialogs.editorOptions, call.view.owner()).openAfresh();
 }
 
 void exitProgram(CommandCall& call) {
@@ -39,10 +36,7 @@ void searchHelp(CommandCall& call) {
 }
 
 void showLibraryInfo(CommandCall& call) {
-    if (!call.dialogs.libraryInfo) {
-        call.dialogs.libraryInfo = new frmInfo(call.view.owner());
-    }
-    call.dialogs.libraryInfo->openFor(call.view.library());
+    keptDialog(call.dialogs.libraryInfo, call.view.owner()).openFor(call.view.library());
 }
 
 } // namespace commands
