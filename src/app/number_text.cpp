@@ -26,6 +26,11 @@ QString numberText(double value) {
     return numberText(value, kDoubleDigits);
 }
 
+QString cutBehindComma(const QString& number, int digits) {
+    const qsizetype comma = number.indexOf(u',');
+    return comma < 0 ? number : number.left(digits == 0 ? comma : comma + 1 + digits);
+}
+
 QChar decimalSeparator() {
     if (overriddenSeparator)
         return *overriddenSeparator;

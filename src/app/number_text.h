@@ -12,6 +12,10 @@ namespace app {
 QString numberText(float value);
 QString numberText(double value);
 
+// A number's text, cut behind so many digits after a decimal comma (with none of them the comma
+// goes, too). A decimal point cuts nothing: so it is wanted.
+QString cutBehindComma(const QString& number, int digits);
+
 // The separator in use: the locale's, unless overridden.
 QChar decimalSeparator();
 

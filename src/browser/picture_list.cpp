@@ -73,8 +73,8 @@ std::array<double, kListColumns> columnWidths(double listWidth) {
 }
 
 QString kilobytesText(std::uint64_t bytes) {
-    const QString number = app::numberText(static_cast<double>(bytes) / 1024);
-    return number.section(u',', 0, 0) + QLatin1String(" KB");
+    return app::cutBehindComma(app::numberText(static_cast<double>(bytes) / 1024), 0) +
+           QLatin1String(" KB");
 }
 
 QString bytesText(std::uint64_t bytes) {

@@ -27,18 +27,14 @@ constexpr qsizetype kDigitsAfterComma = 2;
 constexpr int kFactWidth = 280;
 constexpr int kWidestName = 520;
 
-// Only a decimal comma cuts the digits: so it is wanted.
 QString sizeText(std::uint64_t bytes) {
     double size = static_cast<double>(bytes) / kUnit;
     const bool isLarge = size > kUnit;
     if (isLarge) {
         size /= kUnit;
     }
-    QString number = app::numberText(size);
-    if (const qsizetype comma = number.indexOf(u','); comma >= 0) {
-        number.truncate(comma + 1 + kDigitsAfterComma);
-    }
-    return number + QLatin1String(isLarge ? " MB" : " KB");
+    return app::cutBehindComma(app::numberText(size), kDigitsAfterComma) +
+           QLatin1String(isLarge ? " MB" : " KB");
 }
 
 } // namespace

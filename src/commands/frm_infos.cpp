@@ -66,10 +66,11 @@ app::TwipRect ToBig(const app::TwipRect& place, int height, int width) {
     return height < width ? ReduceHeight(place, height, width) : ReduceWidth(place, height, width);
 }
 
-// One digit after a decimal comma, and without one the first digit alone: so it is wanted.
+// Without a decimal comma the first digit alone: so it is wanted.
 QString sizeText(std::size_t bytes) {
     const QString number = app::numberText(static_cast<float>(bytes) / 1024.0F);
-    return number.left(number.indexOf(u',') + 2) + QLatin1String(" KB");
+    return (number.contains(u',') ? app::cutBehindComma(number, 1) : number.left(1)) +
+           QLatin1String(" KB");
 }
 
 // As a label shows it; 0 for what is no number.
