@@ -3,10 +3,10 @@
 #include "app/message_box.h"
 #include "app/settings.h"
 #include "app/texts.h"
-#include "platform/help.h"
 #include "platform/paths.h"
 
 #include <QAbstractButton>
+#include <QFileInfo>
 #include <QShortcut>
 
 #include <utility>
@@ -32,12 +32,8 @@ void showHelp(HelpTopic topic, QWidget* owner) {
         return;
     }
     const QString file = platform::nativePath(settings().helpFile());
-    const platform::HelpOutcome outcome = platform::displayHelp(file, static_cast<int>(topic));
-    if (outcome == platform::HelpOutcome::Shown)
-        return;
-    const bool isMissing = outcome == platform::HelpOutcome::FileMissing;
-    msgBox(text(isMissing ? kFileMissing : kNoViewer) + u'\n' + file, Buttons::Ok, kProgramTitle,
-           owner);
+    msgBox(text(QFileInfo::exists(file) ? kNoViewer : kFileMissing) + u'\n' + file, Buttons::Ok,
+           kProgramTitle, owner);
 }
 
 void offerHelp(QWidget& window, QAbstractButton* button, HelpTopic topic) {

@@ -88,14 +88,6 @@ QStringList systemSettingsFolders() {
     return folders;
 }
 
-#ifdef Q_OS_WIN
-
-QString nativePath(const QString& text) {
-    return text;
-}
-
-#else
-
 QString nativePath(const QString& text) {
     QString path = withSingleSlashes(text);
     if (isBelowStudio(path))
@@ -105,8 +97,6 @@ QString nativePath(const QString& text) {
     const QString rest = path.mid(2);
     return rest.startsWith(u'/') ? rest : u'/' + rest;
 }
-
-#endif
 
 QString joinPath(const QString& folder, const QString& name) {
     if (folder.isEmpty() || folder.endsWith(u'/') || folder.endsWith(u'\\'))

@@ -13,44 +13,12 @@
 #include <iostream>
 #include <span>
 
-#ifdef Q_OS_WIN
-#include <QSettings>
-#endif
-
 namespace platform {
 
 namespace {
 
 using compound::Error;
 using compound::ErrorCode;
-
-#ifdef Q_OS_WIN
-
-class RegistrySettings final : public SettingsBackend {
-  public:
-    QString read(Hive hive, const QString& key, const QString& name,
-                 const QString& fallback) override {
-        const QString root = hive == Hive::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE\\")
-                                                        : QStringLiteral("HKEY_CURRENT_USER\\");
-        for (const QSettings::Format view :
-             {QSettings::Registry64Format, QSettings::Registry32Format}) {
-            const QVariant value = QSettings(root + key, view).value(name);
-            if (value.isValid())
-                return value.toString();
-        }
-        return fallback;
-    }
-
-    void write(const QString& key, const QString& name, const QString& value) override {
-        QSettings registry(QStringLiteral("HKEY_CURRENT_USER\\") + key, QSettings::NativeFormat);
-        registry.setValue(name, value);
-        registry.sync();
-        if (registry.status() != QSettings::NoError)
-            throw Error(ErrorCode::Denied, toFilePath(key), "write to the registry");
-    }
-};
-
-#endif
 
 QString machineFile(const QString& folder) {
     return joinPath(folder, QStringLiteral("machine.conf"));
@@ -150,11 +118,6 @@ class FileSettings final : public SettingsBackend {
 } // namespace
 
 SettingsBackend& nativeSettings() {
-#ifdef Q_OS_WIN
-    static RegistrySettings registry;
-    if (homeRoot().isEmpty())
-        return registry;
-#endif
     static FileSettings files;
     return files;
 }
