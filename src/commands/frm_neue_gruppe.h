@@ -1,4 +1,4 @@
-// The dialog that makes a new group.
+// The dialog that makes a new group, at the top level or below the selected one.
 #pragma once
 
 #include "commands/selection_context.h"
@@ -24,7 +24,9 @@ class frmNeueGruppe : public QDialog {
     // The view must outlive the dialog.
     frmNeueGruppe(LibraryView& view, QWidget* owner);
 
-    // Shows the dialog, empty, for that selection and returns when it is closed.
+    // Shows the dialog, empty, for that selection and returns when it is closed. A name that is
+    // missing, taken or invalid is told in a box, and so is what the store throws; both leave the
+    // library as it was and the dialog open. A group that was made is shown in the main window.
     void openFor(const SelectionContext& context);
 
   protected:

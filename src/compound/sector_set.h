@@ -1,4 +1,8 @@
-// A set of sector numbers, an eighth of a byte for each in the neighbourhood of a member.
+// A set of sector numbers: what a transaction has taken and what it frees. Sectors lie close
+// together, so that a bit for each of the 1024 around a member, and a pointer for each 1024 of the
+// file, take less memory than a node for each member; every operation takes constant time.
+//
+// No errors but for want of memory; a failed insert() leaves the set as it was.
 #pragma once
 
 #include <bitset>
@@ -16,6 +20,7 @@ class SectorSet {
         return block < blocks_.size() && blocks_[block] && (*blocks_[block])[sector % kBlock];
     }
 
+    // Inserting a member changes nothing.
     void insert(std::uint32_t sector) {
         const std::size_t block = sector / kBlock;
         if (block >= blocks_.size())

@@ -1,4 +1,10 @@
-// The content of streams: in the mini stream below 4096 bytes, otherwise in sectors of their own.
+// The content of streams, each known by its directory entry: in the mini stream below 4096 bytes,
+// otherwise in sectors of its own; a stream that passes that limit moves.
+//
+// Offsets and sizes are bytes. Writing goes to free sectors alone, and the entry in memory names
+// them; nothing of it counts before the transaction's commit. What fails on the way leaves the
+// entry and the chains in memory half changed: the transaction must then be dropped. Damaged when a
+// chain is longer or shorter than the stream's size, NoSpace on a full disk.
 #pragma once
 
 #include "compound/directory_entries.h"
@@ -16,10 +22,17 @@ class StreamContent {
                   MiniStream& mini)
         : file_(file), table_(table), directory_(directory), mini_(mini) {}
 
-    // See compound_file.h, class Stream.
+    // Reads up to `into.size()` bytes; returns how many there were, 0 behind the end.
     std::size_t read(EntryId id, std::uint64_t offset, std::span<std::byte> into);
+
+    // The whole content. Memory is taken only after the chain was found to be as long as the size.
     std::vector<std::byte> readAll(EntryId id);
+
+    // Replaces the content.
     void assign(EntryId id, std::span<const std::byte> bytes);
+
+    // Adds to the end. What stood there before is not written again, but for the last sector's
+    // part.
     void append(EntryId id, std::span<const std::byte> bytes);
 
     // Frees what the stream occupies; the entry still names it.
