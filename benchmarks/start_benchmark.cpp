@@ -1,5 +1,6 @@
 // A start of the real program with 1,000 group files against a start with an empty library: from
 // the launch until the window has been painted (--screenshot), on the offscreen platform.
+#include "base/utf8.h"
 #include "peers.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
@@ -28,7 +29,7 @@ struct Home {
         const store::Library library{platform::nativeDisk(), folder, {}};
         for (int i = 0; i < groups; ++i) {
             const store::GroupAddress group = store::createGroup(
-                library, std::nullopt, {store::fromUtf8("Group " + std::to_string(i))});
+                library, std::nullopt, {base::fromUtf8("Group " + std::to_string(i))});
             store::createGroup(library, group, {u"Below"});
         }
     }

@@ -1,6 +1,7 @@
 // The store against a plain folder of files and against SQLite, side by side in one run:
 // durable adding and how its cost grows, listing, reading one picture with opening included, and
 // durable renaming.
+#include "base/utf8.h"
 #include "peers.h"
 #include "picture/picture.h"
 #include "platform/native_disk.h"
@@ -100,7 +101,7 @@ struct Setup {
         store::PictureBatch batch(library, group);
         database.begin();
         for (int i = 0; i < count; ++i) {
-            batch.add({store::fromUtf8(nameOf(i))}, source, store::IfPictureExists::Refuse);
+            batch.add({base::fromUtf8(nameOf(i))}, source, store::IfPictureExists::Refuse);
             folder.addQuickly(nameOf(i), bitmap, "h64w64tBMP");
             database.add(nameOf(i), bitmap, "h64w64tBMP");
         }
@@ -134,7 +135,7 @@ Setup& setupOf(std::int64_t count) {
 void addDurablyStore(benchmark::State& state) {
     Setup& setup = setupOf(state.range(0));
     for (auto _ : state)
-        store::addPicture(setup.library, setup.group, {store::fromUtf8(nameOf(setup.next++))},
+        store::addPicture(setup.library, setup.group, {base::fromUtf8(nameOf(setup.next++))},
                           setup.source);
 }
 
@@ -177,7 +178,7 @@ void readOneStore(benchmark::State& state) {
     for (auto _ : state) {
         const int number = static_cast<int>(random() % static_cast<unsigned>(setup.size));
         benchmark::DoNotOptimize(
-            store::readPicture(setup.library, setup.group, {store::fromUtf8(nameOf(number))})
+            store::readPicture(setup.library, setup.group, {base::fromUtf8(nameOf(number))})
                 .bytes.size());
     }
 }
@@ -196,8 +197,8 @@ void renameDurablyStore(benchmark::State& state) {
     Setup& setup = setupOf(state.range(0));
     for (auto _ : state) {
         const auto [from, to] = setup.inStore.next();
-        store::renamePicture(setup.library, setup.group, {store::fromUtf8(from)},
-                             {store::fromUtf8(to)});
+        store::renamePicture(setup.library, setup.group, {base::fromUtf8(from)},
+                             {base::fromUtf8(to)});
     }
 }
 

@@ -1,6 +1,7 @@
 #include "app/message_box.h"
 
 #include "app/texts.h"
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/address.h"
 
@@ -140,7 +141,7 @@ int msgBox(const QString& text, Buttons buttons, const QString& title, QWidget* 
 QString errorText(const compound::Error& error) {
     QString result;
     if (!error.file().empty())
-        result = QString::fromStdU16String(store::fromPath(error.file())) + u'\n';
+        result = QString::fromStdU16String(base::fromPath(error.file())) + u'\n';
     result += text(failureText(error.code()));
     if (!error.cause().empty() && !saysItAll(error.code()))
         result += QStringLiteral(" (%1)").arg(QString::fromStdString(error.cause()));

@@ -2,6 +2,8 @@
 // are one device-independent pixel. Fractions are kept until the conversion and rounded there.
 #pragma once
 
+#include "base/picture_units.h"
+
 #include <QPoint>
 #include <QRect>
 #include <QSize>
@@ -9,7 +11,7 @@
 
 namespace app {
 
-inline constexpr int kTwipsPerPixel = 15;
+using base::kTwipsPerPixel;
 
 // All four in twips; left and top relative to the parent.
 struct TwipRect {

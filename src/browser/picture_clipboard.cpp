@@ -1,5 +1,6 @@
 #include "browser/picture_clipboard.h"
 
+#include "base/utf8.h"
 #include "picture/picture.h"
 #include "platform/paths.h"
 #include "store/picture_operations.h"
@@ -39,7 +40,7 @@ std::string fileNameFor(std::u16string name) {
     if (name.empty() || name.front() == u'.') {
         name.insert(name.begin(), u'_');
     }
-    return store::toUtf8(name);
+    return base::toUtf8(name);
 }
 
 } // namespace

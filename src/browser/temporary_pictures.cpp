@@ -1,5 +1,6 @@
 #include "browser/temporary_pictures.h"
 
+#include "base/utf8.h"
 #include "store/names.h"
 
 #include <array>
@@ -32,7 +33,7 @@ void removeTemporaryPictures(const std::filesystem::path& folder) {
     std::error_code error;
     std::vector<std::filesystem::path> found;
     for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        if (isTemporaryPicture(store::fromPath(entry.path().filename()))) {
+        if (isTemporaryPicture(base::fromPath(entry.path().filename()))) {
             found.push_back(entry.path());
         }
     }

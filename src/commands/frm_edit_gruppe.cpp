@@ -79,11 +79,8 @@ bool frmEditGruppe::isValid(const store::GroupName& name) const {
     if (!context_.TopLevelSelected) {
         return store::testGroupName(library, name, store::GroupLevel::SubGroup);
     }
-    // Two files whose names differ in case only cannot lie side by side on every system; the
-    // renamed one may change the case of its own name.
     return store::testGroupName(library, name, store::GroupLevel::TopLevel) &&
-           (store::sameName(name.text, context_.CurrentGroup.text) ||
-            !store::groupExistsIgnoringCase(library, name));
+           !store::groupExistsIgnoringCase(library, name, context_.CurrentGroup);
 }
 
 // What the box says; empty when the group may have the name. The order of the questions decides

@@ -121,7 +121,6 @@ bool frmNeueGruppe::isAcceptable(const std::optional<store::GroupAddress>& paren
         return false;
     }
     const auto level = parent ? store::GroupLevel::SubGroup : store::GroupLevel::TopLevel;
-    // Two files whose names differ in case only cannot lie side by side on every system.
     if (!store::testGroupName(library, name, level) ||
         (!parent && store::groupExistsIgnoringCase(library, name))) {
         refuse(kNameInvalid);

@@ -1,5 +1,7 @@
 #include "compound/names.h"
 
+#include "base/utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -46,34 +48,15 @@ bool isLegalName(std::u16string_view name) noexcept {
            name.find_first_of(kForbidden) == std::u16string_view::npos;
 }
 
-void appendUtf8(std::string& text, char32_t point) {
-    const auto put = [&](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-    const auto follow = [&](unsigned shift) { put(0x80U | ((point >> shift) & 0x3FU)); };
-    if (point < 0x80) {
-        put(point);
-    } else if (point < 0x800) {
-        put(0xC0U | (point >> 6U));
-    } else if (point < 0x10000) {
-        put(0xE0U | (point >> 12U));
-        follow(6);
-    } else {
-        put(0xF0U | (point >> 18U));
-        follow(12);
-        follow(6);
-    }
-    if (point >= 0x80)
-        follow(0);
-}
-
 std::string shownName(std::u16string_view name) {
     std::string text;
     for (std::size_t at = 0; at < name.size(); ++at) {
         const char16_t unit = name[at];
         const bool isHalf = (unit & 0xF800U) == 0xD800;
         if (isPair(name, at))
-            appendUtf8(text, 0x10000U + ((unit & 0x3FFU) << 10U) + (name[++at] & 0x3FFU));
+            base::appendUtf8(text, 0x10000U + ((unit & 0x3FFU) << 10U) + (name[++at] & 0x3FFU));
         else
-            appendUtf8(text, isHalf || isControl(unit) ? U'?' : char32_t{unit});
+            base::appendUtf8(text, isHalf || isControl(unit) ? U'?' : char32_t{unit});
     }
     return text;
 }

@@ -19,9 +19,6 @@ int compareNames(std::u16string_view left, std::u16string_view right) noexcept;
 // 1 to 31 units, none of them / \ : ! or zero.
 bool isLegalName(std::u16string_view name) noexcept;
 
-// Appends the character in UTF-8; half of one as if it were whole.
-void appendUtf8(std::string& text, char32_t point);
-
 // The name in UTF-8 for messages; "?" for control characters and halves of characters.
 std::string shownName(std::u16string_view name);
 

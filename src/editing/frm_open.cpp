@@ -6,6 +6,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
+#include "base/picture_units.h"
 #include "compound/error.h"
 #include "editing/drive_list.h"
 #include "editing/file_list.h"
@@ -17,6 +18,7 @@
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 #include "store/damaged_groups.h"
+#include "store/names.h"
 #include "store/picture_operations.h"
 
 #include <QGroupBox>
@@ -75,9 +77,13 @@ constexpr int kFrameMargin = 6;
 
 constexpr std::chrono::milliseconds kScanPatience{1000};
 
-const QStringList kSuffixes{QStringLiteral(".gif"), QStringLiteral(".bmp"), QStringLiteral(".jpg"),
-                            QStringLiteral(".wmf"), QStringLiteral(".ico"), QStringLiteral(".cur"),
-                            QStringLiteral(".emf")};
+QStringList pictureSuffixes() {
+    QStringList suffixes;
+    for (const std::string_view code : base::kTypeCodes) {
+        suffixes += u'.' + QString::fromLatin1(code.data(), static_cast<qsizetype>(code.size()));
+    }
+    return suffixes;
+}
 
 app::TwipRect Normal() {
     return {(kBoxWidth - kBoxHeight) / 2 + kBoxLeft, kBoxTop, kBoxHeight, kBoxHeight};
@@ -99,13 +105,7 @@ std::filesystem::path pathOf(const FileList& files) {
 
 // Throws compound::Error or picture::DecodeError.
 picture::Picture readPicture(const std::filesystem::path& path) {
-    const auto file = platform::nativeDisk().open(path, compound::Access::Read);
-    const std::uint64_t size = file->size();
-    if (size > store::kMaximumPictureBytes)
-        throw compound::Error(compound::ErrorCode::TooLarge, path, "too large for a picture");
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    bytes.resize(file->read(0, bytes));
-    return picture::decode(bytes);
+    return picture::decode(store::readPictureFile(platform::nativeDisk(), path));
 }
 
 // Without a folder there is nothing to scan; saving will say what is wrong with it.
@@ -128,12 +128,6 @@ bool isSoundOrSetAside(const store::Library& library, const store::FileName& fil
         return false;
     }
     return state == store::GroupFileState::Sound;
-}
-
-// A group's own two streams; no picture can have their names.
-bool isReservedName(const QString& name) {
-    return name.compare(QStringLiteral("Name"), Qt::CaseInsensitive) == 0 ||
-           name.compare(QStringLiteral("Parent"), Qt::CaseInsensitive) == 0;
 }
 
 template <typename Control, typename... Arguments>
@@ -171,7 +165,7 @@ void frmOpen::makeControls() {
     drvDrive_ = makeNamed<DriveList>("drvDrive", fraOrdner_);
     dirOrdner_ = makeNamed<FolderList>("dirOrdner", fraOrdner_);
     fraDatei_ = makeNamed<QGroupBox>("fraDatei", this);
-    filDatei_ = makeNamed<FileList>("filDatei", kSuffixes, fraDatei_);
+    filDatei_ = makeNamed<FileList>("filDatei", pictureSuffixes(), fraDatei_);
     fraVorschau_ = makeNamed<QGroupBox>("fraVorschau", this);
     lblName_ = makeNamed<QLabel>("lblName", this);
     txtName_ = makeNamed<QLineEdit>("txtName", this);
@@ -309,7 +303,7 @@ std::optional<int> frmOpen::refusal() const {
         return kTextNoName;
     if (!target_.address)
         return kTextNoGroup;
-    if (isReservedName(name))
+    if (store::isGroupText(name.toStdU16String()))
         return kTextInvalidName;
     return std::nullopt;
 }

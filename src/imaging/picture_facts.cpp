@@ -1,25 +1,12 @@
 #include "imaging/picture_facts.h"
 
+#include "base/picture_units.h"
+
 namespace imaging {
 
 QString typeCodeOf(PictureKind kind) {
-    switch (kind) {
-    case PictureKind::Wmf:
-        return QStringLiteral("WMF");
-    case PictureKind::Emf:
-        return QStringLiteral("EMF");
-    case PictureKind::Ico:
-        return QStringLiteral("ICO");
-    case PictureKind::Cur:
-        return QStringLiteral("CUR");
-    case PictureKind::Bmp:
-        return QStringLiteral("BMP");
-    case PictureKind::Gif:
-        return QStringLiteral("GIF");
-    case PictureKind::Jpg:
-        break;
-    }
-    return QStringLiteral("JPG");
+    const std::string_view code = base::kTypeCodes.at(static_cast<std::size_t>(kind));
+    return QString::fromLatin1(code.data(), static_cast<qsizetype>(code.size()));
 }
 
 } // namespace imaging

@@ -1,6 +1,8 @@
 // What is known of a picture before its pixels: kind, size, and what is wrong with it.
 #pragma once
 
+#include "base/picture_units.h"
+
 #include <QPoint>
 #include <QSize>
 #include <QString>
@@ -9,7 +11,7 @@
 
 namespace imaging {
 
-// In the order in which type codes are tested.
+// In the order of base::kTypeCodes.
 enum class PictureKind { Wmf, Emf, Ico, Cur, Bmp, Gif, Jpg };
 
 // 15 twips are a pixel; a metafile's size may be a fraction of pixels.
@@ -18,7 +20,7 @@ struct TwipSize {
     double width = 0;
 };
 
-inline constexpr double kTwipsPerPixel = 15;
+inline constexpr double kTwipsPerPixel = base::kTwipsPerPixel;
 inline constexpr qint64 kMaximumPixels = 40'000'000;
 
 // what(): the cause in plain English, without a file name.

@@ -1,3 +1,4 @@
+#include "base/picture_units.h"
 #include "metafile/emf/emf_reader.h"
 #include "metafile/metafile.h"
 #include "metafile/wmf/wmf_reader.h"
@@ -14,7 +15,7 @@ using imaging::PictureKind;
 
 namespace {
 
-constexpr double kTwipsPerInch = 1440;
+constexpr double kTwipsPerInch = base::kTwipsPerInch;
 constexpr double kMillimetresPerInch = 25.4;
 constexpr double kDefaultSide = 32 * kTwipsPerPixel; // of a metafile that tells no size
 constexpr double kMostTwips = 32767 * kTwipsPerPixel;

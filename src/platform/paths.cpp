@@ -1,6 +1,6 @@
 #include "platform/paths.h"
 
-#include "store/address.h"
+#include "base/utf8.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -106,11 +106,11 @@ QString joinPath(const QString& folder, const QString& name) {
 }
 
 std::filesystem::path toFilePath(const QString& nativeText) {
-    return store::toPath(nativeText.toStdU16String());
+    return base::toPath(nativeText.toStdU16String());
 }
 
 QString fromFilePath(const std::filesystem::path& path) {
-    return QString::fromStdU16String(store::fromPath(path));
+    return QString::fromStdU16String(base::fromPath(path));
 }
 
 } // namespace platform

@@ -52,10 +52,4 @@ GroupAddress addressOf(std::u16string_view key);
 // The address of the top-level group `name`.
 GroupAddress topLevelAddress(std::u16string_view name);
 
-// UTF-8 <-> UTF-16 for file names and messages; bytes that are no UTF-8 survive the round trip.
-std::u16string fromUtf8(std::string_view bytes);
-std::string toUtf8(std::u16string_view text);
-std::u16string fromPath(const std::filesystem::path& path);
-std::filesystem::path toPath(std::u16string_view text);
-
 } // namespace store

@@ -1,5 +1,6 @@
 #include "store/damaged_groups.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/group_layout.h"
 #include "store/storage_access.h"
@@ -61,7 +62,7 @@ GroupFileReading readGroupFile(const Library& library, const FileName& file,
 
 GroupFileState testGroupFile(const Library& library, const std::filesystem::path& path,
                              const LockBudget& budget) {
-    std::u16string name = fromPath(path.filename());
+    std::u16string name = base::fromPath(path.filename());
     if (endsWithIgnoringCase(name, kGroupFileSuffix))
         name.resize(name.size() - kSuffixLength);
     return examine(library, path, {name}, budget, [](StorageAccess&, const StorageName&) {}).state;
@@ -79,7 +80,7 @@ void setAside(const Library& library, const FileName& file) {
                     path, now.failure->cause());
     const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const std::filesystem::path aside =
-        library.folder / toPath(file.text + std::u16string(kDamagedFileSuffix));
+        library.folder / base::toPath(file.text + std::u16string(kDamagedFileSuffix));
     if (library.disk.exists(aside))
         library.disk.trash(aside);
     library.disk.renameWithoutReplacing(path, aside);

@@ -1,5 +1,6 @@
 #include "store/group_layout.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "compound/names.h"
 
@@ -31,7 +32,7 @@ struct RawGroup {
 std::optional<RawGroup> readRawGroup(StorageHandle root, const std::u16string& storage) {
     RawGroup group{{storage}, {storage}, {}};
     try {
-        const StorageHandle handle = root.OpenStorage(storage, OpenMode::Open);
+        const StorageHandle handle = root.OpenStorage(storage);
         const auto name = readGroupText(handle, kNameStream);
         const auto parent = readGroupText(handle, kParentStream);
         if (!name && !parent)
@@ -149,7 +150,7 @@ std::uint32_t subGroupNumber(std::u16string_view name) {
 }
 
 std::u16string subGroupName(std::uint32_t number) {
-    return std::u16string(kSubGroupPrefix) + fromUtf8(std::to_string(number));
+    return std::u16string(kSubGroupPrefix) + base::fromUtf8(std::to_string(number));
 }
 
 } // namespace
@@ -198,13 +199,13 @@ std::optional<std::u16string> readGroupText(const StorageHandle& group,
 }
 
 void writeGroupText(StorageHandle group, std::u16string_view stream, std::u16string_view text) {
-    group.CreateStream(stream, OpenMode::Create).Put(text);
+    group.CreateStream(stream).Put(text);
 }
 
 void createGroupPair(StorageHandle root, const StorageName& storage, std::u16string_view parent,
                      std::u16string_view name) {
-    root.CreateStorage(infoStorageOf(storage).text, OpenMode::Open);
-    const StorageHandle group = root.CreateStorage(storage.text, OpenMode::Open);
+    root.CreateStorage(infoStorageOf(storage).text);
+    const StorageHandle group = root.CreateStorage(storage.text);
     writeGroupText(group, kParentStream, parent);
     writeGroupText(group, kNameStream, name);
 }

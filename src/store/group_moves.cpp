@@ -1,5 +1,6 @@
 // Operations that put a complete new file beside the old one: renaming a top-level group and
 // compacting. At no instant is the group's content without a durable file.
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/group_layout.h"
 #include "store/group_operations.h"
@@ -22,7 +23,7 @@ void refuseTakenStorages(StorageAccess& access, const StorageName& from, const s
         if (found && !sameName(found->name, from.text) &&
             !sameName(found->name, infoStorageOf(from).text))
             throw Error(ErrorCode::Exists, access.file().disk().path(),
-                        "the file holds \"" + toUtf8(found->name) + "\" already");
+                        "the file holds \"" + base::toUtf8(found->name) + "\" already");
     }
 }
 
@@ -47,13 +48,13 @@ void renameTopLevelPair(StorageHandle root, const StorageName& from, const std::
     for (const std::u16string& storage : rootStorages(root)) {
         if (sameName(storage, from.text) || endsWithIgnoringCase(storage, kInfoSuffix))
             continue;
-        const StorageHandle group = root.OpenStorage(storage, OpenMode::Open);
+        const StorageHandle group = root.OpenStorage(storage);
         const auto parent = readGroupText(group, kParentStream);
         if (parent && sameName(*parent, from.text))
             writeGroupText(group, kParentStream, to);
     }
     renamePair(root, from, to);
-    writeGroupText(root.OpenStorage(to, OpenMode::Open), kNameStream, to);
+    writeGroupText(root.OpenStorage(to), kNameStream, to);
 }
 
 void refuseTakenName(const Library& library, const GroupAddress& group, const GroupName& newName) {
@@ -144,7 +145,7 @@ GroupName renameGroup(const Library& library, const GroupAddress& group, const G
     const GroupLevel level = isTopLevel(group) ? GroupLevel::TopLevel : GroupLevel::SubGroup;
     if (!isValidGroupName(newName.text, level))
         throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
-                    "\"" + toUtf8(newName.text) + "\" cannot be a group's name");
+                    "\"" + base::toUtf8(newName.text) + "\" cannot be a group's name");
     return level == GroupLevel::TopLevel ? renameTopLevelGroup(library, group, newName)
                                          : renameSubGroup(library, group, newName);
 }

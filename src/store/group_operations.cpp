@@ -1,5 +1,6 @@
 #include "store/group_operations.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/group_layout.h"
 #include "store/new_group_file.h"
@@ -20,7 +21,7 @@ using compound::ErrorCode;
 void requireValidName(const Library& library, const GroupName& name, GroupLevel level) {
     if (!isValidGroupName(name.text, level))
         throw Error(ErrorCode::InvalidName, library.folder,
-                    "\"" + toUtf8(name.text) + "\" cannot be a group's name");
+                    "\"" + base::toUtf8(name.text) + "\" cannot be a group's name");
 }
 
 GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, IfTaken ifTaken) {
@@ -50,7 +51,7 @@ GroupAddress createSubGroup(const Library& library, const GroupAddress& parent,
     const std::u16string above = spelled ? spelled->name : parent.storage.text;
     if (!encodeText(above))
         throw Error(ErrorCode::InvalidName, access.file().disk().path(),
-                    "no group can be told to lie below \"" + toUtf8(above) +
+                    "no group can be told to lie below \"" + base::toUtf8(above) +
                         "\": the name has characters outside the text code page");
     const StorageName storage = nextSubGroup(access.root());
     createGroupPair(access.root(), storage, above, name.text);
@@ -80,10 +81,12 @@ bool groupExists(const Library& library, const GroupName& name) {
                        [&](const FileName& file) { return file.text == name.text; });
 }
 
-bool groupExistsIgnoringCase(const Library& library, const GroupName& name) {
+bool groupExistsIgnoringCase(const Library& library, const GroupName& name,
+                             const FileName& besides) {
     const std::vector<FileName> files = groupFiles(library);
-    return std::any_of(files.begin(), files.end(),
-                       [&](const FileName& file) { return sameName(file.text, name.text); });
+    return std::any_of(files.begin(), files.end(), [&](const FileName& file) {
+        return sameName(file.text, name.text) && !sameName(file.text, besides.text);
+    });
 }
 
 bool subGroupExists(const Library& library, const GroupAddress& parent, const GroupName& name) {
@@ -106,7 +109,7 @@ GroupName readGroupName(const Library& library, const GroupAddress& group) {
 StorageName readGroupParent(const Library& library, const GroupAddress& group) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
-    access.groupStream().emplace(access.groupStorage().OpenStream(kParentStream, OpenMode::Open));
+    access.groupStream().emplace(access.groupStorage().OpenStream(kParentStream));
     return {access.groupStream()->GetText()};
 }
 

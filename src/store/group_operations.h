@@ -57,8 +57,11 @@ bool testGroupName(const Library& library, const GroupName& name, GroupLevel lev
 // Whether the folder holds exactly NAME.stg; case counts.
 bool groupExists(const Library& library, const GroupName& name);
 
-// Whether the folder holds NAME.stg in any case.
-bool groupExistsIgnoringCase(const Library& library, const GroupName& name);
+// Whether the folder holds NAME.stg in any case: two group files whose names differ in case only
+// cannot lie side by side on every system. The file `besides` does not count, so that a group can
+// change the case of its own name.
+bool groupExistsIgnoringCase(const Library& library, const GroupName& name,
+                             const FileName& besides = {});
 
 // Whether a group directly below `parent` has exactly this name.
 bool subGroupExists(const Library& library, const GroupAddress& parent, const GroupName& name);

@@ -1,5 +1,6 @@
 #include "store/library.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/leftovers.h"
 #include "store/names.h"
@@ -15,7 +16,7 @@ std::vector<std::u16string> filesEndingIn(const std::vector<compound::FolderEntr
                                           std::u16string_view suffix) {
     std::vector<std::u16string> names;
     for (const compound::FolderEntry& entry : entries) {
-        std::u16string name = fromPath(entry.name);
+        std::u16string name = base::fromPath(entry.name);
         const bool hasBaseName = name.size() > suffix.size();
         if (entry.isRegularFile && hasBaseName && endsWithIgnoringCase(name, suffix))
             names.push_back(std::move(name));
@@ -46,7 +47,7 @@ std::chrono::milliseconds LockBudget::remaining() const {
 }
 
 std::filesystem::path plainPathOf(const Library& library, const FileName& file) {
-    return library.folder / toPath(file.text + std::u16string(kGroupFileSuffix));
+    return library.folder / base::toPath(file.text + std::u16string(kGroupFileSuffix));
 }
 
 std::filesystem::path pathOf(const Library& library, const FileName& file) {
@@ -58,7 +59,7 @@ std::filesystem::path pathOf(const Library& library, const FileName& file) {
         for (const std::u16string& other :
              filesEndingIn(library.disk.list(library.folder), kGroupFileSuffix)) {
             if (other.substr(0, other.size() - kSuffixLength) == file.text)
-                return library.folder / toPath(other);
+                return library.folder / base::toPath(other);
         }
     } catch (const compound::Error&) {
         // The folder cannot be entered or listed: opening the plain path will say why.
@@ -82,7 +83,7 @@ std::vector<std::filesystem::path> damagedFiles(const Library& library) {
     std::vector<std::filesystem::path> files;
     for (const std::u16string& name :
          filesEndingIn(library.disk.list(library.folder), kDamagedFileSuffix))
-        files.push_back(library.folder / toPath(name));
+        files.push_back(library.folder / base::toPath(name));
     return files;
 }
 

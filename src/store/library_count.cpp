@@ -35,7 +35,7 @@ std::optional<std::uint64_t> countFile(const Library& library, const FileName& f
         Element element;
         while (cursor.next(element)) {
             if (element.kind == ElementKind::Storage)
-                count += countStreams(access.root().OpenStorage(element.name, OpenMode::Open));
+                count += countStreams(access.root().OpenStorage(element.name));
         }
         return count;
     } catch (const compound::Error&) {

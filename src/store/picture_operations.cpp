@@ -1,5 +1,6 @@
 #include "store/picture_operations.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/damage.h"
 #include "store/names.h"
@@ -24,16 +25,11 @@ struct Source {
 };
 
 Source readSource(const Library& library, const std::filesystem::path& path) {
-    const auto file = library.disk.open(path, Access::Read);
-    const std::uint64_t size = file->size();
-    if (size > kMaximumPictureBytes)
-        throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
     Source source;
-    source.bytes.resize(static_cast<std::size_t>(size));
-    source.bytes.resize(file->read(0, source.bytes));
+    source.bytes = readPictureFile(library.disk, path);
     try {
         source.record =
-            recordOf(library.measure(source.bytes), typeCodeOf(fromPath(path.filename())));
+            recordOf(library.measure(source.bytes), typeCodeOf(base::fromPath(path.filename())));
     } catch (const std::exception& error) {
         throw Error(ErrorCode::InvalidPicture, path, error.what());
     }
@@ -43,11 +39,11 @@ Source readSource(const Library& library, const std::filesystem::path& path) {
 void requireValidName(const std::filesystem::path& file, const PictureName& name) {
     if (!isValidPictureName(name.text))
         throw Error(ErrorCode::InvalidName, file,
-                    "\"" + toUtf8(name.text) + "\" cannot be a picture's name");
+                    "\"" + base::toUtf8(name.text) + "\" cannot be a picture's name");
 }
 
 Error missingPicture(const std::filesystem::path& file, const PictureName& name) {
-    return {ErrorCode::NotFound, file, "there is no picture \"" + toUtf8(name.text) + "\""};
+    return {ErrorCode::NotFound, file, "there is no picture \"" + base::toUtf8(name.text) + "\""};
 }
 
 // The picture's stream as the group spells it.
@@ -79,20 +75,31 @@ PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
 // Stores bytes first, then the record; both become the file's state with the caller's Commit.
 void storePicture(const Library& library, StorageAccess& access, const GroupAddress& group,
                   const PictureName& name, const Source& source) {
-    access.groupStream().emplace(access.groupStorage().CreateStream(name.text, OpenMode::Create));
+    access.groupStream().emplace(access.groupStorage().CreateStream(name.text));
     access.groupStream()->Put(source.bytes);
     access.openOrCreateInfo(group);
-    access.infoStream().emplace(access.infoStorage().CreateStream(name.text, OpenMode::Create));
+    access.infoStream().emplace(access.infoStorage().CreateStream(name.text));
     access.infoStream()->PutString(formatRecord(source.record, library.decimalSeparator));
 }
 
 void refuseExisting(StorageAccess& access, const PictureName& name, IfPictureExists ifExists) {
     if (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text))
         throw Error(ErrorCode::Exists, access.file().disk().path(),
-                    "there is a picture \"" + toUtf8(name.text) + "\" already");
+                    "there is a picture \"" + base::toUtf8(name.text) + "\" already");
 }
 
 } // namespace
+
+std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path) {
+    const auto file = disk.open(path, Access::Read);
+    const std::uint64_t size = file->size();
+    if (size > kMaximumPictureBytes) {
+        throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
+    }
+    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    bytes.resize(file->read(0, bytes));
+    return bytes;
+}
 
 struct PictureBatch::State {
     State(const Library& theLibrary, GroupAddress theGroup)
@@ -169,7 +176,7 @@ StoredPicture readPicture(const Library& library, const GroupAddress& group,
     const Element element = requirePicture(access, name);
     if (element.size > kMaximumPictureBytes)
         throw Error(ErrorCode::TooLarge, access.file().disk().path(),
-                    "\"" + toUtf8(element.name) + "\" is too large for a picture");
+                    "\"" + base::toUtf8(element.name) + "\" is too large for a picture");
     StoredPicture picture{{element.name}, {}, {}};
     if (access.openInfo(group))
         picture.record = readRecord(access, element.name);

@@ -25,6 +25,9 @@ enum class IfPictureExists { Refuse, Replace };
 // 40 million pixels of 32 bits, takes less.
 inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{168} << 20U;
 
+// The whole content of a picture file. TooLarge.
+std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path);
+
 // Reads, measures and stores a picture file. Everything that can fail for the picture's sake is
 // done before the group file is touched. Exists, InvalidName, InvalidPicture, TooLarge.
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,

@@ -1,5 +1,7 @@
 #include "store/picture_record.h"
 
+#include "base/picture_units.h"
+#include "base/utf8.h"
 #include "store/names.h"
 
 #include <algorithm>
@@ -11,12 +13,9 @@
 namespace store {
 namespace {
 
-constexpr std::array<std::string_view, 7> kTypeCodes = {"WMF", "EMF", "ICO", "CUR",
-                                                        "BMP", "GIF", "JPG"};
-constexpr double kTwipsPerPixel = 15;
-
 bool isTypeCode(std::string_view text) {
-    return std::find(kTypeCodes.begin(), kTypeCodes.end(), text) != kTypeCodes.end();
+    return std::find(base::kTypeCodes.begin(), base::kTypeCodes.end(), text) !=
+           base::kTypeCodes.end();
 }
 
 // A plain decimal number with "." or "," and nothing around it.
@@ -35,16 +34,16 @@ bool parseNumber(std::string_view text, float& number) {
 std::string typeCodeOf(std::u16string_view fileName) {
     const std::u16string_view ending =
         fileName.substr(fileName.size() - std::min<std::size_t>(fileName.size(), 3));
-    for (const std::string_view code : kTypeCodes) {
-        if (sameName(ending, fromUtf8(code)))
+    for (const std::string_view code : base::kTypeCodes) {
+        if (sameName(ending, base::fromUtf8(code)))
             return std::string(code);
     }
     return "JPG";
 }
 
 PictureRecord recordOf(const TwipSize& size, std::string type) {
-    return {static_cast<float>(size.height / kTwipsPerPixel),
-            static_cast<float>(size.width / kTwipsPerPixel), std::move(type)};
+    return {static_cast<float>(size.height / base::kTwipsPerPixel),
+            static_cast<float>(size.width / base::kTwipsPerPixel), std::move(type)};
 }
 
 std::string numberText(float number, char16_t decimalSeparator) {
@@ -60,7 +59,7 @@ std::string numberText(float number, char16_t decimalSeparator) {
     }
     const std::size_t point = text.find('.');
     if (point != std::string::npos)
-        text.replace(point, 1, toUtf8(std::u16string(1, decimalSeparator)));
+        text.replace(point, 1, base::toUtf8(std::u16string(1, decimalSeparator)));
     return text;
 }
 

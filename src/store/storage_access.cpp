@@ -1,5 +1,6 @@
 #include "store/storage_access.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/names.h"
 #include "store/text_codec.h"
@@ -17,10 +18,6 @@ using compound::ErrorCode;
 
 constexpr std::size_t kLongestText = 1024;
 constexpr std::size_t kLongestRecord = 64; // "h", "w", "t", a type code and two numbers
-
-compound::IfExists ifExistsOf(OpenMode mode) {
-    return mode == OpenMode::Create ? compound::IfExists::Replace : compound::IfExists::Refuse;
-}
 
 // Null for a file that is being replaced right now.
 std::unique_ptr<compound::DiskFile> tryOpen(compound::Disk& disk, const std::filesystem::path& path,
@@ -40,7 +37,7 @@ void StreamHandle::Put(std::u16string_view text) {
     const auto bytes = encodeText(text);
     if (!bytes)
         throw Error(ErrorCode::InvalidName, {},
-                    "\"" + toUtf8(text) + "\" has characters outside the text code page");
+                    "\"" + base::toUtf8(text) + "\" has characters outside the text code page");
     stream_.assign(*bytes);
 }
 
@@ -62,15 +59,15 @@ std::string StreamHandle::GetString() const {
     return {reinterpret_cast<const char*>(buffer.data()), length};
 }
 
-StorageHandle StorageHandle::OpenStorage(std::u16string_view name, OpenMode) const {
+StorageHandle StorageHandle::OpenStorage(std::u16string_view name) const {
     return StorageHandle(storage_.openStorage(name));
 }
 
-StorageHandle StorageHandle::CreateStorage(std::u16string_view name, OpenMode mode) {
-    return StorageHandle(storage_.createStorage(name, ifExistsOf(mode)));
+StorageHandle StorageHandle::CreateStorage(std::u16string_view name) {
+    return StorageHandle(storage_.createStorage(name));
 }
 
-StreamHandle StorageHandle::OpenStream(std::u16string_view name, OpenMode) const {
+StreamHandle StorageHandle::OpenStream(std::u16string_view name) const {
     return StreamHandle(storage_.openStream(name));
 }
 
@@ -78,8 +75,8 @@ StreamHandle StorageHandle::OpenStream(const compound::Element& element) const {
     return StreamHandle(storage_.openStream(element));
 }
 
-StreamHandle StorageHandle::CreateStream(std::u16string_view name, OpenMode mode) {
-    return StreamHandle(storage_.createStream(name, ifExistsOf(mode)));
+StreamHandle StorageHandle::CreateStream(std::u16string_view name) {
+    return StreamHandle(storage_.createStream(name, compound::IfExists::Replace));
 }
 
 void StorageHandle::RenameElement(std::u16string_view from, std::u16string_view to) {
@@ -88,18 +85,6 @@ void StorageHandle::RenameElement(std::u16string_view from, std::u16string_view 
 
 void StorageHandle::DestroyElement(std::u16string_view name) {
     storage_.destroy(name);
-}
-
-ElementType StorageHandle::Directory(std::size_t index, std::u16string& name) const {
-    compound::ElementCursor cursor = storage_.elements();
-    compound::Element element;
-    if (cursor.skip(index) != index || !cursor.next(element)) {
-        name.clear();
-        return ElementType::None;
-    }
-    name = std::move(element.name);
-    return element.kind == compound::ElementKind::Storage ? ElementType::Storage
-                                                          : ElementType::Stream;
 }
 
 std::optional<compound::Element> StorageHandle::find(std::u16string_view name) const {
@@ -150,8 +135,8 @@ void StorageAccess::openGroup(const GroupAddress& group, compound::Access access
     const auto element = root().find(group.storage.text);
     if (!element || element->kind != compound::ElementKind::Storage)
         throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
-                    "there is no group \"" + toUtf8(group.storage.text) + "\"");
-    groupStorage_.emplace(root().OpenStorage(element->name, OpenMode::Open));
+                    "there is no group \"" + base::toUtf8(group.storage.text) + "\"");
+    groupStorage_.emplace(root().OpenStorage(element->name));
     if (!isTopLevel(group))
         requireGroup(element->name);
 }
@@ -163,7 +148,7 @@ void StorageAccess::requireGroup(std::u16string_view storage) {
                           groupStorage_->find(kParentStream).has_value();
     if (!hasTexts || endsWithIgnoringCase(storage, kInfoSuffix))
         throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
-                    "\"" + toUtf8(storage) + "\" is no group");
+                    "\"" + base::toUtf8(storage) + "\" is no group");
 }
 
 bool StorageAccess::openInfo(const GroupAddress& group) {
@@ -171,14 +156,13 @@ bool StorageAccess::openInfo(const GroupAddress& group) {
     const auto element = root().find(infoStorageOf(group.storage).text);
     if (!element || element->kind != compound::ElementKind::Storage)
         return false;
-    infoStorage_.emplace(root().OpenStorage(element->name, OpenMode::Open));
+    infoStorage_.emplace(root().OpenStorage(element->name));
     return true;
 }
 
 void StorageAccess::openOrCreateInfo(const GroupAddress& group) {
     if (!openInfo(group))
-        infoStorage_.emplace(
-            root().CreateStorage(infoStorageOf(group.storage).text, OpenMode::Open));
+        infoStorage_.emplace(root().CreateStorage(infoStorageOf(group.storage).text));
 }
 
 void StorageAccess::release() {

@@ -18,17 +18,10 @@
 
 namespace store {
 
-// Structured-storage access flags: read-write, exclusive; create replaces.
-enum class OpenMode : std::uint32_t { Open = 0x12, Create = 0x1012 };
-
-// Element kinds of an enumeration.
-enum class ElementType : std::uint32_t { None = 0, Storage = 1, Stream = 2 };
-
 class StreamHandle {
   public:
     explicit StreamHandle(compound::Stream stream) : stream_(stream) {}
 
-    std::uint64_t GetSize() const { return stream_.size(); }
     void Put(std::span<const std::byte> bytes) { stream_.assign(bytes); }
     void Put(std::u16string_view text); // InvalidName when the code page cannot carry it
     std::vector<std::byte> Get() const { return stream_.readAll(); }
@@ -45,18 +38,15 @@ class StorageHandle {
   public:
     explicit StorageHandle(compound::Storage storage) : storage_(storage) {}
 
-    StorageHandle OpenStorage(std::u16string_view name, OpenMode mode) const;
-    StorageHandle CreateStorage(std::u16string_view name, OpenMode mode);
-    StreamHandle OpenStream(std::u16string_view name, OpenMode mode) const;
+    StorageHandle OpenStorage(std::u16string_view name) const;
+    StorageHandle CreateStorage(std::u16string_view name);
+    StreamHandle OpenStream(std::u16string_view name) const;
     StreamHandle OpenStream(const compound::Element& element) const;
-    StreamHandle CreateStream(std::u16string_view name, OpenMode mode);
+    StreamHandle CreateStream(std::u16string_view name); // in place of what has the name
     void RenameElement(std::u16string_view from, std::u16string_view to);
     void DestroyElement(std::u16string_view name);
 
-    // The element at `index` in the storage's fixed order, counted from 0; None past the end.
-    ElementType Directory(std::size_t index, std::u16string& name) const;
-
-    // All elements in the same order.
+    // All elements, in the storage's fixed order.
     compound::ElementCursor elements() const { return storage_.elements(); }
     std::optional<compound::Element> find(std::u16string_view name) const;
 

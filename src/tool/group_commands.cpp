@@ -1,4 +1,5 @@
 // groups, new-group, rename-group, remove-group.
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/group_operations.h"
 #include "tool/command.h"
@@ -46,7 +47,6 @@ void printKey(const Invocation& invocation, const store::GroupAddress& group) {
     table.printOne(invocation.console.out, invocation.arguments);
 }
 
-// Two names that differ in case only are two files on one system and one file on another.
 void refuseTakenName(const store::Library& library,
                      const std::optional<store::GroupAddress>& parent,
                      const store::GroupName& name) {
@@ -55,7 +55,7 @@ void refuseTakenName(const store::Library& library,
     if (isTaken)
         throw Error(ErrorCode::Exists,
                     parent ? store::pathOf(library, parent->file) : library.folder,
-                    "there is a group \"" + store::toUtf8(name.text) + "\" already");
+                    "there is a group \"" + base::toUtf8(name.text) + "\" already");
 }
 
 // The group as the list has it: its own texts may be missing, or name no parent that is there.
@@ -101,7 +101,7 @@ ExitStatus listGroups(const Invocation& invocation) {
 
 ExitStatus newGroup(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
-    const store::GroupName name{store::fromUtf8(invocation.argument(0))};
+    const store::GroupName name{base::fromUtf8(invocation.argument(0))};
     std::optional<store::GroupAddress> parent;
     if (invocation.arguments.has(Option::Below))
         parent = groupOf(library, invocation.arguments.valueOf(Option::Below));
@@ -113,7 +113,7 @@ ExitStatus newGroup(const Invocation& invocation) {
 ExitStatus renameGroup(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
     const store::GroupAddress group = groupOf(library, invocation.argument(0));
-    const store::GroupName name{store::fromUtf8(invocation.argument(1))};
+    const store::GroupName name{base::fromUtf8(invocation.argument(1))};
     if (store::isTopLevel(group)) {
         printKey(invocation, store::topLevelAddress(store::renameGroup(library, group, name).text));
         return ExitStatus::Done;

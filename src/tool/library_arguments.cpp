@@ -2,6 +2,7 @@
 
 #include "app/number_text.h"
 #include "app/settings.h"
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "picture/picture.h"
 #include "platform/native_disk.h"
@@ -59,10 +60,10 @@ store::Library libraryAround(const std::filesystem::path& path) {
 }
 
 store::GroupAddress groupOf(const store::Library& library, const std::string& key) {
-    store::GroupAddress group = store::addressOf(store::fromUtf8(key));
+    store::GroupAddress group = store::addressOf(base::fromUtf8(key));
     // The file lies in the library and nowhere else, whatever the key tries.
     const bool isKey = !group.file.text.empty() && !group.storage.text.empty() &&
-                       !store::toPath(group.file.text).has_parent_path();
+                       !base::toPath(group.file.text).has_parent_path();
     if (!isKey)
         throw Error(ErrorCode::NotFound, library.folder, "\"" + key + "\" is no group's key");
     const bool isFileAlone = key.find('/') == std::string::npos;
@@ -74,17 +75,7 @@ store::PictureName pictureOf(const store::Library& library, const store::GroupAd
     if (name.empty())
         throw Error(ErrorCode::NotFound, store::pathOf(library, group.file),
                     "there is no picture without a name");
-    return {store::fromUtf8(name)};
-}
-
-std::vector<std::byte> readPictureFile(const std::filesystem::path& path) {
-    const auto file = platform::nativeDisk().open(path, compound::Access::Read);
-    const std::uint64_t size = file->size();
-    if (size > store::kMaximumPictureBytes)
-        throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    bytes.resize(file->read(0, bytes));
-    return bytes;
+    return {base::fromUtf8(name)};
 }
 
 store::IfPictureExists ifPictureExists(const Arguments& arguments) {

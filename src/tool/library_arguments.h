@@ -26,9 +26,6 @@ store::GroupAddress groupOf(const store::Library& library, const std::string& ke
 store::PictureName pictureOf(const store::Library& library, const store::GroupAddress& group,
                              const std::string& name);
 
-// The whole content of a picture file. TooLarge beyond store::kMaximumPictureBytes.
-std::vector<std::byte> readPictureFile(const std::filesystem::path& path);
-
 store::IfPictureExists ifPictureExists(const Arguments& arguments);
 
 } // namespace tool

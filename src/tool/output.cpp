@@ -1,5 +1,6 @@
 #include "tool/output.h"
 
+#include "base/utf8.h"
 #include "store/address.h"
 #include "store/picture_record.h"
 
@@ -32,11 +33,11 @@ std::string jsonText(std::u16string_view text) {
             json += '\\';
             json += static_cast<char>(unit);
         } else if (isHighSurrogate(unit) && at + 1 < text.size() && isLowSurrogate(text[at + 1])) {
-            json += store::toUtf8(text.substr(at++, 2));
+            json += base::toUtf8(text.substr(at++, 2));
         } else if (unit < 0x20 || unit == 0x7F || isHighSurrogate(unit) || isLowSurrogate(unit)) {
             appendUnit(json, unit);
         } else {
-            json += store::toUtf8(text.substr(at, 1));
+            json += base::toUtf8(text.substr(at, 1));
         }
     }
     return json + '"';
@@ -75,7 +76,7 @@ std::string escaped(std::string_view text) {
 }
 
 Cell Cell::text(std::string_view utf8) {
-    return text(store::fromUtf8(utf8));
+    return text(base::fromUtf8(utf8));
 }
 
 Cell Cell::number(float value) {
@@ -85,7 +86,7 @@ Cell Cell::number(float value) {
 std::string Cell::toTabbed() const {
     switch (kind_) {
     case Kind::Text:
-        return escaped(store::toUtf8(text_));
+        return escaped(base::toUtf8(text_));
     case Kind::Number:
         return number_;
     case Kind::Missing:

@@ -1,4 +1,5 @@
 // pictures, add, extract, rename-picture, remove-picture.
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
@@ -14,8 +15,8 @@ namespace {
 
 store::PictureName nameOf(const Invocation& invocation, const std::string& file) {
     if (invocation.arguments.has(Option::Name))
-        return {store::fromUtf8(invocation.arguments.valueOf(Option::Name))};
-    const std::u16string fileName = store::fromPath(std::filesystem::path(file).filename());
+        return {base::fromUtf8(invocation.arguments.valueOf(Option::Name))};
+    const std::u16string fileName = base::fromPath(std::filesystem::path(file).filename());
     store::PictureName name{std::u16string(store::cutAtFirstDot(fileName))};
     if (!store::isValidPictureName(name.text))
         throw compound::Error(compound::ErrorCode::InvalidName, file,
@@ -102,7 +103,7 @@ ExitStatus renamePicture(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
     const store::GroupAddress group = groupOf(library, invocation.argument(0));
     const store::PictureName from = pictureOf(library, group, invocation.argument(1));
-    store::renamePicture(library, group, from, {store::fromUtf8(invocation.argument(2))});
+    store::renamePicture(library, group, from, {base::fromUtf8(invocation.argument(2))});
     return ExitStatus::Done;
 }
 

@@ -1,7 +1,8 @@
 #include "tool/picture_input.h"
 
 #include "compound/error.h"
-#include "tool/library_arguments.h"
+#include "platform/native_disk.h"
+#include "store/picture_operations.h"
 
 #include <algorithm>
 #include <cmath>
@@ -38,7 +39,7 @@ InputPicture readPicture(const std::filesystem::path& source, const std::filesys
                          const Invocation& invocation) {
     boxFor(invocation.arguments, {1, 1}); // wrong numbers are told before the file is read
     InputPicture input;
-    input.file = readPictureFile(source);
+    input.file = store::readPictureFile(platform::nativeDisk(), source);
     try {
         const picture::Picture picture = picture::decode(input.file);
         input.facts = picture.facts();

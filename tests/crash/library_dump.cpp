@@ -1,5 +1,6 @@
 #include "crash/library_dump.h"
 
+#include "base/utf8.h"
 #include "compound/compound_file.h"
 #include "compound/memory_disk.h"
 #include "store/group_operations.h"
@@ -26,7 +27,7 @@ std::string fingerprint(std::span<const std::byte> bytes) {
 void dumpPictures(const store::Library& library, const store::GroupAddress& group,
                   std::ostringstream& out) {
     store::walkPictures(library, group, 0, [&](const store::StoredPicture& picture) {
-        out << "  " << store::toUtf8(picture.name.text) << ' ' << fingerprint(picture.bytes) << ' '
+        out << "  " << base::toUtf8(picture.name.text) << ' ' << fingerprint(picture.bytes) << ' '
             << store::formatRecord(picture.record, u'.') << '\n';
         return store::TakePicture::Continue;
     });
@@ -39,8 +40,8 @@ std::string dumpGroupFile(const store::Library& library, const store::FileName& 
     if (reading.failure)
         out << reading.failure->what();
     for (const store::GroupEntry& group : reading.groups) {
-        out << store::toUtf8(store::keyOf(group.address)) << ' ' << store::toUtf8(group.name.text)
-            << " below " << store::toUtf8(group.parent.text) << '\n';
+        out << base::toUtf8(store::keyOf(group.address)) << ' ' << base::toUtf8(group.name.text)
+            << " below " << base::toUtf8(group.parent.text) << '\n';
         dumpPictures(library, group.address, out);
     }
     auto compound = compound::CompoundFile::open(
@@ -62,7 +63,7 @@ std::string dumpBytes(const std::filesystem::path& path, const std::vector<std::
     fill(disk, {{{path, bytes}}, {}});
     std::string dump;
     try {
-        dump = dumpGroupFile(libraryOn(disk), {store::fromPath(path.stem())});
+        dump = dumpGroupFile(libraryOn(disk), {base::fromPath(path.stem())});
     } catch (const std::exception& error) {
         dump = error.what();
     }

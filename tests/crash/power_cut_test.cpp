@@ -1,4 +1,5 @@
 // After a power cut at any moment every group opens as before or after the change.
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "compound/memory_disk.h"
 #include "crash/library_dump.h"
@@ -101,7 +102,7 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
             const store::GroupAddress group = store::topLevelAddress(file.text);
             store::addPicture(library, group, {u"next"}, source);
             ASSERT_EQ(store::readPicture(library, group, {u"next"}).bytes, bytes);
-            const std::string dump = dumpOf(mediumOf(disk)).at(store::toUtf8(file.text) + ".stg");
+            const std::string dump = dumpOf(mediumOf(disk)).at(base::toUtf8(file.text) + ".stg");
             ASSERT_EQ(dump.find("finding"), std::string::npos) << dump;
         }
     }

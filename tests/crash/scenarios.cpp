@@ -1,5 +1,6 @@
 #include "crash/scenarios.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "compound/memory_disk.h"
 #include "crash/library_dump.h"
@@ -54,7 +55,7 @@ void add(const Library& library, const GroupAddress& group, std::u16string_view 
 }
 
 std::u16string numbered(std::u16string_view name, std::size_t number) {
-    return std::u16string(name) + store::fromUtf8(std::to_string(number));
+    return std::u16string(name) + base::fromUtf8(std::to_string(number));
 }
 
 void addBatch(const Library& library, const GroupAddress& group, std::size_t count) {

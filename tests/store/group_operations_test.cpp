@@ -1,3 +1,4 @@
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/store_fixture.h"
 
@@ -30,7 +31,7 @@ TEST_F(GroupTest, EveryGroupIsAPairAtTheRoot) {
     const GroupAddress pumps = subGroup(plant, u"Pumps");
     const GroupAddress steel = subGroup(pumps, u"Steel");
 
-    EXPECT_EQ(toUtf8(keyOf(steel)), "Sub2/Plant");
+    EXPECT_EQ(base::toUtf8(keyOf(steel)), "Sub2/Plant");
     EXPECT_THAT(rootOf(u"Plant"),
                 ElementsAre(u"Plant", u"PlantInfo", u"Sub1", u"Sub1Info", u"Sub2", u"Sub2Info"));
     EXPECT_EQ(readGroupParent(library, plant).text, u"None");
@@ -117,7 +118,8 @@ TEST_F(GroupTest, AChildMayStandBeforeItsParentAndChainsMayBeLong) {
     compound::CompoundFile raw = openRaw(u"T");
     constexpr int kDepth = 3000;
     for (int i = 1; i <= kDepth; ++i) {
-        compound::Storage group = raw.root().createStorage(u"Sub" + fromUtf8(std::to_string(i)));
+        compound::Storage group =
+            raw.root().createStorage(u"Sub" + base::fromUtf8(std::to_string(i)));
         const std::string parent = i == kDepth ? "T" : "Sub" + std::to_string(i + 1);
         group.createStream(u"Parent").assign(std::as_bytes(std::span(parent)));
     }
@@ -137,7 +139,7 @@ TEST_F(GroupTest, GroupsWithInfoInTheirNamesStayGroups) {
         subGroup(group, u"Info");
         EXPECT_EQ(treeOf(group.file.text).size(), 1U);
     }
-    EXPECT_EQ(toUtf8(renameGroup(library, info, {u"MyInfo"}).text), "MyInfo");
+    EXPECT_EQ(base::toUtf8(renameGroup(library, info, {u"MyInfo"}).text), "MyInfo");
     EXPECT_THAT(treeOf(u"MyInfo"), ElementsAre("MyInfo>Sub1:Info"));
 }
 

@@ -1,4 +1,5 @@
 // What crashed programs leave beside the group files, and what moves do on the way.
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/store_fixture.h"
 
@@ -46,7 +47,7 @@ class LeftoversTest : public StoreTest {
         std::vector<std::string> names;
         const Library library{other, "/library", measureText, u'.', std::chrono::milliseconds{0}};
         for (const FileName& file : groupFiles(library))
-            names.push_back(toUtf8(file.text));
+            names.push_back(base::toUtf8(file.text));
         return names;
     }
 

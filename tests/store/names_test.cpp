@@ -1,3 +1,4 @@
+#include "base/utf8.h"
 #include "store/names.h"
 #include "store/picture_record.h"
 #include "store/text_codec.h"
@@ -24,23 +25,23 @@ TEST(Address, AnyFileNameSurvivesTheRoundTrip) {
                                  "cut \xF0\x9F\x8F",
                                  "past \xF4\x90\x80\x80"};
     for (const std::string& name : names)
-        EXPECT_EQ(toUtf8(fromUtf8(name)), name);
-    EXPECT_EQ(fromUtf8("B\xC3\xA4r"), u"B\u00E4r");
-    EXPECT_EQ(fromUtf8("\xF0\x9F\x8F\xAD"), u"\U0001F3ED");
-    EXPECT_EQ(toPath(u"B\u00E4r").string(), "B\xC3\xA4r");
+        EXPECT_EQ(base::toUtf8(base::fromUtf8(name)), name);
+    EXPECT_EQ(base::fromUtf8("B\xC3\xA4r"), u"B\u00E4r");
+    EXPECT_EQ(base::fromUtf8("\xF0\x9F\x8F\xAD"), u"\U0001F3ED");
+    EXPECT_EQ(base::toPath(u"B\u00E4r").string(), "B\xC3\xA4r");
 }
 
 TEST(Names, GroupNamesGoOnEverySystem) {
     for (const char16_t* name : {u"Pumpen", u"Beh\u00E4lter & Tanks", u"\u20ACuro", u"Sub1",
                                  u"Information", u"com", u"COM10", u"(2)", u"'quoted'"}) {
-        EXPECT_TRUE(isValidGroupName(name, GroupLevel::TopLevel)) << toUtf8(name);
-        EXPECT_TRUE(isValidGroupName(name, GroupLevel::SubGroup)) << toUtf8(name);
+        EXPECT_TRUE(isValidGroupName(name, GroupLevel::TopLevel)) << base::toUtf8(name);
+        EXPECT_TRUE(isValidGroupName(name, GroupLevel::SubGroup)) << base::toUtf8(name);
     }
     for (const char16_t* name : {u"", u"a/b", u"a\\b", u"a:b", u"a!b", u"a?b", u"a*b", u"a<b",
                                  u"a|b", u"a\"b", u"V1.2", u" blank", u"blank ", u"con", u"Lpt1",
                                  u"COM\u00B2", u"tab\t", u"\u7F16\u53F7", u"half\xD83D"}) {
-        EXPECT_FALSE(isValidGroupName(name, GroupLevel::TopLevel)) << toUtf8(name);
-        EXPECT_FALSE(isValidGroupName(name, GroupLevel::SubGroup)) << toUtf8(name);
+        EXPECT_FALSE(isValidGroupName(name, GroupLevel::TopLevel)) << base::toUtf8(name);
+        EXPECT_FALSE(isValidGroupName(name, GroupLevel::SubGroup)) << base::toUtf8(name);
     }
     EXPECT_FALSE(isValidGroupName(u"nOnE", GroupLevel::TopLevel));
     EXPECT_TRUE(isValidGroupName(u"None", GroupLevel::SubGroup));

@@ -1,3 +1,4 @@
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "compound/raw_file.h"
 #include "store/library_count.h"
@@ -115,7 +116,7 @@ TEST_F(PictureTest, TestingANameChangesNothing) {
     EXPECT_TRUE(testPictureName(library, group, {u"new"}));
     EXPECT_TRUE(testPictureName(library, group, {std::u16string(31, u'x')}));
     for (const char16_t* name : {u"", u"NAME", u"parent", u"a:b", u"a\\b", u"a!b", u"a\tb"})
-        EXPECT_FALSE(testPictureName(library, group, {name})) << toUtf8(name);
+        EXPECT_FALSE(testPictureName(library, group, {name})) << base::toUtf8(name);
     EXPECT_FALSE(testPictureName(library, group, {std::u16string(32, u'x')}));
     EXPECT_FALSE(testPictureName(library, addressOf(u"Sub9/Plant"), {u"new"}));
     EXPECT_EQ(disk.content("/library/Plant.stg"), bytes);
@@ -287,13 +288,13 @@ TEST_F(PictureTest, ABatchIsAllOrNothing) {
 
 TEST_F(PictureTest, PagesAreCutByElementIndex) {
     for (const char16_t* name : {u"a", u"b", u"longer name", u"longest name"})
-        add(group, name, toUtf8(name));
+        add(group, name, base::toUtf8(name));
     // a, b, Name, Parent, longer name, longest name
     EXPECT_THAT(pictureIndexes(library, group), ElementsAre(0U, 1U, 4U, 5U));
     const auto page = [&](std::size_t start, std::size_t most) {
         std::vector<std::string> names;
         walkPictures(library, group, start, [&](const StoredPicture& picture) {
-            names.push_back(toUtf8(picture.name.text));
+            names.push_back(base::toUtf8(picture.name.text));
             return names.size() == most ? TakePicture::Stop : TakePicture::Continue;
         });
         return names;

@@ -1,5 +1,6 @@
 // Two machines on one library: each remembers files and the folder as it has last seen them, and
 // believes that until it has a lock.
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/store_fixture.h"
 
@@ -127,13 +128,14 @@ TEST_F(SharedLibraryTest, MachinesThatTakeTurnsLoseNothing) {
     for (int i = 0; i < 12; ++i) {
         const Library& turn = i % 2 == 0 ? first_ : second_;
         const std::string name = "picture " + std::to_string(i);
-        addPicture(turn, plant_, {fromUtf8(name)}, picture);
+        addPicture(turn, plant_, {base::fromUtf8(name)}, picture);
         if (i % 4 == 3) {
-            renamePicture(turn, plant_, {fromUtf8(names.front())}, {fromUtf8("R" + name)});
+            renamePicture(turn, plant_, {base::fromUtf8(names.front())},
+                          {base::fromUtf8("R" + name)});
             names.front() = "R" + name;
         }
         if (i % 5 == 4) {
-            deletePicture(turn, plant_, {fromUtf8(names.back())});
+            deletePicture(turn, plant_, {base::fromUtf8(names.back())});
             names.pop_back();
         }
         names.push_back(name);
@@ -143,7 +145,7 @@ TEST_F(SharedLibraryTest, MachinesThatTakeTurnsLoseNothing) {
     for (const Library& each : {first_, second_}) {
         std::vector<std::string> seen;
         for (const PictureEntry& entry : listPictures(each, plant_))
-            seen.push_back(toUtf8(entry.name.text));
+            seen.push_back(base::toUtf8(entry.name.text));
         EXPECT_THAT(seen, ::testing::UnorderedElementsAreArray(names));
     }
     expectSound(u"Plant");

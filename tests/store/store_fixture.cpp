@@ -1,5 +1,6 @@
 #include "store/store_fixture.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "store/text_codec.h"
 
@@ -89,8 +90,9 @@ std::vector<std::string> StoreTest::treeOf(std::u16string_view file) {
     std::vector<std::string> tree;
     for (std::size_t i = 1; i < reading.groups.size(); ++i) {
         const GroupEntry& group = reading.groups[i];
-        tree.push_back(toUtf8(group.parent.text) + ">" + toUtf8(group.address.storage.text) + ":" +
-                       toUtf8(group.name.text));
+        tree.push_back(base::toUtf8(group.parent.text) + ">" +
+                       base::toUtf8(group.address.storage.text) + ":" +
+                       base::toUtf8(group.name.text));
     }
     return tree;
 }
@@ -98,7 +100,7 @@ std::vector<std::string> StoreTest::treeOf(std::u16string_view file) {
 std::vector<std::string> StoreTest::pictureNames(const GroupAddress& group) {
     std::vector<std::string> names;
     for (const PictureEntry& picture : listPictures(library, group))
-        names.push_back(toUtf8(picture.name.text));
+        names.push_back(base::toUtf8(picture.name.text));
     return names;
 }
 

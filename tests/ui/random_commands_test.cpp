@@ -6,6 +6,7 @@
 #include "app/number_text.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "base/utf8.h"
 #include "compound/compound_file.h"
 #include "platform/native_disk.h"
 #include "ui/random_commands_fixture.h"
@@ -252,7 +253,7 @@ void RandomCommands::compareTree() {
     }
     EXPECT_EQ(plain(found), plain(expected)) << "tree";
     const auto selected = window().selectedGroup();
-    EXPECT_EQ(selected ? store::toUtf8(store::keyOf(selected->address)) : std::string(),
+    EXPECT_EQ(selected ? base::toUtf8(store::keyOf(selected->address)) : std::string(),
               screen_.selected ? plain(screen_.selected->key()) : std::string())
         << "selected group";
 }

@@ -1,6 +1,6 @@
 #include "metafile/text/character_sets.h"
 
-#include "store/windows_1252.h"
+#include "base/windows_1252.h"
 
 #include <QStringDecoder>
 
@@ -109,7 +109,7 @@ DecodedText symbolText(std::span<const std::byte> bytes) {
 DecodedText windows1252Text(std::span<const std::byte> bytes) {
     TextBuilder builder(bytes.size());
     for (std::size_t at = 0; at < bytes.size(); ++at)
-        builder.append(store::windows1252(std::to_integer<std::uint8_t>(bytes[at])), at);
+        builder.append(base::fromWindows1252(std::to_integer<std::uint8_t>(bytes[at])), at);
     return builder.take();
 }
 
@@ -126,7 +126,7 @@ DecodedText codePageText(std::span<const std::byte> bytes, const CodePage& page,
         const QString text =
             length <= bytes.size() - at ? decoder.decode(bytes.subspan(at, length)) : QString();
         if (text.isEmpty()) { // the second byte, if any, may well be a character by itself
-            builder.append(store::windows1252(byte), at++);
+            builder.append(base::fromWindows1252(byte), at++);
         } else {
             builder.append(text, at);
             at += length;

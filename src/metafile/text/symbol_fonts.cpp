@@ -1,7 +1,7 @@
 #include "metafile/text/symbol_fonts.h"
 
+#include "base/windows_1252.h"
 #include "metafile/text/symbol_tables.h"
-#include "store/windows_1252.h"
 
 #include <QString>
 
@@ -89,11 +89,8 @@ char32_t byteOf(char32_t code) {
         return code - kPrivateRange;
     if (code >= kFirstCode && code <= kLastCode)
         return code;
-    for (unsigned byte = 0x80; byte < 0xA0; ++byte) {
-        if (store::windows1252(std::uint8_t(byte)) == code)
-            return byte;
-    }
-    return 0;
+    const bool isUnit = code >= 0x80 && code <= 0xFFFF;
+    return isUnit ? base::toWindows1252(char16_t(code)).value_or(std::uint8_t(0)) : 0;
 }
 
 char32_t mtExtra(char32_t byte) {

@@ -1,5 +1,6 @@
 #include "metafile/wmf/wmf_reader.h"
 
+#include "base/picture_units.h"
 #include "metafile/bounds/work_budget.h"
 #include "metafile/records/stock_objects.h"
 #include "metafile/wmf/wmf_records.h"
@@ -16,7 +17,7 @@ constexpr std::size_t kPlaceableHeader = 22;
 constexpr std::size_t kHeader = 18;
 constexpr std::size_t kSmallestRecord = 6;
 constexpr std::size_t kMostHandles = 65536;
-constexpr double kTwipsPerInch = 1440;
+constexpr double kTwipsPerInch = base::kTwipsPerInch;
 
 bool isPlaceable(const imaging::ByteReader& in) {
     return in.has(0, kPlaceableHeader) && in.u32(0) == kPlaceableKey;
