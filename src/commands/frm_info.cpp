@@ -1,6 +1,7 @@
 #include "commands/frm_info.h"
 
 #include "app/modal_dialog.h"
+#include "app/named_control.h"
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
@@ -21,20 +22,13 @@ constexpr int kPictures = 1301;
 constexpr std::chrono::milliseconds kLockWait{1000}; // for all locked files together
 constexpr std::uint64_t kElementsOfAPicture = 2;
 
-QLabel* plainLabel(const char* name, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QString::fromLatin1(name));
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
 } // namespace
 
 frmInfo::frmInfo(QWidget* owner)
     : QDialog(owner),
-      Label1_(plainLabel("Label1", this)),
-      Label2_(plainLabel("Label2", this)),
-      Label3_(plainLabel("Label3", this)),
+      Label1_(app::makePlainLabel("Label1", this)),
+      Label2_(app::makePlainLabel("Label2", this)),
+      Label3_(app::makePlainLabel("Label3", this)),
       cmdZur_ck_(new QPushButton(app::text(kBack), this)) {
     setObjectName(QStringLiteral("frmInfo"));
     setWindowTitle(app::text(kMenuCaption).remove(u'&'));

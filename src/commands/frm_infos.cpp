@@ -2,6 +2,7 @@
 
 #include "app/help.h"
 #include "app/modal_dialog.h"
+#include "app/named_control.h"
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
@@ -78,24 +79,11 @@ double numberOf(const QLabel* label) {
     return label->text().replace(app::decimalSeparator(), u'.').toDouble();
 }
 
-template <typename Control, typename... Arguments>
-Control* makeNamed(const char* name, Arguments... arguments) {
-    auto* control = new Control(arguments...);
-    control->setObjectName(QString::fromLatin1(name));
-    return control;
-}
-
-QLabel* plainLabel(const char* name, QWidget* parent) {
-    auto* label = makeNamed<QLabel>(name, parent);
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
 } // namespace
 
 frmInfos::frmInfos(QWidget* owner)
     : QDialog(owner),
-      lblName2_(plainLabel("lblName2", this)),
+      lblName2_(app::makePlainLabel("lblName2", this)),
       cmdOK_(nullptr),
       cmdZur_ck_(nullptr) {
     setObjectName(QStringLiteral("frmInfos"));
@@ -106,9 +94,9 @@ frmInfos::frmInfos(QWidget* owner)
 
 QLabel* frmInfos::addProperty(QGridLayout* grid, int captionId, const char* captionName,
                               const char* valueName) {
-    auto* caption = plainLabel(captionName, this);
+    auto* caption = app::makePlainLabel(captionName, this);
     caption->setText(app::text(captionId));
-    auto* value = plainLabel(valueName, this);
+    auto* value = app::makePlainLabel(valueName, this);
     value->setAccessibleDescription(app::text(captionId));
     const int row = grid->rowCount();
     grid->addWidget(caption, row, 0);
@@ -117,7 +105,7 @@ QLabel* frmInfos::addProperty(QGridLayout* grid, int captionId, const char* capt
 }
 
 QGroupBox* frmInfos::makeProperties() {
-    auto* fraInfo = makeNamed<QGroupBox>("fraInfo", app::text(kProperties), this);
+    auto* fraInfo = app::makeNamed<QGroupBox>("fraInfo", app::text(kProperties), this);
     auto* grid = new QGridLayout(fraInfo);
     grid->setHorizontalSpacing(16);
     grid->setColumnStretch(1, 1);
@@ -130,9 +118,9 @@ QGroupBox* frmInfos::makeProperties() {
 }
 
 QGroupBox* frmInfos::makeUnit() {
-    auto* fraEinheit = makeNamed<QGroupBox>("fraEinheit", app::text(kUnit), this);
-    optPixel_ = makeNamed<QRadioButton>("optPixel", app::text(kPixels), fraEinheit);
-    optTwip_ = makeNamed<QRadioButton>("optTwip", app::text(kTwips), fraEinheit);
+    auto* fraEinheit = app::makeNamed<QGroupBox>("fraEinheit", app::text(kUnit), this);
+    optPixel_ = app::makeNamed<QRadioButton>("optPixel", app::text(kPixels), fraEinheit);
+    optTwip_ = app::makeNamed<QRadioButton>("optTwip", app::text(kTwips), fraEinheit);
     auto* row = new QHBoxLayout(fraEinheit);
     row->addWidget(optPixel_);
     row->addWidget(optTwip_);
@@ -140,15 +128,15 @@ QGroupBox* frmInfos::makeUnit() {
 }
 
 QGroupBox* frmInfos::makePreview() {
-    auto* fraVorschau = makeNamed<QGroupBox>("fraVorschau", app::text(kPreview), this);
+    auto* fraVorschau = app::makeNamed<QGroupBox>("fraVorschau", app::text(kPreview), this);
     // How high the title stands depends on the desktop's font.
     const double top = app::toTwips(fraVorschau->contentsRect().top()) + kBoxBelowTitle;
     designPlace_ = {kBoxLeft, top, kBoxSide, kBoxSide};
     fraVorschau->setFixedWidth(app::toPixels(kBoxLeft + kBoxSide + kFrameSlack));
     fraVorschau->setMinimumHeight(app::toPixels(top + kBoxSide + kFrameSlack));
-    imgBild_ = makeNamed<editing::PictureBox>("imgBild", fraVorschau);
+    imgBild_ = app::makeNamed<editing::PictureBox>("imgBild", fraVorschau);
     imgBild_->setAccessibleName(app::text(kPreview));
-    picBild_ = makeNamed<QWidget>("picBild", fraVorschau);
+    picBild_ = app::makeNamed<QWidget>("picBild", fraVorschau);
     picBild_->hide();
     return fraVorschau;
 }
@@ -161,9 +149,9 @@ void frmInfos::arrange() {
     facts->addWidget(makePreview(), 0, 1, 2, 1);
     facts->setColumnStretch(0, 1);
 
-    cmdOK_ = makeNamed<QPushButton>("cmdOK", app::text(kBack), this);
+    cmdOK_ = app::makeNamed<QPushButton>("cmdOK", app::text(kBack), this);
     cmdOK_->setDefault(true);
-    cmdZur_ck_ = makeNamed<QPushButton>("cmdZur_ck", app::text(kHelp), this);
+    cmdZur_ck_ = app::makeNamed<QPushButton>("cmdZur_ck", app::text(kHelp), this);
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(8);
     buttons->addStretch();

@@ -3,6 +3,7 @@
 #include "app/help.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
+#include "app/named_control.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
@@ -29,8 +30,8 @@
 #include <QShowEvent>
 #include <QVBoxLayout>
 
-#include <span>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace editing {
@@ -130,13 +131,6 @@ bool isSoundOrSetAside(const store::Library& library, const store::FileName& fil
     return state == store::GroupFileState::Sound;
 }
 
-template <typename Control, typename... Arguments>
-Control* makeNamed(const char* name, Arguments... arguments) {
-    auto* control = new Control(arguments...);
-    control->setObjectName(QString::fromLatin1(name));
-    return control;
-}
-
 } // namespace
 
 app::TwipRect previewRect(int height, int width) {
@@ -161,17 +155,17 @@ frmOpen::~frmOpen() = default;
 
 // In reading order, which so is the order of the Tab key.
 void frmOpen::makeControls() {
-    fraOrdner_ = makeNamed<QGroupBox>("fraOrdner", this);
-    drvDrive_ = makeNamed<DriveList>("drvDrive", fraOrdner_);
-    dirOrdner_ = makeNamed<FolderList>("dirOrdner", fraOrdner_);
-    fraDatei_ = makeNamed<QGroupBox>("fraDatei", this);
-    filDatei_ = makeNamed<FileList>("filDatei", pictureSuffixes(), fraDatei_);
-    fraVorschau_ = makeNamed<QGroupBox>("fraVorschau", this);
-    lblName_ = makeNamed<QLabel>("lblName", this);
-    txtName_ = makeNamed<QLineEdit>("txtName", this);
-    cmdOK_ = makeNamed<QPushButton>("cmdOK", this);
-    cmdAbbruch_ = makeNamed<QPushButton>("cmdAbbruch", this);
-    cmdHilfe_ = makeNamed<QPushButton>("cmdHilfe", this);
+    fraOrdner_ = app::makeNamed<QGroupBox>("fraOrdner", this);
+    drvDrive_ = app::makeNamed<DriveList>("drvDrive", fraOrdner_);
+    dirOrdner_ = app::makeNamed<FolderList>("dirOrdner", fraOrdner_);
+    fraDatei_ = app::makeNamed<QGroupBox>("fraDatei", this);
+    filDatei_ = app::makeNamed<FileList>("filDatei", pictureSuffixes(), fraDatei_);
+    fraVorschau_ = app::makeNamed<QGroupBox>("fraVorschau", this);
+    lblName_ = app::makeNamed<QLabel>("lblName", this);
+    txtName_ = app::makeNamed<QLineEdit>("txtName", this);
+    cmdOK_ = app::makeNamed<QPushButton>("cmdOK", this);
+    cmdAbbruch_ = app::makeNamed<QPushButton>("cmdAbbruch", this);
+    cmdHilfe_ = app::makeNamed<QPushButton>("cmdHilfe", this);
     lblName_->setTextFormat(Qt::PlainText);
     lblName_->setBuddy(txtName_);
     cmdOK_->setDefault(true);
@@ -180,8 +174,8 @@ void frmOpen::makeControls() {
 }
 
 void frmOpen::makePreview() {
-    imgVorschau_ = makeNamed<PictureBox>("imgVorschau", fraVorschau_);
-    picBild_ = makeNamed<QWidget>("picBild", fraVorschau_);
+    imgVorschau_ = app::makeNamed<PictureBox>("imgVorschau", fraVorschau_);
+    picBild_ = app::makeNamed<QWidget>("picBild", fraVorschau_);
     picBild_->hide();
 }
 
