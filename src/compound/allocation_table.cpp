@@ -13,11 +13,6 @@ constexpr std::uint32_t kNone = kFreeSector; // no sector
 constexpr std::uint64_t kVersion3Limit = 0x7FFFFFFF;
 constexpr std::uint32_t kTailBeforeLock = 64;
 
-// Free sectors that a range keeps: for moving the FAT sector that describes it, and for moving the
-// directory and the tables, so that deleting works in a file that can grow no more.
-constexpr std::uint32_t kKeptForFat = 1;
-constexpr std::uint32_t kKeptForMoving = 8;
-
 } // namespace
 
 AllocationTable::AllocationTable(SectorFile& file, Header& header)
@@ -144,13 +139,18 @@ void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
 
 std::uint32_t AllocationTable::take(std::uint32_t sector) {
     --freeIn(sector / perSector_);
+    provided_ -= std::min<std::uint64_t>(provided_, 1);
     set(sector, kEndOfChain);
     fresh_.insert(sector);
-    // Marked a little before the file can reach it: a free tail may follow the last sector.
-    const std::uint32_t lock = rangeLock();
-    if (lock != kNone && sector >= lock - kTailBeforeLock && entry(lock) == kFreeSector)
-        set(lock, kEndOfChain);
+    markRangeLock(std::uint64_t{sector} + 1);
     return sector;
+}
+
+// The range lock is marked before a file of `end` sectors can reach it.
+void AllocationTable::markRangeLock(std::uint64_t end) {
+    const std::uint32_t lock = rangeLock();
+    if (lock != kNone && end > lock - kTailBeforeLock && covers(lock) && entry(lock) == kFreeSector)
+        set(lock, kEndOfChain);
 }
 
 // A free sector of the range, from its entry `from` on and then from its start; kNone when no more
@@ -169,43 +169,75 @@ std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
     return kNone;
 }
 
+void AllocationTable::throwFull() const {
+    if (insideLimit_ != kMaximumSector)
+        throw Error(ErrorCode::NoSpace, file_.disk().path(), "the disk is full");
+    throw Error(ErrorCode::TooLarge, file_.disk().path(),
+                "the file has reached the greatest size of its format");
+}
+
 void AllocationTable::addRange() {
     loadDifat();
     const std::uint64_t first = std::uint64_t{ranges_.size()} * perSector_;
-    if (first >= limit() && insideLimit_ != kMaximumSector)
-        throw Error(ErrorCode::NoSpace, file_.disk().path(), "the disk is full");
     if (first >= limit())
-        throw Error(ErrorCode::TooLarge, file_.disk().path(),
-                    "the file has reached the greatest size of its format");
+        throwFull();
     auto range = std::make_unique<Range>();
     range->bytes.assign(file_.sectorSize(), std::byte{0xFF}); // all free
     range->dirty = range->moved = true;
     ranges_.push_back(std::move(range));
-    const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
-    fatSectors_.push_back(take(place));
-    markTable(place, kFatSector);
+    try {
+        const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
+        fatSectors_.push_back(takePlaced(place));
+    } catch (...) {
+        ranges_.pop_back();
+        throw;
+    }
+    markTable(fatSectors_.back(), kFatSector);
     touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
 }
 
+// Free sectors of a range that are left when one is taken for `purpose`.
+std::uint32_t AllocationTable::kept(Purpose purpose) const {
+    if (purpose == Purpose::Fat)
+        return 0;
+    const bool isFull = insideLimit_ != kMaximumSector;
+    return purpose == Purpose::Move || isFull ? kKeptForFat : kKeptForMoving;
+}
+
 std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
-    const std::uint32_t reserve = purpose == Purpose::Move ? kKeptForFat : kKeptForMoving;
+    try {
+        return allocateOnce(near, purpose);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NoSpace || !stayInside())
+            throw;
+    }
+    return allocateOnce(near, purpose);
+}
+
+std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose) {
     loadDifat();
     const std::uint32_t home = near < kMaximumSector ? near / perSector_ : 0;
     if (home < ranges_.size()) {
-        const std::uint32_t found = findFree(home, 0, reserve);
+        const std::uint32_t found = findFree(home, 0, kept(purpose));
         if (found != kNone)
-            return take(found);
+            return takePlaced(found);
     }
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         // Only what is in memory anyway, and the last one, in which the file can grow.
         if (!ranges_[index] && index + 1 != ranges_.size() && canGrow())
             continue;
-        const std::uint32_t found = findFree(index, 0, reserve);
+        const std::uint32_t found = findFree(index, 0, std::max(kept(purpose), kKeptForFat));
         if (found != kNone)
-            return take(found);
+            return takePlaced(found);
     }
     addRange();
-    return take(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat));
+    return takePlaced(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat));
+}
+
+// As take(), for what is written at the commit: that must not fail for want of space then.
+std::uint32_t AllocationTable::takePlaced(std::uint32_t sector) {
+    file_.extend(sector + 1);
+    return take(sector);
 }
 
 bool AllocationTable::canGrow() const {
@@ -252,9 +284,10 @@ std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
 // As findFree, but leaves the sectors before metadataEnd() and a few more to the tables.
 std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_t from) {
     const std::uint32_t first = index * perSector_ + metadataEnd(index);
-    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), kKeptForMoving);
+    const std::uint32_t reserve = kept(Purpose::Growth);
+    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), reserve);
     if (found != kNone && found < first) // the search has wrapped
-        found = findFree(index, metadataEnd(index), kKeptForMoving);
+        found = findFree(index, metadataEnd(index), reserve);
     return found != kNone && found < first ? kNone : found;
 }
 
@@ -277,6 +310,7 @@ void AllocationTable::setInsideLimit(std::uint32_t limit) {
         return;
     insideLimit_ = limit;
     scannedTo_ = 0;
+    provided_ = 0;
     for (const std::unique_ptr<Range>& range : ranges_) {
         if (range)
             range->free.reset(); // others may be taken now
@@ -345,23 +379,6 @@ void AllocationTable::makeSound() {
     difatTouched_ = static_cast<std::uint32_t>(fatSectors_.size());
 }
 
-std::uint32_t AllocationTable::freeInside(std::uint32_t count) const {
-    std::uint32_t free = 0;
-    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        for (std::uint32_t at = 0; ranges_[index] && at < perSector_; ++at) {
-            const bool isInside = index * perSector_ + at < count;
-            free += isInside && ranges_[index]->at(at) == kFreeSector ? 1U : 0U;
-        }
-    }
-    return free;
-}
-
-std::uint32_t AllocationTable::roomBehind(std::uint32_t count) const {
-    const auto end = static_cast<std::uint32_t>(
-        std::min<std::uint64_t>(std::uint64_t{ranges_.size()} * perSector_, limit()));
-    return end > count ? end - count : 0;
-}
-
 // Gives every changed FAT sector a new place; true when that changed anything.
 bool AllocationTable::moveFatSectors() {
     bool any = false;
@@ -369,9 +386,7 @@ bool AllocationTable::moveFatSectors() {
         if (!ranges_[index] || !ranges_[index]->dirty || ranges_[index]->moved)
             continue;
         any = ranges_[index]->moved = true;
-        const std::uint32_t own = findFree(index, 0, 0);
-        const std::uint32_t place =
-            own != kNone ? take(own) : allocate(fatSectors_[index], Purpose::Move);
+        const std::uint32_t place = allocate(index * perSector_, Purpose::Fat);
         markTable(place, kFatSector);
         releaseTable(fatSectors_[index]);
         fatSectors_[index] = place;
@@ -430,7 +445,7 @@ void AllocationTable::writeDifatSector(std::size_t index) {
 
 // Lets go of the last FAT sectors when the sectors that they describe are all free, so that the
 // file can be cut.
-void AllocationTable::dropEmptyRanges() {
+void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
     while (!ranges_.empty() && ranges_.back() && ranges_.back()->dirty) {
         const auto index = static_cast<std::uint32_t>(ranges_.size() - 1);
         const std::uint32_t own = fatSectors_[index];
@@ -441,6 +456,8 @@ void AllocationTable::dropEmptyRanges() {
         }
         if (own / perSector_ != index)
             return; // another program's arrangement
+        if (missing(reserve, index * perSector_, Free::AfterCommit) > 0)
+            return;
         releaseTable(own);
         fatSectors_.pop_back();
         ranges_.pop_back();
@@ -450,8 +467,8 @@ void AllocationTable::dropEmptyRanges() {
     }
 }
 
-void AllocationTable::writeOut() {
-    dropEmptyRanges();
+void AllocationTable::writeOut(std::uint64_t reserve) {
+    dropEmptyRanges(reserve);
     // Moving one sector changes entries, which may lie in a FAT sector not yet moved; each sector
     // moves once, so this ends.
     for (bool again = true; again;) {
@@ -486,6 +503,8 @@ void AllocationTable::committed() {
     anyDirty_ = false;
     dataHint_ = kNone;
     scannedTo_ = 0;
+    provided_ = 0;
+    step_ = 0;
     setInsideLimit(kMaximumSector);
 }
 

@@ -33,12 +33,14 @@ class AllocationTable {
     // The sector that no file may use, which covers byte 0x7FFFFFFF; kFreeSector in version 3.
     std::uint32_t rangeLock() const;
 
-    // What a sector is wanted for: a page more, or the new place of one that will be free after the
-    // commit. Growth leaves a few sectors to moving.
-    enum class Purpose { Growth, Move };
+    // What a sector is wanted for: a page more, the new place of one that will be free after the
+    // commit, or that of a FAT sector. Growth leaves a few sectors of each range to moving, moving
+    // one to the FAT sector.
+    enum class Purpose { Growth, Move, Fat };
 
-    // Takes a free sector, near `near` if there is one, and ends its chain with it. TooLarge when
-    // the format can number no more.
+    // Takes a free sector, near `near` if there is one, and ends its chain with it. It has its
+    // place on the medium: on a full disk it is one inside the file. TooLarge when the format can
+    // number no more, NoSpace when nothing is left.
     std::uint32_t allocate(std::uint32_t near, Purpose purpose);
 
     // Takes a free sector for data: anywhere, preferring the one behind `previous` (kEndOfChain for
@@ -60,20 +62,29 @@ class AllocationTable {
     // Whether this transaction has taken the sector, so that it may be written in place.
     bool isFresh(std::uint32_t sector) const { return fresh_.contains(sector); }
 
-    // Writes all changed FAT sectors and the DIFAT to new places and tells the header of them.
-    void writeOut();
+    // Writes all changed FAT sectors and the DIFAT to new places and tells the header of them. FAT
+    // sectors at the end that describe nothing go, as long as `reserve` sectors stay free.
+    void writeOut(std::uint64_t reserve);
 
     // Comes before the first change of another program's file: its FAT and DIFAT sectors are marked
     // as such, and the whole DIFAT is written anew by the next writeOut(). Damaged when a chain
     // runs through one of them.
     void makeSound();
 
-    // Free sectors within the first `count` of the file, freed ones included, as far as the table
-    // is in memory.
-    std::uint32_t freeInside(std::uint32_t count) const;
+    // Which free sectors count: those that this transaction may take, or those that are free when
+    // it is committed, with what it has freed.
+    enum class Free { Now, AfterCommit };
 
-    // Sectors that the file can grow by from `count` on without another FAT sector.
-    std::uint32_t roomBehind(std::uint32_t count) const;
+    // Whether `wanted` of the file's first `count` sectors are free, one of each range left to its
+    // FAT sector; otherwise how many are missing. Looks at what is in memory first.
+    std::uint64_t missing(std::uint64_t wanted, std::uint32_t count, Free which);
+
+    // Lengthens the file until `wanted` sectors inside it are free, and by some more where there is
+    // room. NoSpace.
+    void provide(std::uint64_t wanted, Free which);
+
+    // Whether the transaction leaves fewer sectors free than it has found.
+    bool takesMoreThanItFrees() const { return fresh_.size() > pending_.size(); }
 
     // After the header is down: what the old state used is free.
     void committed();
@@ -88,6 +99,11 @@ class AllocationTable {
     const std::vector<std::uint32_t>& difatSectors();
 
   private:
+    // Free sectors that a range keeps: for moving the FAT sector that describes it, and for moving
+    // the directory and the tables, so that these stay near.
+    static constexpr std::uint32_t kKeptForFat = 1;
+    static constexpr std::uint32_t kKeptForMoving = 8;
+
     // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
         std::vector<std::byte> bytes;
@@ -104,13 +120,22 @@ class AllocationTable {
     std::uint32_t& freeIn(std::uint32_t index); // counted when first asked for
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();
+    [[noreturn]] void throwFull() const;
     void addRange();
     bool canGrow() const;
-    void dropEmptyRanges();
+    void dropEmptyRanges(std::uint64_t reserve);
     std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
     std::uint32_t findFreeForData(std::uint32_t index, std::uint32_t from);
     std::uint32_t metadataEnd(std::uint32_t index) const;
     std::uint32_t take(std::uint32_t sector);
+    std::uint32_t takePlaced(std::uint32_t sector);
+    void markRangeLock(std::uint64_t end);
+    std::uint32_t allocateOnce(std::uint32_t near, Purpose purpose);
+    std::uint32_t kept(Purpose purpose) const;
+    std::uint64_t usableIn(std::uint32_t index, std::uint32_t count, Free which);
+    std::uint64_t usable(std::uint64_t wanted, std::uint32_t count, Free which);
+    void lengthen(std::uint64_t sectors, std::uint64_t more);
+    void lengthenFreely(std::uint64_t sectors, std::uint64_t more);
     std::uint32_t limit() const;
     void setInsideLimit(std::uint32_t limit);
     bool isUsable(std::uint32_t sector) const;
@@ -140,6 +165,8 @@ class AllocationTable {
     std::uint32_t dataHint_ = format::kFreeSector;
     std::uint32_t insideLimit_ = format::kMaximumSector; // see stayInside()
     std::uint32_t scannedTo_ = 0; // ranges before it have nothing left for data
+    std::uint64_t provided_ = 0;  // so many sectors at least may be taken inside the file
+    std::uint64_t step_ = 0;      // by which the file is lengthened next beyond what is wanted
 };
 
 } // namespace compound

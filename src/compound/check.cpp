@@ -37,6 +37,8 @@ class Checker {
         guarded("directory", [&] { checkUnreachedEntries(); });
         guarded("FAT", [&] { checkOrphans(); });
         guarded("mini FAT", [&] { checkMiniOrphans(); });
+        if (findings_.empty())
+            guarded("file", [&] { checkTail(); });
         return std::move(findings_);
     }
 
@@ -229,6 +231,17 @@ class Checker {
                                                 : " is marked as used, but in no chain"));
             }
         }
+    }
+
+    // A crash may leave sectors behind the end that no header in force has ever named.
+    void checkTail() {
+        const std::uint32_t needed = file_.neededEnd();
+        const std::uint32_t count = file_.file().count();
+        if (count > needed)
+            findings_.push_back({"file",
+                                 "its last " + std::to_string(count - needed) +
+                                     " sectors are unused and go with the next change",
+                                 Severity::Remark});
     }
 
     void checkMiniOrphans() {

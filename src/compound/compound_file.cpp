@@ -295,6 +295,10 @@ bool CompoundFile::hasChanges() const {
     return state_->hasChanges();
 }
 
+void CompoundFile::makeRoom(std::uint64_t bytes) {
+    state_->makeRoom(bytes);
+}
+
 std::vector<Finding> CompoundFile::check() {
     return checkFile(*state_);
 }

@@ -127,10 +127,14 @@ class Storage {
     EntryId id_;
 };
 
+// A remark tells of something that is in nobody's way and goes with the next change.
+enum class Severity : std::uint8_t { Damage, Remark };
+
 // One finding of check(): where, and what is wrong with it.
 struct Finding {
     std::string where; // "header", "FAT sector 3", "Pumps/valve", ...
     std::string what;
+    Severity severity = Severity::Damage;
 };
 
 class CompoundFile {
@@ -164,6 +168,10 @@ class CompoundFile {
     void dropChanges();
 
     bool hasChanges() const;
+
+    // Makes sure that streams of `bytes` bytes together can be added in this transaction and
+    // committed. NoSpace, with the transaction as it was, when the disk is too full for that.
+    void makeRoom(std::uint64_t bytes);
 
     // Walks everything; the findings in file order, none when the file is sound. Never throws
     // Damaged, never changes the file.

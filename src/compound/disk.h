@@ -61,6 +61,10 @@ class DiskFile {
 
     virtual std::uint64_t size() = 0;
 
+    // Lengthens the file to `size` bytes, zeros that have their place on the medium: writing to
+    // them later needs no more space. Nothing for a file of that length.
+    virtual void extend(std::uint64_t size);
+
     // Takes the exclusive kernel lock, which goes with the handle. Waits up to `wait` for another
     // holder; false when it still holds then. A second handle of the same process counts as another
     // holder. Only what is read, measured or looked up after it is what the last holder left: on a

@@ -51,8 +51,14 @@ FileState::FileState(std::unique_ptr<DiskFile> file, const Header& committed, Ac
       isDurable_(isNew),
       lengthBefore_(file_.disk().size()),
       parts_(std::make_unique<Parts>(file_, header_)) {
-    if (isNew_)
+    if (!isNew_)
+        return;
+    try {
         startNewFile();
+    } catch (...) {
+        restoreLength();
+        throw;
+    }
 }
 
 FileState::~FileState() {
@@ -138,8 +144,8 @@ void FileState::commit() {
     header_.firstDirectory = parts_->directoryChain.first();
     header_.directorySectors = header_.majorVersion == 3 ? 0 : parts_->directoryChain.count();
     parts_->directoryChain.writeOut();
-    parts_->table.writeOut();
     keepReserve();
+    parts_->table.writeOut(reserve());
     header_.transaction = nextTransaction(committed_);
     file_.disk().sync();
     writeHeader();
@@ -155,19 +161,27 @@ void FileState::commit() {
     lengthBefore_ = file_.lengthOf(file_.count());
 }
 
-// Leaves a few free sectors in the file, so that a later change that frees space finds room for its
-// own pages on a full disk.
+// What the largest deletion has to write anew: every page of the directory, of the mini FAT and of
+// the DIFAT, and a few pages of the mini stream. (FAT sectors move within what each leaves free.)
+std::uint64_t FileState::reserve() {
+    constexpr std::uint64_t kFew = 8;
+    return kFew + parts_->directoryChain.count() + header_.miniFatSectors +
+           parts_->table.difatSectors().size();
+}
+
+void FileState::makeRoom(std::uint64_t bytes) {
+    constexpr std::uint64_t kNewPages = 12; // of the directory and the tables
+    { const Change change(*this); }
+    const std::uint64_t sectors = bytes / file_.sectorSize() + 1;
+    const std::uint64_t fatSectors = sectors / (file_.sectorSize() / 8);
+    parts_->table.provide(reserve() + kNewPages + sectors + fatSectors, AllocationTable::Free::Now);
+}
+
+// On a full disk a change that frees as much as it takes finds room in the reserve; one that takes
+// more leaves the reserve as it should be, or fails.
 void FileState::keepReserve() {
-    constexpr std::uint32_t kReserve = 12;
-    if (file_.lengthOf(file_.count()) <= lengthBefore_)
-        return;
-    const std::uint32_t free = parts_->table.freeInside(file_.count());
-    if (free >= kReserve)
-        return;
-    const std::uint32_t wanted = std::min(kReserve - free, parts_->table.roomBehind(file_.count()));
-    const std::vector<std::byte> zeros(std::size_t{wanted} * file_.sectorSize());
-    if (wanted > 0)
-        file_.write(file_.count(), zeros);
+    if (parts_->table.takesMoreThanItFrees())
+        parts_->table.provide(reserve(), AllocationTable::Free::AfterCommit);
 }
 
 void FileState::writeHeader() {
@@ -202,14 +216,26 @@ void FileState::putHeaderBack(const char* cause) {
     isDurable_ = true;
 }
 
-// Gives a long free tail back. The change is durable already, so a failure loses nothing but space.
+std::uint32_t FileState::neededEnd() {
+    const std::uint64_t count = file_.count();
+    std::uint64_t end = parts_->table.usedEnd();
+    while (end < count) {
+        const std::uint64_t lacking = parts_->table.missing(
+            reserve(), static_cast<std::uint32_t>(end), AllocationTable::Free::Now);
+        if (lacking == 0)
+            break;
+        end += lacking; // one more when the last range had none free so far
+    }
+    return static_cast<std::uint32_t>(std::min(end, count));
+}
+
+// Gives back what lies behind the last used sector and the reserve. The change is durable already,
+// so a failure loses nothing but space.
 void FileState::cutFreeTail() noexcept {
-    constexpr std::uint32_t kWorthIt = 64;
-    constexpr std::uint32_t kKept = 16;
     try {
-        const std::uint32_t end = parts_->table.usedEnd();
-        if (file_.count() > end + kWorthIt)
-            file_.resize(end + kKept);
+        const std::uint32_t end = neededEnd();
+        if (file_.count() > end)
+            file_.resize(end);
     } catch (const std::exception&) {
         return;
     }

@@ -54,6 +54,12 @@ class FileState {
     bool hasChanges() const { return changed_; }
     Access access() const { return access_; }
 
+    // See CompoundFile.
+    void makeRoom(std::uint64_t bytes);
+
+    // Sectors that the file keeps after a change; what lies behind them is an unused tail.
+    std::uint32_t neededEnd();
+
     // Takes over what this process knows of the header in force.
     void recall(const CommittedFile& known);
 
@@ -78,6 +84,7 @@ class FileState {
     void makeSound();
     void requireWhole();
     void startNewFile();
+    std::uint64_t reserve();
     void keepReserve();
     void writeHeader();
     void putHeaderBack(const char* cause);

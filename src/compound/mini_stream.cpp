@@ -106,14 +106,19 @@ void MiniStream::grow() {
     ++count_;
 }
 
-// Looks behind the last one taken, on the table's last page and on a few others; then the mini
+// Takes what this transaction has freed, so that a stream of the same length needs no room; then
+// looks behind the last one taken, on the table's last page and on a few others; then the mini
 // stream grows.
 std::uint32_t MiniStream::allocate() {
     constexpr std::uint32_t kLooks = 4;
     load();
     std::uint32_t found = kFreeSector;
-    if (hint_ + 1 < count_ && entry(hint_ + 1) == kFreeSector)
+    if (!freed_.empty()) {
+        found = freed_.back();
+        freed_.pop_back();
+    } else if (hint_ + 1 < count_ && entry(hint_ + 1) == kFreeSector) {
         found = hint_ + 1;
+    }
     const std::uint32_t pages = (count_ + perPage_ - 1) / perPage_;
     if (found == kFreeSector && pages > 0 && !exhausted_)
         found = findFree(pages - 1, count_);
@@ -154,6 +159,7 @@ void MiniStream::releaseChain(std::uint32_t first) {
     for (std::uint32_t mini = first; mini != kEndOfChain;) {
         const std::uint32_t following = next(mini);
         set(mini, kFreeSector);
+        freed_.push_back(mini);
         mini = following;
     }
     exhausted_ = false;
@@ -179,6 +185,8 @@ void MiniStream::committed() {
         return;
     table_->committed();
     data_->committed();
+    freed_.clear();
+    exhausted_ = false; // the next transaction looks at other pages
 }
 
 } // namespace compound

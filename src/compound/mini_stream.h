@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace compound {
 
@@ -58,8 +59,9 @@ class MiniStream {
     std::unique_ptr<SectorChain> table_;
     std::unique_ptr<SectorChain> data_;
     std::uint32_t count_ = 0;
-    std::uint32_t hint_ = 0; // the mini sector last taken
-    bool exhausted_ = false; // looking found nothing, and nothing was freed since
+    std::uint32_t hint_ = 0;           // the mini sector last taken
+    bool exhausted_ = false;           // looking found nothing, and nothing was freed since
+    std::vector<std::uint32_t> freed_; // by this transaction, to be taken again first
 };
 
 } // namespace compound

@@ -27,8 +27,16 @@ void SectorFile::readPart(std::uint32_t first, std::uint32_t within, std::span<s
 }
 
 void SectorFile::write(std::uint32_t first, std::span<const std::byte> bytes) {
+    extend(first);
     file_->write(lengthOf(first), bytes);
     count_ = std::max(count_, first + static_cast<std::uint32_t>(bytes.size() / sectorSize_));
+}
+
+void SectorFile::extend(std::uint32_t count) {
+    if (count <= count_)
+        return;
+    file_->extend(lengthOf(count));
+    count_ = count;
 }
 
 void SectorFile::resize(std::uint32_t count) {

@@ -28,7 +28,8 @@ class SectorFile {
     // The same from byte `within` of the first sector on, for any number of bytes.
     void readPart(std::uint32_t first, std::uint32_t within, std::span<std::byte> into);
 
-    // Writes whole neighbouring sectors.
+    // Writes whole neighbouring sectors. Those that are passed over behind the file's end get their
+    // place on the medium as well, so that none inside the file ever wants for space.
     void write(std::uint32_t first, std::span<const std::byte> bytes);
 
     // The file's length when it ends with sector `count` - 1.
@@ -40,6 +41,9 @@ class SectorFile {
 
     // Counts anew after the file's length was changed from outside.
     void refresh();
+
+    // Lengthens the file to `count` sectors, all with their place on the medium. NoSpace.
+    void extend(std::uint32_t count);
 
     // Sets the file's length to `count` sectors.
     void resize(std::uint32_t count);

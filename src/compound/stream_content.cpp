@@ -110,8 +110,8 @@ void StreamContent::extendChain(std::vector<std::uint32_t>& chain, std::size_t c
 void StreamContent::store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain) {
     const std::size_t count = (bytes.size() + file_.sectorSize() - 1) / file_.sectorSize();
     const std::size_t before = chain.size();
-    extendChain(chain, count);
     try {
+        extendChain(chain, count);
         writeSectors(std::span(chain).subspan(before), bytes);
         return;
     } catch (const Error& error) {

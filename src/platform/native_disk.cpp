@@ -59,6 +59,7 @@ class NativeFile final : public DiskFile {
     void sync() override;
     void truncate(std::uint64_t size) override;
     std::uint64_t size() override;
+    void extend(std::uint64_t size) override;
     bool lock(std::chrono::milliseconds wait) override;
     bool isStillAtPath() override;
     std::optional<compound::FileIdentity> identity() override;
@@ -127,6 +128,21 @@ std::uint64_t NativeFile::size() {
     if (!isTold)
         throw systemError(errno, path_, "get size");
     return static_cast<std::uint64_t>(status.st_size);
+}
+
+void NativeFile::extend(std::uint64_t to) {
+    const std::uint64_t from = size();
+    while (to > from && ::fallocate(descriptor(), 0, static_cast<off_t>(from),
+                                    static_cast<off_t>(to - from)) != 0) {
+        const int cause = errno;
+        if (cause == EINTR)
+            continue;
+        if (size() > from) // a part of it was given
+            truncate(from);
+        if (cause == EOPNOTSUPP)
+            return DiskFile::extend(to);
+        throw systemError(cause, path_, "write");
+    }
 }
 
 bool NativeFile::tryLock() {

@@ -18,6 +18,8 @@ using compound::ElementKind;
 using compound::Error;
 using compound::ErrorCode;
 
+constexpr std::size_t kLongestRecord = 64; // bytes
+
 // A source file, read and measured: all that can fail for the picture's sake is behind it.
 struct Source {
     std::vector<std::byte> bytes;
@@ -122,6 +124,7 @@ void PictureBatch::add(const PictureName& name, const std::filesystem::path& sou
     requireValidName(state_->access.file().disk().path(), name);
     refuseExisting(state_->access, name, ifExists);
     const Source read = readSource(state_->library, source);
+    state_->access.file().makeRoom(read.bytes.size() + kLongestRecord);
     storePicture(state_->library, state_->access, state_->group, name, read);
 }
 

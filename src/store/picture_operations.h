@@ -43,7 +43,8 @@ class PictureBatch {
     PictureBatch(const PictureBatch&) = delete;
     PictureBatch& operator=(const PictureBatch&) = delete;
 
-    // As addPicture. After an exception the batch is as before the call.
+    // As addPicture. After an exception the batch is as before the call, unless the disk fails in
+    // the middle (Failed): then commit() refuses, and nothing of the batch is stored.
     void add(const PictureName& name, const std::filesystem::path& source,
              IfPictureExists ifExists);
     void commit();

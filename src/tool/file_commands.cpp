@@ -7,6 +7,7 @@
 #include "tool/library_arguments.h"
 #include "tool/output.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace tool {
@@ -16,6 +17,10 @@ using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 using compound::Finding;
+
+bool isRemark(const Finding& finding) {
+    return finding.severity == compound::Severity::Remark;
+}
 
 // What is wrong with the bytes of one file. What keeps them from being read is thrown.
 std::vector<Finding> findingsOf(const std::filesystem::path& path) {
@@ -31,8 +36,8 @@ std::vector<Finding> findingsOf(const std::filesystem::path& path) {
         return {{"header", error.cause()}};
     }
     const store::LockBudget budget(library.lockWait);
-    if (findings.empty() &&
-        store::testGroupFile(library, path, budget) == store::GroupFileState::Damaged)
+    const bool isSound = std::all_of(findings.begin(), findings.end(), isRemark);
+    if (isSound && store::testGroupFile(library, path, budget) == store::GroupFileState::Damaged)
         findings.push_back({"root", "there is no group of the file's own name"});
     return findings;
 }
@@ -48,7 +53,8 @@ ExitStatus checkFiles(const Invocation& invocation) {
             for (const Finding& finding : findingsOf(file)) {
                 table.addRow(
                     {Cell::text(file), Cell::text(finding.where), Cell::text(finding.what)});
-                status = ExitStatus::Failed;
+                if (!isRemark(finding))
+                    status = ExitStatus::Failed;
             }
         } catch (const Error& error) {
             complain(invocation.console, error.what());

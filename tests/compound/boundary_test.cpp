@@ -150,6 +150,31 @@ TEST(TwoGiBTest, LargeSectorsGoOnBehindTheRangeLock) {
     EXPECT_EQ(file.root().openStream(u"behind").readAll(), mark);
 }
 
+// In steps of one sector, so that the file ends right before, on and right behind the lock.
+TEST(TwoGiBTest, RangeLockIsMarkedBeforeTheFileReachesIt) {
+    constexpr std::uint64_t kSector = 4096;
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes4096);
+    Stream large = file.root().createStream(u"large");
+    appendZeros(large, kTwoGiB / 8 * 7);
+    while (file.disk().size() < kTwoGiB - 80 * kSector)
+        appendZeros(large, large.size() + 20 * kSector);
+    file.commit();
+    ASSERT_LT(file.disk().size(), kTwoGiB - 20 * kSector);
+    const std::vector<std::byte> sector = patterned(kSector, 1);
+    int steps = 0;
+    for (; file.disk().size() < kTwoGiB + 8 * kSector; ++steps) {
+        large.append(sector);
+        file.commit();
+        ASSERT_EQ(findingsOf(file), "") << file.disk().size();
+    }
+    std::vector<std::byte> read(kSector);
+    for (int i = 1; i <= steps; ++i) {
+        large.read(large.size() - static_cast<std::uint64_t>(i) * kSector, read);
+        ASSERT_EQ(read, sector);
+    }
+}
+
 TEST(TwoGiBTest, SmallSectorsEndThere) {
     MemoryDisk disk;
     CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);

@@ -38,16 +38,33 @@ Content contentOf(MemoryDisk& disk, const std::filesystem::path& path) {
     return contentOf(file);
 }
 
-std::string findingsOf(CompoundFile& file) {
+namespace {
+
+std::string asText(const std::vector<compound::Finding>& findings) {
     std::string text;
-    for (const compound::Finding& finding : file.check())
+    for (const compound::Finding& finding : findings)
         text += finding.where + ": " + finding.what + "\n";
     return text;
+}
+
+} // namespace
+
+std::string findingsOf(CompoundFile& file) {
+    return asText(file.check());
 }
 
 std::string findingsOf(MemoryDisk& disk, const std::filesystem::path& path) {
     CompoundFile file = openFile(disk, path, Access::Read);
     return findingsOf(file);
+}
+
+std::string damageOf(MemoryDisk& disk, const std::filesystem::path& path) {
+    CompoundFile file = openFile(disk, path, Access::Read);
+    std::vector<compound::Finding> findings = file.check();
+    std::erase_if(findings, [](const compound::Finding& finding) {
+        return finding.severity == compound::Severity::Remark;
+    });
+    return asText(findings);
 }
 
 std::vector<std::byte> patterned(std::size_t size, std::uint32_t seed) {

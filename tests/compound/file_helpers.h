@@ -27,6 +27,9 @@ Content contentOf(MemoryDisk& disk, const std::filesystem::path& path);
 std::string findingsOf(compound::CompoundFile& file);
 std::string findingsOf(MemoryDisk& disk, const std::filesystem::path& path);
 
+// The same without remarks, for what a failure may leave.
+std::string damageOf(MemoryDisk& disk, const std::filesystem::path& path);
+
 // Bytes that differ from each other and with the seed.
 std::vector<std::byte> patterned(std::size_t size, std::uint32_t seed);
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <optional>
 #include <random>
 #include <tuple>
 #include <utility>
@@ -268,27 +269,82 @@ TEST(Foreign512Test, UpperHalvesOfSizesDoNotCount) {
     expectReadAndMended(raw, expected);
 }
 
-// 110 FAT sectors and more need a DIFAT sector, whose chain some writers end with "free".
-TEST(Foreign512Test, DifatThatEndsWithFree) {
-    MemoryDisk disk;
-    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
-    file.root().createStream(u"large").assign(patterned(7300000, 1));
-    file.commit();
-    RawFile raw(disk.content(kPath));
-    raw.makeForeign();
-    const std::uint32_t difat = raw.get(header::kFirstDifatAt);
-    ASSERT_LT(difat, raw.sectors());
-    ASSERT_EQ(raw.get(raw.sector(difat) + 508), kEndOfChain);
-    raw.put(raw.sector(difat) + 508, kFreeSector);
-    disk.setContent(kPath, raw.bytes());
-    Content expected = compound_tests::contentOf(disk, kPath);
-    ASSERT_EQ(expected.size(), 1U);
-    CompoundFile again = openFile(disk, kPath);
-    again.root().createStream(u"small").assign(patterned(10, 2));
-    again.commit();
-    expected[u"small"] = patterned(10, 2);
-    EXPECT_EQ(findingsOf(disk, kPath), "");
-    EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == expected);
+// 110 FAT sectors and more need a DIFAT sector, which other programs chain and mark in their ways.
+class ForeignDifatTest : public testing::TestWithParam<Signature> {
+  protected:
+    ForeignDifatTest() {
+        CompoundFile file = CompoundFile::create(disk_.create(kPath), SectorSize::Bytes512);
+        file.root().createStream(u"gap").assign(patterned(90000, 1));
+        file.root().createStream(u"large").assign(patterned(7300000, 1));
+        file.commit();
+        file.root().destroy(u"gap");
+        file.commit();
+        raw_.emplace(disk_.content(kPath));
+        if (GetParam() == Signature::Theirs)
+            raw_->makeForeign();
+        difat_ = raw_->get(header::kFirstDifatAt);
+    }
+
+    void expectMended() {
+        disk_.setContent(kPath, raw_->bytes());
+        Content expected = compound_tests::contentOf(disk_, kPath);
+        ASSERT_EQ(expected.size(), 1U);
+        CompoundFile again = openFile(disk_, kPath);
+        again.root().createStream(u"small").assign(patterned(10, 2));
+        again.commit();
+        again.root().createStream(u"long").assign(patterned(60000, 2));
+        again.commit();
+        expected[u"small"] = patterned(10, 2);
+        expected[u"long"] = patterned(60000, 2);
+        EXPECT_EQ(findingsOf(disk_, kPath), "");
+        EXPECT_TRUE(compound_tests::contentOf(disk_, kPath) == expected);
+    }
+
+    MemoryDisk disk_;
+    std::optional<RawFile> raw_;
+    std::uint32_t difat_ = 0; // the DIFAT sector
+};
+
+INSTANTIATE_TEST_SUITE_P(Signatures, ForeignDifatTest,
+                         testing::Values(Signature::Ours, Signature::Theirs));
+
+TEST_P(ForeignDifatTest, EndsWithFree) {
+    ASSERT_EQ(raw_->get(raw_->sector(difat_) + 508), kEndOfChain);
+    raw_->put(raw_->sector(difat_) + 508, kFreeSector);
+    expectMended();
+}
+
+TEST_P(ForeignDifatTest, IsLongerThanItNeedsToBe) {
+    std::uint32_t extra = 0;
+    while (raw_->get(raw_->fatEntry(extra)) != kFreeSector)
+        ++extra;
+    raw_->put(raw_->fatEntry(extra), kDifatSector);
+    for (std::size_t at = 0; at < 512; at += 4)
+        raw_->put(raw_->sector(extra) + at, kFreeSector);
+    raw_->put(raw_->sector(extra) + 508, kEndOfChain);
+    raw_->put(raw_->sector(difat_) + 508, extra);
+    raw_->put(header::kDifatSectorsAt, 2);
+    expectMended();
+}
+
+// Neither a DIFAT sector nor a FAT sector is ever taken for free.
+TEST_P(ForeignDifatTest, TablesThatAreMarkedFree) {
+    ASSERT_LT(difat_ / 128, 109U);
+    raw_->put(raw_->fatEntry(difat_), kFreeSector);
+    for (const std::uint32_t index : {0U, 7U, 108U})
+        raw_->put(raw_->fatEntry(raw_->get(header::kDifatAt + std::size_t{4} * index)),
+                  kFreeSector);
+    disk_.setContent(kPath, raw_->bytes());
+    Content expected = compound_tests::contentOf(disk_, kPath);
+    CompoundFile file = openFile(disk_, kPath);
+    for (char16_t i = 0; i < 40; ++i) {
+        const std::u16string name{u's', static_cast<char16_t>(u'\u0410' + i % 32),
+                                  i < 32 ? u'1' : u'2'};
+        file.root().createStream(name).assign(patterned(3000, i));
+        expected[name] = patterned(3000, i);
+        file.commit();
+    }
+    EXPECT_TRUE(compound_tests::contentOf(disk_, kPath) == expected);
 }
 
 } // namespace

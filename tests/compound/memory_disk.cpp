@@ -18,6 +18,10 @@ void SparseBytes::resize(std::uint64_t size) {
         if (last != pages_.end())
             std::fill(last->second.begin() + static_cast<std::ptrdiff_t>(size % kPage),
                       last->second.end(), std::byte{0});
+        const std::size_t kept = (size + kBlock - 1) / kBlock;
+        for (std::size_t block = kept; block < isPlaced_.size(); ++block)
+            blocks_ -= isPlaced_[block] ? 1U : 0U;
+        isPlaced_.resize(std::min(kept, isPlaced_.size()));
     }
     size_ = size;
 }
@@ -45,6 +49,10 @@ std::size_t SparseBytes::read(std::uint64_t offset, std::span<std::byte> into) c
 void SparseBytes::write(std::uint64_t offset, std::span<const std::byte> bytes) {
     static constexpr std::array<std::byte, kPage> kZeros{};
     size_ = std::max(size_, offset + bytes.size());
+    blocks_ = placedAfter(offset, bytes.size()) / kBlock;
+    isPlaced_.resize(std::max<std::size_t>(isPlaced_.size(), (size_ + kBlock - 1) / kBlock));
+    for (std::uint64_t block = offset / kBlock; block * kBlock < offset + bytes.size(); ++block)
+        isPlaced_[block] = true;
     for (std::size_t done = 0; done < bytes.size();) {
         const std::uint64_t at = offset + done;
         const std::size_t part = std::min<std::size_t>(bytes.size() - done, kPage - at % kPage);
@@ -58,6 +66,13 @@ void SparseBytes::write(std::uint64_t offset, std::span<const std::byte> bytes) 
                       page->second.begin() + static_cast<std::ptrdiff_t>(at % kPage));
         done += part;
     }
+}
+
+std::uint64_t SparseBytes::placedAfter(std::uint64_t offset, std::size_t bytes) const {
+    std::uint64_t blocks = blocks_;
+    for (std::uint64_t block = offset / kBlock; block * kBlock < offset + bytes; ++block)
+        blocks += block >= isPlaced_.size() || !isPlaced_[block] ? 1U : 0U;
+    return blocks * kBlock;
 }
 
 std::uint64_t SparseBytes::allocated() const {
@@ -86,7 +101,7 @@ class MemoryFile : public compound::DiskFile {
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         requireWritable();
         disk_.announce(MemoryDisk::Call::Write);
-        disk_.checkCapacity(*file_, std::max(file_->bytes.size(), offset + bytes.size()));
+        disk_.checkCapacity(*file_, file_->bytes.placedAfter(offset, bytes.size()));
         ++file_->changes;
         file_->bytes.write(offset, bytes);
     }
@@ -96,7 +111,6 @@ class MemoryFile : public compound::DiskFile {
     void truncate(std::uint64_t size) override {
         requireWritable();
         disk_.announce(MemoryDisk::Call::Truncate);
-        disk_.checkCapacity(*file_, size);
         ++file_->changes;
         file_->bytes.resize(size);
     }
@@ -163,13 +177,16 @@ void MemoryDisk::announce(Call call) const {
         interceptor_(call);
 }
 
-void MemoryDisk::checkCapacity(const File& file, std::uint64_t newSize) const {
-    if (!capacity_)
-        return;
-    std::uint64_t total = newSize;
-    for (const auto& [path, other] : files_)
-        total += other.get() == &file ? 0 : other->bytes.size();
-    if (newSize > file.bytes.size() && total > *capacity_)
+std::uint64_t MemoryDisk::placed() const {
+    std::uint64_t total = 0;
+    for (const auto& [path, file] : files_)
+        total += file->bytes.placed();
+    return total;
+}
+
+void MemoryDisk::checkCapacity(const File& file, std::uint64_t placedAfter) const {
+    const std::uint64_t before = file.bytes.placed();
+    if (capacity_ && placedAfter > before && placed() - before + placedAfter > *capacity_)
         throw Error(ErrorCode::NoSpace, {}, "the disk is full");
 }
 

@@ -18,12 +18,20 @@ class SparseBytes {
     void resize(std::uint64_t size);
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) const;
     void write(std::uint64_t offset, std::span<const std::byte> bytes);
-    std::uint64_t allocated() const; // bytes of the pages that were written
+    std::uint64_t allocated() const; // bytes of the pages that were written and are not zeros
+
+    // Bytes that a file system would take for it: what was passed over, a hole, takes none.
+    std::uint64_t placed() const { return blocks_ * kBlock; }
+    // The same after a write.
+    std::uint64_t placedAfter(std::uint64_t offset, std::size_t bytes) const;
 
   private:
     static constexpr std::uint64_t kPage = 4096;
+    static constexpr std::uint64_t kBlock = 512;
     std::map<std::uint64_t, std::vector<std::byte>> pages_;
     std::uint64_t size_ = 0;
+    std::vector<bool> isPlaced_; // for each block
+    std::uint64_t blocks_ = 0;   // that are placed
 };
 
 class MemoryDisk : public compound::Disk {
@@ -48,7 +56,8 @@ class MemoryDisk : public compound::Disk {
     void setInterceptor(std::function<void(Call)> interceptor) {
         interceptor_ = std::move(interceptor);
     }
-    // The most bytes that all files together may take; a write past it throws NoSpace.
+    std::uint64_t placed() const; // bytes that all files together take
+    // The most bytes that all files together may take, holes apart; a write past it throws NoSpace.
     void setCapacity(std::optional<std::uint64_t> bytes) { capacity_ = bytes; }
 
     std::unique_ptr<compound::DiskFile> open(const std::filesystem::path& path,
@@ -68,7 +77,7 @@ class MemoryDisk : public compound::Disk {
   private:
     friend class MemoryFile;
     void announce(Call call) const;
-    void checkCapacity(const File& file, std::uint64_t newSize) const;
+    void checkCapacity(const File& file, std::uint64_t placedAfter) const;
     std::shared_ptr<File> find(const std::filesystem::path& path) const;
     std::shared_ptr<File> makeFile();
 

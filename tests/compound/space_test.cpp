@@ -3,6 +3,7 @@
 #include "compound/error.h"
 #include "compound/file_helpers.h"
 #include "compound/format.h"
+#include "compound/raw_file.h"
 #include "compound/read_cache.h"
 
 #include <algorithm>
@@ -55,6 +56,7 @@ class WatchedFile : public DiskFile {
     bool isStillAtPath() override { return inner_->isStillAtPath(); }
     std::optional<compound::FileIdentity> identity() override { return inner_->identity(); }
     void truncate(std::uint64_t size) override { inner_->truncate(size); }
+    void extend(std::uint64_t size) override { inner_->extend(size); }
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override {
         ++traffic_.reads;
@@ -199,6 +201,63 @@ TEST_P(SpaceTest, LargeDeletionCutsTheFile) {
     file.root().destroy(u"large");
     file.commit();
     EXPECT_LT(disk.content(kPath).size(), grown - 900 * static_cast<std::size_t>(GetParam()));
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+// What a crash has left behind the last sector, whole or in part.
+TEST_P(SpaceTest, UnusedTailIsRemarkedAndGoesWithTheNextChange) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 30, 5000);
+    const std::vector<std::byte> sound = disk.content(kPath);
+    const auto sector = static_cast<std::size_t>(GetParam());
+    for (const std::size_t tail : {std::size_t{1}, sector, 5 * sector, 300 * sector}) {
+        std::vector<std::byte> bytes = sound;
+        bytes.resize(sound.size() + tail, std::byte{7});
+        disk.setContent(kPath, bytes);
+        CompoundFile file = openFile(disk, kPath);
+        const auto findings = file.check();
+        ASSERT_EQ(findings.size(), 1U);
+        EXPECT_EQ(findings.front().severity, compound::Severity::Remark);
+        EXPECT_EQ(findings.front().what, "its last " +
+                                             std::to_string((tail + sector - 1) / sector) +
+                                             " sectors are unused and go with the next change");
+        file.root().openStorage(u"Pumps").rename(nameOf(u'p', 3), u"other");
+        file.commit();
+        EXPECT_LE(disk.content(kPath).size(), sound.size());
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+    }
+}
+
+std::uint64_t miniStreamSize(MemoryDisk& disk) {
+    const RawFile raw(disk.content(kPath));
+    return raw.get(raw.entry(0U) + entry::kSizeAt);
+}
+
+// In one transaction and over many: short streams take the place of those that went.
+TEST_P(SpaceTest, MiniStreamIsUsedAgain) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 700, 100);
+    const std::uint64_t before = miniStreamSize(disk);
+    CompoundFile file = openFile(disk, kPath);
+    auto pictures = file.root().openStorage(u"Pumps");
+    for (std::size_t i = 0; i < 300; ++i) {
+        pictures.destroy(nameOf(u'p', i));
+        pictures.createStream(nameOf(u'p', i)).assign(patterned(128, 1));
+    }
+    file.commit();
+    EXPECT_EQ(miniStreamSize(disk), before);
+    for (int round = 0; round < 12; ++round) {
+        for (std::size_t i = 300; i < 500; ++i)
+            pictures.destroy(nameOf(u'p', i));
+        file.commit();
+        for (std::size_t i = 300; i < 500; ++i) {
+            pictures.createStream(nameOf(u'p', i)).assign(patterned(100, 1));
+            if (i % 20 == 0)
+                file.commit();
+        }
+        file.commit();
+    }
+    EXPECT_LE(miniStreamSize(disk), before + before / 2);
     EXPECT_EQ(findingsOf(disk, kPath), "");
 }
 

@@ -286,6 +286,25 @@ TEST_F(PictureTest, ABatchIsAllOrNothing) {
     EXPECT_THAT(pictureNames(group), ElementsAre("one", "three"));
 }
 
+TEST_F(PictureTest, ABatchOnAFullDiskKeepsWhatFits) {
+    const auto large = source("large.bmp", 15, 15, std::string(200000, 'l'));
+    const auto small = source("small.bmp", 15, 15, std::string(500, 's'));
+    add(group, u"old", "old");
+    disk.setCapacity(disk.placed() + 150000);
+    {
+        PictureBatch batch(library, group);
+        batch.add({u"one"}, small, IfPictureExists::Refuse);
+        for (const auto* name : {u"two", u"old"})
+            EXPECT_EQ(errorOf([&] { batch.add({name}, large, IfPictureExists::Replace); }),
+                      ErrorCode::NoSpace);
+        batch.add({u"three"}, small, IfPictureExists::Refuse);
+        batch.commit();
+    }
+    EXPECT_THAT(pictureNames(group), ElementsAre("old", "one", "three"));
+    EXPECT_NE(bytesOf(group, u"old").find("old"), std::string::npos);
+    expectSound(u"Plant");
+}
+
 TEST_F(PictureTest, PagesAreCutByElementIndex) {
     for (const char16_t* name : {u"a", u"b", u"longer name", u"longest name"})
         add(group, name, base::toUtf8(name));

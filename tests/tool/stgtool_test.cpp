@@ -9,6 +9,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -155,7 +156,10 @@ TEST_F(ToolTest, ChecksEachFileForItself) {
     const std::string foreign = (folder() / "note.txt").string();
     EXPECT_EQ(succeed({"check", sound, cut}), "");
 
-    std::filesystem::resize_file(cut, std::filesystem::file_size(cut) / 2);
+    std::ofstream(sound, std::ios::app | std::ios::binary) << "what a crash has left";
+    EXPECT_NE(succeed({"check", sound}).find("unused"), std::string::npos);
+
+    std::filesystem::resize_file(cut, std::filesystem::file_size(cut) / 4);
     std::filesystem::copy_file(sound, renamed);
     writeFile(foreign, "a note");
     const Result result = run({"check", foreign, sound, cut, renamed, "--json"});
@@ -164,10 +168,10 @@ TEST_F(ToolTest, ChecksEachFileForItself) {
     const QJsonArray found = jsonOf(result.out).array();
     for (const auto& finding : found)
         ++findings[finding.toObject()["file"].toString().toStdString()];
-    EXPECT_EQ(findings.count(sound), 0U);
+    EXPECT_EQ(findings[sound], 1);
     EXPECT_EQ(findings[foreign], 1);
     EXPECT_GE(findings[cut], 1);
-    EXPECT_EQ(findings[renamed], 1);
+    EXPECT_EQ(findings[renamed], 2);
     fail({"check", (folder() / "missing.stg").string()}, "missing.stg");
 }
 

@@ -1,0 +1,96 @@
+// The allocation table's room: how many sectors inside the file are free, and how the file is
+// lengthened until there are enough.
+#include "compound/allocation_table.h"
+
+#include <algorithm>
+
+namespace compound {
+
+using namespace format;
+
+// Free sectors of a range among the file's first `count`, but for one.
+std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count, Free which) {
+    const Range& range = load(index);
+    std::uint32_t free = 0;
+    for (std::uint32_t at = 0; at < perSector_; ++at) {
+        const std::uint32_t sector = index * perSector_ + at;
+        if (range.at(at) == kFreeSector && sector < count && isUsable(sector) &&
+            (which == Free::AfterCommit || !pending_.contains(sector)))
+            ++free;
+    }
+    return free > kKeptForFat ? free - kKeptForFat : 0;
+}
+
+// The same of all ranges, once `wanted` are found no more than that; what is in memory comes first.
+std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count, Free which) {
+    loadDifat();
+    std::uint64_t found = 0;
+    for (const bool isLoaded : {true, false}) {
+        for (std::size_t index = ranges_.size(); index-- > 0 && found < wanted;) {
+            if ((ranges_[index] != nullptr) == isLoaded)
+                found += usableIn(static_cast<std::uint32_t>(index), count, which);
+        }
+    }
+    return found;
+}
+
+std::uint64_t AllocationTable::missing(std::uint64_t wanted, std::uint32_t count, Free which) {
+    const std::uint64_t found = usable(wanted, count, which);
+    return found < wanted ? wanted - found : 0;
+}
+
+// Adds `sectors` to the file, and `more` if the disk has room for them. A transaction that stays
+// inside the file may use them as well.
+void AllocationTable::lengthen(std::uint64_t sectors, std::uint64_t more) {
+    const bool staysInside = insideLimit_ != kMaximumSector;
+    setInsideLimit(kMaximumSector);
+    try {
+        lengthenFreely(sectors, more);
+    } catch (...) {
+        if (staysInside)
+            setInsideLimit(file_.count());
+        throw;
+    }
+    if (staysInside)
+        setInsideLimit(file_.count());
+}
+
+void AllocationTable::lengthenFreely(std::uint64_t sectors, std::uint64_t more) {
+    std::uint64_t end = file_.count() + sectors;
+    for (; end > std::uint64_t{ranges_.size()} * perSector_; ++end)
+        addRange(); // whose FAT sector lies in it
+    if (end > limit())
+        throwFull();
+    const std::uint64_t most =
+        std::min<std::uint64_t>(std::uint64_t{ranges_.size()} * perSector_, limit());
+    const std::uint64_t tried = std::min(end + more, most);
+    markRangeLock(tried);
+    try {
+        file_.extend(static_cast<std::uint32_t>(tried));
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NoSpace || tried == end)
+            throw;
+        file_.extend(static_cast<std::uint32_t>(end));
+    }
+}
+
+// Many small streams are added in one transaction: what was counted once serves for many of them,
+// and the file grows in ever longer steps.
+void AllocationTable::provide(std::uint64_t wanted, Free which) {
+    constexpr std::uint64_t kLongestStep = 1024;
+    const bool isNow = which == Free::Now;
+    if (isNow && provided_ >= wanted)
+        return;
+    for (;;) {
+        const std::uint64_t found =
+            usable(isNow ? 2 * wanted + step_ : wanted, file_.count(), which);
+        if (isNow)
+            provided_ = found;
+        if (found >= wanted)
+            return;
+        lengthen(wanted - found, isNow ? step_ : 0);
+        step_ = std::min(kLongestStep, 2 * step_ + 16);
+    }
+}
+
+} // namespace compound
