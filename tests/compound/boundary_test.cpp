@@ -166,8 +166,12 @@ TEST(TwoGiBTest, RangeLockIsMarkedBeforeTheFileReachesIt) {
     for (; file.disk().size() < kTwoGiB + 8 * kSector; ++steps) {
         large.append(sector);
         file.commit();
-        ASSERT_EQ(findingsOf(file), "") << file.disk().size();
+        const std::uint64_t size = file.disk().size();
+        if (size > kTwoGiB - 3 * kSector && size < kTwoGiB + 3 * kSector) {
+            ASSERT_EQ(findingsOf(file), "") << size;
+        }
     }
+    EXPECT_EQ(findingsOf(file), "");
     std::vector<std::byte> read(kSector);
     for (int i = 1; i <= steps; ++i) {
         large.read(large.size() - static_cast<std::uint64_t>(i) * kSector, read);

@@ -203,29 +203,32 @@ TEST_P(ForeignTest, AttributesAreCarriedAlong) {
     }
 }
 
-// Colours that promise blacks which are not there, and a list higher than any tree: removing looks
-// at the elements beside the way down.
+// Lists in place of trees: one in order, whose colours promise blacks that are not there beside the
+// way down, and one out of order that is higher than any tree.
 TEST_P(ForeignTest, EveryElementOfALooseTreeCanBeRemoved) {
-    for (const Colour colour : {Colour::Red, Colour::Black}) {
+    for (const auto& [count, colour] : {std::pair(40, Colour::Black), std::pair(40, Colour::Red),
+                                        std::pair(100, Colour::Black)}) {
         MemoryDisk disk;
         std::vector<std::u16string> names;
         {
             CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize());
             auto storage = file.root().createStorage(u"S");
-            for (char16_t i = 0; i < 100; ++i) {
+            for (int i = 0; i < count; ++i) {
                 names.push_back({u'n', static_cast<char16_t>(u'0' + i / 10),
                                  static_cast<char16_t>(u'0' + i % 10)});
-                storage.createStream(names.back()).assign(patterned(50, i));
+                storage.createStream(names.back()).assign(patterned(50, 1));
             }
             file.commit();
         }
         RawFile raw(disk.content(kPath));
         if (std::get<Signature>(GetParam()) == Signature::Theirs)
             raw.makeForeign();
-        std::reverse(names.begin(), names.begin() + 50);
+        if (count == 100)
+            std::reverse(names.begin(), names.begin() + count / 2);
         makeList(raw, names, colour);
         disk.setContent(kPath, raw.bytes());
-        std::shuffle(names.begin(), names.end(), std::mt19937(3));
+        std::shuffle(names.begin(), names.end() - 1, std::mt19937(3));
+        std::reverse(names.begin(), names.end()); // the list's last one is the first to go
         for (const std::u16string& name : names) {
             CompoundFile file = openFile(disk, kPath);
             ASSERT_NO_THROW(file.root().openStorage(u"S").destroy(name));
@@ -246,15 +249,15 @@ TEST_P(ForeignTest, TwoElementsOfOneNameAreBothKept) {
     EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == content_);
     EXPECT_NE(findingsOf(disk, kPath).find("it bears the same name as S/"), std::string::npos);
     CompoundFile file = openFile(disk, kPath);
-    file.root().openStorage(u"S").createStream(u"added");
+    file.root().openStorage(u"S").createStream(u"b (2)");
     file.commit();
-    content_[u"S/added"] = {};
+    content_[u"S/b (2)"] = {};
     EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == content_);
     CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), sectorSize());
     copyAll(file, copy);
     copy.commit();
     auto moved = content_.extract(u"S/b");
-    moved.key() = u"S/b (2)";
+    moved.key() = u"S/b (3)";
     content_.insert(std::move(moved));
     EXPECT_TRUE(compound_tests::contentOf(disk, "copy.stg") == content_);
     EXPECT_EQ(findingsOf(disk, "copy.stg"), "");
@@ -298,6 +301,12 @@ class ForeignDifatTest : public testing::TestWithParam<Signature> {
         expected[u"long"] = patterned(60000, 2);
         EXPECT_EQ(findingsOf(disk_, kPath), "");
         EXPECT_TRUE(compound_tests::contentOf(disk_, kPath) == expected);
+        const RawFile mended(disk_.content(kPath));
+        EXPECT_EQ(mended.get(header::kDifatSectorsAt), 1U);
+        if (GetParam() == Signature::Theirs) {
+            EXPECT_EQ(mended.get(mended.sector(mended.get(header::kFirstDifatAt)) + 508),
+                      kEndOfChain);
+        }
     }
 
     MemoryDisk disk_;
@@ -340,8 +349,8 @@ TEST_P(ForeignDifatTest, TablesThatAreMarkedFree) {
     for (char16_t i = 0; i < 40; ++i) {
         const std::u16string name{u's', static_cast<char16_t>(u'\u0410' + i % 32),
                                   i < 32 ? u'1' : u'2'};
-        file.root().createStream(name).assign(patterned(3000, i));
-        expected[name] = patterned(3000, i);
+        file.root().createStream(name).assign(patterned(9000, i));
+        expected[name] = patterned(9000, i);
         file.commit();
     }
     EXPECT_TRUE(compound_tests::contentOf(disk_, kPath) == expected);

@@ -233,6 +233,25 @@ std::uint64_t miniStreamSize(MemoryDisk& disk) {
     return raw.get(raw.entry(0U) + entry::kSizeAt);
 }
 
+// What was deleted does not live on behind the end of a stream that took its place.
+TEST_P(SpaceTest, RestOfAMiniSectorIsZeros) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), GetParam());
+    auto stream = file.root().createStream(u"a");
+    stream.assign(std::vector<std::byte>(128, std::byte{0x5A}));
+    file.commit();
+    stream.assign(std::vector<std::byte>(70, std::byte{0x5A}));
+    file.commit();
+    const RawFile raw(disk.content(kPath));
+    const std::uint32_t last =
+        raw.get(raw.miniFatEntry(raw.get(raw.entry(u"a") + entry::kStartAt)));
+    const std::size_t at =
+        raw.sector(raw.get(raw.entry(0U) + entry::kStartAt)) + std::size_t{64} * last;
+    EXPECT_EQ(raw.get(at), 0x5A5A5A5AU);
+    for (std::size_t i = 8; i < 64; i += 4)
+        EXPECT_EQ(raw.get(at + i), 0U) << i;
+}
+
 // In one transaction and over many: short streams take the place of those that went.
 TEST_P(SpaceTest, MiniStreamIsUsedAgain) {
     MemoryDisk disk;
