@@ -26,8 +26,11 @@ std::vector<std::byte> contentOf(DiskFile& file) {
 
 class MachineFile final : public DiskFile {
   public:
-    MachineFile(std::unique_ptr<DiskFile> onVolume, Memory& memory)
-        : file_(std::move(onVolume)), memory_(memory), isFresh_(!memory.contains(file_->path())) {}
+    MachineFile(std::unique_ptr<DiskFile> onVolume, Memory& memory, std::vector<std::string>& steps)
+        : file_(std::move(onVolume)),
+          memory_(memory),
+          steps_(steps),
+          isFresh_(!memory.contains(file_->path())) {}
     MachineFile(const MachineFile&) = delete;
     MachineFile& operator=(const MachineFile&) = delete;
     ~MachineFile() override {
@@ -64,10 +67,12 @@ class MachineFile final : public DiskFile {
         return isLocked;
     }
     bool isStillAtPath() override { return !isFresh_ || file_->isStillAtPath(); }
+    void retire() noexcept override { steps_.push_back("retire " + path().filename().string()); }
 
   private:
     std::unique_ptr<DiskFile> file_;
     Memory& memory_;
+    std::vector<std::string>& steps_;
     bool isFresh_;
 };
 
@@ -79,10 +84,14 @@ class Machine final : public compound::Disk {
     void refresh() { entries_ = volume_.list("/library"); }
 
     std::unique_ptr<DiskFile> open(const std::filesystem::path& path, Access access) override {
-        return std::make_unique<MachineFile>(volume_.open(path, access), memory_);
+        if (replacements > 0) {
+            --replacements;
+            throw compound::Error(ErrorCode::Locked, path, "stale");
+        }
+        return std::make_unique<MachineFile>(volume_.open(path, access), memory_, steps);
     }
     std::unique_ptr<DiskFile> create(const std::filesystem::path& path) override {
-        return std::make_unique<MachineFile>(volume_.create(path), memory_);
+        return std::make_unique<MachineFile>(volume_.create(path), memory_, steps);
     }
     void copyAttributes(DiskFile&, DiskFile&) override {}
     std::vector<compound::FolderEntry> list(const std::filesystem::path&) override {
@@ -97,11 +106,19 @@ class Machine final : public compound::Disk {
                          const std::filesystem::path& to) override {
         volume_.renameReplacing(from, to);
     }
-    void syncFolder(const std::filesystem::path& folder) override { volume_.syncFolder(folder); }
+    void syncFolder(const std::filesystem::path& folder) override {
+        steps.push_back("sync");
+        volume_.syncFolder(folder);
+    }
     void trash(const std::filesystem::path& path) override { volume_.trash(path); }
     void removeTemporary(const std::filesystem::path& path) override {
+        if (path.extension() == ".stg")
+            steps.push_back("remove");
         volume_.removeTemporary(path);
     }
+
+    std::vector<std::string> steps;
+    int replacements = 0; // so many times a name still stands for a file that is gone
 
   private:
     MemoryDisk& volume_;
@@ -181,6 +198,30 @@ TEST_F(SharedLibraryTest, AGroupThatIsGoneElsewhereIsNotFound) {
     EXPECT_EQ(errorOf([&] { listPictures(second_, plant_); }), ErrorCode::NotFound);
     secondMachine_.refresh();
     EXPECT_THAT(groupFiles(second_), ElementsAre(FileName{u"Works"}));
+}
+
+// Others may remember the name of a file that is gone. It is told them by the file itself, but only
+// when no power cut can bring it back.
+TEST_F(SharedLibraryTest, AFileThatLosesItsPathIsRetiredLast) {
+    compactGroupFile(first_, "/library/Plant.stg");
+    EXPECT_THAT(firstMachine_.steps, ElementsAre("sync", "retire Plant.stg"));
+    firstMachine_.steps.clear();
+    renameGroup(first_, plant_, {u"Works"});
+    EXPECT_THAT(firstMachine_.steps, ElementsAre("sync", "remove", "sync", "retire Plant.stg"));
+    firstMachine_.steps.clear();
+    topGroup(u"Taken");
+    EXPECT_EQ(errorOf([&] { renameGroup(first_, topLevelAddress(u"Works"), {u"Taken"}); }),
+              ErrorCode::Exists);
+    EXPECT_THAT(firstMachine_.steps, ::testing::IsEmpty());
+}
+
+TEST_F(SharedLibraryTest, AFileThatIsBeingReplacedIsWaitedFor) {
+    firstMachine_.replacements = 2;
+    EXPECT_EQ(errorOf([&] { listPictures(first_, plant_); }), ErrorCode::Locked);
+    first_.lockWait = std::chrono::minutes{10};
+    firstMachine_.replacements = 3;
+    EXPECT_TRUE(listPictures(first_, plant_).empty());
+    EXPECT_EQ(firstMachine_.replacements, 0);
 }
 
 } // namespace
