@@ -75,9 +75,10 @@ class DiskFile {
     // opening and locking).
     virtual bool isStillAtPath() = 0;
 
-    // Call it, locked, when the file has lost its path for good and its content lives elsewhere. On
-    // a volume that other machines share, whoever opened it by a remembered name then finds that it
-    // is no longer at its path, whatever the name says; elsewhere nothing happens. Best effort.
+    // Call it, locked, when the file, open for writing, has lost its path for good and its content
+    // lives elsewhere. On a volume that other machines share, whoever opened it by a remembered
+    // name then finds that it is no longer at its path, whatever the name says; elsewhere nothing
+    // happens.
     virtual void retire() noexcept {}
 
     // The file's present state, if the disk can tell for sure; asked for while the lock is held.

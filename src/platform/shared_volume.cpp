@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <linux/magic.h>
-#include <string>
 #include <string_view>
 #include <sys/sysmacros.h>
 #include <sys/vfs.h>
@@ -93,11 +92,9 @@ bool askStatus(int descriptor, struct stat& status) {
 }
 
 void markRetired(int descriptor) noexcept {
-    // The handle may be one for reading; the file itself belongs to us, or stays unmarked.
-    const std::string self = "/proc/self/fd/" + std::to_string(descriptor);
-    const FileDescriptor file(::open(self.c_str(), O_WRONLY | O_CLOEXEC));
-    if (file.isOpen() && ::pwrite(file.get(), kRetired.data(), kRetired.size(), 0) > 0)
-        (void)::fdatasync(file.get());
+    // Through the open handle, since a file without a path cannot be opened everywhere.
+    if (::pwrite(descriptor, kRetired.data(), kRetired.size(), 0) > 0)
+        (void)::fdatasync(descriptor);
 }
 
 bool isRetired(int descriptor) {

@@ -94,10 +94,21 @@ void removeNew(const Library& library, const Move& move) {
     library.disk.removeTemporary(move.toFile);
 }
 
+// For writing, where that is allowed, so that the file can be retired afterwards.
+void openToMove(StorageAccess& access, const GroupAddress& group) {
+    try {
+        access.openGroup(group, Access::ReadWrite);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Denied)
+            throw;
+        access.openGroup(group, Access::Read);
+    }
+}
+
 GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
                               const GroupName& newName) {
     StorageAccess old(library);
-    old.openGroup(group, Access::Read); // a vanished group is found out here
+    openToMove(old, group); // a vanished group is found out here
     refuseTakenName(library, group, newName);
     const Move move = moveOf(library, group.file, newName);
     if (move.from == move.to)

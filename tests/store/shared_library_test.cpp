@@ -66,8 +66,10 @@ class MachineFile final : public DiskFile {
         isFresh_ = isFresh_ || isLocked;
         return isLocked;
     }
-    bool isStillAtPath() override { return !isFresh_ || file_->isStillAtPath(); }
+    bool isStillAtPath() override { return !isReplaced && (!isFresh_ || file_->isStillAtPath()); }
     void retire() noexcept override { steps_.push_back("retire " + path().filename().string()); }
+
+    bool isReplaced = false; // between opening and locking
 
   private:
     std::unique_ptr<DiskFile> file_;
@@ -88,7 +90,10 @@ class Machine final : public compound::Disk {
             --replacements;
             throw compound::Error(ErrorCode::Locked, path, "stale");
         }
-        return std::make_unique<MachineFile>(volume_.open(path, access), memory_, steps);
+        auto file = std::make_unique<MachineFile>(volume_.open(path, access), memory_, steps);
+        file->isReplaced = replacedAfterOpening > 0;
+        replacedAfterOpening = std::max(0, replacedAfterOpening - 1);
+        return file;
     }
     std::unique_ptr<DiskFile> create(const std::filesystem::path& path) override {
         return std::make_unique<MachineFile>(volume_.create(path), memory_, steps);
@@ -118,7 +123,9 @@ class Machine final : public compound::Disk {
     }
 
     std::vector<std::string> steps;
-    int replacements = 0; // so many times a name still stands for a file that is gone
+    // So many times a name stands for a file that is gone, or gone once it is open.
+    int replacements = 0;
+    int replacedAfterOpening = 0;
 
   private:
     MemoryDisk& volume_;
@@ -222,6 +229,12 @@ TEST_F(SharedLibraryTest, AFileThatIsBeingReplacedIsWaitedFor) {
     firstMachine_.replacements = 3;
     EXPECT_TRUE(listPictures(first_, plant_).empty());
     EXPECT_EQ(firstMachine_.replacements, 0);
+    firstMachine_.replacedAfterOpening = 3;
+    EXPECT_TRUE(listPictures(first_, plant_).empty());
+    EXPECT_EQ(firstMachine_.replacedAfterOpening, 0) << "a file was read that is not there";
+    first_.lockWait = std::chrono::milliseconds{0};
+    firstMachine_.replacedAfterOpening = 3;
+    EXPECT_EQ(errorOf([&] { listPictures(first_, plant_); }), ErrorCode::Locked);
 }
 
 } // namespace
