@@ -59,7 +59,7 @@ void moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
     for (int number = 1; number < kMostNamesakes; ++number) {
         std::filesystem::path candidate = target / file.filename();
         if (number > 1)
-            candidate += "." + std::to_string(number);
+            candidate.concat(".").concat(std::to_string(number));
         try {
             moveTo(file, candidate);
             syncFolderEntries(target);
