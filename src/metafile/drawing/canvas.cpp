@@ -130,6 +130,13 @@ double nearestPixel(double value) {
     return std::floor(value + 0.5);
 }
 
+// The same for whole pixels. A place far beyond every sheet stays there, and any two such places
+// have a distance that fits too.
+int nearestWholePixel(double value) {
+    constexpr double kFarthest = 1 << 29;
+    return static_cast<int>(std::clamp(nearestPixel(value), -kFarthest, kFarthest));
+}
+
 double pixelMiddle(double value) {
     return nearestPixel(value) + 0.5;
 }
@@ -172,10 +179,10 @@ std::optional<QRect> rectangleOf(const QPainterPath& outline) {
             return std::nullopt;
     }
     const QRectF box = outline.controlPointRect();
-    const int left = static_cast<int>(nearestPixel(box.left()));
-    const int top = static_cast<int>(nearestPixel(box.top()));
-    const int right = static_cast<int>(nearestPixel(box.right()));
-    const int bottom = static_cast<int>(nearestPixel(box.bottom()));
+    const int left = nearestWholePixel(box.left());
+    const int top = nearestWholePixel(box.top());
+    const int right = nearestWholePixel(box.right());
+    const int bottom = nearestWholePixel(box.bottom());
     const double corners = box.width() * box.height();
     // Two strokes there and back, or a figure like an hourglass, are no rectangle.
     double area = 0;
