@@ -110,7 +110,7 @@ std::string Cell::toJson() const {
 std::string Table::tabbed(const std::vector<Cell>& row) const {
     std::string line;
     for (const Cell& cell : row)
-        line += (&cell == row.data() ? "" : "\t") + cell.toTabbed();
+        line.append(&cell == row.data() ? "" : "\t").append(cell.toTabbed());
     return line;
 }
 
