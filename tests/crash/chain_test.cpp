@@ -55,7 +55,7 @@ class Chain {
 
     void runToItsEnd() {
         firstEvent_ = recording_->events().size();
-        run();
+        isLastDone_ = run();
         views_.push_back(dumpOf(mediumOf(memory_)));
     }
 
@@ -72,7 +72,9 @@ class Chain {
         };
         const LibraryDump dump =
             dumpOf(cutPower(*recording_, count, fateOf, [this] { return below(2) == 0; }));
-        const std::size_t oldest = count == end ? views_.size() - 1 : promised_;
+        // A last command that could not be done promises nothing of what came before it.
+        const bool isLastPromised = isLastDone_ && count == end;
+        const std::size_t oldest = isLastPromised ? views_.size() - 1 : promised_;
         for (std::size_t view = oldest; view < views_.size(); ++view) {
             if (views_[view] == dump)
                 return;
@@ -113,6 +115,7 @@ class Chain {
     std::vector<LibraryDump> views_;        // at the beginning and after each command
     std::size_t promised_ = 0;              // the last view that a command has told to be durable
     std::size_t firstEvent_ = 0;            // of the last command
+    bool isLastDone_ = false;
     std::string story_;
 };
 
