@@ -1,7 +1,5 @@
 #include "browser/frm_main.h"
 
-#include "app/executor.h"
-#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/number_text.h"
 #include "app/settings.h"
@@ -83,11 +81,7 @@ frmMain::frmMain(StartMode mode)
     resize(kInitialSize);
 }
 
-// What the workers still have in hand uses the library's disk.
-frmMain::~frmMain() {
-    panel_->stopLoading();
-    app::workers().finish();
-}
+frmMain::~frmMain() = default;
 
 void frmMain::connectTree() {
     connect(groups_.get(), &GroupBrowsing::editItemWanted, this, &frmMain::updateEditItem);
@@ -176,11 +170,6 @@ bool frmMain::isSettled() const {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
-    if (app::isLongOperationRunning()) {
-        event->ignore();
-        app::afterLongOperation(this, [this] { close(); });
-        return;
-    }
     event->accept();
     if (isLoaded_ && !isUnloaded_) {
         isUnloaded_ = true;
@@ -190,7 +179,6 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::unload() {
-    panel_->stopLoading();
     removeTemporaryPictures(app::settings().temporaryFolderPath());
     saveSettings();
 }
@@ -326,7 +314,7 @@ void frmMain::copyPicture() {
     }
     try {
         copyToClipboard(*library_, picture->group, picture->name,
-                        app::settings().restoredTemporaryFolderPath(), this);
+                        app::settings().restoredTemporaryFolderPath());
     } catch (const std::exception& error) {
         commands::reportFailure(*this, selection, error, app::kProgramTitle, this);
     }

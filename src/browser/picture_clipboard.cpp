@@ -1,7 +1,5 @@
 #include "browser/picture_clipboard.h"
 
-#include "app/long_operation.h"
-#include "app/texts.h"
 #include "base/utf8.h"
 #include "picture/picture.h"
 #include "platform/paths.h"
@@ -21,7 +19,6 @@ namespace {
 
 // Apart from the files that windows hand to each other: a picture may be named like one of them.
 constexpr const char* kFolder = "Clipboard";
-constexpr app::TextPair kCopying{u"Das Bild wird kopiert", u"The picture is being copied"};
 
 QImage imageOf(const store::StoredPicture& picture) {
     try {
@@ -49,25 +46,19 @@ std::string fileNameFor(std::u16string name) {
 } // namespace
 
 void copyToClipboard(const store::Library& library, const store::GroupAddress& group,
-                     const store::PictureName& name, const std::filesystem::path& temporaryFolder,
-                     QWidget* owner) {
-    struct Copy {
-        std::filesystem::path file;
-        QImage image;
-    };
-    const Copy copy = app::resultOfLong<Copy>({app::text(kCopying)}, owner, [&](store::Progress&) {
-        const store::StoredPicture picture = store::readPicture(library, group, name);
-        const std::filesystem::path folder = temporaryFolder / kFolder;
-        std::error_code ignored; // what goes wrong here, the next call tells
-        std::filesystem::create_directory(folder, ignored);
-        return Copy{store::exportPicture(library, picture, folder, fileNameFor(name.text)),
-                    imageOf(picture)};
-    });
+                     const store::PictureName& name, const std::filesystem::path& temporaryFolder) {
+    const store::StoredPicture picture = store::readPicture(library, group, name);
+    const std::filesystem::path folder = temporaryFolder / kFolder;
+    std::error_code ignored; // what goes wrong here, the next call tells
+    std::filesystem::create_directory(folder, ignored);
+    const std::filesystem::path file =
+        store::exportPicture(library, picture, folder, fileNameFor(name.text));
     auto data = std::make_unique<QMimeData>();
-    if (!copy.image.isNull()) {
-        data->setImageData(copy.image);
+    const QImage image = imageOf(picture);
+    if (!image.isNull()) {
+        data->setImageData(image);
     }
-    data->setUrls({QUrl::fromLocalFile(QString::fromStdU16String(copy.file.u16string()))});
+    data->setUrls({QUrl::fromLocalFile(QString::fromStdU16String(file.u16string()))});
     QGuiApplication::clipboard()->setMimeData(data.release());
 }
 

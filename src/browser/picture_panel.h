@@ -68,9 +68,6 @@ class PicturePanel : public QObject {
     void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
     bool isSettled() const; // nothing is being laid out or loaded
 
-    // Gives up whatever is being loaded: the window ends.
-    void stopLoading();
-
     void Aktualisieren();
     void PictureRenamed(const store::GroupAddress& group, const QString& name);
     void PictureDeleted(const store::GroupAddress& group,
@@ -110,13 +107,13 @@ class PicturePanel : public QObject {
     void onScrollChanged();
     void onTimer();
     void choose(const store::PictureName& picture);
-    void showStored(const store::PictureEntry& picture);
+    void showStored(const store::StoredPicture& picture);
     void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
     void showAgain();
     void turnToShownPicture();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
-    store::PictureNames readNames() const;
+    std::vector<std::size_t> readIndexes() const;
 
     QWidget* surface_;
     ThumbnailStrip* strip_;

@@ -40,9 +40,8 @@ class frmInfos : public QDialog {
     void arrange();
     void connectControls();
 
-    void showFacts(const store::PictureEntry& picture);
-    void loadPreview(const store::Library& library, const store::GroupAddress& group,
-                     const store::PictureName& name);
+    void showFacts(const store::StoredPicture& picture);
+    void showPreview(const store::StoredPicture& picture);
     void VorschauAnpassen();
     void convert(double (*toOtherUnit)(double));
 

@@ -1,6 +1,5 @@
 #include "commands/group_commands.h"
 
-#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/texts.h"
 #include "commands/command_call.h"
@@ -17,7 +16,6 @@ namespace {
 constexpr int kDeleteBefore = 304;
 constexpr int kDeleteAfter = 305;
 constexpr int kNoGroup = 306;
-constexpr app::TextPair kDeleting{u"Die Gruppe wird gelöscht", u"The group is being deleted"};
 
 void sayThatNoGroupIsSelected(const CommandCall& call) {
     app::msgBox(app::text(kNoGroup), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
@@ -50,13 +48,11 @@ void deleteGroup(CommandCall& call) {
         return;
     }
     try {
-        app::runLong({app::text(kDeleting)}, call.view.owner(), [&](store::Progress&) {
-            if (call.selection.TopLevelSelected) {
-                store::removeGroupFile(call.view.library(), group->file);
-            } else {
-                store::deleteGroup(call.view.library(), *group);
-            }
-        });
+        if (call.selection.TopLevelSelected) {
+            store::removeGroupFile(call.view.library(), group->file);
+        } else {
+            store::deleteGroup(call.view.library(), *group);
+        }
     } catch (const std::exception& error) {
         reportFailure(call.view, call.selection, error, app::kProgramTitle, call.view.owner());
         return;

@@ -22,7 +22,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -186,8 +185,7 @@ class CompoundFile {
     DiskFile& disk();
 
   private:
-    friend void copyAll(CompoundFile& from, CompoundFile& to,
-                        const std::function<void(std::uint64_t)>& copied);
+    friend void copyAll(CompoundFile& from, CompoundFile& to);
     CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
     void rememberCommit() noexcept;
 
@@ -198,9 +196,6 @@ class CompoundFile {
 // Copies every element of `from` (class ids, state bits and times included) into the empty file
 // `to`, densely, and leaves `to` uncommitted. The way to compact a file. Of elements of one storage
 // that bear one name, which another program may have written, all but one get a number behind it.
-// `copied` is told again and again how many further bytes of streams were copied; what it throws
-// ends the copying.
-using CopiedBytes = std::function<void(std::uint64_t)>;
-void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied = {});
+void copyAll(CompoundFile& from, CompoundFile& to);
 
 } // namespace compound

@@ -18,7 +18,6 @@ constexpr std::size_t kChunk = std::size_t{1} << 20U;
 struct Copier {
     FileState& from;
     FileState& to;
-    const CopiedBytes& tell;
 
     void copyStream(EntryId source, EntryId target) const {
         const std::uint64_t size = from.directory().size(source);
@@ -27,8 +26,6 @@ struct Copier {
         for (std::uint64_t done = 0; done < size; done += chunk.size()) {
             chunk.resize(from.content().read(source, done, chunk));
             to.content().append(target, chunk);
-            if (tell)
-                tell(chunk.size());
         }
     }
 
@@ -93,9 +90,9 @@ struct Copier {
 
 } // namespace
 
-void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied) {
+void copyAll(CompoundFile& from, CompoundFile& to) {
     const FileState::Change change(*to.state_);
-    const Copier copier{*from.state_, *to.state_, copied};
+    const Copier copier{*from.state_, *to.state_};
     constexpr EntryId kRoot = DirectoryEntries::kRoot;
     copier.to.directory().setAttributes(kRoot, copier.from.directory().attributes(kRoot));
     copier.copyBelow(kRoot, kRoot);

@@ -21,8 +21,7 @@ enum class ErrorCode {
     // Done, or not: the header could neither be written nor put back, or a file was moved and its
     // new place not made durable.
     OutcomeUnknown,
-    Cancelled, // the operation was asked to stop, and has left everything as it was
-    Failed,    // any other failure of the system
+    Failed, // any other failure of the system
 };
 
 // Names what went wrong and the file it happened to. what() is "FILE: cause" in UTF-8, fit for a
