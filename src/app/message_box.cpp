@@ -119,6 +119,8 @@ TextPair failureText(compound::ErrorCode code) {
     case ErrorCode::OutcomeUnknown:
         return {u"Es ist unklar, ob die Änderung gespeichert wurde.",
                 u"It is unknown whether the change was saved."};
+    case ErrorCode::Cancelled:
+        return {u"Der Vorgang wurde abgebrochen.", u"The operation was stopped."};
     case ErrorCode::Failed:
         break;
     }

@@ -1,5 +1,7 @@
 #include "browser/frm_main.h"
 
+#include "app/executor.h"
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/number_text.h"
 #include "app/settings.h"
@@ -81,7 +83,11 @@ frmMain::frmMain(StartMode mode)
     resize(kInitialSize);
 }
 
-frmMain::~frmMain() = default;
+// What the workers still have in hand uses the library's disk.
+frmMain::~frmMain() {
+    panel_->stopLoading();
+    app::workers().finish();
+}
 
 void frmMain::connectTree() {
     connect(groups_.get(), &GroupBrowsing::editItemWanted, this, &frmMain::updateEditItem);
@@ -170,6 +176,11 @@ bool frmMain::isSettled() const {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
+    if (app::isLongOperationRunning()) {
+        event->ignore();
+        app::afterLongOperation(this, [this] { close(); });
+        return;
+    }
     event->accept();
     if (isLoaded_ && !isUnloaded_) {
         isUnloaded_ = true;
@@ -179,6 +190,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::unload() {
+    panel_->stopLoading();
     removeTemporaryPictures(app::settings().temporaryFolderPath());
     saveSettings();
 }
@@ -314,7 +326,7 @@ void frmMain::copyPicture() {
     }
     try {
         copyToClipboard(*library_, picture->group, picture->name,
-                        app::settings().restoredTemporaryFolderPath());
+                        app::settings().restoredTemporaryFolderPath(), this);
     } catch (const std::exception& error) {
         commands::reportFailure(*this, selection, error, app::kProgramTitle, this);
     }

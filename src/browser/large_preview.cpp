@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <chrono>
 #include <utility>
 
 namespace browser {
@@ -12,6 +13,7 @@ namespace {
 
 constexpr int kPadding = 10;  // pixels between frame and picture
 constexpr int kMostRatio = 4; // device pixels a pixel, on the finest screens
+constexpr std::chrono::milliseconds kPatience{150};
 
 // A huge picture need not stay in memory while the next ones are decoded.
 picture::Picture reduced(picture::Picture picture, const QSize& most) {
@@ -27,24 +29,68 @@ picture::Picture reduced(picture::Picture picture, const QSize& most) {
 LargePreview::LargePreview(QWidget* parent) : QFrame(parent) {
     setObjectName(QStringLiteral("imgVorschau"));
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    patience_.setSingleShot(true);
+    patience_.setInterval(kPatience);
+    connect(&patience_, &QTimer::timeout, this, [this] { show(Content::Nothing); });
+    connect(&job_, &app::Job::done, this, &LargePreview::takeFitted);
 }
 
-void LargePreview::showPicture(picture::Picture picture) {
-    content_ = Content::Picture;
-    picture_ = reduced(std::move(picture), size() * kMostRatio);
-    fitted_ = {};
-    update();
+LargePreview::Fit LargePreview::presentFit() const {
+    const QRect area = contentsRect().marginsRemoved({kPadding, kPadding, kPadding, kPadding});
+    return {area.size().expandedTo({1, 1}), devicePixelRatioF()};
+}
+
+void LargePreview::load(std::function<std::vector<std::byte>()> read) {
+    if (!patience_.isActive()) {
+        patience_.start();
+    }
+    job_.start([read = std::move(read), most = size() * kMostRatio, fit = presentFit()] {
+        Fitted result;
+        try {
+            result.picture = reduced(picture::decodeFor(read(), most), most);
+            result.image = fitted(*result.picture, fit.area, fit.screenRatio);
+            result.fit = fit;
+        } catch (const std::exception&) {
+            result.picture.reset();
+        }
+        return result;
+    });
+}
+
+// The frame or the screen is another one than the shown picture was fitted to.
+void LargePreview::fitAnew() {
+    job_.start([picture = *shown_.picture, fit = presentFit()] {
+        try {
+            return Fitted{picture, fitted(picture, fit.area, fit.screenRatio), fit};
+        } catch (const std::exception&) {
+            return Fitted{};
+        }
+    });
+}
+
+void LargePreview::takeFitted() {
+    patience_.stop();
+    shown_ = std::exchange(job_.result(), {});
+    show(shown_.picture ? Content::Picture : Content::Undecodable);
 }
 
 void LargePreview::showUndecodable() {
-    content_ = Content::Undecodable;
-    picture_.reset();
-    update();
+    job_.drop();
+    patience_.stop();
+    show(Content::Undecodable);
 }
 
 void LargePreview::showNothing() {
-    content_ = Content::Nothing;
-    picture_.reset();
+    job_.drop();
+    patience_.stop();
+    show(Content::Nothing);
+}
+
+void LargePreview::show(Content content) {
+    content_ = content;
+    if (content != Content::Picture) {
+        shown_ = {};
+    }
     update();
 }
 
@@ -57,19 +103,14 @@ void LargePreview::paintEvent(QPaintEvent* event) {
         if (content_ == Content::Undecodable) {
             paintUndecodable(painter, area, palette());
         } else if (content_ == Content::Picture && !area.isEmpty()) {
-            if (fitted_.isNull() || fittedRatio_ != devicePixelRatioF()) {
-                fittedRatio_ = devicePixelRatioF();
-                fitted_ = fitted(*picture_, area.size(), fittedRatio_);
+            if (shown_.fit != presentFit() && !job_.isBusy()) {
+                fitAnew();
             }
-            paintCentred(painter, fitted_, area, palette());
+            painter.setClipRect(inside);
+            paintCentred(painter, shown_.image, area, palette());
         }
     }
     QFrame::paintEvent(event);
-}
-
-void LargePreview::resizeEvent(QResizeEvent* event) {
-    QFrame::resizeEvent(event);
-    fitted_ = {};
 }
 
 void LargePreview::mouseDoubleClickEvent(QMouseEvent* event) {

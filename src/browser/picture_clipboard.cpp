@@ -1,5 +1,7 @@
 #include "browser/picture_clipboard.h"
 
+#include "app/long_operation.h"
+#include "app/texts.h"
 #include "base/utf8.h"
 #include "picture/picture.h"
 #include "platform/paths.h"
@@ -19,6 +21,7 @@ namespace {
 
 // Apart from the files that windows hand to each other: a picture may be named like one of them.
 constexpr const char* kFolder = "Clipboard";
+constexpr app::TextPair kCopying{u"Das Bild wird kopiert", u"The picture is being copied"};
 
 QImage imageOf(const store::StoredPicture& picture) {
     try {
@@ -46,19 +49,25 @@ std::string fileNameFor(std::u16string name) {
 } // namespace
 
 void copyToClipboard(const store::Library& library, const store::GroupAddress& group,
-                     const store::PictureName& name, const std::filesystem::path& temporaryFolder) {
-    const store::StoredPicture picture = store::readPicture(library, group, name);
-    const std::filesystem::path folder = temporaryFolder / kFolder;
-    std::error_code ignored; // what goes wrong here, the next call tells
-    std::filesystem::create_directory(folder, ignored);
-    const std::filesystem::path file =
-        store::exportPicture(library, picture, folder, fileNameFor(name.text));
+                     const store::PictureName& name, const std::filesystem::path& temporaryFolder,
+                     QWidget* owner) {
+    struct Copy {
+        std::filesystem::path file;
+        QImage image;
+    };
+    const Copy copy = app::resultOfLong<Copy>({app::text(kCopying)}, owner, [&](store::Progress&) {
+        const store::StoredPicture picture = store::readPicture(library, group, name);
+        const std::filesystem::path folder = temporaryFolder / kFolder;
+        std::error_code ignored; // what goes wrong here, the next call tells
+        std::filesystem::create_directory(folder, ignored);
+        return Copy{store::exportPicture(library, picture, folder, fileNameFor(name.text)),
+                    imageOf(picture)};
+    });
     auto data = std::make_unique<QMimeData>();
-    const QImage image = imageOf(picture);
-    if (!image.isNull()) {
-        data->setImageData(image);
+    if (!copy.image.isNull()) {
+        data->setImageData(copy.image);
     }
-    data->setUrls({QUrl::fromLocalFile(QString::fromStdU16String(file.u16string()))});
+    data->setUrls({QUrl::fromLocalFile(QString::fromStdU16String(copy.file.u16string()))});
     QGuiApplication::clipboard()->setMimeData(data.release());
 }
 

@@ -1,5 +1,6 @@
 #include "browser/picture_panel.h"
 
+#include "app/long_operation.h"
 #include "app/texts.h"
 #include "browser/large_preview.h"
 #include "browser/picture_label.h"
@@ -8,7 +9,6 @@
 #include "browser/thumbnail_strip.h"
 #include "browser/thumbnail_tool_tip.h"
 #include "compound/error.h"
-#include "picture/picture.h"
 #include "store/picture_operations.h"
 
 #include <QScrollBar>
@@ -119,7 +119,13 @@ void PicturePanel::setTabOrderAfter(QWidget* before) {
 }
 
 bool PicturePanel::isSettled() const {
-    return !Timer1_->isActive() && !loader_.isBusy();
+    return !Timer1_->isActive() && !loader_.isBusy() && !imgVorschau_->isBusy();
+}
+
+void PicturePanel::stopLoading() {
+    Timer1_->stop();
+    loader_.stop();
+    imgVorschau_->showNothing();
 }
 
 // --- Layout and pages
@@ -140,17 +146,21 @@ void PicturePanel::onTimer() {
     if (!GraphicalPreview_) {
         return;
     }
+    if (app::isLongOperationRunning()) { // which may hold the group's file until it ends
+        Timer1_->start();
+        return;
+    }
     layOutGrid();
     SetImgScrollProperties();
     onScrollChanged();
 }
 
-std::vector<std::size_t> PicturePanel::readIndexes() const {
+store::PictureNames PicturePanel::readNames() const {
     if (library_ == nullptr || !group_) {
         return {};
     }
     try {
-        return store::pictureIndexes(*library_, *group_);
+        return store::listPictureNames(*library_, *group_);
     } catch (const std::exception&) {
         return {};
     }
@@ -158,7 +168,7 @@ std::vector<std::size_t> PicturePanel::readIndexes() const {
 
 void PicturePanel::SetImgScrollProperties() {
     const QSignalBlocker quiet(imgScroll_);
-    imgScroll_->setRange(1, lastPage(readIndexes(), strip_->cells()));
+    imgScroll_->setRange(1, lastPage(readNames().elements, strip_->cells()));
 }
 
 void PicturePanel::onScrollChanged() {
@@ -177,7 +187,8 @@ void PicturePanel::MiniVorschau(std::size_t startIndex) {
         const QSignalBlocker quiet(imgScroll_);
         imgScroll_->setValue(static_cast<int>(startIndex / cells) + 1);
     }
-    const std::vector<std::size_t> all = readIndexes();
+    store::PictureNames listed = readNames();
+    const std::vector<std::size_t>& all = listed.elements;
     const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
     const auto count =
         std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
@@ -191,8 +202,10 @@ void PicturePanel::MiniVorschau(std::size_t startIndex) {
         return;
     }
     strip_->expect(static_cast<int>(count), repeatedPictures(all, startIndex, cells));
+    const auto firstName = listed.names.begin() + (first - all.begin());
     loader_.start(*library_, {*group_,
-                              {first, first + count},
+                              {firstName, firstName + count},
+                              listed.stamp,
                               ThumbnailStrip::pictureArea(),
                               strip_->devicePixelRatioF()});
 }
@@ -317,7 +330,7 @@ void PicturePanel::turnToShownPicture() {
         place.reset();
     }
     const std::size_t start = startIndexOf(imgScroll_->value(), cells);
-    if (!place || cells == 0 || isOnPage(readIndexes(), start, cells, place->element)) {
+    if (!place || cells == 0 || isOnPage(readNames().elements, start, cells, place->element)) {
         return;
     }
     const QSignalBlocker quiet(imgScroll_);
@@ -380,13 +393,10 @@ void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
 }
 
 void PicturePanel::SelectPicture() {
-    std::optional<store::StoredPicture> first;
+    std::optional<store::PictureEntry> first;
     try {
         if (library_ != nullptr && group_) {
-            store::walkPictures(*library_, *group_, 0, [&](const store::StoredPicture& picture) {
-                first = picture;
-                return store::TakePicture::Stop;
-            });
+            first = store::firstPicture(*library_, *group_);
         }
     } catch (const std::exception&) {
         first.reset();
@@ -404,20 +414,18 @@ void PicturePanel::choose(const store::PictureName& picture) {
     shownType_.clear();
     try {
         if (library_ != nullptr && group_) {
-            showStored(store::readPicture(*library_, *group_, picture));
+            showStored(store::describePicture(*library_, *group_, picture));
         }
     } catch (const std::exception&) {
         imgVorschau_->showUndecodable();
     }
 }
 
-void PicturePanel::showStored(const store::StoredPicture& picture) {
+void PicturePanel::showStored(const store::PictureEntry& picture) {
     shownType_ = QString::fromStdString(picture.record.type);
-    try {
-        imgVorschau_->showPicture(picture::decode(picture.bytes));
-    } catch (const std::exception&) {
-        imgVorschau_->showUndecodable();
-    }
+    imgVorschau_->load([library = *library_, group = *group_, name = picture.name] {
+        return store::readPicture(library, group, name).bytes;
+    });
 }
 
 QWidget* PicturePanel::strip() const {

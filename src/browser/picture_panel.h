@@ -68,6 +68,9 @@ class PicturePanel : public QObject {
     void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
     bool isSettled() const; // nothing is being laid out or loaded
 
+    // Gives up whatever is being loaded: the window ends.
+    void stopLoading();
+
     void Aktualisieren();
     void PictureRenamed(const store::GroupAddress& group, const QString& name);
     void PictureDeleted(const store::GroupAddress& group,
@@ -107,13 +110,13 @@ class PicturePanel : public QObject {
     void onScrollChanged();
     void onTimer();
     void choose(const store::PictureName& picture);
-    void showStored(const store::StoredPicture& picture);
+    void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
     void showAgain();
     void turnToShownPicture();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
-    std::vector<std::size_t> readIndexes() const;
+    store::PictureNames readNames() const;
 
     QWidget* surface_;
     ThumbnailStrip* strip_;

@@ -1,86 +1,197 @@
 #include "browser/thumbnail_loader.h"
 
 #include "browser/picture_painting.h"
-#include "compound/error.h"
+#include "imaging/image_scaling.h"
 #include "picture/picture.h"
 
-#include <QElapsedTimer>
-
+#include <algorithm>
+#include <mutex>
 #include <utility>
 
 namespace browser {
 namespace {
 
-constexpr int kStepMilliseconds = 12;
-constexpr std::size_t kReadAheadBytes = std::size_t{4} << 20U;
+constexpr std::size_t kReadAtOnce = std::size_t{4} << 20U; // bytes
+// So many undecoded pictures are enough for every worker to find the next one.
+constexpr std::size_t kMostUndecoded = 6;
+
+// Only one huge picture is decoded at a time: each may take some hundred megabytes. JPGs do not, as
+// they are decoded at a fraction of their size.
+class HugePictureTurn {
+  public:
+    explicit HugePictureTurn(std::span<const std::byte> bytes) {
+        const picture::PictureFacts facts = picture::measure(bytes);
+        if (facts.kind != picture::PictureKind::Jpg && imaging::isVeryLarge(facts.pixels)) {
+            static std::mutex mutex;
+            lock_ = std::unique_lock(mutex);
+        }
+    }
+
+  private:
+    std::unique_lock<std::mutex> lock_;
+};
+
+// Null for what cannot be decoded.
+QImage thumbnailOf(std::span<const std::byte> bytes, const QSizeF& area, double screenRatio) {
+    try {
+        const HugePictureTurn turn(bytes);
+        const QSize box = (area * screenRatio).toSize();
+        return fitted(picture::decodeFor(bytes, box), area, screenRatio);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
 
 } // namespace
 
-ThumbnailLoader::ThumbnailLoader(QObject* parent) : QObject(parent) {
-    timer_.setInterval(0);
-    connect(&timer_, &QTimer::timeout, this, &ThumbnailLoader::step);
+struct ThumbnailLoader::Bytes {
+    std::vector<std::byte> bytes;
+    Fingerprint fingerprint;
+};
+
+struct ThumbnailLoader::Reading {
+    std::vector<Bytes> pictures; // the next ones in their order
+    bool hasFailed = false;      // and there will be no more
+};
+
+class ThumbnailLoader::Decoding : public app::JobFor<QImage> {
+  public:
+    int position = 0;
+    Fingerprint fingerprint;
+};
+
+ThumbnailLoader::ThumbnailLoader(QObject* parent)
+    : QObject(parent), reader_(std::make_unique<app::JobFor<Reading>>()) {
+    connect(reader_.get(), &app::Job::done, this, &ThumbnailLoader::takeRead);
+}
+
+ThumbnailLoader::~ThumbnailLoader() = default;
+
+bool ThumbnailLoader::isBusy() const {
+    return reader_->isBusy() || !decodings_.empty();
+}
+
+void ThumbnailLoader::stop() {
+    reader_->drop();
+    decodings_.clear();
+    unread_.clear();
 }
 
 void ThumbnailLoader::start(const store::Library& library, ThumbnailPage page) {
     stop();
-    library_ = &library;
+    library_.emplace(library);
     page_ = std::move(page);
-    timer_.start();
-}
-
-void ThumbnailLoader::stop() {
-    timer_.stop();
-    undecoded_.clear();
-    read_ = 0;
-    delivered_ = 0;
-}
-
-void ThumbnailLoader::step() {
-    QElapsedTimer clock;
-    clock.start();
-    while (timer_.isActive() && clock.elapsed() < kStepMilliseconds) {
-        if (!undecoded_.empty()) {
-            decodeNext();
-        } else if (!readSome()) {
-            stop();
-            emit finished();
+    ++pageNumber_;
+    std::vector<Thumbnail> known;
+    for (int position = 0; position < static_cast<int>(page_.pictures.size()); ++position) {
+        const auto place = placeOf(position);
+        if (const auto image = place ? known_.find(*place, deviceArea()) : std::nullopt) {
+            known.push_back({position, *image});
+        } else {
+            unread_.push_back(position);
         }
     }
+    readOn();
+    deliver(known);
+}
+
+QSize ThumbnailLoader::deviceArea() const {
+    return (page_.area * page_.screenRatio).toSize();
+}
+
+std::optional<ThumbnailCache::Place> ThumbnailLoader::placeOf(int position) const {
+    if (!page_.stamp) {
+        return std::nullopt;
+    }
+    return ThumbnailCache::Place{*page_.stamp, page_.group.storage,
+                                 page_.pictures[static_cast<std::size_t>(position)]};
 }
 
 // The group's lock is held while reading only, never while decoding.
-bool ThumbnailLoader::readSome() {
-    if (read_ >= page_.elements.size()) {
-        return false;
+void ThumbnailLoader::readOn() {
+    if (unread_.empty() || reader_->isBusy() || decodings_.size() >= kMostUndecoded) {
+        return;
     }
-    QElapsedTimer clock;
-    clock.start();
-    std::size_t bytes = 0;
-    const auto take = [&](const store::StoredPicture& picture) {
-        bytes += picture.bytes.size();
-        undecoded_.push_back(picture);
-        const bool enough = ++read_ == page_.elements.size() || bytes > kReadAheadBytes ||
-                            clock.elapsed() >= kStepMilliseconds / 2;
-        return enough ? store::TakePicture::Stop : store::TakePicture::Continue;
-    };
-    try {
-        store::walkPictures(*library_, page_.group, page_.elements[read_], take);
-    } catch (const std::exception&) {
-        read_ = page_.elements.size(); // what was read before is still shown
+    std::vector<store::PictureName> names;
+    for (const int position : unread_) {
+        names.push_back(page_.pictures[static_cast<std::size_t>(position)]);
     }
-    return !undecoded_.empty();
+    reader_->start([library = *library_, group = page_.group, names = std::move(names)] {
+        Reading reading;
+        std::size_t read = 0;
+        const auto take = [&](std::vector<std::byte> bytes) {
+            read += bytes.size();
+            reading.pictures.push_back({std::move(bytes), {}});
+            return read < kReadAtOnce ? store::TakePicture::Continue : store::TakePicture::Stop;
+        };
+        try {
+            store::readPictures(library, group, names, take);
+        } catch (const std::exception&) {
+            reading.hasFailed = true; // what was read before is still shown
+        }
+        for (Bytes& picture : reading.pictures) {
+            picture.fingerprint = fingerprintOf(picture.bytes);
+        }
+        return reading;
+    });
 }
 
-void ThumbnailLoader::decodeNext() {
-    const store::StoredPicture stored = std::move(undecoded_.front());
-    undecoded_.pop_front();
-    QImage image;
-    try {
-        image = fitted(picture::decode(stored.bytes), page_.area, page_.screenRatio);
-    } catch (const std::exception&) {
-        image = {}; // shown as a picture that cannot be decoded
+void ThumbnailLoader::takeRead() {
+    Reading reading = std::exchange(reader_->result(), {});
+    const auto count = static_cast<std::ptrdiff_t>(reading.pictures.size());
+    const std::vector<int> positions(unread_.begin(), unread_.begin() + count);
+    unread_.erase(unread_.begin(), unread_.begin() + count);
+    if (reading.hasFailed) {
+        unread_.clear();
     }
-    emit loaded(delivered_++, QString::fromStdU16String(stored.name.text), image);
+    std::vector<Thumbnail> known;
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        Bytes& picture = reading.pictures[i];
+        if (const auto place = placeOf(positions[i])) {
+            known_.remember(*place, picture.fingerprint);
+        }
+        if (const auto image = known_.find(picture.fingerprint, deviceArea())) {
+            known.push_back({positions[i], *image});
+        } else {
+            decode(positions[i], std::move(picture));
+        }
+    }
+    readOn();
+    deliver(known);
+}
+
+void ThumbnailLoader::decode(int position, Bytes bytes) {
+    decodings_.push_back(std::make_unique<Decoding>());
+    Decoding& decoding = *decodings_.back();
+    decoding.position = position;
+    decoding.fingerprint = bytes.fingerprint;
+    connect(&decoding, &app::Job::done, this, [this, &decoding] { takeDecoded(decoding); });
+    decoding.start([picture = std::move(bytes.bytes), area = page_.area,
+                    ratio = page_.screenRatio] { return thumbnailOf(picture, area, ratio); });
+}
+
+void ThumbnailLoader::takeDecoded(Decoding& decoding) {
+    const Thumbnail thumbnail{decoding.position, decoding.result()};
+    known_.insert(decoding.fingerprint, deviceArea(), thumbnail.image);
+    const auto done = std::find_if(decodings_.begin(), decodings_.end(),
+                                   [&](const auto& other) { return other.get() == &decoding; });
+    done->release()->deleteLater(); // it stands in the signal that has brought us here
+    decodings_.erase(done);
+    readOn();
+    deliver({thumbnail});
+}
+
+// Whoever takes a thumbnail may ask for another page.
+void ThumbnailLoader::deliver(const std::vector<Thumbnail>& thumbnails) {
+    const int page = pageNumber_;
+    for (const Thumbnail& thumbnail : thumbnails) {
+        if (page != pageNumber_) {
+            return;
+        }
+        const auto position = static_cast<std::size_t>(thumbnail.position);
+        emit loaded(thumbnail.position, QString::fromStdU16String(page_.pictures[position].text),
+                    thumbnail.image);
+    }
 }
 
 } // namespace browser

@@ -1,16 +1,21 @@
-// Reads and decodes one page of thumbnails in short steps between the window's events, so that the
-// window stays alive however large the pictures are. Everything happens on the caller's thread.
+// Brings the thumbnails of one page: what this session has shown before at once, the others as fast
+// as the worker threads read and decode them. The window's thread only starts jobs and takes their
+// results.
+//
+// One job at a time reads, so that the group file is locked by no more than one of them, and never
+// for longer than a few megabytes take.
 #pragma once
 
+#include "app/job.h"
+#include "browser/thumbnail_cache.h"
 #include "store/picture_operations.h"
 
 #include <QImage>
 #include <QObject>
 #include <QSizeF>
-#include <QTimer>
 
 #include <cstddef>
-#include <deque>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,8 +23,9 @@ namespace browser {
 
 struct ThumbnailPage {
     store::GroupAddress group;
-    std::vector<std::size_t> elements; // element indexes of the page's pictures, ascending
-    QSizeF area;                       // of one thumbnail, device-independent pixels
+    std::vector<store::PictureName> pictures; // in the order of the cells
+    std::optional<store::FileStamp> stamp;    // of the file when they were listed
+    QSizeF area;                              // of one thumbnail, device-independent pixels
     double screenRatio = 1;
 };
 
@@ -28,30 +34,44 @@ class ThumbnailLoader : public QObject {
 
   public:
     explicit ThumbnailLoader(QObject* parent = nullptr);
+    ~ThumbnailLoader() override;
 
-    // Forgets the page in work and starts this one. The library must live until the page is done
-    // or stopped. A group that cannot be read any further ends the page.
+    // Forgets the page in work and starts this one; loaded() may come before this returns. A group
+    // that cannot be read any further ends the page.
     void start(const store::Library& library, ThumbnailPage page);
     void stop();
 
-    bool isBusy() const { return timer_.isActive(); }
+    bool isBusy() const;
 
   signals:
-    // `position` counts the page's pictures from 0. A null image: the picture cannot be decoded.
+    // `position` counts the page's pictures from 0; they come in any order. A null image: the
+    // picture cannot be decoded.
     void loaded(int position, const QString& name, const QImage& image);
-    void finished();
 
   private:
-    void step();
-    bool readSome();
-    void decodeNext();
+    struct Bytes;   // of one picture
+    struct Reading; // the result of one job that reads
+    class Decoding; // one job that decodes
+    struct Thumbnail {
+        int position = 0;
+        QImage image;
+    };
 
-    QTimer timer_;
-    const store::Library* library_ = nullptr;
+    void readOn();
+    void takeRead();
+    void decode(int position, Bytes bytes);
+    void takeDecoded(Decoding& decoding);
+    void deliver(const std::vector<Thumbnail>& thumbnails);
+    std::optional<ThumbnailCache::Place> placeOf(int position) const;
+    QSize deviceArea() const;
+
+    ThumbnailCache known_;
+    std::optional<store::Library> library_;
     ThumbnailPage page_;
-    std::deque<store::StoredPicture> undecoded_;
-    std::size_t read_ = 0;
-    int delivered_ = 0;
+    int pageNumber_ = 0;      // counts the pages of this loader
+    std::vector<int> unread_; // positions of what is left to be read, the next one first
+    std::unique_ptr<app::JobFor<Reading>> reader_;
+    std::vector<std::unique_ptr<Decoding>> decodings_;
 };
 
 } // namespace browser

@@ -112,6 +112,7 @@ void ThumbnailStrip::setGrid(const GridSize& grid) {
 }
 
 void ThumbnailStrip::clear() {
+    ++pageNumber_;
     chooseWhenShown_ = -1;
     expect(0, 0);
     for (ThumbnailCell* cell : cells_) {
@@ -177,11 +178,6 @@ int ThumbnailStrip::markedCell() const {
     return found == cells_.end() ? -1 : static_cast<int>(found - cells_.begin());
 }
 
-int ThumbnailStrip::filledCells() const {
-    return static_cast<int>(std::count_if(cells_.begin(), cells_.end(),
-                                          [](const auto* cell) { return !cell->tag().isEmpty(); }));
-}
-
 void ThumbnailStrip::choose(int index) {
     chooseWhenShown_ = -1;
     emit chosen(cells_[static_cast<std::size_t>(index)]->tag());
@@ -207,8 +203,9 @@ void ThumbnailStrip::step(Step wanted) {
         return;
     }
     const int repeatedHere = repeated_;
+    const int page = pageNumber_;
     emit pagesWanted(move.pages);
-    if (filledCells() > 0) {
+    if (page == pageNumber_) {
         return; // there is no such page
     }
     const int cell = move.pages > 0 ? move.cell + repeated_ : move.cell - repeatedHere;

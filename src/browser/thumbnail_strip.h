@@ -88,7 +88,6 @@ class ThumbnailStrip : public QFrame {
   private:
     int cellAt(const QPoint& position) const; // -1 for none that shows a picture
     int markedCell() const;                   // -1 for none
-    int filledCells() const;
     void choose(int index);
     void chooseSoon(int index); // at once, or as soon as its picture is there
     void step(Step step);
@@ -98,6 +97,7 @@ class ThumbnailStrip : public QFrame {
     GridSize grid_;
     QString marked_;
     bool areCellsVisible_ = true;
+    int pageNumber_ = 0; // counts what was shown
     int expected_ = 0;
     int repeated_ = 0;
     int chooseWhenShown_ = -1;

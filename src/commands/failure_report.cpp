@@ -23,6 +23,10 @@ void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
 
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner) {
+    const auto* error = dynamic_cast<const compound::Error*>(&failure);
+    if (error != nullptr && error->code() == compound::ErrorCode::Cancelled) {
+        return;
+    }
     app::msgBox(app::groupFailureText(selection.groupPath, failure), app::Buttons::Ok, title,
                 owner);
     showWhatIsLeft(view, failure);

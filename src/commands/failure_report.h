@@ -15,7 +15,8 @@ class LibraryView;
 // or perhaps not yet what is there now.
 void showWhatIsLeft(LibraryView& view, const std::exception& failure);
 
-// Shows a box with the path of the selection's group and the cause, then what is left.
+// Shows a box with the path of the selection's group and the cause, then what is left. Tells
+// nothing of what the user has stopped.
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner);
 

@@ -1,6 +1,7 @@
 #include "commands/frm_edit_gruppe.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/texts.h"
@@ -27,6 +28,7 @@ constexpr int kTheGroup = 151;
 constexpr int kExists = 152;
 constexpr int kWasRenamed = 153;
 constexpr int kRenamedAfter = 154;
+constexpr app::TextPair kRenaming{u"Die Gruppe wird umbenannt", u"The group is being renamed"};
 
 } // namespace
 
@@ -107,8 +109,14 @@ void frmEditGruppe::rename() {
             txtNeu_->setFocus();
             return;
         }
-        name = store::renameGroup(view_.library(), {context_.CurrentGroup, context_.CurrentStorage},
-                                  name);
+        // A top-level group moves to another file: all its pictures are copied.
+        name = app::resultOfLong<store::GroupName>(
+            {app::text(kRenaming), app::LongOperation::Stopping::Offered}, this,
+            [this, &name](store::Progress& progress) {
+                return store::renameGroup(view_.library(),
+                                          {context_.CurrentGroup, context_.CurrentStorage}, name,
+                                          progress);
+            });
     } catch (const std::exception& error) {
         reportFailure(view_, context_, error, app::text(kCaption), this);
         closeIfGroupIsGone();

@@ -67,8 +67,14 @@ app::TwipRect ToBig(const app::TwipRect& place, int height, int width) {
     return height < width ? ReduceHeight(place, height, width) : ReduceWidth(place, height, width);
 }
 
+QRect boxFor(const app::TwipRect& place, const QSize& picture) {
+    QRect box = app::toPixels(ToBig(place, picture.height(), picture.width()));
+    box.setSize(box.size().expandedTo({kSmallestSide, kSmallestSide}));
+    return box;
+}
+
 // Without a decimal comma the first digit alone: so it is wanted.
-QString sizeText(std::size_t bytes) {
+QString sizeText(std::uint64_t bytes) {
     const QString number = app::numberText(static_cast<float>(bytes) / 1024.0F);
     return (number.contains(u',') ? app::cutBehindComma(number, 1) : number.left(1)) +
            QLatin1String(" KB");
@@ -173,50 +179,51 @@ void frmInfos::connectControls() {
             [this] { convert([](double twips) { return twips / app::kTwipsPerPixel; }); });
     connect(optTwip_, &QRadioButton::clicked, this,
             [this] { convert([](double pixels) { return pixels * app::kTwipsPerPixel; }); });
+    connect(imgBild_, &editing::PictureBox::loaded, this,
+            [this](const picture::PictureFacts& facts) {
+                picBild_->resize(facts.pixels);
+                VorschauAnpassen();
+            });
     connect(cmdOK_, &QPushButton::clicked, this, &QDialog::reject);
     app::offerHelp(*this, cmdZur_ck_, app::HelpTopic::PictureInformation);
 }
 
 void frmInfos::openFor(const store::Library& library, const store::GroupAddress& group,
                        const store::PictureName& name) {
-    const store::StoredPicture picture = store::readPicture(library, group, name);
-    showFacts(picture);
-    showPreview(picture);
+    showFacts(store::describePicture(library, group, name));
+    loadPreview(library, group, name);
     optPixel_->setChecked(true);
     ensurePolished();
     adjustSize();
     editing::centreOnScreen(*this);
     cmdOK_->setFocus();
     app::execModally(*this);
+    imgBild_->clear();
 }
 
-void frmInfos::showFacts(const store::StoredPicture& picture) {
+void frmInfos::showFacts(const store::PictureEntry& picture) {
     lblName2_->setText(QString::fromStdU16String(picture.name.text));
-    lblSize2_->setText(sizeText(picture.bytes.size()));
+    lblSize2_->setText(sizeText(picture.bytes));
     lblBreite2_->setText(app::numberText(picture.record.width));
     lblH_he2_->setText(app::numberText(picture.record.height));
     lblDateiTyp_->setText(QString::fromStdString(picture.record.type));
 }
 
-void frmInfos::showPreview(const store::StoredPicture& picture) {
-    imgBild_->clear();
+// The facts about a picture that nobody can decode are worth showing without it.
+void frmInfos::loadPreview(const store::Library& library, const store::GroupAddress& group,
+                           const store::PictureName& name) {
     picBild_->resize(0, 0);
-    try {
-        const picture::Picture decoded = picture::decode(picture.bytes);
-        picBild_->resize(decoded.facts().pixels);
-        VorschauAnpassen();
-        imgBild_->setPicture(decoded);
-    } catch (const std::exception&) {
-        // The facts about a picture that nobody can decode are still worth showing.
-        VorschauAnpassen();
-    }
+    VorschauAnpassen();
+    imgBild_->load(
+        [library, group, name] { return store::readPicture(library, group, name).bytes; },
+        [place = designPlace_](const picture::PictureFacts& facts) {
+            return boxFor(place, facts.pixels).size();
+        });
 }
 
 // From the design's place each time: the dialog is used again and again.
 void frmInfos::VorschauAnpassen() {
-    QRect place = app::toPixels(ToBig(designPlace_, picBild_->height(), picBild_->width()));
-    place.setSize(place.size().expandedTo({kSmallestSide, kSmallestSide}));
-    imgBild_->setGeometry(place);
+    imgBild_->setGeometry(boxFor(designPlace_, picBild_->size()));
 }
 
 void frmInfos::convert(double (*toOtherUnit)(double)) {

@@ -40,8 +40,9 @@ class frmInfos : public QDialog {
     void arrange();
     void connectControls();
 
-    void showFacts(const store::StoredPicture& picture);
-    void showPreview(const store::StoredPicture& picture);
+    void showFacts(const store::PictureEntry& picture);
+    void loadPreview(const store::Library& library, const store::GroupAddress& group,
+                     const store::PictureName& name);
     void VorschauAnpassen();
     void convert(double (*toOtherUnit)(double));
 

@@ -1,5 +1,6 @@
 #include "commands/group_commands.h"
 
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/texts.h"
 #include "commands/command_call.h"
@@ -16,6 +17,7 @@ namespace {
 constexpr int kDeleteBefore = 304;
 constexpr int kDeleteAfter = 305;
 constexpr int kNoGroup = 306;
+constexpr app::TextPair kDeleting{u"Die Gruppe wird gelöscht", u"The group is being deleted"};
 
 void sayThatNoGroupIsSelected(const CommandCall& call) {
     app::msgBox(app::text(kNoGroup), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
@@ -48,11 +50,13 @@ void deleteGroup(CommandCall& call) {
         return;
     }
     try {
-        if (call.selection.TopLevelSelected) {
-            store::removeGroupFile(call.view.library(), group->file);
-        } else {
-            store::deleteGroup(call.view.library(), *group);
-        }
+        app::runLong({app::text(kDeleting)}, call.view.owner(), [&](store::Progress&) {
+            if (call.selection.TopLevelSelected) {
+                store::removeGroupFile(call.view.library(), group->file);
+            } else {
+                store::deleteGroup(call.view.library(), *group);
+            }
+        });
     } catch (const std::exception& error) {
         reportFailure(call.view, call.selection, error, app::kProgramTitle, call.view.owner());
         return;

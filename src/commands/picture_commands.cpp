@@ -1,5 +1,6 @@
 #include "commands/picture_commands.h"
 
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/settings.h"
 #include "app/texts.h"
@@ -21,6 +22,8 @@ constexpr int kDeleteBefore = 300;
 constexpr int kDeleteBetween = 301;
 constexpr int kDeleteAfter = 302;
 constexpr int kNothingChosen = 303;
+constexpr app::TextPair kCopying{u"Das Bild wird kopiert", u"The picture is being copied"};
+constexpr app::TextPair kDeleting{u"Das Bild wird gelöscht", u"The picture is being deleted"};
 
 const std::string kReadName = "Picture";
 const std::string kHandOverName = "CopiedPicture";
@@ -54,8 +57,12 @@ std::optional<std::filesystem::path> copyToFile(const CommandCall& call,
     if (!picture) {
         return std::nullopt;
     }
-    return store::exportPicture(call.view.library(), picture->group, picture->name,
-                                app::settings().restoredTemporaryFolderPath(), baseName);
+    const std::filesystem::path folder = app::settings().restoredTemporaryFolderPath();
+    return app::resultOfLong<std::filesystem::path>(
+        {app::text(kCopying)}, call.view.owner(), [&](store::Progress&) {
+            return store::exportPicture(call.view.library(), picture->group, picture->name, folder,
+                                        baseName);
+        });
 }
 
 void handOverShownPicture(const CommandCall& call) {
@@ -118,7 +125,9 @@ void deletePicture(CommandCall& call) {
         if (picture && isDeletionConfirmed(call)) {
             const store::Library& library = call.view.library();
             const auto place = store::placeOfPicture(library, picture->group, picture->name);
-            store::deletePicture(library, picture->group, picture->name);
+            app::runLong({app::text(kDeleting)}, call.view.owner(), [&](store::Progress&) {
+                store::deletePicture(library, picture->group, picture->name);
+            });
             call.view.PictureDeleted(picture->group, place ? place->beside : std::nullopt);
         }
     });

@@ -1,8 +1,11 @@
 #include "commands/picture_renaming.h"
 
+#include "app/long_operation.h"
 #include "app/texts.h"
 #include "compound/error.h"
 #include "store/picture_operations.h"
+
+#include <QApplication>
 
 namespace commands {
 namespace {
@@ -11,6 +14,7 @@ constexpr int kNotForPictures = 450;
 constexpr int kNameMissing = 451;
 constexpr int kNameExists = 452;
 constexpr int kNameInvalid = 951;
+constexpr app::TextPair kRenaming{u"Das Bild wird umbenannt", u"The picture is being renamed"};
 
 } // namespace
 
@@ -32,7 +36,8 @@ QString renameOrRefuse(const store::Library& library, const store::GroupAddress&
         return app::text(kNameExists);
     }
     try {
-        store::renamePicture(library, group, from, to);
+        app::runLong({app::text(kRenaming)}, QApplication::activeWindow(),
+                     [&](store::Progress&) { store::renamePicture(library, group, from, to); });
     } catch (const compound::Error& error) {
         if (error.code() == compound::ErrorCode::InvalidName ||
             error.code() == compound::ErrorCode::Exists) {

@@ -22,6 +22,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -185,7 +186,8 @@ class CompoundFile {
     DiskFile& disk();
 
   private:
-    friend void copyAll(CompoundFile& from, CompoundFile& to);
+    friend void copyAll(CompoundFile& from, CompoundFile& to,
+                        const std::function<void(std::uint64_t)>& copied);
     CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
     void rememberCommit() noexcept;
 
@@ -196,6 +198,9 @@ class CompoundFile {
 // Copies every element of `from` (class ids, state bits and times included) into the empty file
 // `to`, densely, and leaves `to` uncommitted. The way to compact a file. Of elements of one storage
 // that bear one name, which another program may have written, all but one get a number behind it.
-void copyAll(CompoundFile& from, CompoundFile& to);
+// `copied` is told again and again how many further bytes of streams were copied; what it throws
+// ends the copying.
+using CopiedBytes = std::function<void(std::uint64_t)>;
+void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied = {});
 
 } // namespace compound

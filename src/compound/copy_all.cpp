@@ -18,6 +18,7 @@ constexpr std::size_t kChunk = std::size_t{1} << 20U;
 struct Copier {
     FileState& from;
     FileState& to;
+    const CopiedBytes& tell;
 
     void copyStream(EntryId source, EntryId target) const {
         const std::uint64_t size = from.directory().size(source);
@@ -26,6 +27,8 @@ struct Copier {
         for (std::uint64_t done = 0; done < size; done += chunk.size()) {
             chunk.resize(from.content().read(source, done, chunk));
             to.content().append(target, chunk);
+            if (tell)
+                tell(chunk.size());
         }
     }
 
@@ -90,9 +93,9 @@ struct Copier {
 
 } // namespace
 
-void copyAll(CompoundFile& from, CompoundFile& to) {
+void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied) {
     const FileState::Change change(*to.state_);
-    const Copier copier{*from.state_, *to.state_};
+    const Copier copier{*from.state_, *to.state_, copied};
     constexpr EntryId kRoot = DirectoryEntries::kRoot;
     copier.to.directory().setAttributes(kRoot, copier.from.directory().attributes(kRoot));
     copier.copyBelow(kRoot, kRoot);

@@ -21,7 +21,8 @@ enum class ErrorCode {
     // Done, or not: the header could neither be written nor put back, or a file was moved and its
     // new place not made durable.
     OutcomeUnknown,
-    Failed, // any other failure of the system
+    Cancelled, // the operation was asked to stop, and has left everything as it was
+    Failed,    // any other failure of the system
 };
 
 // Names what went wrong and the file it happened to. what() is "FILE: cause" in UTF-8, fit for a

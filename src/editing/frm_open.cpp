@@ -1,6 +1,7 @@
 #include "editing/frm_open.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/named_control.h"
@@ -30,7 +31,6 @@
 #include <QShowEvent>
 #include <QVBoxLayout>
 
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -55,6 +55,7 @@ constexpr int kTextDriveBefore = 955;
 constexpr int kTextDriveAfter = 956;
 constexpr int kTextUnreadable = 957;
 
+constexpr app::TextPair kSaving = {u"Das Bild wird gespeichert", u"The picture is being saved"};
 constexpr app::TextPair kDriveCaption = {u"Laufwerk", u"Drive"};
 
 constexpr double kWidth = 7140;
@@ -104,9 +105,13 @@ std::filesystem::path pathOf(const FileList& files) {
     return platform::toFilePath(platform::joinPath(files.folder(), files.fileName()));
 }
 
-// Throws compound::Error or picture::DecodeError.
-picture::Picture readPicture(const std::filesystem::path& path) {
-    return picture::decode(store::readPictureFile(platform::nativeDisk(), path));
+QSize pixelsOf(const picture::PictureFacts& facts) {
+    return app::toPixels(facts.twips.width, facts.twips.height);
+}
+
+QSize previewSizeFor(const picture::PictureFacts& facts) {
+    const QSize pixels = pixelsOf(facts);
+    return app::toPixels(previewRect(pixels.height(), pixels.width())).size();
 }
 
 // Without a folder there is nothing to scan; saving will say what is wrong with it.
@@ -199,6 +204,10 @@ void frmOpen::placeControls() {
 
 void frmOpen::connectControls() {
     connect(filDatei_, &FileList::fileClicked, this, &frmOpen::openFile);
+    connect(imgVorschau_, &PictureBox::loaded, this, &frmOpen::showPicture);
+    connect(imgVorschau_, &PictureBox::failed, this, &frmOpen::refusePicture);
+    connect(this, &QDialog::finished, imgVorschau_, &PictureBox::clear);
+    connect(txtName_, &QLineEdit::textEdited, this, [this] { isNameTyped_ = true; });
     connect(cmdOK_, &QPushButton::clicked, this, &frmOpen::save);
     connect(cmdAbbruch_, &QPushButton::clicked, this, &frmOpen::goBack);
     app::offerHelp(*this, cmdHilfe_, app::HelpTopic::AddPicture);
@@ -255,30 +264,40 @@ void frmOpen::showEvent(QShowEvent* event) {
 
 void frmOpen::clearPicture() {
     isInvalidPicture_ = false;
+    savesWhenLoaded_ = false;
+    unsetCursor();
     imgVorschau_->clear();
     txtName_->clear();
 }
 
-void frmOpen::openFile(const QString& fileName) {
+void frmOpen::openFile() {
     isInvalidPicture_ = false;
-    try {
-        const app::WaitCursor waiting;
-        const picture::Picture picture = readPicture(pathOf(*filDatei_));
-        const picture::TwipSize twips = picture.facts().twips;
-        picBild_->resize(app::toPixels(twips.width, twips.height));
-        imgVorschau_->hide();
-        VorschauAnpassen();
-        imgVorschau_->show();
-        imgVorschau_->setPicture(picture);
-        const qsizetype dot = fileName.indexOf(u'.');
-        if (dot < 0)
-            throw std::invalid_argument("a file name without a dot");
-        txtName_->setText(fileName.left(dot));
-        return;
-    } catch (const std::exception&) {
-        // Whatever is wrong with it, to the user it is a file that is no picture.
-        isInvalidPicture_ = true;
-    }
+    savesWhenLoaded_ = false;
+    isNameTyped_ = false;
+    setCursor(Qt::BusyCursor);
+    imgVorschau_->load(
+        [path = pathOf(*filDatei_)] {
+            return store::readPictureFile(platform::nativeDisk(), path);
+        },
+        previewSizeFor);
+}
+
+void frmOpen::showPicture(const picture::PictureFacts& facts) {
+    unsetCursor();
+    picBild_->resize(pixelsOf(facts));
+    VorschauAnpassen();
+    const QString fileName = filDatei_->fileName();
+    if (!isNameTyped_)
+        txtName_->setText(fileName.left(fileName.indexOf(u'.')));
+    if (std::exchange(savesWhenLoaded_, false))
+        save();
+}
+
+// Whatever is wrong with it, to the user it is a file that is no picture.
+void frmOpen::refusePicture() {
+    unsetCursor();
+    isInvalidPicture_ = true;
+    savesWhenLoaded_ = false;
     tell(kTextUnreadable);
 }
 
@@ -303,6 +322,10 @@ std::optional<int> frmOpen::refusal() const {
 }
 
 void frmOpen::save() {
+    if (imgVorschau_->isBusy()) { // only then it is known what will be saved, and under which name
+        savesWhenLoaded_ = true;
+        return;
+    }
     if (const std::optional<int> reason = refusal()) {
         tell(*reason);
         return;
@@ -328,8 +351,9 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
         tell(kTextInvalidName);
         return;
     }
-    const app::WaitCursor waiting;
-    store::addPicture(*library_, group, name, pathOf(*filDatei_), ifExists);
+    app::runLong({app::text(kSaving)}, this, [&, path = pathOf(*filDatei_)](store::Progress&) {
+        store::addPicture(*library_, group, name, path, ifExists);
+    });
 }
 
 void frmOpen::keyPressEvent(QKeyEvent* event) {
@@ -337,6 +361,10 @@ void frmOpen::keyPressEvent(QKeyEvent* event) {
         goBack();
     else
         QDialog::keyPressEvent(event);
+}
+
+bool frmOpen::isSettled() const {
+    return !imgVorschau_->isBusy();
 }
 
 void frmOpen::goBack() {

@@ -11,6 +11,10 @@
 #include <functional>
 #include <optional>
 
+namespace imaging {
+struct PictureFacts;
+}
+
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -56,6 +60,9 @@ class frmOpen : public QDialog {
     // The opening alone: captions, position, one check of all group files, drive, folder.
     void load(const store::Library& library, TargetGroup target);
 
+    // Whether no picture is being loaded for the preview.
+    bool isSettled() const;
+
     // Tests every group file and sets aside the damaged ones; returns how many are sound.
     int Scan();
 
@@ -71,7 +78,9 @@ class frmOpen : public QDialog {
     void setCaptions();
     void clearPicture();
 
-    void openFile(const QString& fileName);
+    void openFile();
+    void showPicture(const imaging::PictureFacts& facts);
+    void refusePicture();
     void VorschauAnpassen();
     void save();
     std::optional<int> refusal() const;
@@ -83,6 +92,9 @@ class frmOpen : public QDialog {
     std::optional<store::Library> library_;
     TargetGroup target_;
     bool isInvalidPicture_ = false;
+    // The user was faster than the picture that is being loaded.
+    bool savesWhenLoaded_ = false;
+    bool isNameTyped_ = false;
 
     QGroupBox* fraOrdner_ = nullptr;
     DriveList* drvDrive_ = nullptr;

@@ -1,6 +1,7 @@
 #include "editing/frm_optionen_wmf.h"
 
 #include "app/colours.h"
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/texts.h"
@@ -22,6 +23,7 @@ constexpr double kFirstSide = 4005; // of the square that the picture is fitted 
 constexpr double kMargin = 30;
 
 constexpr app::TextPair kTitle = {u"%1 – Vektorbild", u"%1 – Vector picture"};
+constexpr app::TextPair kReading = {u"Das Bild wird gelesen", u"The picture is being read"};
 constexpr app::TextPair kDescription = {u"Vektorbild", u"Vector picture"};
 
 // The largest square that leaves the margin on all sides, in the middle of the window.
@@ -78,10 +80,17 @@ void frmOptionenWMF::load(const store::Library& library, const PictureInGroup& p
 
 void frmOptionenWMF::VorschauAnpassen(const store::Library& library,
                                       const PictureInGroup& picture) {
-    const store::StoredPicture stored = store::readPicture(library, picture.group, picture.name);
-    picture::Picture decoded = picture::decode(stored.bytes);
-    height_ = double{stored.record.height};
-    width_ = double{stored.record.width};
+    struct Read {
+        store::PictureRecord record;
+        picture::Picture picture;
+    };
+    auto [record, decoded] =
+        app::resultOfLong<Read>({app::text(kReading)}, parentWidget(), [&](store::Progress&) {
+            const auto stored = store::readPicture(library, picture.group, picture.name);
+            return Read{stored.record, picture::decode(stored.bytes)};
+        });
+    height_ = double{record.height};
+    width_ = double{record.width};
     picBild_->resize(decoded.facts().pixels);
     fit();
     Vector_->setPicture(std::move(decoded));

@@ -21,24 +21,43 @@ QRect fittedInto(const QSize& area, const picture::TwipSize& picture) {
             whole};
 }
 
+// Null without the memory for it, and for what cannot be drawn at all.
+QImage drawnOn(const QSize& device, double screenRatio, const picture::Picture& picture) try {
+    QImage sheet(device, QImage::Format_ARGB32_Premultiplied);
+    if (sheet.isNull())
+        return sheet;
+    sheet.fill(Qt::transparent);
+    QPainter painter(&sheet);
+    picture.paint(painter, fittedInto(sheet.size(), picture.facts().twips));
+    painter.end();
+    sheet.setDevicePixelRatio(screenRatio);
+    return sheet;
+} catch (const std::exception&) {
+    return {};
+}
+
 } // namespace
 
 VectorBox::VectorBox(QWidget* parent) : QWidget(parent) {
     settling_.setSingleShot(true);
     settling_.setInterval(kSettled);
     connect(&settling_, &QTimer::timeout, this, [this] { update(); });
+    connect(&drawing_, &app::Job::done, this, [this] {
+        drawn_ = drawing_.result();
+        update();
+    });
 }
 
 void VectorBox::setPicture(picture::Picture picture) {
+    clear();
     picture_ = std::move(picture);
-    drawn_ = {};
-    settling_.stop();
-    update();
 }
 
 void VectorBox::clear() {
     picture_.reset();
+    drawing_.drop();
     drawn_ = {};
+    drawnFor_ = {};
     settling_.stop();
     update();
 }
@@ -47,26 +66,22 @@ QSize VectorBox::deviceSize() const {
     return (QSizeF(size()) * devicePixelRatioF()).toSize();
 }
 
-void VectorBox::draw(const picture::Picture& picture) {
-    drawn_ = QImage(deviceSize(), QImage::Format_ARGB32_Premultiplied);
-    if (drawn_.isNull())
-        return;
-    drawn_.fill(Qt::transparent);
-    QPainter painter(&drawn_);
-    picture.paint(painter, fittedInto(drawn_.size(), picture.facts().twips));
-    painter.end();
-    drawn_.setDevicePixelRatio(devicePixelRatioF());
+void VectorBox::draw() {
+    drawnFor_ = deviceSize();
+    drawing_.start([picture = *picture_, device = drawnFor_, ratio = devicePixelRatioF()] {
+        return drawnOn(device, ratio, picture);
+    });
 }
 
 void VectorBox::paintEvent(QPaintEvent*) {
     if (!picture_)
         return;
-    if (drawn_.isNull() || (drawn_.size() != deviceSize() && !settling_.isActive()))
-        draw(*picture_);
+    if (drawnFor_ != deviceSize() && !isBusy())
+        draw();
     QPainter painter(this);
     if (drawn_.size() == deviceSize()) {
         painter.drawImage(QPointF(0, 0), drawn_);
-    } else {
+    } else if (!drawn_.isNull()) {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(rect(), drawn_);
     }

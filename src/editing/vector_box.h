@@ -1,11 +1,12 @@
 // The control `Vector`: paints a metafile as large as the control is, its proportions kept, sharp
 // on every screen.
 //
-// The picture is drawn once for each size and each resolution of the screen; painting again takes
-// that image. While the control is being resized the last image is stretched, and drawn anew once
-// the size has settled: a drawing may have more records than a frame has time.
+// The picture is drawn once for each size and each resolution of the screen, on a worker thread: a
+// drawing may have more records than a frame has time. Painting again takes that image. While the
+// control is being resized the last image is stretched, and drawn anew once the size has settled.
 #pragma once
 
+#include "app/job.h"
 #include "picture/picture.h"
 
 #include <QImage>
@@ -25,16 +26,21 @@ class VectorBox : public QWidget {
     void setPicture(picture::Picture picture);
     void clear();
 
+    // Whether the picture is being drawn, or will be once the size has settled.
+    bool isBusy() const { return drawing_.isBusy() || settling_.isActive(); }
+
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
     QSize deviceSize() const;
-    void draw(const picture::Picture& picture);
+    void draw();
 
     std::optional<picture::Picture> picture_;
-    QImage drawn_; // null until the picture is painted for the first time
+    QImage drawn_;   // null until the picture is there for the first time
+    QSize drawnFor_; // the size at which it was drawn last, or is being drawn; device pixels
+    app::JobFor<QImage> drawing_;
     QTimer settling_;
 };
 

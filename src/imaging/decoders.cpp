@@ -46,7 +46,7 @@ PictureFacts measure(std::span<const std::byte> bytes) {
     }
 }
 
-RasterPicture decode(std::span<const std::byte> bytes) {
+RasterPicture decode(std::span<const std::byte> bytes, QSize box) {
     try {
         switch (kindOf(bytes)) {
         case PictureKind::Ico:
@@ -57,7 +57,7 @@ RasterPicture decode(std::span<const std::byte> bytes) {
         case PictureKind::Gif:
             return decodeGif(bytes);
         default:
-            return decodeJpg(bytes);
+            return decodeJpg(bytes, box);
         }
     } catch (const std::bad_alloc&) {
         throw DecodeError("there is no memory for the picture");

@@ -17,7 +17,7 @@ namespace imaging {
 
 struct RasterPicture {
     PictureFacts facts;
-    QImage image; // in full size, maybe with alpha
+    QImage image; // maybe with alpha
 };
 
 // What raster kind the bytes begin like.
@@ -26,7 +26,9 @@ std::optional<PictureKind> sniff(std::span<const std::byte> bytes);
 // Kind and size from the headers; takes no memory for pixels.
 PictureFacts measure(std::span<const std::byte> bytes);
 
-RasterPicture decode(std::span<const std::byte> bytes);
+// In full size; with a `box` for showing the picture fitted into that many pixels or less, upright:
+// of a JPG only as many pixels are decoded as that takes.
+RasterPicture decode(std::span<const std::byte> bytes, QSize box = {});
 
 PictureFacts measureBmp(std::span<const std::byte> bytes);
 RasterPicture decodeBmp(std::span<const std::byte> bytes);
@@ -39,16 +41,16 @@ PictureFacts measureGif(std::span<const std::byte> bytes);
 RasterPicture decodeGif(std::span<const std::byte> bytes);
 
 PictureFacts measureJpg(std::span<const std::byte> bytes);
-RasterPicture decodeJpg(std::span<const std::byte> bytes);
+RasterPicture decodeJpg(std::span<const std::byte> bytes, QSize box = {});
 
 // A JPG or PNG picture inside another file, as ARGB32. `size` has been checked; nullopt when the
 // bytes cannot be read or are of another size.
 std::optional<QImage> readEmbedded(std::span<const std::byte> bytes, const char* format,
                                    QSize size);
 
-// What Qt's readers may take for one picture, in MiB: 40 million pixels of four bytes and a
-// reader's own tables. Qt keeps it for the whole program, so every use of its readers sets it.
-inline constexpr int kAllocationLimit = 192;
+// Before any use of Qt's readers: sets what they may take for one picture, which Qt keeps for the
+// whole program. 192 MiB: 40 million pixels of four bytes and a reader's own tables.
+void limitReaders();
 
 // The facts of a raster picture: 15 twips a pixel.
 PictureFacts rasterFacts(PictureKind kind, QSize pixels, int bitsPerPixel);

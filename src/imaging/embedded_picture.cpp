@@ -7,11 +7,20 @@
 
 namespace imaging {
 
+void limitReaders() {
+    constexpr int kMebibytes = 192;
+    static const bool isSet = [] {
+        QImageReader::setAllocationLimit(kMebibytes);
+        return true;
+    }();
+    (void)isSet;
+}
+
 namespace {
 
 std::optional<QImage> readByQt(std::span<const std::byte> bytes, const char* format, QSize size) {
     const QuietReading quiet;
-    QImageReader::setAllocationLimit(kAllocationLimit);
+    limitReaders();
     QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
                                               static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);

@@ -33,13 +33,17 @@ PictureFacts measure(std::span<const std::byte> bytes) {
 }
 
 Picture decode(std::span<const std::byte> bytes) {
+    return decodeFor(bytes, {});
+}
+
+Picture decodeFor(std::span<const std::byte> bytes, QSize box) {
     try {
         if (metafile::sniff(bytes))
             return {metafile::measure(bytes), copyOf(bytes)};
     } catch (const std::bad_alloc&) {
         throw DecodeError("there is no memory for the picture");
     }
-    const imaging::RasterPicture raster = imaging::decode(bytes);
+    const imaging::RasterPicture raster = imaging::decode(bytes, box);
     return {raster.facts, raster.image};
 }
 

@@ -4,9 +4,9 @@
 // Errors: DecodeError; nothing else escapes for the bytes' sake. Sizes are checked before memory is
 // taken. Neither measure() nor decode() needs a QGuiApplication.
 //
-// Threads: sniff(), measure() and decode() may be called by any number at once. A Picture belongs
-// to one thread at a time, because it keeps what it drew last; a copy of it is independent. Threads
-// that draw metafiles must end before the QGuiApplication does.
+// Threads: sniff(), measure(), decode() and decodeFor() may be called by any number at once. A
+// Picture belongs to one thread at a time, because it keeps what it drew last; a copy of it is
+// independent. Threads that draw metafiles must end before the QGuiApplication does.
 #pragma once
 
 #include "imaging/picture_facts.h"
@@ -39,7 +39,7 @@ class Picture {
 
     const PictureFacts& facts() const { return facts_; }
 
-    // A raster picture in full size, maybe with alpha; null for a metafile.
+    // A raster picture as it was decoded, maybe with alpha; null for a metafile.
     const QImage& image() const { return image_; }
 
     // The whole picture fitted into `box` device pixels, proportions kept. A raster picture is
@@ -72,5 +72,9 @@ std::optional<PictureKind> sniff(std::span<const std::byte> bytes);
 PictureFacts measure(std::span<const std::byte> bytes);
 
 Picture decode(std::span<const std::byte> bytes);
+
+// The same for showing the picture fitted into `box` pixels or less, upright: of a JPG only as many
+// pixels are decoded as that takes, so that image() may be smaller than facts().pixels.
+Picture decodeFor(std::span<const std::byte> bytes, QSize box);
 
 } // namespace picture

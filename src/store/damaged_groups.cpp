@@ -78,6 +78,7 @@ void setAside(const Library& library, const FileName& file) {
     if (now.state != GroupFileState::Damaged)
         throw Error(now.state == GroupFileState::Locked ? ErrorCode::Locked : ErrorCode::Failed,
                     path, now.failure->cause());
+    const FileTurns::Turn turn = library.turns->take(path);
     const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const std::filesystem::path aside =
         library.folder / base::toPath(file.text + std::u16string(kDamagedFileSuffix));

@@ -7,6 +7,7 @@
 #include "store/leftovers.h"
 #include "store/new_group_file.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace store {
@@ -15,6 +16,20 @@ namespace {
 using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
+
+// Copies everything from one file to another, telling how far it is.
+void copyTold(compound::CompoundFile& from, compound::CompoundFile& to, Progress& progress) {
+    const std::uint64_t total = from.disk().size();
+    std::uint64_t done = 0;
+    compound::copyAll(from, to, [&](std::uint64_t bytes) {
+        // The last step is the caller's, who makes durable what was copied.
+        done = std::min(done + bytes, total - 1);
+        progress.report(done, total);
+        if (progress.isStopWanted())
+            throw Error(ErrorCode::Cancelled, from.disk().path(), "stopped");
+    });
+    progress.report(total, total);
+}
 
 // The group's own storages may take each other's places; nothing else in the file makes way.
 void refuseTakenStorages(StorageAccess& access, const StorageName& from, const std::u16string& to) {
@@ -106,7 +121,7 @@ void openToMove(StorageAccess& access, const GroupAddress& group) {
 }
 
 GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
-                              const GroupName& newName) {
+                              const GroupName& newName, Progress& progress) {
     StorageAccess old(library);
     openToMove(old, group); // a vanished group is found out here
     refuseTakenName(library, group, newName);
@@ -116,7 +131,7 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
     refuseTakenStorages(old, group.storage, newName.text);
     NewGroupFile file(library, move.toFile, NewGroupFile::Content::Copied);
     file.write([&](compound::CompoundFile& content) {
-        compound::copyAll(old.file(), content);
+        copyTold(old.file(), content, progress);
         renameTopLevelPair(StorageHandle(content.root()), group.storage, newName.text);
     });
     file.takeAttributes(old.file().disk());
@@ -152,20 +167,22 @@ GroupName renameSubGroup(const Library& library, const GroupAddress& group,
 
 } // namespace
 
-GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName) {
+GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName,
+                      Progress& progress) {
     const GroupLevel level = isTopLevel(group) ? GroupLevel::TopLevel : GroupLevel::SubGroup;
     if (!isValidGroupName(newName.text, level))
         throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
                     "\"" + base::toUtf8(newName.text) + "\" cannot be a group's name");
-    return level == GroupLevel::TopLevel ? renameTopLevelGroup(library, group, newName)
+    return level == GroupLevel::TopLevel ? renameTopLevelGroup(library, group, newName, progress)
                                          : renameSubGroup(library, group, newName);
 }
 
-void compactGroupFile(const Library& library, const std::filesystem::path& path) {
+void compactGroupFile(const Library& library, const std::filesystem::path& path,
+                      Progress& progress) {
     StorageAccess old(library);
     old.openFile(path, Access::ReadWrite, library.lockWait);
     NewGroupFile file(library, library.disk.resolved(path), NewGroupFile::Content::Copied);
-    file.write([&](compound::CompoundFile& content) { compound::copyAll(old.file(), content); });
+    file.write([&](compound::CompoundFile& content) { copyTold(old.file(), content, progress); });
     file.takeAttributes(old.file().disk());
     file.publishReplacing();
     old.file().disk().retire();

@@ -144,6 +144,7 @@ std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress
 void removeGroupFile(const Library& library, const FileName& file) {
     const std::filesystem::path path = pathOf(library, file);
     // Whoever works on the group right now finishes first.
+    const FileTurns::Turn turn = library.turns->take(path);
     const auto locked = openLocked(library.disk, path, Access::Read, library.lockWait);
     try {
         library.disk.trash(path);

@@ -8,6 +8,7 @@
 #include "compound/error.h"
 #include "store/library.h"
 #include "store/names.h"
+#include "store/progress.h"
 
 #include <cstdint>
 #include <optional>
@@ -76,7 +77,8 @@ StorageName readGroupParent(const Library& library, const GroupAddress& group);
 // moves to a new file, which is complete and durable before the old one goes. Exists when another
 // file has the new name (in any case), or when something else in the group's own file stands where
 // its storages would go; then nothing is changed.
-GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName);
+GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName,
+                      Progress& progress = noProgress());
 
 // Removes a sub-group and all groups below it in one transaction; returns their addresses, the
 // deepest first. A top-level group goes with its file: see removeGroupFile.
@@ -93,6 +95,7 @@ struct GroupSize {
 GroupSize readGroupSize(const Library& library, const GroupAddress& group);
 
 // Rewrites the group file densely: a complete new file, durable, takes the old one's place.
-void compactGroupFile(const Library& library, const std::filesystem::path& path);
+void compactGroupFile(const Library& library, const std::filesystem::path& path,
+                      Progress& progress = noProgress());
 
 } // namespace store

@@ -151,7 +151,7 @@ bool isFileOfPassage(const std::filesystem::path& name) {
 }
 
 std::string nameInTheMaking() {
-    static std::mt19937_64 generator{std::random_device{}()};
+    thread_local std::mt19937_64 generator{std::random_device{}()};
     return nameOf(generator(), kInTheMaking);
 }
 

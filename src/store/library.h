@@ -5,6 +5,9 @@
 // lock for the time of the operation, and releases every handle on every way out. An operation is
 // one transaction; a failure leaves the group file as it was.
 //
+// Several threads may work on one library: they wait for each other at a group file, however long
+// it takes, before they wait for other programs.
+//
 // Errors are compound::Error with the file concerned (see compound/error.h): Locked when another
 // program holds the file longer than lockWait, Damaged and NotCompoundFile for bad bytes, NotFound,
 // Denied, NoSpace and the rest as the system reports them.
@@ -13,6 +16,7 @@
 #include "compound/disk.h"
 #include "compound/read_cache.h"
 #include "store/address.h"
+#include "store/file_turns.h"
 
 #include <chrono>
 #include <cstddef>
@@ -53,6 +57,8 @@ struct Library {
     std::chrono::milliseconds lockWait{500};
     // What reading has learnt of the files, for the next reading.
     std::shared_ptr<compound::ReadCache> cache = std::make_shared<compound::ReadCache>();
+    // Shared by all copies, so that they can be used on several threads.
+    std::shared_ptr<FileTurns> turns = std::make_shared<FileTurns>();
 };
 
 inline constexpr std::u16string_view kGroupFileSuffix = u".stg";

@@ -1,5 +1,7 @@
 // Walking all pictures of a group: group storage and info storage lie in the same order, so one
 // pass over both finds every picture's record without searching.
+#include "base/utf8.h"
+#include "compound/error.h"
 #include "compound/names.h"
 #include "store/damage.h"
 #include "store/names.h"
@@ -65,6 +67,15 @@ std::optional<RecordPass> recordsOf(StorageAccess& access, const GroupAddress& g
     return unlessDamaged([&] { return RecordPass(access.infoStorage()); });
 }
 
+PictureEntry entryOf(StorageAccess& access, const GroupAddress& group, const Element& element) {
+    PictureRecord record;
+    if (access.openInfo(group))
+        record = unlessDamaged([&] {
+                     return findRecord(access.infoStorage(), element.name);
+                 }).value_or(PictureRecord{});
+    return {{element.name}, element.size, std::move(record)};
+}
+
 // One picture with a damaged chain does not hide those behind it: it comes without bytes.
 std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& element) {
     if (element.size > kMaximumPictureBytes)
@@ -92,6 +103,64 @@ std::vector<PictureEntry> listPictures(const Library& library, const GroupAddres
     return pictures;
 }
 
+std::optional<PictureEntry> firstPicture(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    Element element;
+    while (cursor.next(element)) {
+        if (isPicture(element))
+            return entryOf(access, group, element);
+    }
+    return std::nullopt;
+}
+
+PictureEntry describePicture(const Library& library, const GroupAddress& group,
+                             const PictureName& name) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    const auto element = access.groupStorage().find(name.text);
+    if (!element || !isPicture(*element))
+        throw compound::Error(compound::ErrorCode::NotFound, access.file().disk().path(),
+                              "there is no picture \"" + base::toUtf8(name.text) + "\"");
+    return entryOf(access, group, *element);
+}
+
+PictureNames listPictureNames(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    PictureNames pictures;
+    compound::ElementCursor cursor = access.groupStorage().elements();
+    Element element;
+    for (std::size_t index = 0; cursor.next(element); ++index) {
+        if (isPicture(element)) {
+            pictures.elements.push_back(index);
+            pictures.names.push_back({std::move(element.name)});
+        }
+    }
+    const auto identity = access.file().disk().identity();
+    if (identity && identity->settled)
+        pictures.stamp = FileStamp{*identity, access.file().transactionSignature()};
+    return pictures;
+}
+
+void readPictures(const Library& library, const GroupAddress& group,
+                  std::span<const PictureName> names,
+                  const std::function<TakePicture(std::vector<std::byte>)>& take) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    for (const PictureName& name : names) {
+        const auto bytes = [&]() -> std::vector<std::byte> {
+            const auto element = access.groupStorage().find(name.text);
+            if (!element || !isPicture(*element))
+                return {};
+            return readUndamaged(access.groupStorage(), *element);
+        };
+        if (take(unlessDamaged(bytes).value_or(std::vector<std::byte>{})) == TakePicture::Stop)
+            return;
+    }
+}
+
 void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
                   const std::function<TakePicture(const StoredPicture&)>& take) {
     StorageAccess access(library);
@@ -114,19 +183,6 @@ void walkPictures(const Library& library, const GroupAddress& group, std::size_t
         if (take(picture) == TakePicture::Stop)
             return;
     }
-}
-
-std::vector<std::size_t> pictureIndexes(const Library& library, const GroupAddress& group) {
-    StorageAccess access(library);
-    access.openGroup(group, Access::Read);
-    std::vector<std::size_t> indexes;
-    compound::ElementCursor cursor = access.groupStorage().elements();
-    Element element;
-    for (std::size_t index = 0; cursor.next(element); ++index) {
-        if (isPicture(element))
-            indexes.push_back(index);
-    }
-    return indexes;
 }
 
 std::optional<PicturePlace> placeOfPicture(const Library& library, const GroupAddress& group,

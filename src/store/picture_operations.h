@@ -14,6 +14,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,32 @@ struct PictureEntry {
 // All pictures of a group in the fixed order of its storage.
 std::vector<PictureEntry> listPictures(const Library& library, const GroupAddress& group);
 
+// The first of them without looking at the others; nothing when there is none.
+std::optional<PictureEntry> firstPicture(const Library& library, const GroupAddress& group);
+
+// One of them, as the group spells it. NotFound.
+PictureEntry describePicture(const Library& library, const GroupAddress& group,
+                             const PictureName& name);
+
+// Tells one state of a group file from every other that any program may have written.
+struct FileStamp {
+    compound::FileIdentity identity;
+    std::uint32_t transaction = 0;
+
+    bool isSameStateAs(const FileStamp& other) const {
+        return identity.isSameStateAs(other.identity) && transaction == other.transaction;
+    }
+};
+
+struct PictureNames {
+    std::vector<std::size_t> elements; // the element indexes of the group's pictures, ascending
+    std::vector<PictureName> names;    // of the same pictures
+    // Nothing when the disk cannot tell states apart, or when the file was changed so lately that
+    // a further change might not show.
+    std::optional<FileStamp> stamp;
+};
+PictureNames listPictureNames(const Library& library, const GroupAddress& group);
+
 struct StoredPicture {
     PictureName name; // as stored
     PictureRecord record;
@@ -97,8 +124,12 @@ enum class TakePicture { Continue, Stop };
 void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
                   const std::function<TakePicture(const StoredPicture&)>& take);
 
-// The element indexes of the group's pictures, ascending (for paging by element index).
-std::vector<std::size_t> pictureIndexes(const Library& library, const GroupAddress& group);
+// The bytes of several pictures in one opening of the file, in the order of the names, until `take`
+// returns TakePicture::Stop. A picture that is not there, or has damaged or too many bytes, is
+// handed over without any.
+void readPictures(const Library& library, const GroupAddress& group,
+                  std::span<const PictureName> names,
+                  const std::function<TakePicture(std::vector<std::byte>)>& take);
 
 // Where a picture stands.
 struct PicturePlace {

@@ -116,6 +116,7 @@ std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
 void StorageAccess::openFile(const std::filesystem::path& path, compound::Access access,
                              std::chrono::milliseconds wait) {
     release();
+    turn_ = library_.turns->take(path);
     fileStorage_.emplace(compound::CompoundFile::open(openLocked(library_.disk, path, access, wait),
                                                       access, library_.cache.get()));
 }
@@ -171,6 +172,7 @@ void StorageAccess::release() {
     groupStream_.reset();
     groupStorage_.reset();
     fileStorage_.reset();
+    turn_ = {};
 }
 
 } // namespace store

@@ -90,6 +90,7 @@ class StorageAccess {
     void requireGroup(std::u16string_view storage);
 
     const Library& library_;
+    FileTurns::Turn turn_; // ends after the file's lock
     std::optional<compound::CompoundFile> fileStorage_;
     std::optional<StorageHandle> groupStorage_;
     std::optional<StreamHandle> groupStream_;

@@ -229,5 +229,36 @@ TEST(JpgDecoder, OrientationTurnsPictureAndMeasure) {
     EXPECT_NEAR(qRed(decode(plain).image.pixel(8, 4)), 200, 4);
 }
 
+// Red at the left, blue at the right.
+QImage twoHalves(QSize size) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(QColor(200, 30, 30));
+    QPainter(&image).fillRect(size.width() / 2, 0, size.width(), size.height(),
+                              QColor(30, 30, 200));
+    return image;
+}
+
+TEST(JpgDecoder, ForASmallBoxFewerPixelsAreDecoded) {
+    const Bytes plain = encoded(twoHalves({1203, 801}), "JPG");
+    EXPECT_EQ(decode(plain, {100, 100}).image.size(), QSize(150, 100));
+    EXPECT_EQ(decode(plain, {151, 151}).image.size(), QSize(300, 200));
+    EXPECT_EQ(decode(plain, {601, 2000}).image.size(), QSize(601, 400));
+    EXPECT_EQ(decode(plain, {602, 2000}).image.size(), QSize(1203, 801));
+    EXPECT_EQ(decode(plain, {5000, 5000}).image.size(), QSize(1203, 801));
+    const RasterPicture small = decode(plain, {100, 100});
+    EXPECT_EQ(small.facts.pixels, QSize(1203, 801));
+    EXPECT_NEAR(qRed(small.image.pixel(60, 50)), 200, 4);
+    EXPECT_NEAR(qBlue(small.image.pixel(90, 50)), 200, 4);
+}
+
+TEST(JpgDecoder, ATurnedPictureIsUprightInASmallBoxToo) {
+    const Bytes turned = turnedJpg(twoHalves({1200, 400}));
+    const RasterPicture small = decode(turned, {200, 200}); // 67 x 200 are shown
+    EXPECT_EQ(small.image.size(), QSize(100, 300));
+    EXPECT_EQ(small.facts.pixels, QSize(400, 1200));
+    EXPECT_NEAR(qRed(small.image.pixel(50, 100)), 200, 4);
+    EXPECT_NEAR(qBlue(small.image.pixel(50, 200)), 200, 4);
+}
+
 } // namespace
 } // namespace imaging::testing

@@ -4,7 +4,9 @@
 
 #include <QPainter>
 
+#include <array>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace picture::testing {
 namespace {
@@ -49,6 +51,35 @@ TEST(Picture, IsKnownByItsContentAndShownInABox) {
     EXPECT_EQ(raster.scaledTo({60, 60}).size(), QSize(60, 30));
     EXPECT_EQ(raster.scaledTo({900, 900}).size(), QSize(200, 100)) << "never enlarged";
     EXPECT_FALSE(sniff(Bytes(100, std::byte{0x20})).has_value());
+}
+
+TEST(Picture, DecodedForABoxItLooksTheSameInIt) {
+    QImage halves(1203, 801, QImage::Format_RGB32); // left half red, right half blue
+    halves.fill(QColor(200, 30, 30));
+    QPainter(&halves).fillRect(601, 0, 602, 801, QColor(30, 30, 200));
+    const QImage shown = decodeFor(encoded(halves, "JPG"), {100, 100}).scaledTo({100, 100});
+    EXPECT_EQ(shown.size(), QSize(100, 66));
+    EXPECT_NEAR(qRed(shown.pixel(40, 30)), 200, 4);
+    EXPECT_NEAR(qBlue(shown.pixel(60, 30)), 200, 4);
+}
+
+TEST(Picture, IsTheSameOnManyThreadsAtOnce) {
+    const std::vector<Bytes> all = oneOfEachKind();
+    const auto drawn = [&all] {
+        std::vector<QImage> images;
+        for (const Bytes& bytes : all)
+            images.push_back(decodeFor(bytes, {64, 64}).scaledTo({64, 64}));
+        return images;
+    };
+    const std::vector<QImage> expected = drawn();
+    std::array<std::vector<QImage>, 4> found;
+    std::vector<std::thread> threads;
+    for (std::vector<QImage>& images : found)
+        threads.emplace_back([&images, &drawn] { images = drawn(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const std::vector<QImage>& images : found)
+        EXPECT_EQ(images, expected);
 }
 
 } // namespace

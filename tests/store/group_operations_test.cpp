@@ -2,7 +2,10 @@
 #include "compound/error.h"
 #include "store/store_fixture.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <gmock/gmock.h>
+#include <utility>
 
 namespace store::testing {
 namespace {
@@ -352,6 +355,60 @@ TEST_F(GroupTest, ListingFindsSuffixesInAnyCaseAndSortsWithoutCase) {
     EXPECT_EQ(readGroupName(library, topLevelAddress(u"beta")).text, u"beta");
     library.folder = "/missing";
     EXPECT_EQ(errorOf([&] { groupFiles(library); }), ErrorCode::NotFound);
+}
+
+// Keeps what it is told, and wants to stop once that many reports have come.
+class RecordedProgress : public Progress {
+  public:
+    explicit RecordedProgress(std::size_t stopAfter = SIZE_MAX) : stopAfter_(stopAfter) {}
+
+    void report(std::uint64_t done, std::uint64_t total) override {
+        reports.emplace_back(done, total);
+    }
+    bool isStopWanted() override { return reports.size() >= stopAfter_; }
+
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> reports;
+
+  private:
+    std::size_t stopAfter_;
+};
+
+TEST_F(GroupTest, RenamingAndCompactingTellHowFarTheyAre) {
+    const GroupAddress plant = topGroup(u"Plant");
+    for (const char16_t* name : {u"a", u"b", u"c"})
+        add(plant, name, std::string(3'000'000, 'x'));
+    const auto expectCompleteReport = [](const RecordedProgress& progress) {
+        ASSERT_GE(progress.reports.size(), 9U);
+        EXPECT_TRUE(std::is_sorted(progress.reports.begin(), progress.reports.end()));
+        EXPECT_LT(progress.reports.front().first * 5, progress.reports.front().second);
+        const auto [done, total] = progress.reports.back();
+        EXPECT_EQ(done, total);
+        EXPECT_GE(total, 9'000'000U);
+        const auto [before, same] = progress.reports[progress.reports.size() - 2];
+        EXPECT_LT(before, same) << "only the last one says that it is done";
+    };
+    RecordedProgress compacting;
+    compactGroupFile(library, "/library/Plant.stg", compacting);
+    expectCompleteReport(compacting);
+    RecordedProgress renaming;
+    renameGroup(library, plant, {u"Works"}, renaming);
+    expectCompleteReport(renaming);
+}
+
+TEST_F(GroupTest, StoppingLeavesEverythingAsItWas) {
+    const GroupAddress plant = topGroup(u"Plant");
+    add(plant, u"a", std::string(3'000'000, 'x'));
+    const auto before = disk.content("/library/Plant.stg");
+    for (const std::size_t reports : {1U, 3U}) {
+        RecordedProgress renaming(reports);
+        EXPECT_EQ(errorOf([&] { renameGroup(library, plant, {u"Works"}, renaming); }),
+                  ErrorCode::Cancelled);
+        RecordedProgress compacting(reports);
+        EXPECT_EQ(errorOf([&] { compactGroupFile(library, "/library/Plant.stg", compacting); }),
+                  ErrorCode::Cancelled);
+        EXPECT_EQ(disk.list("/library").size(), 1U);
+        EXPECT_EQ(disk.content("/library/Plant.stg"), before);
+    }
 }
 
 } // namespace

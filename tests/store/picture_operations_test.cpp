@@ -62,7 +62,7 @@ TEST_F(PictureTest, APicturesPlaceCountsElementsAndNamesThePictureBesideIt) {
         ASSERT_TRUE(place);
         EXPECT_EQ(place->element, element);
         EXPECT_EQ(place->beside, PictureName{beside});
-        EXPECT_THAT(pictureIndexes(library, group), ::testing::Contains(element));
+        EXPECT_THAT(listPictureNames(library, group).elements, ::testing::Contains(element));
     };
     expectPlace(u"A", 0, u"Logo");
     expectPlace(u"Logo", 1, u"Pumps");
@@ -309,7 +309,7 @@ TEST_F(PictureTest, PagesAreCutByElementIndex) {
     for (const char16_t* name : {u"a", u"b", u"longer name", u"longest name"})
         add(group, name, base::toUtf8(name));
     // a, b, Name, Parent, longer name, longest name
-    EXPECT_THAT(pictureIndexes(library, group), ElementsAre(0U, 1U, 4U, 5U));
+    EXPECT_THAT(listPictureNames(library, group).elements, ElementsAre(0U, 1U, 4U, 5U));
     const auto page = [&](std::size_t start, std::size_t most) {
         std::vector<std::string> names;
         walkPictures(library, group, start, [&](const StoredPicture& picture) {

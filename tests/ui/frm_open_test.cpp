@@ -1,5 +1,6 @@
 #include "app/message_box_script.h"
 #include "app/settings.h"
+#include "app/stepped_executor.h"
 #include "app/texts.h"
 #include "editing/frm_open.h"
 #include "picture/picture.h"
@@ -29,6 +30,8 @@ store::TwipSize measure(std::span<const std::byte> bytes) {
     const picture::TwipSize size = picture::measure(bytes).twips;
     return {size.height, size.width};
 }
+
+constexpr int kPatienceMilliseconds = 20000;
 
 class FrmOpenTest : public testing::Test {
   protected:
@@ -75,12 +78,22 @@ class FrmOpenTest : public testing::Test {
         return names;
     }
 
-    void clickFile(const QString& fileName) {
+    void pointAt(const QString& fileName) {
         const QList<QListWidgetItem*> items = files()->findItems(fileName, Qt::MatchExactly);
         ASSERT_EQ(items.size(), 1) << fileName.toStdString();
         files()->scrollToItem(items.first());
         QTest::mouseClick(files()->viewport(), Qt::LeftButton, {},
                           files()->visualItemRect(items.first()).center());
+    }
+
+    void clickFile(const QString& fileName) {
+        pointAt(fileName);
+        settle();
+    }
+
+    // Waits until the preview shows the chosen file.
+    void settle() {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return window_.isSettled(); }, kPatienceMilliseconds));
     }
 
     void press(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }
@@ -140,6 +153,7 @@ TEST_F(FrmOpenTest, showsAClickedPictureAndNamesItUpToTheFirstDot) {
     EXPECT_EQ(preview->geometry(), app::toPixels({491.25, 270, 592.5, 1185}));
     EXPECT_EQ(preview->grab().toImage().pixelColor(preview->rect().center()), QColor(Qt::red));
     QTest::keyClick(files(), Qt::Key_Down);
+    settle();
     EXPECT_EQ(name()->text(), "wide");
     EXPECT_EQ(preview->geometry(), app::toPixels({90, 566.25, 1395, 592.5}));
     EXPECT_EQ(preview->grab().toImage().pixelColor(preview->rect().center()), QColor(Qt::blue));
@@ -188,6 +202,55 @@ TEST_F(FrmOpenTest, refusesAFileThatIsNoPicture) {
     EXPECT_EQ(boxes.takeText(), "Bild kann nicht geladen werden. Ungültiges Dateiformat.");
     clickFile("good.bmp");
     press("cmdOK");
+    EXPECT_TRUE(boxes.take().isEmpty());
+}
+
+// The user is faster than a large picture.
+TEST_F(FrmOpenTest, savesThePictureThatIsBeingLoadedUnderItsOwnName) {
+    makePicture("a.bmp", "BMP", {20, 10}, Qt::red);
+    makePicture("b.bmp", "BMP", {30, 40}, Qt::green);
+    home_.write("pictures/c.bmp", "no picture");
+    const store::GroupAddress group = makeGroup();
+    open(group);
+    clickFile("a.bmp");
+    SteppedExecutor workers;
+    const app::WorkersReplacement stepped(workers);
+    MessageBoxScript boxes;
+    pointAt("b.bmp");
+    press("cmdOK");
+    EXPECT_TRUE(store::listPictures(library_, group).empty());
+    workers.stepAll();
+    EXPECT_EQ(store::listPictures(library_, group).size(), 1U);
+    EXPECT_EQ(stored(group, "b"), home_.read("pictures/b.bmp"));
+
+    pointAt("a.bmp");
+    retype("Typed");
+    workers.stepAll();
+    EXPECT_EQ(name()->text(), "Typed");
+    pointAt("c.bmp");
+    press("cmdOK");
+    workers.stepAll();
+    EXPECT_EQ(boxes.takeText(), "Bild kann nicht geladen werden. Ungültiges Dateiformat.");
+    EXPECT_EQ(store::listPictures(library_, group).size(), 1U);
+}
+
+TEST_F(FrmOpenTest, showsOnlyTheFileChosenLastAndTellsNothingOnceItIsClosed) {
+    makePicture("a.bmp", "BMP", {20, 10}, Qt::red);
+    makePicture("b.bmp", "BMP", {30, 40}, Qt::green);
+    home_.write("pictures/c.bmp", "no picture");
+    open(makeGroup());
+    SteppedExecutor workers;
+    const app::WorkersReplacement stepped(workers);
+    MessageBoxScript boxes;
+    pointAt("c.bmp");
+    pointAt("a.bmp");
+    pointAt("b.bmp");
+    workers.stepAll();
+    EXPECT_TRUE(boxes.take().isEmpty());
+    EXPECT_EQ(name()->text(), "b");
+    pointAt("c.bmp");
+    press("cmdAbbruch");
+    workers.stepAll();
     EXPECT_TRUE(boxes.take().isEmpty());
 }
 

@@ -153,7 +153,7 @@ TEST_F(FrmOptionenWmf, GrowsWithTheWindowAndStaysSharp) {
         QPainter(&sheet).drawImage(0, 0, picture);
         return sheet;
     };
-    EXPECT_EQ(shown(), expected());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == expected(); }));
     form_.resize(404, 504); // a square of 400 pixels
     EXPECT_EQ(form_.vectorRect(), (TwipRect{30, 2280, 6000, 3000}));
     EXPECT_EQ(vector()->geometry(), QRect(2, 152, 400, 200));

@@ -67,6 +67,16 @@ TEST_P(GroupsOnFailingDisk, KeepATopLevelGroupUnderItsName) {
     EXPECT_EQ(view_.refreshes, 0);
 }
 
+TEST_P(GroupsOnFailingDisk, SayNothingOfWhatTheUserHasStopped) {
+    view_.disk.setInterceptor([](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Write) {
+            throw compound::Error(compound::ErrorCode::Cancelled, "/library/Pumpen.stg", "stopped");
+        }
+    });
+    EXPECT_EQ(giveName("gRename").size(), 0);
+    EXPECT_EQ(view_.refreshes, 0);
+}
+
 // Done, but perhaps not for good: the tree has to show what is there now.
 TEST_P(GroupsOnFailingDisk, AreReadAnewWhenNobodyKnowsWhatIsThere) {
     selectTopLevelGroup();

@@ -1,13 +1,11 @@
 #include "app/message_box.h"
 #include "app/texts.h"
-#include "browser/large_preview.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QImage>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
@@ -38,7 +36,7 @@ class MainPictures : public MainWindowTest {
 
     // The names that a page shows: pictures from its first element on.
     QStringList pageNames(int page, std::size_t cells) {
-        const auto indexes = store::pictureIndexes(library(), group_);
+        const auto indexes = store::listPictureNames(library(), group_).elements;
         const auto pictures = store::listPictures(library(), group_);
         QStringList names;
         for (std::size_t i = 0; i < indexes.size() && names.size() < qsizetype(cells); ++i) {
@@ -50,6 +48,7 @@ class MainPictures : public MainWindowTest {
     }
 
     QColor previewCentre() {
+        settle();
         auto* preview = find<QWidget>("imgVorschau");
         return preview->grab().toImage().pixelColor(preview->rect().center());
     }
@@ -103,7 +102,8 @@ TEST_F(MainPictures, PagesAreCutByElementIndex) {
     QTest::qWait(0);
     settle();
     auto* scroll = find<QScrollBar>("imgScroll");
-    EXPECT_EQ(scroll->maximum(), int(store::pictureIndexes(library(), group_).back() / 3) + 1);
+    EXPECT_EQ(scroll->maximum(),
+              int(store::listPictureNames(library(), group_).elements.back() / 3) + 1);
     for (int page = 1; page <= scroll->maximum(); ++page) {
         scroll->setValue(page);
         settle();
@@ -257,21 +257,6 @@ TEST_F(MainPictures, AnUndecodablePictureTakesACell) {
     EXPECT_EQ(thumbnails(), QStringList{"Bad"});
     EXPECT_EQ(label(), "Bad");
     EXPECT_TRUE(boxes_.take().isEmpty());
-}
-
-// With the next one decoded beside it, a group of huge pictures would take twice their memory.
-TEST(LargePreviewMemory, OfAHugePictureOnlyWhatAScreenShowsIsKept) {
-    browser::LargePreview preview(nullptr);
-    preview.resize(200, 200);
-    QImage image(4000, 2000, QImage::Format_RGB32);
-    image.fill(Qt::blue);
-    picture::PictureFacts facts;
-    facts.pixels = image.size();
-    preview.showPicture({facts, image});
-    EXPECT_TRUE(image.isDetached());
-    const QImage shown = preview.grab().toImage();
-    EXPECT_EQ(shown.pixelColor(100, 100), QColor(Qt::blue));
-    EXPECT_EQ(shown.pixelColor(100, 40), preview.palette().color(QPalette::Base));
 }
 
 TEST_F(MainPictures, RightClickOnAThumbnailChoosesItAndShowsThePictureBand) {

@@ -3,6 +3,7 @@
 #include "app/number_text.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "editing/picture_box.h"
 #include "platform/native_disk.h"
 #include "platform/temporary_folder.h"
 #include "store/picture_operations.h"
@@ -79,6 +80,12 @@ void MainWindowTest::restart() {
     window_->close();
     window_.reset();
     start();
+}
+
+void MainWindowTest::settlePreview(const QDialog& dialog) {
+    const auto* preview = dialog.findChild<editing::PictureBox*>();
+    ASSERT_TRUE(preview == nullptr ||
+                QTest::qWaitFor([=] { return !preview->isBusy(); }, kPatienceMilliseconds));
 }
 
 void MainWindowTest::settle() {
@@ -173,6 +180,7 @@ void MainWindowTest::inDialog(const std::function<void()>& open,
         if (dialog != nullptr) {
             looking.stop();
             wasOpen = true;
+            settlePreview(*dialog);
             steps(*dialog);
             dialog->close();
         }

@@ -205,6 +205,7 @@ const Source* RandomCommands::clickFile(QDialog& dialog) {
     QListWidgetItem* item = files->findItems(name, Qt::MatchExactly).value(0);
     files->scrollToItem(item);
     QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualItemRect(item).center());
+    settlePreview(dialog);
     compareBoxes();
     if (!isBroken) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->text(), name.section(u'.', 0, 0));

@@ -58,7 +58,7 @@ QImage readCompressed(std::span<const std::byte> bytes) {
         return imaging::readPng(bytes);
     }
     const imaging::QuietReading quiet;
-    QImageReader::setAllocationLimit(imaging::kAllocationLimit);
+    imaging::limitReaders();
     QByteArray data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
                                               static_cast<qsizetype>(bytes.size()));
     const auto kind = imaging::sniff(bytes);

@@ -272,7 +272,11 @@ FontMetrics GlyphSource::metrics(const QFont& font) {
     return faceOf(font)->metrics;
 }
 
+// When a thread ends, what it stores goes in the opposite order of the stores' making: this one is
+// made once Qt's own stores of fonts are, so that its fonts go while their engines are there.
 GlyphSource& GlyphSource::ofThisThread() {
+    static const bool areQtsMade = QRawFont::fromFont(QFont()).isValid();
+    (void)areQtsMade;
     static QThreadStorage<std::shared_ptr<GlyphSource>> sources;
     std::shared_ptr<GlyphSource>& own = sources.localData();
     if (!own) {

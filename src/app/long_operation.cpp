@@ -1,0 +1,129 @@
+#include "app/long_operation.h"
+
+#include "app/progress_window.h"
+#include "app/wait_cursor.h"
+
+#include <QEventLoop>
+#include <QPointer>
+#include <QTimer>
+
+#include <atomic>
+#include <exception>
+#include <thread>
+#include <vector>
+
+namespace app {
+namespace {
+
+// What the operation's thread writes and the window reads.
+class SharedProgress final : public store::Progress {
+  public:
+    void report(std::uint64_t done, std::uint64_t total) override {
+        total_ = total;
+        done_ = done;
+    }
+    bool isStopWanted() override { return stop_; }
+
+    void stop() { stop_ = true; }
+    std::uint64_t done() const { return done_; }
+    std::uint64_t total() const { return total_; }
+
+  private:
+    std::atomic<std::uint64_t> done_ = 0;
+    std::atomic<std::uint64_t> total_ = 0;
+    std::atomic<bool> stop_ = false;
+};
+
+struct Waiting {
+    QPointer<QObject> context;
+    std::function<void()> then;
+};
+
+SharedProgress* running = nullptr;
+std::vector<Waiting> waiting;
+
+// Marks the time of the running operation.
+class Running {
+  public:
+    explicit Running(SharedProgress& progress) { running = &progress; }
+    ~Running() {
+        running = nullptr;
+        for (const Waiting& next : std::exchange(waiting, {})) {
+            if (next.context)
+                QMetaObject::invokeMethod(next.context, next.then, Qt::QueuedConnection);
+        }
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+};
+
+void waitWithoutWindow(QEventLoop& loop, std::chrono::milliseconds patience) {
+    const WaitCursor waits;
+    QTimer::singleShot(patience, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
+void waitWithWindow(QEventLoop& loop, const LongOperation& operation, QWidget* owner,
+                    SharedProgress& progress) {
+    constexpr std::chrono::milliseconds kLookInterval{50};
+    const bool canStop = operation.stopping == LongOperation::Stopping::Offered;
+    ProgressWindow window(operation.what, canStop, owner);
+    QObject::connect(&window, &ProgressWindow::stopWanted, &window, [&] { progress.stop(); });
+    QTimer looking;
+    const auto look = [&] { window.showProgress(progress.done(), progress.total()); };
+    QObject::connect(&looking, &QTimer::timeout, &window, look);
+    look();
+    looking.start(kLookInterval);
+    window.show();
+    loop.exec();
+}
+
+} // namespace
+
+void runLong(const LongOperation& operation, QWidget* owner,
+             const std::function<void(store::Progress&)>& work) {
+    if (isLongOperationRunning()) {
+        work(store::noProgress());
+        return;
+    }
+    SharedProgress progress;
+    const Running mark(progress);
+    QEventLoop loop;
+    bool hasEnded = false;
+    std::exception_ptr failure;
+    std::thread thread([&] {
+        try {
+            work(progress);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        QMetaObject::invokeMethod(
+            &loop,
+            [&] {
+                hasEnded = true;
+                loop.quit();
+            },
+            Qt::QueuedConnection);
+    });
+    waitWithoutWindow(loop, operation.patience);
+    if (!hasEnded)
+        waitWithWindow(loop, operation, owner, progress);
+    thread.join();
+    if (failure)
+        std::rethrow_exception(failure);
+}
+
+bool isLongOperationRunning() {
+    return running != nullptr;
+}
+
+void afterLongOperation(QObject* context, const std::function<void()>& then) {
+    if (running == nullptr) {
+        QMetaObject::invokeMethod(context, then, Qt::QueuedConnection);
+        return;
+    }
+    running->stop();
+    waiting.push_back({context, then});
+}
+
+} // namespace app

@@ -1,0 +1,53 @@
+// Running what may take long on a thread of its own while the window stays alive.
+//
+// At first nothing is seen of it: most such work ends before anybody could read a window about it,
+// and meanwhile the user's clicks and keys wait. After a moment a modal window, `frmFortschritt`,
+// shows what is done, how far it is, and how to stop it where that can be done without a trace.
+#pragma once
+
+#include "store/progress.h"
+
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <utility>
+
+class QObject;
+class QWidget;
+
+namespace app {
+
+struct LongOperation {
+    enum class Stopping { Offered, NotOffered };
+
+    QString what; // a sentence without a full stop: "Die Gruppe wird umbenannt"
+    Stopping stopping = Stopping::NotOffered;
+    std::chrono::milliseconds patience{400}; // before the window is shown
+};
+
+// Returns when `work` has ended, and throws what it has thrown. `work` may use whatever the caller
+// keeps alive and does not touch meanwhile. One at a time: `work` of an operation that is started
+// while another one runs is done at once, on the caller's thread.
+void runLong(const LongOperation& operation, QWidget* owner,
+             const std::function<void(store::Progress&)>& work);
+
+// The same for work that gives something.
+template <typename Result>
+Result resultOfLong(const LongOperation& operation, QWidget* owner,
+                    const std::function<Result(store::Progress&)>& work) {
+    std::unique_ptr<Result> result;
+    runLong(operation, owner,
+            [&](store::Progress& progress) { result = std::make_unique<Result>(work(progress)); });
+    return std::move(*result);
+}
+
+// Whether one is running. What would wait for its group file is to be put off until it has ended.
+bool isLongOperationRunning();
+
+// Has `then` called in the event loop once none is running; asks the running one to stop. Nothing
+// is called when `context` has gone by then.
+void afterLongOperation(QObject* context, const std::function<void()>& then);
+
+} // namespace app

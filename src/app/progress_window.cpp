@@ -1,0 +1,80 @@
+#include "app/progress_window.h"
+
+#include "app/texts.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace app {
+namespace {
+
+constexpr int kAbort = 103;
+constexpr int kLeastWidth = 340;
+constexpr int kSteps = 1000; // of the bar
+constexpr TextPair kAmount{u"%1 von %2 MB", u"%1 of %2 MB"};
+constexpr TextPair kFinishing{u"Wird abgeschlossen", u"Finishing"};
+constexpr TextPair kStops{u"Wird abgebrochen", u"Stopping"};
+
+QString megabytes(std::uint64_t bytes) {
+    return QString::number(bytes / 1'000'000);
+}
+
+} // namespace
+
+ProgressWindow::ProgressWindow(const QString& what, bool canStop, QWidget* owner)
+    : QDialog(owner), prgFortschritt_(new QProgressBar(this)), lblMenge_(new QLabel(this)) {
+    setObjectName(QStringLiteral("frmFortschritt"));
+    setWindowTitle(kProgramTitle);
+    setModal(true);
+    setMinimumWidth(kLeastWidth);
+    auto* lblVorgang = new QLabel(what, this);
+    lblVorgang->setObjectName(QStringLiteral("lblVorgang"));
+    lblVorgang->setTextFormat(Qt::PlainText);
+    prgFortschritt_->setObjectName(QStringLiteral("prgFortschritt"));
+    prgFortschritt_->setAccessibleName(what);
+    prgFortschritt_->setTextVisible(false);
+    lblMenge_->setObjectName(QStringLiteral("lblMenge"));
+    lblMenge_->setTextFormat(Qt::PlainText);
+    auto* all = new QVBoxLayout(this);
+    all->setContentsMargins(16, 16, 16, 14);
+    all->setSpacing(10);
+    all->addWidget(lblVorgang);
+    all->addWidget(prgFortschritt_);
+    all->addWidget(lblMenge_);
+    if (canStop) {
+        cmdAbbruch_ = new QPushButton(text(kAbort), this);
+        cmdAbbruch_->setObjectName(QStringLiteral("cmdAbbruch"));
+        all->addWidget(cmdAbbruch_, 0, Qt::AlignRight);
+        connect(cmdAbbruch_, &QPushButton::clicked, this, &ProgressWindow::reject);
+    }
+    all->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void ProgressWindow::showProgress(std::uint64_t done, std::uint64_t total) {
+    const bool isCounting = total > 0 && done < total;
+    prgFortschritt_->setRange(0, isCounting ? kSteps : 0); // without a range it only moves
+    if (isCounting) {
+        prgFortschritt_->setValue(
+            static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * kSteps));
+    }
+    const bool isStopping = cmdAbbruch_ != nullptr && !cmdAbbruch_->isEnabled() && isCounting;
+    if (!isStopping) {
+        lblMenge_->setText(isCounting  ? text(kAmount).arg(megabytes(done), megabytes(total))
+                           : total > 0 ? text(kFinishing)
+                                       : QString());
+    }
+    if (cmdAbbruch_ != nullptr && total > 0 && !isCounting)
+        cmdAbbruch_->setEnabled(false);
+}
+
+void ProgressWindow::reject() {
+    if (cmdAbbruch_ == nullptr || !cmdAbbruch_->isEnabled())
+        return;
+    cmdAbbruch_->setEnabled(false);
+    lblMenge_->setText(text(kStops));
+    emit stopWanted();
+}
+
+} // namespace app

@@ -1,0 +1,53 @@
+// Workers whose every task waits for the test, so that nothing depends on who is faster.
+#pragma once
+
+#include "app/executor.h"
+
+#include <QCoreApplication>
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <thread>
+#include <utility>
+
+class SteppedExecutor : public app::Executor {
+  public:
+    void run(std::function<void()> task) override { tasks_.push_back(std::move(task)); }
+    void finish() override {
+        while (!tasks_.empty()) {
+            doNext();
+        }
+    }
+
+    std::size_t waiting() const { return tasks_.size(); }
+
+    // Does the task that has waited longest, on another thread, and has its result delivered.
+    // False: there is none.
+    bool step() {
+        if (tasks_.empty()) {
+            return false;
+        }
+        doNext();
+        QCoreApplication::processEvents();
+        return true;
+    }
+
+    // Returns how many tasks there were, those that came meanwhile included.
+    int stepAll() {
+        int steps = 0;
+        while (step()) {
+            ++steps;
+        }
+        return steps;
+    }
+
+  private:
+    void doNext() {
+        auto task = std::move(tasks_.front());
+        tasks_.pop_front();
+        std::thread(task).join();
+    }
+
+    std::deque<std::function<void()>> tasks_;
+};
