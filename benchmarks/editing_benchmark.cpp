@@ -55,8 +55,9 @@ const QImage& picture() {
 template <typename Operation>
 void runOurs(benchmark::State& state, const Operation& operation) {
     QImage image = picture().copy();
-    for (auto _ : state)
+    for (auto _ : state) {
         operation(image);
+    }
 }
 
 void contrast(benchmark::State& state) {
@@ -88,8 +89,9 @@ void reversing(benchmark::State& state) {
 }
 
 void quarterTurn(benchmark::State& state) {
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(rotated(picture(), {9000, Canvas::Grow, 0}));
+    }
 }
 
 void halfTurn(benchmark::State& state) {
@@ -97,46 +99,52 @@ void halfTurn(benchmark::State& state) {
 }
 
 void freeTurn(benchmark::State& state) {
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(rotated(picture(), {3330, Canvas::Grow, qRgb(255, 0, 0)}));
+    }
 }
 
 void freeTurnWithAlpha(benchmark::State& state) {
     QImage image = picture().convertToFormat(QImage::Format_ARGB32);
     image.setPixel(0, 0, 0);
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(rotated(image, {3330, Canvas::Grow, 0}));
+    }
 }
 
 // What a dialog does on each move of its slider, were it to show the whole picture at full size.
 void previewOfHue(benchmark::State& state) {
     QImage target;
     apply({ColourProperty::Hue, 1}, picture(), target);
-    for (auto _ : state)
+    for (auto _ : state) {
         apply({ColourProperty::Hue, kHue}, picture(), target);
+    }
 }
 
 // The same for a window's worth of the middle of a turned picture.
 void previewOfFreeTurn(benchmark::State& state) {
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(rotatedPart(picture(), {3330, Canvas::Grow, qRgb(255, 0, 0)},
                                              QRect(1500, 1800, 1920, 1080)));
+    }
 }
 
 // ---- Qt
 
 void freeTurnOfQt(benchmark::State& state) {
     const QTransform turn = QTransform().rotate(33.3);
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(picture().transformed(turn, Qt::SmoothTransformation));
+    }
 }
 
 void freeTurnWithAlphaOfQt(benchmark::State& state) {
     QImage image = picture().convertToFormat(QImage::Format_ARGB32);
     image.setPixel(0, 0, 0);
     const QTransform turn = QTransform().rotate(33.3);
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(image.transformed(turn, Qt::SmoothTransformation));
+    }
 }
 
 // ---- OpenCV
@@ -145,16 +153,18 @@ template <typename Operation>
 void runOpenCv(benchmark::State& state, const Operation& operation) {
     QImage image = picture().copy();
     cv::Mat pixels(kHeight, kWidth, CV_8UC4, image.bits());
-    for (auto _ : state)
+    for (auto _ : state) {
         operation(pixels);
+    }
 }
 
 cv::Mat tableOfThree(const std::function<int(int channel, int level)>& value) {
     cv::Mat table(1, 256, CV_8UC3);
     for (int level = 0; level < 256; ++level) {
-        for (int channel = 0; channel < 3; ++channel)
+        for (int channel = 0; channel < 3; ++channel) {
             table.at<cv::Vec3b>(0, level)[channel] =
                 static_cast<unsigned char>(value(channel, level));
+        }
     }
     return table;
 }
@@ -242,8 +252,9 @@ void freeTurnOfOpenCv(benchmark::State& state) {
 using VipsPicture = std::unique_ptr<VipsImage, decltype(&g_object_unref)>;
 
 VipsPicture owned(VipsImage* image) {
-    if (image == nullptr)
+    if (image == nullptr) {
         throw std::runtime_error(vips_error_buffer());
+    }
     return {image, &g_object_unref};
 }
 
@@ -251,8 +262,9 @@ VipsPicture owned(VipsImage* image) {
 template <typename Operation>
 VipsPicture result(const VipsPicture& image, const Operation& operation) {
     VipsImage* out = nullptr;
-    if (operation(image.get(), &out) != 0)
+    if (operation(image.get(), &out) != 0) {
         throw std::runtime_error(vips_error_buffer());
+    }
     return owned(out);
 }
 
@@ -290,9 +302,10 @@ VipsPicture linear(const VipsPicture& image, double slope, double offset) {
 // To HSV (it knows no HSL) and back with a table in between.
 void throughHsv(benchmark::State& state, int channel, int (*value)(int)) {
     std::array<unsigned char, 256 * 4> table{};
-    for (int i = 0; i < 256 * 4; ++i)
+    for (int i = 0; i < 256 * 4; ++i) {
         table[static_cast<std::size_t>(i)] =
             static_cast<unsigned char>(i % 4 == channel ? value(i / 4) : i / 4);
+    }
     const VipsPicture lut =
         owned(vips_image_new_from_memory(table.data(), table.size(), 256, 1, 4, VIPS_FORMAT_UCHAR));
     runVips(state, [&](const VipsPicture& image) {
@@ -403,8 +416,9 @@ std::vector<benchmarks::Ratio> ratios() {
         all.push_back({operation + " / libvips", operation, operation + "OfVips", allowed});
     };
     for (const char* operation : {"contrast", "intensity", "inversion", "hue", "flipping",
-                                  "reversing", "quarterTurn", "halfTurn"})
+                                  "reversing", "quarterTurn", "halfTurn"}) {
         againstBoth(operation, 0.9);
+    }
     againstBoth("saturation", 1.0);
     all.push_back({"freeTurn / QImage::transformed", "freeTurn", "freeTurnOfQt", 0.6});
     all.push_back({"freeTurnWithAlpha / QImage::transformed", "freeTurnWithAlpha",
@@ -415,8 +429,9 @@ std::vector<benchmarks::Ratio> ratios() {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (VIPS_INIT(argv[0]) != 0)
+    if (VIPS_INIT(argv[0]) != 0) {
         return 2;
+    }
     vips_cache_set_max(0); // the same picture is to be computed each time
     std::vector<char*> arguments(argv, argv + argc);
     std::string interleaved = "--benchmark_enable_random_interleaving=true";

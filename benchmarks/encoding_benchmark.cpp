@@ -50,16 +50,18 @@ QImage landscape() {
 std::vector<Photo> findPhotos() {
     std::vector<Photo> photos;
     const char* const folder = std::getenv("TXS_PHOTOS");
-    if (folder == nullptr)
+    if (folder == nullptr) {
         return {{"drawn here", landscape()}};
+    }
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string content{std::istreambuf_iterator<char>(file), {}};
         try {
             const QImage image = imaging::decode(std::as_bytes(std::span(content)))
                                      .image.convertToFormat(QImage::Format_ARGB32);
-            if (!imaging::exactColours(image, kColours))
+            if (!imaging::exactColours(image, kColours)) {
                 photos.push_back({entry.path().filename().string(), image});
+            }
         } catch (const imaging::DecodeError&) {
             continue; // no picture, or a broken one
         }
@@ -95,35 +97,40 @@ QImage reducedByPeer(const QImage& image) {
     const Image input(liq_image_create_rgba(attributes.get(), source.constBits(), source.width(),
                                             source.height(), 0));
     liq_result* found = nullptr;
-    if (liq_image_quantize(input.get(), attributes.get(), &found) != LIQ_OK)
+    if (liq_image_quantize(input.get(), attributes.get(), &found) != LIQ_OK) {
         throw std::runtime_error("liq_image_quantize");
+    }
     const Result result(found);
     liq_set_dithering_level(result.get(), 1);
     std::vector<uchar*> rows;
     QImage indexes(image.size(), QImage::Format_Indexed8);
-    for (int y = 0; y < indexes.height(); ++y)
+    for (int y = 0; y < indexes.height(); ++y) {
         rows.push_back(indexes.scanLine(y));
+    }
     liq_write_remapped_image_rows(result.get(), input.get(), rows.data());
     const liq_palette* const palette = liq_get_palette(result.get());
     QList<QRgb> colours;
-    for (unsigned i = 0; i < palette->count; ++i)
+    for (unsigned i = 0; i < palette->count; ++i) {
         colours.push_back(
             qRgb(palette->entries[i].r, palette->entries[i].g, palette->entries[i].b));
+    }
     indexes.setColorTable(colours);
     return indexes;
 }
 
 void reduce(benchmark::State& state) {
     for (auto _ : state) {
-        for (const Photo& photo : photos())
+        for (const Photo& photo : photos()) {
             benchmark::DoNotOptimize(reduced(photo.image));
+        }
     }
 }
 
 void reduceByPeer(benchmark::State& state) {
     for (auto _ : state) {
-        for (const Photo& photo : photos())
+        for (const Photo& photo : photos()) {
             benchmark::DoNotOptimize(reducedByPeer(photo.image));
+        }
     }
 }
 
@@ -133,8 +140,10 @@ double decibels(const QImage& image, const QImage& indexes) {
         for (int x = 0; x < image.width(); ++x) {
             const QRgb a = image.pixel(x, y);
             const QRgb b = indexes.pixel(x, y);
-            for (const int apart : {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)})
+            for (const int apart :
+                 {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)}) {
                 sum += apart * apart;
+            }
         }
     }
     return 10 * std::log10(255.0 * 255 * 3 * image.width() * image.height() / sum);

@@ -35,16 +35,19 @@ struct Source {
 
 void runProgram(std::vector<std::string> words) {
     std::vector<char*> arguments;
-    for (std::string& word : words)
+    for (std::string& word : words) {
         arguments.push_back(word.data());
+    }
     arguments.push_back(nullptr);
     pid_t child = 0;
-    if (posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0)
+    if (posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ) != 0) {
         throw std::runtime_error("cannot start " + words[0]);
+    }
     int status = 0;
     waitpid(child, &status, 0);
-    if (status != 0)
+    if (status != 0) {
         throw std::runtime_error(words[0] + " failed with " + words[1]);
+    }
 }
 
 const ScratchFolder& scratch() {
@@ -65,13 +68,15 @@ std::vector<Source> sourcesOf(const std::string& extension) {
         folder = told;
     } else {
         folder = scratch().path() / "samples";
-        if (!std::filesystem::exists(folder))
+        if (!std::filesystem::exists(folder)) {
             runProgram({TXS_MAKE_SAMPLES, folder.string()});
+        }
     }
     std::vector<Source> sources;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (entry.path().extension() != extension)
+        if (entry.path().extension() != extension) {
             continue;
+        }
         Source source{entry.path().string(), contentOf(entry.path()), {}};
         try {
             source.size = picture::measure(source.bytes).pixels;
@@ -100,8 +105,9 @@ void drawWithLibwmf(const Source& source) {
     wmfAPI_Options options{};
     options.function = wmf_gd_function;
     constexpr unsigned long kFlags = WMF_OPT_FUNCTION | WMF_OPT_IGNORE_NONFATAL;
-    if (wmf_api_create(&api, kFlags, &options) != wmf_E_None)
+    if (wmf_api_create(&api, kFlags, &options) != wmf_E_None) {
         return;
+    }
     std::string path = source.path;
     wmfD_Rect box{};
     if (wmf_file_open(api, path.data()) == wmf_E_None && wmf_scan(api, 0, &box) == wmf_E_None) {
@@ -120,8 +126,9 @@ void drawWithLibwmf(const Source& source) {
 void drawWmfWithLibwmf(benchmark::State& state) {
     const auto sources = sourcesOf(".wmf");
     for (auto _ : state) {
-        for (const Source& source : sources)
+        for (const Source& source : sources) {
             drawWithLibwmf(source);
+        }
     }
 }
 
@@ -129,9 +136,10 @@ void renderEmf(benchmark::State& state) {
     const auto sources = sourcesOf(".emf");
     const std::string target = (scratch().path() / "ours.png").string();
     for (auto _ : state) {
-        for (const Source& source : sources)
+        for (const Source& source : sources) {
             runProgram({TXS_STGTOOL, "render", source.path, target, "--replace", "--width",
                         std::to_string(source.size.width())});
+        }
     }
 }
 

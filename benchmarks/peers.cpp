@@ -13,8 +13,9 @@ namespace benchmarks {
 namespace {
 
 void require(bool good, const char* what) {
-    if (!good)
+    if (!good) {
         throw std::runtime_error(what);
+    }
 }
 
 enum class Durable { Yes, No };
@@ -24,8 +25,9 @@ void writeFile(const std::filesystem::path& path, const void* bytes, std::size_t
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
     require(file >= 0, "open");
     require(write(file, bytes, size) == static_cast<ssize_t>(size), "write");
-    if (durable == Durable::Yes)
+    if (durable == Durable::Yes) {
         require(fsync(file) == 0, "fsync");
+    }
     close(file);
 }
 
@@ -137,8 +139,9 @@ std::size_t Database::list() {
     const auto textOf = [&](int column) {
         return std::string(reinterpret_cast<const char*>(sqlite3_column_text(select, column)));
     };
-    while (sqlite3_step(select) == SQLITE_ROW)
+    while (sqlite3_step(select) == SQLITE_ROW) {
         rows.push_back({textOf(0), sqlite3_column_int64(select, 1), textOf(2)});
+    }
     sqlite3_finalize(select);
     return rows.size();
 }

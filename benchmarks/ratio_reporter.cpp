@@ -14,8 +14,9 @@ class RememberingReporter : public benchmark::ConsoleReporter {
 
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median")
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
                 medians_[run.run_name.function_name + argumentsOf(run)] = run.GetAdjustedRealTime();
+            }
         }
         ConsoleReporter::ReportRuns(runs);
     }
@@ -38,8 +39,9 @@ class RememberingReporter : public benchmark::ConsoleReporter {
 
 int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios) {
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
+    }
     RememberingReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
@@ -49,8 +51,9 @@ int runWithRatios(int argc, char** argv, const std::vector<Ratio>& ratios) {
     for (const Ratio& ratio : ratios) {
         const double ours = reporter.medianOf(ratio.ours);
         const double peer = reporter.medianOf(ratio.peer);
-        if (ours <= 0 || peer <= 0)
+        if (ours <= 0 || peer <= 0) {
             continue;
+        }
         const bool good = ours / peer <= ratio.allowed;
         std::printf("%-62s %8.2f %8.2f%s\n", ratio.title.c_str(), ours / peer, ratio.allowed,
                     good ? "" : "  <-- worse");

@@ -21,18 +21,22 @@ using Colour = std::array<double, 3>;
 // Waves that get shorter away from the middle, to four pixels a wave, rings and bars with sharp
 // edges, and a sky.
 Colour drawingAt(double x, double y) {
-    if (x < 0 || y < 0 || x >= kWidth || y >= kHeight)
+    if (x < 0 || y < 0 || x >= kWidth || y >= kHeight) {
         return {0, 0, 0};
+    }
     const double dx = x - kWidth / 2.0;
     const double dy = y - kHeight / 2.0;
     const double distance = std::hypot(dx, dy);
     const double wave = 127.5 + 127.5 * std::cos(distance * distance * 1.5 / kWidth);
-    if (distance < 200)
+    if (distance < 200) {
         return {wave, wave, 255 - wave};
-    if (distance < 240)
+    }
+    if (distance < 240) {
         return {255, 220, 40};
-    if (std::fmod(x + y / 3, 40) < 6)
+    }
+    if (std::fmod(x + y / 3, 40) < 6) {
         return {20, 30, 160};
+    }
     return {120 + 100 * y / kHeight, 160 + 80 * x / kWidth, 230};
 }
 
@@ -46,8 +50,9 @@ QImage sampled(QSize size, const QTransform& toDrawing) {
                 const QPointF place = toDrawing.map(QPointF(x + (i % kSamples + 0.5) / kSamples,
                                                             y + (i / kSamples + 0.5) / kSamples));
                 const Colour colour = drawingAt(place.x(), place.y());
-                for (std::size_t c = 0; c < 3; ++c)
+                for (std::size_t c = 0; c < 3; ++c) {
                     sum[c] += colour[c] / (kSamples * kSamples);
+                }
             }
             image.setPixel(x, y,
                            qRgb(static_cast<int>(std::lround(sum[0])),

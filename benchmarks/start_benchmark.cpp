@@ -42,8 +42,9 @@ struct Home {
 Home& homeOf(std::int64_t groups) {
     static std::map<std::int64_t, std::unique_ptr<Home>> homes;
     std::unique_ptr<Home>& home = homes[groups];
-    if (!home)
+    if (!home) {
         home = std::make_unique<Home>(static_cast<int>(groups));
+    }
     return *home;
 }
 
@@ -57,12 +58,14 @@ void start(benchmark::State& state) {
     for (auto _ : state) {
         char* arguments[] = {program.data(), option.data(), picture.data(), nullptr};
         pid_t child = 0;
-        if (posix_spawn(&child, program.c_str(), nullptr, nullptr, arguments, environ) != 0)
+        if (posix_spawn(&child, program.c_str(), nullptr, nullptr, arguments, environ) != 0) {
             throw std::runtime_error("cannot start " + program);
+        }
         int status = 0;
         waitpid(child, &status, 0);
-        if (status != 0)
+        if (status != 0) {
             throw std::runtime_error(program + " failed");
+        }
     }
 }
 

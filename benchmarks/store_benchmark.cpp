@@ -25,9 +25,10 @@ constexpr int kRepetitions = 5;
 constexpr int kPictureSide = 64; // 64 x 64 pixels of 24 bits: 12342 bytes
 
 void put(std::vector<std::byte>& bytes, std::size_t at, std::uint32_t value, int count) {
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         bytes[at + static_cast<std::size_t>(i)] =
             static_cast<std::byte>((value >> (8U * static_cast<unsigned>(i))) & 0xFFU);
+    }
 }
 
 // A bitmap file of noise, so that no layer can profit from its content.
@@ -44,8 +45,9 @@ std::vector<std::byte> makeBitmap() {
     put(bytes, 26, 1, 2);
     put(bytes, 28, 24, 2);
     std::mt19937 noise(7);
-    for (std::size_t i = kHeader; i < bytes.size(); ++i)
+    for (std::size_t i = kHeader; i < bytes.size(); ++i) {
         bytes[i] = static_cast<std::byte>(noise() & 0xFFU);
+    }
     return bytes;
 }
 
@@ -127,16 +129,18 @@ struct Setup {
 Setup& setupOf(std::int64_t count) {
     static std::map<std::int64_t, std::unique_ptr<Setup>> setups;
     std::unique_ptr<Setup>& setup = setups[count];
-    if (!setup)
+    if (!setup) {
         setup = std::make_unique<Setup>(static_cast<int>(count));
+    }
     return *setup;
 }
 
 void addDurablyStore(benchmark::State& state) {
     Setup& setup = setupOf(state.range(0));
-    for (auto _ : state)
+    for (auto _ : state) {
         store::addPicture(setup.library, setup.group, {base::fromUtf8(nameOf(setup.next++))},
                           setup.source);
+    }
 }
 
 void addDurablyFolder(benchmark::State& state) {
@@ -162,14 +166,16 @@ void addDurablyDatabase(benchmark::State& state) {
 
 void listStore(benchmark::State& state) {
     Setup& setup = setupOf(state.range(0));
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(store::listPictures(setup.library, setup.group).size());
+    }
 }
 
 void listDatabase(benchmark::State& state) {
     Setup& setup = setupOf(state.range(0));
-    for (auto _ : state)
+    for (auto _ : state) {
         benchmark::DoNotOptimize(setup.database.list());
+    }
 }
 
 void readOneStore(benchmark::State& state) {

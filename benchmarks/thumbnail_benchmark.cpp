@@ -89,8 +89,9 @@ void pageOfThumbnails(benchmark::State& state) {
         QObject::connect(&loader, &browser::ThumbnailLoader::loaded, &loop,
                          [&](int, const QString&, const QImage& image) {
                              shown += image.isNull() ? 0 : 1;
-                             if (shown == kPictures)
+                             if (shown == kPictures) {
                                  loop.quit();
+                             }
                          });
         loader.start(photographs.library,
                      {photographs.address, photographs.names, std::nullopt, kArea, 1});
@@ -104,8 +105,9 @@ void oneAfterTheOther(benchmark::State& state) {
         for (const store::PictureName& name : photographs.names) {
             const auto bytes =
                 store::readPicture(photographs.library, photographs.address, name).bytes;
-            if (browser::fitted(picture::decode(bytes), kArea, 1).isNull())
+            if (browser::fitted(picture::decode(bytes), kArea, 1).isNull()) {
                 throw std::runtime_error("a picture was not decoded");
+            }
         }
     }
 }

@@ -135,8 +135,9 @@ std::vector<Group> vessels() {
 
 std::vector<Group> catalogue() {
     std::vector<Group> groups = pumps();
-    for (auto part : {valves(), vessels()})
+    for (auto part : {valves(), vessels()}) {
         std::move(part.begin(), part.end(), std::back_inserter(groups));
+    }
     groups.push_back(states());
     return groups;
 }

@@ -32,14 +32,16 @@ void flange(Sketch& sketch, const QRectF& box, const Colours& colours) {
 
 void boltCircle(Sketch& sketch, QPointF centre, double radius, int count) {
     sketch.noLine().fill(kInk);
-    for (int bolt = 0; bolt < count; ++bolt)
+    for (int bolt = 0; bolt < count; ++bolt) {
         sketch.circle(around(centre, radius, 360.0 * bolt / count + 22.5), 1.5);
+    }
 }
 
 Drawing mirrored(Drawing drawing) {
     for (auto& shape : drawing.shapes) {
-        for (auto& point : shape.points)
+        for (auto& point : shape.points) {
             point.setX(drawing.size.width() - point.x());
+        }
         if (shape.outline == Outline::Ellipse) {
             const double left = shape.points[1].x();
             shape.points[1].setX(shape.points[0].x());
@@ -92,8 +94,9 @@ Drawing meteringPump(const Colours& body) {
     feet(sketch, {12, 88, 76, 7});
     sketch.lyingCylinder({8, 42, 38, 42}, body, 6);
     sketch.line(body.dark, Sketch::kFine);
-    for (const double rib : steps(15, 42, 6))
+    for (const double rib : steps(15, 42, 6)) {
         sketch.polyline({{rib, 47}, {rib, 79}});
+    }
     casing(sketch, {27, 34}, 12, kSteel);
     sketch.line(kInk, Sketch::kFine).polyline({{27, 34}, {33, 27}});
     sketch.uprightCylinder({63, 14, 12, 74}, kSteel, 1);
@@ -116,8 +119,9 @@ Drawing gearPump(const Colours& body) {
         std::vector<QPointF> teeth;
         for (int tooth = 0; tooth < 8; ++tooth) {
             for (const auto& [radius, degrees] :
-                 {std::pair{14.0, -15.0}, {19.0, -9.0}, {19.0, 9.0}, {14.0, 15.0}})
+                 {std::pair{14.0, -15.0}, {19.0, -9.0}, {19.0, 9.0}, {14.0, 15.0}}) {
                 teeth.push_back(around(centre, radius, 45.0 * tooth + shift + degrees));
+            }
         }
         sketch.line(kInk, 1.8).fill(kSteel.base).polygon(teeth);
         sketch.fill(body.dark).circle(centre, 5);
@@ -130,15 +134,17 @@ Drawing submersiblePump(const Colours& body) {
     sketch.line(kInk, 3).noFill().arc({38, 2, 24, 18}, 180, 360);
     sketch.uprightCylinder({30, 12, 40, 54}, body, 7);
     sketch.line(body.dark, Sketch::kFine);
-    for (const double rib : steps(22, 62, 7))
+    for (const double rib : steps(22, 62, 7)) {
         sketch.polyline({{34, rib}, {66, rib}});
+    }
     sketch.line(kInk).fill(body.dark).polygon(
         {{30, 64}, {70, 64}, {80, 76}, {80, 86}, {20, 86}, {20, 76}});
     sketch.lyingCylinder({76, 68, 15, 15}, body);
     flange(sketch, {89, 63, 7, 25}, body);
     sketch.line(kInk).fill(kSteel.base);
-    for (const double foot : steps(24, 76, 22))
+    for (const double foot : steps(24, 76, 22)) {
         sketch.rect({foot, 86, 8, 10});
+    }
     return sketch.take();
 }
 
@@ -151,8 +157,9 @@ Drawing motor(const Colours& body) {
     sketch.lyingCylinder({96, 24, 28, 54}, body, 9);
     sketch.lyingCylinder({30, 20, 70, 62}, body, 5);
     sketch.line(body.dark, Sketch::kFine);
-    for (const double rib : steps(28, 76, 7))
+    for (const double rib : steps(28, 76, 7)) {
         sketch.polyline({{35, rib}, {95, rib}});
+    }
     sketch.line(kInk).fill(body.dark).roundedRect({50, 6, 30, 19}, 2.5);
     sketch.noLine().fill(body.light).rect({54, 10, 22, 3.4});
     sketch.line(kInk, Sketch::kFine).fill(kPaper).rect({52, 46, 26, 15});
@@ -196,8 +203,9 @@ Drawing compressor(const Colours& body) {
     sketch.place(motor(kSteel), {48, 20, 46, 35});
     sketch.uprightCylinder({16, 22, 26, 32}, body, 2);
     sketch.line(body.dark, Sketch::kFine);
-    for (const double rib : steps(28, 50, 5))
+    for (const double rib : steps(28, 50, 5)) {
         sketch.polyline({{19, rib}, {39, rib}});
+    }
     sketch.line(kInk).fill(body.dark).roundedRect({12, 14, 34, 10}, 2);
     sketch.line(kInk).noFill().polyline({{29, 14}, {29, 6}, {7, 6}, {7, 58}});
     sketch.line(kInk, Sketch::kFine).fill(kPaper).circle({50, 71}, 9);

@@ -34,8 +34,9 @@ QSize photographSize(int width, double height) {
 QByteArray icon(const Drawing& drawing, int largest) {
     std::vector<QImage> frames;
     for (const int side : {16, 24, 32, 48}) {
-        if (side <= largest)
+        if (side <= largest) {
             frames.push_back(rendered(drawing, {side, side}));
+        }
     }
     return iconOf(frames);
 }
@@ -54,44 +55,54 @@ QByteArray bitmap(const Drawing& drawing, const Entry& entry) {
 }
 
 QByteArray drawn(const Drawing& drawing, const Entry& entry, const QString& kind) {
-    if (kind == "wmf")
+    if (kind == "wmf") {
         return wmfOf(drawing, entry.width * kTwipsPerPixel);
-    if (kind == "emf")
+    }
+    if (kind == "emf") {
         return emfOf(drawing, entry.width * kTwipsPerPixel);
-    if (kind == "ico")
+    }
+    if (kind == "ico") {
         return icon(drawing, entry.width);
-    if (kind == "cur")
+    }
+    if (kind == "cur") {
         return cursorOf(rendered(drawing, {entry.width, entry.width}), {1, 1});
-    if (kind == "bmp")
+    }
+    if (kind == "bmp") {
         return bitmap(drawing, entry);
+    }
     if (kind == "gif") {
         const QImage picture = rendered(drawing, sizeOf(drawing, entry.width));
         return gifOf(reduced(picture, 256, Transparency::OneIndex));
     }
-    if (kind == "jpg")
+    if (kind == "jpg") {
         return jpgOf(studioShot(drawing, photographSize(entry.width, 0.75)), 88);
+    }
     throw std::invalid_argument("there is no picture of the kind " + kind.toStdString());
 }
 
 QByteArray bytesOf(const Entry& entry) {
-    if (const auto* daylight = std::get_if<Daylight>(&entry.content))
+    if (const auto* daylight = std::get_if<Daylight>(&entry.content)) {
         return jpgOf(plantScene(photographSize(entry.width, 0.625), *daylight), 86);
+    }
     return drawn(std::get<Drawing>(entry.content), entry, QFileInfo(entry.file).suffix());
 }
 
 void write(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
         throw std::runtime_error(path.toStdString() + ": " + file.errorString().toStdString());
+    }
 }
 
 void writeLibrary(const QString& folder) {
     for (const Group& group : catalogue()) {
         const QDir target(folder + "/" + group.folder);
-        if (!target.mkpath("."))
+        if (!target.mkpath(".")) {
             throw std::runtime_error("cannot make the folder " + target.path().toStdString());
-        for (const Entry& entry : group.entries)
+        }
+        for (const Entry& entry : group.entries) {
             write(target.filePath(entry.file), bytesOf(entry));
+        }
     }
 }
 

@@ -25,8 +25,9 @@ struct Sheet {
 
 Sheet sheetOf(const Drawing& drawing, int width) {
     const double height = width * drawing.size.height() / drawing.size.width();
-    if (std::max<double>(width, height) > std::numeric_limits<std::int16_t>::max())
+    if (std::max<double>(width, height) > std::numeric_limits<std::int16_t>::max()) {
         throw std::length_error("the drawing is too large for 16-bit coordinates");
+    }
     const QSize size(width, static_cast<int>(std::lround(height)));
     return {size, fitted(drawing, QRectF(QPointF(), QSizeF(size)), size)};
 }
@@ -121,13 +122,15 @@ void WmfRecorder::shape(const Shape& shape) {
     LittleEndian content;
     if (shape.outline == Outline::Ellipse) {
         // bottom, right, top, left: the parameters stand in reverse
-        for (const QPointF& corner : {shape.points.at(1), shape.points.at(0)})
+        for (const QPointF& corner : {shape.points.at(1), shape.points.at(0)}) {
             content.i16(rounded(corner.y())).i16(rounded(corner.x()));
+        }
         record(Function::Ellipse, content);
     } else {
         content.u16(static_cast<std::uint16_t>(shape.points.size()));
-        for (const QPointF& point : shape.points)
+        for (const QPointF& point : shape.points) {
             content.i16(rounded(point.x())).i16(rounded(point.y()));
+        }
         record(shape.outline == Outline::Polygon ? Function::Polygon : Function::Polyline, content);
     }
 }
@@ -223,17 +226,20 @@ void EmfRecorder::shape(const Shape& shape) {
         record(Type::Ellipse, content);
     } else {
         content.u32(static_cast<std::uint32_t>(shape.points.size()));
-        for (const QPointF& point : shape.points)
+        for (const QPointF& point : shape.points) {
             content.i16(rounded(point.x())).i16(rounded(point.y()));
+        }
         record(shape.outline == Outline::Polygon ? Type::Polygon16 : Type::Polyline16, content);
     }
     // An object in use must not be deleted, hence the stock ones first.
     record(Type::SelectObject, LittleEndian().u32(kStockNullPen));
     record(Type::SelectObject, LittleEndian().u32(kStockNullBrush));
-    if (drawsLine)
+    if (drawsLine) {
         record(Type::DeleteObject, LittleEndian().u32(kPen));
-    if (shape.fill.isValid())
+    }
+    if (shape.fill.isValid()) {
         record(Type::DeleteObject, LittleEndian().u32(kBrush));
+    }
 }
 
 QByteArray EmfRecorder::file(QSize size) const {
@@ -268,8 +274,9 @@ QByteArray wmfOf(const Drawing& drawing, int width) {
                     LittleEndian().i16(sheet.size.height()).i16(sheet.size.width()));
     recorder.record(Function::SetBackgroundMode, LittleEndian().u16(1));
     recorder.record(Function::SetPolygonFillMode, LittleEndian().u16(2));
-    for (const Shape& shape : sheet.drawing.shapes)
+    for (const Shape& shape : sheet.drawing.shapes) {
         recorder.shape(shape);
+    }
     recorder.record(Function::EndOfFile);
     return recorder.file(sheet.size);
 }
@@ -287,8 +294,9 @@ QByteArray emfOf(const Drawing& drawing, int width) {
                     LittleEndian().i32(sheet.size.width() / 15).i32(sheet.size.height() / 15));
     recorder.record(Type::SetBackgroundMode, LittleEndian().u32(1));
     recorder.record(Type::SetPolygonFillMode, LittleEndian().u32(2));
-    for (const Shape& shape : sheet.drawing.shapes)
+    for (const Shape& shape : sheet.drawing.shapes) {
         recorder.shape(shape);
+    }
     recorder.record(Type::EndOfFile, LittleEndian().u32(0).u32(16).u32(20));
     return recorder.file(sheet.size);
 }

@@ -106,8 +106,9 @@ void Scene::farBuildings() {
         haze.setAlpha(170);
         painter_.fillRect(QRectF(house * 8.6 - 2, 69 - height, 9.2, height), haze);
     }
-    for (const double chimney : {24.0, 29.0, 118.0})
+    for (const double chimney : {24.0, 29.0, 118.0}) {
         painter_.fillRect(QRectF(chimney, 36, 1.8, 33), haze);
+    }
 }
 
 void Scene::ground() {
@@ -125,15 +126,18 @@ void Scene::hall(const QRectF& box) {
     wall.setColorAt(1, QColor(0x86, 0x92, 0x9C));
     painter_.fillRect(box, wall);
     painter_.fillRect(QRectF(box.left(), box.top(), box.width(), 2.2), QColor(0x38, 0x5F, 0x88));
-    for (const double rib : steps(box.left() + 1.6, box.right(), 1.6))
+    for (const double rib : steps(box.left() + 1.6, box.right(), 1.6)) {
         painter_.fillRect(QRectF(rib, box.top() + 2.2, 0.25, box.height() - 2.2),
                           QColor(30, 40, 50, 46));
+    }
     const QColor glass(0x4A, 0x66, 0x7E);
-    for (const double window : steps(box.left() + 4, box.right() - 6, 8.4))
+    for (const double window : steps(box.left() + 4, box.right() - 6, 8.4)) {
         painter_.fillRect(QRectF(window, box.top() + 7, 6, 4.2), glass);
+    }
     painter_.fillRect(QRectF(box.left() + 6, box.bottom() - 12, 12, 12), QColor(0x5C, 0x68, 0x73));
-    for (const double slat : steps(box.bottom() - 11, box.bottom(), 1.5))
+    for (const double slat : steps(box.bottom() - 11, box.bottom(), 1.5)) {
         painter_.fillRect(QRectF(box.left() + 6, slat, 12, 0.3), QColor(20, 28, 36, 90));
+    }
 }
 
 void Scene::pipeBridge() {

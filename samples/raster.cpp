@@ -65,13 +65,16 @@ std::vector<QRgb> commonColours(const std::map<QRgb, int>& counts, std::size_t l
     std::vector<QRgb> palette;
     const int apart = counts.size() <= limit ? 0 : limit <= 16 ? 1200 : 90;
     for (const auto& [colour, count] : byCount) {
-        if (palette.size() == limit)
+        if (palette.size() == limit) {
             break;
-        if (palette.empty() || distance(palette[nearest(palette, colour)], colour) > apart)
+        }
+        if (palette.empty() || distance(palette[nearest(palette, colour)], colour) > apart) {
             palette.push_back(colour);
+        }
     }
-    if (palette.empty())
+    if (palette.empty()) {
         palette.push_back(qRgb(255, 255, 255));
+    }
     return palette;
 }
 
@@ -82,8 +85,9 @@ QImage rendered(const Drawing& drawing, QSize pixels) {
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     const Drawing placed = fitted(drawing, QRectF(QPointF(), pixels), pixels);
-    for (const Shape& shape : placed.shapes)
+    for (const Shape& shape : placed.shapes) {
         paintShape(painter, shape);
+    }
     painter.end();
     return image.convertToFormat(QImage::Format_ARGB32);
 }
@@ -105,8 +109,9 @@ IndexedPicture reduced(const QImage& picture, int colours, Transparency transpar
     std::map<QRgb, int> counts;
     for (int y = 0; y < flat.height(); ++y) {
         for (int x = 0; x < flat.width(); ++x) {
-            if (!clear(x, y))
+            if (!clear(x, y)) {
                 ++counts[flat.pixel(x, y) | 0xFF000000U];
+            }
         }
     }
     IndexedPicture result;
@@ -119,12 +124,14 @@ IndexedPicture reduced(const QImage& picture, int colours, Transparency transpar
         result.palette.push_back(qRgb(255, 255, 255));
     }
     std::map<QRgb, unsigned char> known;
-    for (const auto& [colour, count] : counts)
+    for (const auto& [colour, count] : counts) {
         known[colour] = static_cast<unsigned char>(nearest(opaque, colour));
+    }
     for (int y = 0; y < flat.height(); ++y) {
-        for (int x = 0; x < flat.width(); ++x)
+        for (int x = 0; x < flat.width(); ++x) {
             result.pixels.push_back(clear(x, y) ? static_cast<unsigned char>(result.transparent)
                                                 : known.at(flat.pixel(x, y) | 0xFF000000U));
+        }
     }
     return result;
 }
@@ -155,8 +162,9 @@ QImage studioShot(const Drawing& drawing, QSize pixels) {
     painter.setBrush(shadow);
     painter.drawEllipse(QRectF(-1, -1, 2, 2));
     painter.restore();
-    for (const Shape& shape : placed.shapes)
+    for (const Shape& shape : placed.shapes) {
         paintShape(painter, shape);
+    }
     return image;
 }
 

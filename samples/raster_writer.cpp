@@ -35,8 +35,9 @@ QByteArray bmpFile(const LittleEndian& head, const LittleEndian& pixels) {
 
 // Rows of a bitmap are padded to whole groups of four bytes.
 void padRow(LittleEndian& bytes, std::size_t rowBytes) {
-    for (; rowBytes % 4 != 0; ++rowBytes)
+    for (; rowBytes % 4 != 0; ++rowBytes) {
         bytes.u8(0);
+    }
 }
 
 // The bitmap in an icon: twice the height, colours with alpha, then the mask for old readers.
@@ -45,14 +46,16 @@ QByteArray iconFrame(const QImage& picture) {
     LittleEndian frame;
     putInfoHeader(frame, {image.width(), image.height() * 2}, 32, 0);
     for (int y = image.height() - 1; y >= 0; --y) {
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             frame.u32(image.pixel(x, y));
+        }
     }
     for (int y = image.height() - 1; y >= 0; --y) {
         for (int left = 0; left < image.width(); left += 8) {
             unsigned bits = 0;
-            for (int x = left; x < left + 8; ++x)
+            for (int x = left; x < left + 8; ++x) {
                 bits = bits << 1 | (x < image.width() && qAlpha(image.pixel(x, y)) < 128 ? 1U : 0U);
+            }
             frame.u8(static_cast<std::uint8_t>(bits));
         }
         padRow(frame, static_cast<std::size_t>((image.width() + 7) / 8));
@@ -85,8 +88,9 @@ QByteArray iconFile(std::uint16_t type, const std::vector<Frame>& frames) {
 }
 
 void demand(bool success, const char* step, int error) {
-    if (success)
+    if (success) {
         return;
+    }
     const char* cause = GifErrorString(error);
     throw std::runtime_error(std::string(step) + ": " + (cause != nullptr ? cause : "no cause"));
 }
@@ -101,8 +105,9 @@ using ColourMap = std::unique_ptr<ColorMapObject, decltype(&GifFreeMapObject)>;
 // giflib wants a power of two.
 ColourMap colourMapOf(const IndexedPicture& picture) {
     int count = 2;
-    while (static_cast<std::size_t>(count) < picture.palette.size())
+    while (static_cast<std::size_t>(count) < picture.palette.size()) {
         count *= 2;
+    }
     ColourMap map(GifMakeMapObject(count, nullptr), &GifFreeMapObject);
     demand(map != nullptr, "making the colour map", E_GIF_ERR_NOT_ENOUGH_MEM);
     for (std::size_t index = 0; index < picture.palette.size(); ++index) {
@@ -146,8 +151,9 @@ QByteArray trueColourBmp(const QImage& picture) {
     for (int y = image.height() - 1; y >= 0; --y) {
         for (int x = 0; x < image.width(); ++x) {
             const QRgb colour = image.pixel(x, y);
-            for (const int part : {qBlue(colour), qGreen(colour), qRed(colour)})
+            for (const int part : {qBlue(colour), qGreen(colour), qRed(colour)}) {
                 pixels.u8(static_cast<std::uint8_t>(part));
+            }
         }
         padRow(pixels, static_cast<std::size_t>(image.width()) * 3);
     }
@@ -158,8 +164,9 @@ QByteArray paletteBmp(const IndexedPicture& picture) {
     const bool small = picture.palette.size() <= 16;
     LittleEndian head;
     putInfoHeader(head, picture.size, small ? 4 : 8, picture.palette.size());
-    for (const QRgb colour : picture.palette)
+    for (const QRgb colour : picture.palette) {
         head.u32(colour & 0x00FFFFFFU);
+    }
     LittleEndian pixels;
     const auto width = static_cast<std::size_t>(picture.size.width());
     for (int y = picture.size.height() - 1; y >= 0; --y) {
@@ -176,8 +183,9 @@ QByteArray paletteBmp(const IndexedPicture& picture) {
 QByteArray iconOf(const std::vector<QImage>& pictures) {
     std::vector<Frame> frames;
     frames.reserve(pictures.size());
-    for (const QImage& picture : pictures)
+    for (const QImage& picture : pictures) {
         frames.push_back({picture, 1, 32});
+    }
     return iconFile(1, frames);
 }
 
@@ -207,8 +215,9 @@ QByteArray jpgOf(const QImage& picture, int quality) {
     QImageWriter writer(&buffer, "jpg");
     writer.setQuality(quality);
     writer.setOptimizedWrite(true);
-    if (!buffer.open(QIODevice::WriteOnly) || !writer.write(picture))
+    if (!buffer.open(QIODevice::WriteOnly) || !writer.write(picture)) {
         throw std::runtime_error("writing a JPEG: " + writer.errorString().toStdString());
+    }
     return buffer.data();
 }
 

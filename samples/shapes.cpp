@@ -26,8 +26,9 @@ std::vector<QPointF> rectPoints(const QRectF& box) {
 
 std::vector<QPointF> roundedPoints(const QRectF& box, double radius) {
     const double side = 2 * std::min({radius, box.width() / 2, box.height() / 2});
-    if (side <= 0)
+    if (side <= 0) {
         return rectPoints(box);
+    }
     std::vector<QPointF> points;
     const auto corner = [&](double left, double top, double from) {
         const auto part = arcPoints({left, top, side, side}, from, from + 90);
@@ -45,10 +46,11 @@ std::vector<QPointF> band(const std::vector<QPointF>& outline, Qt::Orientation a
                           double high) {
     std::vector<QPointF> points = outline;
     for (auto& point : points) {
-        if (across == Qt::Horizontal)
+        if (across == Qt::Horizontal) {
             point.setX(std::clamp(point.x(), low, high));
-        else
+        } else {
             point.setY(std::clamp(point.y(), low, high));
+        }
     }
     return points;
 }
@@ -98,8 +100,9 @@ std::vector<double> steps(double from, double end, double step) {
     const int count = std::max(0, static_cast<int>(std::ceil((end - from) / step)));
     std::vector<double> values;
     values.reserve(static_cast<std::size_t>(count));
-    for (int index = 0; index < count; ++index)
+    for (int index = 0; index < count; ++index) {
         values.push_back(from + index * step);
+    }
     return values;
 }
 
@@ -111,8 +114,9 @@ Drawing fitted(const Drawing& drawing, const QRectF& box, QSizeF sheet) {
     Drawing result{sheet, drawing.shapes};
     for (auto& shape : result.shapes) {
         shape.lineWidth *= scale;
-        for (auto& point : shape.points)
+        for (auto& point : shape.points) {
             point = point * scale + origin;
+        }
     }
     return result;
 }
@@ -174,8 +178,9 @@ Sketch& Sketch::arc(const QRectF& box, double fromDegrees, double toDegrees) {
 
 Sketch& Sketch::letter(char letter, const QRectF& box) {
     for (auto& stroke : strokesOf(letter)) {
-        for (auto& point : stroke)
+        for (auto& point : stroke) {
             point = {box.left() + point.x() * box.width(), box.top() + point.y() * box.height()};
+        }
         polyline(stroke);
     }
     return *this;

@@ -110,15 +110,17 @@ Drawing ballValve(const Colours& body, Position position) {
     flangedBody(sketch, body);
     sketch.line(kInk, 1.8).fill(kSteel.light).circle({50, kAxis}, 20);
     sketch.fill(kWater.base);
-    if (position == Position::Open)
+    if (position == Position::Open) {
         sketch.rect({31.5, kAxis - 7.5, 37, 15});
-    else
+    } else {
         sketch.fill(kSteel.dark).rect({42.5, kAxis - 18.5, 15, 37});
+    }
     sketch.line(kInk).fill(body.dark);
-    if (position == Position::Open)
+    if (position == Position::Open) {
         sketch.roundedRect({42, 19, 54, 10}, 4);
-    else
+    } else {
         sketch.roundedRect({44, 2, 12, 32}, 4);
+    }
     return sketch.take();
 }
 
@@ -129,10 +131,11 @@ Drawing butterflyValve(const Colours& body, Position position) {
     sketch.line(kInk, 1.8).fill(position == Position::Open ? kWater.light : kPaper);
     sketch.circle({50, kAxis}, 20);
     sketch.fill(kSteel.dark);
-    if (position == Position::Open)
+    if (position == Position::Open) {
         sketch.roundedRect({31, kAxis - 3.5, 38, 7}, 3.5);
-    else
+    } else {
         sketch.roundedRect({46.5, kAxis - 19, 7, 38}, 3.5);
+    }
     sketch.line(kInk).fill(body.dark).roundedRect({26, 10, 48, 21}, 4);
     sketch.noLine().fill(body.light).roundedRect({31, 14, 38, 5}, 2);
     return sketch.take();
@@ -148,8 +151,9 @@ Drawing gauge(double share) {
     sketch.line(kGreen.base, 4).arc({22, 16, 56, 56}, 210, 318);
     sketch.line(kRed.base, 4).arc({22, 16, 56, 56}, 330, 390);
     sketch.line(kInk, Sketch::kFine);
-    for (int mark = 0; mark <= 8; ++mark)
+    for (int mark = 0; mark <= 8; ++mark) {
         sketch.polyline({onDial(centre, 25, mark / 8.0), onDial(centre, 31, mark / 8.0)});
+    }
     sketch.line(kInk, 3.4).polyline({onDial(centre, -7, share), onDial(centre, 23, share)});
     sketch.noLine().fill(kInk).circle(centre, 4.5);
     return sketch.take();
@@ -178,8 +182,9 @@ Drawing thermometer(double share) {
     sketch.noLine().roundedRect({45.5, top, 9, 80 - top}, 4.5);
     sketch.fill(kRed.light).circle({45, 76}, 4);
     sketch.line(kInk, Sketch::kFine);
-    for (int mark = 0; mark <= 6; ++mark)
+    for (int mark = 0; mark <= 6; ++mark) {
         sketch.polyline({{66, 12 + 8.0 * mark}, {mark % 2 == 0 ? 78.0 : 73.0, 12 + 8.0 * mark}});
+    }
     return sketch.take();
 }
 

@@ -68,8 +68,9 @@ Drawing lyingTank(const Colours& body) {
     sketch.line(kInk).fill(kSteel.dark).roundedRect({63, 3, 26, 6}, 1.5);
     sketch.lyingCylinder({4, 16, 142, 58}, body, 22);
     sketch.line(body.dark, Sketch::kFine);
-    for (const double seam : {27.0, 75.0, 123.0})
+    for (const double seam : {27.0, 75.0, 123.0}) {
         sketch.polyline({{seam, 17.5}, {seam, 72.5}});
+    }
     sketch.line(kInk, Sketch::kFine)
         .fill(kAmber.base)
         .polygon({{99, 33}, {110, 44}, {99, 55}, {88, 44}});
@@ -85,8 +86,9 @@ Drawing silo(const Colours& body) {
     sketch.noLine().fill(body.light).polygon({{16, 64}, {26, 64}, {33, 84}, {30, 84}});
     sketch.uprightCylinder({9, 21, 52, 43}, body);
     sketch.line(body.dark, 1.2);
-    for (const double rib : steps(28, 62, 7))
+    for (const double rib : steps(28, 62, 7)) {
         sketch.polyline({{11, rib}, {59, rib}});
+    }
     sketch.line(kInk).fill(kSteel.base).rect({27, 88, 16, 7});
     return sketch.take();
 }
@@ -110,8 +112,9 @@ Drawing agitatorVessel(const Colours& body) {
 
 Drawing sphereTank(const Colours& body) {
     Sketch sketch;
-    for (const double left : {16.0, 34.0, 60.0, 78.0})
+    for (const double left : {16.0, 34.0, 60.0, 78.0}) {
         leg(sketch, left, 52, 98);
+    }
     sketch.line(kInk, Sketch::kFine).polyline({{19, 88}, {37, 66}}).polyline({{81, 88}, {63, 66}});
     sketch.noLine().fill(body.dark).circle({50, 43}, 38);
     sketch.fill(body.base).circle({46.5, 40.5}, 33.5);
@@ -137,8 +140,9 @@ Drawing tubeHeatExchanger(const Colours& body) {
     sketch.roundedRect({30, 12, 7, 54}, 1.5).roundedRect({114, 12, 7, 54}, 1.5);
     sketch.line(kInk, Sketch::kFine).fill(kPaper).roundedRect({46, 27, 59, 24}, 3);
     sketch.line(kRed.base, 2.2);
-    for (const double tube : steps(32, 50, 4.7))
+    for (const double tube : steps(32, 50, 4.7)) {
         sketch.polyline({{49, tube}, {102, tube}});
+    }
     return sketch.take();
 }
 
@@ -186,8 +190,9 @@ Drawing boiler(const Colours& body) {
     sketch.line(kInk).fill(kSteel.dark).rect({95, 1, 21, 5});
     sketch.lyingCylinder({12, 28, 108, 60}, body, 10);
     sketch.line(body.dark, Sketch::kFine);
-    for (const double seam : {66.0, 84.0, 102.0})
+    for (const double seam : {66.0, 84.0, 102.0}) {
         sketch.polyline({{seam, 29.5}, {seam, 86.5}});
+    }
     sketch.line(kInk).fill(kSteel.base).circle({37, 59}, 22);
     sketch.fill(QColor(0x3A, 0x2C, 0x2A)).circle({37, 59}, 16);
     flame(sketch, {37, 72}, 25);
@@ -215,8 +220,9 @@ Drawing coolingTower(const Colours& body) {
         {{62, 28}, {70.8, 28}, {67.8, 44}, {70.8, 62}, {78, 78}, {68, 78}, {62, 62}, {60, 44}});
     sketch.line(kInk).fill(body.dark).ellipse({28, 22, 44, 8});
     sketch.fill(kShade);
-    for (const double column : steps(16, 84, 13))
+    for (const double column : steps(16, 84, 13)) {
         sketch.polygon({{column, 82}, {column + 4, 82}, {column + 8, 94}, {column - 2, 94}});
+    }
     sketch.fill(kWater.base).roundedRect({6, 91, 88, 6}, 2);
     return sketch.take();
 }
@@ -232,8 +238,9 @@ Drawing conveyor(const Colours& body) {
     sketch.line(kInk).fill(QColor(0x4A, 0x55, 0x60)).roundedRect({3, 30, 144, 24}, 12);
     sketch.fill(body.base).roundedRect({7, 34, 136, 16}, 8);
     sketch.line(kInk, Sketch::kFine).fill(kSteel.light);
-    for (const double roller : steps(15, 140, 20))
+    for (const double roller : steps(15, 140, 20)) {
         sketch.circle({roller, 42}, 6);
+    }
     return sketch.take();
 }
 
@@ -247,8 +254,9 @@ Drawing screwConveyor(const Colours& body) {
     sketch.line(kInk, Sketch::kFine).fill(kPaper).roundedRect({16, 31, 92, 22}, 3);
     sketch.line(kInk, 2.4).polyline({{16, 42}, {124, 42}});
     sketch.line(kInk, Sketch::kFine).fill(kSteel.base);
-    for (const double turn : steps(20, 96, 13))
+    for (const double turn : steps(20, 96, 13)) {
         sketch.polygon({{turn, 33}, {turn + 5, 33}, {turn + 12, 51}, {turn + 7, 51}});
+    }
     sketch.place(motor(kBlue), {112, 26, 38, 29});
     return sketch.take();
 }

@@ -39,20 +39,23 @@ void Job::startWork(std::function<void()> work, std::function<void()> take) {
 void Job::doWork(const std::shared_ptr<Link>& link, const std::function<void()>& work) {
     {
         const std::lock_guard lock(link->mutex);
-        if (link->job == nullptr)
+        if (link->job == nullptr) {
             return;
+        }
     }
     work();
     const std::lock_guard lock(link->mutex);
-    if (link->job == nullptr)
+    if (link->job == nullptr) {
         return;
+    }
     // An event for an object that goes meanwhile is never delivered; one for a request that was
     // dropped is recognised by its link.
     QMetaObject::invokeMethod(
         link->job,
         [job = link->job, link] {
-            if (job->link_ == link)
+            if (job->link_ == link) {
                 job->end();
+            }
         },
         Qt::QueuedConnection);
 }

@@ -49,8 +49,9 @@ class Running {
     ~Running() {
         running = nullptr;
         for (const Waiting& next : std::exchange(waiting, {})) {
-            if (next.context)
+            if (next.context) {
                 QMetaObject::invokeMethod(next.context, next.then, Qt::QueuedConnection);
+            }
         }
     }
     Running(const Running&) = delete;
@@ -106,11 +107,13 @@ void runLong(const LongOperation& operation, QWidget* owner,
             Qt::QueuedConnection);
     });
     waitWithoutWindow(loop, operation.patience);
-    if (!hasEnded)
+    if (!hasEnded) {
         waitWithWindow(loop, operation, owner, progress);
+    }
     thread.join();
-    if (failure)
+    if (failure) {
         std::rethrow_exception(failure);
+    }
 }
 
 bool isLongOperationRunning() {

@@ -48,9 +48,11 @@ std::vector<Answer> answersOf(Buttons buttons) {
 }
 
 const ButtonKind& kindOf(Answer answer) {
-    for (const ButtonKind& kind : kButtonKinds)
-        if (kind.answer == answer)
+    for (const ButtonKind& kind : kButtonKinds) {
+        if (kind.answer == answer) {
             return kind;
+        }
+    }
     return kButtonKinds.front();
 }
 
@@ -81,9 +83,11 @@ int showBox(const QString& text, Buttons buttons, const QString& title, QWidget*
     leaveRoomForTitle(box);
     box.exec();
     const QMessageBox::StandardButton pressed = box.standardButton(box.clickedButton());
-    for (const Answer answer : answers)
-        if (kindOf(answer).standard == pressed)
+    for (const Answer answer : answers) {
+        if (kindOf(answer).standard == pressed) {
             return answer;
+        }
+    }
     return answers.back();
 }
 
@@ -135,24 +139,28 @@ bool saysItAll(compound::ErrorCode code) {
 } // namespace
 
 int msgBox(const QString& text, Buttons buttons, const QString& title, QWidget* owner) {
-    if (currentHandler())
+    if (currentHandler()) {
         return currentHandler()(text, buttons, title, owner);
+    }
     return showBox(text, buttons, title, owner);
 }
 
 QString errorText(const compound::Error& error) {
     QString result;
-    if (!error.file().empty())
+    if (!error.file().empty()) {
         result = QString::fromStdU16String(base::fromPath(error.file())) + u'\n';
+    }
     result += text(failureText(error.code()));
-    if (!error.cause().empty() && !saysItAll(error.code()))
+    if (!error.cause().empty() && !saysItAll(error.code())) {
         result += QStringLiteral(" (%1)").arg(QString::fromStdString(error.cause()));
+    }
     return result;
 }
 
 QString errorText(const std::exception& error) {
-    if (const auto* known = dynamic_cast<const compound::Error*>(&error))
+    if (const auto* known = dynamic_cast<const compound::Error*>(&error)) {
         return errorText(*known);
+    }
     return text(failureText(compound::ErrorCode::Failed)) +
            QStringLiteral(" (%1)").arg(QString::fromLocal8Bit(error.what()));
 }

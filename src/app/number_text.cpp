@@ -32,8 +32,9 @@ QString cutBehindComma(const QString& number, int digits) {
 }
 
 QChar decimalSeparator() {
-    if (overriddenSeparator)
+    if (overriddenSeparator) {
         return *overriddenSeparator;
+    }
     const QString separator = QLocale::system().decimalPoint();
     return separator.size() == 1 ? separator.at(0) : QChar(u'.');
 }

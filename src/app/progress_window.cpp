@@ -65,13 +65,15 @@ void ProgressWindow::showProgress(std::uint64_t done, std::uint64_t total) {
                            : total > 0 ? text(kFinishing)
                                        : QString());
     }
-    if (cmdAbbruch_ != nullptr && total > 0 && !isCounting)
+    if (cmdAbbruch_ != nullptr && total > 0 && !isCounting) {
         cmdAbbruch_->setEnabled(false);
+    }
 }
 
 void ProgressWindow::reject() {
-    if (cmdAbbruch_ == nullptr || !cmdAbbruch_->isEnabled())
+    if (cmdAbbruch_ == nullptr || !cmdAbbruch_->isEnabled()) {
         return;
+    }
     cmdAbbruch_->setEnabled(false);
     lblMenge_->setText(text(kStops));
     emit stopWanted();

@@ -85,8 +85,9 @@ QString Settings::readCommon() const {
 // Without it nobody could make a first group on a fresh account. The user who configured another
 // folder shall notice when it is missing. A failure shows when the folder is used.
 void Settings::createDefaultStoragesFolder() const {
-    if (storagesFolder_ == kDefaultCommon + kStoragesSuffix)
+    if (storagesFolder_ == kDefaultCommon + kStoragesSuffix) {
         (void)QDir().mkpath(platform::nativePath(storagesFolder_));
+    }
 }
 
 Settings& settings() {

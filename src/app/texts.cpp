@@ -48,8 +48,9 @@ int languageOffset() {
 
 QString text(int id) {
     const auto found = table().constFind(keyOf(id, languageOffset()));
-    if (found != table().constEnd())
+    if (found != table().constEnd()) {
         return *found;
+    }
     return QStringLiteral("Resource ") + QString::number(id) + QStringLiteral(" not found");
 }
 

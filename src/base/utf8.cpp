@@ -13,21 +13,25 @@ struct Decoded {
 Decoded decodeAt(std::string_view bytes, std::size_t at) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(bytes[index]); };
     const unsigned char lead = byte(at);
-    if (lead < 0x80)
+    if (lead < 0x80) {
         return {lead, 1};
+    }
     const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || at + length > bytes.size())
+    if (lead < 0xC2 || lead > 0xF4 || at + length > bytes.size()) {
         return {};
+    }
     char32_t point = lead & (0xFFU >> (length + 1));
     for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(at + i) & 0xC0U) != 0x80)
+        if ((byte(at + i) & 0xC0U) != 0x80) {
             return {};
+        }
         point = (point << 6U) | (byte(at + i) & 0x3FU);
     }
     const bool overlong = (length == 3 && point < 0x800) || (length == 4 && point < 0x10000);
     const bool surrogate = point >= 0xD800 && point <= 0xDFFF;
-    if (overlong || surrogate || point > 0x10FFFF)
+    if (overlong || surrogate || point > 0x10FFFF) {
         return {};
+    }
     return {point, length};
 }
 
@@ -56,8 +60,9 @@ void appendUtf8(std::string& text, char32_t point) {
         follow(12);
         follow(6);
     }
-    if (point >= 0x80)
+    if (point >= 0x80) {
         follow(0);
+    }
 }
 
 std::u16string fromUtf8(std::string_view bytes) {

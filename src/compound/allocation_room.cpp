@@ -15,8 +15,9 @@ std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count
     for (std::uint32_t at = 0; at < perSector_; ++at) {
         const std::uint32_t sector = index * perSector_ + at;
         if (range.at(at) == kFreeSector && sector < count && isUsable(sector) &&
-            (which == Free::AfterCommit || !pending_.contains(sector)))
+            (which == Free::AfterCommit || !pending_.contains(sector))) {
             ++free;
+        }
     }
     return free > kKeptForFat ? free - kKeptForFat : 0;
 }
@@ -27,8 +28,9 @@ std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count,
     std::uint64_t found = 0;
     for (const bool isLoaded : {true, false}) {
         for (std::size_t index = ranges_.size(); index-- > 0 && found < wanted;) {
-            if ((ranges_[index] != nullptr) == isLoaded)
+            if ((ranges_[index] != nullptr) == isLoaded) {
                 found += usableIn(static_cast<std::uint32_t>(index), count, which);
+            }
         }
     }
     return found;
@@ -47,20 +49,24 @@ void AllocationTable::lengthen(std::uint64_t sectors, std::uint64_t more) {
     try {
         lengthenFreely(sectors, more);
     } catch (...) {
-        if (staysInside)
+        if (staysInside) {
             setInsideLimit(file_.count());
+        }
         throw;
     }
-    if (staysInside)
+    if (staysInside) {
         setInsideLimit(file_.count());
+    }
 }
 
 void AllocationTable::lengthenFreely(std::uint64_t sectors, std::uint64_t more) {
     std::uint64_t end = file_.count() + sectors;
-    for (; end > std::uint64_t{ranges_.size()} * perSector_; ++end)
+    for (; end > std::uint64_t{ranges_.size()} * perSector_; ++end) {
         addRange(); // whose FAT sector lies in it
-    if (end > limit())
+    }
+    if (end > limit()) {
         throwFull();
+    }
     const std::uint64_t most =
         std::min<std::uint64_t>(std::uint64_t{ranges_.size()} * perSector_, limit());
     const std::uint64_t tried = std::min(end + more, most);
@@ -68,8 +74,9 @@ void AllocationTable::lengthenFreely(std::uint64_t sectors, std::uint64_t more) 
     try {
         file_.extend(static_cast<std::uint32_t>(tried));
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::NoSpace || tried == end)
+        if (error.code() != ErrorCode::NoSpace || tried == end) {
             throw;
+        }
         file_.extend(static_cast<std::uint32_t>(end));
     }
 }
@@ -79,15 +86,18 @@ void AllocationTable::lengthenFreely(std::uint64_t sectors, std::uint64_t more) 
 void AllocationTable::provide(std::uint64_t wanted, Free which) {
     constexpr std::uint64_t kLongestStep = 1024;
     const bool isNow = which == Free::Now;
-    if (isNow && provided_ >= wanted)
+    if (isNow && provided_ >= wanted) {
         return;
+    }
     for (;;) {
         const std::uint64_t found =
             usable(isNow ? 2 * wanted + step_ : wanted, file_.count(), which);
-        if (isNow)
+        if (isNow) {
             provided_ = found;
-        if (found >= wanted)
+        }
+        if (found >= wanted) {
             return;
+        }
         lengthen(wanted - found, isNow ? step_ : 0);
         step_ = std::min(kLongestStep, 2 * step_ + 16);
     }

@@ -21,54 +21,64 @@ AllocationTable::AllocationTable(SectorFile& file, Header& header)
 // --- reading ------------------------------------------------------------------------------------
 
 void AllocationTable::loadDifat() {
-    if (difatLoaded_)
+    if (difatLoaded_) {
         return;
+    }
     fatSectors_.clear();
     difatSectors_.clear();
     bool ended = false;
     const auto take = [&](std::uint32_t sector) {
-        if (sector == kFreeSector || sector == kEndOfChain)
+        if (sector == kFreeSector || sector == kEndOfChain) {
             ended = true;
-        if (ended)
+        }
+        if (ended) {
             return;
-        if (sector < file_.count())
+        }
+        if (sector < file_.count()) {
             fatSectors_.push_back(sector);
-        else if (fatSectors_.size() < header_.fatSectors)
+        } else if (fatSectors_.size() < header_.fatSectors) {
             file_.throwDamaged("FAT sector " + std::to_string(fatSectors_.size()) +
                                " lies outside the file");
-        else
+        } else {
             ended = true;
+        }
     };
-    for (const std::uint32_t sector : header_.difat)
+    for (const std::uint32_t sector : header_.difat) {
         take(sector);
+    }
     std::vector<std::byte> bytes(file_.sectorSize());
     // Some writers end the chain with "free" instead of "end of chain".
     for (std::uint32_t at = header_.firstDifat; at != kEndOfChain && at != kFreeSector;) {
-        if (difatSectors_.size() >= file_.count() || fatSectors_.size() > file_.count())
+        if (difatSectors_.size() >= file_.count() || fatSectors_.size() > file_.count()) {
             file_.throwDamaged("the DIFAT is longer than the file");
+        }
         file_.read(at, bytes);
         difatSectors_.push_back(at);
-        for (std::uint32_t i = 0; i + 1 < perSector_; ++i)
+        for (std::uint32_t i = 0; i + 1 < perSector_; ++i) {
             take(read32(bytes.data() + std::size_t{4} * i));
+        }
         at = read32(bytes.data() + std::size_t{4} * (perSector_ - 1));
     }
     ranges_.resize(fatSectors_.size());
     tables_.clear();
     for (const std::vector<std::uint32_t>* sectors : {&fatSectors_, &difatSectors_}) {
-        for (const std::uint32_t sector : *sectors)
+        for (const std::uint32_t sector : *sectors) {
             tables_.insert(sector);
+        }
     }
     difatLoaded_ = true;
 }
 
 AllocationTable::Range& AllocationTable::load(std::uint32_t index) {
     loadDifat();
-    if (index >= ranges_.size())
+    if (index >= ranges_.size()) {
         file_.throwDamaged("sector " + std::to_string(std::uint64_t{index} * perSector_) +
                            " has no FAT sector");
+    }
     std::unique_ptr<Range>& range = ranges_[index];
-    if (range)
+    if (range) {
         return *range;
+    }
     auto loaded = std::make_unique<Range>();
     loaded->bytes.resize(file_.sectorSize());
     file_.read(fatSectors_[index], loaded->bytes);
@@ -95,9 +105,10 @@ std::uint32_t AllocationTable::entry(std::uint32_t sector) {
 
 std::uint32_t AllocationTable::next(std::uint32_t sector) {
     const std::uint32_t value = entry(sector);
-    if (value != kEndOfChain && value > kMaximumSector)
+    if (value != kEndOfChain && value > kMaximumSector) {
         file_.throwDamaged("a chain runs into sector " + std::to_string(sector) +
                            ", which is in no chain");
+    }
     return value;
 }
 
@@ -114,9 +125,10 @@ const std::vector<std::uint32_t>& AllocationTable::difatSectors() {
 // --- taking and freeing -------------------------------------------------------------------------
 
 std::uint32_t AllocationTable::limit() const {
-    if (header_.majorVersion == 3)
+    if (header_.majorVersion == 3) {
         return std::min(insideLimit_,
                         static_cast<std::uint32_t>(kVersion3Limit / file_.sectorSize()) - 1);
+    }
     return insideLimit_;
 }
 
@@ -149,29 +161,34 @@ std::uint32_t AllocationTable::take(std::uint32_t sector) {
 // The range lock is marked before a file of `end` sectors can reach it.
 void AllocationTable::markRangeLock(std::uint64_t end) {
     const std::uint32_t lock = rangeLock();
-    if (lock != kNone && end > lock - kTailBeforeLock && covers(lock) && entry(lock) == kFreeSector)
+    if (lock != kNone && end > lock - kTailBeforeLock && covers(lock) &&
+        entry(lock) == kFreeSector) {
         set(lock, kEndOfChain);
+    }
 }
 
 // A free sector of the range, from its entry `from` on and then from its start; kNone when no more
 // than `reserve` are left.
 std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
                                         std::uint32_t reserve) {
-    if (freeIn(index) <= reserve)
+    if (freeIn(index) <= reserve) {
         return kNone;
+    }
     const Range& range = load(index);
     for (std::uint32_t i = 0; i < perSector_; ++i) {
         const std::uint32_t at = (from + i) % perSector_;
         const std::uint32_t sector = index * perSector_ + at;
-        if (range.at(at) == kFreeSector && isUsable(sector) && !pending_.contains(sector))
+        if (range.at(at) == kFreeSector && isUsable(sector) && !pending_.contains(sector)) {
             return sector;
+        }
     }
     return kNone;
 }
 
 void AllocationTable::throwFull() const {
-    if (insideLimit_ != kMaximumSector)
+    if (insideLimit_ != kMaximumSector) {
         throw Error(ErrorCode::NoSpace, file_.disk().path(), "the disk is full");
+    }
     throw Error(ErrorCode::TooLarge, file_.disk().path(),
                 "the file has reached the greatest size of its format");
 }
@@ -179,8 +196,9 @@ void AllocationTable::throwFull() const {
 void AllocationTable::addRange() {
     loadDifat();
     const std::uint64_t first = std::uint64_t{ranges_.size()} * perSector_;
-    if (first >= limit())
+    if (first >= limit()) {
         throwFull();
+    }
     auto range = std::make_unique<Range>();
     range->bytes.assign(file_.sectorSize(), std::byte{0xFF}); // all free
     range->dirty = range->moved = true;
@@ -198,8 +216,9 @@ void AllocationTable::addRange() {
 
 // Free sectors of a range that are left when one is taken for `purpose`.
 std::uint32_t AllocationTable::kept(Purpose purpose) const {
-    if (purpose == Purpose::Fat)
+    if (purpose == Purpose::Fat) {
         return 0;
+    }
     const bool isFull = insideLimit_ != kMaximumSector;
     return purpose == Purpose::Move || isFull ? kKeptForFat : kKeptForMoving;
 }
@@ -208,8 +227,9 @@ std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
     try {
         return allocateOnce(near, purpose);
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::NoSpace || !stayInside())
+        if (error.code() != ErrorCode::NoSpace || !stayInside()) {
             throw;
+        }
     }
     return allocateOnce(near, purpose);
 }
@@ -219,16 +239,19 @@ std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose)
     const std::uint32_t home = near < kMaximumSector ? near / perSector_ : 0;
     if (home < ranges_.size()) {
         const std::uint32_t found = findFree(home, 0, kept(purpose));
-        if (found != kNone)
+        if (found != kNone) {
             return takePlaced(found);
+        }
     }
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         // Only what is in memory anyway, and the last one, in which the file can grow.
-        if (!ranges_[index] && index + 1 != ranges_.size() && canGrow())
+        if (!ranges_[index] && index + 1 != ranges_.size() && canGrow()) {
             continue;
+        }
         const std::uint32_t found = findFree(index, 0, std::max(kept(purpose), kKeptForFat));
-        if (found != kNone)
+        if (found != kNone) {
             return takePlaced(found);
+        }
     }
     addRange();
     return takePlaced(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat));
@@ -251,27 +274,32 @@ std::uint32_t AllocationTable::chooseDataRange() {
     const auto count = static_cast<std::uint32_t>(ranges_.size());
     for (std::uint32_t i = 0; i < std::min(kLooks, count - 1); ++i) {
         const std::uint32_t index = (header_.transaction * kLooks + i) % (count - 1);
-        if (freeIn(index) > metadataEnd(index) + perSector_ / 16)
+        if (freeIn(index) > metadataEnd(index) + perSector_ / 16) {
             return index;
+        }
     }
     return count - 1;
 }
 
 std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
     loadDifat();
-    if (ranges_.empty())
+    if (ranges_.empty()) {
         addRange();
-    if (previous == kEndOfChain)
+    }
+    if (previous == kEndOfChain) {
         previous = dataHint_ != kNone ? dataHint_ : chooseDataRange() * perSector_;
+    }
     const std::uint32_t index =
         std::min(previous / perSector_, static_cast<std::uint32_t>(ranges_.size() - 1));
     std::uint32_t found = findFreeForData(index, previous % perSector_);
-    if (found == kNone)
+    if (found == kNone) {
         found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
+    }
     for (; found == kNone && !canGrow() && scannedTo_ < ranges_.size(); ++scannedTo_) {
         found = findFreeForData(scannedTo_, 0);
-        if (found != kNone)
+        if (found != kNone) {
             break;
+        }
     }
     while (found == kNone) {
         addRange();
@@ -286,8 +314,9 @@ std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_
     const std::uint32_t first = index * perSector_ + metadataEnd(index);
     const std::uint32_t reserve = kept(Purpose::Growth);
     std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), reserve);
-    if (found != kNone && found < first) // the search has wrapped
+    if (found != kNone && found < first) { // the search has wrapped
         found = findFree(index, metadataEnd(index), reserve);
+    }
     return found != kNone && found < first ? kNone : found;
 }
 
@@ -299,21 +328,24 @@ std::uint32_t AllocationTable::metadataEnd(std::uint32_t index) const {
 }
 
 bool AllocationTable::stayInside() {
-    if (insideLimit_ != kMaximumSector)
+    if (insideLimit_ != kMaximumSector) {
         return false;
+    }
     setInsideLimit(file_.count());
     return true;
 }
 
 void AllocationTable::setInsideLimit(std::uint32_t limit) {
-    if (limit == insideLimit_)
+    if (limit == insideLimit_) {
         return;
+    }
     insideLimit_ = limit;
     scannedTo_ = 0;
     provided_ = 0;
     for (const std::unique_ptr<Range>& range : ranges_) {
-        if (range)
+        if (range) {
             range->free.reset(); // others may be taken now
+        }
     }
 }
 
@@ -328,8 +360,9 @@ void AllocationTable::release(std::uint32_t sector) {
         pending_.insert(sector);
         return;
     }
-    if (range.free)
+    if (range.free) {
         ++*range.free;
+    }
     scannedTo_ = std::min(scannedTo_, sector / perSector_);
 }
 
@@ -360,22 +393,27 @@ void AllocationTable::touchDifat(std::uint32_t fatIndex) {
 
 void AllocationTable::mark(std::uint32_t sector, std::uint32_t as) {
     const std::uint32_t found = entry(sector);
-    if (found == as)
+    if (found == as) {
         return;
-    if (found <= kMaximumSector || found == kEndOfChain)
+    }
+    if (found <= kMaximumSector || found == kEndOfChain) {
         file_.throwDamaged("a chain runs through sector " + std::to_string(sector) +
                            ", which belongs to the FAT");
-    if (found == kFreeSector && isUsable(sector))
+    }
+    if (found == kFreeSector && isUsable(sector)) {
         --freeIn(sector / perSector_);
+    }
     set(sector, as);
 }
 
 void AllocationTable::makeSound() {
     loadDifat();
-    for (const std::uint32_t sector : fatSectors_)
+    for (const std::uint32_t sector : fatSectors_) {
         mark(sector, kFatSector);
-    for (const std::uint32_t sector : difatSectors_)
+    }
+    for (const std::uint32_t sector : difatSectors_) {
         mark(sector, kDifatSector);
+    }
     difatTouched_ = static_cast<std::uint32_t>(fatSectors_.size());
 }
 
@@ -383,8 +421,9 @@ void AllocationTable::makeSound() {
 bool AllocationTable::moveFatSectors() {
     bool any = false;
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        if (!ranges_[index] || !ranges_[index]->dirty || ranges_[index]->moved)
+        if (!ranges_[index] || !ranges_[index]->dirty || ranges_[index]->moved) {
             continue;
+        }
         any = ranges_[index]->moved = true;
         const std::uint32_t place = allocate(index * perSector_, Purpose::Fat);
         markTable(place, kFatSector);
@@ -451,19 +490,23 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
         const std::uint32_t own = fatSectors_[index];
         for (std::uint32_t at = 0; at < perSector_; ++at) {
             const std::uint32_t sector = index * perSector_ + at;
-            if (ranges_[index]->at(at) != kFreeSector && sector != own && sector != rangeLock())
+            if (ranges_[index]->at(at) != kFreeSector && sector != own && sector != rangeLock()) {
                 return;
+            }
         }
-        if (own / perSector_ != index)
+        if (own / perSector_ != index) {
             return; // another program's arrangement
-        if (missing(reserve, index * perSector_, Free::AfterCommit) > 0)
+        }
+        if (missing(reserve, index * perSector_, Free::AfterCommit) > 0) {
             return;
+        }
         releaseTable(own);
         fatSectors_.pop_back();
         ranges_.pop_back();
         touchDifat(index == 0 ? 0 : index - 1);
-        if (index > 0)
+        if (index > 0) {
             load(index - 1).dirty = true; // looked at next; it is cheap to write
+        }
     }
 }
 
@@ -476,26 +519,31 @@ void AllocationTable::writeOut(std::uint64_t reserve) {
         again = moveDifat() || again;
     }
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        if (ranges_[index] && ranges_[index]->dirty)
+        if (ranges_[index] && ranges_[index]->dirty) {
             writeRange(index);
+        }
     }
-    for (std::size_t index = 0; index < difatMoved_; ++index)
+    for (std::size_t index = 0; index < difatMoved_; ++index) {
         writeDifatSector(index);
+    }
     header_.fatSectors = static_cast<std::uint32_t>(fatSectors_.size());
     header_.difatSectors = static_cast<std::uint32_t>(difatSectors_.size());
     header_.firstDifat = difatSectors_.empty() ? kEndOfChain : difatSectors_.front();
-    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i)
+    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i) {
         header_.difat[i] = i < fatSectors_.size() ? fatSectors_[i] : kFreeSector;
+    }
 }
 
 void AllocationTable::committed() {
     pending_.clear();
     fresh_.clear();
     for (const std::unique_ptr<Range>& range : ranges_) {
-        if (!range)
+        if (!range) {
             continue;
-        if (range->dirty)
+        }
+        if (range->dirty) {
             range->free.reset(); // what was freed counts now
+        }
         range->dirty = range->moved = false;
     }
     difatTouched_ = 0;
@@ -514,8 +562,9 @@ std::uint32_t AllocationTable::usedEnd() {
         const Range& range = load(static_cast<std::uint32_t>(index));
         for (std::uint32_t at = perSector_; at-- > 0;) {
             const std::uint32_t sector = static_cast<std::uint32_t>(index) * perSector_ + at;
-            if (range.at(at) != kFreeSector && sector != rangeLock())
+            if (range.at(at) != kFreeSector && sector != rangeLock()) {
                 return sector + 1;
+            }
         }
     }
     return 0;

@@ -37,8 +37,9 @@ class Checker {
         guarded("directory", [&] { checkUnreachedEntries(); });
         guarded("FAT", [&] { checkOrphans(); });
         guarded("mini FAT", [&] { checkMiniOrphans(); });
-        if (findings_.empty())
+        if (findings_.empty()) {
             guarded("file", [&] { checkTail(); });
+        }
         return std::move(findings_);
     }
 
@@ -49,8 +50,9 @@ class Checker {
     };
 
     void find(std::string where, std::string what) {
-        if (findings_.size() < kMostFindings)
+        if (findings_.size() < kMostFindings) {
             findings_.push_back({std::move(where), std::move(what)});
+        }
     }
 
     // What a part cannot be walked for is a finding, and the next part is walked.
@@ -81,28 +83,34 @@ class Checker {
         AllocationTable& table = file_.table();
         const Header& header = file_.header();
         const auto checkMark = [&](const char* where, std::uint32_t sector, std::uint32_t mark) {
-            if (claim(where, sector) && table.entry(sector) != mark)
+            if (claim(where, sector) && table.entry(sector) != mark) {
                 find(where, "sector " + std::to_string(sector) + " is not marked as one of it");
+            }
         };
-        for (const std::uint32_t sector : table.fatSectors())
+        for (const std::uint32_t sector : table.fatSectors()) {
             checkMark("FAT", sector, kFatSector);
-        for (const std::uint32_t sector : table.difatSectors())
+        }
+        for (const std::uint32_t sector : table.difatSectors()) {
             checkMark("DIFAT", sector, kDifatSector);
-        if (table.fatSectors().size() != header.fatSectors)
+        }
+        if (table.fatSectors().size() != header.fatSectors) {
             find("header", "it counts " + std::to_string(header.fatSectors) + " FAT sectors, not " +
                                std::to_string(table.fatSectors().size()));
-        if (table.difatSectors().size() != header.difatSectors)
+        }
+        if (table.difatSectors().size() != header.difatSectors) {
             find("header", "it counts " + std::to_string(header.difatSectors) +
                                " DIFAT sectors, not " +
                                std::to_string(table.difatSectors().size()));
+        }
     }
 
     // Claims a chain; returns its length. Stops at what another chain has claimed.
     std::uint64_t markChain(const std::string& where, std::uint32_t first) {
         std::uint64_t length = 0;
         for (std::uint32_t at = first; at != kEndOfChain; at = file_.table().next(at)) {
-            if (!claim(where, at))
+            if (!claim(where, at)) {
                 return length;
+            }
             ++length;
         }
         return length;
@@ -111,27 +119,31 @@ class Checker {
     void checkHeaderCounts() {
         const Header& header = file_.header();
         const std::uint32_t pages = file_.directoryChain().count();
-        if (header.directorySectors != (header.majorVersion == 3 ? 0 : pages))
+        if (header.directorySectors != (header.majorVersion == 3 ? 0 : pages)) {
             find("header", "its number of directory sectors is wrong");
+        }
     }
 
     void markMiniTables() {
         const Header& header = file_.header();
         const std::uint64_t pages =
             header.firstMiniFat > kMaximumSector ? 0 : markChain("mini FAT", header.firstMiniFat);
-        if (pages != header.miniFatSectors)
+        if (pages != header.miniFatSectors) {
             find("header", "its number of mini FAT sectors is wrong");
+        }
         const std::uint64_t size = file_.directory().size(DirectoryEntries::kRoot);
         if (size > 0) {
             const std::uint64_t held =
                 markChain("mini stream", file_.directory().start(DirectoryEntries::kRoot)) *
                 file_.file().sectorSize();
-            if (size > held || size + file_.file().sectorSize() <= held)
+            if (size > held || size + file_.file().sectorSize() <= held) {
                 find("mini stream", "its chain does not fit its size");
+            }
         }
         miniOwned_.assign(file_.mini().count(), false);
-        if (std::uint64_t{file_.mini().count()} * 4 > pages * file_.file().sectorSize())
+        if (std::uint64_t{file_.mini().count()} * 4 > pages * file_.file().sectorSize()) {
             find("mini FAT", "it is too short for the mini stream");
+        }
     }
 
     void checkTree() {
@@ -142,8 +154,9 @@ class Checker {
             return;
         }
         reached_[DirectoryEntries::kRoot] = true;
-        if (directory.type(DirectoryEntries::kRoot) != EntryType::Root)
+        if (directory.type(DirectoryEntries::kRoot) != EntryType::Root) {
             find("directory", "its first entry is not the root");
+        }
         std::vector<Node> open{{DirectoryEntries::kRoot, ""}};
         while (!open.empty()) {
             const Node storage = std::move(open.back());
@@ -166,32 +179,39 @@ class Checker {
             const std::u16string name = directory.name(id);
             const std::string path =
                 (storage.path.empty() ? "" : storage.path + "/") + shownName(name);
-            if (!previous.empty() && compareNames(previous, name) > 0)
+            if (!previous.empty() && compareNames(previous, name) > 0) {
                 find(path, "it stands in the wrong place of its storage's order");
-            if (const auto [other, isFirst] = names.emplace(name, path); !isFirst)
+            }
+            if (const auto [other, isFirst] = names.emplace(name, path); !isFirst) {
                 find(path, "it bears the same name as " + other->second);
-            if (!isLegalName(name))
+            }
+            if (!isLegalName(name)) {
                 find(path, "its name is not allowed");
+            }
             previous = name;
-            if (directory.type(id) == EntryType::Stream)
+            if (directory.type(id) == EntryType::Stream) {
                 guarded(path.c_str(), [&] { checkStream(path, id); });
-            else
+            } else {
                 open.push_back({id, path});
+            }
         }
-        if (!RedBlackTree(directory, storage.id).hasSoundColours())
+        if (!RedBlackTree(directory, storage.id).hasSoundColours()) {
             find(where, "the colours of its tree are wrong");
+        }
     }
 
     void checkStream(const std::string& path, EntryId id) {
         const std::uint64_t size = file_.directory().size(id);
         const std::uint32_t start = file_.directory().start(id);
-        if (size == 0)
+        if (size == 0) {
             return;
+        }
         const bool mini = size < kMiniStreamCutoff;
         const std::uint64_t unit = mini ? kMiniSectorSize : file_.file().sectorSize();
         const std::uint64_t length = mini ? markMiniChain(path, start) : markChain(path, start);
-        if (length != (size + unit - 1) / unit)
+        if (length != (size + unit - 1) / unit) {
             find(path, "its chain does not fit its size of " + std::to_string(size) + " bytes");
+        }
     }
 
     std::uint64_t markMiniChain(const std::string& where, std::uint32_t first) {
@@ -212,8 +232,9 @@ class Checker {
         for (std::size_t id = 0; id < reached_.size(); ++id) {
             const auto type = std::to_integer<std::uint8_t>(
                 file_.directory().raw(static_cast<EntryId>(id))[entry::kTypeAt]);
-            if (!reached_[id] && type != 0)
+            if (!reached_[id] && type != 0) {
                 find("directory", "entry " + std::to_string(id) + " is in no storage");
+            }
         }
     }
 
@@ -223,8 +244,9 @@ class Checker {
             const std::uint32_t value =
                 file_.table().covers(sector) ? file_.table().entry(sector) : kFreeSector;
             if (sector == lock) {
-                if (value != kEndOfChain)
+                if (value != kEndOfChain) {
                     find("FAT", "the range-lock sector is not marked");
+                }
             } else if (owned_[sector] == (value == kFreeSector)) {
                 find("FAT", "sector " + std::to_string(sector) +
                                 (owned_[sector] ? " is used, but marked free"
@@ -237,20 +259,22 @@ class Checker {
     void checkTail() {
         const std::uint32_t needed = file_.neededEnd();
         const std::uint32_t count = file_.file().count();
-        if (count > needed)
+        if (count > needed) {
             findings_.push_back({"file",
                                  "its last " + std::to_string(count - needed) +
                                      " sectors are unused and go with the next change",
                                  Severity::Remark});
+        }
     }
 
     void checkMiniOrphans() {
         for (std::uint32_t mini = 0; mini < miniOwned_.size(); ++mini) {
             const std::uint32_t value = file_.mini().entry(mini);
-            if (miniOwned_[mini] == (value == kFreeSector))
+            if (miniOwned_[mini] == (value == kFreeSector)) {
                 find("mini FAT", "mini sector " + std::to_string(mini) +
                                      (miniOwned_[mini] ? " is used, but marked free"
                                                        : " is marked as used, but in no chain"));
+            }
         }
     }
 

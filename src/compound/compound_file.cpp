@@ -18,9 +18,10 @@ using namespace format;
 namespace {
 
 void requireLegal(FileState& file, std::u16string_view name) {
-    if (!isLegalName(name))
+    if (!isLegalName(name)) {
         throw Error(ErrorCode::InvalidName, file.file().disk().path(),
                     "\"" + shownName(name) + "\" cannot name a storage or stream");
+    }
 }
 
 Error notFound(FileState& file, std::u16string_view name) {
@@ -41,8 +42,9 @@ Element elementOf(Directory& directory, EntryId id) {
 
 EntryId require(FileState& file, EntryId storage, std::u16string_view name, EntryType type) {
     const auto id = file.directory().find(storage, name);
-    if (!id || file.directory().type(*id) != type)
+    if (!id || file.directory().type(*id) != type) {
         throw notFound(file, name);
+    }
     return *id;
 }
 
@@ -72,19 +74,22 @@ void destroyTree(FileState& file, EntryId parent, EntryId id) {
             }
         }
     }
-    for (std::size_t i = emptied.size(); i-- > 0;)
+    for (std::size_t i = emptied.size(); i-- > 0;) {
         directory.remove(emptied[i].parent, emptied[i].id);
+    }
 }
 
 EntryId createElement(FileState& file, EntryId storage, std::u16string_view name, EntryType type,
                       IfExists ifExists) {
     requireLegal(file, name);
     const auto existing = file.directory().find(storage, name);
-    if (existing && ifExists == IfExists::Refuse)
+    if (existing && ifExists == IfExists::Refuse) {
         throw alreadyThere(file, name);
+    }
     const FileState::Change change(file);
-    if (existing)
+    if (existing) {
         destroyTree(file, storage, *existing);
+    }
     return file.directory().insert(storage, name, type);
 }
 
@@ -122,15 +127,17 @@ ElementCursor::ElementCursor(FileState* file, EntryId storage) : file_(file), st
 
 void ElementCursor::descend(EntryId id) {
     for (; id != kNoEntry; id = file_->directory().left(id)) {
-        if (++seen_ > file_->directory().bound())
+        if (++seen_ > file_->directory().bound()) {
             file_->file().throwDamaged("the directory runs in a ring");
+        }
         path_.push_back(id);
     }
 }
 
 bool ElementCursor::next(Element& element) {
-    if (path_.empty())
+    if (path_.empty()) {
         return false;
+    }
     const EntryId id = path_.back();
     path_.pop_back();
     Directory::Walked walked{std::move(element), kNoEntry}; // its name's memory serves again
@@ -171,8 +178,9 @@ Stream Storage::openStream(std::u16string_view name) const {
 }
 
 Stream Storage::openStream(const Element& element) const {
-    if (element.kind != ElementKind::Stream)
+    if (element.kind != ElementKind::Stream) {
         throw notFound(*file_, element.name);
+    }
     return {file_, element.id};
 }
 
@@ -187,19 +195,22 @@ Stream Storage::createStream(std::u16string_view name, IfExists ifExists) {
 void Storage::rename(std::u16string_view from, std::u16string_view to) {
     requireLegal(*file_, to);
     const auto id = file_->directory().find(id_, from);
-    if (!id)
+    if (!id) {
         throw notFound(*file_, from);
+    }
     const auto taken = file_->directory().find(id_, to);
-    if (taken && *taken != *id)
+    if (taken && *taken != *id) {
         throw alreadyThere(*file_, to);
+    }
     const FileState::Change change(*file_);
     file_->directory().rename(id_, *id, to);
 }
 
 void Storage::destroy(std::u16string_view name) {
     const auto id = file_->directory().find(id_, name);
-    if (!id)
+    if (!id) {
         throw notFound(*file_, name);
+    }
     const FileState::Change change(*file_);
     destroyTree(*file_, id_, *id);
 }
@@ -215,8 +226,9 @@ CompoundFile& CompoundFile::operator=(CompoundFile&&) noexcept = default;
 CompoundFile::~CompoundFile() {
     // A state in which something has just gone wrong is not worth keeping, nor is a writer's.
     if (!state_ || !cache_ || !state_->identity() || std::uncaught_exceptions() > 0 ||
-        state_->access() != Access::Read)
+        state_->access() != Access::Read) {
         return;
+    }
     try {
         const FileIdentity identity = *state_->identity();
         cache_->keep(identity, std::move(state_));
@@ -229,14 +241,16 @@ CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, R
     const Header header = readHeader(*file);
     const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
     std::unique_ptr<FileState> state;
-    if (identity && access == Access::Read)
+    if (identity && access == Access::Read) {
         state = cache->take(*identity, header);
+    }
     if (state) {
         state->file().setDisk(std::move(file));
     } else {
         state = std::make_unique<FileState>(std::move(file), header, access, false);
-        if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt)
+        if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt) {
             state->recall(*known);
+        }
     }
     state->setIdentity(identity);
     return {std::move(state), cache};
@@ -251,11 +265,13 @@ CompoundFile CompoundFile::create(std::unique_ptr<DiskFile> file, SectorSize sec
 
 bool CompoundFile::hasSignature(DiskFile& file) {
     std::array<std::byte, kSignature.size()> bytes{};
-    if (file.read(0, bytes) != bytes.size())
+    if (file.read(0, bytes) != bytes.size()) {
         return false;
+    }
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (std::to_integer<std::uint8_t>(bytes[i]) != kSignature[i])
+        if (std::to_integer<std::uint8_t>(bytes[i]) != kSignature[i]) {
             return false;
+        }
     }
     return true;
 }
@@ -265,23 +281,27 @@ Storage CompoundFile::root() {
 }
 
 void CompoundFile::commit() {
-    if (!state_->hasChanges())
+    if (!state_->hasChanges()) {
         return;
-    if (cache_ && state_->identity())
+    }
+    if (cache_ && state_->identity()) {
         cache_->forget(*state_->identity());
+    }
     state_->commit();
     rememberCommit();
 }
 
 // The commit is done: what goes wrong here costs the next transaction some time only.
 void CompoundFile::rememberCommit() noexcept {
-    if (!cache_ || !state_->identity())
+    if (!cache_ || !state_->identity()) {
         return;
+    }
     try {
         const bool isThere = disk().isStillAtPath();
         const auto identity = isThere ? disk().identity() : std::nullopt;
-        if (identity)
+        if (identity) {
             cache_->remember({*identity, state_->header(), state_->directory().soundStorages()});
+        }
     } catch (const std::exception&) {
         return;
     }

@@ -27,8 +27,9 @@ struct Copier {
         for (std::uint64_t done = 0; done < size; done += chunk.size()) {
             chunk.resize(from.content().read(source, done, chunk));
             to.content().append(target, chunk);
-            if (tell)
+            if (tell) {
                 tell(chunk.size());
+            }
         }
     }
 
@@ -42,12 +43,14 @@ struct Copier {
     std::u16string freeName(EntryId into, std::u16string name) const {
         for (unsigned number = 2;; ++number) {
             std::u16string suffix = u" (";
-            for (const char digit : std::to_string(number))
+            for (const char digit : std::to_string(number)) {
                 suffix += static_cast<char16_t>(digit);
+            }
             suffix += u')';
             const std::u16string tried = name.substr(0, kMaximumNameUnits - suffix.size()) + suffix;
-            if (!to.directory().find(into, tried))
+            if (!to.directory().find(into, tried)) {
                 return tried;
+            }
         }
     }
 
@@ -62,15 +65,17 @@ struct Copier {
         std::u16string previous;
         for (const EntryId element : elements) {
             std::u16string name = directory.name(element);
-            if (compareNames(previous, name) == 0)
+            if (compareNames(previous, name) == 0) {
                 others.push_back(element);
-            else
+            } else {
                 copied(element, copyElement(element, target, name));
+            }
             previous = std::move(name);
         }
-        for (const EntryId element : others)
+        for (const EntryId element : others) {
             copied(element,
                    copyElement(element, target, freeName(target, directory.name(element))));
+        }
     }
 
     void copyBelow(EntryId sourceRoot, EntryId targetRoot) const {
@@ -80,12 +85,14 @@ struct Copier {
             const auto [source, target] = open.back();
             open.pop_back();
             copyElements(source, target, [&](EntryId element, EntryId copy) {
-                if (++seen > from.directory().bound())
+                if (++seen > from.directory().bound()) {
                     from.file().throwDamaged("the directory runs in a ring");
-                if (from.directory().type(element) == EntryType::Stream)
+                }
+                if (from.directory().type(element) == EntryType::Stream) {
                     copyStream(element, copy);
-                else
+                } else {
                     open.emplace_back(element, copy);
+                }
             });
         }
     }

@@ -34,8 +34,9 @@ void Directory::createRoot() {
 std::optional<EntryId> Directory::freeEntryOn(std::uint32_t page) {
     const std::byte* const bytes = chain_.read(page);
     for (std::uint32_t i = 0; i < perPage_; ++i) {
-        if (isFree(bytes + kEntrySize * i))
+        if (isFree(bytes + kEntrySize * i)) {
             return page * perPage_ + i;
+        }
     }
     return std::nullopt;
 }
@@ -50,17 +51,21 @@ EntryId Directory::takeFreeEntry() {
         freed_.pop_back();
     }
     const std::uint32_t pages = chain_.count();
-    if (!id && pages > 0)
+    if (!id && pages > 0) {
         id = freeEntryOn(pages - 1);
-    for (std::uint32_t look = 0; !id && look < std::min(kLooks, pages); ++look)
+    }
+    for (std::uint32_t look = 0; !id && look < std::min(kLooks, pages); ++look) {
         id = freeEntryOn((file_.count() * kLooks + look) % pages);
-    if (!id)
+    }
+    if (!id) {
         id = chain_.append(std::byte{0}) * perPage_;
+    }
     std::byte* const page = chain_.write(*id / perPage_);
     for (std::uint32_t i = 0; i < perPage_; ++i) {
         std::byte* const at = page + kEntrySize * i;
-        if (isFree(at))
+        if (isFree(at)) {
             clear(at);
+        }
     }
     return *id;
 }
@@ -70,8 +75,9 @@ EntryId Directory::takeFreeEntry() {
 std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name) {
     EntryId at = child(storage);
     for (std::uint64_t steps = 0; at != kNoEntry; ++steps) {
-        if (steps > bound())
+        if (steps > bound()) {
             file_.throwDamaged("the directory runs in a ring");
+        }
         const int order = compare(name, at);
         if (order == 0) {
             reach(storage, at);
@@ -102,12 +108,14 @@ std::optional<EntryId> Directory::findAnywhere(EntryId storage, std::u16string_v
 }
 
 void Directory::reach(EntryId storage, EntryId id) {
-    if (storageOf_.size() <= id)
+    if (storageOf_.size() <= id) {
         storageOf_.resize(std::max<std::size_t>(std::size_t{id} + 1, 2 * storageOf_.size()),
                           kNoEntry);
+    }
     EntryId& known = storageOf_[id];
-    if (known != kNoEntry && known != storage)
+    if (known != kNoEntry && known != storage) {
         file_.throwDamaged("directory entry " + std::to_string(id) + " lies in two storages");
+    }
     known = storage;
 }
 
@@ -117,8 +125,9 @@ EntryId Directory::insert(EntryId storage, std::u16string_view name, EntryType t
     setName(id, name);
     change(id)[entry::kTypeAt] = static_cast<std::byte>(type);
     setContent(id, type == EntryType::Stream ? kEndOfChain : 0, 0);
-    if (type == EntryType::Storage)
+    if (type == EntryType::Storage) {
         sound_.insert(id);
+    }
     link(storage, id);
     reach(storage, id);
     return id;
@@ -126,19 +135,22 @@ EntryId Directory::insert(EntryId storage, std::u16string_view name, EntryType t
 
 void Directory::link(EntryId storage, EntryId id) {
     walked_.erase(storage);
-    if (RedBlackTree(*this, storage).insert(id))
+    if (RedBlackTree(*this, storage).insert(id)) {
         return;
+    }
     std::vector<EntryId> all = elements(storage);
-    if (std::find(all.begin(), all.end(), id) == all.end())
+    if (std::find(all.begin(), all.end(), id) == all.end()) {
         all.push_back(id);
+    }
     rebuild(storage, std::move(all));
 }
 
 // A tree that turns out not to be sound on the way still holds all its elements: it is rebuilt.
 void Directory::unlink(EntryId storage, EntryId id) {
     walked_.erase(storage);
-    if (RedBlackTree(*this, storage).remove(id))
+    if (RedBlackTree(*this, storage).remove(id)) {
         return;
+    }
     std::vector<EntryId> rest = elements(storage);
     rest.erase(std::remove(rest.begin(), rest.end(), id), rest.end());
     rebuild(storage, std::move(rest));
@@ -149,8 +161,9 @@ void Directory::remove(EntryId storage, EntryId id) {
     sound_.erase(id);
     walked_.erase(id);
     clear(change(id));
-    if (id < storageOf_.size())
+    if (id < storageOf_.size()) {
         storageOf_[id] = kNoEntry;
+    }
     freed_.push_back(id);
 }
 
@@ -167,8 +180,9 @@ std::vector<EntryId> Directory::elements(EntryId storage) {
     std::uint64_t seen = 0;
     const auto descend = [&](EntryId id) {
         for (; id != kNoEntry; id = left(id)) {
-            if (++seen > bound())
+            if (++seen > bound()) {
                 file_.throwDamaged("the directory runs in a ring");
+            }
             open.push_back(id);
         }
     };
@@ -187,22 +201,25 @@ std::vector<EntryId> Directory::elements(EntryId storage) {
 // Elements that bear one name, which only another program can have written, may stand side by side.
 bool Directory::isSound(EntryId storage, const std::vector<EntryId>& walked) {
     for (std::size_t i = 1; i < walked.size(); ++i) {
-        if (compare(name(walked[i - 1]), walked[i]) > 0)
+        if (compare(name(walked[i - 1]), walked[i]) > 0) {
             return false;
+        }
     }
     return RedBlackTree(*this, storage).hasSoundColours();
 }
 
 void Directory::makeSound(EntryId storage, std::vector<EntryId> walked) {
-    if (isSound(storage, walked))
+    if (isSound(storage, walked)) {
         sound_.insert(storage);
-    else
+    } else {
         rebuild(storage, std::move(walked));
+    }
 }
 
 void Directory::requireSound(EntryId storage) {
-    if (!sound_.contains(storage))
+    if (!sound_.contains(storage)) {
         makeSound(storage, elements(storage));
+    }
 }
 
 void Directory::makeSound() {
@@ -213,10 +230,12 @@ void Directory::makeSound() {
         open.pop_back();
         std::vector<EntryId> walked = elements(storage);
         for (const EntryId id : walked) {
-            if (!seen.insert(id).second)
+            if (!seen.insert(id).second) {
                 file_.throwDamaged("the directory's trees cross at entry " + std::to_string(id));
-            if (type(id) == EntryType::Storage)
+            }
+            if (type(id) == EntryType::Storage) {
                 open.push_back(id);
+            }
         }
         makeSound(storage, std::move(walked));
     }
@@ -225,8 +244,9 @@ void Directory::makeSound() {
 void Directory::sortByName(std::vector<EntryId>& ids) {
     std::vector<std::pair<std::u16string, std::size_t>> named; // with their places in `ids`
     named.reserve(ids.size());
-    for (const EntryId id : ids)
+    for (const EntryId id : ids) {
         named.emplace_back(name(id), named.size());
+    }
     std::sort(named.begin(), named.end(), [](const auto& one, const auto& other) {
         const int order = compareNames(one.first, other.first);
         return order != 0 ? order < 0 : one < other;

@@ -26,8 +26,9 @@ std::size_t unitsOf(const std::byte* raw) {
 
 void readName(const std::byte* raw, std::u16string& text) {
     text.resize(unitsOf(raw));
-    for (std::size_t i = 0; i < text.size(); ++i)
+    for (std::size_t i = 0; i < text.size(); ++i) {
         text[i] = static_cast<char16_t>(read16(raw + entry::kNameAt + 2 * i));
+    }
 }
 
 } // namespace
@@ -57,8 +58,9 @@ const std::byte* DirectoryEntries::element(EntryId id) {
     const bool known = id == kRoot ? type == EntryType::Root
                                    : type == EntryType::Storage || type == EntryType::Stream;
     const std::uint16_t nameBytes = read16(at + entry::kNameBytesAt);
-    if (!known || nameBytes < 4 || nameBytes > 64 || nameBytes % 2 != 0)
+    if (!known || nameBytes < 4 || nameBytes > 64 || nameBytes % 2 != 0) {
         file_.throwDamaged("directory entry " + std::to_string(id) + " is no element");
+    }
     return at;
 }
 
@@ -101,8 +103,9 @@ std::uint32_t DirectoryEntries::start(EntryId id) {
 
 EntryId DirectoryEntries::link(EntryId id, std::size_t at) {
     const EntryId value = read32(element(id) + at);
-    if (value == kRoot)
+    if (value == kRoot) {
         throwDamaged("directory entry " + std::to_string(id) + " leads back to the root");
+    }
     return value;
 }
 
@@ -118,14 +121,16 @@ void DirectoryEntries::setContent(EntryId id, std::uint32_t start, std::uint64_t
 }
 
 void DirectoryEntries::setLink(EntryId id, std::size_t at, EntryId value) {
-    if (link(id, at) != value)
+    if (link(id, at) != value) {
         write32(change(id) + at, value);
+    }
 }
 
 void DirectoryEntries::setColour(EntryId id, Colour colour) {
     const auto value = static_cast<std::byte>(colour);
-    if (element(id)[entry::kColourAt] != value)
+    if (element(id)[entry::kColourAt] != value) {
         change(id)[entry::kColourAt] = value;
+    }
 }
 
 std::vector<std::byte> DirectoryEntries::attributes(EntryId id) {
@@ -134,36 +139,41 @@ std::vector<std::byte> DirectoryEntries::attributes(EntryId id) {
 }
 
 void DirectoryEntries::setAttributes(EntryId id, const std::vector<std::byte>& attributes) {
-    if (attributes != this->attributes(id))
+    if (attributes != this->attributes(id)) {
         std::copy(attributes.begin(), attributes.end(), change(id) + kAttributesAt);
+    }
 }
 
 void DirectoryEntries::setName(EntryId id, std::u16string_view name) {
     std::byte* const at = change(id);
     std::memset(at + entry::kNameAt, 0, 64);
-    for (std::size_t i = 0; i < name.size(); ++i)
+    for (std::size_t i = 0; i < name.size(); ++i) {
         write16(at + entry::kNameAt + 2 * i, name[i]);
+    }
     write16(at + entry::kNameBytesAt, static_cast<std::uint16_t>(2 * name.size() + 2));
 }
 
 int DirectoryEntries::compare(std::u16string_view name, EntryId id) {
     const std::byte* const at = element(id);
     const std::size_t units = unitsOf(at);
-    if (name.size() != units)
+    if (name.size() != units) {
         return name.size() < units ? -1 : 1;
+    }
     for (std::size_t i = 0; i < units; ++i) {
         const auto other = static_cast<char16_t>(read16(at + entry::kNameAt + 2 * i));
         const int difference = name[i] == other ? 0 : int{toUpper(name[i])} - int{toUpper(other)};
-        if (difference != 0)
+        if (difference != 0) {
             return difference;
+        }
     }
     return 0;
 }
 
 void DirectoryEntries::clear(std::byte* at) {
     std::memset(at, 0, kEntrySize);
-    for (const std::size_t field : {entry::kLeftAt, entry::kRightAt, entry::kChildAt})
+    for (const std::size_t field : {entry::kLeftAt, entry::kRightAt, entry::kChildAt}) {
         write32(at + field, kNoEntry);
+    }
 }
 
 } // namespace compound

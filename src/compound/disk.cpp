@@ -9,8 +9,9 @@ void DiskFile::extend(std::uint64_t to) {
     std::uint64_t at = size();
     const std::vector<std::byte> zeros(
         static_cast<std::size_t>(std::min(kPart, to > at ? to - at : 0)));
-    for (; at < to; at += std::min(kPart, to - at))
+    for (; at < to; at += std::min(kPart, to - at)) {
         write(at, std::span(zeros).first(static_cast<std::size_t>(std::min(kPart, to - at))));
+    }
 }
 
 } // namespace compound

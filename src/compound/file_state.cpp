@@ -51,8 +51,9 @@ FileState::FileState(std::unique_ptr<DiskFile> file, const Header& committed, Ac
       isDurable_(isNew),
       lengthBefore_(file_.disk().size()),
       parts_(std::make_unique<Parts>(file_, header_)) {
-    if (!isNew_)
+    if (!isNew_) {
         return;
+    }
     try {
         startNewFile();
     } catch (...) {
@@ -62,8 +63,9 @@ FileState::FileState(std::unique_ptr<DiskFile> file, const Header& committed, Ac
 }
 
 FileState::~FileState() {
-    if (changed_)
+    if (changed_) {
         restoreLength();
+    }
 }
 
 std::size_t FileState::memory() {
@@ -82,8 +84,9 @@ FileState::Change::Change(FileState& file)
 }
 
 FileState::Change::~Change() {
-    if (std::uncaught_exceptions() > exceptionsBefore_)
+    if (std::uncaught_exceptions() > exceptionsBefore_) {
         file_.inPieces_ = true;
+    }
 }
 
 void FileState::recall(const CommittedFile& known) {
@@ -92,22 +95,27 @@ void FileState::recall(const CommittedFile& known) {
 }
 
 void FileState::requireWhole() {
-    if (outcomeUnknown_)
+    if (outcomeUnknown_) {
         throw Error(ErrorCode::Failed, file_.disk().path(),
                     "whether the last change was stored is not known; the file has to be opened "
                     "again before it can be changed");
-    if (inPieces_)
+    }
+    if (inPieces_) {
         throw Error(ErrorCode::Failed, file_.disk().path(),
                     "an earlier failure has left the change incomplete; it can only be dropped");
+    }
 }
 
 void FileState::beginChange() {
-    if (access_ == Access::Read)
+    if (access_ == Access::Read) {
         throw Error(ErrorCode::Denied, file_.disk().path(), "the file is open for reading only");
-    if (changed_)
+    }
+    if (changed_) {
         return;
-    if (!isDurable_)
+    }
+    if (!isDurable_) {
         makeHeaderDurable();
+    }
     changed_ = true;
     inPieces_ = true;
     makeSound();
@@ -119,8 +127,9 @@ void FileState::beginChange() {
 // Writing it again brings it to the medium even when an earlier attempt has failed.
 void FileState::makeHeaderDurable() {
     std::array<std::byte, kHeaderSize> raw{};
-    if (file_.disk().read(0, raw) < raw.size())
+    if (file_.disk().read(0, raw) < raw.size()) {
         file_.throwDamaged("header: the file is cut short");
+    }
     file_.disk().write(0, raw);
     file_.disk().sync();
     isDurable_ = true;
@@ -129,15 +138,17 @@ void FileState::makeHeaderDurable() {
 // The trees of a file with our signature are looked at one by one, when they are searched in vain.
 void FileState::makeSound() {
     parts_->mini.makeSound();
-    if (isOurs(committed_))
+    if (isOurs(committed_)) {
         return;
+    }
     parts_->table.makeSound();
     parts_->directory.makeSound();
 }
 
 void FileState::commit() {
-    if (!changed_)
+    if (!changed_) {
         return;
+    }
     requireWhole();
     inPieces_ = true;
     parts_->mini.writeOut();
@@ -180,8 +191,9 @@ void FileState::makeRoom(std::uint64_t bytes) {
 // On a full disk a change that frees as much as it takes finds room in the reserve; one that takes
 // more leaves the reserve as it should be, or fails.
 void FileState::keepReserve() {
-    if (parts_->table.takesMoreThanItFrees())
+    if (parts_->table.takesMoreThanItFrees()) {
         parts_->table.provide(reserve(), AllocationTable::Free::AfterCommit);
+    }
 }
 
 void FileState::writeHeader() {
@@ -198,14 +210,16 @@ void FileState::writeHeader() {
 // durable must not take it for that, as long as the medium may hold the new one.
 void FileState::putHeaderBack(const char* cause) {
     Header old = committed_;
-    if (isOurs(committed_))
+    if (isOurs(committed_)) {
         old.transaction = nextTransaction(header_);
+    }
     isDurable_ = false;
     try {
-        if (isNew_)
+        if (isNew_) {
             file_.disk().write(0, std::vector<std::byte>(kHeaderSize));
-        else
+        } else {
             file_.disk().write(0, encodeHeader(old));
+        }
         file_.disk().sync();
     } catch (const std::exception&) {
         outcomeUnknown_ = true;
@@ -222,8 +236,9 @@ std::uint32_t FileState::neededEnd() {
     while (end < count) {
         const std::uint64_t lacking = parts_->table.missing(
             reserve(), static_cast<std::uint32_t>(end), AllocationTable::Free::Now);
-        if (lacking == 0)
+        if (lacking == 0) {
             break;
+        }
         end += lacking; // one more when the last range had none free so far
     }
     return static_cast<std::uint32_t>(std::min(end, count));
@@ -234,30 +249,34 @@ std::uint32_t FileState::neededEnd() {
 void FileState::cutFreeTail() noexcept {
     try {
         const std::uint32_t end = neededEnd();
-        if (file_.count() > end)
+        if (file_.count() > end) {
             file_.resize(end);
+        }
     } catch (const std::exception&) {
         return;
     }
 }
 
 void FileState::drop() noexcept {
-    if (!changed_)
+    if (!changed_) {
         return;
+    }
     restoreLength();
     changed_ = false;
     inPieces_ = false;
     header_ = committed_;
     parts_ = std::make_unique<Parts>(file_, header_);
-    if (isNew_)
+    if (isNew_) {
         startNewFile();
+    }
 }
 
 // What the transaction added to the file's length goes with it; should that fail, the tail is of
 // unused sectors. A header that may name the new sectors keeps them.
 void FileState::restoreLength() noexcept {
-    if (outcomeUnknown_)
+    if (outcomeUnknown_) {
         return;
+    }
     try {
         if (file_.disk().size() > lengthBefore_) {
             file_.disk().truncate(lengthBefore_);

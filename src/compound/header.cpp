@@ -12,8 +12,9 @@ using namespace format;
 namespace {
 
 void require(bool good, DiskFile& file, const char* what) {
-    if (!good)
+    if (!good) {
         throw Error(ErrorCode::Damaged, file.path(), std::string("header: ") + what);
+    }
 }
 
 } // namespace
@@ -25,8 +26,9 @@ Header readHeader(DiskFile& file) {
         return std::to_integer<std::uint8_t>(raw[i]) == kSignature[i];
     };
     for (std::size_t i = 0; i < kSignature.size(); ++i) {
-        if (length < kSignature.size() || !matches(i))
+        if (length < kSignature.size() || !matches(i)) {
             throw Error(ErrorCode::NotCompoundFile, file.path(), "this is no compound file");
+        }
     }
     require(length == kHeaderSize, file, "the file is cut short");
     const auto at16 = [&](std::size_t at) { return read16(raw.data() + at); };
@@ -47,15 +49,17 @@ Header readHeader(DiskFile& file) {
     header.miniFatSectors = at32(header::kMiniFatSectorsAt);
     header.firstDifat = at32(header::kFirstDifatAt);
     header.difatSectors = at32(header::kDifatSectorsAt);
-    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i)
+    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i) {
         header.difat[i] = at32(header::kDifatAt + 4 * i);
+    }
     return header;
 }
 
 std::array<std::byte, kHeaderSize> encodeHeader(const Header& header) {
     std::array<std::byte, kHeaderSize> raw{};
-    for (std::size_t i = 0; i < kSignature.size(); ++i)
+    for (std::size_t i = 0; i < kSignature.size(); ++i) {
         raw[i] = static_cast<std::byte>(kSignature[i]);
+    }
     const auto put16 = [&](std::size_t at, unsigned value) {
         write16(raw.data() + at, static_cast<std::uint16_t>(value));
     };
@@ -76,8 +80,9 @@ std::array<std::byte, kHeaderSize> encodeHeader(const Header& header) {
     put32(header::kMiniFatSectorsAt, header.miniFatSectors);
     put32(header::kFirstDifatAt, header.firstDifat);
     put32(header::kDifatSectorsAt, header.difatSectors);
-    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i)
+    for (std::size_t i = 0; i < kHeaderDifatEntries; ++i) {
         put32(header::kDifatAt + 4 * i, header.difat[i]);
+    }
     return raw;
 }
 

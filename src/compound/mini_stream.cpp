@@ -18,8 +18,9 @@ MiniStream::MiniStream(SectorFile& file, Header& header, AllocationTable& table,
       miniPerPage_(file.sectorSize() / kMiniSectorSize) {}
 
 void MiniStream::load() {
-    if (data_)
+    if (data_) {
         return;
+    }
     const std::uint64_t size = directory_.size(DirectoryEntries::kRoot);
     const auto chain = [&](std::uint32_t first, bool isThere, const char* what) {
         return std::make_unique<SectorChain>(
@@ -37,8 +38,9 @@ void MiniStream::load() {
 
 void MiniStream::makeSound() {
     load();
-    while (count_ > 0 && !table_->has((count_ - 1) / perPage_))
+    while (count_ > 0 && !table_->has((count_ - 1) / perPage_)) {
         table_->append(std::byte{0xFF});
+    }
     header_.miniFatSectors = table_->count();
     header_.firstMiniFat = table_->first();
 }
@@ -55,9 +57,10 @@ std::uint32_t MiniStream::entry(std::uint32_t mini) {
 
 std::uint32_t MiniStream::next(std::uint32_t mini) {
     const std::uint32_t value = mini < count() ? entry(mini) : kFreeSector;
-    if (value != kEndOfChain && value >= count())
+    if (value != kEndOfChain && value >= count()) {
         file_.throwDamaged("a chain of mini sectors runs out of the mini stream at " +
                            std::to_string(mini));
+    }
     return value;
 }
 
@@ -70,8 +73,9 @@ void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::
     std::uint64_t skip = offset / kMiniSectorSize;
     std::size_t within = offset % kMiniSectorSize;
     for (std::size_t done = 0; done < into.size();) {
-        if (mini >= count())
+        if (mini >= count()) {
             file_.throwDamaged("a stream of the mini stream ends before its size");
+        }
         if (skip > 0) {
             --skip;
         } else {
@@ -82,8 +86,9 @@ void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::
             done += part;
             within = 0;
         }
-        if (done < into.size())
+        if (done < into.size()) {
             mini = next(mini);
+        }
     }
 }
 
@@ -91,18 +96,21 @@ void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::
 std::uint32_t MiniStream::findFree(std::uint32_t page, std::uint32_t end) {
     const std::byte* const entries = table_->read(page);
     for (std::uint32_t i = 0; i < perPage_ && page * perPage_ + i < end; ++i) {
-        if (read32(entries + std::size_t{4} * i) == kFreeSector)
+        if (read32(entries + std::size_t{4} * i) == kFreeSector) {
             return page * perPage_ + i;
+        }
     }
     return kFreeSector;
 }
 
 // Adds one mini sector at the end, with the pages that it needs.
 void MiniStream::grow() {
-    while (!table_->has(count_ / perPage_))
+    while (!table_->has(count_ / perPage_)) {
         table_->append(std::byte{0xFF});
-    while (!data_->has(count_ / miniPerPage_))
+    }
+    while (!data_->has(count_ / miniPerPage_)) {
         data_->append(std::byte{0});
+    }
     ++count_;
 }
 
@@ -120,11 +128,13 @@ std::uint32_t MiniStream::allocate() {
         found = hint_ + 1;
     }
     const std::uint32_t pages = (count_ + perPage_ - 1) / perPage_;
-    if (found == kFreeSector && pages > 0 && !exhausted_)
+    if (found == kFreeSector && pages > 0 && !exhausted_) {
         found = findFree(pages - 1, count_);
+    }
     for (std::uint32_t look = 0;
-         found == kFreeSector && !exhausted_ && look + 1 < pages && look < kLooks; ++look)
+         found == kFreeSector && !exhausted_ && look + 1 < pages && look < kLooks; ++look) {
         found = findFree((header_.transaction * kLooks + look) % pages, count_);
+    }
     if (found == kFreeSector) {
         exhausted_ = true;
         grow();
@@ -140,10 +150,11 @@ std::uint32_t MiniStream::store(std::span<const std::byte> bytes) {
     std::uint32_t previous = kEndOfChain;
     for (std::size_t done = 0; done < bytes.size(); done += kMiniSectorSize) {
         const std::uint32_t mini = allocate();
-        if (previous == kEndOfChain)
+        if (previous == kEndOfChain) {
             first = mini;
-        else
+        } else {
             set(previous, mini);
+        }
         const std::size_t part = std::min<std::size_t>(bytes.size() - done, kMiniSectorSize);
         std::byte* const at = data_->write(mini / miniPerPage_) +
                               std::size_t{kMiniSectorSize} * (mini % miniPerPage_);
@@ -166,8 +177,9 @@ void MiniStream::releaseChain(std::uint32_t first) {
 }
 
 void MiniStream::writeOut() {
-    if (!data_)
+    if (!data_) {
         return;
+    }
     if (data_->hasChanges()) {
         directory_.setContent(DirectoryEntries::kRoot, data_->first(),
                               std::uint64_t{count_} * kMiniSectorSize);
@@ -181,8 +193,9 @@ void MiniStream::writeOut() {
 }
 
 void MiniStream::committed() {
-    if (!data_)
+    if (!data_) {
         return;
+    }
     table_->committed();
     data_->committed();
     freed_.clear();

@@ -24,20 +24,24 @@ bool isPair(std::u16string_view name, std::size_t at) {
 } // namespace
 
 char16_t toUpper(char16_t unit) noexcept {
-    if (unit < 0x80)
+    if (unit < 0x80) {
         return static_cast<char16_t>(unit >= u'a' && unit <= u'z' ? unit - 32 : unit);
+    }
     return static_cast<char16_t>(unit + kDifference[kPageOf[unit >> 8U]][unit & 0xFFU]);
 }
 
 int compareNames(std::u16string_view left, std::u16string_view right) noexcept {
-    if (left.size() != right.size())
+    if (left.size() != right.size()) {
         return left.size() < right.size() ? -1 : 1;
+    }
     for (std::size_t i = 0; i < left.size(); ++i) {
-        if (left[i] == right[i])
+        if (left[i] == right[i]) {
             continue;
+        }
         const int difference = int{toUpper(left[i])} - int{toUpper(right[i])};
-        if (difference != 0)
+        if (difference != 0) {
             return difference;
+        }
     }
     return 0;
 }
@@ -53,10 +57,11 @@ std::string shownName(std::u16string_view name) {
     for (std::size_t at = 0; at < name.size(); ++at) {
         const char16_t unit = name[at];
         const bool isHalf = (unit & 0xF800U) == 0xD800;
-        if (isPair(name, at))
+        if (isPair(name, at)) {
             base::appendUtf8(text, 0x10000U + ((unit & 0x3FFU) << 10U) + (name[++at] & 0x3FFU));
-        else
+        } else {
             base::appendUtf8(text, isHalf || isControl(unit) ? U'?' : char32_t{unit});
+        }
     }
     return text;
 }

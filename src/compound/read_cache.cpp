@@ -29,8 +29,9 @@ ReadCache::~ReadCache() = default;
 std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const Header& header) {
     const std::lock_guard lock(mutex_);
     for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
-        if (!entry->identity.isSameStateAs(identity) || entry->state->header() != header)
+        if (!entry->identity.isSameStateAs(identity) || entry->state->header() != header) {
             continue;
+        }
         std::unique_ptr<FileState> state = std::move(entry->state);
         entries_.erase(entry);
         return state;
@@ -39,24 +40,28 @@ std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const H
 }
 
 void ReadCache::keep(const FileIdentity& identity, std::unique_ptr<FileState> state) {
-    if (!identity.settled || state->memory() > kMostBytes)
+    if (!identity.settled || state->memory() > kMostBytes) {
         return;
+    }
     state->file().takeDisk();
     const std::lock_guard lock(mutex_);
     entries_.push_front({identity, std::move(state)});
-    if (entries_.size() > kMostFiles)
+    if (entries_.size() > kMostFiles) {
         entries_.pop_back();
+    }
 }
 
 std::optional<CommittedFile> ReadCache::recall(const FileIdentity& identity, const Header& header) {
     const std::lock_guard lock(mutex_);
     for (const CommittedFile& file : committed_) {
-        if (!isSameFile(file.identity, identity) || file.header != header)
+        if (!isSameFile(file.identity, identity) || file.header != header) {
             continue;
+        }
         CommittedFile found = file;
         // Another program may have edited the file in place and left our header as it was.
-        if (!file.identity.isSameStateAs(identity))
+        if (!file.identity.isSameStateAs(identity)) {
             found.soundStorages.clear();
+        }
         return found;
     }
     return std::nullopt;
@@ -66,8 +71,9 @@ void ReadCache::remember(CommittedFile file) {
     const std::lock_guard lock(mutex_);
     forgetLocked(file.identity);
     committed_.push_front(std::move(file));
-    if (committed_.size() > kMostCommitted)
+    if (committed_.size() > kMostCommitted) {
         committed_.pop_back();
+    }
 }
 
 void ReadCache::forget(const FileIdentity& identity) {

@@ -27,10 +27,11 @@ void RedBlackTree::setChild(EntryId id, Side side, EntryId value) {
 
 // Puts `by` where `old` hangs below `parent`; the storage itself stands above the tree's root.
 void RedBlackTree::replace(EntryId parent, EntryId old, EntryId by) {
-    if (parent == storage_)
+    if (parent == storage_) {
         directory_.setLink(storage_, entry::kChildAt, by);
-    else
+    } else {
         setChild(parent, child(parent, Side::Left) == old ? Side::Left : Side::Right, by);
+    }
 }
 
 // Turns `top` down to the side `to`; its child of the other side takes its place.
@@ -50,8 +51,9 @@ EntryId RedBlackTree::above(std::size_t level) const {
 }
 
 void RedBlackTree::goDown(EntryId id) {
-    if (path_.size() >= kGreatestHeight)
+    if (path_.size() >= kGreatestHeight) {
         throw Unsound{};
+    }
     path_.push_back(id);
 }
 
@@ -155,17 +157,20 @@ bool RedBlackTree::unlink(EntryId id) {
     const bool linked = parent == storage_
                             ? directory_.child(storage_) == id
                             : child(parent, Side::Left) == id || child(parent, Side::Right) == id;
-    if (!linked)
+    if (!linked) {
         return false;
-    if (child(id, Side::Left) != kNoEntry && child(id, Side::Right) != kNoEntry)
+    }
+    if (child(id, Side::Left) != kNoEntry && child(id, Side::Right) != kNoEntry) {
         exchangeWithSuccessor(id);
+    }
     const EntryId left = child(id, Side::Left);
     const EntryId only = left != kNoEntry ? left : child(id, Side::Right);
     replace(above(0), id, only);
-    if (isRed(only))
+    if (isRed(only)) {
         directory_.setColour(only, Colour::Black);
-    else if (!isRed(id))
+    } else if (!isRed(id)) {
         mendAfterRemove(only);
+    }
     return true;
 }
 
@@ -183,8 +188,9 @@ void RedBlackTree::mendAfterRemove(EntryId id) {
             path_.push_back(parent);
             sibling = child(parent, other(side));
         }
-        if (sibling == kNoEntry)
+        if (sibling == kNoEntry) {
             throw Unsound{}; // there are fewer blacks on that side than the colours here tell
+        }
         if (!isRed(child(sibling, side)) && !isRed(child(sibling, other(side)))) {
             directory_.setColour(sibling, Colour::Red);
             id = parent;
@@ -204,8 +210,9 @@ void RedBlackTree::mendAfterRemove(EntryId id) {
         rotate(above(1), parent, side);
         return;
     }
-    if (id != kNoEntry)
+    if (id != kNoEntry) {
         directory_.setColour(id, Colour::Black);
+    }
 }
 
 bool RedBlackTree::hasSoundColours() {
@@ -215,8 +222,9 @@ bool RedBlackTree::hasSoundColours() {
         bool parentRed;
     };
     const EntryId root = directory_.child(storage_);
-    if (isRed(root))
+    if (isRed(root)) {
         return false;
+    }
     constexpr unsigned kUnknown = ~0U;
     unsigned expected = kUnknown;
     std::vector<Step> open{{root, 0, false}};
@@ -224,15 +232,18 @@ bool RedBlackTree::hasSoundColours() {
         const Step step = open.back();
         open.pop_back();
         if (step.id == kNoEntry) {
-            if (expected == kUnknown)
+            if (expected == kUnknown) {
                 expected = step.blacks;
-            if (step.blacks != expected)
+            }
+            if (step.blacks != expected) {
                 return false;
+            }
             continue;
         }
         const bool red = isRed(step.id);
-        if (red && step.parentRed)
+        if (red && step.parentRed) {
             return false;
+        }
         const unsigned blacks = step.blacks + (red ? 0 : 1);
         open.push_back({directory_.left(step.id), blacks, red});
         open.push_back({directory_.right(step.id), blacks, red});

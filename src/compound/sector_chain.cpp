@@ -23,10 +23,12 @@ void SectorChain::walkTo(std::uint32_t index) {
             complete_ = true;
             return;
         }
-        if (sector >= file_.count() && !table_.isFresh(sector))
+        if (sector >= file_.count() && !table_.isFresh(sector)) {
             file_.throwDamaged(what_ + " runs out of the file");
-        if (sectors_.size() >= file_.count())
+        }
+        if (sectors_.size() >= file_.count()) {
             file_.throwDamaged(what_ + " runs in a ring");
+        }
         sectors_.push_back(sector);
     }
 }
@@ -56,18 +58,22 @@ void SectorChain::loadPages(std::uint32_t index) {
         return at < sectors_.size() && (at >= pages_.size() || !pages_[at].bytes);
     };
     std::uint32_t from = index;
-    while (from > start && isFree(from - 1) && sectors_[from - 1] + 1 == sectors_[from])
+    while (from > start && isFree(from - 1) && sectors_[from - 1] + 1 == sectors_[from]) {
         --from;
+    }
     std::uint32_t to = index + 1;
-    while (to < start + wanted && isFree(to) && sectors_[to - 1] + 1 == sectors_[to])
+    while (to < start + wanted && isFree(to) && sectors_[to - 1] + 1 == sectors_[to]) {
         ++to;
-    if (pages_.size() < to)
+    }
+    if (pages_.size() < to) {
         pages_.resize(std::max<std::size_t>(to, sectors_.size()));
+    }
     const std::size_t size = file_.sectorSize();
     std::byte* const block = newBlock(to - from);
     file_.read(sectors_[from], {block, size * (to - from)});
-    for (std::uint32_t at = from; at < to; ++at)
+    for (std::uint32_t at = from; at < to; ++at) {
         pages_[at].bytes = block + size * (at - from);
+    }
 }
 
 std::byte* SectorChain::newBlock(std::size_t pages) {
@@ -78,8 +84,9 @@ std::byte* SectorChain::newBlock(std::size_t pages) {
 }
 
 const std::byte* SectorChain::load(std::uint32_t index) {
-    if (!has(index))
+    if (!has(index)) {
         file_.throwDamaged(what_ + " ends before its page " + std::to_string(index));
+    }
     loadPages(index);
     return pages_[index].bytes;
 }
@@ -93,8 +100,9 @@ std::byte* SectorChain::write(std::uint32_t index) {
         const bool last = index + 1 == sectors_.size();
         const std::uint32_t moved = table_.allocate(old, AllocationTable::Purpose::Move);
         table_.link(moved, last ? kEndOfChain : sectors_[index + 1]);
-        if (index > 0)
+        if (index > 0) {
             table_.link(sectors_[index - 1], moved);
+        }
         table_.release(old);
         sectors_[index] = moved;
     }
@@ -105,8 +113,9 @@ std::uint32_t SectorChain::append(std::byte fill) {
     const std::uint32_t index = count();
     const std::uint32_t sector = table_.allocate(sectors_.empty() ? kEndOfChain : sectors_.back(),
                                                  AllocationTable::Purpose::Growth);
-    if (!sectors_.empty())
+    if (!sectors_.empty()) {
         table_.link(sectors_.back(), sector);
+    }
     sectors_.push_back(sector);
     pages_.resize(sectors_.size());
     pages_[index].bytes = newBlock(1);
@@ -118,8 +127,9 @@ std::uint32_t SectorChain::append(std::byte fill) {
 void SectorChain::writeOut() {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> places; // sector, page
     for (std::uint32_t index = 0; index < pages_.size(); ++index) {
-        if (pages_[index].dirty)
+        if (pages_[index].dirty) {
             places.emplace_back(sectors_[index], index);
+        }
     }
     std::sort(places.begin(), places.end());
     std::vector<std::byte> run;

@@ -20,8 +20,9 @@ void SectorFile::refresh() {
 }
 
 void SectorFile::readPart(std::uint32_t first, std::uint32_t within, std::span<std::byte> into) {
-    if (first >= count_)
+    if (first >= count_) {
         throwDamaged("sector " + std::to_string(first) + " lies outside the file");
+    }
     const std::size_t length = file_->read(lengthOf(first) + within, into);
     std::fill(into.begin() + static_cast<std::ptrdiff_t>(length), into.end(), std::byte{0});
 }
@@ -33,8 +34,9 @@ void SectorFile::write(std::uint32_t first, std::span<const std::byte> bytes) {
 }
 
 void SectorFile::extend(std::uint32_t count) {
-    if (count <= count_)
+    if (count <= count_) {
         return;
+    }
     file_->extend(lengthOf(count));
     count_ = count;
 }

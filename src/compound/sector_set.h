@@ -23,18 +23,21 @@ class SectorSet {
     // Inserting a member changes nothing.
     void insert(std::uint32_t sector) {
         const std::size_t block = sector / kBlock;
-        if (block >= blocks_.size())
+        if (block >= blocks_.size()) {
             blocks_.resize(block + 1);
-        if (!blocks_[block])
+        }
+        if (!blocks_[block]) {
             blocks_[block] = std::make_unique<std::bitset<kBlock>>();
+        }
         size_ += contains(sector) ? 0U : 1U;
         blocks_[block]->set(sector % kBlock);
     }
 
     // Whether the sector was a member.
     bool erase(std::uint32_t sector) {
-        if (!contains(sector))
+        if (!contains(sector)) {
             return false;
+        }
         blocks_[sector / kBlock]->reset(sector % kBlock);
         --size_;
         return true;

@@ -11,21 +11,25 @@ using namespace format;
 
 // The sectors of a long stream; Damaged unless there are exactly as many as its size needs.
 const std::vector<std::uint32_t>& StreamContent::chainOf(EntryId id) {
-    if (cachedId_ == id)
+    if (cachedId_ == id) {
         return cachedChain_;
+    }
     cachedId_ = kNoEntry;
     cachedChain_.clear();
     const std::uint64_t size = directory_.size(id);
     const std::uint64_t needed = (size + file_.sectorSize() - 1) / file_.sectorSize();
-    if (needed > file_.count())
+    if (needed > file_.count()) {
         file_.throwDamaged("a stream claims to be larger than the file");
+    }
     for (std::uint32_t at = directory_.start(id); at != kEndOfChain; at = table_.next(at)) {
-        if (cachedChain_.size() >= needed || at >= file_.count())
+        if (cachedChain_.size() >= needed || at >= file_.count()) {
             file_.throwDamaged("a stream's chain does not fit its size");
+        }
         cachedChain_.push_back(at);
     }
-    if (cachedChain_.size() != needed)
+    if (cachedChain_.size() != needed) {
         file_.throwDamaged("a stream's chain is shorter than its size");
+    }
     cachedId_ = id;
     return cachedChain_;
 }
@@ -38,8 +42,9 @@ void StreamContent::readSectors(const std::vector<std::uint32_t>& chain, std::ui
         const auto within = static_cast<std::uint32_t>((offset + done) % size);
         const std::size_t rest = into.size() - done;
         std::size_t run = 1;
-        while (run * size - within < rest && chain[index + run] == chain[index] + run)
+        while (run * size - within < rest && chain[index + run] == chain[index] + run) {
             ++run;
+        }
         const std::size_t part = std::min(rest, run * size - within);
         file_.readPart(chain[index], within, into.subspan(done, part));
         done += part;
@@ -48,21 +53,24 @@ void StreamContent::readSectors(const std::vector<std::uint32_t>& chain, std::ui
 
 std::size_t StreamContent::read(EntryId id, std::uint64_t offset, std::span<std::byte> into) {
     const auto [start, size] = directory_.content(id);
-    if (offset >= size)
+    if (offset >= size) {
         return 0;
+    }
     const auto length =
         static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size - offset));
-    if (isMini(size))
+    if (isMini(size)) {
         mini_.read(start, offset, into.first(length));
-    else
+    } else {
         readSectors(chainOf(id), offset, into.first(length));
+    }
     return length;
 }
 
 std::vector<std::byte> StreamContent::readAll(EntryId id) {
     const std::uint64_t size = directory_.size(id);
-    if (!isMini(size))
+    if (!isMini(size)) {
         chainOf(id);
+    }
     std::vector<std::byte> bytes(static_cast<std::size_t>(size));
     read(id, 0, bytes);
     return bytes;
@@ -70,8 +78,9 @@ std::vector<std::byte> StreamContent::readAll(EntryId id) {
 
 void StreamContent::release(EntryId id) {
     const std::uint64_t size = directory_.size(id);
-    if (size == 0)
+    if (size == 0) {
         return;
+    }
     if (isMini(size)) {
         mini_.releaseChain(directory_.start(id));
     } else {
@@ -99,8 +108,9 @@ void StreamContent::extendChain(std::vector<std::uint32_t>& chain, std::size_t c
     for (; count > 0; --count) {
         const std::uint32_t previous = chain.empty() ? kEndOfChain : chain.back();
         const std::uint32_t sector = table_.allocateData(previous);
-        if (previous != kEndOfChain)
+        if (previous != kEndOfChain) {
             table_.link(previous, sector);
+        }
         chain.push_back(sector);
     }
 }
@@ -115,11 +125,13 @@ void StreamContent::store(std::span<const std::byte> bytes, std::vector<std::uin
         writeSectors(std::span(chain).subspan(before), bytes);
         return;
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::NoSpace || !table_.stayInside())
+        if (error.code() != ErrorCode::NoSpace || !table_.stayInside()) {
             throw;
+        }
     }
-    for (; chain.size() > before; chain.pop_back())
+    for (; chain.size() > before; chain.pop_back()) {
         table_.release(chain.back());
+    }
     extendChain(chain, count);
     writeSectors(std::span(chain).subspan(before), bytes);
 }
@@ -129,11 +141,13 @@ void StreamContent::writeSectors(std::span<const std::uint32_t> sectors,
     const std::uint32_t size = file_.sectorSize();
     for (std::size_t from = 0; from < sectors.size();) {
         std::size_t to = from + 1;
-        while (to < sectors.size() && sectors[to] == sectors[to - 1] + 1)
+        while (to < sectors.size() && sectors[to] == sectors[to - 1] + 1) {
             ++to;
+        }
         const std::size_t whole = std::min(to * size, bytes.size() / size * size);
-        if (whole > from * size)
+        if (whole > from * size) {
             file_.write(sectors[from], bytes.subspan(from * size, whole - from * size));
+        }
         if (to * size > bytes.size()) { // the last sector is filled up with zeros
             std::vector<std::byte> last(size);
             std::copy(bytes.begin() + static_cast<std::ptrdiff_t>(whole), bytes.end(),
@@ -146,8 +160,9 @@ void StreamContent::writeSectors(std::span<const std::uint32_t> sectors,
 
 void StreamContent::append(EntryId id, std::span<const std::byte> bytes) {
     const std::uint64_t size = directory_.size(id);
-    if (bytes.empty())
+    if (bytes.empty()) {
         return;
+    }
     if (!isMini(size)) {
         appendSectors(id, bytes);
         return;
@@ -169,8 +184,9 @@ void StreamContent::appendSectors(EntryId id, std::span<const std::byte> bytes) 
         readSectors(cachedChain_, size - used, tail);
         const std::uint32_t last = cachedChain_.back();
         cachedChain_.pop_back();
-        if (!cachedChain_.empty())
+        if (!cachedChain_.empty()) {
             table_.link(cachedChain_.back(), kEndOfChain);
+        }
         table_.release(last);
     }
     tail.insert(tail.end(), bytes.begin(), bytes.end());

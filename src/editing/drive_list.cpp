@@ -27,8 +27,9 @@ void DriveList::showPopup() {
 void DriveList::refill(const QString& chosen) {
     const QSignalBlocker blocker(this);
     QStringList drives = platform::drives();
-    if (!chosen.isEmpty() && !drives.contains(chosen))
+    if (!chosen.isEmpty() && !drives.contains(chosen)) {
         drives += chosen;
+    }
     clear();
     addItems(drives);
     setCurrentIndex(static_cast<int>(drives.indexOf(chosen)));

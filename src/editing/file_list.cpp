@@ -13,22 +13,26 @@ namespace editing {
 namespace {
 
 bool hasSuffix(const QString& name, const QStringList& suffixes) {
-    for (const QString& suffix : suffixes)
-        if (name.endsWith(suffix, Qt::CaseInsensitive))
+    for (const QString& suffix : suffixes) {
+        if (name.endsWith(suffix, Qt::CaseInsensitive)) {
             return true;
+        }
+    }
     return false;
 }
 
 // The list stays empty for a folder without permission, as for one without pictures.
 QStringList picturesIn(const QString& folder, const QStringList& suffixes) {
     QStringList names;
-    if (!platform::isListable(folder))
+    if (!platform::isListable(folder)) {
         return names;
+    }
     try {
         for (const auto& entry : platform::nativeDisk().list(platform::toFilePath(folder))) {
             const QString name = platform::fromFilePath(entry.name);
-            if (entry.isRegularFile && hasSuffix(name, suffixes))
+            if (entry.isRegularFile && hasSuffix(name, suffixes)) {
                 names += name;
+            }
         }
     } catch (const compound::Error&) {
         names.clear();
@@ -45,8 +49,9 @@ FileList::FileList(const QStringList& suffixes, QWidget* parent)
     // Under a pressed button the click is announced at its release, so that a box that it may bring
     // up does not come between press and release.
     connect(this, &QListWidget::itemSelectionChanged, this, [this] {
-        if (!isPressed_ && !fileName().isEmpty())
+        if (!isPressed_ && !fileName().isEmpty()) {
             emit fileClicked(fileName());
+        }
     });
 }
 
@@ -73,8 +78,9 @@ void FileList::mouseReleaseEvent(QMouseEvent* event) {
     const bool wasPressed = std::exchange(isPressed_, false);
     const QString name = fileName();
     const bool isOnSelected = itemAt(event->position().toPoint()) == currentItem();
-    if (wasPressed && !name.isEmpty() && (isOnSelected || name != nameAtPress_))
+    if (wasPressed && !name.isEmpty() && (isOnSelected || name != nameAtPress_)) {
         emit fileClicked(name);
+    }
 }
 
 } // namespace editing

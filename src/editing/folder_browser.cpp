@@ -43,8 +43,9 @@ void FolderBrowser::changeDrive() {
         const QString message =
             app::text(texts_.before) + drives_->drive() + app::text(texts_.after);
         if (app::msgBox(message, app::Buttons::RetryCancel, app::text(texts_.title), window_) !=
-            app::kAnswerRetry)
+            app::kAnswerRetry) {
             return;
+        }
     }
     app::settings().setDrive(drives_->drive());
     files_->setFolder(folders_->folder());
@@ -52,8 +53,9 @@ void FolderBrowser::changeDrive() {
 
 void FolderBrowser::changeFolder() {
     files_->setFolder(folders_->folder());
-    if (!isMemorySuppressed_)
+    if (!isMemorySuppressed_) {
         app::settings().setPath(folders_->folder());
+    }
     isMemorySuppressed_ = false;
 }
 

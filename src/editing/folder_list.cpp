@@ -30,8 +30,9 @@ QStringList foldersBelow(const QString& folder) {
          entries.increment(failure)) {
         std::error_code unknown;
         const QString name = platform::fromFilePath(entries->path().filename());
-        if (!name.startsWith(u'.') && entries->is_directory(unknown))
+        if (!name.startsWith(u'.') && entries->is_directory(unknown)) {
             names += name;
+        }
     }
     names.sort(Qt::CaseInsensitive);
     return names;
@@ -50,9 +51,11 @@ QString pathOf(const QTreeWidgetItem* item) {
 }
 
 QTreeWidgetItem* childNamed(const QTreeWidgetItem* item, const QString& name) {
-    for (int index = 0; index < item->childCount(); ++index)
-        if (item->child(index)->text(0) == name)
+    for (int index = 0; index < item->childCount(); ++index) {
+        if (item->child(index)->text(0) == name) {
             return item->child(index);
+        }
+    }
     return nullptr;
 }
 
@@ -65,14 +68,16 @@ FolderList::FolderList(QWidget* parent) : QTreeWidget(parent) {
     setIndentation(fontMetrics().height());
     connect(this, &QTreeWidget::itemExpanded, this, &FolderList::fill);
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
-        if (item != nullptr)
+        if (item != nullptr) {
             choose(pathOf(item));
+        }
     });
 }
 
 bool FolderList::setDrive(const QString& drive) {
-    if (!platform::isListable(drive))
+    if (!platform::isListable(drive)) {
         return false;
+    }
     showDrive(drive);
     choose(drive);
     return true;
@@ -80,11 +85,13 @@ bool FolderList::setDrive(const QString& drive) {
 
 bool FolderList::setFolder(const QString& folder) {
     const QString wanted = QDir::cleanPath(folder);
-    if (!platform::isListable(wanted))
+    if (!platform::isListable(wanted)) {
         return false;
+    }
     const bool isOnDrive = !drive_.isEmpty() && !platform::driveOf(wanted, {drive_}).isEmpty();
-    if (!isOnDrive)
+    if (!isOnDrive) {
         showDrive(platform::driveOf(wanted, platform::drives()));
+    }
     {
         const QSignalBlocker blocker(this);
         QTreeWidgetItem* item = openDownTo(wanted);
@@ -97,10 +104,11 @@ bool FolderList::setFolder(const QString& folder) {
 
 void FolderList::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEnter && currentItem() != nullptr)
+    if (isEnter && currentItem() != nullptr) {
         currentItem()->setExpanded(!currentItem()->isExpanded());
-    else
+    } else {
         QTreeWidget::keyPressEvent(event);
+    }
 }
 
 void FolderList::showDrive(const QString& drive) {
@@ -116,20 +124,24 @@ void FolderList::showDrive(const QString& drive) {
 }
 
 void FolderList::choose(const QString& folder) {
-    if (folder == folder_)
+    if (folder == folder_) {
         return;
+    }
     folder_ = folder;
     emit folderChanged();
 }
 
 void FolderList::fill(QTreeWidgetItem* item) {
-    if (item->data(0, kIsFilledRole).toBool())
+    if (item->data(0, kIsFilledRole).toBool()) {
         return;
+    }
     item->setData(0, kIsFilledRole, true);
     const QString folder = pathOf(item);
-    if (platform::isListable(folder))
-        for (const QString& name : foldersBelow(folder))
+    if (platform::isListable(folder)) {
+        for (const QString& name : foldersBelow(folder)) {
             item->addChild(makeItem(name, platform::joinPath(folder, name)));
+        }
+    }
     item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
 }
 

@@ -128,8 +128,9 @@ bool isSoundOrSetAside(const store::Library& library, const store::FileName& fil
                        const store::LockBudget& budget) {
     const auto state = store::testGroupFile(library, store::pathOf(library, file), budget);
     try {
-        if (state == store::GroupFileState::Damaged)
+        if (state == store::GroupFileState::Damaged) {
             store::setAside(library, file);
+        }
     } catch (const compound::Error&) {
         return false;
     }
@@ -139,8 +140,9 @@ bool isSoundOrSetAside(const store::Library& library, const store::FileName& fil
 } // namespace
 
 app::TwipRect previewRect(int height, int width) {
-    if (height == width || height <= 0 || width <= 0)
+    if (height == width || height <= 0 || width <= 0) {
         return Normal();
+    }
     return height > width ? ReduceWidth(height, width) : ReduceHeight(height, width);
 }
 
@@ -198,8 +200,9 @@ void frmOpen::placeControls() {
     folders->addWidget(dirOrdner_);
     auto* files = new QVBoxLayout(fraDatei_);
     files->addWidget(filDatei_);
-    for (QVBoxLayout* layout : {folders, files})
+    for (QVBoxLayout* layout : {folders, files}) {
         layout->setContentsMargins(kFrameMargin, kFrameMargin, kFrameMargin, kFrameMargin);
+    }
 }
 
 void frmOpen::connectControls() {
@@ -249,15 +252,17 @@ int frmOpen::Scan() {
     const app::WaitCursor waiting;
     const store::LockBudget budget(kScanPatience);
     int sound = 0;
-    for (const store::FileName& file : filesOf(*library_))
+    for (const store::FileName& file : filesOf(*library_)) {
         sound += isSoundOrSetAside(*library_, file, budget) ? 1 : 0;
+    }
     return sound;
 }
 
 void frmOpen::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (event->spontaneous())
+    if (event->spontaneous()) {
         return;
+    }
     centreOnScreen(*this);
     dirOrdner_->scrollToItem(dirOrdner_->currentItem(), QAbstractItemView::PositionAtCenter);
 }
@@ -287,10 +292,12 @@ void frmOpen::showPicture(const picture::PictureFacts& facts) {
     picBild_->resize(pixelsOf(facts));
     VorschauAnpassen();
     const QString fileName = filDatei_->fileName();
-    if (!isNameTyped_)
+    if (!isNameTyped_) {
         txtName_->setText(fileName.left(fileName.indexOf(u'.')));
-    if (std::exchange(savesWhenLoaded_, false))
+    }
+    if (std::exchange(savesWhenLoaded_, false)) {
         save();
+    }
 }
 
 // Whatever is wrong with it, to the user it is a file that is no picture.
@@ -308,16 +315,21 @@ void frmOpen::VorschauAnpassen() {
 // The text id of what keeps the picture from being saved before the group is asked.
 std::optional<int> frmOpen::refusal() const {
     const QString name = txtName_->text();
-    if (isInvalidPicture_ || filDatei_->fileName().isEmpty())
+    if (isInvalidPicture_ || filDatei_->fileName().isEmpty()) {
         return kTextNoFile;
-    if (name == app::text(app::kTextNoPicture))
+    }
+    if (name == app::text(app::kTextNoPicture)) {
         return kTextInvalidName;
-    if (name.isEmpty())
+    }
+    if (name.isEmpty()) {
         return kTextNoName;
-    if (!target_.address)
+    }
+    if (!target_.address) {
         return kTextNoGroup;
-    if (store::isGroupText(name.toStdU16String()))
+    }
+    if (store::isGroupText(name.toStdU16String())) {
         return kTextInvalidName;
+    }
     return std::nullopt;
 }
 
@@ -335,8 +347,9 @@ void frmOpen::save() {
     } catch (const std::exception& error) {
         app::msgBox(app::groupFailureText(target_.path, error), app::Buttons::Ok,
                     app::text(kTextTitle), this);
-        if (listener_.saveFailed)
+        if (listener_.saveFailed) {
             listener_.saveFailed(error);
+        }
     }
 }
 
@@ -344,8 +357,9 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
     auto ifExists = store::IfPictureExists::Refuse;
     if (store::pictureExists(*library_, group, name)) {
         if (app::msgBox(app::text(kTextOverwrite), app::Buttons::YesNo, app::text(kTextTitle),
-                        this) != app::kAnswerYes)
+                        this) != app::kAnswerYes) {
             return;
+        }
         ifExists = store::IfPictureExists::Replace;
     } else if (!store::testPictureName(*library_, group, name)) {
         tell(kTextInvalidName);
@@ -357,10 +371,11 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
 }
 
 void frmOpen::keyPressEvent(QKeyEvent* event) {
-    if (event->matches(QKeySequence::Cancel))
+    if (event->matches(QKeySequence::Cancel)) {
         goBack();
-    else
+    } else {
         QDialog::keyPressEvent(event);
+    }
 }
 
 bool frmOpen::isSettled() const {
@@ -368,8 +383,9 @@ bool frmOpen::isSettled() const {
 }
 
 void frmOpen::goBack() {
-    if (listener_.Aktualisieren)
+    if (listener_.Aktualisieren) {
         listener_.Aktualisieren();
+    }
     reject();
 }
 

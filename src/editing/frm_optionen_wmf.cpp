@@ -98,12 +98,13 @@ void frmOptionenWMF::VorschauAnpassen(const store::Library& library,
 
 void frmOptionenWMF::fit() {
     area_ = areaOf(size());
-    if (height_ == width_ || height_ <= 0 || width_ <= 0)
+    if (height_ == width_ || height_ <= 0 || width_ <= 0) {
         Normal();
-    else if (height_ > width_)
+    } else if (height_ > width_) {
         ReduceWidth();
-    else
+    } else {
         ReduceHeight();
+    }
     const QRect pixels = app::toPixels(vectorRect_);
     Vector_->setGeometry({pixels.topLeft(), pixels.size().expandedTo({1, 1})});
 }
@@ -135,8 +136,9 @@ void frmOptionenWMF::paintEvent(QPaintEvent*) {
 
 void frmOptionenWMF::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    if (!event->spontaneous())
+    if (!event->spontaneous()) {
         centreOnScreen(*this);
+    }
 }
 
 } // namespace editing

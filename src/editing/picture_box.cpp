@@ -11,8 +11,9 @@ namespace editing {
 namespace {
 
 QImage stretched(const picture::Picture& picture, QSize device) {
-    if (!picture.image().isNull())
+    if (!picture.image().isNull()) {
         return picture.scaledTo(device);
+    }
     // A metafile is drawn in the box's own proportions: stretching it afterwards would blur it.
     QImage image(device, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
@@ -63,12 +64,14 @@ void PictureBox::clear() {
 }
 
 void PictureBox::paintEvent(QPaintEvent*) {
-    if (scaled_.isNull())
+    if (scaled_.isNull()) {
         return;
+    }
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (scaled_.hasAlphaChannel())
+    if (scaled_.hasAlphaChannel()) {
         painter.fillRect(rect(), app::paperColor(palette()));
+    }
     painter.drawImage(rect(), scaled_);
 }
 

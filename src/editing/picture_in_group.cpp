@@ -16,8 +16,9 @@ constexpr app::TextPair kNoPicture = {u"Sein Inhalt ist kein lesbares Bild. (%1)
 
 // What is wrong with a picture's bytes is not the group file's fault.
 QString causeOf(const std::exception& failure) {
-    if (dynamic_cast<const picture::DecodeError*>(&failure) != nullptr)
+    if (dynamic_cast<const picture::DecodeError*>(&failure) != nullptr) {
         return app::text(kNoPicture).arg(QString::fromUtf8(failure.what()));
+    }
     return app::errorText(failure);
 }
 

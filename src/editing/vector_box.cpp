@@ -24,8 +24,9 @@ QRect fittedInto(const QSize& area, const picture::TwipSize& picture) {
 // Null without the memory for it, and for what cannot be drawn at all.
 QImage drawnOn(const QSize& device, double screenRatio, const picture::Picture& picture) try {
     QImage sheet(device, QImage::Format_ARGB32_Premultiplied);
-    if (sheet.isNull())
+    if (sheet.isNull()) {
         return sheet;
+    }
     sheet.fill(Qt::transparent);
     QPainter painter(&sheet);
     picture.paint(painter, fittedInto(sheet.size(), picture.facts().twips));
@@ -74,10 +75,12 @@ void VectorBox::draw() {
 }
 
 void VectorBox::paintEvent(QPaintEvent*) {
-    if (!picture_)
+    if (!picture_) {
         return;
-    if (drawnFor_ != deviceSize() && !isBusy())
+    }
+    if (drawnFor_ != deviceSize() && !isBusy()) {
         draw();
+    }
     QPainter painter(this);
     if (drawn_.size() == deviceSize()) {
         painter.drawImage(QPointF(0, 0), drawn_);
@@ -89,8 +92,9 @@ void VectorBox::paintEvent(QPaintEvent*) {
 
 void VectorBox::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (!drawn_.isNull())
+    if (!drawn_.isNull()) {
         settling_.start();
+    }
 }
 
 } // namespace editing

@@ -33,8 +33,9 @@ void limitPalette(DibHeader& header, std::size_t pixels) {
 RasterPicture decodeEmbedded(std::span<const std::byte> bytes, const DibHeader& header) {
     const char* const format = header.compression == DibCompression::Png ? "PNG" : "JPG";
     const std::optional<QImage> image = readEmbedded(bytes, format, {header.width, header.height});
-    if (!image)
+    if (!image) {
         throw DecodeError("the picture inside the bitmap cannot be read");
+    }
     return {factsOf(header), *image};
 }
 
@@ -48,8 +49,9 @@ RasterPicture decodeBmp(std::span<const std::byte> bytes) {
     const ByteReader file(bytes);
     DibHeader header = headerOf(bytes);
     const std::size_t pixels = pixelsAt(file, header);
-    if (header.compression == DibCompression::Jpeg || header.compression == DibCompression::Png)
+    if (header.compression == DibCompression::Jpeg || header.compression == DibCompression::Png) {
         return decodeEmbedded(file.rest(pixels), header);
+    }
     limitPalette(header, pixels);
     return {factsOf(header),
             readDibPixels(file.rest(kFileHeader), header, pixels - kFileHeader, DibUse::File)};

@@ -37,14 +37,16 @@ class ByteReader {
 
   private:
     void require(std::size_t at, std::size_t count) const {
-        if (!has(at, count))
+        if (!has(at, count)) {
             throw DecodeError("the picture is cut short");
+        }
     }
     std::uint32_t get(std::size_t at, std::size_t count) const {
         require(at, count);
         std::uint32_t value = 0;
-        for (std::size_t i = count; i-- > 0;)
+        for (std::size_t i = count; i-- > 0;) {
             value = value << 8U | std::to_integer<std::uint32_t>(bytes_[at + i]);
+        }
         return value;
     }
 

@@ -10,8 +10,9 @@ namespace {
 
 PictureKind kindOf(std::span<const std::byte> bytes) {
     const auto kind = sniff(bytes);
-    if (!kind)
+    if (!kind) {
         throw DecodeError("this is no picture of a known kind");
+    }
     return *kind;
 }
 
@@ -19,16 +20,21 @@ PictureKind kindOf(std::span<const std::byte> bytes) {
 
 std::optional<PictureKind> sniff(std::span<const std::byte> bytes) {
     const ByteReader in(bytes);
-    if (!in.has(0, 6))
+    if (!in.has(0, 6)) {
         return std::nullopt;
-    if (in.u16(0) == 0x4D42) // "BM"
+    }
+    if (in.u16(0) == 0x4D42) { // "BM"
         return PictureKind::Bmp;
-    if (in.u32(0) == 0x38464947) // "GIF8"
+    }
+    if (in.u32(0) == 0x38464947) { // "GIF8"
         return PictureKind::Gif;
-    if (in.u16(0) == 0xD8FF && in.u8(2) == 0xFF)
+    }
+    if (in.u16(0) == 0xD8FF && in.u8(2) == 0xFF) {
         return PictureKind::Jpg;
-    if (in.u16(0) == 0 && in.u16(4) > 0 && (in.u16(2) == 1 || in.u16(2) == 2))
+    }
+    if (in.u16(0) == 0 && in.u16(4) > 0 && (in.u16(2) == 1 || in.u16(2) == 2)) {
         return in.u16(2) == 1 ? PictureKind::Ico : PictureKind::Cur;
+    }
     return std::nullopt;
 }
 

@@ -44,20 +44,23 @@ void readSizes(const ByteReader& in, DibHeader& header, DibUse use) {
     }
     header.topDown = height < 0;
     height = height < 0 ? -height : height;
-    if (use == DibUse::IconFrame)
+    if (use == DibUse::IconFrame) {
         height /= 2;
+    }
     requireSensibleSize(header.width, height);
     header.height = static_cast<int>(height);
 }
 
 DibCompression compressionOf(const ByteReader& in, const DibHeader& header) {
-    if (header.headerSize < 20)
+    if (header.headerSize < 20) {
         return DibCompression::None;
+    }
     const std::uint32_t value = in.u32(16);
     // In OS/2 2.x headers 3 and 4 mean Huffman coding and 24-bit run lengths.
     const bool isOs2 = header.headerSize == kOs2Header;
-    if (value > 6 || (isOs2 && value > 2))
+    if (value > 6 || (isOs2 && value > 2)) {
         throw DecodeError("the bitmap's compression is not known");
+    }
     return static_cast<DibCompression>(value);
 }
 
@@ -86,8 +89,9 @@ void requireKnownDepth(const DibHeader& header) {
         good = true;
         break;
     }
-    if (!good)
+    if (!good) {
         throw DecodeError("the bitmap's colour depth is not known");
+    }
 }
 
 // Fills in the masks and returns how many bytes of them stand behind the header.
@@ -95,17 +99,20 @@ std::size_t readMasks(const ByteReader& in, DibHeader& header) {
     const bool fields = header.compression == DibCompression::BitFields ||
                         header.compression == DibCompression::AlphaBitFields;
     if (!fields) {
-        if (header.bitsPerPixel == 16)
+        if (header.bitsPerPixel == 16) {
             header.masks = {0x7C00, 0x03E0, 0x001F, 0};
-        else
+        } else {
             header.masks = {0x00FF0000, 0x0000FF00, 0x000000FF, 0};
+        }
         return 0;
     }
     std::size_t count = 3;
-    if (header.headerSize >= kAlphaHeader || header.compression == DibCompression::AlphaBitFields)
+    if (header.headerSize >= kAlphaHeader || header.compression == DibCompression::AlphaBitFields) {
         count = 4;
-    for (std::size_t i = 0; i < count; ++i)
+    }
+    for (std::size_t i = 0; i < count; ++i) {
         header.masks[i] = in.u32(kInfoHeader + 4 * i);
+    }
     return hasMasksInside(header.headerSize) ? 0 : 4 * count;
 }
 
@@ -113,8 +120,9 @@ std::size_t paletteEntries(const ByteReader& in, const DibHeader& header) {
     const std::size_t used = header.headerSize >= 36 ? in.u32(32) : 0;
     const std::size_t most =
         header.bitsPerPixel <= 8 ? std::size_t{1} << static_cast<unsigned>(header.bitsPerPixel) : 0;
-    if (header.bitsPerPixel > 8)
+    if (header.bitsPerPixel > 8) {
         return std::min<std::size_t>(used, 256); // a hint for displays; only takes room
+    }
     return used == 0 || header.headerSize == kCoreHeader ? most : std::min<std::size_t>(used, 256);
 }
 
@@ -127,8 +135,9 @@ class Channel {
           most_(mask >> shift_) {}
 
     int of(std::uint32_t pixel, int ifMissing) const {
-        if (mask_ == 0)
+        if (mask_ == 0) {
             return ifMissing;
+        }
         const std::uint64_t value = (pixel & mask_) >> shift_;
         return static_cast<int>((value * 255 + most_ / 2) / most_);
     }
@@ -160,8 +169,9 @@ struct RowReader {
         const auto bytes = static_cast<std::size_t>(header.bitsPerPixel / 8);
         const std::size_t at = static_cast<std::size_t>(x) * bytes;
         std::uint32_t pixel = 0;
-        for (std::size_t i = bytes; i-- > 0;)
+        for (std::size_t i = bytes; i-- > 0;) {
             pixel = pixel << 8U | std::to_integer<std::uint32_t>(row[at + i]);
+        }
         return qRgba(red.of(pixel, 0), green.of(pixel, 0), blue.of(pixel, 0), alpha.of(pixel, 255));
     }
 
@@ -174,15 +184,17 @@ struct RowReader {
             }
             return;
         }
-        for (int x = 0; x < count; ++x)
+        for (int x = 0; x < count; ++x) {
             out[x] = header.bitsPerPixel <= 8 ? indexed(row, x) : direct(row, x);
+        }
     }
 };
 
 // A mask that promises alpha in a picture all of whose pixels have none left it unused.
 void ignoreUnusedAlpha(QImage& image) {
-    if (hasAnyAlpha(image))
+    if (hasAnyAlpha(image)) {
         return;
+    }
     for (int y = 0; y < image.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
         std::transform(row, row + image.width(), row,
@@ -195,8 +207,9 @@ void ignoreUnusedAlpha(QImage& image) {
 bool hasAnyAlpha(const QImage& image) {
     for (int y = 0; y < image.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
+        if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; })) {
             return true;
+        }
     }
     return false;
 }
@@ -209,15 +222,17 @@ DibHeader readDibHeader(std::span<const std::byte> bytes, DibUse use) {
     const ByteReader in(bytes);
     DibHeader header;
     header.headerSize = in.u32(0);
-    if (!isKnownHeader(header.headerSize))
+    if (!isKnownHeader(header.headerSize)) {
         throw DecodeError("the bitmap's header is not known");
+    }
     in.part(0, header.headerSize);
     readSizes(in, header, use);
     header.compression = compressionOf(in, header);
     requireKnownDepth(header);
     const std::size_t masks = readMasks(in, header);
-    if (use != DibUse::File && header.bitsPerPixel == 32 && header.masks[3] == 0)
+    if (use != DibUse::File && header.bitsPerPixel == 32 && header.masks[3] == 0) {
         header.masks[3] = 0xFF000000;
+    }
     header.paletteAt = header.headerSize + masks;
     header.paletteEntries = paletteEntries(in, header);
     header.pixelsAt = header.paletteAt + header.paletteEntries * header.paletteEntrySize;
@@ -229,8 +244,9 @@ std::vector<QRgb> readDibPalette(std::span<const std::byte> bytes, const DibHead
     std::vector<QRgb> palette;
     for (std::size_t i = 0; i < header.paletteEntries; ++i) {
         const std::size_t at = header.paletteAt + i * header.paletteEntrySize;
-        if (!in.has(at, 3))
+        if (!in.has(at, 3)) {
             break;
+        }
         palette.push_back(qRgb(in.u8(at + 2), in.u8(at + 1), in.u8(at)));
     }
     return palette;
@@ -244,24 +260,28 @@ QImage readDibPixels(std::span<const std::byte> bytes, const DibHeader& header,
 
 QImage readDibPixels(std::span<const std::byte> pixels, const DibHeader& header,
                      const std::vector<QRgb>& palette, DibUse use) {
-    if (header.compression == DibCompression::Rle4 || header.compression == DibCompression::Rle8)
+    if (header.compression == DibCompression::Rle4 || header.compression == DibCompression::Rle8) {
         return readRunLengths(pixels, header, palette);
+    }
     const std::size_t rowBytes = dibRowBytes(header.width, header.bitsPerPixel);
-    if (pixels.size() < rowBytes)
+    if (pixels.size() < rowBytes) {
         throw DecodeError("the bitmap has no pixels");
+    }
     QImage image = newImage({header.width, header.height}, QImage::Format_ARGB32);
     const RowReader reader{header, palette};
     for (int y = 0; y < header.height; ++y) {
         const std::size_t at = rowBytes * static_cast<std::size_t>(y);
-        if (at + rowBytes > pixels.size())
+        if (at + rowBytes > pixels.size()) {
             break;
+        }
         const int row = header.topDown ? y : header.height - 1 - y;
         reader.read(pixels.subspan(at, rowBytes), reinterpret_cast<QRgb*>(image.scanLine(row)),
                     header.width);
     }
     const bool isAlphaMeant = header.compression == DibCompression::AlphaBitFields;
-    if (use == DibUse::File && header.masks[3] != 0 && !isAlphaMeant)
+    if (use == DibUse::File && header.masks[3] != 0 && !isAlphaMeant) {
         ignoreUnusedAlpha(image);
+    }
     return image;
 }
 

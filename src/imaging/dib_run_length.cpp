@@ -24,8 +24,9 @@ class Canvas {
 
     // What sticks out of the row is dropped.
     void put(unsigned index) {
-        if (x_ >= header_.width || isFull())
+        if (x_ >= header_.width || isFull()) {
             return;
+        }
         const int row = header_.topDown ? y_ : header_.height - 1 - y_;
         reinterpret_cast<QRgb*>(image_.scanLine(row))[x_] =
             index < palette_.size() ? palette_[index] : qRgb(0, 0, 0);
@@ -63,16 +64,17 @@ class Runs {
         while (at_ + 1 < data_.size() && !canvas_.isFull()) {
             const unsigned count = next();
             const unsigned value = next();
-            if (count > 0)
+            if (count > 0) {
                 repeat(count, value);
-            else if (value == kEndOfRow)
+            } else if (value == kEndOfRow) {
                 canvas_.newRow();
-            else if (value == kEndOfBitmap)
+            } else if (value == kEndOfBitmap) {
                 return;
-            else if (value == kDelta)
+            } else if (value == kDelta) {
                 moveOn();
-            else
+            } else {
                 copy(value);
+            }
         }
     }
 
@@ -85,8 +87,9 @@ class Runs {
 
     void repeat(unsigned count, unsigned value) {
         const unsigned fitting = std::min(count, canvas_.room());
-        for (unsigned i = 0; i < fitting; ++i)
+        for (unsigned i = 0; i < fitting; ++i) {
             canvas_.put(!nibbles_ ? value : i % 2 == 0 ? value >> 4U : value & 0xFU);
+        }
     }
 
     void moveOn() {
@@ -100,8 +103,9 @@ class Runs {
         const std::size_t bytes = nibbles_ ? (count + 1) / 2 : count;
         for (unsigned i = 0; i < count; ++i) {
             const std::size_t from = at_ + (nibbles_ ? i / 2 : i);
-            if (from >= data_.size())
+            if (from >= data_.size()) {
                 break;
+            }
             const auto byte = std::to_integer<unsigned>(data_[from]);
             canvas_.put(!nibbles_ ? byte : i % 2 == 0 ? byte >> 4U : byte & 0xFU);
         }
@@ -118,8 +122,9 @@ class Runs {
 
 QImage readRunLengths(std::span<const std::byte> data, const DibHeader& header,
                       const std::vector<QRgb>& palette) {
-    if (data.size() < 2)
+    if (data.size() < 2) {
         throw DecodeError("the bitmap has no pixels");
+    }
     Canvas canvas(header, palette);
     Runs(data, header.compression == DibCompression::Rle4, canvas).play();
     return canvas.take();

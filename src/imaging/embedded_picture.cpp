@@ -25,11 +25,13 @@ std::optional<QImage> readByQt(std::span<const std::byte> bytes, const char* for
                                               static_cast<qsizetype>(bytes.size()));
     QBuffer buffer(&data);
     QImageReader reader(&buffer, format);
-    if (reader.size() != size)
+    if (reader.size() != size) {
         return std::nullopt;
+    }
     QImage image = reader.read();
-    if (image.isNull() || image.size() != size)
+    if (image.isNull() || image.size() != size) {
         return std::nullopt;
+    }
     // In place where the depth allows it: a second copy of a large picture is too much.
     image.convertTo(QImage::Format_ARGB32);
     return image;
@@ -39,10 +41,12 @@ std::optional<QImage> readByQt(std::span<const std::byte> bytes, const char* for
 
 std::optional<QImage> readEmbedded(std::span<const std::byte> bytes, const char* format,
                                    QSize size) {
-    if (!isPng(bytes) && QByteArrayView(format).compare("png", Qt::CaseInsensitive) == 0)
+    if (!isPng(bytes) && QByteArrayView(format).compare("png", Qt::CaseInsensitive) == 0) {
         return std::nullopt; // Qt would find out the same, and libpng print it
-    if (!isPng(bytes))
+    }
+    if (!isPng(bytes)) {
         return readByQt(bytes, format, size);
+    }
     try {
         return measurePng(bytes) == size ? std::optional(readPng(bytes)) : std::nullopt;
     } catch (const DecodeError&) {

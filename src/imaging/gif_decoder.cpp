@@ -37,8 +37,9 @@ using Gif = std::unique_ptr<GifFileType, CloseGif>;
 Gif openGif(Source& source) {
     int error = 0;
     Gif gif(DGifOpen(&source, readFromSource, &error));
-    if (!gif)
+    if (!gif) {
         throw DecodeError("the GIF picture's header cannot be read");
+    }
     return gif;
 }
 
@@ -48,15 +49,18 @@ constexpr int kNoTransparency = -1;
 void readExtension(GifFileType* gif, int& transparent) {
     int code = 0;
     GifByteType* block = nullptr;
-    if (DGifGetExtension(gif, &code, &block) == GIF_ERROR)
+    if (DGifGetExtension(gif, &code, &block) == GIF_ERROR) {
         throw DecodeError("the GIF picture is cut short");
+    }
     GraphicsControlBlock control{};
     while (block != nullptr) {
         if (code == GRAPHICS_EXT_FUNC_CODE && block[0] >= 4 &&
-            DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
+            DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK) {
             transparent = control.TransparentColor;
-        if (DGifGetExtensionNext(gif, &block) == GIF_ERROR)
+        }
+        if (DGifGetExtensionNext(gif, &block) == GIF_ERROR) {
             throw DecodeError("the GIF picture is cut short");
+        }
     }
 }
 
@@ -65,13 +69,15 @@ int findFirstPicture(GifFileType* gif) {
     int transparent = kNoTransparency;
     while (true) {
         GifRecordType record = UNDEFINED_RECORD_TYPE;
-        if (DGifGetRecordType(gif, &record) == GIF_ERROR || record == TERMINATE_RECORD_TYPE)
+        if (DGifGetRecordType(gif, &record) == GIF_ERROR || record == TERMINATE_RECORD_TYPE) {
             throw DecodeError("the GIF file holds no picture");
+        }
         if (record == EXTENSION_RECORD_TYPE) {
             readExtension(gif, transparent);
         } else if (record == IMAGE_DESC_RECORD_TYPE) {
-            if (DGifGetImageHeader(gif) == GIF_ERROR)
+            if (DGifGetImageHeader(gif) == GIF_ERROR) {
                 throw DecodeError("the GIF picture is cut short");
+            }
             return transparent;
         }
     }
@@ -129,8 +135,9 @@ std::vector<QRgb> coloursOf(const GifFileType* gif, int transparent) {
         const GifColorType& colour = map->Colors[i];
         colours[static_cast<std::size_t>(i)] = qRgb(colour.Red, colour.Green, colour.Blue);
     }
-    if (transparent >= 0 && transparent < static_cast<int>(kMostColours))
+    if (transparent >= 0 && transparent < static_cast<int>(kMostColours)) {
         colours[static_cast<std::size_t>(transparent)] = qRgba(0, 0, 0, 0);
+    }
     return colours;
 }
 
@@ -138,13 +145,15 @@ std::vector<QRgb> coloursOf(const GifFileType* gif, int transparent) {
 void paint(std::span<const GifPixelType> part, const GifImageDesc& picture, QPoint at,
            const std::vector<QRgb>& colours, QImage& screen) {
     const int y = picture.Top + at.y();
-    if (y >= screen.height())
+    if (y >= screen.height()) {
         return;
+    }
     auto* out = reinterpret_cast<QRgb*>(screen.scanLine(y));
     int x = picture.Left + at.x();
     for (const GifPixelType pixel : part) {
-        if (x >= screen.width())
+        if (x >= screen.width()) {
             return;
+        }
         out[x++] = colours[pixel];
     }
 }
@@ -155,8 +164,9 @@ int readRows(GifFileType* gif, const std::vector<QRgb>& colours, QImage& screen)
     std::vector<GifPixelType> line(static_cast<std::size_t>(picture.Width));
     int count = 0;
     for (Rows rows(picture); !rows.isDone(); rows.next(), ++count) {
-        if (DGifGetLine(gif, line.data(), picture.Width) == GIF_ERROR)
+        if (DGifGetLine(gif, line.data(), picture.Width) == GIF_ERROR) {
             break;
+        }
         paint(line, picture, {0, rows.row()}, colours, screen);
     }
     return count;
@@ -172,11 +182,13 @@ void readCutRow(std::span<const std::byte> bytes, int wholeRows, const std::vect
     const GifImageDesc& picture = gif->Image;
     std::vector<GifPixelType> line(static_cast<std::size_t>(picture.Width));
     Rows rows(picture);
-    for (int row = 0; row < wholeRows; ++row, rows.next())
+    for (int row = 0; row < wholeRows; ++row, rows.next()) {
         DGifGetLine(gif.get(), line.data(), picture.Width);
+    }
     GifPixelType pixel = 0;
-    for (int x = 0; x < picture.Width && DGifGetLine(gif.get(), &pixel, 1) == GIF_OK; ++x)
+    for (int x = 0; x < picture.Width && DGifGetLine(gif.get(), &pixel, 1) == GIF_OK; ++x) {
         paint({&pixel, 1}, picture, {x, rows.row()}, colours, screen);
+    }
 }
 
 PictureFacts factsOf(const GifFileType* gif) {
@@ -201,8 +213,9 @@ RasterPicture decodeGif(std::span<const std::byte> bytes) {
     QImage screen = newImage(facts.pixels, QImage::Format_ARGB32);
     const std::vector<QRgb> colours = coloursOf(gif.get(), transparent);
     const int whole = readRows(gif.get(), colours, screen);
-    if (whole < gif->Image.Height)
+    if (whole < gif->Image.Height) {
         readCutRow(bytes, whole, colours, screen);
+    }
     return {facts, screen};
 }
 

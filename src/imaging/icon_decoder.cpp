@@ -10,9 +10,10 @@ namespace {
 
 PictureFacts factsOf(const IconDirectory& icon, const IconFrame& frame) {
     PictureFacts facts = rasterFacts(icon.kind, frame.size, frame.bitsPerPixel);
-    if (icon.kind == PictureKind::Cur)
+    if (icon.kind == PictureKind::Cur) {
         facts.hotSpot = {std::clamp(frame.hotSpot.x(), 0, frame.size.width() - 1),
                          std::clamp(frame.hotSpot.y(), 0, frame.size.height() - 1)};
+    }
     return facts;
 }
 

@@ -60,8 +60,9 @@ void applyMask(QImage& image, std::span<const std::byte> mask, bool topDown) {
 QImage decodeDibFrame(const IconFrame& frame) {
     const DibHeader header = readDibHeader(frame.data, DibUse::IconFrame);
     QImage image = readDibPixels(frame.data, header, header.pixelsAt, DibUse::IconFrame);
-    if (header.bitsPerPixel == 32 && hasAnyAlpha(image))
+    if (header.bitsPerPixel == 32 && hasAnyAlpha(image)) {
         return image;
+    }
     const std::size_t pixels =
         dibRowBytes(header.width, header.bitsPerPixel) * static_cast<std::size_t>(header.height);
     applyMask(image, ByteReader(frame.data).rest(header.pixelsAt + pixels), header.topDown);
@@ -70,8 +71,9 @@ QImage decodeDibFrame(const IconFrame& frame) {
 
 QImage decodePngFrame(const IconFrame& frame) {
     const std::optional<QImage> image = readEmbedded(frame.data, "PNG", frame.size);
-    if (!image)
+    if (!image) {
         throw DecodeError("the icon's PNG picture cannot be read");
+    }
     return *image;
 }
 
@@ -91,8 +93,9 @@ IconDirectory readIconDirectory(std::span<const std::byte> bytes) {
         IconFrame frame;
         frame.entry = i;
         frame.data = in.rest(in.u32(at + 12)); // the stated length is often wrong
-        if (isCursor)
+        if (isCursor) {
             frame.hotSpot = {in.u16(at + 4), in.u16(at + 6)};
+        }
         try {
             measureFrame(frame);
             icon.frames.push_back(frame);
@@ -100,8 +103,9 @@ IconDirectory readIconDirectory(std::span<const std::byte> bytes) {
             cause = error.what();
         }
     }
-    if (icon.frames.empty())
+    if (icon.frames.empty()) {
         throw DecodeError(cause);
+    }
     std::stable_sort(icon.frames.begin(), icon.frames.end(),
                      [](const IconFrame& one, const IconFrame& other) {
                          return one.area() != other.area() ? one.area() > other.area()
@@ -125,8 +129,9 @@ ShownFrame decodeShownFrame(const IconDirectory& icon) {
 }
 
 std::size_t neededBytes(const IconFrame& frame) {
-    if (frame.isPng)
+    if (frame.isPng) {
         return 0;
+    }
     const DibHeader header = readDibHeader(frame.data, DibUse::IconFrame);
     const std::size_t needed = header.pixelsAt + dibRowBytes(header.width, header.bitsPerPixel) *
                                                      static_cast<std::size_t>(header.height);

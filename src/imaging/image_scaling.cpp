@@ -20,8 +20,9 @@ QRgb meanOfBlock(const QImage& image, const QRect& block, bool opaque) {
             sums[3] += alpha * static_cast<std::uint64_t>(qBlue(row[x]));
         }
     }
-    if (sums[0] == 0)
+    if (sums[0] == 0) {
         return qRgba(0, 0, 0, 0);
+    }
     const auto pixels =
         static_cast<std::uint64_t>(block.width()) * static_cast<std::uint64_t>(block.height());
     return qRgba(static_cast<int>(sums[1] / sums[0]), static_cast<int>(sums[2] / sums[0]),
@@ -36,8 +37,9 @@ QImage meanOfBlocks(const QImage& image, int factor) {
     QImage reduced(image.width() / factor, image.height() / factor, QImage::Format_ARGB32);
     for (int y = 0; y < reduced.height(); ++y) {
         auto* out = reinterpret_cast<QRgb*>(reduced.scanLine(y));
-        for (int x = 0; x < reduced.width(); ++x)
+        for (int x = 0; x < reduced.width(); ++x) {
             out[x] = meanOfBlock(source, QRect(x * factor, y * factor, factor, factor), opaque);
+        }
     }
     return reduced;
 }

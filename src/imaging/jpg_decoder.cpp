@@ -65,8 +65,9 @@ void requireSensibleMemory(const ByteReader& in, QSize size, bool isTurned) {
     const double kept = frame.hasManyScans ? 2 * frame.samplesPerPixel : 0;
     const double turning = isTurned ? kBytesPerPixel : 0;
     const double pixels = double(size.width()) * size.height();
-    if (pixels * (kBytesPerPixel + std::max(kept, turning)) > double(kMostMemory))
+    if (pixels * (kBytesPerPixel + std::max(kept, turning)) > double(kMostMemory)) {
         throw DecodeError("the JPG picture takes more than 200 megabytes to decode");
+    }
 }
 
 // A reader over the bytes; both live as long as this does.
@@ -78,13 +79,15 @@ struct Reader {
           reader(&buffer, "JPG") {
         reader.setAutoTransform(true);
         size = reader.size();
-        if (!size.isValid())
+        if (!size.isValid()) {
             throw DecodeError("the JPG picture's header cannot be read");
+        }
         requireSensibleSize(size.width(), size.height());
         const bool isTurned = reader.transformation() != QImageIOHandler::TransformationNone;
         requireSensibleMemory(ByteReader(bytes), size, isTurned);
-        if (reader.transformation().testFlag(QImageIOHandler::TransformationRotate90))
+        if (reader.transformation().testFlag(QImageIOHandler::TransformationRotate90)) {
             size.transpose();
+        }
     }
 
     PictureFacts facts() const {
@@ -106,8 +109,9 @@ QSize readingSize(QSize stored, QSize upright, QSize box) {
     const QSize shown = upright.scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1});
     int divisor = 1;
     while (divisor < 8 && upright.width() / (2 * divisor) >= shown.width() &&
-           upright.height() / (2 * divisor) >= shown.height())
+           upright.height() / (2 * divisor) >= shown.height()) {
         divisor *= 2;
+    }
     return QSize(stored.width() / divisor, stored.height() / divisor).expandedTo({1, 1});
 }
 
@@ -121,11 +125,13 @@ RasterPicture decodeJpg(std::span<const std::byte> bytes, QSize box) {
     limitReaders();
     Reader reader(bytes);
     const PictureFacts facts = reader.facts();
-    if (!box.isEmpty())
+    if (!box.isEmpty()) {
         reader.reader.setScaledSize(readingSize(reader.reader.size(), reader.size, box));
+    }
     const QImage image = reader.reader.read();
-    if (image.isNull())
+    if (image.isNull()) {
         throw DecodeError("the JPG picture cannot be read");
+    }
     return {facts, image};
 }
 

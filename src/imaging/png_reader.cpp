@@ -14,8 +14,9 @@ class Reader {
   public:
     explicit Reader(std::span<const std::byte> bytes) {
         image_.version = PNG_IMAGE_VERSION;
-        if (png_image_begin_read_from_memory(&image_, bytes.data(), bytes.size()) == 0)
+        if (png_image_begin_read_from_memory(&image_, bytes.data(), bytes.size()) == 0) {
             fail();
+        }
     }
     ~Reader() { png_image_free(&image_); }
     Reader(const Reader&) = delete;
@@ -28,8 +29,9 @@ class Reader {
         constexpr bool kLittle = std::endian::native == std::endian::little;
         image_.format = kLittle ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
         const auto stride = static_cast<png_int_32>(into.bytesPerLine());
-        if (png_image_finish_read(&image_, nullptr, into.bits(), stride, nullptr) == 0)
+        if (png_image_finish_read(&image_, nullptr, into.bits(), stride, nullptr) == 0) {
             fail();
+        }
     }
 
   private:

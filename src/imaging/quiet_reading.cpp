@@ -14,8 +14,9 @@ std::atomic<QtMessageHandler> otherwise = nullptr;
 void handle(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     const bool isDropped = quietDepth > 0 && type != QtCriticalMsg && type != QtFatalMsg;
     const QtMessageHandler next = otherwise;
-    if (!isDropped && next != nullptr)
+    if (!isDropped && next != nullptr) {
         next(type, context, message);
+    }
 }
 
 } // namespace

@@ -29,11 +29,13 @@ PlusHalf betterHalf(std::span<const std::byte> bytes) {
     Surveyor surveyor;
     readPlusComments(bytes, surveyor);
     const PlusSurvey& survey = surveyor.survey;
-    if (!survey.found())
+    if (!survey.found()) {
         return PlusHalf::Ignored;
+    }
     const DrawingWithoutPlus without = drawingWithoutPlus(bytes);
-    if (without == DrawingWithoutPlus::Before)
+    if (without == DrawingWithoutPlus::Before) {
         return survey.isDual() ? PlusHalf::Ignored : PlusHalf::Beside;
+    }
     const bool isBest =
         !survey.isDual() || survey.drawsBetter() || without == DrawingWithoutPlus::Nowhere;
     return isBest ? PlusHalf::Played : PlusHalf::Ignored;
@@ -49,8 +51,9 @@ template <typename Play>
 Drawing played(Canvas& canvas, Play play) {
     Completeness completeness = Completeness::Part;
     try {
-        if (play() == FileEnd::Reached && !canvas.budget().pictures().haveRefused())
+        if (play() == FileEnd::Reached && !canvas.budget().pictures().haveRefused()) {
             completeness = Completeness::Whole;
+        }
     } catch (const WorkExhausted&) {
         completeness = Completeness::Part;
     }
@@ -62,8 +65,9 @@ Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& bud
 class Nested : public NestedMetafiles {
   public:
     QRectF frameOf(std::span<const std::byte> bytes) const override {
-        if (isEmf(bytes))
+        if (isEmf(bytes)) {
             return readEmfLayout(bytes).frame;
+        }
         const WmfLayout layout = readWmfLayout(bytes);
         return layout.unitsPerInch > 0 ? layout.window.normalized() : QRectF();
     }
@@ -93,8 +97,9 @@ Drawing drawWmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget
     constexpr double kMillimetresPerInch = 25.4;
     // The enhanced metafile that a file was made of shows more than what was left of it.
     const std::vector<std::byte> original = readEmbeddedEmf(bytes);
-    if (isEmf(original))
+    if (isEmf(original)) {
         return drawEmf(original, size, budget);
+    }
     const Nested nested;
     const WmfLayout layout = readWmfLayout(bytes);
     const double perInch = layout.unitsPerInch > 0 ? layout.unitsPerInch : kPixelsPerInch;

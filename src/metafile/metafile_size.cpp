@@ -26,8 +26,9 @@ PictureFacts metafileFacts(PictureKind kind, double width, double height) {
         side = std::abs(side);
         return std::isfinite(side) && side >= 1 && side <= kMostTwips;
     };
-    if (!sensible(width) || !sensible(height))
+    if (!sensible(width) || !sensible(height)) {
         width = height = kDefaultSide;
+    }
     width = std::abs(width);
     height = std::abs(height);
     PictureFacts facts;
@@ -59,8 +60,9 @@ PictureFacts measureWmf(std::span<const std::byte> bytes) {
 } // namespace
 
 std::optional<PictureKind> sniff(std::span<const std::byte> bytes) {
-    if (isEmf(bytes))
+    if (isEmf(bytes)) {
         return PictureKind::Emf;
+    }
     return isWmf(bytes) ? std::optional(PictureKind::Wmf) : std::nullopt;
 }
 

@@ -38,8 +38,9 @@ Picture decode(std::span<const std::byte> bytes) {
 
 Picture decodeFor(std::span<const std::byte> bytes, QSize box) {
     try {
-        if (metafile::sniff(bytes))
+        if (metafile::sniff(bytes)) {
             return {metafile::measure(bytes), copyOf(bytes)};
+        }
     } catch (const std::bad_alloc&) {
         throw DecodeError("there is no memory for the picture");
     }
@@ -64,15 +65,18 @@ QImage Picture::drawnAt(QSize size) const {
 }
 
 QImage Picture::scaledTo(QSize box) const {
-    if (box.isEmpty())
+    if (box.isEmpty()) {
         return {};
+    }
     QSize size = facts_.pixels;
     const bool fits = size.width() <= box.width() && size.height() <= box.height();
-    if (!fits || !isRaster(facts_.kind))
+    if (!fits || !isRaster(facts_.kind)) {
         size.scale(box, Qt::KeepAspectRatio);
+    }
     size = size.expandedTo({1, 1});
-    if (isRaster(facts_.kind))
+    if (isRaster(facts_.kind)) {
         return size == image_.size() ? image_ : imaging::smoothlyScaled(image_, size);
+    }
     return drawnAt(size);
 }
 
@@ -83,10 +87,11 @@ void Picture::paint(QPainter& painter, const QRectF& target) const {
     const bool shrinks = needed.width() < image_.width() && needed.height() < image_.height();
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (!isRaster(facts_.kind))
+    if (!isRaster(facts_.kind)) {
         painter.drawImage(target, drawnAt(needed));
-    else
+    } else {
         painter.drawImage(target, shrinks ? imaging::smoothlyScaled(image_, needed) : image_);
+    }
     painter.restore();
 }
 

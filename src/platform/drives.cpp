@@ -43,16 +43,20 @@ bool isBelow(const QString& path, const QString& folder) {
 }
 
 bool isSystemMount(const QString& point) {
-    for (const char* folder : kSystemFolders)
-        if (isBelow(point, QString::fromLatin1(folder)))
+    for (const char* folder : kSystemFolders) {
+        if (isBelow(point, QString::fromLatin1(folder))) {
             return true;
+        }
+    }
     return isBelow(point, QStringLiteral("/run")) && !isBelow(point, QStringLiteral("/run/media"));
 }
 
 bool isKernelFileSystem(const QByteArray& type) {
-    for (const char* name : kKernelFileSystems)
-        if (type == name)
+    for (const char* name : kKernelFileSystems) {
+        if (type == name) {
             return true;
+        }
+    }
     return false;
 }
 
@@ -88,8 +92,9 @@ void tryListing(const std::filesystem::path& folder, Answer& answer) {
     answer.isListable = stream != nullptr && errno == 0;
     answer.isDone = true;
     answer.isKnown.notify_one();
-    if (stream != nullptr)
+    if (stream != nullptr) {
         ::closedir(stream);
+    }
 }
 
 } // namespace
@@ -99,13 +104,15 @@ QStringList mountedVolumes(const QByteArray& mountTable) {
     for (const QByteArray& line : mountTable.split('\n')) {
         const QList<QByteArray> fields = line.split(' ');
         const qsizetype separator = fields.indexOf("-", kFirstOptionalField);
-        if (separator < 0 || separator + 1 >= fields.size())
+        if (separator < 0 || separator + 1 >= fields.size()) {
             continue;
+        }
         const QString point = fromFilePath(unescaped(fields.at(kMountPointField)).toStdString());
         if (point.startsWith(u'/') && point.size() > 1 &&
             !isKernelFileSystem(fields.at(separator + 1)) && !isSystemMount(point) &&
-            !volumes.contains(point))
+            !volumes.contains(point)) {
             volumes += point;
+        }
     }
     volumes.sort(Qt::CaseInsensitive);
     return volumes;
@@ -114,21 +121,27 @@ QStringList mountedVolumes(const QByteArray& mountTable) {
 QStringList drives() {
     QStringList result{QStringLiteral("/")};
     const QString home = QDir::homePath();
-    if (!result.contains(home))
+    if (!result.contains(home)) {
         result += home;
+    }
     QFile table(QStringLiteral("/proc/self/mountinfo"));
-    if (table.open(QIODevice::ReadOnly))
-        for (const QString& volume : mountedVolumes(table.readAll()))
-            if (!result.contains(volume))
+    if (table.open(QIODevice::ReadOnly)) {
+        for (const QString& volume : mountedVolumes(table.readAll())) {
+            if (!result.contains(volume)) {
                 result += volume;
+            }
+        }
+    }
     return result;
 }
 
 QString driveOf(const QString& folder, const QStringList& candidates) {
     QString best;
-    for (const QString& candidate : candidates)
-        if (isBelow(folder, candidate) && candidate.size() > best.size())
+    for (const QString& candidate : candidates) {
+        if (isBelow(folder, candidate) && candidate.size() > best.size()) {
             best = candidate;
+        }
+    }
     return best;
 }
 

@@ -25,16 +25,18 @@ template <typename Ask>
 bool askText(Ask ask, std::string& text) {
     for (;;) {
         const ssize_t size = ask(nullptr, 0);
-        if (size < 0)
+        if (size < 0) {
             return false;
+        }
         text.resize(static_cast<std::size_t>(size));
         const ssize_t length = size == 0 ? 0 : ask(text.data(), text.size());
         if (length >= 0) {
             text.resize(static_cast<std::size_t>(length));
             return true;
         }
-        if (errno != ERANGE)
+        if (errno != ERANGE) {
             return false;
+        }
     }
 }
 
@@ -53,8 +55,9 @@ void copyExtendedAttributes(int from, const path& fromPath, int to, const path& 
         return ::flistxattr(from, into, size);
     };
     if (!askText(askNames, names)) {
-        if (isMissing(errno))
+        if (isMissing(errno)) {
             return;
+        }
         throw systemError(errno, fromPath, "read attributes");
     }
     for (std::size_t at = 0; at < names.size();) {
@@ -64,11 +67,13 @@ void copyExtendedAttributes(int from, const path& fromPath, int to, const path& 
         const auto ask = [&](char* into, std::size_t size) {
             return ::fgetxattr(from, name.c_str(), into, size);
         };
-        if (name == kAccessList || !askText(ask, value))
+        if (name == kAccessList || !askText(ask, value)) {
             continue; // the list comes later; what cannot be read, or is just gone, is not ours
+        }
         if (::fsetxattr(to, name.c_str(), value.data(), value.size(), 0) != 0 &&
-            !mayStayBehind(name, errno))
+            !mayStayBehind(name, errno)) {
             throw systemError(errno, toPath, "write attributes");
+        }
     }
 }
 
@@ -79,8 +84,9 @@ void copyAccessList(int from, const path& fromPath, int to, const path& toPath) 
         return ::fgetxattr(from, kAccessList, into, size);
     };
     if (!askText(ask, list)) {
-        if (!isMissing(errno))
+        if (!isMissing(errno)) {
             throw systemError(errno, fromPath, "read access list");
+        }
         (void)::fremovexattr(to, kAccessList);
     } else if (::fsetxattr(to, kAccessList, list.data(), list.size(), 0) != 0 && errno != EPERM) {
         throw systemError(errno, toPath, "write access list");
@@ -91,8 +97,9 @@ void copyAccessList(int from, const path& fromPath, int to, const path& toPath) 
 // the group at best. Tells whether the group is kept.
 bool copyOwner(const struct stat& owner, int to) {
     if (::fchown(to, owner.st_uid, owner.st_gid) == 0 ||
-        ::fchown(to, static_cast<uid_t>(-1), owner.st_gid) == 0)
+        ::fchown(to, static_cast<uid_t>(-1), owner.st_gid) == 0) {
         return true;
+    }
     struct stat status {};
     return ::fstat(to, &status) == 0 && status.st_gid == owner.st_gid;
 }
@@ -101,8 +108,9 @@ bool copyOwner(const struct stat& owner, int to) {
 
 void copyFileAttributes(int from, const path& fromPath, int to, const path& toPath) {
     struct stat status {};
-    if (::fstat(from, &status) != 0)
+    if (::fstat(from, &status) != 0) {
         throw systemError(errno, fromPath, "get attributes");
+    }
     copyExtendedAttributes(from, fromPath, to, toPath);
     // The mode comes last because a change of owner resets parts of it.
     mode_t mode = status.st_mode & kPermissionBits;
@@ -112,8 +120,9 @@ void copyFileAttributes(int from, const path& fromPath, int to, const path& toPa
         const mode_t everybodys = mode & S_IRWXO;
         mode &= ~static_cast<mode_t>(S_IRWXG) | (everybodys << 3U);
     }
-    if (::fchmod(to, mode) != 0 && errno != EPERM)
+    if (::fchmod(to, mode) != 0 && errno != EPERM) {
         throw systemError(errno, toPath, "set permissions");
+    }
 }
 
 } // namespace platform

@@ -23,8 +23,9 @@ constexpr mode_t kUsualMode = 0666;
 constexpr mode_t kOwnersMode = 0600;
 
 void requireRegular(const struct stat& status, const std::filesystem::path& path) {
-    if (!S_ISREG(status.st_mode))
+    if (!S_ISREG(status.st_mode)) {
         throw Error(ErrorCode::Failed, path, "not a regular file");
+    }
 }
 
 void copyBytes(const FileDescriptor& source, const std::filesystem::path& from,
@@ -32,17 +33,21 @@ void copyBytes(const FileDescriptor& source, const std::filesystem::path& from,
     std::array<char, std::size_t{64} * 1024> buffer;
     for (;;) {
         const ssize_t count = ::read(source.get(), buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR)
+        if (count < 0 && errno == EINTR) {
             continue;
-        if (count < 0)
+        }
+        if (count < 0) {
             throw systemError(errno, from, "read");
-        if (count == 0)
+        }
+        if (count == 0) {
             return;
+        }
         for (ssize_t done = 0; done < count;) {
             const ssize_t written =
                 ::write(target.get(), buffer.data() + done, static_cast<std::size_t>(count - done));
-            if (written < 0 && errno != EINTR)
+            if (written < 0 && errno != EINTR) {
                 throw systemError(errno, to, "write");
+            }
             done += written < 0 ? 0 : written;
         }
     }
@@ -62,27 +67,31 @@ bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& o
 } // namespace
 
 FileDescriptor::~FileDescriptor() {
-    if (number_ >= 0)
+    if (number_ >= 0) {
         ::close(number_);
+    }
 }
 
 FileDescriptor openRegularFile(const std::filesystem::path& path, int flags, struct stat* opened) {
     // Without O_NONBLOCK a pipe of that name would make the opening wait for a writer.
     struct stat status {};
     FileDescriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0)
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0) {
         throw systemError(errno, path, "open");
+    }
     requireRegular(status, path);
-    if (opened != nullptr)
+    if (opened != nullptr) {
         *opened = status;
+    }
     return descriptor;
 }
 
 FileDescriptor createFile(const std::filesystem::path& path, Readers readers) {
     FileDescriptor descriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
                                      readers == Readers::Usual ? kUsualMode : kOwnersMode));
-    if (!descriptor.isOpen())
+    if (!descriptor.isOpen()) {
         throw systemError(errno, path, "create");
+    }
     return descriptor;
 }
 
@@ -92,8 +101,9 @@ void copyDurably(const std::filesystem::path& from, const std::filesystem::path&
     try {
         copyBytes(source, from, target, to);
         copyFileAttributes(source.get(), from, target.get(), to);
-        if (::fsync(target.get()) != 0)
+        if (::fsync(target.get()) != 0) {
             throw systemError(errno, to, "sync");
+        }
     } catch (...) {
         ::unlink(to.c_str());
         throw;
@@ -105,8 +115,9 @@ void copyDurably(const std::filesystem::path& from, const std::filesystem::path&
 void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to) {
     // A server whose answer got lost is asked again, and then finds the link that it has made.
     if (::link(from.c_str(), to.c_str()) != 0 && !(errno == EEXIST && isSameFile(from, to))) {
-        if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK)
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK) {
             throw systemError(errno, errno == EEXIST ? to : from, "rename");
+        }
         throw Error(ErrorCode::Failed, to,
                     "the file system can neither rename a file without replacing another one nor "
                     "give a file a second name");
@@ -120,19 +131,23 @@ void renameByLinking(const std::filesystem::path& from, const std::filesystem::p
 
 void renameFileWithoutReplacing(const std::filesystem::path& from,
                                 const std::filesystem::path& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
         return;
-    if (errno == EINVAL || errno == ENOSYS)
+    }
+    if (errno == EINVAL || errno == ENOSYS) {
         return renameByLinking(from, to);
+    }
     throw systemError(errno, errno == EEXIST ? to : from, "rename");
 }
 
 void syncFolderEntries(const std::filesystem::path& folder) {
     const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!descriptor.isOpen())
+    if (!descriptor.isOpen()) {
         throw systemError(errno, folder, "open");
-    if (::fsync(descriptor.get()) != 0 && errno != EINVAL && errno != EROFS)
+    }
+    if (::fsync(descriptor.get()) != 0 && errno != EINVAL && errno != EROFS) {
         throw systemError(errno, folder, "sync");
+    }
 }
 
 std::filesystem::path folderOf(const std::filesystem::path& path) {

@@ -89,10 +89,12 @@ std::size_t NativeFile::read(std::uint64_t offset, std::span<std::byte> into) {
     while (done < into.size()) {
         const ssize_t count = ::pread(descriptor(), into.data() + done, into.size() - done,
                                       static_cast<off_t>(offset + done));
-        if (count == 0)
+        if (count == 0) {
             break;
-        if (count < 0 && errno != EINTR)
+        }
+        if (count < 0 && errno != EINTR) {
             throw systemError(errno, path_, "read");
+        }
         done += count < 0 ? 0 : static_cast<std::size_t>(count);
     }
     return done;
@@ -103,30 +105,35 @@ void NativeFile::write(std::uint64_t offset, std::span<const std::byte> bytes) {
     while (done < bytes.size()) {
         const ssize_t count = ::pwrite(descriptor(), bytes.data() + done, bytes.size() - done,
                                        static_cast<off_t>(offset + done));
-        if (count < 0 && errno != EINTR)
+        if (count < 0 && errno != EINTR) {
             throw systemError(errno, path_, "write");
+        }
         done += count < 0 ? 0 : static_cast<std::size_t>(count);
     }
 }
 
 void NativeFile::sync() {
-    if ((hasNewAttributes_ ? ::fsync(descriptor()) : ::fdatasync(descriptor())) != 0)
+    if ((hasNewAttributes_ ? ::fsync(descriptor()) : ::fdatasync(descriptor())) != 0) {
         throw systemError(errno, path_, "sync");
+    }
     hasNewAttributes_ = false;
 }
 
 void NativeFile::truncate(std::uint64_t size) {
-    while (::ftruncate(descriptor(), static_cast<off_t>(size)) != 0)
-        if (errno != EINTR)
+    while (::ftruncate(descriptor(), static_cast<off_t>(size)) != 0) {
+        if (errno != EINTR) {
             throw systemError(errno, path_, "change size");
+        }
+    }
 }
 
 std::uint64_t NativeFile::size() {
     struct stat status {};
     const bool isTold =
         isShared_ ? askStatus(descriptor(), status) : ::fstat(descriptor(), &status) == 0;
-    if (!isTold)
+    if (!isTold) {
         throw systemError(errno, path_, "get size");
+    }
     return static_cast<std::uint64_t>(status.st_size);
 }
 
@@ -135,62 +142,75 @@ void NativeFile::extend(std::uint64_t to) {
     while (to > from && ::fallocate(descriptor(), 0, static_cast<off_t>(from),
                                     static_cast<off_t>(to - from)) != 0) {
         const int cause = errno;
-        if (cause == EINTR)
+        if (cause == EINTR) {
             continue;
-        if (size() > from) // a part of it was given
+        }
+        if (size() > from) { // a part of it was given
             truncate(from);
-        if (cause == EOPNOTSUPP)
+        }
+        if (cause == EOPNOTSUPP) {
             return DiskFile::extend(to);
+        }
         throw systemError(cause, path_, "write");
     }
 }
 
 bool NativeFile::tryLock() {
-    if (::flock(descriptor(), LOCK_EX | LOCK_NB) == 0)
+    if (::flock(descriptor(), LOCK_EX | LOCK_NB) == 0) {
         return true;
+    }
     // Network file systems refuse the exclusive lock to a handle that only reads; the shared one
     // still keeps every writer out.
-    if (errno == EBADF && ::flock(descriptor(), LOCK_SH | LOCK_NB) == 0)
+    if (errno == EBADF && ::flock(descriptor(), LOCK_SH | LOCK_NB) == 0) {
         return true;
+    }
     // The name was remembered of a file that another machine has removed or replaced meanwhile.
     // There is nobody to keep out of it; isStillAtPath() tells.
     isGone_ = isShared_ && (errno == ESTALE || errno == ENOENT);
-    if (!isGone_ && errno != EWOULDBLOCK && errno != EINTR)
+    if (!isGone_ && errno != EWOULDBLOCK && errno != EINTR) {
         throw lockFailure(errno, path_);
+    }
     return isGone_;
 }
 
 bool NativeFile::waitForLock(std::chrono::milliseconds wait) {
-    if (tryLock())
+    if (tryLock()) {
         return true;
+    }
     const auto end = std::chrono::steady_clock::now() + wait;
     while (!tryLock()) {
         const auto left = end - std::chrono::steady_clock::now();
-        if (left <= std::chrono::nanoseconds::zero())
+        if (left <= std::chrono::nanoseconds::zero()) {
             return false;
+        }
         std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(left, kLockPollInterval));
     }
     return true;
 }
 
 bool NativeFile::lock(std::chrono::milliseconds wait) {
-    if (!waitForLock(wait))
+    if (!waitForLock(wait)) {
         return false;
-    if (isShared_ && !isGone_)
+    }
+    if (isShared_ && !isGone_) {
         forgetContent(descriptor());
+    }
     return true;
 }
 
 bool NativeFile::isStillAtPath() {
-    if (isShared_)
+    if (isShared_) {
         forgetName(path_);
-    if (isGone_ || (isShared_ && isRetired(descriptor())))
+    }
+    if (isGone_ || (isShared_ && isRetired(descriptor()))) {
         return false;
+    }
     const bool isThere = isShared_ ? askStatus(path_, named_) : ::stat(path_.c_str(), &named_) == 0;
     if (!isThere) {
         // A handle of a file that another machine has removed is stale on some systems.
-        if (errno == ENOENT || errno == ENOTDIR || errno == ESTALE)
+        if (errno == ENOENT || errno == ENOTDIR || errno == ESTALE) {
             return false;
+        }
         throw systemError(errno, path_, "get identity");
     }
     return named_.st_dev == opened_.st_dev && named_.st_ino == opened_.st_ino;
@@ -199,8 +219,9 @@ bool NativeFile::isStillAtPath() {
 // What isStillAtPath() has found under the lock; every call to the system counts in short readings.
 // Clocks of other machines go differently, so the time stamps of a shared volume prove nothing.
 std::optional<compound::FileIdentity> NativeFile::identity() {
-    if (isShared_ || named_.st_ino == 0)
+    if (isShared_ || named_.st_ino == 0) {
         return std::nullopt;
+    }
     const auto sinceEpoch = [](const struct timespec& time) {
         return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
     };
@@ -216,8 +237,9 @@ std::optional<compound::FileIdentity> NativeFile::identity() {
 }
 
 void NativeFile::retire() noexcept {
-    if (isShared_)
+    if (isShared_) {
         markRetired(descriptor());
+    }
 }
 
 void NativeFile::takeAttributes(const NativeFile& from) {
@@ -227,8 +249,9 @@ void NativeFile::takeAttributes(const NativeFile& from) {
 
 NativeFile& nativeFile(DiskFile& file) {
     auto* native = dynamic_cast<NativeFile*>(&file);
-    if (native == nullptr)
+    if (native == nullptr) {
         throw Error(ErrorCode::Failed, file.path(), "not a file of this disk");
+    }
     return *native;
 }
 
@@ -265,8 +288,9 @@ FileDescriptor openAgain(const path& filePath, int flags, struct stat& status) {
     try {
         return openRegularFile(filePath, flags, &status);
     } catch (const Error& error) {
-        if (errno == ESTALE)
+        if (errno == ESTALE) {
             throw Error(ErrorCode::Locked, filePath, error.cause());
+        }
         throw;
     }
 }
@@ -279,8 +303,9 @@ std::unique_ptr<DiskFile> NativeDisk::open(const path& filePath, Access access) 
         descriptor = openRegularFile(filePath, flags, &status);
     } catch (const Error&) {
         // Another machine may have made or replaced the file since its name was remembered here.
-        if (!isShared(folderOf(filePath)))
+        if (!isShared(folderOf(filePath))) {
             throw;
+        }
         forgetName(filePath);
         descriptor = openAgain(filePath, flags, status);
     }
@@ -298,8 +323,9 @@ std::unique_ptr<DiskFile> NativeDisk::createPrivate(const path& filePath) {
 std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath, Readers readers) const {
     FileDescriptor descriptor = createFile(filePath, readers);
     struct stat status {};
-    if (::fstat(descriptor.get(), &status) != 0)
+    if (::fstat(descriptor.get(), &status) != 0) {
         throw systemError(errno, filePath, "create");
+    }
     return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }
 
@@ -308,31 +334,37 @@ void NativeDisk::copyAttributes(DiskFile& from, DiskFile& to) {
 }
 
 bool isRegularEntry(int folder, const dirent& entry) {
-    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK)
+    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) {
         return entry.d_type == DT_REG;
+    }
     struct stat status {};
     return ::fstatat(folder, entry.d_name, &status, 0) == 0 && S_ISREG(status.st_mode);
 }
 
 std::vector<compound::FolderEntry> NativeDisk::list(const path& folder) {
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
-    if (!stream)
+    if (!stream) {
         throw systemError(errno, folder, "list");
+    }
     struct stat status {};
-    if (surroundings_.volumes == Volumes::AllShared || isSharedVolume(::dirfd(stream.get())))
+    if (surroundings_.volumes == Volumes::AllShared || isSharedVolume(::dirfd(stream.get()))) {
         (void)askStatus(::dirfd(stream.get()), status); // a newer folder is read anew
+    }
     std::vector<compound::FolderEntry> entries;
     for (;;) {
         errno = 0;
         const dirent* entry = ::readdir(stream.get());
-        if (entry == nullptr)
+        if (entry == nullptr) {
             break;
+        }
         const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
+        if (name != "." && name != "..") {
             entries.push_back({path(name), isRegularEntry(::dirfd(stream.get()), *entry)});
+        }
     }
-    if (errno != 0)
+    if (errno != 0) {
         throw systemError(errno, folder, "list");
+    }
     return entries;
 }
 
@@ -343,8 +375,9 @@ bool NativeDisk::exists(const path& filePath) {
         forgetName(filePath);
         failure = ::lstat(filePath.c_str(), &status) == 0 ? 0 : errno;
     }
-    if (failure != 0 && failure != ENOENT && failure != ENOTDIR)
+    if (failure != 0 && failure != ENOENT && failure != ENOTDIR) {
         throw systemError(failure, filePath, "look up");
+    }
     return failure == 0;
 }
 
@@ -353,17 +386,20 @@ void NativeDisk::renameWithoutReplacing(const path& from, const path& to) {
 }
 
 void NativeDisk::renameReplacing(const path& from, const path& to) {
-    if (::rename(from.c_str(), to.c_str()) != 0)
+    if (::rename(from.c_str(), to.c_str()) != 0) {
         throw systemError(errno, from, "rename");
+    }
 }
 
 path NativeDisk::resolved(const path& filePath) {
     std::error_code failure;
-    if (!std::filesystem::is_symlink(filePath, failure))
+    if (!std::filesystem::is_symlink(filePath, failure)) {
         return filePath;
+    }
     path target = std::filesystem::canonical(filePath, failure);
-    if (failure)
+    if (failure) {
         throw systemError(failure.value(), filePath, "follow link");
+    }
     return target;
 }
 
@@ -374,8 +410,9 @@ void NativeDisk::linkAs(const path& pattern, const path& target, const path& fil
         const path folder = std::filesystem::canonical(folderOf(filePath), failure);
         content = failure ? target : target.lexically_relative(folder);
     }
-    if (::symlink(content.c_str(), filePath.c_str()) != 0)
+    if (::symlink(content.c_str(), filePath.c_str()) != 0) {
         throw systemError(errno, filePath, "link");
+    }
 }
 
 void NativeDisk::syncFolder(const path& folder) {
@@ -387,8 +424,9 @@ void NativeDisk::trash(const path& filePath) {
 }
 
 void NativeDisk::removeTemporary(const path& filePath) {
-    if (::unlink(filePath.c_str()) != 0 && errno != ENOENT)
+    if (::unlink(filePath.c_str()) != 0 && errno != ENOENT) {
         throw systemError(errno, filePath, "remove");
+    }
 }
 
 } // namespace

@@ -28,10 +28,11 @@ QString withSingleSlashes(const QString& text) {
     result.reserve(text.size());
     for (QChar character : text) {
         const bool isSeparator = character == u'\\' || character == u'/';
-        if (!isSeparator)
+        if (!isSeparator) {
             result += character;
-        else if (!result.endsWith(u'/'))
+        } else if (!result.endsWith(u'/')) {
             result += u'/';
+        }
     }
     return result;
 }
@@ -77,30 +78,36 @@ QString userSettingsFolder() {
 
 QStringList systemSettingsFolders() {
     const QString root = homeRoot();
-    if (!root.isEmpty())
+    if (!root.isEmpty()) {
         return {joinPath(root, QStringLiteral("settings"))};
+    }
     QStringList folders;
     const QString user = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     for (const QString& folder :
-         QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation))
-        if (folder != user)
+         QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation)) {
+        if (folder != user) {
             folders += joinPath(folder, kProgramName);
+        }
+    }
     return folders;
 }
 
 QString nativePath(const QString& text) {
     QString path = withSingleSlashes(text);
-    if (isBelowStudio(path))
+    if (isBelowStudio(path)) {
         return studioFolder() + path.mid(kStudioPrefix.size());
-    if (!startsWithDrive(path))
+    }
+    if (!startsWithDrive(path)) {
         return path;
+    }
     const QString rest = path.mid(2);
     return rest.startsWith(u'/') ? rest : u'/' + rest;
 }
 
 QString joinPath(const QString& folder, const QString& name) {
-    if (folder.isEmpty() || folder.endsWith(u'/') || folder.endsWith(u'\\'))
+    if (folder.isEmpty() || folder.endsWith(u'/') || folder.endsWith(u'\\')) {
         return folder + name;
+    }
     const bool isBackslashed = folder.contains(u'\\') || startsWithDrive(folder);
     return folder + (isBackslashed && !folder.contains(u'/') ? u'\\' : u'/') + name;
 }

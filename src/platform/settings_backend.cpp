@@ -32,8 +32,9 @@ QString userFile() {
 void reportOnce(const std::string& message) {
     static QSet<QString> reported;
     const QString text = QString::fromStdString(message);
-    if (reported.contains(text))
+    if (reported.contains(text)) {
         return;
+    }
     reported.insert(text);
     std::cerr << message << '\n';
 }
@@ -44,17 +45,20 @@ SettingsFile load(const QString& path) {
     const std::filesystem::path file = toFilePath(path);
     const auto disk = nativeDisk().open(file, compound::Access::Read);
     const std::uint64_t size = disk->size();
-    if (size > static_cast<std::uint64_t>(kMaximumSettingsBytes))
+    if (size > static_cast<std::uint64_t>(kMaximumSettingsBytes)) {
         throw Error(ErrorCode::Damaged, file, "too large for a settings file");
+    }
     QByteArray bytes(static_cast<qsizetype>(size), '\0');
     const std::size_t count = disk->read(
         0, std::as_writable_bytes(std::span(bytes.data(), static_cast<std::size_t>(bytes.size()))));
     bytes.truncate(static_cast<qsizetype>(count));
     std::optional<SettingsFile> settings = SettingsFile::parse(bytes);
-    if (!settings)
+    if (!settings) {
         throw Error(ErrorCode::Damaged, file, "not a settings file");
-    for (const int line : settings->oddLines())
+    }
+    for (const int line : settings->oddLines()) {
         reportOnce(file.string() + ": line " + std::to_string(line) + " is not understood");
+    }
     return *std::move(settings);
 }
 
@@ -64,8 +68,9 @@ std::optional<QString> valueIn(const QString& path, const QString& key, const QS
     try {
         return load(path).value(key, name);
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::NotFound)
+        if (error.code() != ErrorCode::NotFound) {
             reportOnce(std::string(error.what()) + "; defaults are used");
+        }
         return std::nullopt;
     }
 }
@@ -74,10 +79,11 @@ SettingsFile loadForWriting(const QString& path) {
     try {
         return load(path);
     } catch (const Error& error) {
-        if (error.code() == ErrorCode::Damaged)
+        if (error.code() == ErrorCode::Damaged) {
             moveToTrash(toFilePath(path));
-        else if (error.code() != ErrorCode::NotFound)
+        } else if (error.code() != ErrorCode::NotFound) {
             throw;
+        }
         return {};
     }
 }
@@ -90,28 +96,34 @@ class FileSettings final : public SettingsBackend {
         if (hive == Hive::CurrentUser) {
             files += userFile();
         } else {
-            for (const QString& folder : systemSettingsFolders())
+            for (const QString& folder : systemSettingsFolders()) {
                 files += machineFile(folder);
+            }
             files += machineFile(userSettingsFolder());
         }
-        for (const QString& file : files)
-            if (const std::optional<QString> value = valueIn(file, key, name))
+        for (const QString& file : files) {
+            if (const std::optional<QString> value = valueIn(file, key, name)) {
                 return *value;
+            }
+        }
         return fallback;
     }
 
     void write(const QString& key, const QString& name, const QString& value) override {
         const QString path = userFile();
-        if (!QDir().mkpath(userSettingsFolder()))
+        if (!QDir().mkpath(userSettingsFolder())) {
             throw Error(ErrorCode::Denied, toFilePath(userSettingsFolder()),
                         "the folder cannot be created");
+        }
         SettingsFile settings = loadForWriting(path);
         settings.setValue(key, name, value);
         const QByteArray bytes = settings.toBytes();
         QSaveFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
+            !file.commit()) {
             throw Error(ErrorCode::Failed, toFilePath(path),
                         "write: " + file.errorString().toStdString());
+        }
     }
 };
 

@@ -42,8 +42,9 @@ struct timespec timeOf(const struct statx_timestamp& time) {
 
 bool ask(int folder, const char* path, int flags, struct stat& status) {
     struct statx told {};
-    if (::statx(folder, path, flags | AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &told) != 0)
+    if (::statx(folder, path, flags | AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &told) != 0) {
         return false;
+    }
     status = {};
     status.st_dev = ::makedev(told.stx_dev_major, told.stx_dev_minor);
     status.st_ino = told.stx_ino;
@@ -93,8 +94,9 @@ bool askStatus(int descriptor, struct stat& status) {
 
 void markRetired(int descriptor) noexcept {
     // Through the open handle, since a file without a path cannot be opened everywhere.
-    if (::pwrite(descriptor, kRetired.data(), kRetired.size(), 0) > 0)
+    if (::pwrite(descriptor, kRetired.data(), kRetired.size(), 0) > 0) {
         (void)::fdatasync(descriptor);
+    }
 }
 
 bool isRetired(int descriptor) {
@@ -108,8 +110,9 @@ compound::Error lockFailure(int cause, const std::filesystem::path& path) {
     compound::Error error = compound::systemError(cause, path, "lock");
     const bool hasNoLocks = cause == ENOLCK || cause == EOPNOTSUPP || cause == ENOSYS ||
                             cause == EINVAL || cause == EBADF;
-    if (!hasNoLocks)
+    if (!hasNoLocks) {
         return error;
+    }
     return {compound::ErrorCode::Failed, path,
             error.cause() + "; the file system offers no file locks, and without them two programs "
                             "would destroy each other's changes"};

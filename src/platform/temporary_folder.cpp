@@ -54,11 +54,13 @@ void removeLeftovers(const QString& parent) {
     QDirIterator leftovers(parent, {namePrefix() + u'*'}, folders);
     while (leftovers.hasNext()) {
         const QString path = leftovers.next();
-        if (leftovers.fileInfo().lastModified() > youngest)
+        if (leftovers.fileInfo().lastModified() > youngest) {
             continue;
+        }
         const FileDescriptor folder = openFolder(path);
-        if (tryLock(folder) && isOwnedByUser(folder))
+        if (tryLock(folder) && isOwnedByUser(folder)) {
             QDir(path).removeRecursively();
+        }
     }
 }
 
@@ -70,10 +72,11 @@ std::unique_ptr<TemporaryFolder>& processFolder() {
 // Where the process's folder may lie, the best place first.
 QStringList temporaryParents() {
     QStringList parents;
-    if (!homeRoot().isEmpty())
+    if (!homeRoot().isEmpty()) {
         parents += joinPath(homeRoot(), QStringLiteral("tmp"));
-    else
+    } else {
         parents += QDir::tempPath();
+    }
     parents += joinPath(dataFolder(), QStringLiteral("tmp"));
     parents += QDir::tempPath(); // the home may be one that cannot be written to
     return parents;
@@ -85,8 +88,9 @@ std::unique_ptr<TemporaryFolder> makeProcessFolder() {
         try {
             return std::make_unique<TemporaryFolder>(parent);
         } catch (const Error& error) {
-            if (!first)
+            if (!first) {
                 first = error;
+            }
         }
     }
     throw *std::move(first);
@@ -97,15 +101,17 @@ std::unique_ptr<TemporaryFolder> makeProcessFolder() {
 TemporaryFolder::TemporaryFolder(const QString& parent) {
     // The system's temporary path is empty when it names no folder, and then anything joined to it
     // would lie where the program was started.
-    if (QDir::isRelativePath(parent))
+    if (QDir::isRelativePath(parent)) {
         throw compound::systemError(ENOENT, toFilePath(parent), "create a temporary folder");
+    }
     (void)QDir().mkpath(parent);
     removeLeftovers(parent);
     const QString pattern =
         joinPath(parent, namePrefix() + QStringLiteral("%1-XXXXXX").arg(::getpid()));
     QByteArray name = QFile::encodeName(pattern);
-    if (::mkdtemp(name.data()) == nullptr)
+    if (::mkdtemp(name.data()) == nullptr) {
         throw compound::systemError(errno, toFilePath(parent), "create a temporary folder");
+    }
     path_ = QFile::decodeName(name) + u'/';
     lock_ = openFolder(path_);
     if (path_.size() > kLongestTemporaryPath) {
@@ -124,8 +130,9 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 void TemporaryFolder::restore() {
-    if (isWiped_)
+    if (isWiped_) {
         return;
+    }
     const QString folder = path_.chopped(1); // without the separator a link is not followed
     (void)QDir().mkpath(QFileInfo(folder).path());
     if (::mkdir(QFile::encodeName(folder).constData(), S_IRWXU) == 0) {
@@ -134,47 +141,55 @@ void TemporaryFolder::restore() {
         return;
     }
     const int cause = errno;
-    if (!isOwnedByUser(openFolder(folder)))
+    if (!isOwnedByUser(openFolder(folder))) {
         throw compound::systemError(cause, toFilePath(folder), "make the temporary folder again");
+    }
 }
 
 void TemporaryFolder::wipe(CopiedPicture copiedPicture) {
-    if (isWiped_)
+    if (isWiped_) {
         return;
+    }
     isWiped_ = true;
-    if (!isOwnedByUser(openFolder(path_.chopped(1))))
+    if (!isOwnedByUser(openFolder(path_.chopped(1)))) {
         return; // what has taken its place is none of ours to remove
+    }
     const QDir folder(path_);
     const QDir::Filters everything =
         QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
     for (const QFileInfo& entry : folder.entryInfoList(everything)) {
         const QString name = entry.fileName();
         const bool isClients = name.startsWith(kCopiedPicture, Qt::CaseInsensitive);
-        if (isClients && copiedPicture == CopiedPicture::Keep)
+        if (isClients && copiedPicture == CopiedPicture::Keep) {
             continue;
-        if (entry.isDir() && !entry.isSymLink())
+        }
+        if (entry.isDir() && !entry.isSymLink()) {
             QDir(entry.filePath()).removeRecursively();
-        else
+        } else {
             QFile::remove(entry.filePath());
+        }
     }
     // Fails, as it shall, when the client's picture is still in it.
     (void)QDir().rmdir(path_);
 }
 
 QString temporaryFolder() {
-    if (!processFolder())
+    if (!processFolder()) {
         processFolder() = makeProcessFolder();
+    }
     return processFolder()->path();
 }
 
 void restoreTemporaryFolder() {
-    if (processFolder())
+    if (processFolder()) {
         processFolder()->restore();
+    }
 }
 
 void wipeTemporaryFolder(CopiedPicture copiedPicture) {
-    if (processFolder())
+    if (processFolder()) {
         processFolder()->wipe(copiedPicture);
+    }
     processFolder().reset();
 }
 

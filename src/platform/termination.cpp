@@ -31,8 +31,9 @@ void passOn(int) {
 
 std::array<FileDescriptor, 2> makePipe() {
     std::array<int, 2> ends{};
-    if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+    if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
         throw compound::systemError(errno, {}, "listen for the system's signals");
+    }
     return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
@@ -79,8 +80,9 @@ TerminationRequests::TerminationRequests(std::function<void()> onRequest)
 }
 
 TerminationRequests::~TerminationRequests() {
-    for (std::size_t i = 0; i < kSignals.size(); ++i)
+    for (std::size_t i = 0; i < kSignals.size(); ++i) {
         ::sigaction(kSignals.at(i), &state_->before.at(i), nullptr);
+    }
     writeEnd = -1;
 }
 

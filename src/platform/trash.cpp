@@ -38,35 +38,40 @@ void copyAndRemove(const std::filesystem::path& file, const std::filesystem::pat
 }
 
 void moveTo(const std::filesystem::path& file, const std::filesystem::path& target) {
-    if (isThere(target))
+    if (isThere(target)) {
         throw Error(ErrorCode::Exists, target, "exists");
+    }
     struct stat source {};
     struct stat folder {};
     const bool isSameVolume = ::lstat(file.c_str(), &source) == 0 &&
                               ::stat(folderOf(target).c_str(), &folder) == 0 &&
                               source.st_dev == folder.st_dev;
-    if (isSameVolume)
+    if (isSameVolume) {
         renameFileWithoutReplacing(file, target);
-    else
+    } else {
         copyAndRemove(file, target);
+    }
 }
 
 // Moves `file` into `folder` under its own name, or that name and the first free number.
 void moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
-    if (!QDir().mkpath(folder))
+    if (!QDir().mkpath(folder)) {
         throw Error(ErrorCode::Failed, toFilePath(folder), "the folder cannot be created");
+    }
     const std::filesystem::path target = toFilePath(folder);
     for (int number = 1; number < kMostNamesakes; ++number) {
         std::filesystem::path candidate = target / file.filename();
-        if (number > 1)
+        if (number > 1) {
             candidate.concat(".").concat(std::to_string(number));
+        }
         try {
             moveTo(file, candidate);
             syncFolderEntries(target);
             return;
         } catch (const Error& error) {
-            if (error.code() != ErrorCode::Exists)
+            if (error.code() != ErrorCode::Exists) {
                 throw;
+            }
         }
     }
     throw Error(ErrorCode::Failed, file, "the trash holds too many files of that name");
@@ -75,22 +80,26 @@ void moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
 bool moveToDesktopTrash(const std::filesystem::path& file) {
     const QString name = fromFilePath(file);
     QString trashed;
-    if (!QFile::moveToTrash(name, &trashed))
+    if (!QFile::moveToTrash(name, &trashed)) {
         return false;
-    if (!trashed.isEmpty())
+    }
+    if (!trashed.isEmpty()) {
         syncFolderEntries(folderOf(toFilePath(trashed)));
+    }
     return !isThere(file);
 }
 
 } // namespace
 
 void moveToTrash(const std::filesystem::path& file) {
-    if (!isThere(file))
+    if (!isThere(file)) {
         throw compound::systemError(ENOENT, file, "move to the trash");
-    if (!trashFolder().isEmpty())
+    }
+    if (!trashFolder().isEmpty()) {
         moveIntoFolder(file, trashFolder());
-    else if (!moveToDesktopTrash(file))
+    } else if (!moveToDesktopTrash(file)) {
         moveIntoFolder(file, keptFolder());
+    }
     syncFolderEntries(folderOf(file));
 }
 

@@ -8,8 +8,9 @@ std::u16string keyOf(const GroupAddress& address) {
 
 GroupAddress addressOf(std::u16string_view key) {
     const std::size_t slash = key.find(u'/');
-    if (slash == std::u16string_view::npos)
+    if (slash == std::u16string_view::npos) {
         return topLevelAddress(key);
+    }
     return {FileName{std::u16string(key.substr(slash + 1))},
             StorageName{std::u16string(key.substr(0, slash))}};
 }

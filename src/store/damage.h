@@ -13,8 +13,9 @@ auto unlessDamaged(Read read) -> std::optional<decltype(read())> {
     try {
         return read();
     } catch (const compound::Error& error) {
-        if (error.code() != compound::ErrorCode::Damaged)
+        if (error.code() != compound::ErrorCode::Damaged) {
             throw;
+        }
         return std::nullopt;
     }
 }

@@ -21,8 +21,9 @@ bool isFindingAboutBytes(ErrorCode code) {
 }
 
 GroupFileState stateOf(const Error& error) {
-    if (isFindingAboutBytes(error.code()))
+    if (isFindingAboutBytes(error.code())) {
         return GroupFileState::Damaged;
+    }
     return error.code() == ErrorCode::Locked ? GroupFileState::Locked : GroupFileState::Unreadable;
 }
 
@@ -35,9 +36,10 @@ GroupFileReading examine(const Library& library, const std::filesystem::path& pa
         StorageAccess access(library);
         access.openFile(path, Access::Read, budget.remaining());
         const auto top = findTopLevelGroup(access.root(), file);
-        if (!top)
+        if (!top) {
             throw Error(ErrorCode::Damaged, path,
                         "it holds no group of its own name (the file may have been renamed)");
+        }
         use(access, *top);
         reading.state = GroupFileState::Sound;
     } catch (const Error& error) {
@@ -63,8 +65,9 @@ GroupFileReading readGroupFile(const Library& library, const FileName& file,
 GroupFileState testGroupFile(const Library& library, const std::filesystem::path& path,
                              const LockBudget& budget) {
     std::u16string name = base::fromPath(path.filename());
-    if (endsWithIgnoringCase(name, kGroupFileSuffix))
+    if (endsWithIgnoringCase(name, kGroupFileSuffix)) {
         name.resize(name.size() - kSuffixLength);
+    }
     return examine(library, path, {name}, budget, [](StorageAccess&, const StorageName&) {}).state;
 }
 
@@ -73,17 +76,20 @@ void setAside(const Library& library, const FileName& file) {
     // Whoever tested it has let it go meanwhile: it may be sound by now, or in use.
     const LockBudget noWait(std::chrono::milliseconds{0});
     const GroupFileReading now = examine(library, path, file, noWait, [](auto&, auto&) {});
-    if (now.state == GroupFileState::Sound)
+    if (now.state == GroupFileState::Sound) {
         return;
-    if (now.state != GroupFileState::Damaged)
+    }
+    if (now.state != GroupFileState::Damaged) {
         throw Error(now.state == GroupFileState::Locked ? ErrorCode::Locked : ErrorCode::Failed,
                     path, now.failure->cause());
+    }
     const FileTurns::Turn turn = library.turns->take(path);
     const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const std::filesystem::path aside =
         library.folder / base::toPath(file.text + std::u16string(kDamagedFileSuffix));
-    if (library.disk.exists(aside))
+    if (library.disk.exists(aside)) {
         library.disk.trash(aside);
+    }
     library.disk.renameWithoutReplacing(path, aside);
     syncPlaceOf(library, aside);
 }
@@ -98,8 +104,9 @@ std::size_t removeDamagedFiles(const Library& library) {
             continue; // stays, and is told of again at the next start
         }
     }
-    if (removed > 0)
+    if (removed > 0) {
         library.disk.syncFolder(library.folder);
+    }
     return removed;
 }
 

@@ -17,16 +17,18 @@ FileTurns::Turn& FileTurns::Turn::operator=(Turn&& other) noexcept {
 }
 
 FileTurns::Turn::~Turn() {
-    if (turns_ != nullptr)
+    if (turns_ != nullptr) {
         turns_->end(file_);
+    }
 }
 
 FileTurns::Turn FileTurns::take(const std::filesystem::path& file) {
     std::unique_lock lock(mutex_);
     const auto me = std::this_thread::get_id();
     const auto mine = holders_.find(file);
-    if (mine != holders_.end() && mine->second == me)
+    if (mine != holders_.end() && mine->second == me) {
         return {};
+    }
     ended_.wait(lock, [&] { return !holders_.contains(file); });
     holders_.emplace(file, me);
     return {this, file};

@@ -35,8 +35,9 @@ std::optional<RawGroup> readRawGroup(StorageHandle root, const std::u16string& s
         const StorageHandle handle = root.OpenStorage(storage);
         const auto name = readGroupText(handle, kNameStream);
         const auto parent = readGroupText(handle, kParentStream);
-        if (!name && !parent)
+        if (!name && !parent) {
             return std::nullopt; // not ours: carried along, never shown
+        }
         group.name.text = name.value_or(storage);
         group.parent = parent.value_or(std::u16string());
     } catch (const Error&) {
@@ -62,8 +63,9 @@ class TreeBuilder {
         placed_.push_back({{file_, top_}, {file_.text}, {}});
         placeBelow(top_);
         for (std::size_t i = 0; i < groups_.size(); ++i) {
-            if (!groups_[i].placed && !parentOf(i))
+            if (!groups_[i].placed && !parentOf(i)) {
                 placeWithChildren({i});
+            }
         }
         placeRings();
         return std::move(placed_);
@@ -72,8 +74,9 @@ class TreeBuilder {
   private:
     std::optional<std::size_t> parentOf(std::size_t index) const {
         const auto found = byStorage_.find(groups_[index].parent);
-        if (found == byStorage_.end() || found->second == index)
+        if (found == byStorage_.end() || found->second == index) {
             return std::nullopt;
+        }
         return found->second;
     }
 
@@ -89,11 +92,13 @@ class TreeBuilder {
             const StorageName current = std::move(open.back());
             open.pop_back();
             const auto children = byParent_.find(current.text);
-            if (children == byParent_.end())
+            if (children == byParent_.end()) {
                 continue;
+            }
             for (const std::size_t child : children->second) {
-                if (groups_[child].placed)
+                if (groups_[child].placed) {
                     continue;
+                }
                 place(child, current);
                 open.push_back(groups_[child].storage);
             }
@@ -103,10 +108,12 @@ class TreeBuilder {
     // Directly below the top-level group; all of them before the first one's children, so that no
     // member of a ring counts as another's child.
     void placeWithChildren(const std::vector<std::size_t>& indexes) {
-        for (const std::size_t index : indexes)
+        for (const std::size_t index : indexes) {
             place(index, top_);
-        for (const std::size_t index : indexes)
+        }
+        for (const std::size_t index : indexes) {
             placeBelow(groups_[index].storage);
+        }
     }
 
     // What is left hangs in or below a ring of parents.
@@ -118,11 +125,13 @@ class TreeBuilder {
                 seenFrom[at] = start;
                 at = parentOf(at).value_or(at);
             }
-            if (groups_[at].placed || seenFrom[at] != start)
+            if (groups_[at].placed || seenFrom[at] != start) {
                 continue;
+            }
             std::vector<std::size_t> ring{at};
-            for (std::size_t next = *parentOf(at); next != at; next = *parentOf(next))
+            for (std::size_t next = *parentOf(at); next != at; next = *parentOf(next)) {
                 ring.push_back(next);
+            }
             placeWithChildren(ring);
         }
     }
@@ -138,12 +147,14 @@ class TreeBuilder {
 std::uint32_t subGroupNumber(std::u16string_view name) {
     constexpr std::size_t kMostDigits = 9;
     const std::u16string_view digits = name.substr(std::min(name.size(), kSubGroupPrefix.size()));
-    if (!name.starts_with(kSubGroupPrefix) || digits.empty() || digits.size() > kMostDigits)
+    if (!name.starts_with(kSubGroupPrefix) || digits.empty() || digits.size() > kMostDigits) {
         return 0;
+    }
     std::uint32_t number = 0;
     for (const char16_t digit : digits) {
-        if (digit < u'0' || digit > u'9')
+        if (digit < u'0' || digit > u'9') {
             return 0;
+        }
         number = number * 10 + (digit - u'0');
     }
     return number;
@@ -160,8 +171,9 @@ std::vector<std::u16string> rootStorages(StorageHandle root) {
     compound::ElementCursor cursor = root.elements();
     Element element;
     while (cursor.next(element)) {
-        if (element.kind == ElementKind::Storage)
+        if (element.kind == ElementKind::Storage) {
             names.push_back(std::move(element.name));
+        }
     }
     return names;
 }
@@ -170,8 +182,9 @@ std::optional<StorageName> findTopLevelGroup(StorageHandle root, const FileName&
     for (const std::u16string_view base :
          {std::u16string_view(file.text), cutAtFirstDot(file.text)}) {
         const auto info = root.find(std::u16string(base) + std::u16string(kInfoSuffix));
-        if (!info)
+        if (!info) {
             continue;
+        }
         const auto group = root.find(base);
         return StorageName{group ? group->name : std::u16string(base)};
     }
@@ -182,10 +195,12 @@ std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file,
                                    const StorageName& top) {
     std::vector<RawGroup> groups;
     for (const std::u16string& storage : rootStorages(root)) {
-        if (sameName(storage, top.text) || endsWithIgnoringCase(storage, kInfoSuffix))
+        if (sameName(storage, top.text) || endsWithIgnoringCase(storage, kInfoSuffix)) {
             continue;
-        if (auto group = readRawGroup(root, storage))
+        }
+        if (auto group = readRawGroup(root, storage)) {
             groups.push_back(std::move(*group));
+        }
     }
     return TreeBuilder(file, top, std::move(groups)).build();
 }
@@ -193,8 +208,9 @@ std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file,
 std::optional<std::u16string> readGroupText(const StorageHandle& group,
                                             std::u16string_view stream) {
     const std::optional<Element> element = group.find(stream);
-    if (!element || element->kind != ElementKind::Stream)
+    if (!element || element->kind != ElementKind::Stream) {
         return std::nullopt;
+    }
     return group.OpenStream(*element).GetText();
 }
 
@@ -213,13 +229,15 @@ void createGroupPair(StorageHandle root, const StorageName& storage, std::u16str
 StorageName nextSubGroup(StorageHandle root) {
     std::uint32_t greatest = 0;
     for (const std::u16string& storage : rootStorages(root)) {
-        if (storage.find(kInfoSuffix) == std::u16string::npos)
+        if (storage.find(kInfoSuffix) == std::u16string::npos) {
             greatest = std::max(greatest, subGroupNumber(storage));
+        }
     }
     // A top-level group called sub5, or any other element, may stand where the next one would go.
     StorageName next{subGroupName(++greatest)};
-    while (root.find(next.text) || root.find(infoStorageOf(next).text))
+    while (root.find(next.text) || root.find(infoStorageOf(next).text)) {
         next.text = subGroupName(++greatest);
+    }
     return next;
 }
 

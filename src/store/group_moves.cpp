@@ -25,8 +25,9 @@ void copyTold(compound::CompoundFile& from, compound::CompoundFile& to, Progress
         // The last step is the caller's, who makes durable what was copied.
         done = std::min(done + bytes, total - 1);
         progress.report(done, total);
-        if (progress.isStopWanted())
+        if (progress.isStopWanted()) {
             throw Error(ErrorCode::Cancelled, from.disk().path(), "stopped");
+        }
     });
     progress.report(total, total);
 }
@@ -36,17 +37,19 @@ void refuseTakenStorages(StorageAccess& access, const StorageName& from, const s
     for (const std::u16string& name : {to, infoStorageOf({to}).text}) {
         const auto found = access.root().find(name);
         if (found && !sameName(found->name, from.text) &&
-            !sameName(found->name, infoStorageOf(from).text))
+            !sameName(found->name, infoStorageOf(from).text)) {
             throw Error(ErrorCode::Exists, access.file().disk().path(),
                         "the file holds \"" + base::toUtf8(found->name) + "\" already");
+        }
     }
 }
 
 void renamePair(StorageHandle root, const StorageName& from, const std::u16string& to) {
     const std::u16string info = infoStorageOf(from).text;
     const auto renameInfo = [&] {
-        if (root.find(info))
+        if (root.find(info)) {
             root.RenameElement(info, infoStorageOf({to}).text);
+        }
     };
     // "Pumps" that becomes "PumpsInfo", or the other way round: the storage in the way goes first.
     if (sameName(to, info)) {
@@ -61,12 +64,14 @@ void renamePair(StorageHandle root, const StorageName& from, const std::u16strin
 // Renames a storage's pair and its `Name`; the links of the groups below it follow.
 void renameTopLevelPair(StorageHandle root, const StorageName& from, const std::u16string& to) {
     for (const std::u16string& storage : rootStorages(root)) {
-        if (sameName(storage, from.text) || endsWithIgnoringCase(storage, kInfoSuffix))
+        if (sameName(storage, from.text) || endsWithIgnoringCase(storage, kInfoSuffix)) {
             continue;
+        }
         const StorageHandle group = root.OpenStorage(storage);
         const auto parent = readGroupText(group, kParentStream);
-        if (parent && sameName(*parent, from.text))
+        if (parent && sameName(*parent, from.text)) {
             writeGroupText(group, kParentStream, to);
+        }
     }
     renamePair(root, from, to);
     writeGroupText(root.OpenStorage(to), kNameStream, to);
@@ -74,8 +79,9 @@ void renameTopLevelPair(StorageHandle root, const StorageName& from, const std::
 
 void refuseTakenName(const Library& library, const GroupAddress& group, const GroupName& newName) {
     for (const FileName& file : groupFiles(library)) {
-        if (file != group.file && sameName(file.text, newName.text))
+        if (file != group.file && sameName(file.text, newName.text)) {
             throw Error(ErrorCode::Exists, pathOf(library, file), "the group exists already");
+        }
     }
 }
 
@@ -99,13 +105,15 @@ Move moveOf(const Library& library, const FileName& file, const GroupName& newNa
 
 void removeOld(const Library& library, const Move& move) {
     library.disk.removeTemporary(move.from);
-    if (move.isLinked())
+    if (move.isLinked()) {
         library.disk.removeTemporary(move.fromFile);
+    }
 }
 
 void removeNew(const Library& library, const Move& move) {
-    if (move.isLinked())
+    if (move.isLinked()) {
         library.disk.removeTemporary(move.to);
+    }
     library.disk.removeTemporary(move.toFile);
 }
 
@@ -114,8 +122,9 @@ void openToMove(StorageAccess& access, const GroupAddress& group) {
     try {
         access.openGroup(group, Access::ReadWrite);
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::Denied)
+        if (error.code() != ErrorCode::Denied) {
             throw;
+        }
         access.openGroup(group, Access::Read);
     }
 }
@@ -126,8 +135,9 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
     openToMove(old, group); // a vanished group is found out here
     refuseTakenName(library, group, newName);
     const Move move = moveOf(library, group.file, newName);
-    if (move.from == move.to)
+    if (move.from == move.to) {
         return newName;
+    }
     refuseTakenStorages(old, group.storage, newName.text);
     NewGroupFile file(library, move.toFile, NewGroupFile::Content::Copied);
     file.write([&](compound::CompoundFile& content) {
@@ -136,8 +146,9 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
     });
     file.takeAttributes(old.file().disk());
     const MoveRecord record(library, old.file().disk(), group.file, {newName.text});
-    if (move.isLinked() && library.disk.exists(move.to))
+    if (move.isLinked() && library.disk.exists(move.to)) {
         throw Error(ErrorCode::Exists, move.to, "the file exists");
+    }
     try {
         file.publish();
         if (move.isLinked()) {
@@ -147,8 +158,9 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
         removeOld(library, move);
     } catch (const Error&) {
         // The group keeps its old name, and is there once.
-        if (file.isPublished())
+        if (file.isPublished()) {
             removeNew(library, move);
+        }
         throw;
     }
     syncPlaceOf(library, move.to);
@@ -170,9 +182,10 @@ GroupName renameSubGroup(const Library& library, const GroupAddress& group,
 GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName,
                       Progress& progress) {
     const GroupLevel level = isTopLevel(group) ? GroupLevel::TopLevel : GroupLevel::SubGroup;
-    if (!isValidGroupName(newName.text, level))
+    if (!isValidGroupName(newName.text, level)) {
         throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
                     "\"" + base::toUtf8(newName.text) + "\" cannot be a group's name");
+    }
     return level == GroupLevel::TopLevel ? renameTopLevelGroup(library, group, newName, progress)
                                          : renameSubGroup(library, group, newName);
 }

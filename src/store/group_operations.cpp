@@ -19,9 +19,10 @@ using compound::Error;
 using compound::ErrorCode;
 
 void requireValidName(const Library& library, const GroupName& name, GroupLevel level) {
-    if (!isValidGroupName(name.text, level))
+    if (!isValidGroupName(name.text, level)) {
         throw Error(ErrorCode::InvalidName, library.folder,
                     "\"" + base::toUtf8(name.text) + "\" cannot be a group's name");
+    }
 }
 
 GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, IfTaken ifTaken) {
@@ -29,15 +30,17 @@ GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, 
     GroupAddress address = topLevelAddress(name.text);
     const std::filesystem::path path = pathOf(library, address.file);
     const bool isTaken = library.disk.exists(path);
-    if (isTaken && ifTaken == IfTaken::Refuse)
+    if (isTaken && ifTaken == IfTaken::Refuse) {
         throw Error(ErrorCode::Exists, path, "the group exists already");
+    }
     NewGroupFile file(library, path, NewGroupFile::Content::Fresh);
     file.write([&](compound::CompoundFile& content) {
         createGroupPair(StorageHandle(content.root()), address.storage, kNoParent, name.text);
     });
     file.prepare(); // what can fail for want of space fails with the old file in its place
-    if (isTaken)
+    if (isTaken) {
         removeGroupFile(library, address.file);
+    }
     file.publish();
     return address;
 }
@@ -49,10 +52,11 @@ GroupAddress createSubGroup(const Library& library, const GroupAddress& parent,
     access.openGroup(parent, Access::ReadWrite); // a vanished parent is found out here
     const auto spelled = access.root().find(parent.storage.text);
     const std::u16string above = spelled ? spelled->name : parent.storage.text;
-    if (!encodeText(above))
+    if (!encodeText(above)) {
         throw Error(ErrorCode::InvalidName, access.file().disk().path(),
                     "no group can be told to lie below \"" + base::toUtf8(above) +
                         "\": the name has characters outside the text code page");
+    }
     const StorageName storage = nextSubGroup(access.root());
     createGroupPair(access.root(), storage, above, name.text);
     access.Commit();
@@ -116,9 +120,10 @@ StorageName readGroupParent(const Library& library, const GroupAddress& group) {
 std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress& group) {
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
-    if (isTopLevel(group))
+    if (isTopLevel(group)) {
         throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
                     "the top-level group goes with its file only");
+    }
     const auto top = findTopLevelGroup(access.root(), group.file);
     const auto groups =
         readGroups(access.root(), group.file, top.value_or(StorageName{group.file.text}));
@@ -128,14 +133,17 @@ std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress
     std::set<std::u16string> doomed{first.storage.text};
     std::vector<GroupAddress> removed{first};
     for (const GroupEntry& entry : groups) {
-        if (doomed.contains(entry.parent.text) && doomed.insert(entry.address.storage.text).second)
+        if (doomed.contains(entry.parent.text) &&
+            doomed.insert(entry.address.storage.text).second) {
             removed.push_back(entry.address);
+        }
     }
     std::reverse(removed.begin(), removed.end());
     for (const GroupAddress& address : removed) {
         access.root().DestroyElement(address.storage.text);
-        if (const auto info = access.root().find(infoStorageOf(address.storage).text))
+        if (const auto info = access.root().find(infoStorageOf(address.storage).text)) {
             access.root().DestroyElement(info->name);
+        }
     }
     access.Commit();
     return removed;
@@ -149,8 +157,9 @@ void removeGroupFile(const Library& library, const FileName& file) {
     try {
         library.disk.trash(path);
     } catch (const Error& error) {
-        if (library.disk.exists(path))
+        if (library.disk.exists(path)) {
             throw;
+        }
         throw Error(ErrorCode::OutcomeUnknown, path, error.cause());
     }
     syncPlaceOf(library, path);
@@ -163,11 +172,13 @@ GroupSize readGroupSize(const Library& library, const GroupAddress& group) {
     compound::ElementCursor cursor = access.groupStorage().elements();
     compound::Element element;
     while (cursor.next(element)) {
-        if (element.kind != compound::ElementKind::Stream)
+        if (element.kind != compound::ElementKind::Stream) {
             continue;
+        }
         size.bytes += element.size;
-        if (!isGroupText(element.name))
+        if (!isGroupText(element.name)) {
             ++size.pictures;
+        }
     }
     return size;
 }

@@ -29,8 +29,9 @@ constexpr std::size_t kDigits = 16;
 std::string nameOf(std::uint64_t number, std::string_view suffix) {
     constexpr std::string_view kHexadecimal = "0123456789abcdef";
     std::string name(kPrefix);
-    for (std::size_t i = 0; i < kDigits; ++i, number >>= 4U)
+    for (std::size_t i = 0; i < kDigits; ++i, number >>= 4U) {
         name.push_back(kHexadecimal[number & 0xFU]);
+    }
     return name.append(suffix);
 }
 
@@ -44,8 +45,9 @@ class Fingerprint {
   public:
     void add(std::span<const std::byte> bytes) {
         constexpr std::uint64_t kPrime = 0x100000001B3;
-        for (const std::byte byte : bytes)
+        for (const std::byte byte : bytes) {
             value_ = (value_ ^ std::to_integer<std::uint64_t>(byte)) * kPrime;
+        }
     }
     void add(std::u16string_view text) { // ended, so that no two texts run into one another
         add(std::as_bytes(std::span(text)));
@@ -81,12 +83,14 @@ void forEachLeftover(const Library& library, const std::filesystem::path& folder
                      std::string_view suffix,
                      const std::function<void(const std::filesystem::path&)>& use) {
     for (const compound::FolderEntry& entry : library.disk.list(folder)) {
-        if (!entry.isRegularFile || !isNameOf(entry.name.string(), suffix))
+        if (!entry.isRegularFile || !isNameOf(entry.name.string(), suffix)) {
             continue;
+        }
         try {
             const auto file = library.disk.open(folder / entry.name, Access::Read);
-            if (file->lock(std::chrono::milliseconds{0}))
+            if (file->lock(std::chrono::milliseconds{0})) {
                 use(folder / entry.name);
+            }
         } catch (const Error&) {
             continue;
         }
@@ -97,8 +101,9 @@ void forEachLeftover(const Library& library, const std::filesystem::path& folder
 void removeOld(const Library& library, const std::filesystem::path& path) {
     const std::filesystem::path target = library.disk.resolved(path);
     library.disk.removeTemporary(path);
-    if (target != path)
+    if (target != path) {
         library.disk.removeTemporary(target);
+    }
     syncPlaceOf(library, path);
 }
 
@@ -118,11 +123,13 @@ MoveEnd finishMoveOf(const Library& library, const FileName& old,
     const auto moved = std::find_if(files.begin(), files.end(), [&](const FileName& file) {
         return file != old && record.filename() == recordName(fingerprint, file);
     });
-    if (moved == files.end())
+    if (moved == files.end()) {
         return MoveEnd::NotToFinish;
+    }
     const GroupFileState state = readGroupFile(library, *moved, noWait).state;
-    if (state != GroupFileState::Sound)
+    if (state != GroupFileState::Sound) {
         return state == GroupFileState::Damaged ? MoveEnd::NotToFinish : MoveEnd::Unknown;
+    }
     removeOld(library, path);
     return MoveEnd::Finished;
 }
@@ -134,8 +141,9 @@ MoveEnd finishMove(const Library& library, const std::filesystem::path& record,
     for (const FileName& old : files) {
         try {
             const MoveEnd ofThis = finishMoveOf(library, old, record, files);
-            if (ofThis == MoveEnd::Finished)
+            if (ofThis == MoveEnd::Finished) {
                 return ofThis;
+            }
             end = std::max(end, ofThis);
         } catch (const Error&) {
             end = MoveEnd::Unknown;
@@ -167,8 +175,9 @@ MoveRecord::MoveRecord(const Library& library, DiskFile& old, const FileName& ol
         file_ = lockNew(library, library.disk.create(path_));
     } catch (const Error& error) {
         // A record that a crash has left and nobody could clear away serves as well.
-        if (error.code() != compound::ErrorCode::Exists)
+        if (error.code() != compound::ErrorCode::Exists) {
             throw Error(error.code(), plainPathOf(library, newFile), error.cause());
+        }
     }
 }
 
@@ -191,8 +200,9 @@ bool clearLeftovers(const Library& library, const std::vector<FileName>& files) 
     forEachLeftover(library, library.folder, kMoving, [&](const auto& record) {
         const MoveEnd end = finishMove(library, record, files);
         hasGone = hasGone || end == MoveEnd::Finished;
-        if (end != MoveEnd::Unknown)
+        if (end != MoveEnd::Unknown) {
             library.disk.removeTemporary(record);
+        }
     });
     return hasGone;
 }

@@ -18,8 +18,9 @@ std::vector<std::u16string> filesEndingIn(const std::vector<compound::FolderEntr
     for (const compound::FolderEntry& entry : entries) {
         std::u16string name = base::fromPath(entry.name);
         const bool hasBaseName = name.size() > suffix.size();
-        if (entry.isRegularFile && hasBaseName && endsWithIgnoringCase(name, suffix))
+        if (entry.isRegularFile && hasBaseName && endsWithIgnoringCase(name, suffix)) {
             names.push_back(std::move(name));
+        }
     }
     std::sort(names.begin(), names.end(), listsBefore);
     return names;
@@ -53,13 +54,15 @@ std::filesystem::path plainPathOf(const Library& library, const FileName& file) 
 std::filesystem::path pathOf(const Library& library, const FileName& file) {
     std::filesystem::path path = plainPathOf(library, file);
     try {
-        if (library.disk.exists(path))
+        if (library.disk.exists(path)) {
             return path;
+        }
         // "A.STG" is the group file of A as well, on systems that tell the two names apart.
         for (const std::u16string& other :
              filesEndingIn(library.disk.list(library.folder), kGroupFileSuffix)) {
-            if (other.substr(0, other.size() - kSuffixLength) == file.text)
+            if (other.substr(0, other.size() - kSuffixLength) == file.text) {
                 return library.folder / base::toPath(other);
+            }
         }
     } catch (const compound::Error&) {
         // The folder cannot be entered or listed: opening the plain path will say why.
@@ -74,16 +77,18 @@ std::vector<FileName> groupFiles(const Library& library) {
     const bool hasLeftovers = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
         return isFileOfPassage(entry.name);
     });
-    if (hasLeftovers && clearLeftovers(library, files))
+    if (hasLeftovers && clearLeftovers(library, files)) {
         return groupFilesAmong(library.disk.list(library.folder));
+    }
     return files;
 }
 
 std::vector<std::filesystem::path> damagedFiles(const Library& library) {
     std::vector<std::filesystem::path> files;
     for (const std::u16string& name :
-         filesEndingIn(library.disk.list(library.folder), kDamagedFileSuffix))
+         filesEndingIn(library.disk.list(library.folder), kDamagedFileSuffix)) {
         files.push_back(library.folder / base::toPath(name));
+    }
     return files;
 }
 

@@ -18,8 +18,9 @@ std::uint64_t countStreams(const StorageHandle& storage) {
     compound::ElementCursor cursor = storage.elements();
     Element element;
     while (cursor.next(element)) {
-        if (element.kind == ElementKind::Stream && !isGroupText(element.name))
+        if (element.kind == ElementKind::Stream && !isGroupText(element.name)) {
             ++count;
+        }
     }
     return count;
 }
@@ -34,8 +35,9 @@ std::optional<std::uint64_t> countFile(const Library& library, const FileName& f
         compound::ElementCursor cursor = access.root().elements();
         Element element;
         while (cursor.next(element)) {
-            if (element.kind == ElementKind::Storage)
+            if (element.kind == ElementKind::Storage) {
                 count += countStreams(access.root().OpenStorage(element.name));
+            }
         }
         return count;
     } catch (const compound::Error&) {

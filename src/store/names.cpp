@@ -23,10 +23,12 @@ bool hasLoneSurrogate(std::u16string_view name) {
         const bool low = name[at] >= 0xDC00 && name[at] <= 0xDFFF;
         const bool paired =
             high && at + 1 < name.size() && name[at + 1] >= 0xDC00 && name[at + 1] <= 0xDFFF;
-        if (low || (high && !paired))
+        if (low || (high && !paired)) {
             return true;
-        if (paired)
+        }
+        if (paired) {
             ++at;
+        }
     }
     return false;
 }
@@ -41,11 +43,13 @@ bool isDeviceName(std::u16string_view name) {
     constexpr std::array<std::u16string_view, 6> kPlain = {u"CON", u"PRN",    u"AUX",
                                                            u"NUL", u"CONIN$", u"CONOUT$"};
     const auto same = [&](std::u16string_view device) { return sameName(name, device); };
-    if (std::any_of(kPlain.begin(), kPlain.end(), same))
+    if (std::any_of(kPlain.begin(), kPlain.end(), same)) {
         return true;
+    }
     if (name.size() != 4 ||
-        !(sameName(name.substr(0, 3), u"COM") || sameName(name.substr(0, 3), u"LPT")))
+        !(sameName(name.substr(0, 3), u"COM") || sameName(name.substr(0, 3), u"LPT"))) {
         return false;
+    }
     constexpr std::u16string_view kDigits = u"0123456789\u00B9\u00B2\u00B3";
     return kDigits.find(name[3]) != std::u16string_view::npos;
 }
@@ -64,10 +68,14 @@ bool listsBefore(std::u16string_view left, std::u16string_view right) {
     const auto before = [](char16_t one, char16_t other) {
         return compound::toUpper(one) < compound::toUpper(other);
     };
-    if (std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(), before))
+    if (std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+                                     before)) {
         return true;
-    if (std::lexicographical_compare(right.begin(), right.end(), left.begin(), left.end(), before))
+    }
+    if (std::lexicographical_compare(right.begin(), right.end(), left.begin(), left.end(),
+                                     before)) {
         return false;
+    }
     return left < right;
 }
 
@@ -80,21 +88,26 @@ bool isValidGroupName(std::u16string_view name, GroupLevel level) {
     const std::size_t longest = level == GroupLevel::TopLevel
                                     ? kMaximumNameLength - kInfoSuffix.size()
                                     : kMaximumNameLength;
-    if (name.empty() || name.size() > longest || containsAny(name, kFileForbidden))
+    if (name.empty() || name.size() > longest || containsAny(name, kFileForbidden)) {
         return false;
-    if (isBlank(name.front()) || isBlank(name.back()) || isDeviceName(name))
+    }
+    if (isBlank(name.front()) || isBlank(name.back()) || isDeviceName(name)) {
         return false;
-    if (level == GroupLevel::TopLevel && sameName(name, kNoParent))
+    }
+    if (level == GroupLevel::TopLevel && sameName(name, kNoParent)) {
         return false;
+    }
     return encodeText(name).has_value();
 }
 
 bool isValidPictureName(std::u16string_view name) {
-    if (name.empty() || name.size() > kMaximumNameLength || isGroupText(name))
+    if (name.empty() || name.size() > kMaximumNameLength || isGroupText(name)) {
         return false;
+    }
     // They name folders wherever a picture becomes a file again.
-    if (name == u"." || name == u"..")
+    if (name == u"." || name == u"..") {
         return false;
+    }
     return !containsAny(name, kStorageForbidden) && !hasLoneSurrogate(name);
 }
 

@@ -38,15 +38,17 @@ std::unique_ptr<compound::DiskFile> NewGroupFile::createLocked(const std::filesy
         temporary_ = folder / nameInTheMaking();
         auto created = content == Content::Copied ? library_.disk.createPrivate(temporary_)
                                                   : library_.disk.create(temporary_);
-        if (auto locked = lockNew(library_, std::move(created)))
+        if (auto locked = lockNew(library_, std::move(created))) {
             return locked;
+        }
     }
     throw Error(ErrorCode::Locked, temporary_, "the file is in use by another program");
 }
 
 NewGroupFile::~NewGroupFile() {
-    if (published_)
+    if (published_) {
         return;
+    }
     try {
         file_.reset();
         library_.disk.removeTemporary(temporary_);

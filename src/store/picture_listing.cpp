@@ -22,8 +22,9 @@ bool isPicture(const Element& element) {
 }
 
 PictureRecord readRecord(const StorageHandle& info, const Element& element) {
-    if (element.kind != ElementKind::Stream)
+    if (element.kind != ElementKind::Stream) {
         return {};
+    }
     return parseRecord(info.OpenStream(element).GetString());
 }
 
@@ -47,8 +48,9 @@ class RecordPass {
   private:
     PictureRecord searchOn(std::u16string_view name) {
         int order = -1;
-        while (any_ && (order = compound::compareNames(current_.name, name)) < 0)
+        while (any_ && (order = compound::compareNames(current_.name, name)) < 0) {
             advance();
+        }
         return any_ && order == 0 ? readRecord(info_, current_) : findRecord(info_, name);
     }
 
@@ -62,24 +64,27 @@ class RecordPass {
 
 // Nothing when there is no info storage, or one that cannot be walked.
 std::optional<RecordPass> recordsOf(StorageAccess& access, const GroupAddress& group) {
-    if (!access.openInfo(group))
+    if (!access.openInfo(group)) {
         return std::nullopt;
+    }
     return unlessDamaged([&] { return RecordPass(access.infoStorage()); });
 }
 
 PictureEntry entryOf(StorageAccess& access, const GroupAddress& group, const Element& element) {
     PictureRecord record;
-    if (access.openInfo(group))
+    if (access.openInfo(group)) {
         record = unlessDamaged([&] {
                      return findRecord(access.infoStorage(), element.name);
                  }).value_or(PictureRecord{});
+    }
     return {{element.name}, element.size, std::move(record)};
 }
 
 // One picture with a damaged chain does not hide those behind it: it comes without bytes.
 std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& element) {
-    if (element.size > kMaximumPictureBytes)
+    if (element.size > kMaximumPictureBytes) {
         return {};
+    }
     return unlessDamaged([&] { return group.OpenStream(element).Get(); })
         .value_or(std::vector<std::byte>{});
 }
@@ -95,8 +100,9 @@ std::vector<PictureEntry> listPictures(const Library& library, const GroupAddres
     compound::ElementCursor cursor = access.groupStorage().elements();
     Element element;
     while (cursor.next(element)) {
-        if (!isPicture(element))
+        if (!isPicture(element)) {
             continue;
+        }
         PictureRecord record = records ? records->recordOf(element.name) : PictureRecord{};
         pictures.push_back({{std::move(element.name)}, element.size, std::move(record)});
     }
@@ -109,8 +115,9 @@ std::optional<PictureEntry> firstPicture(const Library& library, const GroupAddr
     compound::ElementCursor cursor = access.groupStorage().elements();
     Element element;
     while (cursor.next(element)) {
-        if (isPicture(element))
+        if (isPicture(element)) {
             return entryOf(access, group, element);
+        }
     }
     return std::nullopt;
 }
@@ -120,9 +127,10 @@ PictureEntry describePicture(const Library& library, const GroupAddress& group,
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
     const auto element = access.groupStorage().find(name.text);
-    if (!element || !isPicture(*element))
+    if (!element || !isPicture(*element)) {
         throw compound::Error(compound::ErrorCode::NotFound, access.file().disk().path(),
                               "there is no picture \"" + base::toUtf8(name.text) + "\"");
+    }
     return entryOf(access, group, *element);
 }
 
@@ -139,8 +147,9 @@ PictureNames listPictureNames(const Library& library, const GroupAddress& group)
         }
     }
     const auto identity = access.file().disk().identity();
-    if (identity && identity->settled)
+    if (identity && identity->settled) {
         pictures.stamp = FileStamp{*identity, access.file().transactionSignature()};
+    }
     return pictures;
 }
 
@@ -152,12 +161,14 @@ void readPictures(const Library& library, const GroupAddress& group,
     for (const PictureName& name : names) {
         const auto bytes = [&]() -> std::vector<std::byte> {
             const auto element = access.groupStorage().find(name.text);
-            if (!element || !isPicture(*element))
+            if (!element || !isPicture(*element)) {
                 return {};
+            }
             return readUndamaged(access.groupStorage(), *element);
         };
-        if (take(unlessDamaged(bytes).value_or(std::vector<std::byte>{})) == TakePicture::Stop)
+        if (take(unlessDamaged(bytes).value_or(std::vector<std::byte>{})) == TakePicture::Stop) {
             return;
+        }
     }
 }
 
@@ -167,21 +178,25 @@ void walkPictures(const Library& library, const GroupAddress& group, std::size_t
     access.openGroup(group, Access::Read);
     const bool hasInfo = access.openInfo(group);
     compound::ElementCursor cursor = access.groupStorage().elements();
-    if (cursor.skip(start) < start)
+    if (cursor.skip(start) < start) {
         return;
+    }
     Element element;
     while (cursor.next(element)) {
-        if (!isPicture(element))
+        if (!isPicture(element)) {
             continue;
+        }
         StoredPicture picture;
-        if (hasInfo)
+        if (hasInfo) {
             picture.record = unlessDamaged([&] {
                                  return findRecord(access.infoStorage(), element.name);
                              }).value_or(PictureRecord{});
+        }
         picture.bytes = readUndamaged(access.groupStorage(), element);
         picture.name.text = std::move(element.name);
-        if (take(picture) == TakePicture::Stop)
+        if (take(picture) == TakePicture::Stop) {
             return;
+        }
     }
 }
 
@@ -194,14 +209,16 @@ std::optional<PicturePlace> placeOfPicture(const Library& library, const GroupAd
     compound::ElementCursor cursor = access.groupStorage().elements();
     Element element;
     for (std::size_t index = 0; cursor.next(element); ++index) {
-        if (!isPicture(element))
+        if (!isPicture(element)) {
             continue;
+        }
         if (place) {
             place->beside = PictureName{std::move(element.name)};
             break;
         }
-        if (sameName(element.name, name.text))
+        if (sameName(element.name, name.text)) {
             place = PicturePlace{index, before};
+        }
         before = PictureName{std::move(element.name)};
     }
     return place;

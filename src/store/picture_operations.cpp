@@ -39,9 +39,10 @@ Source readSource(const Library& library, const std::filesystem::path& path) {
 }
 
 void requireValidName(const std::filesystem::path& file, const PictureName& name) {
-    if (!isValidPictureName(name.text))
+    if (!isValidPictureName(name.text)) {
         throw Error(ErrorCode::InvalidName, file,
                     "\"" + base::toUtf8(name.text) + "\" cannot be a picture's name");
+    }
 }
 
 Error missingPicture(const std::filesystem::path& file, const PictureName& name) {
@@ -51,23 +52,26 @@ Error missingPicture(const std::filesystem::path& file, const PictureName& name)
 // The picture's stream as the group spells it.
 std::optional<Element> pictureStream(StorageAccess& access, const PictureName& name) {
     auto element = access.groupStorage().find(name.text);
-    if (element && (element->kind != ElementKind::Stream || isGroupText(element->name)))
+    if (element && (element->kind != ElementKind::Stream || isGroupText(element->name))) {
         element.reset();
+    }
     return element;
 }
 
 Element requirePicture(StorageAccess& access, const PictureName& name) {
     auto element = pictureStream(access, name);
-    if (!element)
+    if (!element) {
         throw missingPicture(access.file().disk().path(), name);
+    }
     return *std::move(element);
 }
 
 PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
     const auto read = [&]() -> PictureRecord {
         const auto element = access.infoStorage().find(name);
-        if (!element || element->kind != ElementKind::Stream)
+        if (!element || element->kind != ElementKind::Stream) {
             return {};
+        }
         access.infoStream().emplace(access.infoStorage().OpenStream(*element));
         return parseRecord(access.infoStream()->GetString());
     };
@@ -85,9 +89,10 @@ void storePicture(const Library& library, StorageAccess& access, const GroupAddr
 }
 
 void refuseExisting(StorageAccess& access, const PictureName& name, IfPictureExists ifExists) {
-    if (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text))
+    if (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text)) {
         throw Error(ErrorCode::Exists, access.file().disk().path(),
                     "there is a picture \"" + base::toUtf8(name.text) + "\" already");
+    }
 }
 
 } // namespace
@@ -146,8 +151,9 @@ void addPicture(const Library& library, const GroupAddress& group, const Picture
 bool testPictureName(const Library& library, const GroupAddress& group,
                      const PictureName& name) noexcept {
     try {
-        if (!isValidPictureName(name.text))
+        if (!isValidPictureName(name.text)) {
             return false;
+        }
         StorageAccess access(library);
         access.openGroup(group, Access::Read);
         return true;
@@ -161,8 +167,9 @@ std::optional<PictureName> findPicture(const Library& library, const GroupAddres
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
     auto element = pictureStream(access, name);
-    if (!element)
+    if (!element) {
         return std::nullopt;
+    }
     return PictureName{std::move(element->name)};
 }
 
@@ -177,12 +184,14 @@ StoredPicture readPicture(const Library& library, const GroupAddress& group,
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
     const Element element = requirePicture(access, name);
-    if (element.size > kMaximumPictureBytes)
+    if (element.size > kMaximumPictureBytes) {
         throw Error(ErrorCode::TooLarge, access.file().disk().path(),
                     "\"" + base::toUtf8(element.name) + "\" is too large for a picture");
+    }
     StoredPicture picture{{element.name}, {}, {}};
-    if (access.openInfo(group))
+    if (access.openInfo(group)) {
         picture.record = readRecord(access, element.name);
+    }
     access.groupStream().emplace(access.groupStorage().OpenStream(element));
     picture.bytes = access.groupStream()->Get();
     return picture;
@@ -201,30 +210,35 @@ void renamePicture(const Library& library, const GroupAddress& group, const Pict
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     const Element picture = requirePicture(access, from);
-    if (picture.name == to.text)
+    if (picture.name == to.text) {
         return;
+    }
     access.groupStorage().RenameElement(picture.name, to.text);
     if (access.openInfo(group)) {
         StorageHandle& info = access.infoStorage();
         // A record that stands under the new name belongs to no picture.
-        if (!sameName(from.text, to.text) && info.find(to.text))
+        if (!sameName(from.text, to.text) && info.find(to.text)) {
             info.DestroyElement(to.text);
-        if (const auto record = info.find(from.text))
+        }
+        if (const auto record = info.find(from.text)) {
             info.RenameElement(record->name, to.text);
+        }
     }
     access.Commit();
 }
 
 void deletePicture(const Library& library, const GroupAddress& group, const PictureName& name) {
-    if (name.text.empty())
+    if (name.text.empty()) {
         return;
+    }
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     const Element picture = requirePicture(access, name);
     access.groupStorage().DestroyElement(picture.name);
     if (access.openInfo(group)) {
-        if (const auto record = access.infoStorage().find(picture.name))
+        if (const auto record = access.infoStorage().find(picture.name)) {
             access.infoStorage().DestroyElement(record->name);
+        }
     }
     access.Commit();
 }
@@ -238,9 +252,10 @@ std::filesystem::path exportPicture(const Library& library, const GroupAddress& 
 std::filesystem::path exportPicture(const Library& library, const StoredPicture& picture,
                                     const std::filesystem::path& folder,
                                     const std::string& baseName) {
-    if (baseName.empty() || baseName.find_first_of("/\\:") != std::string::npos)
+    if (baseName.empty() || baseName.find_first_of("/\\:") != std::string::npos) {
         throw Error(ErrorCode::InvalidName, folder,
                     "\"" + baseName + "\" cannot be a file's base name");
+    }
     const std::string type = picture.record.type.empty() ? "JPG" : picture.record.type;
     std::filesystem::path path = folder / (baseName + "." + type);
     library.disk.removeTemporary(path);

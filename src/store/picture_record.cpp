@@ -21,8 +21,9 @@ bool isTypeCode(std::string_view text) {
 // A plain decimal number with "." or "," and nothing around it.
 bool parseNumber(std::string_view text, float& number) {
     std::array<char, 64> plain{};
-    if (text.size() > plain.size())
+    if (text.size() > plain.size()) {
         return false;
+    }
     std::replace_copy(text.begin(), text.end(), plain.begin(), ',', '.');
     const char* const end = plain.data() + text.size();
     const auto [stop, error] = std::from_chars(plain.data(), end, number);
@@ -35,8 +36,9 @@ std::string typeCodeOf(std::u16string_view fileName) {
     const std::u16string_view ending =
         fileName.substr(fileName.size() - std::min<std::size_t>(fileName.size(), 3));
     for (const std::string_view code : base::kTypeCodes) {
-        if (sameName(ending, base::fromUtf8(code)))
+        if (sameName(ending, base::fromUtf8(code))) {
             return std::string(code);
+        }
     }
     return "JPG";
 }
@@ -58,8 +60,9 @@ std::string numberText(float number, char16_t decimalSeparator) {
         text.assign(buffer.data(), fixed.ptr);
     }
     const std::size_t point = text.find('.');
-    if (point != std::string::npos)
+    if (point != std::string::npos) {
         text.replace(point, 1, base::toUtf8(std::u16string(1, decimalSeparator)));
+    }
     return text;
 }
 
@@ -74,8 +77,9 @@ PictureRecord parseRecord(std::string_view text) {
     const std::size_t w = text.find('w');
     const std::size_t t = text.find('t');
     if (w == std::string_view::npos || t == std::string_view::npos || t < w ||
-        !isTypeCode(text.substr(t + 1)))
+        !isTypeCode(text.substr(t + 1))) {
         return {};
+    }
     PictureRecord record{0, 0, std::string(text.substr(t + 1))};
     float height = 0;
     float width = 0;

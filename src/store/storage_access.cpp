@@ -25,8 +25,9 @@ std::unique_ptr<compound::DiskFile> tryOpen(compound::Disk& disk, const std::fil
     try {
         return disk.open(path, access);
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::Locked)
+        if (error.code() != ErrorCode::Locked) {
             throw;
+        }
         return nullptr;
     }
 }
@@ -35,9 +36,10 @@ std::unique_ptr<compound::DiskFile> tryOpen(compound::Disk& disk, const std::fil
 
 void StreamHandle::Put(std::u16string_view text) {
     const auto bytes = encodeText(text);
-    if (!bytes)
+    if (!bytes) {
         throw Error(ErrorCode::InvalidName, {},
                     "\"" + base::toUtf8(text) + "\" has characters outside the text code page");
+    }
     stream_.assign(*bytes);
 }
 
@@ -54,8 +56,9 @@ void StreamHandle::PutString(std::string_view record) {
 std::string StreamHandle::GetString() const {
     std::array<std::byte, kLongestRecord + 1> buffer{};
     const std::size_t length = stream_.read(0, buffer);
-    if (length > kLongestRecord)
+    if (length > kLongestRecord) {
         return {};
+    }
     return {reinterpret_cast<const char*>(buffer.data()), length};
 }
 
@@ -99,16 +102,20 @@ std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
     std::optional<LockBudget> budget; // started by the first file that was replaced meanwhile
     while (true) {
         if (std::unique_ptr<compound::DiskFile> file = tryOpen(disk, path, access)) {
-            if (!file->lock(budget ? budget->remaining() : wait))
+            if (!file->lock(budget ? budget->remaining() : wait)) {
                 throw Error(ErrorCode::Locked, path, "the file is in use by another program");
-            if (file->isStillAtPath())
+            }
+            if (file->isStillAtPath()) {
                 return file;
+            }
         }
-        if (!budget)
+        if (!budget) {
             budget.emplace(wait);
+        }
         const std::chrono::milliseconds left = budget->remaining();
-        if (left.count() == 0)
+        if (left.count() == 0) {
             throw Error(ErrorCode::Locked, path, "the file is being replaced by another program");
+        }
         std::this_thread::sleep_for(std::min(left, kPause));
     }
 }
@@ -125,8 +132,9 @@ void StorageAccess::openFile(const FileName& file, compound::Access access) {
     try {
         openFile(plainPathOf(library_, file), access, library_.lockWait);
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::NotFound)
+        if (error.code() != ErrorCode::NotFound) {
             throw;
+        }
         openFile(pathOf(library_, file), access, library_.lockWait);
     }
 }
@@ -134,12 +142,14 @@ void StorageAccess::openFile(const FileName& file, compound::Access access) {
 void StorageAccess::openGroup(const GroupAddress& group, compound::Access access) {
     openFile(group.file, access);
     const auto element = root().find(group.storage.text);
-    if (!element || element->kind != compound::ElementKind::Storage)
+    if (!element || element->kind != compound::ElementKind::Storage) {
         throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
                     "there is no group \"" + base::toUtf8(group.storage.text) + "\"");
+    }
     groupStorage_.emplace(root().OpenStorage(element->name));
-    if (!isTopLevel(group))
+    if (!isTopLevel(group)) {
         requireGroup(element->name);
+    }
 }
 
 // An info storage, or another program's, is no group: nothing in it is ours to change.
@@ -147,23 +157,26 @@ void StorageAccess::requireGroup(std::u16string_view storage) {
     const bool isNumbered = storage.starts_with(kSubGroupPrefix);
     const bool hasTexts = isNumbered || groupStorage_->find(kNameStream).has_value() ||
                           groupStorage_->find(kParentStream).has_value();
-    if (!hasTexts || endsWithIgnoringCase(storage, kInfoSuffix))
+    if (!hasTexts || endsWithIgnoringCase(storage, kInfoSuffix)) {
         throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
                     "\"" + base::toUtf8(storage) + "\" is no group");
+    }
 }
 
 bool StorageAccess::openInfo(const GroupAddress& group) {
     infoStorage_.reset();
     const auto element = root().find(infoStorageOf(group.storage).text);
-    if (!element || element->kind != compound::ElementKind::Storage)
+    if (!element || element->kind != compound::ElementKind::Storage) {
         return false;
+    }
     infoStorage_.emplace(root().OpenStorage(element->name));
     return true;
 }
 
 void StorageAccess::openOrCreateInfo(const GroupAddress& group) {
-    if (!openInfo(group))
+    if (!openInfo(group)) {
         infoStorage_.emplace(root().CreateStorage(infoStorageOf(group.storage).text));
+    }
 }
 
 void StorageAccess::release() {

@@ -9,8 +9,9 @@ std::optional<std::vector<std::byte>> encodeText(std::u16string_view text) {
     bytes.reserve(text.size());
     for (const char16_t unit : text) {
         const std::optional<std::uint8_t> byte = base::toWindows1252(unit);
-        if (!byte)
+        if (!byte) {
             return std::nullopt;
+        }
         bytes.push_back(std::byte{*byte});
     }
     return bytes;
@@ -20,8 +21,9 @@ std::u16string decodeText(std::span<const std::byte> bytes) {
     std::u16string text;
     text.reserve(bytes.size());
     for (const std::byte byte : bytes) {
-        if (byte == std::byte{0})
+        if (byte == std::byte{0}) {
             break;
+        }
         text.push_back(base::fromWindows1252(std::to_integer<std::uint8_t>(byte)));
     }
     return text;

@@ -45,8 +45,9 @@ constexpr std::array kOptions{
 const OptionForm& formOf(std::string_view text) {
     const auto found = std::find_if(kOptions.begin(), kOptions.end(),
                                     [&](const OptionForm& form) { return form.text == text; });
-    if (found == kOptions.end())
+    if (found == kOptions.end()) {
         throw UsageError("unknown option " + std::string(text));
+    }
     return *found;
 }
 
@@ -81,9 +82,11 @@ int Arguments::numberOf(Option option, int maximum) const {
 int wholeNumber(Option option, const std::string& text, int least, int most) {
     int number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size() || number < least || number > most)
+    if (error != std::errc() || end != text.data() + text.size() || number < least ||
+        number > most) {
         throw UsageError(textOf(option) + " wants a whole number from " + std::to_string(least) +
                          " to " + std::to_string(most) + ", not \"" + text + "\"");
+    }
     return number;
 }
 
@@ -105,8 +108,9 @@ Arguments parseArguments(std::span<const std::string> commandLine) {
         const OptionForm& form = formOf(std::string_view(word).substr(0, equals));
         std::string value;
         if (form.takes == Takes::Nothing) {
-            if (equals != std::string::npos)
+            if (equals != std::string::npos) {
                 throw UsageError(std::string(form.text) + " takes no value");
+            }
         } else if (equals != std::string::npos) {
             value = word.substr(equals + 1);
         } else if (++at < commandLine.size()) {
@@ -114,8 +118,9 @@ Arguments parseArguments(std::span<const std::string> commandLine) {
         } else {
             throw UsageError(std::string(form.text) + " wants a value");
         }
-        if (form.given == Given::Once && arguments.has(form.option))
+        if (form.given == Given::Once && arguments.has(form.option)) {
             throw UsageError(std::string(form.text) + " is given twice");
+        }
         arguments.options.push_back({form.option, std::move(value)});
     }
     return arguments;

@@ -14,22 +14,25 @@ const Command& commandNamed(const std::string& name) {
     const std::span<const Command> all = commands();
     const auto found = std::find_if(all.begin(), all.end(),
                                     [&](const Command& command) { return command.name == name; });
-    if (found == all.end())
+    if (found == all.end()) {
         throw UsageError("unknown command \"" + name + "\"");
+    }
     return *found;
 }
 
 void refuseWrongUse(const Command& command, const Arguments& arguments) {
     const std::size_t given = arguments.words.size() - 1;
-    if (given < command.fewest || given > command.most)
+    if (given < command.fewest || given > command.most) {
         throw UsageError("usage: stgtool " + std::string(command.name) + " " +
                          std::string(command.synopsis));
+    }
     for (const auto& [option, value] : arguments.options) {
         const bool isOwn = std::find(command.options.begin(), command.options.end(), option) !=
                            command.options.end();
         const bool isCommon = option == Option::Json || option == Option::Library;
-        if (!isCommon && !isOwn)
+        if (!isCommon && !isOwn) {
             throw UsageError(std::string(command.name) + " does not take " + textOf(option));
+        }
     }
 }
 
@@ -43,8 +46,9 @@ ExitStatus dispatch(std::span<const std::string> commandLine, Console& console) 
         printVersion(console.out);
         return ExitStatus::Done;
     }
-    if (arguments.words.empty())
+    if (arguments.words.empty()) {
         throw UsageError("no command");
+    }
     const Command& command = commandNamed(arguments.words.front());
     refuseWrongUse(command, arguments);
     return command.run({arguments, console});
@@ -54,8 +58,9 @@ ExitStatus runToTheEnd(std::span<const std::string> commandLine, Console& consol
     try {
         const ExitStatus status = dispatch(commandLine, console);
         console.out.flush();
-        if (console.out)
+        if (console.out) {
             return status;
+        }
         complain(console, "standard output: cannot be written");
     } catch (const UsageError& error) {
         complain(console, error.what());

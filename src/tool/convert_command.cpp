@@ -34,9 +34,10 @@ PictureKind kindByName(const std::filesystem::path& path) {
     });
     const auto* const found = std::find_if(
         kKinds.begin(), kKinds.end(), [&](const auto& kind) { return kind.first == extension; });
-    if (found == kKinds.end())
+    if (found == kKinds.end()) {
         throw UsageError("convert writes .bmp, .gif, .jpg, .ico, .cur and .emf files, not \"" +
                          path.filename().string() + "\"");
+    }
     return found->second;
 }
 
@@ -50,13 +51,15 @@ QPoint hotSpotOf(const InputPicture& input) {
 std::vector<std::byte> edited(const InputPicture& input, const std::vector<EditStep>& steps,
                               PictureKind kind) {
     EditedPicture picture{input.image, hotSpotOf(input)};
-    for (const EditStep& step : steps)
+    for (const EditStep& step : steps) {
         apply(step, picture);
+    }
     imaging::Kept kept;
     kept.hotSpot = picture.hotSpot;
     // A picture that was made smaller is an icon of its own: beside the old frames nobody saw it.
-    if (input.image.size() == input.facts.pixels)
+    if (input.image.size() == input.facts.pixels) {
         kept.file = input.file;
+    }
     return imaging::encode(picture.image, kind, kept);
 }
 
@@ -65,8 +68,9 @@ std::vector<std::byte> edited(const InputPicture& input, const std::vector<EditS
 ExitStatus convertPicture(const Invocation& invocation) {
     const std::filesystem::path source = invocation.argument(0);
     const std::filesystem::path target = invocation.argument(1);
-    if (source == "-" || target == "-")
+    if (source == "-" || target == "-") {
         throw UsageError("convert reads and writes files; - is none here");
+    }
     const PictureKind kind = kindByName(target);
     const std::vector<EditStep> steps = editSteps(invocation.arguments);
     const IfFileExists ifExists =

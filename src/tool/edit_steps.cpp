@@ -18,9 +18,10 @@ int degreesFrom(const std::string& text) {
     double degrees = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, degrees, std::chars_format::fixed);
-    if (error != std::errc() || stop != end || !(std::abs(degrees) <= kMost))
+    if (error != std::errc() || stop != end || !(std::abs(degrees) <= kMost)) {
         throw UsageError("--rotate wants degrees from -360 to 360, such as 33.3, not \"" + text +
                          "\"");
+    }
     return static_cast<int>(std::lround(degrees * 100));
 }
 
@@ -30,15 +31,17 @@ QRgb colourFrom(const std::string& text) {
     QRgb colour = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, colour, kHexadecimal);
-    if (error != std::errc() || stop != end || text.size() != kDigits)
+    if (error != std::errc() || stop != end || text.size() != kDigits) {
         throw UsageError("--fill wants a colour as RRGGBB, not \"" + text + "\"");
+    }
     return 0xFF000000U | colour;
 }
 
 EditStep& lastRotation(std::vector<EditStep>& steps, Option option) {
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-        if (step->option == Option::Rotate)
+        if (step->option == Option::Rotate) {
             return *step;
+        }
     }
     throw UsageError(textOf(option) + " wants a --rotate before it");
 }
@@ -86,8 +89,9 @@ void rotate(const EditStep& step, EditedPicture& picture) {
 
 std::vector<EditStep> editSteps(const Arguments& arguments) {
     std::vector<EditStep> steps;
-    for (const GivenOption& given : arguments.options)
+    for (const GivenOption& given : arguments.options) {
         addStep(steps, given);
+    }
     return steps;
 }
 

@@ -31,14 +31,16 @@ std::vector<Finding> findingsOf(const std::filesystem::path& path) {
             store::openLocked(library.disk, path, Access::Read, library.lockWait), Access::Read);
         findings = file.check();
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotCompoundFile)
+        if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotCompoundFile) {
             throw;
+        }
         return {{"header", error.cause()}};
     }
     const store::LockBudget budget(library.lockWait);
     const bool isSound = std::all_of(findings.begin(), findings.end(), isRemark);
-    if (isSound && store::testGroupFile(library, path, budget) == store::GroupFileState::Damaged)
+    if (isSound && store::testGroupFile(library, path, budget) == store::GroupFileState::Damaged) {
         findings.push_back({"root", "there is no group of the file's own name"});
+    }
     return findings;
 }
 
@@ -53,8 +55,9 @@ ExitStatus checkFiles(const Invocation& invocation) {
             for (const Finding& finding : findingsOf(file)) {
                 table.addRow(
                     {Cell::text(file), Cell::text(finding.where), Cell::text(finding.what)});
-                if (!isRemark(finding))
+                if (!isRemark(finding)) {
                     status = ExitStatus::Failed;
+                }
             }
         } catch (const Error& error) {
             complain(invocation.console, error.what());

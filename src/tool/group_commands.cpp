@@ -24,8 +24,9 @@ std::optional<store::GroupSize> sizeOf(const store::Library& library,
     try {
         return store::readGroupSize(library, group);
     } catch (const Error& error) {
-        if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotFound)
+        if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotFound) {
             throw;
+        }
         complain(console, error.what());
         return std::nullopt;
     }
@@ -52,10 +53,11 @@ void refuseTakenName(const store::Library& library,
                      const store::GroupName& name) {
     const bool isTaken = parent ? store::subGroupExists(library, *parent, name)
                                 : store::groupExistsIgnoringCase(library, name);
-    if (isTaken)
+    if (isTaken) {
         throw Error(ErrorCode::Exists,
                     parent ? store::pathOf(library, parent->file) : library.folder,
                     "there is a group \"" + base::toUtf8(name.text) + "\" already");
+    }
 }
 
 // The group as the list has it: its own texts may be missing, or name no parent that is there.
@@ -103,8 +105,9 @@ ExitStatus newGroup(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
     const store::GroupName name{base::fromUtf8(invocation.argument(0))};
     std::optional<store::GroupAddress> parent;
-    if (invocation.arguments.has(Option::Below))
+    if (invocation.arguments.has(Option::Below)) {
         parent = groupOf(library, invocation.arguments.valueOf(Option::Below));
+    }
     refuseTakenName(library, parent, name);
     printKey(invocation, store::createGroup(library, parent, name));
     return ExitStatus::Done;
@@ -119,8 +122,9 @@ ExitStatus renameGroup(const Invocation& invocation) {
         return ExitStatus::Done;
     }
     const std::optional<store::GroupEntry> entry = listedGroup(library, group);
-    if (entry && entry->name != name)
+    if (entry && entry->name != name) {
         refuseTakenName(library, store::GroupAddress{group.file, entry->parent}, name);
+    }
     store::renameGroup(library, group, name);
     printKey(invocation, group);
     return ExitStatus::Done;
@@ -129,10 +133,11 @@ ExitStatus renameGroup(const Invocation& invocation) {
 ExitStatus removeGroup(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
     const store::GroupAddress group = groupOf(library, invocation.argument(0));
-    if (store::isTopLevel(group))
+    if (store::isTopLevel(group)) {
         store::removeGroupFile(library, group.file);
-    else
+    } else {
         store::deleteGroup(library, group);
+    }
     return ExitStatus::Done;
 }
 

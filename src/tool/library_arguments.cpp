@@ -47,11 +47,13 @@ std::filesystem::path settingsFolder() {
 } // namespace
 
 store::Library libraryOf(const Arguments& arguments) {
-    if (!arguments.has(Option::Library))
+    if (!arguments.has(Option::Library)) {
         return libraryIn(settingsFolder());
+    }
     const std::string folder = arguments.valueOf(Option::Library);
-    if (folder.empty())
+    if (folder.empty()) {
         throw UsageError("--library wants a folder");
+    }
     return libraryIn(folder);
 }
 
@@ -64,17 +66,19 @@ store::GroupAddress groupOf(const store::Library& library, const std::string& ke
     // The file lies in the library and nowhere else, whatever the key tries.
     const bool isKey = !group.file.text.empty() && !group.storage.text.empty() &&
                        !base::toPath(group.file.text).has_parent_path();
-    if (!isKey)
+    if (!isKey) {
         throw Error(ErrorCode::NotFound, library.folder, "\"" + key + "\" is no group's key");
+    }
     const bool isFileAlone = key.find('/') == std::string::npos;
     return isFileAlone && key.find('.') != std::string::npos ? topOf(library, group) : group;
 }
 
 store::PictureName pictureOf(const store::Library& library, const store::GroupAddress& group,
                              const std::string& name) {
-    if (name.empty())
+    if (name.empty()) {
         throw Error(ErrorCode::NotFound, store::pathOf(library, group.file),
                     "there is no picture without a name");
+    }
     return {base::fromUtf8(name)};
 }
 

@@ -19,8 +19,9 @@ std::unique_ptr<QCoreApplication> makeApplication(const std::vector<std::string>
                                                   int& argc, char** argv) {
     constexpr std::array kPainting{"render", "convert"};
     if (std::find_first_of(commandLine.begin(), commandLine.end(), kPainting.begin(),
-                           kPainting.end()) == commandLine.end())
+                           kPainting.end()) == commandLine.end()) {
         return std::make_unique<QCoreApplication>(argc, argv);
+    }
     qputenv("QT_QPA_PLATFORM", "offscreen"); // works without a display, and shows nothing on one
     return std::make_unique<QGuiApplication>(argc, argv);
 }

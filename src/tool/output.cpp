@@ -21,8 +21,9 @@ bool isLowSurrogate(char16_t unit) {
 
 void appendUnit(std::string& json, char16_t unit) {
     json += "\\u";
-    for (int shift = 12; shift >= 0; shift -= 4)
+    for (int shift = 12; shift >= 0; shift -= 4) {
         json += kHexDigits[(static_cast<unsigned>(unit) >> static_cast<unsigned>(shift)) & 0xFU];
+    }
 }
 
 std::string jsonText(std::u16string_view text) {
@@ -109,8 +110,9 @@ std::string Cell::toJson() const {
 
 std::string Table::tabbed(const std::vector<Cell>& row) const {
     std::string line;
-    for (const Cell& cell : row)
+    for (const Cell& cell : row) {
         line.append(&cell == row.data() ? "" : "\t").append(cell.toTabbed());
+    }
     return line;
 }
 
@@ -125,13 +127,15 @@ std::string Table::object(const std::vector<Cell>& row) const {
 
 void Table::print(std::ostream& out, const Arguments& arguments) const {
     if (!arguments.has(Option::Json)) {
-        for (const std::vector<Cell>& row : rows_)
+        for (const std::vector<Cell>& row : rows_) {
             out << tabbed(row) << '\n';
+        }
         return;
     }
     out << '[';
-    for (std::size_t i = 0; i < rows_.size(); ++i)
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
         out << (i == 0 ? "\n  " : ",\n  ") << object(rows_[i]);
+    }
     out << (rows_.empty() ? "]\n" : "\n]\n");
 }
 

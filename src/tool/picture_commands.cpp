@@ -14,13 +14,15 @@ namespace tool {
 namespace {
 
 store::PictureName nameOf(const Invocation& invocation, const std::string& file) {
-    if (invocation.arguments.has(Option::Name))
+    if (invocation.arguments.has(Option::Name)) {
         return {base::fromUtf8(invocation.arguments.valueOf(Option::Name))};
+    }
     const std::u16string fileName = base::fromPath(std::filesystem::path(file).filename());
     store::PictureName name{std::u16string(store::cutAtFirstDot(fileName))};
-    if (!store::isValidPictureName(name.text))
+    if (!store::isValidPictureName(name.text)) {
         throw compound::Error(compound::ErrorCode::InvalidName, file,
                               "the file's name gives no name for a picture (see --name)");
+    }
     return name;
 }
 
@@ -29,15 +31,17 @@ class Progress {
   public:
     Progress(Console& console, std::size_t total) : console_(console), total_(total) {}
     ~Progress() {
-        if (isShown_)
+        if (isShown_) {
             console_.err << "\r\033[K" << std::flush;
+        }
     }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void show(std::size_t done) {
-        if (console_.errorStream != ErrorStream::Terminal || total_ < 2)
+        if (console_.errorStream != ErrorStream::Terminal || total_ < 2) {
             return;
+        }
         isShown_ = true;
         console_.err << "\radding " << done << " of " << total_ << std::flush;
     }
@@ -68,9 +72,10 @@ ExitStatus listPictures(const Invocation& invocation) {
 ExitStatus addPictures(const Invocation& invocation) {
     const std::vector<std::string>& words = invocation.arguments.words;
     const std::vector<std::string> files(words.begin() + 2, words.end());
-    if (files.size() > 1 && invocation.arguments.has(Option::Name))
+    if (files.size() > 1 && invocation.arguments.has(Option::Name)) {
         throw UsageError("--name names one picture, but there are " + std::to_string(files.size()) +
                          " files");
+    }
     const store::Library library = libraryOf(invocation.arguments);
     const store::GroupAddress group = groupOf(library, invocation.argument(0));
     store::PictureBatch batch(library, group);

@@ -24,12 +24,15 @@ int inProportion(int side, int other, int total) {
 QSize boxFor(const Arguments& arguments, QSize pixels) {
     const int width = arguments.numberOf(Option::Width, kMaximumSide);
     const int height = arguments.numberOf(Option::Height, kMaximumSide);
-    if (width == 0 && height == 0)
+    if (width == 0 && height == 0) {
         return pixels;
-    if (height == 0)
+    }
+    if (height == 0) {
         return {width, inProportion(width, pixels.height(), pixels.width())};
-    if (width == 0)
+    }
+    if (width == 0) {
         return {inProportion(height, pixels.width(), pixels.height()), height};
+    }
     return {width, height};
 }
 
@@ -44,12 +47,14 @@ InputPicture readPicture(const std::filesystem::path& source, const std::filesys
         const picture::Picture picture = picture::decode(input.file);
         input.facts = picture.facts();
         const QSize box = boxFor(invocation.arguments, input.facts.pixels);
-        if (qint64{box.width()} * box.height() > picture::kMaximumPixels)
+        if (qint64{box.width()} * box.height() > picture::kMaximumPixels) {
             throw Error(ErrorCode::TooLarge, target, "the picture would have too many pixels");
+        }
         input.image = picture.scaledTo(box);
-        if (picture.isDrawnInPart())
+        if (picture.isDrawnInPart()) {
             complain(invocation.console,
                      source.string() + ": cut short or asking for too much; drawn in part");
+        }
     } catch (const picture::DecodeError& error) {
         throw Error(ErrorCode::InvalidPicture, source, error.what());
     }

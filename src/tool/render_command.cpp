@@ -17,8 +17,9 @@ QByteArray toPng(const QImage& image, const std::filesystem::path& path) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    if (!image.save(&buffer, "PNG"))
+    if (!image.save(&buffer, "PNG")) {
         throw Error(ErrorCode::Failed, path, "the picture cannot be written as PNG");
+    }
     return bytes;
 }
 

@@ -9,9 +9,10 @@ namespace tool {
 void printHelp(std::ostream& out) {
     out << "usage: stgtool COMMAND ARGUMENT... [--library DIR] [--json]\n\n"
            "Works on a picture library: a folder of group files (*.stg).\n\n";
-    for (const Command& command : commands())
+    for (const Command& command : commands()) {
         out << "  " << command.name << ' ' << command.synopsis << "\n      " << command.purpose
             << "\n";
+    }
     out << "\n"
            "  --library DIR   the library's folder (default: the one of the settings)\n"
            "  --json          print JSON instead of tab-separated lines\n"

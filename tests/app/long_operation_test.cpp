@@ -32,8 +32,9 @@ class LongOperationTest : public testing::Test {
     void inWindow(const std::function<bool(QDialog&)>& steps) {
         QObject::connect(&looking_, &QTimer::timeout, [this, steps] {
             auto* window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (window != nullptr && steps(*window))
+            if (window != nullptr && steps(*window)) {
                 looking_.stop();
+            }
         });
         looking_.start(0);
     }
@@ -87,8 +88,9 @@ TEST_F(LongOperationTest, AfterAMomentAWindowShowsHowFarItIs) {
             if (amount == "750 of 1000 MB") {
                 EXPECT_EQ(bar.value(), bar.maximum() * 3 / 4);
             }
-            if (!amount.isEmpty())
+            if (!amount.isEmpty()) {
                 goOn.release();
+            }
         }
         return amount == "Finishing";
     });
@@ -121,8 +123,9 @@ TEST_F(LongOperationTest, StoppingIsAskedForByButtonEscapeAndCloseBox) {
         });
         app::runLong({"Copying", Stopping::Offered, kAtOnce}, nullptr,
                      [](store::Progress& progress) {
-                         while (!progress.isStopWanted())
+                         while (!progress.isStopWanted()) {
                              std::this_thread::yield();
+                         }
                      });
     }
 }
@@ -130,8 +133,9 @@ TEST_F(LongOperationTest, StoppingIsAskedForByButtonEscapeAndCloseBox) {
 TEST_F(LongOperationTest, WhatCannotBeStoppedAnyMoreDoesNotOfferIt) {
     std::binary_semaphore goOn(0);
     inWindow([&](QDialog& window) {
-        if (find<QPushButton>(window, "cmdAbbruch").isEnabled())
+        if (find<QPushButton>(window, "cmdAbbruch").isEnabled()) {
             return false;
+        }
         window.reject();
         goOn.release();
         return true;
@@ -154,8 +158,9 @@ TEST_F(LongOperationTest, WhatWaitsForItsEndComesAfterIt) {
         gone.reset();
     });
     app::runLong({"Copying", Stopping::Offered, kNever}, nullptr, [](store::Progress& progress) {
-        while (!progress.isStopWanted())
+        while (!progress.isStopWanted()) {
             std::this_thread::yield();
+        }
     });
     events.append("ended");
     QCoreApplication::processEvents();

@@ -56,8 +56,9 @@ TEST_F(MessageBoxTest, showsPlainTextAndCaptionsInTheProgramsLanguage) {
         app::setLanguage(locale);
         QStringList captions;
         answer(Buttons::YesNo, [&](QMessageBox* box) {
-            for (const QAbstractButton* button : box->buttons())
+            for (const QAbstractButton* button : box->buttons()) {
                 captions += button->text();
+            }
             EXPECT_TRUE(box->buttons().first()->icon().isNull());
             EXPECT_EQ(box->text(), "<b>a</b> & b");
             EXPECT_EQ(box->textFormat(), Qt::PlainText);
@@ -98,8 +99,9 @@ TEST_F(MessageBoxTest, namesFileAndCauseOfAnError) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen"); // also while CTest asks for the list of tests
+    }
     const QApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -48,8 +48,9 @@ TEST_F(TextsTest, joinToWholeMessages) {
 
 TEST_F(TextsTest, haveOneEntryForEachId) {
     QSet<int> ids;
-    for (const app::TextEntry& entry : app::textEntries())
+    for (const app::TextEntry& entry : app::textEntries()) {
         ids.insert(entry.id);
+    }
     EXPECT_EQ(ids.size(), 174);
     EXPECT_EQ(app::textEntries().size(), 174U);
 }

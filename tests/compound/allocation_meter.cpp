@@ -14,17 +14,20 @@ std::atomic<std::size_t> atStart{0};
 
 void* allocate(std::size_t size) {
     void* const memory = std::malloc(std::max<std::size_t>(size, 1));
-    if (!memory)
+    if (!memory) {
         throw std::bad_alloc();
+    }
     const std::size_t now = held += malloc_usable_size(memory);
-    if (now > most)
+    if (now > most) {
         most = now;
+    }
     return memory;
 }
 
 void release(void* memory) noexcept {
-    if (memory)
+    if (memory) {
         held -= malloc_usable_size(memory);
+    }
     std::free(memory);
 }
 

@@ -21,8 +21,9 @@ const std::filesystem::path kPath = "boundary.stg";
 
 std::u16string numbered(char16_t kind, std::size_t number) {
     std::u16string name(1, kind);
-    for (const char digit : std::to_string(number))
+    for (const char digit : std::to_string(number)) {
         name += static_cast<char16_t>(digit);
+    }
     return name;
 }
 
@@ -50,8 +51,9 @@ TEST_P(BoundaryTest, StreamsAroundTheCutoff) {
         Stream grown = add(u'g'); // in steps that end right before and on the cutoff
         std::size_t done = 0;
         for (const std::size_t end : {64UL, 4095UL, 4096UL, size}) {
-            if (end <= done || end > size)
+            if (end <= done || end > size) {
                 continue;
+            }
             grown.append(std::span(bytes).subspan(done, end - done));
             done = end;
         }
@@ -80,8 +82,9 @@ TEST(FatTest, GrowsPastTheHeadersListAndBack) {
         file.commit();
         ASSERT_EQ(findingsOf(disk, kPath), "");
     };
-    while (headerField(disk, header::kFatSectorsAt) < 106)
+    while (headerField(disk, header::kFatSectorsAt) < 106) {
         add(5);
+    }
     EXPECT_EQ(headerField(disk, header::kDifatSectorsAt), 0U);
     std::uint32_t before = 0;
     for (std::uint32_t fat = 0; fat < 113; before = fat) {
@@ -111,9 +114,10 @@ constexpr std::uint64_t kTwoGiB = std::uint64_t{1} << 31U;
 // Zeros, which the disk of the tests does not store.
 void appendZeros(Stream stream, std::uint64_t upTo) {
     const std::vector<std::byte> zeros(std::size_t{16} << 20U);
-    while (stream.size() < upTo)
+    while (stream.size() < upTo) {
         stream.append(
             std::span(zeros).first(std::min<std::uint64_t>(zeros.size(), upTo - stream.size())));
+    }
 }
 
 TEST(TwoGiBTest, LargeSectorsGoOnBehindTheRangeLock) {
@@ -127,8 +131,9 @@ TEST(TwoGiBTest, LargeSectorsGoOnBehindTheRangeLock) {
         file.commit();
         large.append(mark);
         file.commit();
-        for (int i = 0; i < 60; ++i)
+        for (int i = 0; i < 60; ++i) {
             large.append(mark); // over the lock, bit by bit
+        }
         file.commit();
         EXPECT_EQ(findingsOf(file), "");
     }
@@ -157,8 +162,9 @@ TEST(TwoGiBTest, RangeLockIsMarkedBeforeTheFileReachesIt) {
     CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes4096);
     Stream large = file.root().createStream(u"large");
     appendZeros(large, kTwoGiB / 8 * 7);
-    while (file.disk().size() < kTwoGiB - 80 * kSector)
+    while (file.disk().size() < kTwoGiB - 80 * kSector) {
         appendZeros(large, large.size() + 20 * kSector);
+    }
     file.commit();
     ASSERT_LT(file.disk().size(), kTwoGiB - 20 * kSector);
     const std::vector<std::byte> sector = patterned(kSector, 1);

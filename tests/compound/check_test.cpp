@@ -19,8 +19,9 @@ RawFile makeRaw(SectorSize sectorSize) {
     MemoryDisk disk;
     CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
     auto storage = file.root().createStorage(u"S");
-    for (const std::u16string_view name : {u"one", u"two", u"six"})
+    for (const std::u16string_view name : {u"one", u"two", u"six"}) {
         storage.createStream(name).assign(patterned(300, 1));
+    }
     storage.createStream(u"long").assign(patterned(20000, 1));
     file.commit();
     return RawFile(disk.content(kPath));

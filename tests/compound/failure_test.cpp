@@ -53,11 +53,13 @@ enum class Failing { Once, FromThenOn };
 struct FailingDisk {
     FailingDisk(MemoryDisk& which, int call, Failing failing) : disk(which) {
         disk.setInterceptor([this, call, failing](Call kind) {
-            if (kind == Call::Folder)
+            if (kind == Call::Folder) {
                 return;
+            }
             const int now = calls++;
-            if (now == call || (failing == Failing::FromThenOn && now > call))
+            if (now == call || (failing == Failing::FromThenOn && now > call)) {
                 throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+            }
         });
     }
     ~FailingDisk() { disk.setInterceptor({}); }
@@ -105,8 +107,9 @@ TEST_P(FailureTest, EachFailingCallLeavesTheOldStateOrTheNewOne) {
         }
         ASSERT_TRUE(contentOf(disk, kPath) == (outcome.error ? before : after));
         ASSERT_EQ(damageOf(disk, kPath), "");
-        if (outcome.calls <= call)
+        if (outcome.calls <= call) {
             break;
+        }
         ASSERT_LT(call, 1000);
     }
 }
@@ -131,8 +134,9 @@ TEST_P(FailureTest, DiskThatStaysAwayLeavesOneOfTheTwoStates) {
             ASSERT_TRUE(content == (outcome.error ? before : after));
         }
         ASSERT_EQ(damageOf(disk, kPath), "");
-        if (outcome.calls <= call)
+        if (outcome.calls <= call) {
             break;
+        }
     }
     EXPECT_EQ(unknown, 2); // the header's write, and the sync after it
 }
@@ -146,10 +150,12 @@ TEST_P(FailureTest, UnknownOutcomeAllowsNoFurtherChange) {
     const std::uint32_t signature = file.transactionSignature();
     int writes = 0;
     disk.setInterceptor([&](Call kind) {
-        if (kind == Call::Write)
+        if (kind == Call::Write) {
             ++writes;
-        if (kind == Call::Sync && writes > 0)
+        }
+        if (kind == Call::Sync && writes > 0) {
             throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+        }
     });
     EXPECT_THROW(file.commit(), Error);
     disk.setInterceptor({});
@@ -159,8 +165,9 @@ TEST_P(FailureTest, UnknownOutcomeAllowsNoFurtherChange) {
     int syncs = 0;
     disk.setInterceptor([&](Call kind) {
         syncs += kind == Call::Sync ? 1 : 0;
-        if (syncs > 1)
+        if (syncs > 1) {
             throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+        }
     });
     EXPECT_THROW(file.commit(), Error); // the header's sync, and the one after putting it back
     disk.setInterceptor({});
@@ -185,13 +192,15 @@ TEST_P(FailureTest, FailedNewFileIsNoCompoundFile) {
             }
             calls = failure.calls;
         }
-        if (error)
+        if (error) {
             EXPECT_TRUE(disk.content(kPath).empty()) << "call " << call;
-        else
+        } else {
             EXPECT_EQ(contentOf(disk, kPath).size(), 1U) << "call " << call;
+        }
         disk.removeTemporary(kPath);
-        if (calls <= call)
+        if (calls <= call) {
             return;
+        }
     }
     FAIL() << "the calls have no end";
 }
@@ -219,8 +228,9 @@ TEST_P(FailureTest, FullDiskKeepsTheOldStateAndLetsDelete) {
         ASSERT_TRUE(contentOf(disk, kPath) == expected);
         for (const auto& [path, bytes] : Content(expected)) {
             const std::size_t slash = path.find(u'/');
-            if (slash + 1 == path.size())
+            if (slash + 1 == path.size()) {
                 continue; // a storage
+            }
             CompoundFile file = openFile(disk, kPath);
             file.root().openStorage(path.substr(0, slash)).destroy(path.substr(slash + 1));
             ASSERT_NO_THROW(file.commit());
@@ -236,14 +246,16 @@ class FullDisk {
   public:
     explicit FullDisk(SectorSize sectorSize) {
         CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
-        for (const std::u16string_view storage : {u"Pumps", u"PumpsInfo", u"Sub1", u"Sub1Info"})
+        for (const std::u16string_view storage : {u"Pumps", u"PumpsInfo", u"Sub1", u"Sub1Info"}) {
             file.root().createStorage(storage);
+        }
         file.root().openStorage(u"Sub1").createStream(u"Name").assign(patterned(4, 1));
         file.commit();
         disk.setCapacity(kCapacity);
         for (const std::size_t size : {12000U, 3000U, 200U, 0U}) {
-            while (add(u"Pumps", size))
+            while (add(u"Pumps", size)) {
                 add(u"Sub1", size);
+            }
         }
     }
 
@@ -251,8 +263,9 @@ class FullDisk {
         const std::u16string name = nameOf(added_++);
         try {
             CompoundFile file = openFile(disk, kPath);
-            if (added_ % 2 == 0)
+            if (added_ % 2 == 0) {
                 file.makeRoom(size + 12);
+            }
             file.root().openStorage(storage).createStream(name).assign(patterned(size, 1));
             file.root().openStorage(storage + u"Info").createStream(name).assign(patterned(12, 2));
             file.commit();
@@ -265,8 +278,9 @@ class FullDisk {
 
     static std::u16string nameOf(std::size_t number) {
         std::u16string name = u"picture ";
-        for (const char digit : std::to_string(1000 + number))
+        for (const char digit : std::to_string(1000 + number)) {
             name += static_cast<char16_t>(digit);
+        }
         return name;
     }
 
@@ -287,8 +301,9 @@ TEST_P(FailureTest, FullDiskLetsDeleteEverything) {
         const std::u16string name = FullDisk::nameOf(i * 37 % full.added());
         CompoundFile file = openFile(full.disk, kPath);
         for (const std::u16string_view storage : {u"Pumps", u"Sub1"}) {
-            if (!file.root().openStorage(storage).find(name))
+            if (!file.root().openStorage(storage).find(name)) {
                 continue;
+            }
             file.root().openStorage(storage).destroy(name);
             file.root().openStorage(std::u16string(storage) + u"Info").destroy(name);
             ++deleted;
@@ -305,8 +320,9 @@ TEST_P(FailureTest, FullDiskLetsRenameAndDeleteAStorageAtOnce) {
         CompoundFile file = openFile(full.disk, kPath);
         const std::u16string name = FullDisk::nameOf(i);
         for (const std::u16string_view storage : {u"Pumps", u"PumpsInfo"}) {
-            if (file.root().openStorage(storage).find(name))
+            if (file.root().openStorage(storage).find(name)) {
                 file.root().openStorage(storage).rename(name, name + u" of the other kind");
+            }
         }
         file.root().openStorage(u"Sub1").openStream(u"Name").assign(patterned(1 + i % 27, 1));
         ASSERT_NO_THROW(file.commit()) << i;

@@ -42,8 +42,9 @@ namespace {
 
 std::string asText(const std::vector<compound::Finding>& findings) {
     std::string text;
-    for (const compound::Finding& finding : findings)
+    for (const compound::Finding& finding : findings) {
         text += finding.where + ": " + finding.what + "\n";
+    }
     return text;
 }
 

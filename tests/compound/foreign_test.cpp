@@ -56,8 +56,9 @@ void expectReadAndMended(RawFile& raw, const Content& expected) {
     ASSERT_TRUE(contentOf(disk, kPath) == expected);
     {
         CompoundFile file = openFile(disk, kPath, Access::Read);
-        for (std::size_t i = 0; i < kLetters.size(); ++i)
+        for (std::size_t i = 0; i < kLetters.size(); ++i) {
             ASSERT_TRUE(file.root().openStorage(u"S").find(kLetters.substr(i, 1))) << i;
+        }
     }
     CompoundFile file = openFile(disk, kPath);
     auto storage = file.root().openStorage(u"S");
@@ -85,8 +86,9 @@ enum class Signature { Ours, Theirs };
 class ForeignTest : public testing::TestWithParam<std::tuple<SectorSize, Signature>> {
   protected:
     ForeignTest() {
-        if (std::get<Signature>(GetParam()) == Signature::Theirs)
+        if (std::get<Signature>(GetParam()) == Signature::Theirs) {
             raw_.makeForeign();
+        }
     }
 
     static SectorSize sectorSize() { return std::get<SectorSize>(GetParam()); }
@@ -107,16 +109,18 @@ INSTANTIATE_TEST_SUITE_P(Sectors, ForeignTest,
 
 TEST_P(ForeignTest, ListInsteadOfATree) {
     std::vector<std::u16string> names;
-    for (const char16_t letter : kLetters)
+    for (const char16_t letter : kLetters) {
         names.emplace_back(1, letter);
+    }
     makeList(raw_, names, Colour::Black);
     expectReadAndMended();
 }
 
 TEST_P(ForeignTest, AllRedAndAllBlack) {
     for (const Colour colour : {Colour::Red, Colour::Black}) {
-        for (std::size_t i = 0; i < kLetters.size(); ++i)
+        for (std::size_t i = 0; i < kLetters.size(); ++i) {
             putColour(kLetters.substr(i, 1), colour);
+        }
         expectReadAndMended();
     }
 }
@@ -148,10 +152,12 @@ TEST_P(ForeignTest, JunkWhereNothingCounts) {
     raw_.put(raw_.entry(u"c") + entry::kStartAt, 12345); // an empty stream's first sector
     for (std::uint32_t id = 0;; ++id) {
         const std::size_t at = raw_.entry(id);
-        if (raw_.bytes()[at + entry::kTypeAt] != std::byte{0})
+        if (raw_.bytes()[at + entry::kTypeAt] != std::byte{0}) {
             continue;
-        for (std::size_t i = 0; i < kEntrySize; ++i) // an entry that is free
+        }
+        for (std::size_t i = 0; i < kEntrySize; ++i) { // an entry that is free
             raw_.bytes()[at + i] = i == entry::kTypeAt ? std::byte{0} : std::byte{0x5A};
+        }
         break;
     }
     raw_.put(raw_.entry(u"S") + entry::kStartAt, 7);
@@ -166,8 +172,9 @@ TEST_P(ForeignTest, LastSectorCutShort) {
     RawFile raw(disk.content(kPath));
     raw.makeForeign();
     std::uint32_t used = raw.sectors();
-    while (raw.get(raw.fatEntry(used - 1)) == kFreeSector)
+    while (raw.get(raw.fatEntry(used - 1)) == kFreeSector) {
         --used;
+    }
     const std::size_t end = raw.sector(used);
     raw.bytes().resize(end - 50);
     disk.setContent(kPath, raw.bytes());
@@ -184,8 +191,9 @@ TEST_P(ForeignTest, AttributesAreCarriedAlong) {
         return raw.bytes().begin() +
                static_cast<std::ptrdiff_t>(raw.entry(name) + entry::kClassIdAt);
     };
-    for (const std::u16string_view name : {u"S", u"Root Entry", u"b"})
+    for (const std::u16string_view name : {u"S", u"Root Entry", u"b"}) {
         std::copy(attributes.begin(), attributes.end(), at(raw_, name));
+    }
     MemoryDisk disk;
     disk.setContent(kPath, raw_.bytes());
     CompoundFile file = openFile(disk, kPath);
@@ -198,8 +206,9 @@ TEST_P(ForeignTest, AttributesAreCarriedAlong) {
     copy.commit();
     for (const auto& path : {kPath, std::filesystem::path("copy.stg")}) {
         RawFile raw(disk.content(path));
-        for (const std::u16string_view name : {u"T", u"Root Entry", u"renamed"})
+        for (const std::u16string_view name : {u"T", u"Root Entry", u"renamed"}) {
             EXPECT_TRUE(std::equal(attributes.begin(), attributes.end(), at(raw, name))) << path;
+        }
     }
 }
 
@@ -221,10 +230,12 @@ TEST_P(ForeignTest, EveryElementOfALooseTreeCanBeRemoved) {
             file.commit();
         }
         RawFile raw(disk.content(kPath));
-        if (std::get<Signature>(GetParam()) == Signature::Theirs)
+        if (std::get<Signature>(GetParam()) == Signature::Theirs) {
             raw.makeForeign();
-        if (count == 100)
+        }
+        if (count == 100) {
             std::reverse(names.begin(), names.begin() + count / 2);
+        }
         makeList(raw, names, colour);
         disk.setContent(kPath, raw.bytes());
         std::shuffle(names.begin(), names.end() - 1, std::mt19937(3));
@@ -267,8 +278,9 @@ TEST(Foreign512Test, UpperHalvesOfSizesDoNotCount) {
     RawFile raw = makeRaw(SectorSize::Bytes512);
     raw.makeForeign();
     const Content expected = contentOf(raw);
-    for (const std::u16string_view name : {u"a", u"b", u"c", u"Root Entry"})
+    for (const std::u16string_view name : {u"a", u"b", u"c", u"Root Entry"}) {
         raw.put(raw.entry(name) + entry::kSizeAt + 4, 0xCDCDCDCD);
+    }
     expectReadAndMended(raw, expected);
 }
 
@@ -283,8 +295,9 @@ class ForeignDifatTest : public testing::TestWithParam<Signature> {
         file.root().destroy(u"gap");
         file.commit();
         raw_.emplace(disk_.content(kPath));
-        if (GetParam() == Signature::Theirs)
+        if (GetParam() == Signature::Theirs) {
             raw_->makeForeign();
+        }
         difat_ = raw_->get(header::kFirstDifatAt);
     }
 
@@ -325,11 +338,13 @@ TEST_P(ForeignDifatTest, EndsWithFree) {
 
 TEST_P(ForeignDifatTest, IsLongerThanItNeedsToBe) {
     std::uint32_t extra = 0;
-    while (raw_->get(raw_->fatEntry(extra)) != kFreeSector)
+    while (raw_->get(raw_->fatEntry(extra)) != kFreeSector) {
         ++extra;
+    }
     raw_->put(raw_->fatEntry(extra), kDifatSector);
-    for (std::size_t at = 0; at < 512; at += 4)
+    for (std::size_t at = 0; at < 512; at += 4) {
         raw_->put(raw_->sector(extra) + at, kFreeSector);
+    }
     raw_->put(raw_->sector(extra) + 508, kEndOfChain);
     raw_->put(raw_->sector(difat_) + 508, extra);
     raw_->put(header::kDifatSectorsAt, 2);
@@ -340,9 +355,10 @@ TEST_P(ForeignDifatTest, IsLongerThanItNeedsToBe) {
 TEST_P(ForeignDifatTest, TablesThatAreMarkedFree) {
     ASSERT_LT(difat_ / 128, 109U);
     raw_->put(raw_->fatEntry(difat_), kFreeSector);
-    for (const std::uint32_t index : {0U, 7U, 108U})
+    for (const std::uint32_t index : {0U, 7U, 108U}) {
         raw_->put(raw_->fatEntry(raw_->get(header::kDifatAt + std::size_t{4} * index)),
                   kFreeSector);
+    }
     disk_.setContent(kPath, raw_->bytes());
     Content expected = compound_tests::contentOf(disk_, kPath);
     CompoundFile file = openFile(disk_, kPath);

@@ -29,8 +29,9 @@ RawFile makeRaw(SectorSize sectorSize) {
     CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
     auto storage = file.root().createStorage(u"S");
     for (const auto& [name, size] : {std::pair(u"long1", 20000), std::pair(u"long2", 30000),
-                                     std::pair(u"mini1", 700), std::pair(u"mini2", 800)})
+                                     std::pair(u"mini1", 700), std::pair(u"mini2", 800)}) {
         storage.createStream(name).assign(patterned(static_cast<std::size_t>(size), 1));
+    }
     storage.createStorage(u"Sub").createStream(u"deep").assign(patterned(300, 2));
     file.root().createStorage(u"T").createStream(u"other").assign(patterned(90, 3));
     file.commit();
@@ -51,15 +52,17 @@ void change(MemoryDisk& disk) {
     CompoundFile file = openFile(disk, kPath);
     file.root().createStream(u"added").assign(patterned(5000, 7));
     for (const std::u16string_view name : {u"S", u"T"}) {
-        if (!file.root().find(name))
+        if (!file.root().find(name)) {
             continue;
+        }
         auto storage = file.root().openStorage(name);
         storage.createStream(u"mini1", IfExists::Replace).assign(patterned(900, 7));
         storage.createStream(u"long2", IfExists::Replace).append(patterned(9000, 7));
     }
     file.commit();
-    if (file.root().find(u"S"))
+    if (file.root().find(u"S")) {
         file.root().destroy(u"S");
+    }
     file.commit();
 }
 
@@ -238,8 +241,9 @@ const std::vector<Damage>& headerDamages() {
         {"the same FAT sector twice",
          [](Raw raw) {
              std::size_t next = header::kDifatAt;
-             while (raw.get(next) != kFreeSector)
+             while (raw.get(next) != kFreeSector) {
                  next += 4;
+             }
              raw.put(next, raw.get(header::kDifatAt));
          }},
         {"wild count of FAT sectors", [](Raw raw) { raw.put(header::kFatSectorsAt, 0xFFFFFFFF); }},
@@ -266,10 +270,12 @@ class HostileTest : public testing::TestWithParam<SectorSize> {
                 RawFile raw = makeRaw(GetParam());
                 const std::vector<std::byte> before = raw.bytes();
                 damage.make(raw);
-                if (raw.bytes() == before)
+                if (raw.bytes() == before) {
                     continue; // the other version is this one
-                if (foreign)
+                }
+                if (foreign) {
                     raw.makeForeign();
+                }
                 EXPECT_FALSE(exercise(raw.bytes()).sound);
             }
         }
@@ -294,8 +300,9 @@ TEST_P(HostileTest, CutAnywhere) {
     RawFile raw = makeRaw(GetParam());
     ASSERT_TRUE(exercise(raw.bytes()).sound);
     std::uint32_t used = raw.sectors();
-    while (raw.get(raw.fatEntry(used - 1)) == kFreeSector)
+    while (raw.get(raw.fatEntry(used - 1)) == kFreeSector) {
         --used;
+    }
     for (std::size_t length = 0; length + 512 <= raw.sector(used); length += 512) {
         SCOPED_TRACE("cut to " + std::to_string(length));
         const std::vector<std::byte> cut(raw.bytes().begin(),
@@ -323,14 +330,16 @@ TEST_P(HostileTest, RandomChanges) {
             putByte(raw, at, below(2) == 0 ? kWild[below(8)] : static_cast<unsigned>(below(256)));
         }
         exercise(raw.bytes());
-        if (HasFailure())
+        if (HasFailure()) {
             return;
+        }
     }
 }
 
 TEST(NotCompoundTest, OtherFilesAreRefused) {
-    for (const std::size_t size : {0U, 7U, 8U, 600U, 9000U})
+    for (const std::size_t size : {0U, 7U, 8U, 600U, 9000U}) {
         EXPECT_FALSE(exercise(patterned(size, 4)).sound);
+    }
     MemoryDisk disk;
     disk.setContent(kPath, patterned(9000, 4));
     EXPECT_EQ(codeOf([&] { openFile(disk, kPath); }), ErrorCode::NotCompoundFile);

@@ -15,20 +15,23 @@ void SparseBytes::resize(std::uint64_t size) {
     if (size < size_) {
         pages_.erase(pages_.lower_bound((size + kPage - 1) / kPage), pages_.end());
         const auto last = pages_.find(size / kPage);
-        if (last != pages_.end())
+        if (last != pages_.end()) {
             std::fill(last->second.begin() + static_cast<std::ptrdiff_t>(size % kPage),
                       last->second.end(), std::byte{0});
+        }
         const std::size_t kept = (size + kBlock - 1) / kBlock;
-        for (std::size_t block = kept; block < isPlaced_.size(); ++block)
+        for (std::size_t block = kept; block < isPlaced_.size(); ++block) {
             blocks_ -= isPlaced_[block] ? 1U : 0U;
+        }
         isPlaced_.resize(std::min(kept, isPlaced_.size()));
     }
     size_ = size;
 }
 
 std::size_t SparseBytes::read(std::uint64_t offset, std::span<std::byte> into) const {
-    if (offset >= size_)
+    if (offset >= size_) {
         return 0;
+    }
     const std::size_t length =
         static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size_ - offset));
     for (std::size_t done = 0; done < length;) {
@@ -36,11 +39,12 @@ std::size_t SparseBytes::read(std::uint64_t offset, std::span<std::byte> into) c
         const std::size_t part = std::min<std::size_t>(length - done, kPage - at % kPage);
         const auto page = pages_.find(at / kPage);
         const auto out = into.subspan(done, part);
-        if (page == pages_.end())
+        if (page == pages_.end()) {
             std::fill(out.begin(), out.end(), std::byte{0});
-        else
+        } else {
             std::copy_n(page->second.begin() + static_cast<std::ptrdiff_t>(at % kPage), part,
                         out.begin());
+        }
         done += part;
     }
     return length;
@@ -51,27 +55,31 @@ void SparseBytes::write(std::uint64_t offset, std::span<const std::byte> bytes) 
     size_ = std::max(size_, offset + bytes.size());
     blocks_ = placedAfter(offset, bytes.size()) / kBlock;
     isPlaced_.resize(std::max<std::size_t>(isPlaced_.size(), (size_ + kBlock - 1) / kBlock));
-    for (std::uint64_t block = offset / kBlock; block * kBlock < offset + bytes.size(); ++block)
+    for (std::uint64_t block = offset / kBlock; block * kBlock < offset + bytes.size(); ++block) {
         isPlaced_[block] = true;
+    }
     for (std::size_t done = 0; done < bytes.size();) {
         const std::uint64_t at = offset + done;
         const std::size_t part = std::min<std::size_t>(bytes.size() - done, kPage - at % kPage);
         const auto in = bytes.subspan(done, part);
         const bool zeros = std::memcmp(in.data(), kZeros.data(), in.size()) == 0;
         auto page = pages_.find(at / kPage);
-        if (page == pages_.end() && !zeros)
+        if (page == pages_.end() && !zeros) {
             page = pages_.emplace(at / kPage, std::vector<std::byte>(kPage)).first;
-        if (page != pages_.end())
+        }
+        if (page != pages_.end()) {
             std::copy(in.begin(), in.end(),
                       page->second.begin() + static_cast<std::ptrdiff_t>(at % kPage));
+        }
         done += part;
     }
 }
 
 std::uint64_t SparseBytes::placedAfter(std::uint64_t offset, std::size_t bytes) const {
     std::uint64_t blocks = blocks_;
-    for (std::uint64_t block = offset / kBlock; block * kBlock < offset + bytes; ++block)
+    for (std::uint64_t block = offset / kBlock; block * kBlock < offset + bytes; ++block) {
         blocks += block >= isPlaced_.size() || !isPlaced_[block] ? 1U : 0U;
+    }
     return blocks * kBlock;
 }
 
@@ -87,8 +95,9 @@ class MemoryFile : public compound::DiskFile {
     MemoryFile(const MemoryFile&) = delete;
     MemoryFile& operator=(const MemoryFile&) = delete;
     ~MemoryFile() override {
-        if (locked_)
+        if (locked_) {
             file_->locked = false;
+        }
     }
 
     const std::filesystem::path& path() const override { return path_; }
@@ -122,8 +131,9 @@ class MemoryFile : public compound::DiskFile {
 
     bool lock(std::chrono::milliseconds) override {
         disk_.announce(MemoryDisk::Call::Lock);
-        if (file_->locked)
+        if (file_->locked) {
             return locked_;
+        }
         locked_ = file_->locked = true;
         return true;
     }
@@ -137,8 +147,9 @@ class MemoryFile : public compound::DiskFile {
 
   private:
     void requireWritable() const {
-        if (access_ == Access::Read)
+        if (access_ == Access::Read) {
             throw Error(ErrorCode::Denied, path_, "the file was opened for reading only");
+        }
     }
 
     MemoryDisk& disk_;
@@ -155,8 +166,9 @@ void MemoryDisk::makeFolder(const std::filesystem::path& folder) {
 std::vector<std::byte> MemoryDisk::content(const std::filesystem::path& path) const {
     const auto file = find(path);
     std::vector<std::byte> bytes(file ? static_cast<std::size_t>(file->bytes.size()) : 0);
-    if (file)
+    if (file) {
         file->bytes.read(0, bytes);
+    }
     return bytes;
 }
 
@@ -173,21 +185,24 @@ std::shared_ptr<MemoryDisk::File> MemoryDisk::makeFile() {
 }
 
 void MemoryDisk::announce(Call call) const {
-    if (interceptor_)
+    if (interceptor_) {
         interceptor_(call);
+    }
 }
 
 std::uint64_t MemoryDisk::placed() const {
     std::uint64_t total = 0;
-    for (const auto& [path, file] : files_)
+    for (const auto& [path, file] : files_) {
         total += file->bytes.placed();
+    }
     return total;
 }
 
 void MemoryDisk::checkCapacity(const File& file, std::uint64_t placedAfter) const {
     const std::uint64_t before = file.bytes.placed();
-    if (capacity_ && placedAfter > before && placed() - before + placedAfter > *capacity_)
+    if (capacity_ && placedAfter > before && placed() - before + placedAfter > *capacity_) {
         throw Error(ErrorCode::NoSpace, {}, "the disk is full");
+    }
 }
 
 std::shared_ptr<MemoryDisk::File> MemoryDisk::find(const std::filesystem::path& path) const {
@@ -199,16 +214,18 @@ std::unique_ptr<compound::DiskFile> MemoryDisk::open(const std::filesystem::path
                                                      Access access) {
     announce(Call::Folder);
     auto file = find(path);
-    if (!file)
+    if (!file) {
         throw Error(ErrorCode::NotFound, path, "no such file");
+    }
     return std::make_unique<MemoryFile>(*this, std::move(file), path, access);
 }
 
 std::unique_ptr<compound::DiskFile> MemoryDisk::create(const std::filesystem::path& path) {
     announce(Call::Folder);
     auto file = makeFile();
-    if (!files_.emplace(path, file).second)
+    if (!files_.emplace(path, file).second) {
         throw Error(ErrorCode::Exists, path, "the file exists");
+    }
     return std::make_unique<MemoryFile>(*this, std::move(file), path, Access::ReadWrite);
 }
 
@@ -218,12 +235,14 @@ void MemoryDisk::copyAttributes(compound::DiskFile&, compound::DiskFile&) {
 
 std::vector<compound::FolderEntry> MemoryDisk::list(const std::filesystem::path& folder) {
     announce(Call::Folder);
-    if (std::find(folders_.begin(), folders_.end(), folder) == folders_.end())
+    if (std::find(folders_.begin(), folders_.end(), folder) == folders_.end()) {
         throw Error(ErrorCode::NotFound, folder, "no such folder");
+    }
     std::vector<compound::FolderEntry> entries;
     for (const auto& [path, file] : files_) {
-        if (path.parent_path() == folder)
+        if (path.parent_path() == folder) {
             entries.push_back({path.filename(), true});
+        }
     }
     std::reverse(entries.begin(), entries.end()); // no caller may rely on an order
     return entries;
@@ -236,8 +255,9 @@ bool MemoryDisk::exists(const std::filesystem::path& path) {
 
 void MemoryDisk::renameWithoutReplacing(const std::filesystem::path& from,
                                         const std::filesystem::path& to) {
-    if (files_.contains(to))
+    if (files_.contains(to)) {
         throw Error(ErrorCode::Exists, to, "the file exists");
+    }
     renameReplacing(from, to);
 }
 
@@ -245,8 +265,9 @@ void MemoryDisk::renameReplacing(const std::filesystem::path& from,
                                  const std::filesystem::path& to) {
     announce(Call::Folder);
     auto file = find(from);
-    if (!file)
+    if (!file) {
         throw Error(ErrorCode::NotFound, from, "no such file");
+    }
     files_.erase(from);
     files_[to] = std::move(file);
 }
@@ -257,8 +278,9 @@ void MemoryDisk::syncFolder(const std::filesystem::path&) {
 
 void MemoryDisk::trash(const std::filesystem::path& path) {
     announce(Call::Folder);
-    if (files_.erase(path) == 0)
+    if (files_.erase(path) == 0) {
         throw Error(ErrorCode::NotFound, path, "no such file");
+    }
     trashed_.push_back(path);
 }
 

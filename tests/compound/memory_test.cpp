@@ -24,8 +24,9 @@ class MemoryTest : public testing::Test {
     MemoryTest() {
         CompoundFile file = CompoundFile::create(disk_.create(kPath));
         auto storage = file.root().createStorage(u"S");
-        for (const char16_t letter : std::u16string_view(u"abcdefg"))
+        for (const char16_t letter : std::u16string_view(u"abcdefg")) {
             storage.createStream(std::u16string(1, letter)).assign(patterned(9000, letter));
+        }
         file.commit();
     }
 
@@ -84,8 +85,9 @@ TEST_F(MemoryTest, AWalkThatFailsIsTakenUpAgain) {
     int calls = 0;
     int failing = 0;
     disk_.setInterceptor([&](Call) {
-        if (calls++ == failing)
+        if (calls++ == failing) {
             throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+        }
     });
     for (; failing < 20; ++failing) {
         calls = 0;
@@ -130,8 +132,9 @@ TEST_F(MemoryTest, OnlyTheHeaderOfTheLastCommitIsKnownToBeDurable) {
     EXPECT_EQ(syncs(&cache_), 3);
     int calls = 0;
     disk_.setInterceptor([&](Call kind) {
-        if (kind == Call::Sync && ++calls == 3)
+        if (kind == Call::Sync && ++calls == 3) {
             throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+        }
     });
     {
         CompoundFile file =

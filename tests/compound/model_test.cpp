@@ -61,14 +61,15 @@ class Pair {
 
     void step() {
         const std::uint32_t what = below(100);
-        if (what < 8)
+        if (what < 8) {
             commit();
-        else if (what < 10)
+        } else if (what < 10) {
             drop();
-        else if (what < 13)
+        } else if (what < 13) {
             reopen();
-        else
+        } else {
             change();
+        }
     }
 
     void commit() {
@@ -107,11 +108,13 @@ class Pair {
         while (below(3) != 0) {
             std::vector<std::u16string> storages;
             for (const auto& [name, child] : place.node->below) {
-                if (child.kind == ElementKind::Storage)
+                if (child.kind == ElementKind::Storage) {
                     storages.push_back(name);
+                }
             }
-            if (storages.empty())
+            if (storages.empty()) {
                 break;
+            }
             const std::u16string& name =
                 storages[below(static_cast<std::uint32_t>(storages.size()))];
             place = {place.storage.openStorage(name), &place.node->below.at(name)};
@@ -124,8 +127,9 @@ class Pair {
         static const std::u16string kUnits = u"aAbBzZ09_äÄßéÉωΩжЖ";
         std::u16string name(below(8) == 0 ? 31 : 1 + below(3), u'x');
         name.back() = kUnits[below(static_cast<std::uint32_t>(kUnits.size()))];
-        if (name.size() > 1)
+        if (name.size() > 1) {
             name.front() = kUnits[below(static_cast<std::uint32_t>(kUnits.size()))];
+        }
         return name;
     }
 
@@ -156,8 +160,9 @@ class Pair {
             }
             return;
         default:
-            if (there && found->second.kind == ElementKind::Stream)
+            if (there && found->second.kind == ElementKind::Stream) {
                 fill(place.storage.openStream(name), found->second);
+            }
         }
     }
 
@@ -165,10 +170,11 @@ class Pair {
         const bool there = place.node->below.contains(name);
         const IfExists ifExists = below(2) == 0 ? IfExists::Refuse : IfExists::Replace;
         try {
-            if (kind == ElementKind::Stream)
+            if (kind == ElementKind::Stream) {
                 place.storage.createStream(name, ifExists);
-            else
+            } else {
                 place.storage.createStorage(name, ifExists);
+            }
             ASSERT_FALSE(there && ifExists == IfExists::Refuse);
         } catch (const Error& error) {
             ASSERT_EQ(error.code(), ErrorCode::Exists);
@@ -178,8 +184,9 @@ class Pair {
         place.node->below.erase(name);
         Node& node = place.node->below[name];
         node.kind = kind;
-        if (kind == ElementKind::Stream)
+        if (kind == ElementKind::Stream) {
             fill(place.storage.openStream(name), node);
+        }
     }
 
     void rename(Place& place, const std::u16string& from, const std::u16string& to) {
@@ -234,8 +241,9 @@ TEST_P(ModelTest, FileAndModelStayTheSame) {
         Pair pair(GetParam(), seed);
         for (int step = 0; step < 800; ++step) {
             pair.step();
-            if (HasFatalFailure())
+            if (HasFatalFailure()) {
                 return;
+            }
         }
         pair.commit();
     }
@@ -250,8 +258,9 @@ TEST_P(ModelTest, LargeStorageStaysSound) {
     for (int round = 0; round < 6; ++round) {
         for (int change = 0; change < 500; ++change) {
             std::u16string name = u"n";
-            for (const char digit : std::to_string(random() % 900))
+            for (const char digit : std::to_string(random() % 900)) {
                 name += static_cast<char16_t>(digit);
+            }
             if (present.erase(name) > 0) {
                 file.root().destroy(name);
             } else {
@@ -264,8 +273,9 @@ TEST_P(ModelTest, LargeStorageStaysSound) {
         auto cursor = file.root().elements();
         EXPECT_EQ(cursor.skip(7), 7U);
         auto expected = std::next(present.begin(), 7);
-        for (Element element; cursor.next(element); ++expected)
+        for (Element element; cursor.next(element); ++expected) {
             ASSERT_EQ(element.name, expected->first);
+        }
         EXPECT_EQ(expected, present.end());
     }
 }

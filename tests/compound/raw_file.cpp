@@ -27,23 +27,28 @@ std::size_t RawFile::fatEntry(std::uint32_t number) const {
 std::size_t RawFile::entry(std::uint32_t id) const {
     const auto perSector = sectorSize() / static_cast<std::uint32_t>(kEntrySize);
     std::uint32_t at = get(header::kFirstDirectoryAt);
-    for (std::uint32_t page = 0; page < id / perSector; ++page)
+    for (std::uint32_t page = 0; page < id / perSector; ++page) {
         at = get(fatEntry(at));
-    if (at >= sectors())
+    }
+    if (at >= sectors()) {
         throw std::out_of_range("no such directory entry");
+    }
     return sector(at) + kEntrySize * (id % perSector);
 }
 
 std::uint32_t RawFile::idOf(std::u16string_view name) const {
     for (std::uint32_t id = 0;; ++id) {
         const std::size_t at = entry(id);
-        if (read16(&bytes_.at(at + entry::kNameBytesAt)) != 2 * name.size() + 2)
+        if (read16(&bytes_.at(at + entry::kNameBytesAt)) != 2 * name.size() + 2) {
             continue;
+        }
         bool same = true;
-        for (std::size_t i = 0; i < name.size(); ++i)
+        for (std::size_t i = 0; i < name.size(); ++i) {
             same = same && read16(&bytes_.at(at + 2 * i)) == name[i];
-        if (same)
+        }
+        if (same) {
             return id;
+        }
     }
 }
 

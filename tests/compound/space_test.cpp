@@ -26,8 +26,9 @@ const std::filesystem::path kPath = "group.stg";
 
 std::u16string nameOf(char16_t kind, std::size_t number) {
     std::u16string name(1, kind);
-    for (const char digit : std::to_string(100000 + number))
+    for (const char digit : std::to_string(100000 + number)) {
         name += static_cast<char16_t>(digit);
+    }
     return name;
 }
 
@@ -68,12 +69,14 @@ class WatchedFile : public DiskFile {
         ++traffic_.writes;
         traffic_.bytesWritten += bytes.size();
         inner_->write(offset, bytes);
-        if (offset == 0)
+        if (offset == 0) {
             return learn();
+        }
         const std::uint64_t end = offset + bytes.size();
         for (std::uint64_t at = offset / sectorSize_ - 1; (at + 1) * sectorSize_ < end; ++at) {
-            if (inForce_.contains(static_cast<std::uint32_t>(at)))
+            if (inForce_.contains(static_cast<std::uint32_t>(at))) {
                 traffic_.overwritten.insert(static_cast<std::uint32_t>(at));
+            }
         }
     }
 
@@ -86,18 +89,21 @@ class WatchedFile : public DiskFile {
     void learn() {
         inForce_.clear();
         std::vector<std::byte> header(kHeaderSize);
-        if (inner_->read(0, header) < kHeaderSize)
+        if (inner_->read(0, header) < kHeaderSize) {
             return;
+        }
         std::vector<std::byte> fat(sectorSize_);
         for (std::uint32_t i = 0; i < kHeaderDifatEntries; ++i) {
             const std::uint32_t sector =
                 read32(header.data() + header::kDifatAt + std::size_t{4} * i);
-            if (sector == kFreeSector)
+            if (sector == kFreeSector) {
                 return;
+            }
             inner_->read((std::uint64_t{sector} + 1) * sectorSize_, fat);
             for (std::uint32_t at = 0; at < sectorSize_ / 4; ++at) {
-                if (read32(fat.data() + std::size_t{4} * at) != kFreeSector)
+                if (read32(fat.data() + std::size_t{4} * at) != kFreeSector) {
                     inForce_.insert(i * sectorSize_ / 4 + at);
+                }
             }
         }
     }
@@ -154,8 +160,9 @@ TEST_P(SpaceTest, NoSectorInForceIsWrittenOver) {
             records.createStream(name, IfExists::Replace).assign(patterned(random() % 200, 3));
             pictures.openStream(name).append(patterned(random() % 5000, 4));
         }
-        if (round % 5 != 0)
+        if (round % 5 != 0) {
             file.commit();
+        }
         ASSERT_TRUE(traffic.overwritten.empty()) << "sector " << *traffic.overwritten.begin();
     }
     EXPECT_EQ(findingsOf(disk, kPath), "");
@@ -167,8 +174,9 @@ TEST_P(SpaceTest, AddingAndDeletingTheSameAmountDoesNotGrowTheFile) {
     std::uint64_t early = 0;
     std::mt19937 random(5);
     std::vector<std::size_t> present(300);
-    for (std::size_t i = 0; i < present.size(); ++i)
+    for (std::size_t i = 0; i < present.size(); ++i) {
         present[i] = i;
+    }
     for (std::size_t round = 0; round < 300; ++round) {
         CompoundFile file = openFile(disk, kPath);
         auto pictures = file.root().openStorage(u"Pumps");
@@ -180,8 +188,9 @@ TEST_P(SpaceTest, AddingAndDeletingTheSameAmountDoesNotGrowTheFile) {
         pictures.createStream(nameOf(u'p', old)).assign(patterned(5000, 1));
         records.createStream(nameOf(u'p', old)).assign(patterned(12, 2));
         file.commit();
-        if (round == 20)
+        if (round == 20) {
             early = disk.content(kPath).size();
+        }
     }
     EXPECT_LT(disk.content(kPath).size(), early + early / 5);
     EXPECT_EQ(findingsOf(disk, kPath), "");
@@ -248,8 +257,9 @@ TEST_P(SpaceTest, RestOfAMiniSectorIsZeros) {
     const std::size_t at =
         raw.sector(raw.get(raw.entry(0U) + entry::kStartAt)) + std::size_t{64} * last;
     EXPECT_EQ(raw.get(at), 0x5A5A5A5AU);
-    for (std::size_t i = 8; i < 64; i += 4)
+    for (std::size_t i = 8; i < 64; i += 4) {
         EXPECT_EQ(raw.get(at + i), 0U) << i;
+    }
 }
 
 // In one transaction and over many: short streams take the place of those that went.
@@ -266,13 +276,15 @@ TEST_P(SpaceTest, MiniStreamIsUsedAgain) {
     file.commit();
     EXPECT_EQ(miniStreamSize(disk), before);
     for (int round = 0; round < 12; ++round) {
-        for (std::size_t i = 300; i < 500; ++i)
+        for (std::size_t i = 300; i < 500; ++i) {
             pictures.destroy(nameOf(u'p', i));
+        }
         file.commit();
         for (std::size_t i = 300; i < 500; ++i) {
             pictures.createStream(nameOf(u'p', i)).assign(patterned(100, 1));
-            if (i % 20 == 0)
+            if (i % 20 == 0) {
                 file.commit();
+            }
         }
         file.commit();
     }
@@ -284,8 +296,9 @@ TEST_P(SpaceTest, CopyIsDenseAndTheSame) {
     MemoryDisk disk;
     makePictures(disk, GetParam(), 200, 9000);
     CompoundFile file = openFile(disk, kPath);
-    for (std::size_t i = 0; i < 200; i += 2)
+    for (std::size_t i = 0; i < 200; i += 2) {
         file.root().openStorage(u"Pumps").destroy(nameOf(u'p', i));
+    }
     file.root().createStorage(u"Empty");
     file.commit();
     CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), GetParam());
@@ -301,8 +314,9 @@ TEST_P(SpaceTest, CopyIsDenseAndTheSame) {
 // Ten thousand pairs, in a file that is made once for all tests that need it.
 MemoryDisk& largeFile() {
     static MemoryDisk disk;
-    if (!disk.exists(kPath))
+    if (!disk.exists(kPath)) {
         makePictures(disk, SectorSize::Bytes4096, 10000, 4096);
+    }
     return disk;
 }
 

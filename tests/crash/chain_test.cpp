@@ -30,8 +30,9 @@ class Chain {
     Chain(compound::SectorSize sectorSize, std::uint32_t seed) : random_(seed) {
         prepareLibrary(memory_, sectorSize);
         recording_ = std::make_unique<RecordingDisk>(memory_, kLibraryFolder);
-        for (std::size_t i = 0; i < 2; ++i)
+        for (std::size_t i = 0; i < 2; ++i) {
             processes_.push_back(libraryOn(*recording_));
+        }
         views_.push_back(dumpOf(mediumOf(memory_)));
     }
 
@@ -40,17 +41,20 @@ class Chain {
         constexpr Breakage kBreakages[] = {Breakage::Killed, Breakage::Killed, Breakage::OneError,
                                            Breakage::AllErrors};
         const Breakage breakage = kBreakages[below(std::size(kBreakages))];
-        if (below(2) == 0)
+        if (below(2) == 0) {
             recording_->breakAfterHeaders(breakage, 1 + below(2));
-        else
+        } else {
             recording_->breakAfter(breakage, below(30));
+        }
         const bool isDone = run();
         recording_->mend();
-        if (breakage == Breakage::Killed)
+        if (breakage == Breakage::Killed) {
             startAgain();
+        }
         views_.push_back(dumpOf(mediumOf(memory_)));
-        if (isDone)
+        if (isDone) {
             promised_ = views_.size() - 1;
+        }
     }
 
     void runToItsEnd() {
@@ -66,8 +70,9 @@ class Chain {
         const std::size_t lost = below(101); // percent
         const std::size_t torn = below(101); // percent of the rest
         const auto fateOf = [&](std::size_t) {
-            if (below(100) < lost)
+            if (below(100) < lost) {
                 return Fate::Lost;
+            }
             return below(100) < torn ? Fate::Torn : Fate::Reached;
         };
         const LibraryDump dump =
@@ -76,8 +81,9 @@ class Chain {
         const bool isLastPromised = isLastDone_ && count == end;
         const std::size_t oldest = isLastPromised ? views_.size() - 1 : promised_;
         for (std::size_t view = oldest; view < views_.size(); ++view) {
-            if (views_[view] == dump)
+            if (views_[view] == dump) {
                 return;
+            }
         }
         ADD_FAILURE() << story_ << "cut after event " << count - firstEvent_ << " of "
                       << end - firstEvent_ << "\nagainst the promised state:\n"
@@ -126,13 +132,16 @@ TEST_P(ChainTest, BrokenCommandsAndAPowerCutLeaveWhatACommandHasLeft) {
     for (std::uint32_t seed = 1; seed <= chains; ++seed) {
         SCOPED_TRACE("chain " + std::to_string(seed));
         Chain chain(GetParam(), seed);
-        for (std::uint32_t i = 0; i <= seed % 2; ++i)
+        for (std::uint32_t i = 0; i <= seed % 2; ++i) {
             chain.runBadly();
+        }
         chain.runToItsEnd();
-        for (std::size_t i = 0; i < kCutsOfAChain && !HasFailure(); ++i)
+        for (std::size_t i = 0; i < kCutsOfAChain && !HasFailure(); ++i) {
             chain.cut();
-        if (HasFailure())
+        }
+        if (HasFailure()) {
             return;
+        }
     }
 }
 

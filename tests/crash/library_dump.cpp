@@ -37,8 +37,9 @@ std::string dumpGroupFile(const store::Library& library, const store::FileName& 
     std::ostringstream out;
     const store::LockBudget budget(std::chrono::milliseconds{0});
     const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
-    if (reading.failure)
+    if (reading.failure) {
         out << reading.failure->what();
+    }
     for (const store::GroupEntry& group : reading.groups) {
         out << base::toUtf8(store::keyOf(group.address)) << ' ' << base::toUtf8(group.name.text)
             << " below " << base::toUtf8(group.parent.text) << '\n';
@@ -49,8 +50,9 @@ std::string dumpGroupFile(const store::Library& library, const store::FileName& 
         compound::Access::Read);
     for (const compound::Finding& finding : compound.check()) {
         // Unused sectors behind the end are all that a power cut may leave.
-        if (finding.severity == compound::Severity::Remark)
+        if (finding.severity == compound::Severity::Remark) {
             continue;
+        }
         out << "finding: " << finding.where << ": " << finding.what << '\n';
     }
     return out.str();
@@ -61,8 +63,9 @@ std::string dumpBytes(const std::filesystem::path& path, const std::vector<std::
     static std::unordered_map<std::string, std::string> known;
     const std::string key = path.string() + fingerprint(bytes);
     const auto found = known.find(key);
-    if (found != known.end())
+    if (found != known.end()) {
         return found->second;
+    }
     MemoryDisk disk;
     fill(disk, {{{path, bytes}}, {}});
     std::string dump;
@@ -77,8 +80,9 @@ std::string dumpBytes(const std::filesystem::path& path, const std::vector<std::
 } // namespace
 
 store::TwipSize measureSource(std::span<const std::byte> bytes) {
-    if (textOf(bytes).starts_with("broken"))
+    if (textOf(bytes).starts_with("broken")) {
         throw std::runtime_error("no picture");
+    }
     return {480, static_cast<double>(bytes.size())};
 }
 
@@ -89,10 +93,11 @@ store::Library libraryOn(compound::Disk& disk) {
 LibraryDump dumpOf(const Medium& medium) {
     LibraryDump dump;
     for (const auto& [path, bytes] : medium.files) {
-        if (path.extension() == ".stg")
+        if (path.extension() == ".stg") {
             dump.emplace(path.filename().string(), dumpBytes(path, bytes));
-        else if (path.extension() == ".err")
+        } else if (path.extension() == ".err") {
             dump.emplace(path.filename().string(), fingerprint(bytes));
+        }
     }
     return dump;
 }
@@ -100,15 +105,17 @@ LibraryDump dumpOf(const Medium& medium) {
 Medium mediumOf(compound::Disk& disk) {
     const RecordingDisk snapshot(disk, kLibraryFolder);
     Medium medium;
-    for (const auto& [path, id] : snapshot.beginning().names)
+    for (const auto& [path, id] : snapshot.beginning().names) {
         medium.files.emplace(path, snapshot.beginning().contents.at(id));
+    }
     return medium;
 }
 
 void fill(compound::Disk& disk, const Medium& medium) {
     dynamic_cast<MemoryDisk&>(disk).makeFolder(kLibraryFolder);
-    for (const auto& [path, bytes] : medium.files)
+    for (const auto& [path, bytes] : medium.files) {
         disk.create(path)->write(0, bytes);
+    }
 }
 
 std::string difference(const LibraryDump& expected, const LibraryDump& actual) {
@@ -116,8 +123,9 @@ std::string difference(const LibraryDump& expected, const LibraryDump& actual) {
     const auto missing = [&](const LibraryDump& from, const LibraryDump& in, char mark) {
         for (const auto& [file, dump] : from) {
             const auto other = in.find(file);
-            if (other == in.end() || other->second != dump)
+            if (other == in.end() || other->second != dump) {
                 out << mark << ' ' << file << '\n' << dump << '\n';
+            }
         }
     };
     missing(expected, actual, '-');

@@ -42,14 +42,16 @@ std::vector<bool> safeEvents(const std::vector<Event>& events, std::size_t count
 void applyWrite(std::vector<std::byte>& content, const Event& event, Fate fate,
                 const ChooseSector& sectorReached) {
     const std::uint64_t end = event.offset + event.bytes.size();
-    if (content.size() < end)
+    if (content.size() < end) {
         content.resize(static_cast<std::size_t>(end));
+    }
     for (std::uint64_t at = event.offset; at < end;) {
         const std::uint64_t next = std::min(end, (at / kSector + 1) * kSector);
-        if (fate == Fate::Reached || sectorReached())
+        if (fate == Fate::Reached || sectorReached()) {
             std::copy(event.bytes.begin() + static_cast<std::ptrdiff_t>(at - event.offset),
                       event.bytes.begin() + static_cast<std::ptrdiff_t>(next - event.offset),
                       content.begin() + static_cast<std::ptrdiff_t>(at));
+        }
         at = next;
     }
 }
@@ -86,24 +88,27 @@ class Replay {
     }
 
     Medium medium() && {
-        for (const auto& [path, id] : names_)
+        for (const auto& [path, id] : names_) {
             medium_.files.emplace(path, contents_[id]);
+        }
         return std::move(medium_);
     }
 
   private:
     void rename(const Event& event) {
         const auto from = names_.find(event.from);
-        if (from == names_.end())
+        if (from == names_.end()) {
             return; // its creation was lost
+        }
         names_[event.to] = from->second;
         names_.erase(event.from);
     }
 
     void moveToTrash(const std::filesystem::path& path) {
         const auto found = names_.find(path);
-        if (found == names_.end())
+        if (found == names_.end()) {
             return;
+        }
         medium_.trashed[path] = contents_[found->second];
         names_.erase(found);
     }
@@ -122,8 +127,9 @@ Medium cutPower(const RecordingDisk& disk, std::size_t count, const ChooseFate& 
     Replay replay(disk.beginning());
     for (std::size_t at = 0; at < count; ++at) {
         const Fate fate = safe[at] ? Fate::Reached : fateOf(at);
-        if (fate != Fate::Lost)
+        if (fate != Fate::Lost) {
             replay.apply(events[at], fate, sectorReached);
+        }
     }
     return std::move(replay).medium();
 }

@@ -35,11 +35,13 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
         const auto [index, sectorSize] = GetParam();
         const Scenario& scenario = scenarios()[index];
         prepareLibrary(memory_, sectorSize);
-        if (scenario.prepare)
+        if (scenario.prepare) {
             scenario.prepare(libraryOn(memory_));
+        }
         recording_ = std::make_unique<RecordingDisk>(memory_, kLibraryFolder);
-        for (const Step& step : scenario.steps)
+        for (const Step& step : scenario.steps) {
             runStep(step);
+        }
     }
 
     void runStep(const Step& step) {
@@ -66,8 +68,9 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
                                << "\nagainst the new state:\n"
                                << difference(record.after, dump) << "\nagainst the old one:\n"
                                << difference(old, dump);
-        if (++states_ % kAddEvery == 0)
+        if (++states_ % kAddEvery == 0) {
             expectAddWorks(medium);
+        }
     }
 
     // A file that goes to the trash on the way is not lost, if it lies there whole.
@@ -75,8 +78,9 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
         const LibraryDump trashed = dumpOf({medium.trashed, {}});
         for (const auto& [file, content] : trashed) {
             const auto found = dump.find(file);
-            if (found != dump.end() && found->second == content)
+            if (found != dump.end() && found->second == content) {
                 dump.erase(found);
+            }
         }
         return dump;
     }
@@ -97,8 +101,9 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
         disk.create(source)->write(0, bytes);
         const store::Library library = libraryOn(disk);
         for (const store::FileName& file : store::groupFiles(library)) {
-            if (file.text == u"Broken")
+            if (file.text == u"Broken") {
                 continue;
+            }
             const store::GroupAddress group = store::topLevelAddress(file.text);
             store::addPicture(library, group, {u"next"}, source);
             ASSERT_EQ(store::readPicture(library, group, {u"next"}).bytes, bytes);
@@ -141,12 +146,14 @@ TEST_P(PowerCut, WithAnyPartOfWhatWasNotSyncedLeavesTheOldOrTheNewState) {
         const std::size_t lost = random_() % 101; // percent
         const std::size_t torn = random_() % 101; // percent of the rest
         expectOldOrNew(record, count, [&](std::size_t) {
-            if (random_() % 100 < lost)
+            if (random_() % 100 < lost) {
                 return Fate::Lost;
+            }
             return random_() % 100 < torn ? Fate::Torn : Fate::Reached;
         });
-        if (HasFatalFailure())
+        if (HasFatalFailure()) {
             return;
+        }
     }
 }
 

@@ -78,31 +78,36 @@ void RecordingDisk::breakAfterHeaders(Breakage breakage, std::size_t headers) {
 }
 
 void RecordingDisk::admit(const std::filesystem::path& path) {
-    if (breakage_ == Breakage::None || events_.size() < breakAt_)
+    if (breakage_ == Breakage::None || events_.size() < breakAt_) {
         return;
-    if (breakage_ == Breakage::OneError)
+    }
+    if (breakage_ == Breakage::OneError) {
         mend();
+    }
     throw compound::Error(compound::ErrorCode::Failed, path, "the disk has failed");
 }
 
 void RecordingDisk::record(Event event) {
     const bool isHeader = event.kind == EventKind::Write && event.offset == 0;
     events_.push_back(std::move(event));
-    if (isHeader && headersLeft_ > 0 && --headersLeft_ == 0)
+    if (isHeader && headersLeft_ > 0 && --headersLeft_ == 0) {
         breakAt_ = events_.size();
+    }
 }
 
 std::unique_ptr<DiskFile> RecordingDisk::open(const std::filesystem::path& path, Access access) {
     std::unique_ptr<DiskFile> file = inner_.open(path, access);
     const auto known = names_.find(path);
-    if (known == names_.end())
+    if (known == names_.end()) {
         return file; // outside the folder, such as a picture that is added
+    }
     return std::make_unique<RecordingFile>(*this, std::move(file), known->second);
 }
 
 std::unique_ptr<DiskFile> RecordingDisk::create(const std::filesystem::path& path) {
-    if (path.parent_path() != folder_)
+    if (path.parent_path() != folder_) {
         return inner_.create(path);
+    }
     admit(path);
     std::unique_ptr<DiskFile> file = inner_.create(path);
     const FileId id = nextId_++;
@@ -161,8 +166,9 @@ void RecordingDisk::trash(const std::filesystem::path& path) {
 void RecordingDisk::removeTemporary(const std::filesystem::path& path) {
     admit(path);
     inner_.removeTemporary(path);
-    if (names_.erase(path) > 0)
+    if (names_.erase(path) > 0) {
         record({EventKind::Remove, 0, 0, {}, path, {}});
+    }
 }
 
 } // namespace crash

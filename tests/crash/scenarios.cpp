@@ -37,15 +37,17 @@ void writeFile(compound::Disk& disk, const std::filesystem::path& path, std::str
 
 void writeSource(compound::Disk& disk, std::size_t size) {
     std::string bytes;
-    for (std::size_t i = 0; bytes.size() < size; ++i)
+    for (std::size_t i = 0; bytes.size() < size; ++i) {
         bytes += "picture of " + std::to_string(size) + ", part " + std::to_string(i) + "; ";
+    }
     bytes.resize(size);
     writeFile(disk, sourceOf(size), bytes);
 }
 
 void writeSources(compound::Disk& disk) {
-    for (const std::size_t size : kSourceSizes)
+    for (const std::size_t size : kSourceSizes) {
         writeSource(disk, size);
+    }
     writeFile(disk, std::filesystem::path(kSourceFolder) / "broken.bmp", "broken");
 }
 
@@ -60,17 +62,19 @@ std::u16string numbered(std::u16string_view name, std::size_t number) {
 
 void addBatch(const Library& library, const GroupAddress& group, std::size_t count) {
     store::PictureBatch batch(library, group);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         batch.add({numbered(u"part ", i)}, sourceOf(kSourceSizes[i % std::size(kSourceSizes)]),
                   IfPictureExists::Refuse);
+    }
     batch.commit();
 }
 
 // A batch whose last file is no picture: nothing of it may be seen, ever.
 void addFailingBatch(const Library& library, const GroupAddress& group) {
     store::PictureBatch batch(library, group);
-    for (std::size_t i = 0; i < 5; ++i)
+    for (std::size_t i = 0; i < 5; ++i) {
         batch.add({numbered(u"lost ", i)}, sourceOf(9000), IfPictureExists::Refuse);
+    }
     try {
         batch.add({u"broken"}, std::filesystem::path(kSourceFolder) / "broken.bmp",
                   IfPictureExists::Refuse);
@@ -189,8 +193,9 @@ Scenario largeFileScenario() {
 
 std::vector<Scenario> allScenarios() {
     std::vector<Scenario> all = groupScenarios();
-    for (Scenario& scenario : pictureScenarios())
+    for (Scenario& scenario : pictureScenarios()) {
         all.push_back(std::move(scenario));
+    }
     all.push_back(largeFileScenario());
     return all;
 }

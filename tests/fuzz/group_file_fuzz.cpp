@@ -13,8 +13,9 @@ void readAll(const store::Library& library) {
     for (const store::GroupEntry& group :
          store::readGroupFile(library, {u"Group"}, budget).groups) {
         try {
-            for (const store::PictureEntry& picture : store::listPictures(library, group.address))
+            for (const store::PictureEntry& picture : store::listPictures(library, group.address)) {
                 (void)store::readPicture(library, group.address, picture.name);
+            }
         } catch (const compound::Error&) {
             continue;
         }

@@ -16,8 +16,9 @@ void write(const std::string& folder, const std::string& name, const Bytes& byte
     std::ofstream file(folder + "/" + name, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
-    if (!file)
+    if (!file) {
         std::fprintf(stderr, "%s/%s: cannot be written\n", folder.c_str(), name.c_str());
+    }
 }
 
 Bytes shapes() {

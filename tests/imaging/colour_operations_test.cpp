@@ -97,11 +97,14 @@ TEST(Hue, KeepsLargestAndSmallestAndTurnsBackToWithinALevel) {
 
 TEST(ColourChanges, LeaveGreyAsItIs) {
     QImage greys(256, 1, QImage::Format_RGB32);
-    for (int level = 0; level < 256; ++level)
+    for (int level = 0; level < 256; ++level) {
         greys.setPixel(level, 0, qRgb(level, level, level));
+    }
     for (const ColourChange& change : kChanges) {
-        if (change.property != ColourProperty::Hue && change.property != ColourProperty::Saturation)
+        if (change.property != ColourProperty::Hue &&
+            change.property != ColourProperty::Saturation) {
             continue;
+        }
         QImage picture = greys;
         apply(change, picture);
         EXPECT_EQ(picture, greys) << change.amount;

@@ -20,8 +20,9 @@ std::vector<QRgb> pixelsOf(const Bytes& bytes) {
     const QImage image = decode(bytes).image.convertToFormat(QImage::Format_ARGB32);
     std::vector<QRgb> pixels;
     for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             pixels.push_back(qAlpha(image.pixel(x, y)) == 0 ? 0 : image.pixel(x, y));
+        }
     }
     return pixels;
 }
@@ -40,8 +41,9 @@ TEST(BmpDecoder, RowsComeFromTheBottomUnlessTheHeightIsNegative) {
 
 TEST(BmpDecoder, IndexedPixelsOfEveryDepth) {
     Bytes palette;
-    for (const std::uint32_t colour : {0xFF0000U, 0x00FF00U, 0x0000FFU, 0xFFFFFFU})
+    for (const std::uint32_t colour : {0xFF0000U, 0x00FF00U, 0x0000FFU, 0xFFFFFFU}) {
         put32(palette, colour);
+    }
     const auto file = [&](int bits, const Bytes& row) {
         return bmpFile(joined(infoHeader({4, 1, bits, 0, 4}), palette), row);
     };
@@ -65,14 +67,16 @@ TEST(BmpDecoder, IndexedPixelsOfEveryDepth) {
 
 TEST(BmpDecoder, APaletteEndsWhereThePixelsBegin) {
     Bytes palette;
-    for (const std::uint32_t colour : {0xFF0000U, 0x00FF00U})
+    for (const std::uint32_t colour : {0xFF0000U, 0x00FF00U}) {
         put32(palette, colour);
+    }
     Bytes row;
     putBytes(row, {0, 1, 2, 3}); // two of them colours only if the pixels were some
-    for (const std::uint32_t stated : {0U, 4U, 256U, 0xFFFFFFFFU})
+    for (const std::uint32_t stated : {0U, 4U, 256U, 0xFFFFFFFFU}) {
         EXPECT_EQ(pixelsOf(bmpFile(joined(infoHeader({4, 1, 8, 0, stated}), palette), row)),
                   (Pixels{kRed, kGreen, kBlack, kBlack}))
             << stated;
+    }
     Bytes runs;
     putBytes(runs, {2, 1, 2, 200, 0, 1});
     EXPECT_EQ(pixelsOf(bmpFile(joined(infoHeader({4, 1, 8, 1, 2}), palette), runs)),
@@ -82,8 +86,9 @@ TEST(BmpDecoder, APaletteEndsWhereThePixelsBegin) {
 TEST(BmpDecoder, OldHeadersHaveSmallColours) {
     Bytes core;
     put32(core, 12);
-    for (const unsigned value : {2U, 1U, 1U, 1U})
+    for (const unsigned value : {2U, 1U, 1U, 1U}) {
         put16(core, value);
+    }
     putBytes(core, {0, 0, 255, 255, 255, 255}); // red, white
     Bytes row;
     putBytes(row, {0x40, 0, 0, 0});
@@ -92,8 +97,9 @@ TEST(BmpDecoder, OldHeadersHaveSmallColours) {
 
 TEST(BmpDecoder, MasksOfAnyWidthAreScaledToEightBits) {
     Bytes dib = infoHeader({2, 1, 16, 3, 0});
-    for (const std::uint32_t mask : {0xF800U, 0x07E0U, 0x001FU})
+    for (const std::uint32_t mask : {0xF800U, 0x07E0U, 0x001FU}) {
         put32(dib, mask);
+    }
     Bytes row;
     put16(row, 0xF800);
     put16(row, 0x0410); // green 32 of 63, blue 16 of 31
@@ -113,8 +119,9 @@ TEST(BmpDecoder, AlphaCountsOnlyWhereTheHeaderHasAMask) {
     EXPECT_EQ(pixelsOf(bmpFile(infoHeader({2, 1, 32, 0, 0}), row)), (Pixels{kRed, kBlue}));
     Bytes v4 = infoHeader({2, 1, 32, 3, 0});
     set32(v4, 0, 108);
-    for (const std::uint32_t mask : {0xFF0000U, 0xFF00U, 0xFFU, 0xFF000000U})
+    for (const std::uint32_t mask : {0xFF0000U, 0xFF00U, 0xFFU, 0xFF000000U}) {
         put32(v4, mask);
+    }
     v4.resize(108);
     EXPECT_EQ(pixelsOf(bmpFile(v4, row)), (Pixels{0, 0x800000FF}));
     Bytes noAlpha;
@@ -125,8 +132,9 @@ TEST(BmpDecoder, AlphaCountsOnlyWhereTheHeaderHasAMask) {
 
 TEST(BmpDecoder, RunLengthsSkipAndEnd) {
     Bytes palette;
-    for (const std::uint32_t colour : {0x000000U, 0xFF0000U, 0x00FF00U, 0x0000FFU})
+    for (const std::uint32_t colour : {0x000000U, 0xFF0000U, 0x00FF00U, 0x0000FFU}) {
         put32(palette, colour);
+    }
     const auto file = [&](int bits, std::uint32_t compression, const Bytes& runs) {
         return bmpFile(joined(infoHeader({4, 2, bits, compression, 4}), palette), runs);
     };
@@ -158,8 +166,9 @@ TEST(IconDecoder, TheMaskAndTheAlphaTellWhatIsSeenThrough) {
 
 TEST(IconDecoder, TheBestFrameIsTheLargestThenTheDeepest) {
     Bytes small1 = infoHeader({2, 2, 1, 0, 2});
-    for (const std::uint32_t value : {0U, 0xFFFFFFU, 0U, 0U})
+    for (const std::uint32_t value : {0U, 0xFFFFFFU, 0U, 0U}) {
         put32(small1, value);
+    }
     const Bytes small32 = iconFrame32(2, 1, {0xFF0000FF, 0xFF0000FF}, {0});
     const PictureFacts facts = measure(iconFile(1, {{small1, 0, 0}, {small32, 0, 0}}));
     EXPECT_EQ(facts.bitsPerPixel, 32);

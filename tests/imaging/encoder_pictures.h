@@ -20,15 +20,18 @@ inline QImage colourful(QSize size, Alpha alpha) {
         for (int x = 0; x < size.width(); ++x) {
             const auto colour = static_cast<QRgb>(random());
             QRgb opacity = 0xFF;
-            if (alpha == Alpha::OnOrOff)
+            if (alpha == Alpha::OnOrOff) {
                 opacity = colour >> 31U != 0 ? 0xFFU : 0U;
-            if (alpha == Alpha::Any)
+            }
+            if (alpha == Alpha::Any) {
                 opacity = colour >> 24U;
+            }
             image.setPixel(x, y, opacity == 0 ? 0 : opacity << 24U | (colour & 0xFFFFFFU));
         }
     }
-    if (alpha == Alpha::Any) // also where there are but a few pixels
+    if (alpha == Alpha::Any) { // also where there are but a few pixels
         image.setPixel(0, 0, qRgba(200, 100, 50, 77));
+    }
     return image;
 }
 

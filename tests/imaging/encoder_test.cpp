@@ -34,8 +34,10 @@ double meanSquaredError(const QImage& one, const QImage& other) {
         for (int x = 0; x < one.width(); ++x) {
             const QRgb a = one.pixel(x, y);
             const QRgb b = other.pixel(x, y);
-            for (const int apart : {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)})
+            for (const int apart :
+                 {qRed(a) - qRed(b), qGreen(a) - qGreen(b), qBlue(a) - qBlue(b)}) {
                 sum += apart * apart;
+            }
         }
     }
     return sum / (3.0 * one.width() * one.height());
@@ -69,8 +71,9 @@ TEST(Encoders, NothingToSeeStaysNothingToSee) {
     QImage empty(5, 3, QImage::Format_ARGB32);
     empty.fill(Qt::transparent);
     for (const PictureKind kind :
-         {PictureKind::Bmp, PictureKind::Gif, PictureKind::Ico, PictureKind::Cur})
+         {PictureKind::Bmp, PictureKind::Gif, PictureKind::Ico, PictureKind::Cur}) {
         EXPECT_EQ(decoded(encode(empty, kind)), empty) << typeCodeOf(kind).toStdString();
+    }
 }
 
 TEST(Encoders, EveryFormatOfImageIsTaken) {
@@ -88,15 +91,17 @@ TEST(Encoders, EveryFormatOfImageIsTaken) {
 QImage stripes(QSize size) {
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::red);
-    for (int x = 0; x < size.width(); x += 2)
+    for (int x = 0; x < size.width(); x += 2) {
         QPainter(&image).fillRect(x, 0, 1, size.height(), Qt::blue);
+    }
     return image;
 }
 
 TEST(Encoders, ExtremeShapesAreWrittenOrRefusedWithACause) {
     for (const PictureKind kind : kRasterKinds) {
-        for (const QSize size : {QSize(1, 1), QSize(32767, 1), QSize(1, 65500)})
+        for (const QSize size : {QSize(1, 1), QSize(32767, 1), QSize(1, 65500)}) {
             EXPECT_EQ(decode(encode(stripes(size), kind)).image.size(), size);
+        }
         EXPECT_EQ(refusal(QImage(), kind), "there is no picture to write");
         EXPECT_EQ(refusal(QImage(6400, 6400, QImage::Format_Mono), kind),
                   "the picture has more than 40 million pixels");
@@ -134,8 +139,9 @@ QImage ofColours(int count, int transparentOnes) {
         const int colour = i % count;
         image.setPixel(i % 20, i / 20, qRgb(colour, colour / 2 * 3 % 256, 255 - colour));
     }
-    for (int i = 0; i < transparentOnes; ++i)
+    for (int i = 0; i < transparentOnes; ++i) {
         image.setPixel(19 - i, 19, 0);
+    }
     return image;
 }
 

@@ -14,8 +14,9 @@ constexpr std::size_t kEntry = 16;
 
 unsigned read(const Bytes& bytes, std::size_t at, std::size_t count) {
     unsigned value = 0;
-    for (std::size_t i = count; i-- > 0;)
+    for (std::size_t i = count; i-- > 0;) {
         value = value << 8U | std::to_integer<unsigned>(bytes.at(at + i));
+    }
     return value;
 }
 
@@ -116,13 +117,15 @@ TEST(IconEncoder, FramesMaySharePixelsButNotMultiplyThem) {
     constexpr std::size_t kMany = 1000;
     const Bytes header = infoHeader({100, 200, 32, 0, 0});
     std::vector<IconFrame> frames(kMany);
-    for (std::size_t i = 0; i < kMany; ++i)
+    for (std::size_t i = 0; i < kMany; ++i) {
         frames[0].data = joined(frames[0].data, header);
+    }
     frames[0].data.resize(frames[0].data.size() + 40'000);
     Bytes hostile = iconFile(kIcon, frames);
     const std::uint32_t data = read(hostile, entryAt(0) + 12, 4);
-    for (std::size_t i = 0; i < kMany; ++i)
+    for (std::size_t i = 0; i < kMany; ++i) {
         set32(hostile, entryAt(i) + 12, data + static_cast<std::uint32_t>(i * header.size()));
+    }
     EXPECT_THROW(encode(edited(), PictureKind::Ico, {hostile, {}}), EncodeError);
 }
 
@@ -131,8 +134,9 @@ TEST(IconEncoder, TheMaskHidesTheSameWithoutAlpha) {
     Bytes file = encode(image, PictureKind::Ico);
     constexpr std::size_t kPixels = 6 + kEntry + 40;
     constexpr std::size_t kCount = std::size_t{33} * 9;
-    for (std::size_t i = 0; i < kCount; ++i)
+    for (std::size_t i = 0; i < kCount; ++i) {
         file.at(kPixels + 4 * i + 3) = std::byte{0};
+    }
     EXPECT_EQ(shown(file), image);
 }
 
@@ -142,8 +146,9 @@ TEST(IconEncoder, TheBitmapTellsItsSizeTwiceOverAndNoResolution) {
     EXPECT_EQ(read(frame, 4, 4), 20U);
     EXPECT_EQ(read(frame, 8, 4), 20U) << "ten rows, and ten of the mask";
     EXPECT_EQ(read(frame, 14, 2), 32U);
-    for (const std::size_t field : {16U, 24U, 28U, 32U, 36U})
+    for (const std::size_t field : {16U, 24U, 28U, 32U, 36U}) {
         EXPECT_EQ(read(frame, field, 4), 0U) << field;
+    }
 }
 
 TEST(IconEncoder, LargeFramesArePngPictures) {

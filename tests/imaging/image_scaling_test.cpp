@@ -27,8 +27,9 @@ TEST(ImageScaling, WhatIsSeenThroughLendsItsColourToNothing) {
     EXPECT_EQ(small.pixel(3, 3), kRed);
     // Blocks that lie on both: transparent green is worth nothing.
     const QImage uneven = smoothlyScaled(image, {3, 3}).convertToFormat(QImage::Format_ARGB32);
-    for (const QPoint at : {QPoint(0, 1), QPoint(1, 1), QPoint(1, 2)})
+    for (const QPoint at : {QPoint(0, 1), QPoint(1, 1), QPoint(1, 2)}) {
         EXPECT_EQ(qGreen(uneven.pixel(at)), 0) << at.x();
+    }
 }
 
 TEST(ImageScaling, APictureWithoutAlphaStaysOpaque) {

@@ -17,8 +17,9 @@ inline QImage randomPicture(QSize size, QImage::Format format, unsigned seed = 1
     QImage picture(size, format);
     const QRgb opaque = format == QImage::Format_RGB32 ? 0xFF000000 : 0;
     for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
+        for (int x = 0; x < size.width(); ++x) {
             reinterpret_cast<QRgb*>(picture.scanLine(y))[x] = static_cast<QRgb>(random()) | opaque;
+        }
     }
     return picture;
 }
@@ -27,8 +28,9 @@ inline QImage pictureOf(std::vector<std::vector<QRgb>> rows) {
     QImage picture(static_cast<int>(rows[0].size()), static_cast<int>(rows.size()),
                    QImage::Format_ARGB32);
     for (std::size_t y = 0; y < rows.size(); ++y) {
-        for (std::size_t x = 0; x < rows[y].size(); ++x)
+        for (std::size_t x = 0; x < rows[y].size(); ++x) {
             reinterpret_cast<QRgb*>(picture.scanLine(static_cast<int>(y)))[x] = rows[y][x];
+        }
     }
     return picture;
 }
@@ -43,9 +45,10 @@ class PictureInside {
     explicit PictureInside(const QImage& picture)
         : inner_(QPoint(3, 2), picture.size()),
           around_(randomPicture(picture.size() + QSize(8, 5), picture.format(), 99)) {
-        for (int y = 0; y < picture.height(); ++y)
+        for (int y = 0; y < picture.height(); ++y) {
             std::copy_n(reinterpret_cast<const QRgb*>(picture.constScanLine(y)), picture.width(),
                         rowOf(around_, y));
+        }
         before_ = around_.copy();
     }
 
@@ -57,8 +60,9 @@ class PictureInside {
 
     bool isUntouchedAround() const {
         QImage now = around_.copy();
-        for (int y = 0; y < inner_.height(); ++y)
+        for (int y = 0; y < inner_.height(); ++y) {
             std::copy_n(rowOf(const_cast<QImage&>(before_), y), inner_.width(), rowOf(now, y));
+        }
         return now == before_;
     }
 

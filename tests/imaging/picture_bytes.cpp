@@ -15,13 +15,15 @@ void put32(Bytes& bytes, std::uint32_t value) {
 }
 
 void putBytes(Bytes& bytes, std::initializer_list<int> values) {
-    for (const int value : values)
+    for (const int value : values) {
         bytes.push_back(static_cast<std::byte>(value));
+    }
 }
 
 void set32(Bytes& bytes, std::size_t at, std::uint32_t value) {
-    for (std::size_t i = 0; i < 4; ++i)
+    for (std::size_t i = 0; i < 4; ++i) {
         bytes.at(at + i) = static_cast<std::byte>(value >> (8U * i) & 0xFFU);
+    }
 }
 
 Bytes joined(const Bytes& first, const Bytes& second) {
@@ -38,8 +40,9 @@ Bytes infoHeader(const Dib& dib) {
     put16(bytes, 1);
     put16(bytes, static_cast<unsigned>(dib.bits));
     put32(bytes, dib.compression);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
         put32(bytes, 0);
+    }
     put32(bytes, dib.colours);
     put32(bytes, 0);
     return bytes;
@@ -68,18 +71,21 @@ Bytes iconFile(int type, const std::vector<IconFrame>& frames) {
         put32(bytes, static_cast<std::uint32_t>(at));
         at += frame.data.size();
     }
-    for (const IconFrame& frame : frames)
+    for (const IconFrame& frame : frames) {
         bytes = joined(bytes, frame.data);
+    }
     return bytes;
 }
 
 Bytes iconFrame32(int width, int height, const std::vector<std::uint32_t>& pixels,
                   const std::vector<int>& maskRows) {
     Bytes bytes = infoHeader({width, 2 * height, 32, 0, 0});
-    for (const std::uint32_t pixel : pixels)
+    for (const std::uint32_t pixel : pixels) {
         put32(bytes, pixel);
-    for (const int row : maskRows)
+    }
+    for (const int row : maskRows) {
         putBytes(bytes, {row, 0, 0, 0});
+    }
     return bytes;
 }
 
@@ -92,14 +98,16 @@ Bytes lzwOf(const std::vector<int>& indexes) {
     unsigned bits = 0;
     const auto write = [&](unsigned code) {
         buffer |= code << bits;
-        for (bits += 3; bits >= 8; bits -= 8, buffer >>= 8U)
+        for (bits += 3; bits >= 8; bits -= 8, buffer >>= 8U) {
             codes.push_back(static_cast<std::byte>(buffer & 0xFFU));
+        }
     };
     constexpr unsigned kClear = 4;
     constexpr unsigned kEnd = 5;
     for (std::size_t i = 0; i < indexes.size(); ++i) {
-        if (i % 2 == 0)
+        if (i % 2 == 0) {
             write(kClear);
+        }
         write(static_cast<unsigned>(indexes[i]));
     }
     write(kEnd);
@@ -116,11 +124,13 @@ Bytes gifFile(const Gif& gif) {
     put16(bytes, static_cast<unsigned>(gif.screenHeight));
     putBytes(bytes, {0x81, 0, 0});
     putBytes(bytes, {0, 0, 0, 255, 0, 0, 0, 255, 0, 0, 0, 255});
-    if (gif.transparent >= 0)
+    if (gif.transparent >= 0) {
         putBytes(bytes, {0x21, 0xF9, 4, 1, 0, 0, gif.transparent, 0});
+    }
     putBytes(bytes, {0x2C});
-    for (const int value : {gif.left, gif.top, gif.width, gif.height})
+    for (const int value : {gif.left, gif.top, gif.width, gif.height}) {
         put16(bytes, static_cast<unsigned>(value));
+    }
     putBytes(bytes, {gif.interlaced ? 0x40 : 0, 2});
     const Bytes codes = lzwOf(gif.indexes);
     for (std::size_t at = 0; at < codes.size(); at += 200) {
@@ -155,16 +165,19 @@ std::vector<Bytes> oneOfEachKind() {
     QImage plain(12, 9, QImage::Format_ARGB32);
     plain.fill(qRgb(200, 40, 90));
     Bytes palette;
-    for (std::uint32_t i = 0; i < 256; ++i)
+    for (std::uint32_t i = 0; i < 256; ++i) {
         put32(palette, i * 0x010101U);
+    }
     Bytes runs;
     putBytes(runs, {3, 7, 0, 4, 1, 2, 3, 4, 0, 0, 0, 2, 1, 1, 5, 9, 0, 1});
     Bytes placeable;
     put32(placeable, 0x9AC6CDD7);
-    for (const unsigned value : {0U, 0U, 0U, 100U, 50U, 96U, 0U, 0U, 0U})
+    for (const unsigned value : {0U, 0U, 0U, 100U, 50U, 96U, 0U, 0U, 0U}) {
         put16(placeable, value);
-    for (const unsigned value : {1U, 9U, 0x300U, 12U, 0U, 0U, 3U, 0U, 0U, 3U, 0U, 0U})
+    }
+    for (const unsigned value : {1U, 9U, 0x300U, 12U, 0U, 0U, 3U, 0U, 0U, 3U, 0U, 0U}) {
         put16(placeable, value);
+    }
     Bytes emf(108);
     set32(emf, 0, 1);
     set32(emf, 4, 108);

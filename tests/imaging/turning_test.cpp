@@ -135,8 +135,9 @@ TEST(Turning, KeepsWhatElseAnImageKnows) {
 TEST(FreeTurn, FindsThePlaceOfEachPixel) {
     QImage ramps(120, 100, QImage::Format_ARGB32);
     for (int y = 0; y < 100; ++y) {
-        for (int x = 0; x < 120; ++x)
+        for (int x = 0; x < 120; ++x) {
             ramps.setPixel(x, y, qRgba(2 * x, 255 - 2 * y, x + y, 255));
+        }
     }
     for (const int angle : {3'330, -3'330, 100, 8'999, 13'579, 35'999}) {
         for (const Canvas canvas : {Canvas::Keep, Canvas::Grow}) {
@@ -148,8 +149,9 @@ TEST(FreeTurn, FindsThePlaceOfEachPixel) {
             for (int y = 0; y < result.height(); ++y) {
                 for (int x = 0; x < result.width(); ++x) {
                     const QPointF place = back.map(QPointF(x + 0.5, y + 0.5)) - QPointF(0.5, 0.5);
-                    if (!QRectF(0, 0, 119, 99).contains(place))
+                    if (!QRectF(0, 0, 119, 99).contains(place)) {
                         continue;
+                    }
                     const QRgb pixel = onePixel(result, x, y);
                     ASSERT_NEAR(qRed(pixel), 2 * place.x(), 0.6) << x << ' ' << y;
                     ASSERT_NEAR(qGreen(pixel), 255 - 2 * place.y(), 0.6) << x << ' ' << y;
@@ -212,8 +214,9 @@ TEST(FreeTurn, FillsCornersAndMixesEdges) {
     for (int y = 0; y < seeThrough.height(); ++y) {
         for (int x = 0; x < seeThrough.width(); ++x) {
             const QRgb pixel = onePixel(seeThrough, x, y);
-            if (qAlpha(pixel) == 0)
+            if (qAlpha(pixel) == 0) {
                 continue;
+            }
             EXPECT_EQ(pixel & 0xFFFFFF, qRgba(10, 200, 30, 0)) << "the fill shines through";
             edges += qAlpha(pixel) < 255;
         }
@@ -230,8 +233,9 @@ TEST(FreeTurn, LetsNoColourOfTransparentPixelsThrough) {
     QImage picture(50, 50, QImage::Format_ARGB32);
     picture.fill(qRgba(0, 255, 0, 0));
     for (int y = 20; y < 30; ++y) {
-        for (int x = 0; x < 50; ++x)
+        for (int x = 0; x < 50; ++x) {
             picture.setPixel(x, y, qRgba(255, 0, 0, x * 5));
+        }
     }
     const QImage result = turned(picture, 2'000, Canvas::Grow, 0);
     int seen = 0;
@@ -255,8 +259,9 @@ TEST(FreeTurn, OfAPartOrInPlainCodeIsTheSame) {
                 const PlainCodeOnly plainOnly;
                 EXPECT_EQ(rotated(picture, rotation), whole) << angle;
             }
-            for (const QRect part : {QRect(17, 5, 101, 77), QRect(130, 90, 1, 1), whole.rect()})
+            for (const QRect part : {QRect(17, 5, 101, 77), QRect(130, 90, 1, 1), whole.rect()}) {
                 EXPECT_EQ(rotatedPart(picture, rotation, part), whole.copy(part)) << angle;
+            }
             const QImage beyond = rotatedPart(picture, rotation, QRect(-4, -3, 10, 10));
             EXPECT_EQ(beyond.copy(4, 3, 6, 7), whole.copy(0, 0, 6, 7)) << angle;
             EXPECT_EQ(onePixel(beyond), 0xFF224466) << angle;
@@ -315,14 +320,16 @@ TEST(RowBands, GiveEachRowOnceEvenWithinEachOther) {
     forRowBands(kRows, 100'000, [&](int first, int last) {
         for (int outer = first; outer < last; ++outer) {
             forRowBands(kRows, 30'000, [&](int innerFirst, int innerLast) {
-                for (int inner = innerFirst; inner < innerLast; ++inner)
+                for (int inner = innerFirst; inner < innerLast; ++inner) {
                     ++visits[static_cast<std::size_t>(outer)][static_cast<std::size_t>(inner)];
+                }
             });
         }
     });
     for (const auto& row : visits) {
-        for (const auto& count : row)
+        for (const auto& count : row) {
             ASSERT_EQ(count, 1);
+        }
     }
     forRowBands(0, 10, [](int, int) { ADD_FAILURE() << "there are no rows"; });
 }

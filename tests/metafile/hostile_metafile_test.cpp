@@ -47,26 +47,30 @@ TEST(HostileMetafiles, WhatIsCutShortOrUnreadableIsDrawnAsFarAsItGoes) {
 TEST(HostileMetafiles, EndlessWorkEnds) {
     EmfFile fills(40, 40);
     fills.stock(8).brush(1, colour(255, 0, 0)).add(20, {7});
-    for (int i = 0; i < 200000; ++i)
+    for (int i = 0; i < 200000; ++i) {
         fills.add(42, {0, 0, 40, 40});
+    }
     EXPECT_EQ(endedSomehow(fills.bytes()), Completeness::Part);
     EmfFile blits(40, 40);
-    for (int i = 0; i < 20000; ++i)
+    for (int i = 0; i < 20000; ++i) {
         blits.add(
             76, {0, 0, -1, -1, 0, 0, 40, 40, 0x005A0049, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    }
     EXPECT_EQ(endedSomehow(blits.bytes()), Completeness::Part);
     EmfFile dashes(40, 40); // dashes of a thousandth of the sheet on a line around the world
     dashes.add(95, {1, 0, 0, 0, 0, 0x10007, 1, 0, 0, 0, 2, 1, 1}).add(37, {1});
-    for (int i = 0; i < 3000; ++i)
+    for (int i = 0; i < 3000; ++i) {
         dashes.add(27, {-2000000000, i}).add(54, {2000000000, i});
+    }
     EXPECT_NO_THROW(endedSomehow(dashes.bytes()));
 }
 
 // What a step takes is an estimate; a drawing whose steps take far longer ends too.
 TEST(HostileMetafiles, ADrawingThatTakesTooLongEnds) {
     EmfFile file(40, 40);
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         file.text(1, 1, u"Text", {5, 5, 5, 5}).font(1, -12, i, u"Arial");
+    }
     EXPECT_EQ(completeness(file.bytes()), Completeness::Whole);
     const auto slowClock = [] {
         static double now = 0;
@@ -77,16 +81,19 @@ TEST(HostileMetafiles, ADrawingThatTakesTooLongEnds) {
 
 TEST(HostileMetafiles, StatesObjectsAndNumbersAreBounded) {
     EmfFile file(40, 40);
-    for (int i = 0; i < 50000; ++i)
+    for (int i = 0; i < 50000; ++i) {
         file.add(33);
+    }
     file.add(34, {-100}).add(34, {2000000000}).add(39, {-5, 0, 255, 0}).add(37, {-7});
     Bytes wild;
-    for (const std::uint32_t word : {0x7F800000U, 0U, 0U, 0x7FC00000U, 0xFF800000U, 0U})
+    for (const std::uint32_t word : {0x7F800000U, 0U, 0U, 0x7FC00000U, 0xFF800000U, 0U}) {
         put32(wild, word);
+    }
     file.addBytes(35, wild).add(9, {1, 1}).add(11, {2147483647, -2147483647}).add(17, {8});
     file.rectangle(-2147483647, -2147483647, 2147483647, 2147483647);
-    for (int i = 0; i < 64; ++i)
+    for (int i = 0; i < 64; ++i) {
         file.add(31, {2000000000, 1, 2000000000, 1});
+    }
     file.add(2, {0, 0, -1, -1, 4, 0, 0, 2147483647, 5, -2147483647, 7, 9, 9});
     EXPECT_EQ(completeness(file.bytes()), Completeness::Whole);
 }
@@ -95,8 +102,9 @@ TEST(HostileMetafiles, StatesObjectsAndNumbersAreBounded) {
 std::vector<std::int32_t> crossing(int points) {
     std::mt19937 random(7);
     std::vector<std::int32_t> words{0, 0, 199, 199, points};
-    for (int i = 0; i < 2 * points; ++i)
+    for (int i = 0; i < 2 * points; ++i) {
         words.push_back(static_cast<std::int32_t>(random() % 200));
+    }
     return words;
 }
 
@@ -129,8 +137,9 @@ TEST(HostileMetafiles, OneRecordThatWouldTakeMinutesEndsThePicture) {
 Data scattered(int points) {
     std::mt19937 random(11);
     Data data = Data().word(static_cast<std::uint32_t>(points));
-    for (int i = 0; i < 2 * points; ++i)
+    for (int i = 0; i < 2 * points; ++i) {
         data.reals({static_cast<float>(random() % 200)});
+    }
     return data;
 }
 
@@ -162,8 +171,9 @@ TEST(HostileMetafiles, EveryNewClipIsWork) {
         path.bytes.insert(path.bytes.end(), static_cast<std::size_t>(points - 1), std::byte{1});
         PlusFile file;
         file.object(3, 1, path);
-        for (int i = 0; i < times; ++i)
+        for (int i = 0; i < times; ++i) {
             file.add(0x4033, 1).fill({0, 0, 200, 200}, 0xFFFF0000);
+        }
         return completeness(file);
     };
     EXPECT_EQ(clipped(20000, 1), Completeness::Part);
@@ -175,23 +185,26 @@ TEST(HostileMetafiles, EveryNewClipIsWork) {
 Bytes regionData(const std::vector<QRect>& rectangles) {
     Bytes bytes;
     for (const std::size_t word : {std::size_t{32}, std::size_t{1}, rectangles.size(),
-                                   16 * rectangles.size(), std::size_t{0}, std::size_t{0}})
+                                   16 * rectangles.size(), std::size_t{0}, std::size_t{0}}) {
         put32(bytes, static_cast<std::uint32_t>(word));
+    }
     put32(bytes, 2000);
     put32(bytes, 2000);
     for (const QRect& rectangle : rectangles) {
         for (const int edge :
              {rectangle.left(), rectangle.top(), rectangle.left() + rectangle.width(),
-              rectangle.top() + rectangle.height()})
+              rectangle.top() + rectangle.height()}) {
             put32(bytes, static_cast<std::uint32_t>(edge));
+        }
     }
     return bytes;
 }
 
 Bytes headed(std::initializer_list<std::size_t> words, const Bytes& data) {
     Bytes bytes;
-    for (const std::size_t word : words)
+    for (const std::size_t word : words) {
         put32(bytes, static_cast<std::uint32_t>(word));
+    }
     return joined(bytes, data);
 }
 
@@ -207,8 +220,9 @@ TEST(HostileMetafiles, StripesThatCrossIntoMillionsOfRectanglesEndThePicture) {
     EXPECT_EQ(draw(file.bytes(), {2000, 2000}, stoppedClock).completeness, Completeness::Part);
     // A thousand states that each keep such a clip would take gigabytes.
     EmfFile states(2000, 2000);
-    for (int i = 0; i < 12; ++i)
+    for (int i = 0; i < 12; ++i) {
         states.addBytes(75, headed({region.size(), 5}, region)).add(33);
+    }
     EXPECT_EQ(draw(states.bytes(), {2000, 2000}, stoppedClock).completeness, Completeness::Part);
 }
 
@@ -248,8 +262,9 @@ TEST(HostileMetafiles, ManyClipPathsLargerThanTheSheetLetItsInsideThrough) {
     // Their pixels were made for all of them, not for the sheet alone: gigabytes, or none.
     EmfFile file(40, 40);
     file.stock(8).brush(1, colour(255, 0, 0));
-    for (int i = 0; i < 6; ++i)
+    for (int i = 0; i < 6; ++i) {
         file.add(59).add(3, {0, 0, -1, -1, 3, -30000, -30000, 30000, 30000, -30000, 30000});
+    }
     file.add(60);
     for (int i = 0; i < 6; ++i) {
         file.add(59).add(3, {0, 0, -1, -1, 3, -30000, -30000, 30000 + i, 30000, -30000, 30000});
@@ -263,12 +278,14 @@ TEST(HostileMetafiles, ManyClipPathsLargerThanTheSheetLetItsInsideThrough) {
 // A picture of 6000 x 2500 pixels whose first colour is this.
 Bytes largeHeader(unsigned bits, unsigned compression, QRgb colour) {
     Bytes header;
-    for (const std::uint32_t word : {40U, 6000U, 2500U})
+    for (const std::uint32_t word : {40U, 6000U, 2500U}) {
         put32(header, word);
+    }
     put16(header, 1);
     put16(header, bits);
-    for (const std::uint32_t word : {compression, 0U, 0U, 0U, 1U, 0U})
+    for (const std::uint32_t word : {compression, 0U, 0U, 0U, 1U, 0U}) {
         put32(header, word);
+    }
     put32(header, colour & 0xFFFFFFU);
     return header;
 }
@@ -339,13 +356,15 @@ TEST(HostileMetafiles, PicturesOutsideTheSheetAreWorkToo) {
 TEST(HostileMetafiles, AFloodFindsItsWayAroundWalls) {
     EmfFile file(40, 40); // walls from the top and from the bottom in turn, and a closed chamber
     file.stock(8).brush(1, colour(0, 0, 0));
-    for (int x = 5; x < 35; x += 10)
+    for (int x = 5; x < 35; x += 10) {
         file.rectangle(x, 0, x + 2, 35).rectangle(x + 5, 5, x + 7, 40);
+    }
     file.rectangle(36, 10, 40, 11).rectangle(36, 20, 40, 21).rectangle(36, 10, 37, 21);
     file.brush(2, colour(255, 0, 0)).add(53, {0, 0, 0xFFFFFF, 1});
     const QImage image = file.drawn();
-    for (const int x : {1, 8, 13, 18, 23, 28, 33, 38})
+    for (const int x : {1, 8, 13, 18, 23, 28, 33, 38}) {
         EXPECT_EQ(image.pixel(x, 38 - (x % 10 > 5 ? 0 : 36)), kRed) << x;
+    }
     EXPECT_EQ(image.pixel(38, 30), kRed);
     EXPECT_EQ(image.pixel(38, 15), kWhite);
     EXPECT_EQ(image.pixel(5, 10), kBlack);
@@ -359,9 +378,10 @@ TEST(HostileMetafiles, UnreadableMetafilesInsideDoNotEndThePicture) {
     };
     record(0x00004001, headed({0xDBC01002, 0, 96, 96}, {}));
     record(0x05004008, headed({0xDBC01002, 2, 3, 12, 1, 1, 1}, {}));
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         record(0x0000401A,
                headed({0, 2, 0, 0, 0x41200000, 0x41200000, 0, 0, 0x41200000, 0x41200000}, {}));
+    }
     record(0x00004009, headed({0xFFFF0000}, {}));
     EmfFile file(40, 40);
     file.addBytes(70, headed({plus.size() + 4, 0x2B464D45}, plus));
@@ -389,8 +409,9 @@ TEST(HostileMetafiles, RandomBytesNeverCrash) {
     wmf.add(0x0A32, {1, 1, 2, 2, 0, 0, 9, 9, 0x4142, 5, 5}).add(0x0419, {0, 0, 20, 20});
     wmf.add(0x06FF, {0, 6, 0, 0, 0, 1, 2, 5, 5, 25, 15, 2, 5, 15, 5, 25, 2}).add(0x0228, {2, 1});
     std::mt19937 random(20);
-    for (const Bytes& sound : {emf.bytes(), wmf.plain(), wmf.placeable(0, 0, 40, 40, 96)})
+    for (const Bytes& sound : {emf.bytes(), wmf.plain(), wmf.placeable(0, 0, 40, 40, 96)}) {
         EXPECT_NO_THROW(drawWithRandomBytes(sound, 0, random));
+    }
 }
 
 } // namespace

@@ -16,17 +16,20 @@ void append(Bytes& bytes, const Bytes& more) {
 
 Bytes words32(const std::vector<std::int32_t>& words) {
     Bytes bytes;
-    for (const std::int32_t word : words)
+    for (const std::int32_t word : words) {
         put32(bytes, static_cast<std::uint32_t>(word));
+    }
     return bytes;
 }
 
 Bytes units16(std::u16string_view text) {
     Bytes bytes;
-    for (const char16_t unit : text)
+    for (const char16_t unit : text) {
         put16(bytes, unit);
-    while (bytes.size() % 4 != 0)
+    }
+    while (bytes.size() % 4 != 0) {
         bytes.push_back({});
+    }
     return bytes;
 }
 
@@ -38,8 +41,9 @@ EmfFile& EmfFile::add(std::uint32_t type, const std::vector<std::int32_t>& words
 
 EmfFile& EmfFile::addBytes(std::uint32_t type, const Bytes& body) {
     Bytes padded = body;
-    while (padded.size() % 4 != 0)
+    while (padded.size() % 4 != 0) {
         padded.push_back({});
+    }
     put32(records_, type);
     put32(records_, static_cast<std::uint32_t>(padded.size() + 8));
     append(records_, padded);
@@ -123,15 +127,17 @@ QImage EmfFile::drawn(double scale) const {
 
 WmfFile& WmfFile::add(std::uint16_t type, const std::vector<int>& words) {
     Bytes body;
-    for (const int word : words)
+    for (const int word : words) {
         put16(body, static_cast<unsigned>(word) & 0xFFFFU);
+    }
     return addBytes(type, body);
 }
 
 WmfFile& WmfFile::addBytes(std::uint16_t type, const Bytes& body) {
     Bytes padded = body;
-    if (padded.size() % 2 != 0)
+    if (padded.size() % 2 != 0) {
         padded.push_back({});
+    }
     put32(records_, static_cast<std::uint32_t>(padded.size() / 2 + 3));
     put16(records_, type);
     append(records_, padded);
@@ -144,8 +150,9 @@ WmfFile& WmfFile::window(int x, int y, int width, int height) {
 
 Bytes WmfFile::plain() const {
     Bytes bytes;
-    for (const unsigned word : {1U, 9U, 0x300U})
+    for (const unsigned word : {1U, 9U, 0x300U}) {
         put16(bytes, word);
+    }
     put32(bytes, static_cast<std::uint32_t>(records_.size() / 2 + 12));
     put16(bytes, 8);
     put32(bytes, 100);
@@ -159,8 +166,9 @@ Bytes WmfFile::plain() const {
 Bytes WmfFile::placeable(int left, int top, int right, int bottom, int unitsPerInch) const {
     Bytes bytes;
     put32(bytes, 0x9AC6CDD7);
-    for (const int word : {0, left, top, right, bottom, unitsPerInch, 0, 0, 0})
+    for (const int word : {0, left, top, right, bottom, unitsPerInch, 0, 0, 0}) {
         put16(bytes, static_cast<unsigned>(word) & 0xFFFFU);
+    }
     append(bytes, plain());
     return bytes;
 }
@@ -177,8 +185,9 @@ Bytes bitmapPixels(int width, const std::vector<QRgb>& pixels) {
             const QRgb pixel = pixels[row * columns + x];
             putBytes(bytes, {qBlue(pixel), qGreen(pixel), qRed(pixel)});
         }
-        while (bytes.size() % 4 != 0)
+        while (bytes.size() % 4 != 0) {
             bytes.push_back({});
+        }
     }
     return bytes;
 }
@@ -192,8 +201,9 @@ void drawWithRandomBytes(const Bytes& sound, std::size_t from, std::mt19937& ran
     constexpr int kBytes = 4;
     for (int round = 0; round < kRounds; ++round) {
         Bytes bytes = sound;
-        for (int i = 0; i < kBytes; ++i)
+        for (int i = 0; i < kBytes; ++i) {
             bytes[from + random() % (bytes.size() - from)] = static_cast<std::byte>(random());
+        }
         try {
             draw(bytes, {32, 32});
         } catch (const imaging::DecodeError&) {
@@ -206,8 +216,9 @@ QRect inkOf(const QImage& image) {
     QRect ink;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (qGray(image.pixel(x, y)) < 200)
+            if (qGray(image.pixel(x, y)) < 200) {
                 ink |= QRect(x, y, 1, 1);
+            }
         }
     }
     return ink;

@@ -15,8 +15,9 @@ constexpr QRgb kBlue = qRgb(0, 0, 255);
 
 Bytes words(std::initializer_list<int> values) {
     Bytes bytes;
-    for (const int value : values)
+    for (const int value : values) {
         put16(bytes, static_cast<unsigned>(value) & 0xFFFFU);
+    }
     return bytes;
 }
 
@@ -132,8 +133,10 @@ TEST(WindowsMetafiles, TheMetafileThatAFileWasMadeOfIsDrawnInstead) {
     const auto part = [&](std::size_t begin, std::size_t end) {
         Bytes body =
             words({15, static_cast<int>(34 + end - begin), 0x4D57, 0x4346, 1, 0, 0, 1, 0, 0, 0});
-        for (const std::size_t value : {std::size_t{2}, end - begin, emf.size() - end, emf.size()})
+        for (const std::size_t value :
+             {std::size_t{2}, end - begin, emf.size() - end, emf.size()}) {
             put32(body, static_cast<std::uint32_t>(value));
+        }
         return joined(body, Bytes(emf.begin() + static_cast<std::ptrdiff_t>(begin),
                                   emf.begin() + static_cast<std::ptrdiff_t>(end)));
     };
@@ -157,10 +160,12 @@ TEST(MetafileFiles, AreMeasuredFromTheirHeaders) {
     EXPECT_DOUBLE_EQ(emf.twips.height, 720);
 
     Bytes plain;
-    for (const unsigned value : {1U, 9U, 0x300U, 17U, 0U, 0U, 5U, 0U, 0U})
+    for (const unsigned value : {1U, 9U, 0x300U, 17U, 0U, 0U, 5U, 0U, 0U}) {
         put16(plain, value);
-    for (const unsigned value : {5U, 0U, 0x020CU, 40U, 60U, 3U, 0U, 0U})
+    }
+    for (const unsigned value : {5U, 0U, 0x020CU, 40U, 60U, 3U, 0U, 0U}) {
         put16(plain, value);
+    }
     EXPECT_DOUBLE_EQ(measure(plain).twips.width, 60 * 15);
     EXPECT_DOUBLE_EQ(measure(plain).twips.height, 40 * 15);
     Bytes noExtent(plain.begin(), plain.begin() + 18);

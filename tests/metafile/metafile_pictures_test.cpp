@@ -20,8 +20,9 @@ constexpr std::int32_t kOr = 0x00EE0086;
 
 Bytes words(const std::vector<std::int32_t>& values) {
     Bytes bytes;
-    for (const std::int32_t value : values)
+    for (const std::int32_t value : values) {
         put32(bytes, static_cast<std::uint32_t>(value));
+    }
     return bytes;
 }
 
@@ -73,12 +74,14 @@ TEST(MetafilePictures, BitmapsAreStretchedCutOutAndMirrored) {
 
 TEST(MetafilePictures, StripsOfAPictureMeetAtEverySize) {
     EmfFile file(40, 40);
-    for (int strip = 0; strip < 8; ++strip)
+    for (int strip = 0; strip < 8; ++strip) {
         stretch(file, {0, strip * 5, 40, 5}, {0, 0, 1, 1}, {kRed}, 1);
+    }
     for (const double scale : {0.37, 1.0, 2.71}) {
         const QImage image = file.drawn(scale);
-        for (int y = 0; y < image.height(); ++y)
+        for (int y = 0; y < image.height(); ++y) {
             ASSERT_EQ(image.pixel(image.width() / 2, y), kRed) << scale << ' ' << y;
+        }
     }
 }
 
@@ -182,8 +185,9 @@ TEST(MetafilePictures, GradientsRunFromCornerToCorner) {
         std::vector<std::int32_t> values{0, 0, -1, -1, corners, 1, mode};
         for (const auto& corner :
              {vertex(0, 0, 255, 0), vertex(40, 40, 0, 255), vertex(0, 40, 0, 0)}) {
-            if (static_cast<int>(values.size()) < 7 + 4 * corners)
+            if (static_cast<int>(values.size()) < 7 + 4 * corners) {
                 values.insert(values.end(), corner.begin(), corner.end());
+            }
         }
         values.insert(values.end(), mesh.begin(), mesh.end());
         return EmfFile(40, 40).add(118, values).drawn();

@@ -37,8 +37,9 @@ TEST(MetafileShapes, TheFrameAndNotTheBoundsIsShown) {
 TEST(MetafileShapes, TheFrameIsMeasuredInWholeMillimetres) {
     const Bytes bytes = filled(kFileRed).rectangle(0, 0, 20, 20).bytes();
     Bytes header(bytes.begin(), bytes.begin() + 88);
-    for (const std::uint32_t word : {0U, 0U, 0U, 950000U, 7929939U})
+    for (const std::uint32_t word : {0U, 0U, 0U, 950000U, 7929939U}) {
         put32(header, word);
+    }
     set32(header, 4, 108);
     const Bytes longer = joined(header, Bytes(bytes.begin() + 88, bytes.end()));
     EXPECT_EQ(inkOf(drawnMetafile(longer, {400, 400})), QRect(0, 0, 200, 200));
@@ -46,16 +47,18 @@ TEST(MetafileShapes, TheFrameIsMeasuredInWholeMillimetres) {
 
 TEST(MetafileShapes, ThinLinesStayOnePixelWideAtEverySizeAndWideOnesGrow) {
     EmfFile file(40, 40);
-    for (const int width : {0, 1})
+    for (const int width : {0, 1}) {
         file.pen(1 + width, 0, width, 0)
             .add(27, {5, 10 + 10 * width})
             .add(54, {35, 10 + 10 * width});
+    }
     file.pen(3, 0, 4, 0).add(27, {5, 30}).add(54, {35, 30});
     const QImage image = file.drawn(5);
     const auto thickness = [&](int from, int to) {
         int count = 0;
-        for (int y = from; y < to; ++y)
+        for (int y = from; y < to; ++y) {
             count += qGray(image.pixel(100, y)) < 128 ? 1 : 0;
+        }
         return count;
     };
     EXPECT_EQ(thickness(40, 60), 1);
@@ -99,10 +102,12 @@ TEST(MetafileShapes, BoxesHaveTheirOutlines) {
 TEST(MetafileShapes, PolygonsOfManyPartsAndSmallPointsAreRead) {
     // Two triangles of 16-bit points.
     Bytes body;
-    for (const std::uint32_t word : {0U, 0U, 0U, 0U, 2U, 6U, 3U, 3U})
+    for (const std::uint32_t word : {0U, 0U, 0U, 0U, 2U, 6U, 3U, 3U}) {
         put32(body, word);
-    for (const unsigned unit : {0U, 0U, 10U, 0U, 0U, 10U, 30U, 30U, 40U, 30U, 30U, 40U})
+    }
+    for (const unsigned unit : {0U, 0U, 10U, 0U, 0U, 10U, 30U, 30U, 40U, 30U, 30U, 40U}) {
         put16(body, unit);
+    }
     EmfFile file = filled(kFileBlue);
     const QImage image = file.addBytes(91, body).drawn();
     EXPECT_EQ(image.pixel(2, 2), kBlue);
@@ -131,10 +136,12 @@ TEST(MetafileShapes, WindowAndViewportAreComposedWhenSomethingIsDrawn) {
 
 EmfFile& world(EmfFile& file, std::uint32_t type, const std::vector<float>& matrix, int mode = 0) {
     Bytes body;
-    for (const float value : matrix)
+    for (const float value : matrix) {
         put32(body, std::bit_cast<std::uint32_t>(value));
-    if (type == 36)
+    }
+    if (type == 36) {
         put32(body, static_cast<std::uint32_t>(mode));
+    }
     return file.addBytes(type, body);
 }
 
@@ -213,8 +220,9 @@ TEST(MetafileShapes, ClipPathsAreWhatTheyAreAndNothingIsNoPath) {
     EXPECT_EQ(none.add(67, {5}).rectangle(0, 0, 40, 40).drawn().pixel(20, 20), kRed);
     // Six clip paths that reach far over the sheet took minutes, or let nothing through.
     EmfFile large = filled(kFileRed);
-    for (int i = 0; i < 6; ++i)
+    for (int i = 0; i < 6; ++i) {
         large.add(59).add(42, {-500000, -500000, 500000, 500000}).add(60).add(67, {1});
+    }
     EXPECT_EQ(large.rectangle(0, 0, 40, 40).drawn().pixel(20, 20), kRed);
 }
 
@@ -331,8 +339,9 @@ TEST(MetafileShapes, HatchesShowTheGroundOnlyWhenItIsOpaque) {
     };
     const auto count = [](const QImage& sheet, QRgb wanted) {
         int found = 0;
-        for (int i = 0; i < 1600; ++i)
+        for (int i = 0; i < 1600; ++i) {
             found += sheet.pixel(i % 40, i / 40) == wanted ? 1 : 0;
+        }
         return found;
     };
     EXPECT_GT(count(image(2), kRed), 800);
@@ -356,8 +365,9 @@ TEST(MetafileShapes, PatternsRepeatFromTheBrushOrigin) {
     const auto image = [&](int origin) {
         EmfFile file(40, 40);
         Bytes body;
-        for (const std::uint32_t word : {1U, 0U, 32U, 40U, 72U, 8U})
+        for (const std::uint32_t word : {1U, 0U, 32U, 40U, 72U, 8U}) {
             put32(body, word);
+        }
         file.stock(kNullPen).addBytes(94, joined(joined(body, header), pixels)).add(37, {1});
         return file.add(13, {origin, 0}).rectangle(0, 0, 40, 40).drawn();
     };

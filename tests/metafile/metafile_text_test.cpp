@@ -24,8 +24,9 @@ std::uint32_t codeOf(char32_t character) {
 
 DecodedText decoded(std::initializer_list<int> bytes, std::uint8_t characterSet) {
     std::vector<std::byte> data;
-    for (const int byte : bytes)
+    for (const int byte : bytes) {
         data.push_back(std::byte(byte));
+    }
     return textOf(data, characterSet);
 }
 
@@ -46,8 +47,9 @@ TEST(CharacterSets, BrokenDoubleByteTextLosesNothing) {
 TEST(CharacterSets, EveryByteOfEverySetComesOut) {
     std::vector<std::byte> all;
     all.reserve(256);
-    for (int byte = 0; byte < 256; ++byte)
+    for (int byte = 0; byte < 256; ++byte) {
         all.push_back(std::byte(byte));
+    }
     for (int set = 0; set < 256; ++set) {
         const DecodedText text = textOf(all, std::uint8_t(set));
         ASSERT_EQ(text.text.size(), qsizetype(text.byteOfUnit.size())) << "set " << set;
@@ -72,21 +74,26 @@ TEST(CharacterSets, SingleByteSetsDifferAboveAscii) {
 
 TEST(SymbolFonts, NamesAreKnownHoweverTheyAreWritten) {
     for (const char16_t* name : {u"Symbol", u"SYMBOL", u"WingDings", u"wingdings 2", u"Wingdings3",
-                                 u"Webdings", u"ZapfDingbats", u"ITC Zapf Dingbats", u"MT Extra"})
+                                 u"Webdings", u"ZapfDingbats", u"ITC Zapf Dingbats", u"MT Extra"}) {
         EXPECT_TRUE(isSymbolFont(QStringView(name))) << QString::fromUtf16(name).toStdString();
-    for (const char16_t* name : {u"", u"Arial", u"Segoe UI Symbol", u"Wingdings 4"})
+    }
+    for (const char16_t* name : {u"", u"Arial", u"Segoe UI Symbol", u"Wingdings 4"}) {
         EXPECT_FALSE(isSymbolFont(QStringView(name))) << QString::fromUtf16(name).toStdString();
+    }
     EXPECT_EQ(unicodeOf(u"Arial", 'a'), 0U);
 }
 
 TEST(SymbolFonts, CodesComeAsBytesPrivateCharactersOrWindowsText) {
-    for (const char32_t code : {char32_t(0x95), char32_t(0xF095), char32_t(0x2022)})
+    for (const char32_t code : {char32_t(0x95), char32_t(0xF095), char32_t(0x2022)}) {
         EXPECT_EQ(unicodeOf(u"ZapfDingbats", code), 0U) << "no glyph in any form";
-    for (const char32_t code : {char32_t(0x9F), char32_t(0xF09F), char32_t(0x0178)})
+    }
+    for (const char32_t code : {char32_t(0x9F), char32_t(0xF09F), char32_t(0x0178)}) {
         EXPECT_EQ(unicodeOf(u"Wingdings", code), char32_t(0x2022)) << codeOf(code);
+    }
     for (const char32_t code : {char32_t(0), char32_t(0x1F), char32_t(0xF01F), char32_t(0xF100),
-                                char32_t(0x3B1), char32_t(0x10FFFF), char32_t(0xFFFFFFFF)})
+                                char32_t(0x3B1), char32_t(0x10FFFF), char32_t(0xFFFFFFFF)}) {
         EXPECT_EQ(unicodeOf(u"Symbol", code), 0U) << codeOf(code);
+    }
 }
 
 // One at the end of each table's long rows: a character too many or too few shifts the rest.
@@ -123,11 +130,13 @@ QString familyFor(const char16_t* family, std::uint8_t pitchAndFamily = 0) {
 }
 
 TEST(Fonts, MissingFamiliesGetOnesOfTheSameWidths) {
-    if (isInstalled(u"Arial") || isInstalled(u"Times New Roman") || isInstalled(u"Courier New"))
+    if (isInstalled(u"Arial") || isInstalled(u"Times New Roman") || isInstalled(u"Courier New")) {
         GTEST_SKIP() << "the families asked for are installed";
+    }
     for (const char16_t* name :
-         {u"Arial", u"ARIAL", u"Arial CE", u"@Arial", u" Helv", u"ArialMT", u"Arial Unicode MS"})
+         {u"Arial", u"ARIAL", u"Arial CE", u"@Arial", u" Helv", u"ArialMT", u"Arial Unicode MS"}) {
         EXPECT_EQ(familyFor(name), "Liberation Sans") << QString::fromUtf16(name).toStdString();
+    }
     EXPECT_EQ(familyFor(u"Times New Roman Greek"), "Liberation Serif");
     EXPECT_EQ(familyFor(u"Courier New"), "Liberation Mono");
     EXPECT_EQ(familyFor(u"courier", 0x22), "Liberation Mono") << "the name counts first";
@@ -191,15 +200,19 @@ TEST(GlyphSource, ManyThreadsDrawTheSame) {
     ASSERT_FALSE(inkOf(wanted).isNull());
     std::array<QImage, 4> drawn;
     std::vector<std::thread> threads;
-    for (QImage& own : drawn)
+    for (QImage& own : drawn) {
         threads.emplace_back([&] {
-            for (int round = 0; round < 5; ++round)
+            for (int round = 0; round < 5; ++round) {
                 own = drawnMetafile(bytes, {200, 60});
+            }
         });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
-    for (const QImage& own : drawn)
+    }
+    for (const QImage& own : drawn) {
         EXPECT_EQ(own, wanted);
+    }
 }
 
 TEST(GlyphSource, SizeAndLinesOfTheFontDoNotMatter) {
@@ -250,9 +263,10 @@ TEST(GlyphSource, InvisibleAndImpossibleCharacters) {
         EXPECT_TRUE(source.glyph(sans(), character).outline.isEmpty()) << codeOf(character);
         EXPECT_EQ(source.glyph(sans(), character).advance, 0) << codeOf(character);
     }
-    for (const char32_t character : {0xD800U, 0xDFFFU, 0x110000U, 0xFFFFFFFFU})
+    for (const char32_t character : {0xD800U, 0xDFFFU, 0x110000U, 0xFFFFFFFFU}) {
         EXPECT_EQ(source.glyph(sans(), character).outline, source.glyph(sans(), 0xFFFD).outline)
             << codeOf(character);
+    }
 }
 
 // How far the upper end of an upright letter leans to the right of its lower end.
@@ -284,11 +298,13 @@ std::optional<QString> familyWithoutBold() {
     for (const QString& family : families) {
         bool isAlwaysLight = QFontDatabase::isSmoothlyScalable(family);
         const QStringList styles = QFontDatabase::styles(family);
-        for (const QString& style : styles)
+        for (const QString& style : styles) {
             isAlwaysLight = isAlwaysLight && QFontDatabase::weight(family, style) <= 400;
+        }
         const QFont font(family);
-        if (isAlwaysLight && source.glyph(font, U'l').advance <= source.glyph(font, U'm').advance)
+        if (isAlwaysLight && source.glyph(font, U'l').advance <= source.glyph(font, U'm').advance) {
             return family;
+        }
     }
     return std::nullopt;
 }
@@ -304,8 +320,9 @@ TEST(GlyphSource, BoldIsWiderWhetherTheFontHasItOrNot) {
         EXPECT_LT(bold.width(), normal.width() * 2 + 50) << family.toStdString();
     };
     expectWider("Liberation Sans");
-    if (const std::optional<QString> family = familyWithoutBold())
+    if (const std::optional<QString> family = familyWithoutBold()) {
         expectWider(*family);
+    }
 }
 
 // The caches forget; what they forget comes back the same.
@@ -317,11 +334,13 @@ TEST(GlyphSource, ManyFontsAndGlyphsStayRight) {
         font.setStretch(50 + number);
         return font;
     };
-    for (int i = 0; i < 70; ++i)
+    for (int i = 0; i < 70; ++i) {
         ASSERT_FALSE(source.glyph(fontNumber(i), U'a').outline.isEmpty()) << i;
+    }
     EXPECT_EQ(source.glyph(sans(), U'g').outline, before.outline);
-    for (char32_t character = 0x100; character < 0x1300; ++character)
+    for (char32_t character = 0x100; character < 0x1300; ++character) {
         source.glyph(sans(), character);
+    }
     EXPECT_EQ(source.glyph(sans(), U'g').outline, before.outline);
     EXPECT_EQ(&GlyphSource::ofThisThread(), &GlyphSource::ofThisThread());
 }

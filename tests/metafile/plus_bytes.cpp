@@ -10,26 +10,30 @@ Data& Data::word(std::uint32_t value) {
 }
 
 Data& Data::words(const std::vector<std::uint32_t>& values) {
-    for (const std::uint32_t value : values)
+    for (const std::uint32_t value : values) {
         put32(bytes, value);
+    }
     return *this;
 }
 
 Data& Data::shorts(const std::vector<int>& values) {
-    for (const int value : values)
+    for (const int value : values) {
         put16(bytes, static_cast<unsigned>(value) & 0xFFFFU);
+    }
     return *this;
 }
 
 Data& Data::reals(const std::vector<float>& values) {
-    for (const float value : values)
+    for (const float value : values) {
         put32(bytes, std::bit_cast<std::uint32_t>(value));
+    }
     return *this;
 }
 
 Data& Data::text(std::u16string_view characters) {
-    for (const char16_t unit : characters)
+    for (const char16_t unit : characters) {
         put16(bytes, unit);
+    }
     return *this;
 }
 

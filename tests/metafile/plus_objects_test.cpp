@@ -64,10 +64,12 @@ TEST(PlusObjects, RegionsOfManyPartsAreRead) {
     // Two hundred columns of a fifth of a pixel, each united with all before it.
     constexpr int kParts = 200;
     Data region = Data().word(kVersion).word(2 * kParts);
-    for (int i = 0; i < kParts; ++i)
+    for (int i = 0; i < kParts; ++i) {
         region.word(2);
-    for (int i = 0; i <= kParts; ++i)
+    }
+    for (int i = 0; i <= kParts; ++i) {
         region.word(0x10000000).reals({static_cast<float>(i) / 5, 0, 1, 20});
+    }
     PlusFile file;
     file.object(4, 2, region).add(0x4013, kColourFlag | 2, Data().word(0xFFFF0000));
     const QImage image = file.drawn();
@@ -107,8 +109,9 @@ TEST(PlusObjects, PlaceableMetafilesInsideArePaddedAndMayBeShownInPart) {
 TEST(PlusObjects, MetafilesInsideThatCannotBeReadDoNotEndTheDrawing) {
     PlusFile file;
     file.object(5, 1, metafileImage(2, Bytes(50)));
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         file.add(0x401A, 1, wholeImage({0, 0, 40, 40}, 2));
+    }
     EXPECT_EQ(file.fill({0, 0, 40, 40}, 0xFFFF0000).drawn().pixel(20, 20), kRed);
 }
 

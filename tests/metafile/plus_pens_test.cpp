@@ -22,14 +22,16 @@ bool isInk(const QImage& image, int x, int y) {
 // 'x' for ink, '.' for paper, along a column or a row.
 std::string column(const QImage& image, int x, const std::vector<int>& rows) {
     std::string result;
-    for (const int y : rows)
+    for (const int y : rows) {
         result += isInk(image, x, y) ? 'x' : '.';
+    }
     return result;
 }
 std::string row(const QImage& image, int y, const std::vector<int>& columns) {
     std::string result;
-    for (const int x : columns)
+    for (const int x : columns) {
         result += isInk(image, x, y) ? 'x' : '.';
+    }
     return result;
 }
 

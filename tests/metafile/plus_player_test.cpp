@@ -25,8 +25,9 @@ TEST(PlusPlayer, TheHalfThatShowsMoreIsPlayed) {
     const auto image = [](Half half, std::uint32_t plusColour, bool otherHalfDraws) {
         EmfFile file(40, 40);
         PlusFile(half).fill({0, 0, 40, 40}, plusColour).into(file);
-        if (otherHalfDraws)
+        if (otherHalfDraws) {
             file.stock(8).brush(1, colour(255, 0, 0)).rectangle(0, 0, 40, 40);
+        }
         return file.drawn().pixel(20, 20);
     };
     EXPECT_EQ(image(Half::Only, 0xFF0000FF, true), kBlue);
@@ -130,8 +131,9 @@ TEST(PlusPlayer, ShapesPathsAndRegionsAreDrawn) {
 
     PlusFile lines; // a closed line of small points, and a quarter of a pie
     Data corners = Data().word(3);
-    for (const int value : {2, 2, 38, 2, 2, 38})
+    for (const int value : {2, 2, 38, 2, 2, 38}) {
         put16(corners.bytes, static_cast<unsigned>(value));
+    }
     lines.object(2, 3, pen(4, 0xFF000000)).add(0x400D, 0x6000 | 3, corners);
     EXPECT_EQ(lines.drawn().pixel(2, 20), kBlack);
     PlusFile pie;
@@ -150,8 +152,9 @@ TEST(PlusPlayer, ClipsCombine) {
     const auto columns = [&](unsigned combine) {
         const QImage sheet = image(combine);
         std::string result;
-        for (const int x : {5, 15, 25, 35})
+        for (const int x : {5, 15, 25, 35}) {
             result += sheet.pixel(x, 20) == kRed ? 'x' : '.';
+        }
         return result;
     };
     EXPECT_EQ(columns(0), ".xx."); // replace
@@ -360,8 +363,9 @@ TEST(PlusPlayer, LyingRecordsAreLeftOut) {
     file.object(5, 2, bitmapImage(0x0026200A, 100000, 4))
         .add(0x401A, 2, wholeImage({0, 0, 40, 40}, 2));
     Data deep = Data().word(kVersion).word(0);
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < 5000; ++i) {
         deep.word(1);
+    }
     file.object(4, 3, deep).add(0x4013, kColourFlag | 3, Data().word(0xFF000000));
     file.add(0x4030, 2, Data().reals({1e30F})).fill({0, 0, 1, 1}, 0xFF000000);
     file.add(0x4030, 2, Data().reals({1})).fill({30, 30, 10, 10}, 0xFFFF0000);

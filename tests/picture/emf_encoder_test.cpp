@@ -25,8 +25,9 @@ QImage onPaper(const QImage& image) {
 
 std::uint32_t read32(const Bytes& bytes, std::size_t at) {
     std::uint32_t value = 0;
-    for (std::size_t i = 4; i-- > 0;)
+    for (std::size_t i = 4; i-- > 0;) {
         value = value << 8U | std::to_integer<std::uint32_t>(bytes.at(at + i));
+    }
     return value;
 }
 
@@ -38,8 +39,9 @@ std::vector<std::uint32_t> recordsOf(const Bytes& file) {
         types.push_back(read32(file, at));
         const std::uint32_t size = read32(file, at + 4);
         EXPECT_EQ(size % 4, 0U);
-        if (size < 8)
+        if (size < 8) {
             break;
+        }
         at += size;
     }
     EXPECT_EQ(at, file.size());
@@ -81,8 +83,9 @@ TEST(EmfEncoder, StripsOfALargePictureMeet) {
     constexpr int kWidth = 5000;
     constexpr int kHeight = 3203;
     QImage image(kWidth, kHeight, QImage::Format_RGB32);
-    for (int y = 0; y < kHeight; ++y)
+    for (int y = 0; y < kHeight; ++y) {
         std::fill_n(reinterpret_cast<QRgb*>(image.scanLine(y)), kWidth, 0xFF000000U + unsigned(y));
+    }
     const Bytes file = encode(image, PictureKind::Emf);
     ASSERT_EQ(recordsOf(file), (std::vector<std::uint32_t>{1, 21, 81, 81, 14}));
     std::uint32_t row = 0;

@@ -26,10 +26,11 @@ using imaging::testing::set32;
 void survive(const Bytes& bytes) {
     for (const bool whole : {false, true}) {
         try {
-            if (whole)
+            if (whole) {
                 decode(bytes);
-            else
+            } else {
                 measure(bytes);
+            }
         } catch (const DecodeError& error) {
             EXPECT_STRNE(error.what(), "");
         }
@@ -52,8 +53,9 @@ TEST(HostilePictures, TooManyPixelsAreRefusedBeforeMemoryIsTaken) {
     refused(gifFile({1, 1, 0, 0, 65535, 65535, false, -1, {1}}));
     Bytes jpg = encoded(QImage(8, 8, QImage::Format_RGB32), "JPG");
     for (std::size_t i = 0; i + 9 < jpg.size(); ++i) { // height and width behind the frame marker
-        if (jpg[i] == std::byte{0xFF} && jpg[i + 1] == std::byte{0xC0})
+        if (jpg[i] == std::byte{0xFF} && jpg[i + 1] == std::byte{0xC0}) {
             std::fill_n(jpg.begin() + static_cast<std::ptrdiff_t>(i + 5), 4, std::byte{0x7F});
+        }
     }
     refused(jpg);
 }
@@ -79,8 +81,9 @@ TEST(HostilePictures, EndlessRunsStayInTheirRow) {
     put32(dib, 0x000000);
     put32(dib, 0xFF0000);
     Bytes runs(std::size_t{17} << 20U, std::byte{0xFF}); // more pixels than an int counts
-    for (std::size_t i = 1; i < runs.size(); i += 2)
+    for (std::size_t i = 1; i < runs.size(); i += 2) {
         runs[i] = std::byte{1};
+    }
     putBytes(runs, {0, 2, 255, 0, 1, 1});
     const QImage image = decode(bmpFile(dib, runs)).image();
     EXPECT_EQ(image.pixel(0, 1), qRgb(255, 0, 0));
@@ -91,8 +94,9 @@ TEST(HostilePictures, EndlessRunsStayInTheirRow) {
 TEST(HostilePictures, HeadersThatContradictThemselvesAreRefused) {
     Bytes palette(64);
     for (const Dib& dib : {Dib{4, 4, 3, 0, 0}, Dib{4, 4, 8, 2, 0}, Dib{4, 4, 24, 1, 0},
-                           Dib{4, 4, 24, 3, 0}, Dib{4, 4, 32, 9, 0}})
+                           Dib{4, 4, 24, 3, 0}, Dib{4, 4, 32, 9, 0}}) {
         EXPECT_THROW(decode(bmpFile(infoHeader(dib), palette)), DecodeError);
+    }
     EXPECT_THROW(decode(iconFile(1, {})), DecodeError);
     Bytes icon = iconFile(1, {{iconFrame32(2, 2, {1, 2, 3, 4}, {0, 0}), 0, 0}});
     set32(icon, 18, 0xFFFFFFF0); // the frame's offset
@@ -102,8 +106,9 @@ TEST(HostilePictures, HeadersThatContradictThemselvesAreRefused) {
 
 TEST(HostilePictures, EveryTruncationIsSurvived) {
     for (const Bytes& whole : oneOfEachKind()) {
-        for (std::size_t length = 0; length < whole.size(); ++length)
+        for (std::size_t length = 0; length < whole.size(); ++length) {
             survive(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)));
+        }
     }
 }
 
@@ -115,8 +120,9 @@ TEST(HostilePictures, RandomDamageIsSurvivedWithinBounds) {
     for (int round = 0; round < 1500; ++round) {
         Bytes bytes = all[static_cast<std::size_t>(round) % all.size()];
         const std::size_t flips = 1 + random() % 6;
-        for (std::size_t i = 0; i < flips; ++i)
+        for (std::size_t i = 0; i < flips; ++i) {
             bytes[random() % bytes.size()] = static_cast<std::byte>(random() & 0xFFU);
+        }
         survive(bytes);
     }
     rusage after{};

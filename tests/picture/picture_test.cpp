@@ -67,19 +67,23 @@ TEST(Picture, IsTheSameOnManyThreadsAtOnce) {
     const std::vector<Bytes> all = oneOfEachKind();
     const auto drawn = [&all] {
         std::vector<QImage> images;
-        for (const Bytes& bytes : all)
+        for (const Bytes& bytes : all) {
             images.push_back(decodeFor(bytes, {64, 64}).scaledTo({64, 64}));
+        }
         return images;
     };
     const std::vector<QImage> expected = drawn();
     std::array<std::vector<QImage>, 4> found;
     std::vector<std::thread> threads;
-    for (std::vector<QImage>& images : found)
+    for (std::vector<QImage>& images : found) {
         threads.emplace_back([&images, &drawn] { images = drawn(); });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
-    for (const std::vector<QImage>& images : found)
+    }
+    for (const std::vector<QImage>& images : found) {
         EXPECT_EQ(images, expected);
+    }
 }
 
 } // namespace

@@ -79,10 +79,12 @@ TEST_F(NativeDiskTest, refusesWhatIsNoRegularFileWithoutWaiting) {
     ASSERT_EQ(::mkfifo(at("pipe.bmp").c_str(), 0600), 0);
     fs::create_directory(at("folder.stg"));
     fs::create_symlink("pipe.bmp", at("link.bmp"));
-    for (const char* name : {"pipe.bmp", "folder.stg", "link.bmp"})
-        for (const Access access : {Access::Read, Access::ReadWrite})
+    for (const char* name : {"pipe.bmp", "folder.stg", "link.bmp"}) {
+        for (const Access access : {Access::Read, Access::ReadWrite}) {
             EXPECT_EQ(codeOf([&] { nativeDisk().open(at(name), access); }), ErrorCode::Failed)
                 << name;
+        }
+    }
     EXPECT_EQ(codeOf([&] { nativeDisk().open(at("none"), Access::Read); }), ErrorCode::NotFound);
 }
 
@@ -179,9 +181,11 @@ TEST_F(NativeDiskTest, tellsRegularFilesFromTheRestInAFolder) {
     fs::create_symlink("gone", at("library/dangling.stg"));
     std::set<std::string> regular;
     const auto entries = nativeDisk().list(at("library"));
-    for (const auto& entry : entries)
-        if (entry.isRegularFile)
+    for (const auto& entry : entries) {
+        if (entry.isRegularFile) {
             regular.insert(entry.name.string());
+        }
+    }
     EXPECT_EQ(entries.size(), 5U);
     EXPECT_EQ(regular, (std::set<std::string>{"a.stg", "link.stg"}));
     EXPECT_EQ(codeOf([&] { nativeDisk().list(at("none")); }), ErrorCode::NotFound);
@@ -232,8 +236,9 @@ TEST_F(NativeDiskTest, copiesTheAccessListAndNoneThatWasInherited) {
     fs::create_directory(at("folder"));
     const std::string list = listWithUser(4711);
     if (::setxattr(at("listed").c_str(), "system.posix_acl_access", list.data(), list.size(), 0) !=
-        0)
+        0) {
         GTEST_SKIP() << "the file system has no access lists";
+    }
     const std::string inherited = listWithUser(4712);
     ASSERT_EQ(::setxattr(at("folder").c_str(), "system.posix_acl_default", inherited.data(),
                          inherited.size(), 0),
@@ -324,8 +329,9 @@ TEST_F(NativeDiskTest, usesTheDesktopsTrashAndKeepsWhatItCannotName) {
 TEST_F(NativeDiskTest, movesAFileToTheTrashOfAnotherVolume) {
     const fs::path volume = "/dev/shm";
     std::string name = (volume / "txs-XXXXXX").string();
-    if (!fs::exists(volume) || ::mkdtemp(name.data()) == nullptr)
+    if (!fs::exists(volume) || ::mkdtemp(name.data()) == nullptr) {
         GTEST_SKIP() << "no second volume";
+    }
     const fs::path file = fs::path(name) / "a.err";
     nativeDisk().create(file)->write(0, bytesOf("content"));
     nativeDisk().trash(file);

@@ -25,8 +25,9 @@ class OwnHome {
     void write(const QString& name, const QByteArray& bytes) const {
         QDir().mkpath(QFileInfo(at(name)).path());
         QFile file(at(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
             qFatal("cannot write %s", qUtf8Printable(at(name)));
+        }
     }
 
     QByteArray read(const QString& name) const {

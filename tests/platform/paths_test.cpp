@@ -52,10 +52,12 @@ TEST(OwnRoot, holdsEverything) {
     const QString root = home.root();
     for (const QString& folder :
          {platform::dataFolder(), platform::studioFolder(), platform::trashFolder(),
-          platform::keptFolder(), platform::userSettingsFolder()})
+          platform::keptFolder(), platform::userSettingsFolder()}) {
         EXPECT_TRUE(folder.startsWith(root)) << folder.toStdString();
-    for (const QString& folder : platform::systemSettingsFolders())
+    }
+    for (const QString& folder : platform::systemSettingsFolders()) {
         EXPECT_TRUE(folder.startsWith(root)) << folder.toStdString();
+    }
 }
 
 TEST(Drives, areTheMountedVolumesThatHoldFiles) {

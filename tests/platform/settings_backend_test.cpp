@@ -121,11 +121,13 @@ TEST(SettingsFile, parsesAnyBytesAndKeepsWhatItUnderstood) {
     const QByteArray alphabet("[]=\"# \n\rhex(1):04aä\\;");
     for (int round = 0; round < 2000; ++round) {
         QByteArray bytes;
-        for (int length = static_cast<int>(random() % 60); length > 0; --length)
+        for (int length = static_cast<int>(random() % 60); length > 0; --length) {
             bytes += alphabet.at(static_cast<qsizetype>(random() % alphabet.size()));
+        }
         std::optional<SettingsFile> file = SettingsFile::parse(bytes);
-        if (!file)
+        if (!file) {
             continue;
+        }
         file->setValue(kKey, "Path", "value");
         const std::optional<SettingsFile> again = SettingsFile::parse(file->toBytes());
         ASSERT_TRUE(again);

@@ -37,8 +37,9 @@ class SharedVolumeTest : public testing::Test {
         ::munmap(mapped, kLength);
         ::close(file);
         std::size_t pages = 0;
-        for (const unsigned char page : resident)
+        for (const unsigned char page : resident) {
             pages += page & 1U;
+        }
         return pages;
     }
 
@@ -50,12 +51,16 @@ class SharedVolumeTest : public testing::Test {
 };
 
 TEST_F(SharedVolumeTest, isToldByTheFileSystemsKind) {
-    for (const std::uint64_t kind : {0x65735546, 0x6969, 0x517B, 0x01021997, 0x00C36400})
+    for (const std::uint64_t kind : {0x65735546, 0x6969, 0x517B, 0x01021997, 0x00C36400}) {
         EXPECT_TRUE(platform::isSharedKind(kind)) << std::hex << kind; // FUSE NFS SMB 9P Ceph
-    for (const std::uint64_t kind : {0xFF534D42U, 0xFE534D42U}) // the numbers with the highest bit
+    }
+    for (const std::uint64_t kind :
+         {0xFF534D42U, 0xFE534D42U}) { // the numbers with the highest bit
         EXPECT_TRUE(platform::isSharedKind(kind)) << std::hex << kind;
-    for (const std::uint64_t kind : {0xEF53, 0x58465342, 0x01021994, 0x4D44})
+    }
+    for (const std::uint64_t kind : {0xEF53, 0x58465342, 0x01021994, 0x4D44}) {
         EXPECT_FALSE(platform::isSharedKind(kind)) << std::hex << kind; // ext4 XFS tmpfs FAT
+    }
 }
 
 TEST_F(SharedVolumeTest, aLockDropsWhatTheSystemRemembersOfTheContent) {
@@ -64,8 +69,9 @@ TEST_F(SharedVolumeTest, aLockDropsWhatTheSystemRemembersOfTheContent) {
     ::fsync(trial);
     ::posix_fadvise(trial, 0, 0, POSIX_FADV_DONTNEED);
     ::close(trial);
-    if (pagesInMemory(at("trial")) > 0)
+    if (pagesInMemory(at("trial")) > 0) {
         GTEST_SKIP() << "the file system lies in memory itself";
+    }
     home_.write("a", QByteArray(kLength, 'x'));
     platform::nativeDisk().open(at("a"), Access::ReadWrite)->sync();
     auto local = platform::nativeDisk().open(at("a"), Access::Read);

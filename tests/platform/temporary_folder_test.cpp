@@ -70,8 +70,9 @@ TEST_F(TemporaryFolderTest, aLinkInItsPlaceIsNotFollowed) {
 TEST_F(TemporaryFolderTest, leavesTheClientsPictureOnRequest) {
     TemporaryFolder folder(home_.root());
     const fs::path path = folder.path().toStdString();
-    for (const char* name : {"CopiedPicture.BMP", "Picture.BMP", "Undo1.BMP"})
+    for (const char* name : {"CopiedPicture.BMP", "Picture.BMP", "Undo1.BMP"}) {
         fs::copy_file("/proc/self/comm", path / name);
+    }
     folder.wipe(CopiedPicture::Keep);
     EXPECT_TRUE(fs::exists(path / "CopiedPicture.BMP"));
     EXPECT_FALSE(fs::exists(path / "Picture.BMP"));
@@ -123,8 +124,9 @@ TEST_F(TemporaryFolderOfTheProcessTest, fallsBackFromPlaceToPlace) {
     platform::wipeTemporaryFolder(CopiedPicture::Remove);
 
     QString longPath = home_.root();
-    while (longPath.size() <= platform::kLongestTemporaryPath)
+    while (longPath.size() <= platform::kLongestTemporaryPath) {
         longPath += QStringLiteral("/long name of a folder");
+    }
     setTemporaryPath(longPath);
     EXPECT_TRUE(platform::temporaryFolder().startsWith(home_.at("share/TXSGraphicsLib/tmp/")));
 }

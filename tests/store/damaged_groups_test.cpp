@@ -48,8 +48,9 @@ TEST_F(DamagedGroupTest, OnlyBytesMakeAFileDamaged) {
 TEST_F(DamagedGroupTest, AFileThatCannotBeLookedUpIsUnreadable) {
     topGroup(u"Plant");
     disk.setInterceptor([](MemoryDisk::Call call) {
-        if (call == MemoryDisk::Call::Folder)
+        if (call == MemoryDisk::Call::Folder) {
             throw compound::Error(ErrorCode::Denied, "/library/Plant.stg", "look up");
+        }
     });
     EXPECT_EQ(reading(u"Plant").state, GroupFileState::Unreadable);
     EXPECT_THAT(reading(u"Plant").failure->what(), HasSubstr("Plant.stg"));

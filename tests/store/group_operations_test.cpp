@@ -241,8 +241,9 @@ TEST_F(GroupTest, AMoveWhoseFolderCannotBeSyncedHasAnUnknownOutcome) {
     add(plant, u"logo", "logo bytes");
     int syncsThatSucceed = 0;
     disk.setInterceptor([&](MemoryDisk::Call call) {
-        if (call == MemoryDisk::Call::SyncFolder && syncsThatSucceed-- <= 0)
+        if (call == MemoryDisk::Call::SyncFolder && syncsThatSucceed-- <= 0) {
             throw compound::Error(ErrorCode::Failed, "/library", "told to fail");
+        }
     });
     EXPECT_EQ(errorOf([&] { createGroup(library, std::nullopt, {u"New"}); }),
               ErrorCode::OutcomeUnknown);
@@ -267,11 +268,14 @@ TEST_F(GroupTest, WhatFailsInANewFileIsToldOfTheGroupsFile) {
     const GroupAddress plant = topGroup(u"Plant");
     for (const MemoryDisk::Call failing : {MemoryDisk::Call::Write, MemoryDisk::Call::Sync}) {
         disk.setInterceptor([&](MemoryDisk::Call call) {
-            if (call != failing)
+            if (call != failing) {
                 return;
-            for (const compound::FolderEntry& entry : disk.list("/library"))
-                if (entry.name.string().ends_with(".new"))
+            }
+            for (const compound::FolderEntry& entry : disk.list("/library")) {
+                if (entry.name.string().ends_with(".new")) {
                     throw compound::Error(ErrorCode::NoSpace, "/library" / entry.name, "full");
+                }
+            }
         });
         EXPECT_EQ(blamedBy([&] { topGroup(u"New"); }), "/library/New.stg");
         EXPECT_EQ(blamedBy([&] { renameGroup(library, plant, {u"Works"}); }), "/library/Works.stg");
@@ -321,8 +325,9 @@ TEST_F(GroupTest, DeletingAGroupTakesItsWholeSubtree) {
 
 TEST_F(GroupTest, CompactingKeepsEverythingAndGivesSpaceBack) {
     const GroupAddress plant = topGroup(u"Plant");
-    for (const char16_t* name : {u"a", u"b", u"c"})
+    for (const char16_t* name : {u"a", u"b", u"c"}) {
         add(plant, name, std::string(50000, 'x'));
+    }
     deletePicture(library, plant, {u"a"});
     const std::uint64_t before = disk.open("/library/Plant.stg", compound::Access::Read)->size();
     compactGroupFile(library, "/library/Plant.stg");
@@ -375,8 +380,9 @@ class RecordedProgress : public Progress {
 
 TEST_F(GroupTest, RenamingAndCompactingTellHowFarTheyAre) {
     const GroupAddress plant = topGroup(u"Plant");
-    for (const char16_t* name : {u"a", u"b", u"c"})
+    for (const char16_t* name : {u"a", u"b", u"c"}) {
         add(plant, name, std::string(3'000'000, 'x'));
+    }
     const auto expectCompleteReport = [](const RecordedProgress& progress) {
         ASSERT_GE(progress.reports.size(), 9U);
         EXPECT_TRUE(std::is_sorted(progress.reports.begin(), progress.reports.end()));

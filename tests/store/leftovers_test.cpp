@@ -19,8 +19,9 @@ class LeftoversTest : public StoreTest {
   protected:
     Files filesNow() {
         Files files;
-        for (const compound::FolderEntry& entry : disk.list("/library"))
+        for (const compound::FolderEntry& entry : disk.list("/library")) {
             files["/library" / entry.name] = disk.content("/library" / entry.name);
+        }
         return files;
     }
 
@@ -31,8 +32,9 @@ class LeftoversTest : public StoreTest {
         std::vector<Files> moments;
         bool isLooking = false; // which calls the disk, too
         disk.setInterceptor([&](MemoryDisk::Call call) {
-            if (isLooking || call == MemoryDisk::Call::Read || call == MemoryDisk::Call::Size)
+            if (isLooking || call == MemoryDisk::Call::Read || call == MemoryDisk::Call::Size) {
                 return;
+            }
             isLooking = true;
             moments.push_back(filesNow());
             isLooking = false;
@@ -46,22 +48,25 @@ class LeftoversTest : public StoreTest {
     static std::vector<std::string> listingOf(MemoryDisk& other) {
         std::vector<std::string> names;
         const Library library{other, "/library", measureText, u'.', std::chrono::milliseconds{0}};
-        for (const FileName& file : groupFiles(library))
+        for (const FileName& file : groupFiles(library)) {
             names.push_back(base::toUtf8(file.text));
+        }
         return names;
     }
 
     static std::vector<std::string> entriesOf(MemoryDisk& other) {
         std::vector<std::string> names;
-        for (const compound::FolderEntry& entry : other.list("/library"))
+        for (const compound::FolderEntry& entry : other.list("/library")) {
             names.push_back(entry.name.string());
+        }
         return names;
     }
 
     static void fill(MemoryDisk& other, const Files& files) {
         other.makeFolder("/library");
-        for (const auto& [path, content] : files)
+        for (const auto& [path, content] : files) {
             other.setContent(path, content);
+        }
     }
 
     // The moment of a move from "Old" to "New" at which both files are there.
@@ -69,8 +74,9 @@ class LeftoversTest : public StoreTest {
         const GroupAddress old = topGroup(u"Old");
         add(old, u"logo", "logo bytes");
         for (const Files& files : momentsOf([&] { renameGroup(library, old, {u"New"}); })) {
-            if (files.contains("/library/Old.stg") && files.contains("/library/New.stg"))
+            if (files.contains("/library/Old.stg") && files.contains("/library/New.stg")) {
                 return files;
+            }
         }
         ADD_FAILURE() << "there is no such moment";
         return {};
@@ -132,8 +138,9 @@ TEST_F(LeftoversTest, AMoveIsNotFinishedWithoutASoundNewFile) {
 TEST_F(LeftoversTest, GoWithTheNextListingUnlessTheirMakerLives) {
     topGroup(u"Plant");
     for (const char* name : {"/library/.txs-0123456789abcdef.new",
-                             "/library/.txs-0123456789abcdef.was", "/library/.txs-short.new"})
+                             "/library/.txs-0123456789abcdef.was", "/library/.txs-short.new"}) {
         disk.create(name);
+    }
     const auto alive = disk.create("/library/.txs-fedcba9876543210.new");
     ASSERT_TRUE(alive->lock(std::chrono::milliseconds{0}));
     EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
@@ -147,8 +154,9 @@ TEST_F(LeftoversTest, ThatCannotBeRemovedHideNothing) {
     topGroup(u"Plant");
     disk.create("/library/.txs-0123456789abcdef.new");
     disk.setInterceptor([&](MemoryDisk::Call call) {
-        if (call == MemoryDisk::Call::Lock)
+        if (call == MemoryDisk::Call::Lock) {
             throw compound::Error(ErrorCode::Denied, "/library", "told to fail");
+        }
     });
     EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
     disk.setInterceptor({});
@@ -158,8 +166,9 @@ TEST_F(LeftoversTest, ThatCannotBeRemovedHideNothing) {
 class WatchingDisk : public MemoryDisk {
   public:
     std::unique_ptr<compound::DiskFile> create(const std::filesystem::path& path) override {
-        if (path.extension() == ".new")
+        if (path.extension() == ".new") {
             steps.push_back("open to all");
+        }
         return MemoryDisk::create(path);
     }
     std::unique_ptr<compound::DiskFile> createPrivate(const std::filesystem::path& path) override {
@@ -198,8 +207,9 @@ TEST_F(LeftoversTest, AGroupThatCannotBeReplacedStaysWhereItIs) {
     const auto before = disk.content("/library/Plant.stg");
     for (const MemoryDisk::Call failing : {MemoryDisk::Call::Write, MemoryDisk::Call::Sync}) {
         disk.setInterceptor([&](MemoryDisk::Call call) {
-            if (call == failing)
+            if (call == failing) {
                 throw compound::Error(ErrorCode::NoSpace, "/library/Plant.stg", "told to fail");
+            }
         });
         EXPECT_EQ(
             errorOf([&] { createGroup(library, std::nullopt, {u"Plant"}, IfTaken::Replace); }),

@@ -24,8 +24,9 @@ TEST(Address, AnyFileNameSurvivesTheRoundTrip) {
                                  "\xC0\x80 overlong",
                                  "cut \xF0\x9F\x8F",
                                  "past \xF4\x90\x80\x80"};
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
         EXPECT_EQ(base::toUtf8(base::fromUtf8(name)), name);
+    }
     EXPECT_EQ(base::fromUtf8("B\xC3\xA4r"), u"B\u00E4r");
     EXPECT_EQ(base::fromUtf8("\xF0\x9F\x8F\xAD"), u"\U0001F3ED");
     EXPECT_EQ(base::toPath(u"B\u00E4r").string(), "B\xC3\xA4r");
@@ -73,8 +74,9 @@ TEST(Names, ListingsIgnoreCase) {
 
 TEST(TextCodec, TheWholeCodePageSurvives) {
     std::vector<std::byte> bytes;
-    for (int value = 1; value < 256; ++value)
+    for (int value = 1; value < 256; ++value) {
         bytes.push_back(static_cast<std::byte>(value));
+    }
     EXPECT_EQ(encodeText(decodeText(bytes)), bytes);
     EXPECT_EQ(decodeText(std::as_bytes(std::span("ab\0cd"))), u"ab");
     EXPECT_EQ(decodeText(std::as_bytes(std::span("\x80\xE4"))), u"\u20AC\u00E4");

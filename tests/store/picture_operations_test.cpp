@@ -54,8 +54,9 @@ TEST_F(PictureTest, APictureIsItsBytesAndARecord) {
 
 TEST_F(PictureTest, APicturesPlaceCountsElementsAndNamesThePictureBesideIt) {
     EXPECT_FALSE(placeOfPicture(library, group, {u"a"}));
-    for (const char16_t* name : {u"a", u"Logo", u"Pumps"}) // `Name` stands behind Logo
+    for (const char16_t* name : {u"a", u"Logo", u"Pumps"}) { // `Name` stands behind Logo
         add(group, name);
+    }
     const auto expectPlace = [&](const char16_t* name, std::size_t element,
                                  const char16_t* beside) {
         const auto place = placeOfPicture(library, group, {name});
@@ -115,8 +116,9 @@ TEST_F(PictureTest, TestingANameChangesNothing) {
     EXPECT_TRUE(testPictureName(library, group, {u"logo"}));
     EXPECT_TRUE(testPictureName(library, group, {u"new"}));
     EXPECT_TRUE(testPictureName(library, group, {std::u16string(31, u'x')}));
-    for (const char16_t* name : {u"", u"NAME", u"parent", u"a:b", u"a\\b", u"a!b", u"a\tb"})
+    for (const char16_t* name : {u"", u"NAME", u"parent", u"a:b", u"a\\b", u"a!b", u"a\tb"}) {
         EXPECT_FALSE(testPictureName(library, group, {name})) << base::toUtf8(name);
+    }
     EXPECT_FALSE(testPictureName(library, group, {std::u16string(32, u'x')}));
     EXPECT_FALSE(testPictureName(library, addressOf(u"Sub9/Plant"), {u"new"}));
     EXPECT_EQ(disk.content("/library/Plant.stg"), bytes);
@@ -128,8 +130,9 @@ TEST_F(PictureTest, AStreamTooLargeForAPictureIsNotRead) {
         compound::CompoundFile raw = openRaw(u"Plant");
         compound::Stream huge = raw.root().openStorage(u"Sub1").createStream(u"huge");
         const std::vector<std::byte> zeros(std::size_t{8} << 20U);
-        while (huge.size() <= kMaximumPictureBytes)
+        while (huge.size() <= kMaximumPictureBytes) {
             huge.append(zeros);
+        }
         raw.commit();
     }
     EXPECT_EQ(errorOf([&] { readPicture(library, group, {u"huge"}); }), ErrorCode::TooLarge);
@@ -230,8 +233,9 @@ TEST_F(PictureTest, ADamagedRecordDoesNotHideThePicture) {
 
 // A record that is left behind would be taken for that of the next picture of the name.
 TEST_F(PictureTest, DeletingTakesTheRecordWithIt) {
-    for (const char16_t* name : {u"one", u"Two", u"three"})
+    for (const char16_t* name : {u"one", u"Two", u"three"}) {
         add(group, name);
+    }
     deletePicture(library, group, {u"one"});
     deletePicture(library, group, {u"TWO"});
     compound::CompoundFile raw = openRaw(u"Plant");
@@ -294,9 +298,10 @@ TEST_F(PictureTest, ABatchOnAFullDiskKeepsWhatFits) {
     {
         PictureBatch batch(library, group);
         batch.add({u"one"}, small, IfPictureExists::Refuse);
-        for (const auto* name : {u"two", u"old"})
+        for (const auto* name : {u"two", u"old"}) {
             EXPECT_EQ(errorOf([&] { batch.add({name}, large, IfPictureExists::Replace); }),
                       ErrorCode::NoSpace);
+        }
         batch.add({u"three"}, small, IfPictureExists::Refuse);
         batch.commit();
     }
@@ -306,8 +311,9 @@ TEST_F(PictureTest, ABatchOnAFullDiskKeepsWhatFits) {
 }
 
 TEST_F(PictureTest, PagesAreCutByElementIndex) {
-    for (const char16_t* name : {u"a", u"b", u"longer name", u"longest name"})
+    for (const char16_t* name : {u"a", u"b", u"longer name", u"longest name"}) {
         add(group, name, base::toUtf8(name));
+    }
     // a, b, Name, Parent, longer name, longest name
     EXPECT_THAT(listPictureNames(library, group).elements, ElementsAre(0U, 1U, 4U, 5U));
     const auto page = [&](std::size_t start, std::size_t most) {
@@ -337,8 +343,9 @@ TEST_F(PictureTest, AnExportThatFailsLeavesNoHalfCopy) {
     disk.makeFolder("/temporary");
     add(group, u"P", std::string(5000, 'x'));
     disk.setInterceptor([](MemoryDisk::Call call) {
-        if (call == MemoryDisk::Call::Write)
+        if (call == MemoryDisk::Call::Write) {
             throw compound::Error(ErrorCode::NoSpace, "/temporary", "told to fail");
+        }
     });
     EXPECT_EQ(errorOf([&] { exportPicture(library, group, {u"P"}, "/temporary", "Copy"); }),
               ErrorCode::NoSpace);
@@ -349,10 +356,11 @@ TEST_F(PictureTest, AnExportThatFailsLeavesNoHalfCopy) {
 TEST_F(PictureTest, ExportNeverLeavesItsFolder) {
     disk.makeFolder("/temporary");
     add(group, u"P");
-    for (const char* base : {"", "/library/A", "../library/A", "..\\A", "C:A"})
+    for (const char* base : {"", "/library/A", "../library/A", "..\\A", "C:A"}) {
         EXPECT_EQ(errorOf([&] { exportPicture(library, group, {u"P"}, "/temporary", base); }),
                   ErrorCode::InvalidName)
             << base;
+    }
     EXPECT_THAT(disk.list("/temporary"), IsEmpty());
 }
 

@@ -34,15 +34,17 @@ class MachineFile final : public DiskFile {
     MachineFile(const MachineFile&) = delete;
     MachineFile& operator=(const MachineFile&) = delete;
     ~MachineFile() override {
-        if (isFresh_)
+        if (isFresh_) {
             memory_[file_->path()] = contentOf(*file_);
+        }
     }
 
     const std::filesystem::path& path() const override { return file_->path(); }
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override {
-        if (isFresh_)
+        if (isFresh_) {
             return file_->read(offset, into);
+        }
         const std::vector<std::byte>& remembered = memory_[path()];
         const std::size_t from = std::min<std::size_t>(offset, remembered.size());
         const std::size_t length = std::min(into.size(), remembered.size() - from);
@@ -117,8 +119,9 @@ class Machine final : public compound::Disk {
     }
     void trash(const std::filesystem::path& path) override { volume_.trash(path); }
     void removeTemporary(const std::filesystem::path& path) override {
-        if (path.extension() == ".stg")
+        if (path.extension() == ".stg") {
             steps.push_back("remove");
+        }
         volume_.removeTemporary(path);
     }
 
@@ -163,13 +166,15 @@ TEST_F(SharedLibraryTest, MachinesThatTakeTurnsLoseNothing) {
             names.pop_back();
         }
         names.push_back(name);
-        if (i == 6)
+        if (i == 6) {
             compactGroupFile(turn, "/library/Plant.stg");
+        }
     }
     for (const Library& each : {first_, second_}) {
         std::vector<std::string> seen;
-        for (const PictureEntry& entry : listPictures(each, plant_))
+        for (const PictureEntry& entry : listPictures(each, plant_)) {
             seen.push_back(base::toUtf8(entry.name.text));
+        }
         EXPECT_THAT(seen, ::testing::UnorderedElementsAreArray(names));
     }
     expectSound(u"Plant");

@@ -20,8 +20,9 @@ std::span<const std::byte> bytesIn(const std::string& text) {
 TwipSize measureText(std::span<const std::byte> bytes) {
     const std::string text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     TwipSize size;
-    if (std::sscanf(text.c_str(), "PIC%lf %lf", &size.height, &size.width) != 2)
+    if (std::sscanf(text.c_str(), "PIC%lf %lf", &size.height, &size.width) != 2) {
         throw std::runtime_error("no picture");
+    }
     return size;
 }
 
@@ -76,8 +77,9 @@ std::vector<std::u16string> StoreTest::rootOf(std::u16string_view file) {
     std::vector<std::u16string> names;
     compound::ElementCursor cursor = raw.root().elements();
     compound::Element element;
-    while (cursor.next(element))
+    while (cursor.next(element)) {
         names.push_back(element.name);
+    }
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -99,8 +101,9 @@ std::vector<std::string> StoreTest::treeOf(std::u16string_view file) {
 
 std::vector<std::string> StoreTest::pictureNames(const GroupAddress& group) {
     std::vector<std::string> names;
-    for (const PictureEntry& picture : listPictures(library, group))
+    for (const PictureEntry& picture : listPictures(library, group)) {
         names.push_back(base::toUtf8(picture.name.text));
+    }
     return names;
 }
 
@@ -110,8 +113,9 @@ std::string StoreTest::bytesOf(const GroupAddress& group, std::u16string_view na
 }
 
 void StoreTest::expectSound(std::u16string_view file) {
-    for (const compound::Finding& finding : openRaw(file).check())
+    for (const compound::Finding& finding : openRaw(file).check()) {
         ADD_FAILURE() << finding.where << ": " << finding.what;
+    }
 }
 
 } // namespace store::testing

@@ -20,8 +20,9 @@ class ConvertTest : public ToolTest {
 
     static QImage sample() {
         QImage image(6, 4, QImage::Format_ARGB32);
-        for (int i = 0; i < 24; ++i)
+        for (int i = 0; i < 24; ++i) {
             image.setPixel(i % 6, i / 6, qRgb(10 * i, 255 - 7 * i, 100 + i));
+        }
         return image;
     }
 
@@ -55,10 +56,11 @@ TEST_F(ConvertTest, EveryTypeComesOutByItsName) {
     for (const auto& [name, kind] : targets) {
         const QImage image = converted(source, name);
         EXPECT_EQ(read(name).facts().kind, kind);
-        if (kind == PictureKind::Jpg)
+        if (kind == PictureKind::Jpg) {
             EXPECT_EQ(image.size(), sample().size());
-        else
+        } else {
             EXPECT_EQ(image, sample()) << name;
+        }
         EXPECT_EQ(converted(pathOf(name), "back.bmp").size(), sample().size()) << name;
     }
     EXPECT_EQ(converted(pathOf("b.emf"), "wide.gif", {"--width", "12"}).size(), QSize(12, 8));
@@ -151,13 +153,15 @@ TEST_F(ConvertTest, WrongWordsAreWrongUsage) {
     const std::string target = pathOf("b.bmp");
     refuse({"convert", source, "-"}, "-");
     refuse({"convert", "-", target}, "-");
-    for (const std::string name : {"b.wmf", "b.png", "b", ".bmp"})
+    for (const std::string name : {"b.wmf", "b.png", "b", ".bmp"}) {
         refuse({"convert", source, pathOf(name)}, name);
+    }
     for (const std::string option :
          {"--rotate=x", "--rotate=361", "--rotate=nan", "--rotate=1e2", "--rotate=", "--hue=18001",
           "--hue=1.5", "--saturation=-1001", "--contrast=", "--intensity=+", "--fill=FFF",
-          "--fill=GGGGGG", "--grow", "--height=3", "--width=0", "--flip=1"})
+          "--fill=GGGGGG", "--grow", "--height=3", "--width=0", "--flip=1"}) {
         refuse({"convert", source, target, option}, option.substr(0, option.find('=')));
+    }
     refuse({"convert", source, target, "--grow", "--rotate=5"}, "--grow");
     refuse({"convert", source, target, "--width=5", "--width=6"}, "twice");
     EXPECT_FALSE(std::filesystem::exists(folder() / "b.bmp"));

@@ -28,13 +28,15 @@ class Mutator {
     void mutate(std::string& bytes) {
         const int changes = static_cast<int>(below(6)) + 1;
         for (int i = 0; i < changes; ++i) {
-            if (below(3) == 0)
+            if (below(3) == 0) {
                 bytes[below(bytes.size())] = static_cast<char>(below(256));
-            else
+            } else {
                 writeNumber(bytes, below(4) == 0 ? below(512 / 4) : below(bytes.size() / 4));
+            }
         }
-        if (below(8) == 0)
+        if (below(8) == 0) {
             bytes.resize(below(bytes.size()));
+        }
     }
 
   private:
@@ -45,8 +47,9 @@ class Mutator {
                                          0xFFFFFFFD, 0x7FFFFFFF, 0x80000000, 0x00010000};
         const auto number = below(2) == 0 ? static_cast<std::uint32_t>(below(64))
                                           : numbers[below(std::size(numbers))];
-        for (std::size_t i = 0; i < 4; ++i)
+        for (std::size_t i = 0; i < 4; ++i) {
             bytes[index * 4 + i] = static_cast<char>((number >> (8 * i)) & 0xFFU);
+        }
     }
 
     std::mt19937 random_{20260621};
@@ -56,8 +59,9 @@ TEST_F(ToolTest, MutatedGroupFilesEndInAMessage) {
     succeed({"new-group", "Pumps"});
     succeed({"new-group", "Rotary", "--below", "Pumps"});
     std::vector<std::string> words{"add", "Sub1/Pumps"};
-    for (int i = 0; i < 30; ++i)
+    for (int i = 0; i < 30; ++i) {
         words.push_back(picture("p" + std::to_string(i) + ".bmp", i * 3 + 1, i + 1));
+    }
     succeed(words);
     const std::filesystem::path file = libraryFolder() / "Pumps.stg";
     const std::string sound = contentOf(file);

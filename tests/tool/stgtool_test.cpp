@@ -26,8 +26,9 @@ QJsonDocument jsonOf(const std::string& text) {
 }
 
 std::size_t filesIn(const std::filesystem::path& folder) {
-    if (!exists(folder))
+    if (!exists(folder)) {
         return 0;
+    }
     const std::filesystem::recursive_directory_iterator files(folder);
     return static_cast<std::size_t>(std::count_if(
         begin(files), end(files), [](const auto& entry) { return entry.is_regular_file(); }));
@@ -120,8 +121,9 @@ TEST_F(ToolTest, RefusesTakenAndImpossibleGroupNames) {
     const std::string before = succeed({"groups"});
     fail({"new-group", "PUMPS"}, "PUMPS");
     fail({"new-group", "Rotary", "--below", "Pumps"}, "Rotary");
-    for (const std::string name : {"", "a/b", "../up", "None", "V1.2", "tab\there", "CON"})
+    for (const std::string name : {"", "a/b", "../up", "None", "V1.2", "tab\there", "CON"}) {
         fail({"new-group", name}, libraryFolder().string());
+    }
     fail({"new-group", "x", "--below", "Sub9/Pumps"}, "Pumps.stg");
     EXPECT_EQ(succeed({"groups"}), before);
     EXPECT_EQ(filesIn(libraryFolder()), 1U);
@@ -166,8 +168,9 @@ TEST_F(ToolTest, ChecksEachFileForItself) {
     EXPECT_EQ(result.status, ExitStatus::Failed);
     std::map<std::string, int> findings;
     const QJsonArray found = jsonOf(result.out).array();
-    for (const auto& finding : found)
+    for (const auto& finding : found) {
         ++findings[finding.toObject()["file"].toString().toStdString()];
+    }
     EXPECT_EQ(findings[sound], 1);
     EXPECT_EQ(findings[foreign], 1);
     EXPECT_GE(findings[cut], 1);
@@ -177,8 +180,9 @@ TEST_F(ToolTest, ChecksEachFileForItself) {
 
 TEST_F(ToolTest, CompactingGivesSpaceBackAndKeepsThePictures) {
     succeed({"new-group", "Pumps"});
-    for (const std::string name : {"a.bmp", "b.bmp", "c.bmp"})
+    for (const std::string name : {"a.bmp", "b.bmp", "c.bmp"}) {
         succeed({"add", "Pumps", picture(name, 400, 400)});
+    }
     succeed({"remove-picture", "Pumps", "a"});
     const std::filesystem::path file = libraryFolder() / "Pumps.stg";
     const std::string pictures = succeed({"pictures", "Pumps"});

@@ -10,8 +10,9 @@ namespace tool::testing {
 namespace {
 
 void appendNumber(std::string& bytes, std::uint32_t number, int size) {
-    for (int i = 0; i < size; ++i)
+    for (int i = 0; i < size; ++i) {
         bytes.push_back(static_cast<char>((number >> (8 * i)) & 0xFFU));
+    }
 }
 
 } // namespace
@@ -64,8 +65,9 @@ Result ToolTest::run(std::vector<std::string> words) {
 std::string ToolTest::succeed(const std::vector<std::string>& words) {
     Result result = run(words);
     EXPECT_EQ(result.status, ExitStatus::Done) << words.front() << ": " << result.err;
-    if (!result.out.empty() && result.out.back() == '\n')
+    if (!result.out.empty() && result.out.back() == '\n') {
         result.out.pop_back();
+    }
     return result.out;
 }
 

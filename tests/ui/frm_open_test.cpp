@@ -73,8 +73,9 @@ class FrmOpenTest : public testing::Test {
 
     QStringList fileNames() {
         QStringList names;
-        for (int row = 0; row < files()->count(); ++row)
+        for (int row = 0; row < files()->count(); ++row) {
             names += files()->item(row)->text();
+        }
         return names;
     }
 
@@ -133,10 +134,12 @@ TEST(PreviewRect, fitsThePictureAndStretchesWideOnes) {
 }
 
 TEST_F(FrmOpenTest, listsPictureFilesOnly) {
-    for (const char* file : {"b.BMP", "A.gif", "c.jpg", "d.wmf", "E.Emf", "f.ico", "g.cur"})
+    for (const char* file : {"b.BMP", "A.gif", "c.jpg", "d.wmf", "E.Emf", "f.ico", "g.cur"}) {
         home_.write(QString("pictures/") + file, "");
-    for (const char* file : {"x.jpeg", "bmp", "y.bmp.txt", "sub.bmp/z"})
+    }
+    for (const char* file : {"x.jpeg", "bmp", "y.bmp.txt", "sub.bmp/z"}) {
         home_.write(QString("pictures/") + file, "");
+    }
     ASSERT_EQ(::mkfifo(home_.at("pictures/pipe.bmp").toUtf8().constData(), 0600), 0);
     open();
     EXPECT_EQ(fileNames(),

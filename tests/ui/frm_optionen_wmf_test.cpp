@@ -26,16 +26,21 @@ using imaging::testing::put32;
 Bytes wmfFile(unsigned width, unsigned height) {
     Bytes bytes;
     put32(bytes, 0x9AC6CDD7);
-    for (const unsigned word : {0U, 0U, 0U, width, height, 1440U, 0U, 0U, 0U})
+    for (const unsigned word : {0U, 0U, 0U, width, height, 1440U, 0U, 0U, 0U}) {
         put16(bytes, word);
-    for (const unsigned word : {1U, 9U, 0x0300U, 22U, 0U, 0U, 5U, 0U, 0U}) // header, 9 words
+    }
+    for (const unsigned word : {1U, 9U, 0x0300U, 22U, 0U, 0U, 5U, 0U, 0U}) { // header, 9 words
         put16(bytes, word);
-    for (const unsigned word : {5U, 0U, 0x020CU, height, width}) // window extent
+    }
+    for (const unsigned word : {5U, 0U, 0x020CU, height, width}) { // window extent
         put16(bytes, word);
-    for (const unsigned word : {5U, 0U, 0x0213U, height, width}) // line to
+    }
+    for (const unsigned word : {5U, 0U, 0x0213U, height, width}) { // line to
         put16(bytes, word);
-    for (const unsigned word : {3U, 0U, 0U})
+    }
+    for (const unsigned word : {3U, 0U, 0U}) {
         put16(bytes, word);
+    }
     return bytes;
 }
 
@@ -44,8 +49,9 @@ Bytes emfFile(std::uint32_t width, std::uint32_t height) {
     Bytes bytes;
     for (const std::uint32_t word :
          {1U, 88U, 0U, 0U, 100U,  100U, 0U,   0U,   width, height, 0x464D4520U, 0x10000U, 108U, 2U,
-          1U, 0U,  0U, 0U, 1024U, 768U, 320U, 240U, 14U,   20U,    0U,          16U,      20U})
+          1U, 0U,  0U, 0U, 1024U, 768U, 320U, 240U, 14U,   20U,    0U,          16U,      20U}) {
         put32(bytes, word);
+    }
     return bytes;
 }
 
@@ -260,8 +266,9 @@ TEST_F(FrmOptionenWmf, APictureThatCannotBeReadIsToldByItsNames) {
     startWithVectors();
     const auto edit = [&] { trigger("Men_Bearbeiten_2"); };
     const auto names = [](const QString& text, std::initializer_list<const char*> wanted) {
-        for (const char* name : wanted)
+        for (const char* name : wanted) {
             EXPECT_TRUE(text.contains(name)) << name << " in: " << text.toStdString();
+        }
     };
     choose("Kaputt");
     names(refusalOf(edit), {"\"Kaputt\"", "\"Pumpen\"", "kein lesbares Bild"});

@@ -39,8 +39,9 @@ std::vector<std::byte> encodeBmp(const QImage& image) {
     form.headerBytes = hasAlpha ? kV4Header : kDibHeaderBytes;
     // Many programs leave the alpha at nothing in files that promise it, so readers take a picture
     // without any for opaque. Only this compression says that it is meant.
-    if (hasAlpha)
+    if (hasAlpha) {
         form.compression = transparency == Transparency::All ? kAlphaBitFields : kBitFields;
+    }
     form.dotsPerMetre = {image.dotsPerMeterX(), image.dotsPerMeterY()};
     const std::size_t pixels = dibBytes(form.size, form.bitsPerPixel);
     form.imageBytes = static_cast<std::uint32_t>(pixels);
@@ -48,8 +49,9 @@ std::vector<std::byte> encodeBmp(const QImage& image) {
     out.reserve(kFileHeader + form.headerBytes + pixels);
     writeFileHeader(out, form.headerBytes, pixels);
     writeDibHeader(out, form);
-    if (hasAlpha)
+    if (hasAlpha) {
         writeRestOfV4Header(out);
+    }
     writeDibRows(out, image, form.bitsPerPixel);
     return out.take();
 }

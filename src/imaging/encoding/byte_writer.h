@@ -19,8 +19,9 @@ class ByteWriter {
     void u32(std::uint32_t value) { put(value, 4); }
     void i32(std::int32_t value) { put(static_cast<std::uint32_t>(value), 4); }
     void u32s(std::initializer_list<std::uint32_t> values) {
-        for (const std::uint32_t value : values)
+        for (const std::uint32_t value : values) {
             u32(value);
+        }
     }
     void zeros(std::size_t count) { bytes_.resize(bytes_.size() + count); }
     void append(std::span<const std::byte> bytes) {
@@ -40,8 +41,9 @@ class ByteWriter {
 
   private:
     void put(std::uint32_t value, int count) {
-        for (int i = 0; i < count; ++i, value >>= 8U)
+        for (int i = 0; i < count; ++i, value >>= 8U) {
             bytes_.push_back(static_cast<std::byte>(value & 0xFFU));
+        }
     }
 
     std::vector<std::byte> bytes_;

@@ -44,8 +44,9 @@ std::vector<ColourBin> colourHistogram(const QImage& image) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x) {
             const QRgb pixel = row[x];
-            if (isSeenThrough(pixel))
+            if (isSeenThrough(pixel)) {
                 continue;
+            }
             const std::size_t index = (levelOf(qRed(pixel)) << (2 * ColourBin::kBits)) |
                                       (levelOf(qGreen(pixel)) << ColourBin::kBits) |
                                       levelOf(qBlue(pixel));
@@ -58,8 +59,9 @@ std::vector<ColourBin> colourHistogram(const QImage& image) {
     }
     std::vector<ColourBin> bins;
     for (std::size_t i = 0; i < sums.size(); ++i) {
-        if (sums[i].count > 0)
+        if (sums[i].count > 0) {
             bins.push_back(binOf(i, sums[i]));
+        }
     }
     return bins;
 }

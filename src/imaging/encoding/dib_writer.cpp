@@ -11,16 +11,18 @@ void writeRow(std::byte* out, const QRgb* in, int width, int bitsPerPixel) {
         *out++ = static_cast<std::byte>(qBlue(in[x]));
         *out++ = static_cast<std::byte>(qGreen(in[x]));
         *out++ = static_cast<std::byte>(qRed(in[x]));
-        if (bitsPerPixel == 32)
+        if (bitsPerPixel == 32) {
             *out++ = static_cast<std::byte>(qAlpha(in[x]));
+        }
     }
 }
 
 void writeMaskRow(std::span<std::byte> out, const QRgb* in, int width) {
     for (int x = 0; x < width; ++x) {
-        if (qAlpha(in[x]) == 0)
+        if (qAlpha(in[x]) == 0) {
             out[static_cast<std::size_t>(x / 8)] |=
                 static_cast<std::byte>(0x80U >> static_cast<unsigned>(x % 8));
+        }
     }
 }
 
@@ -51,14 +53,16 @@ std::size_t dibBytes(QSize size, int bitsPerPixel) {
 void writeDibRows(ByteWriter& out, const QImage& image, int bitsPerPixel, int first, int count) {
     const std::size_t rowBytes = dibRowBytes(image.width(), bitsPerPixel);
     std::byte* at = out.room(rowBytes * static_cast<std::size_t>(count)).data();
-    for (int y = first + count - 1; y >= first; --y, at += rowBytes)
+    for (int y = first + count - 1; y >= first; --y, at += rowBytes) {
         writeRow(at, rowOf(image, y), image.width(), bitsPerPixel);
+    }
 }
 
 void writeMask(ByteWriter& out, const QImage& image) {
     const std::size_t rowBytes = dibRowBytes(image.width(), 1);
-    for (int y = image.height() - 1; y >= 0; --y)
+    for (int y = image.height() - 1; y >= 0; --y) {
         writeMaskRow(out.room(rowBytes), rowOf(image, y), image.width());
+    }
 }
 
 } // namespace imaging

@@ -154,22 +154,25 @@ std::vector<std::byte> encodeEmf(const QImage& image) {
     const bool hasAlpha = transparencyOf(image) != Transparency::None;
     const QImage drawn =
         hasAlpha ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied) : image;
-    if (drawn.isNull())
+    if (drawn.isNull()) {
         throw std::bad_alloc();
+    }
     const Drawing drawing{drawn, hasAlpha};
     const std::vector<Strip> strips = stripsOf(image.size());
     std::uint32_t bytes = kHeaderBytes + kStretchModeBytes + kEndBytes;
-    for (const Strip& strip : strips)
+    for (const Strip& strip : strips) {
         bytes += drawing.recordBytes(strip);
+    }
     ByteWriter out;
     out.reserve(bytes);
     writeHeader(out, image.size(), bytes, kOtherRecords + strips.size());
     out.u32s({SetStretchMode, kStretchModeBytes, kSmooth});
     for (const Strip& strip : strips) {
-        if (hasAlpha)
+        if (hasAlpha) {
             writeBlended(out, drawing, strip);
-        else
+        } else {
             writeStretched(out, drawing, strip);
+        }
     }
     writeEnd(out);
     return out.take();

@@ -30,20 +30,24 @@ int mostPixelsASide(PictureKind kind) {
 }
 
 void requireEncodable(const QImage& image, PictureKind kind) {
-    if (image.isNull())
+    if (image.isNull()) {
         throw EncodeError("there is no picture to write");
-    if (qint64{image.width()} * image.height() > kMaximumPixels)
+    }
+    if (qint64{image.width()} * image.height() > kMaximumPixels) {
         throw EncodeError("the picture has more than 40 million pixels");
+    }
     const int most = mostPixelsASide(kind);
-    if (std::max(image.width(), image.height()) > most)
+    if (std::max(image.width(), image.height()) > most) {
         throw EncodeError("a picture of the type " + typeCodeOf(kind).toStdString() +
                           " has at most " + std::to_string(most) + " pixels a side");
+    }
 }
 
 QImage toArgb32(const QImage& image) {
     QImage converted = image.convertToFormat(QImage::Format_ARGB32);
-    if (converted.isNull())
+    if (converted.isNull()) {
         throw std::bad_alloc();
+    }
     return converted;
 }
 
@@ -77,16 +81,18 @@ Transparency transparencyOf(const QImage& image) {
             isAnySeen |= qAlpha(row[x]) != 0;
             isAllOpaque &= qAlpha(row[x]) == 255;
         }
-        if (isAnySeen && !isAllOpaque)
+        if (isAnySeen && !isAllOpaque) {
             return Transparency::Some;
+        }
     }
     return isAllOpaque ? Transparency::None : Transparency::All;
 }
 
 QImage onWhite(const QImage& image) {
     QImage paper(image.size(), QImage::Format_RGB32);
-    if (paper.isNull())
+    if (paper.isNull()) {
         throw std::bad_alloc();
+    }
     paper.fill(Qt::white);
     QPainter(&paper).drawImage(0, 0, image);
     return paper;

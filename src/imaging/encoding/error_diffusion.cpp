@@ -24,14 +24,16 @@ class Diffusion {
           below_(static_cast<std::size_t>(width) + 2) {}
 
     void runRight(const QRgb* in, uchar* out) {
-        for (int x = 0; x < width_; ++x)
+        for (int x = 0; x < width_; ++x) {
             show(in[x], out[x], x, 1);
+        }
         goDown();
     }
 
     void runLeft(const QRgb* in, uchar* out) {
-        for (int x = width_ - 1; x >= 0; --x)
+        for (int x = width_ - 1; x >= 0; --x) {
             show(in[x], out[x], x, -1);
+        }
         goDown();
     }
 
@@ -73,10 +75,11 @@ void diffuse(const QImage& image, std::span<const QRgb> colours, QImage& indexes
     Diffusion diffusion(image.width(), exact);
     for (int y = 0; y < image.height(); ++y) {
         const auto* in = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (y % 2 == 0)
+        if (y % 2 == 0) {
             diffusion.runRight(in, indexes.scanLine(y));
-        else
+        } else {
             diffusion.runLeft(in, indexes.scanLine(y));
+        }
     }
 }
 

@@ -24,8 +24,9 @@ struct IndexedPicture {
 // The number of each colour, where all of them are there.
 void findExactly(const QImage& image, std::span<const QRgb> colours, QImage& indexes) {
     std::unordered_map<QRgb, uchar> numbers;
-    for (std::size_t i = 0; i < colours.size(); ++i)
+    for (std::size_t i = 0; i < colours.size(); ++i) {
         numbers.emplace(colours[i], static_cast<uchar>(i));
+    }
     const auto numberOf = [&](QRgb pixel) {
         return isSeenThrough(pixel) ? static_cast<uchar>(colours.size())
                                     : numbers.at(pixel | 0xFF000000U);
@@ -33,16 +34,18 @@ void findExactly(const QImage& image, std::span<const QRgb> colours, QImage& ind
     for (int y = 0; y < image.height(); ++y) {
         const auto* in = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         uchar* const out = indexes.scanLine(y);
-        for (int x = 0; x < image.width(); ++x)
+        for (int x = 0; x < image.width(); ++x) {
             out[x] = x > 0 && in[x] == in[x - 1] ? out[x - 1] : numberOf(in[x]);
+        }
     }
 }
 
 bool isAnythingSeenThrough(const QImage& image) {
     for (int y = 0; y < image.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        if (std::any_of(row, row + image.width(), isSeenThrough))
+        if (std::any_of(row, row + image.width(), isSeenThrough)) {
             return true;
+        }
     }
     return false;
 }
@@ -50,8 +53,9 @@ bool isAnythingSeenThrough(const QImage& image) {
 IndexedPicture toIndexes(const QImage& image) {
     IndexedPicture picture;
     picture.indexes = QImage(image.size(), QImage::Format_Indexed8);
-    if (picture.indexes.isNull())
+    if (picture.indexes.isNull()) {
         throw std::bad_alloc();
+    }
     const bool needsTransparent = isAnythingSeenThrough(image);
     const std::size_t most = kMostColours - (needsTransparent ? 1 : 0);
     if (auto exact = exactColours(image, most)) {
@@ -82,8 +86,9 @@ int appendBytes(GifFileType* gif, const GifByteType* bytes, int count) {
 
 // The library fails for want of memory only: all else has been checked before.
 void require(int result) {
-    if (result == GIF_ERROR)
+    if (result == GIF_ERROR) {
         throw std::bad_alloc();
+    }
 }
 
 struct FreeMap {
@@ -98,12 +103,14 @@ using Gif = std::unique_ptr<GifFileType, CloseGif>;
 std::unique_ptr<ColorMapObject, FreeMap> colourMapOf(const std::vector<QRgb>& colours) {
     const int bits = std::max(1, GifBitSize(static_cast<int>(colours.size())));
     std::unique_ptr<ColorMapObject, FreeMap> map(GifMakeMapObject(1 << bits, nullptr));
-    if (!map)
+    if (!map) {
         throw std::bad_alloc();
-    for (std::size_t i = 0; i < colours.size(); ++i)
+    }
+    for (std::size_t i = 0; i < colours.size(); ++i) {
         map->Colors[i] = {static_cast<GifByteType>(qRed(colours[i])),
                           static_cast<GifByteType>(qGreen(colours[i])),
                           static_cast<GifByteType>(qBlue(colours[i]))};
+    }
     return map;
 }
 
@@ -119,11 +126,13 @@ void writePicture(GifFileType* gif, IndexedPicture& picture) {
     const int height = picture.indexes.height();
     const auto map = colourMapOf(picture.colours);
     require(EGifPutScreenDesc(gif, width, height, map->BitsPerPixel, 0, map.get()));
-    if (picture.transparent != NO_TRANSPARENT_COLOR)
+    if (picture.transparent != NO_TRANSPARENT_COLOR) {
         writeTransparency(gif, picture.transparent);
+    }
     require(EGifPutImageDesc(gif, 0, 0, width, height, false, nullptr));
-    for (int y = 0; y < height; ++y)
+    for (int y = 0; y < height; ++y) {
         require(EGifPutLine(gif, picture.indexes.scanLine(y), width));
+    }
 }
 
 } // namespace
@@ -133,8 +142,9 @@ std::vector<std::byte> encodeGif(const QImage& image) {
     std::vector<std::byte> bytes;
     int error = 0;
     Gif gif(EGifOpen(&bytes, appendBytes, &error));
-    if (!gif)
+    if (!gif) {
         throw std::bad_alloc();
+    }
     EGifSetGifVersion(gif.get(), picture.transparent != NO_TRANSPARENT_COLOR);
     writePicture(gif.get(), picture);
     require(EGifCloseFile(gif.release(), nullptr)); // writes the end

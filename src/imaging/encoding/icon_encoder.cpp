@@ -50,9 +50,10 @@ std::vector<std::byte> pngFrame(const QImage& image) {
     QByteArray png;
     QBuffer buffer(&png);
     QImageWriter writer(&buffer, "PNG");
-    if (!writer.write(image))
+    if (!writer.write(image)) {
         throw EncodeError("the icon's PNG picture cannot be written: " +
                           writer.errorString().toStdString());
+    }
     const auto bytes =
         std::as_bytes(std::span(png.constData(), static_cast<std::size_t>(png.size())));
     return {bytes.begin(), bytes.end()};
@@ -92,10 +93,12 @@ class KeptIcon {
     explicit KeptIcon(Bytes file) : in_(file), count_(in_.u16(4)) {
         const IconDirectory icon = readIconDirectory(file);
         shown_ = decodeShownFrame(icon).frame.entry;
-        for (const IconFrame& frame : icon.frames)
+        for (const IconFrame& frame : icon.frames) {
             needed_[frame.entry] = neededBytes(frame);
-        for (std::size_t i = 0; i < count_ && in_.has(entryAt(i), kIconEntryBytes); ++i)
+        }
+        for (std::size_t i = 0; i < count_ && in_.has(entryAt(i), kIconEntryBytes); ++i) {
             offsets_.push_back(offsetOf(i));
+        }
         count_ = offsets_.size();
         std::sort(offsets_.begin(), offsets_.end());
     }
@@ -111,8 +114,9 @@ class KeptIcon {
                 std::copy(head.begin(), head.end(), entry.head.begin());
                 entry.data = dataOf(i);
             }
-            if (!entry.data.empty())
+            if (!entry.data.empty()) {
                 entries.push_back(entry);
+            }
         }
         return entries;
     }
@@ -131,8 +135,9 @@ class KeptIcon {
         const std::size_t needed = found == needed_.end() ? 0 : found->second;
         const auto next = std::upper_bound(offsets_.begin(), offsets_.end(), offset);
         std::size_t length = next == offsets_.end() ? rest.size() : *next - offset;
-        if (stated > 0 && stated >= needed)
+        if (stated > 0 && stated >= needed) {
             length = std::min(length, stated);
+        }
         return rest.first(std::min(std::max(length, needed), rest.size()));
     }
 
@@ -144,8 +149,9 @@ class KeptIcon {
 };
 
 std::vector<Entry> entriesWith(const Entry& picture, PictureKind kind, Bytes file) {
-    if (sniff(file) != kind)
+    if (sniff(file) != kind) {
         return {picture};
+    }
     try {
         return KeptIcon(file).with(picture);
     } catch (const DecodeError& error) {
@@ -157,10 +163,12 @@ std::vector<Entry> entriesWith(const Entry& picture, PictureKind kind, Bytes fil
 void refuseOverlaps(const std::map<std::pair<const std::byte*, std::size_t>, std::size_t>& places,
                     std::size_t most) {
     std::size_t total = 0;
-    for (const auto& [data, place] : places)
+    for (const auto& [data, place] : places) {
         total += data.second;
-    if (total > most)
+    }
+    if (total > most) {
         throw EncodeError("the icon's other pictures overlap each other");
+    }
 }
 
 } // namespace
@@ -188,8 +196,9 @@ std::vector<std::byte> encodeIcon(const QImage& image, PictureKind kind, const K
         out.u32(static_cast<std::uint32_t>(place->second));
     }
     refuseOverlaps(places, frame.size() + kept.file.size());
-    for (const Bytes bytes : data)
+    for (const Bytes bytes : data) {
         out.append(bytes);
+    }
     return out.take();
 }
 

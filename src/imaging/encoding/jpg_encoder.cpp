@@ -65,16 +65,18 @@ void startBuffer(j_compress_ptr library) {
 
 boolean emptyBuffer(j_compress_ptr library) {
     Compressor& compressor = compressorOf(library);
-    if (!append(compressor, compressor.buffer.size()))
+    if (!append(compressor, compressor.buffer.size())) {
         leave(reinterpret_cast<j_common_ptr>(library));
+    }
     startBuffer(library);
     return TRUE;
 }
 
 void endBuffer(j_compress_ptr library) {
     Compressor& compressor = compressorOf(library);
-    if (!append(compressor, compressor.buffer.size() - library->dest->free_in_buffer))
+    if (!append(compressor, compressor.buffer.size() - library->dest->free_in_buffer)) {
         leave(reinterpret_cast<j_common_ptr>(library));
+    }
 }
 
 void setUp(Compressor& compressor) {
@@ -100,16 +102,18 @@ void setParameters(jpeg_compress_struct& library, const Source& source) {
     library.image_width = static_cast<JDIMENSION>(source.image.width());
     library.image_height = static_cast<JDIMENSION>(source.image.height());
     library.input_components = source.isGrey ? 1 : 4;
-    if (source.isGrey)
+    if (source.isGrey) {
         library.in_color_space = JCS_GRAYSCALE;
-    else
+    } else {
         library.in_color_space =
             QSysInfo::ByteOrder == QSysInfo::LittleEndian ? JCS_EXT_BGRX : JCS_EXT_XRGB;
+    }
     jpeg_set_defaults(&library);
     jpeg_set_quality(&library, kTopQuality, TRUE);
     library.dct_method = JDCT_ISLOW;
-    for (int i = 0; i < library.num_components; ++i)
+    for (int i = 0; i < library.num_components; ++i) {
         library.comp_info[i].h_samp_factor = library.comp_info[i].v_samp_factor = 1;
+    }
     library.density_unit = kDotsPerInch;
     library.X_density = dotsPerInch(source.image.dotsPerMeterX());
     library.Y_density = dotsPerInch(source.image.dotsPerMeterY());
@@ -136,10 +140,11 @@ bool compress(Compressor& compressor, const Source& source) {
     compressor.library.dest = &compressor.destination;
     setParameters(compressor.library, source);
     jpeg_start_compress(&compressor.library, TRUE);
-    if (!source.profile.isEmpty())
+    if (!source.profile.isEmpty()) {
         jpeg_write_icc_profile(&compressor.library,
                                reinterpret_cast<const JOCTET*>(source.profile.constData()),
                                static_cast<unsigned>(source.profile.size()));
+    }
     writeRows(compressor.library, source.image);
     jpeg_finish_compress(&compressor.library);
     jpeg_destroy_compress(&compressor.library);
@@ -149,8 +154,9 @@ bool compress(Compressor& compressor, const Source& source) {
 // Empty for the colours that everybody supposes anyway.
 QByteArray profileOf(const QImage& image) {
     const QColorSpace colours = image.colorSpace();
-    if (!colours.isValid() || colours == QColorSpace(QColorSpace::SRgb))
+    if (!colours.isValid() || colours == QColorSpace(QColorSpace::SRgb)) {
         return {};
+    }
     return colours.iccProfile();
 }
 
@@ -161,19 +167,23 @@ std::vector<std::byte> encodeJpg(const QImage& image) {
     const bool hasAlpha = transparencyOf(image) != Transparency::None;
     QImage shown = hasAlpha ? onWhite(image) : image;
     const bool isGrey = profile.isEmpty() && shown.isGrayscale();
-    if (isGrey)
+    if (isGrey) {
         shown = shown.convertToFormat(QImage::Format_Grayscale8);
-    if (shown.isNull())
+    }
+    if (shown.isNull()) {
         throw std::bad_alloc();
+    }
     shown.setDotsPerMeterX(image.dotsPerMeterX());
     shown.setDotsPerMeterY(image.dotsPerMeterY());
     std::vector<std::byte> bytes;
     const auto compressor = std::make_unique<Compressor>();
     compressor->out = &bytes;
-    if (compress(*compressor, {shown, isGrey, profile}))
+    if (compress(*compressor, {shown, isGrey, profile})) {
         return bytes;
-    if (compressor->isOutOfMemory)
+    }
+    if (compressor->isOutOfMemory) {
         throw std::bad_alloc();
+    }
     throw EncodeError(std::string("the JPG picture cannot be written: ") +
                       compressor->message.data());
 }

@@ -36,8 +36,9 @@ std::size_t NearestColour::of(Colour colour) {
     const std::size_t index =
         (part(colour.red) << kCellBits | part(colour.green)) << kCellBits | part(colour.blue);
     Cell& cell = cells_[index];
-    if (cell.count == 0)
+    if (cell.count == 0) {
         fill(cell, index);
+    }
     const std::uint8_t* const candidates = candidates_.data() + cell.first;
     std::size_t best = candidates[0];
     float least = squaredDistance(colours_[best], colour);
@@ -68,8 +69,9 @@ void NearestColour::fill(Cell& cell, std::size_t index) {
     }
     cell.first = static_cast<std::uint32_t>(candidates_.size());
     for (std::size_t i = 0; i < colours_.size(); ++i) {
-        if (least[i] <= limit)
+        if (least[i] <= limit) {
             candidates_.push_back(static_cast<std::uint8_t>(i));
+        }
     }
     cell.count = static_cast<std::uint32_t>(candidates_.size()) - cell.first;
 }

@@ -22,8 +22,9 @@ double moveToMeans(std::vector<Colour>& colours, std::span<const ColourBin> bins
         error += bin.count * squaredDistance(bin.mean, colours[index]);
     }
     for (std::size_t i = 0; i < colours.size(); ++i) {
-        if (sums[i].count > 0)
+        if (sums[i].count > 0) {
             colours[i] = sums[i].mean();
+        }
     }
     return error;
 }
@@ -34,8 +35,9 @@ void refine(std::vector<Colour>& colours, std::span<const ColourBin> bins) {
     double before = moveToMeans(colours, bins);
     for (int round = 1; round < kMostRounds; ++round) {
         const double error = moveToMeans(colours, bins);
-        if (error > before * kGoodEnough)
+        if (error > before * kGoodEnough) {
             break;
+        }
         before = error;
     }
 }
@@ -56,13 +58,16 @@ std::optional<std::vector<QRgb>> exactColours(const QImage& image, std::size_t m
     for (int y = 0; y < image.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x) {
-            if (isSeenThrough(row[x]) || (row[x] | 0xFF000000U) == last)
+            if (isSeenThrough(row[x]) || (row[x] | 0xFF000000U) == last) {
                 continue;
+            }
             last = row[x] | 0xFF000000U;
-            if (!known.insert(last).second)
+            if (!known.insert(last).second) {
                 continue;
-            if (colours.size() == most)
+            }
+            if (colours.size() == most) {
                 return std::nullopt;
+            }
             colours.push_back(last);
         }
     }
@@ -72,8 +77,9 @@ std::optional<std::vector<QRgb>> exactColours(const QImage& image, std::size_t m
 std::vector<QRgb> bestColours(const QImage& image, std::size_t most) {
     const std::vector<ColourBin> bins = colourHistogram(image);
     std::vector<Colour> colours = cutByVariance(bins, most);
-    if (!colours.empty())
+    if (!colours.empty()) {
         refine(colours, bins);
+    }
     std::vector<QRgb> result(colours.size());
     std::transform(colours.begin(), colours.end(), result.begin(), rounded);
     return result;

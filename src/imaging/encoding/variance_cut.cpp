@@ -30,8 +30,9 @@ void findCut(Box& box, const Levels& levels, std::size_t axis) {
         behind.red -= before.red;
         behind.green -= before.green;
         behind.blue -= before.blue;
-        if (before.count < 1 || behind.count < 1)
+        if (before.count < 1 || behind.count < 1) {
             continue;
+        }
         const double gain = before.squareOfMean() + behind.squareOfMean() - whole;
         if (gain > box.gain) {
             box.gain = gain;
@@ -47,11 +48,13 @@ Box boxOf(std::span<ColourBin> bins) {
     std::array<Levels, 3> levels;
     for (const ColourBin& bin : bins) {
         box.sums.add(bin);
-        for (std::size_t axis = 0; axis < levels.size(); ++axis)
+        for (std::size_t axis = 0; axis < levels.size(); ++axis) {
             levels[axis][bin.levels[axis]].add(bin);
+        }
     }
-    for (std::size_t axis = 0; axis < levels.size(); ++axis)
+    for (std::size_t axis = 0; axis < levels.size(); ++axis) {
         findCut(box, levels[axis], axis);
+    }
     return box;
 }
 
@@ -59,8 +62,9 @@ Box boxOf(std::span<ColourBin> bins) {
 
 std::vector<Colour> cutByVariance(std::vector<ColourBin> bins, std::size_t most) {
     std::priority_queue<Box> boxes;
-    if (!bins.empty())
+    if (!bins.empty()) {
         boxes.push(boxOf(bins));
+    }
     while (!boxes.empty() && boxes.size() < most && boxes.top().gain >= 0) {
         const Box box = boxes.top();
         boxes.pop();
@@ -72,8 +76,9 @@ std::vector<Colour> cutByVariance(std::vector<ColourBin> bins, std::size_t most)
         boxes.push(boxOf(box.bins.subspan(size)));
     }
     std::vector<Colour> colours;
-    for (; !boxes.empty(); boxes.pop())
+    for (; !boxes.empty(); boxes.pop()) {
         colours.push_back(boxes.top().sums.mean());
+    }
     return colours;
 }
 

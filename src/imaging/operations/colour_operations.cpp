@@ -16,15 +16,17 @@ namespace {
 // Within one image the compiler need not fear that the pixels written are those read next.
 template <typename Kernel>
 TXS_INLINE_LOOP inline void changeRow(QRgb* row, int width, const Kernel& kernel) {
-    for (int x = 0; x < width; ++x)
+    for (int x = 0; x < width; ++x) {
         row[x] = kernel(row[x]);
+    }
 }
 
 template <typename Kernel>
 TXS_INLINE_LOOP inline void changeRow(const QRgb* __restrict source, QRgb* __restrict target,
                                       int width, const Kernel& kernel) {
-    for (int x = 0; x < width; ++x)
+    for (int x = 0; x < width; ++x) {
         target[x] = kernel(source[x]);
+    }
 }
 
 template <typename Kernel>
@@ -32,8 +34,9 @@ void changePixels(QImage& image, const Kernel& kernel) {
     const PixelRows<QRgb> rows = rowsOf(image);
     forRowBands(rows.height, rows.width, [&](int first, int last) {
         runVectorised([=]() TXS_INLINE_LOOP {
-            for (int y = first; y < last; ++y)
+            for (int y = first; y < last; ++y) {
                 changeRow(rows.row(y), rows.width, kernel);
+            }
         });
     });
 }
@@ -44,15 +47,17 @@ void copyChanged(const QImage& source, QImage& target, const Kernel& kernel) {
     const PixelRows<QRgb> to = rowsOf(target);
     forRowBands(from.height, from.width, [&](int first, int last) {
         runVectorised([=]() TXS_INLINE_LOOP {
-            for (int y = first; y < last; ++y)
+            for (int y = first; y < last; ++y) {
                 changeRow(from.row(y), to.row(y), from.width, kernel);
+            }
         });
     });
 }
 
 int effectiveAmount(const ColourChange& change) {
-    if (change.property == ColourProperty::Hue)
+    if (change.property == ColourProperty::Hue) {
         return withinOneTurn(change.amount);
+    }
     return std::clamp(change.amount, -kMostAmount, kMostAmount);
 }
 
@@ -80,8 +85,9 @@ bool canTake(const QImage& target, const QImage& source) {
 
 void apply(const ColourChange& change, QImage& image) {
     const ColourChange effective{change.property, effectiveAmount(change)};
-    if (effective.amount == 0 || image.isNull())
+    if (effective.amount == 0 || image.isNull()) {
         return;
+    }
     if (!image.isDetached()) {
         QImage changed;
         apply(effective, image, changed);
@@ -99,8 +105,9 @@ void apply(const ColourChange& change, const QImage& source, QImage& target) {
         return;
     }
     const QImage from = editable(source);
-    if (!canTake(target, from))
+    if (!canTake(target, from)) {
         target = emptyLike(from, from.size());
+    }
     withKernel(effective, [&](const auto& kernel) { copyChanged(from, target, kernel); });
 }
 
@@ -121,8 +128,9 @@ void changeHue(QImage& image, int hundredthsOfDegree) {
 }
 
 void invert(QImage& image) {
-    if (image.isNull())
+    if (image.isNull()) {
         return;
+    }
     makeEditable(image);
     changePixels(image, InversionKernel());
 }

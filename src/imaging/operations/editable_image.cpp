@@ -9,12 +9,14 @@ namespace imaging::operations {
 
 QImage editable(const QImage& image) {
     if (image.isNull() || image.format() == QImage::Format_RGB32 ||
-        image.format() == QImage::Format_ARGB32)
+        image.format() == QImage::Format_ARGB32) {
         return image;
+    }
     QImage converted = image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32
                                                                      : QImage::Format_RGB32);
-    if (converted.isNull())
+    if (converted.isNull()) {
         throw std::bad_alloc();
+    }
     return converted;
 }
 
@@ -25,8 +27,9 @@ void makeEditable(QImage& image) {
 PixelRows<QRgb> rowsOf(QImage& image) {
     if (!image.isNull() && !image.isDetached()) {
         QImage own = image.copy(); // detaching would leave a null image where there is no memory
-        if (own.isNull())
+        if (own.isNull()) {
             throw std::bad_alloc();
+        }
         image = std::move(own);
     }
     return {reinterpret_cast<QRgb*>(image.bits()),
@@ -40,15 +43,17 @@ PixelRows<const QRgb> constRowsOf(const QImage& image) {
 
 QImage emptyLike(const QImage& image, QSize size) {
     QImage empty(size, image.format());
-    if (empty.isNull() && !size.isEmpty())
+    if (empty.isNull() && !size.isEmpty()) {
         throw std::bad_alloc();
+    }
     empty.setDevicePixelRatio(image.devicePixelRatio());
     empty.setDotsPerMeterX(image.dotsPerMeterX());
     empty.setDotsPerMeterY(image.dotsPerMeterY());
     empty.setOffset(image.offset());
     empty.setColorSpace(image.colorSpace());
-    for (const QString& key : image.textKeys())
+    for (const QString& key : image.textKeys()) {
         empty.setText(key, image.text(key));
+    }
     return empty;
 }
 

@@ -45,10 +45,12 @@ std::int64_t floorOfQuotient(std::int64_t dividend, std::int64_t divisor) {
 // Those of `range` with least <= start + i * step <= most.
 Range rangeWithin(Range range, std::int64_t start, std::int64_t step, std::int64_t least,
                   std::int64_t most) {
-    if (step < 0)
+    if (step < 0) {
         return rangeWithin(range, -start, -step, -most, -least);
-    if (step == 0)
+    }
+    if (step == 0) {
         return least <= start && start <= most ? range : Range{range.first, range.first};
+    }
     const std::int64_t first = -floorOfQuotient(start - least, step);
     const std::int64_t last = floorOfQuotient(most - start, step) + 1;
     const std::int64_t from = std::clamp<std::int64_t>(first, range.first, range.last);
@@ -101,8 +103,9 @@ class Turner {
         inside = rangeWithin(inside, line.y, line.stepY, 0, (source_.height - 1) * kOne - 1);
         std::fill(row + range.first, row + touched.first, turn_.fill);
         turnEdge<opaque>(line, {touched.first, inside.first}, row);
-        if (inside.first < inside.last)
+        if (inside.first < inside.last) {
             runVectorised([&]() TXS_INLINE_LOOP { turnInside<opaque>(line, inside, row); });
+        }
         turnEdge<opaque>(line, {inside.last, touched.last}, row);
         std::fill(row + touched.last, row + range.last, turn_.fill);
     }
@@ -175,10 +178,11 @@ void copyTurnedFreely(const PixelRows<const QRgb>& source, const FreeTurn& turn,
         for (int band = first; band < last; ++band) {
             const int top = band * kTileHeight;
             const int bottom = std::min(top + kTileHeight, target.height);
-            if (turn.opaque)
+            if (turn.opaque) {
                 turner.turnRows<true>(top, bottom);
-            else
+            } else {
                 turner.turnRows<false>(top, bottom);
+            }
         }
     });
 }

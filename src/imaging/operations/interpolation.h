@@ -85,10 +85,11 @@ TXS_INLINE_LOOP inline QRgb mixedWithAlpha(const Neighbours& n, const Fractions&
 
 template <bool opaque>
 TXS_INLINE_LOOP inline QRgb mixed(const Neighbours& neighbours, const Fractions& at) {
-    if constexpr (opaque)
+    if constexpr (opaque) {
         return mixedOpaque(neighbours, at);
-    else
+    } else {
         return mixedWithAlpha(neighbours, at);
+    }
 }
 
 } // namespace imaging::operations

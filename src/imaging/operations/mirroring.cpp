@@ -12,8 +12,9 @@ void flip(QImage& image) {
     const PixelRows<QRgb> rows = rowsOf(image);
     forRowBands(rows.height / 2, 2 * std::int64_t{rows.width}, [&](int first, int last) {
         runVectorised([=]() TXS_INLINE_LOOP {
-            for (int y = first; y < last; ++y)
+            for (int y = first; y < last; ++y) {
                 swapPixels(rows.row(y), rows.row(rows.height - 1 - y), rows.width);
+            }
         });
     });
 }
@@ -23,8 +24,9 @@ void reverse(QImage& image) {
     const PixelRows<QRgb> rows = rowsOf(image);
     forRowBands(rows.height, rows.width, [&](int first, int last) {
         runVectorised([=]() TXS_INLINE_LOOP {
-            for (int y = first; y < last; ++y)
+            for (int y = first; y < last; ++y) {
                 swapMirrored(rows.row(y), rows.row(y) + rows.width, rows.width / 2);
+            }
         });
     });
 }

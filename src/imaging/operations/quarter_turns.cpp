@@ -47,8 +47,9 @@ void copyTile(const TurnedPixels& turned, const QRgb* from, QRgb* to, std::ptrdi
               QSize size) {
     for (int y = 0; y < size.height(); ++y, from += turned.stepY, to += stride) {
         const QRgb* source = from;
-        for (int x = 0; x < size.width(); ++x, source += turned.stepX)
+        for (int x = 0; x < size.width(); ++x, source += turned.stepX) {
             to[x] = *source;
+        }
     }
 }
 
@@ -65,10 +66,11 @@ void copyBlock(const TurnedPixels& turned, const PixelRows<QRgb>& target, const 
                 turned.first + (x - topLeft.x()) * turned.stepX + (y - topLeft.y()) * turned.stepY;
             const QSize size(std::min(kTile, block.right() + 1 - x),
                              std::min(kTile, block.bottom() + 1 - y));
-            if (size == QSize(kTile, kTile))
+            if (size == QSize(kTile, kTile)) {
                 copyFullTile(turned, from, target.row(y) + x, target.stride);
-            else
+            } else {
                 copyTile(turned, from, target.row(y) + x, target.stride, size);
+            }
         }
     }
 }
@@ -78,8 +80,9 @@ void fillAround(const PixelRows<QRgb>& target, const QRect& covered, const QRect
         const bool inside = y >= covered.top() && y <= covered.bottom();
         QRgb* row = target.row(y);
         std::fill(row, row + (inside ? covered.left() : target.width), fill);
-        if (inside)
+        if (inside) {
             std::fill(row + covered.right() + 1, row + target.width, fill);
+        }
     }
 }
 
@@ -97,9 +100,10 @@ void copyTurned(const PixelRows<const QRgb>& source, int quarters, const PixelRo
             QRect(0, 0, target.width, target.height);
         fillAround(target, covered, band, fill);
         for (int top = band.top(); top <= band.bottom(); top += kBlockHeight) {
-            for (int left = 0; left < target.width; left += kBlockWidth)
+            for (int left = 0; left < target.width; left += kBlockWidth) {
                 copyBlock(turned, target,
                           QRect(left, top, kBlockWidth, kBlockHeight) & covered & band, topLeft);
+            }
         }
     });
 }

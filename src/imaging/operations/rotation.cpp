@@ -25,10 +25,12 @@ double radiansOf(int angle) {
 bool isOpaque(const PixelRows<const QRgb>& rows) {
     for (int y = 0; y < rows.height; ++y) {
         QRgb common = 0xFF000000;
-        for (int x = 0; x < rows.width; ++x)
+        for (int x = 0; x < rows.width; ++x) {
             common &= rows.row(y)[x];
-        if (common != 0xFF000000)
+        }
+        if (common != 0xFF000000) {
             return false;
+        }
     }
     return true;
 }
@@ -39,21 +41,25 @@ QImage compact(const QImage& image) {
         return any.bytesPerLine() / qsizetype{sizeof(QRgb)} * any.height() >
                std::numeric_limits<int>::max();
     };
-    if (!reaches(image))
+    if (!reaches(image)) {
         return image;
+    }
     const QImage copy = image.copy();
-    if (copy.isNull())
+    if (copy.isNull()) {
         throw std::bad_alloc();
-    if (reaches(copy))
+    }
+    if (reaches(copy)) {
         throw std::length_error("the picture has too many pixels to turn it by this angle");
+    }
     return copy;
 }
 
 void refuseTooLarge(QSize size) {
     const qint64 pixels = qint64{size.width()} * size.height();
-    if (pixels > kMaximumPixels)
+    if (pixels > kMaximumPixels) {
         throw std::length_error("the turned picture would have " + std::to_string(pixels) +
                                 " pixels; " + std::to_string(kMaximumPixels) + " are the most");
+    }
 }
 
 // `part` is not empty, the angle no whole turn.
@@ -82,10 +88,12 @@ QImage turnedPart(const QImage& image, const Rotation& rotation, const QRect& pa
 
 QSize rotatedSize(QSize size, const Rotation& rotation) {
     const int angle = withinOneTurn(rotation.angle);
-    if (rotation.canvas == Canvas::Keep || angle % (2 * kQuarterTurn) == 0)
+    if (rotation.canvas == Canvas::Keep || angle % (2 * kQuarterTurn) == 0) {
         return size;
-    if (angle % kQuarterTurn == 0)
+    }
+    if (angle % kQuarterTurn == 0) {
         return size.transposed();
+    }
     const double cosine = std::abs(std::cos(radiansOf(angle)));
     const double sine = std::abs(std::sin(radiansOf(angle)));
     return {static_cast<int>(std::ceil(size.width() * cosine + size.height() * sine)),
@@ -93,16 +101,18 @@ QSize rotatedSize(QSize size, const Rotation& rotation) {
 }
 
 QImage rotated(const QImage& image, const Rotation& rotation) {
-    if (image.isNull() || withinOneTurn(rotation.angle) == 0)
+    if (image.isNull() || withinOneTurn(rotation.angle) == 0) {
         return image;
+    }
     const QSize size = rotatedSize(image.size(), rotation);
     refuseTooLarge(size);
     return turnedPart(editable(image), rotation, QRect(QPoint(0, 0), size));
 }
 
 QImage rotatedPart(const QImage& image, const Rotation& rotation, const QRect& part) {
-    if (image.isNull() || part.isEmpty())
+    if (image.isNull() || part.isEmpty()) {
         return {};
+    }
     return turnedPart(editable(image), rotation, part);
 }
 

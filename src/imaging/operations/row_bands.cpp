@@ -34,8 +34,9 @@ void forRowBands(int rows, std::int64_t pixelsPerRow, const std::function<void(i
     const std::int64_t threads = std::min({bands, cores, kMostThreads});
     std::vector<std::jthread> helpers;
     try {
-        for (std::int64_t i = 1; i < threads; ++i)
+        for (std::int64_t i = 1; i < threads; ++i) {
             helpers.emplace_back(takeBands);
+        }
     } catch (const std::system_error&) {
         // No further thread to be had: those that run, and this one, do it.
     }

@@ -45,10 +45,11 @@ TXS_WIDE_CODE void runWideCode(const Loop& loop) {
 
 template <typename Loop>
 void runVectorised(const Loop& loop) {
-    if (runsWideCode())
+    if (runsWideCode()) {
         runWideCode(loop);
-    else
+    } else {
         runPlainCode(loop);
+    }
 }
 
 } // namespace imaging::operations

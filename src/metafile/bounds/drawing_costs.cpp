@@ -25,8 +25,9 @@ double touchedPixels(const QPainterPath& outline, const QRect& sheet, double wid
     constexpr int kIntricate = 1000;
     constexpr int kMostSquares = 512; // a side
     constexpr std::size_t kMostSteps = 5'000'000;
-    if (outline.elementCount() < kIntricate || sheet.isEmpty())
+    if (outline.elementCount() < kIntricate || sheet.isEmpty()) {
         return kEverywhere;
+    }
     const int side = std::max(2, std::max(sheet.width(), sheet.height()) / kMostSquares);
     const int columns = sheet.width() / side + 1;
     const int rows = sheet.height() / side + 1;
@@ -39,17 +40,20 @@ double touchedPixels(const QPainterPath& outline, const QRect& sheet, double wid
                        std::clamp((point.y() - sheet.top()) / side, 0.0, rows - 1.0));
     };
     for (int i = 1; i < outline.elementCount(); ++i) {
-        if (outline.elementAt(i).isMoveTo())
+        if (outline.elementAt(i).isMoveTo()) {
             continue;
+        }
         const QPointF from = squareAt(outline.elementAt(i - 1));
         const QPointF way = squareAt(outline.elementAt(i)) - from;
         const double length = way.manhattanLength();
-        if (!std::isfinite(length)) // a place that is no number stands nowhere in the grid
+        if (!std::isfinite(length)) { // a place that is no number stands nowhere in the grid
             return kEverywhere;
+        }
         const int count = static_cast<int>(std::ceil(length)) + 1;
         steps += static_cast<std::size_t>(count);
-        if (touched > most || steps > kMostSteps)
+        if (touched > most || steps > kMostSteps) {
             return kEverywhere;
+        }
         for (int step = 0; step <= count; ++step) {
             const QPointF at = from + way * (double{1} * step / count);
             const auto square =
@@ -70,8 +74,9 @@ Edges edgesOf(const QPainterPath& outline, const QRectF& sheet) {
     edges.elements = outline.elementCount();
     for (int i = 1; i < outline.elementCount(); ++i) {
         const auto element = outline.elementAt(i);
-        if (element.type == QPainterPath::MoveToElement)
+        if (element.type == QPainterPath::MoveToElement) {
             continue;
+        }
         const QPointF from = outline.elementAt(i - 1);
         const auto seen = [&](QPointF point) {
             return within(point, sheet.left(), sheet.top(), sheet.right(), sheet.bottom());
@@ -98,8 +103,9 @@ double cornerPixels(const QPainterPath& outline, double width, const QRectF& see
         const double lengths =
             std::hypot(step.x(), step.y()) * std::hypot(lastStep.x(), lastStep.y());
         const double cosine = lengths > 0 ? QPointF::dotProduct(step, lastStep) / lengths : -1;
-        if (near.contains(outline.elementAt(i - 1)))
+        if (near.contains(outline.elementAt(i - 1))) {
             pixels += most * std::sqrt(std::max(0.0, 1 - cosine) / 2);
+        }
         lastStep = step;
     }
     return pixels + most;
@@ -181,8 +187,9 @@ double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& she
     const double width = pen.widthF();
     Edges edges = edgesOf(outline, sheet);
     const double cost = kStrokedElement * edges.elements + kDash * dashes;
-    if (width <= 1)
+    if (width <= 1) {
         return cost + thinPixelCost(sheet) * edges.crossed;
+    }
     const QRectF seen = seenPart(outline, width, sheet);
     const double ends = dashes * kEnds * std::min(width, seen.width() + seen.height());
     const double corners = cornerPixels(outline, width, seen) + ends;
@@ -194,11 +201,13 @@ double strokeCost(const QPainterPath& outline, const QPen& pen, const QRect& she
 }
 
 double dashCount(const QPainterPath& outline, const QPen& pen) {
-    if (pen.style() != Qt::CustomDashLine)
+    if (pen.style() != Qt::CustomDashLine) {
         return 0;
+    }
     double period = 0;
-    for (const qreal dash : pen.dashPattern())
+    for (const qreal dash : pen.dashPattern()) {
         period += dash * pen.widthF();
+    }
     double length = 0;
     for (int i = 1; i < outline.elementCount(); ++i) {
         const QPointF step = QPointF(outline.elementAt(i)) - QPointF(outline.elementAt(i - 1));

@@ -22,8 +22,9 @@ void giveBack(void* pointer) {
 
 QImage KeptPictures::keep(const QImage& picture) {
     auto share = std::make_unique<Share>(Share{picture, pixels_});
-    if (picture.isNull())
+    if (picture.isNull()) {
         return {};
+    }
     if (*pixels_ > 0 && *pixels_ + share->count() > kMostPixels) {
         haveRefused_ = true;
         return {};
@@ -33,10 +34,11 @@ QImage KeptPictures::keep(const QImage& picture) {
     QImage kept(held.constBits(), held.width(), held.height(), held.bytesPerLine(), held.format(),
                 giveBack, share.get());
     // Qt calls giveBack for a picture that it has made only.
-    if (!kept.isNull())
+    if (!kept.isNull()) {
         (void)share.release();
-    else
+    } else {
         *pixels_ -= share->count();
+    }
     return kept;
 }
 

@@ -25,8 +25,9 @@ void forEachFigure(const QPainterPath& outline, Take take) {
     for (int i = 0; i < outline.elementCount(); ++i) {
         const auto element = outline.elementAt(i);
         if (element.type == QPainterPath::MoveToElement) {
-            if (figure.elementCount() > 1)
+            if (figure.elementCount() > 1) {
                 take(figure);
+            }
             figure = QPainterPath(element);
         } else if (element.type == QPainterPath::LineToElement) {
             figure.lineTo(element);
@@ -35,16 +36,18 @@ void forEachFigure(const QPainterPath& outline, Take take) {
             i += 2;
         }
     }
-    if (figure.elementCount() > 1)
+    if (figure.elementCount() > 1) {
         take(figure);
+    }
 }
 
 // Its curves as lines, as finely as the painter would make them.
 QPolygonF flattened(const QPainterPath& figure) {
     constexpr double kFineness = 8;
     const auto polygons = figure.toSubpathPolygons(QTransform::fromScale(kFineness, kFineness));
-    if (polygons.isEmpty())
+    if (polygons.isEmpty()) {
         return {};
+    }
     return QTransform::fromScale(1 / kFineness, 1 / kFineness).map(polygons.front());
 }
 
@@ -62,10 +65,12 @@ QPolygonF cutAt(const QPolygonF& polygon, const QRectF& bounds, std::size_t side
         const QPointF to = polygon[i];
         const double before = insets(from, bounds).at(side);
         const double after = insets(to, bounds).at(side);
-        if ((before < 0) != (after < 0))
+        if ((before < 0) != (after < 0)) {
             result.append(from + (to - from) * (before / (before - after)));
-        if (after >= 0)
+        }
+        if (after >= 0) {
             result.append(to);
+        }
     }
     return result;
 }
@@ -73,14 +78,16 @@ QPolygonF cutAt(const QPolygonF& polygon, const QRectF& bounds, std::size_t side
 // A closed figure comes apart where it leaves the bounds. Begun out there, none of its corners on
 // the sheet lies between its end and its beginning, where it would lose its join.
 void beginOutside(QPolygonF& polygon, const QRectF& bounds) {
-    if (!polygon.isClosed())
+    if (!polygon.isClosed()) {
         return;
+    }
     const auto outside = std::find_if(polygon.begin(), polygon.end(), [&](QPointF point) {
         const auto inset = insets(point, bounds);
         return *std::min_element(inset.begin(), inset.end()) < 0;
     });
-    if (outside == polygon.begin() || outside == polygon.end())
+    if (outside == polygon.begin() || outside == polygon.end()) {
         return;
+    }
     const auto start = std::distance(polygon.begin(), outside);
     polygon.removeLast(); // the same as the first
     std::rotate(polygon.begin(), polygon.begin() + start, polygon.end());
@@ -94,19 +101,23 @@ void addLine(QPainterPath& path, QPointF from, QPointF to, const QRectF& bounds)
     double begin = 0;
     double end = 1;
     for (std::size_t side = 0; side < before.size(); ++side) {
-        if (before.at(side) < 0 && after.at(side) < 0)
+        if (before.at(side) < 0 && after.at(side) < 0) {
             return;
+        }
         const double crossing = before.at(side) / (before.at(side) - after.at(side));
-        if (before.at(side) < 0)
+        if (before.at(side) < 0) {
             begin = std::max(begin, crossing);
-        else if (after.at(side) < 0)
+        } else if (after.at(side) < 0) {
             end = std::min(end, crossing);
+        }
     }
-    if (begin > end)
+    if (begin > end) {
         return;
+    }
     const QPointF first = begin > 0 ? from + (to - from) * begin : from;
-    if (path.elementCount() == 0 || path.currentPosition() != first)
+    if (path.elementCount() == 0 || path.currentPosition() != first) {
         path.moveTo(first);
+    }
     path.lineTo(end < 1 ? from + (to - from) * end : to);
 }
 
@@ -114,8 +125,9 @@ void addLine(QPainterPath& path, QPointF from, QPointF to, const QRectF& bounds)
 
 QPainterPath cutArea(const QPainterPath& outline, const QRect& sheet) {
     const QRectF bounds = QRectF(sheet).adjusted(-kMargin, -kMargin, kMargin, kMargin);
-    if (isWithin(outline, bounds))
+    if (isWithin(outline, bounds)) {
         return outline;
+    }
     QPainterPath result;
     result.setFillRule(outline.fillRule());
     forEachFigure(outline, [&](const QPainterPath& figure) {
@@ -124,8 +136,9 @@ QPainterPath cutArea(const QPainterPath& outline, const QRect& sheet) {
             return;
         }
         QPolygonF polygon = flattened(figure);
-        for (std::size_t side = 0; side < 4; ++side)
+        for (std::size_t side = 0; side < 4; ++side) {
             polygon = cutAt(polygon, bounds, side);
+        }
         if (!polygon.isEmpty()) {
             result.addPolygon(polygon);
             result.closeSubpath();
@@ -137,8 +150,9 @@ QPainterPath cutArea(const QPainterPath& outline, const QRect& sheet) {
 QPainterPath cutLines(const QPainterPath& outline, const QRect& sheet, double reach) {
     const double margin = kMargin + reach;
     const QRectF bounds = QRectF(sheet).adjusted(-margin, -margin, margin, margin);
-    if (isWithin(outline, bounds))
+    if (isWithin(outline, bounds)) {
         return outline;
+    }
     QPainterPath result;
     forEachFigure(outline, [&](const QPainterPath& figure) {
         if (isWithin(figure, bounds)) {
@@ -147,8 +161,9 @@ QPainterPath cutLines(const QPainterPath& outline, const QRect& sheet, double re
         }
         QPolygonF polygon = flattened(figure);
         beginOutside(polygon, bounds);
-        for (qsizetype i = 1; i < polygon.size(); ++i)
+        for (qsizetype i = 1; i < polygon.size(); ++i) {
             addLine(result, polygon[i - 1], polygon[i], bounds);
+        }
     });
     return result;
 }

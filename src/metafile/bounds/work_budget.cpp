@@ -26,8 +26,9 @@ void WorkBudget::spendPixels(double count) {
 }
 
 WorkBudget::Nesting::Nesting(WorkBudget& budget) : budget_(budget) {
-    if (budget_.depth_ == kMaximumDepth)
+    if (budget_.depth_ == kMaximumDepth) {
         throw WorkExhausted();
+    }
     ++budget_.depth_;
 }
 
@@ -36,18 +37,21 @@ WorkBudget::Nesting::~Nesting() {
 }
 
 void WorkBudget::spend(std::uint64_t units) {
-    if (units >= left_)
+    if (units >= left_) {
         giveUp();
+    }
     left_ -= units;
-    if (left_ > untilClock_)
+    if (left_ > untilClock_) {
         return;
+    }
     untilClock_ = left_ > kUnitsBetweenClocks ? left_ - kUnitsBetweenClocks : 0;
     lookAtClock();
 }
 
 void WorkBudget::lookAtClock() {
-    if (clock_() - started_ > kSeconds)
+    if (clock_() - started_ > kSeconds) {
         giveUp();
+    }
 }
 
 void WorkBudget::giveUp() {

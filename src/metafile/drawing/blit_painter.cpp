@@ -115,8 +115,9 @@ QImage BlitPainter::layer(const QImage& image, const QRectF& part, const Place& 
     QImage result = imaging::newImage(box.size(), QImage::Format_ARGB32_Premultiplied);
     const QRect seen = (part.normalized() & QRectF(image.rect())).toAlignedRect() & image.rect();
     constexpr double kLeast = 0.01; // of a pixel of the source
-    if (std::abs(part.width()) < kLeast || std::abs(part.height()) < kLeast || seen.isEmpty())
+    if (std::abs(part.width()) < kLeast || std::abs(part.height()) < kLeast || seen.isEmpty()) {
         return result;
+    }
     QPainter painter(&result);
     const QTransform toSheet =
         place.from(part) * QTransform::fromTranslate(-box.left(), -box.top());
@@ -126,8 +127,9 @@ QImage BlitPainter::layer(const QImage& image, const QRectF& part, const Place& 
         const QSize size = target.size().expandedTo({1, 1});
         const bool whole = seen == image.rect();
         QImage scaled = imaging::smoothlyScaled(whole ? image : image.copy(seen), size);
-        if (toSheet.m11() < 0 || toSheet.m22() < 0)
+        if (toSheet.m11() < 0 || toSheet.m22() < 0) {
             scaled = scaled.mirrored(toSheet.m11() < 0, toSheet.m22() < 0);
+        }
         painter.drawImage(target.topLeft(), scaled);
         return result;
     }
@@ -158,34 +160,39 @@ void BlitPainter::combine(const RasterBlit& blit, const Place& place,
                      part, place, box, context);
     };
     QImage source;
-    if (blit.source && (usesSource(blit.operation) || usesSource(blit.behindMask)))
+    if (blit.source && (usesSource(blit.operation) || usesSource(blit.behindMask))) {
         source = layerOf(*blit.source, blit.part);
+    }
     QImage pattern;
     if (usesPattern(blit.operation) || usesPattern(blit.behindMask)) {
         canvas_.budget().spendPixels(patternCost(context.brush));
         pattern = patternLayer(box, context);
     }
     QImage mask;
-    if (blit.mask)
+    if (blit.mask) {
         mask = layerOf(*blit.mask, blit.part.translated(blit.maskOffset));
+    }
     const QImage destination = canvas_.pixels().copy(box);
     const QImage result =
         combined({destination, source, pattern, mask}, blit.operation, blit.behindMask);
     begin(context);
-    if (!place.alongAxes)
+    if (!place.alongAxes) {
         canvas_.painter().setClipPath(place.outline(), Qt::IntersectClip);
+    }
     canvas_.painter().drawImage(box.topLeft(), result);
 }
 
 void BlitPainter::draw(const RasterBlit& blit, const DeviceContext& context) {
     const Place place = placeOf(blit.destination, context);
     const QRect box = place.pixels() & canvas_.sheet();
-    if (box.isEmpty() || (blit.operation == kKeep && !blit.mask))
+    if (box.isEmpty() || (blit.operation == kKeep && !blit.mask)) {
         return;
+    }
     const Bitmap* source = blit.source ? &*blit.source : nullptr;
     spendPicture(source != nullptr ? source->image : QImage(), place);
-    if (usesSource(blit.operation) && source == nullptr)
+    if (usesSource(blit.operation) && source == nullptr) {
         return;
+    }
     const bool plain = !blit.mask && place.alongAxes;
     if (plain && source != nullptr && blit.operation == kCopySource && !source->monochrome) {
         const QImage picture = layer(source->image, blit.part, place, box, context);
@@ -198,16 +205,18 @@ void BlitPainter::draw(const RasterBlit& blit, const DeviceContext& context) {
         canvas_.painter().fillRect(box, blit.operation == kBlack ? Qt::black : Qt::white);
         return;
     }
-    if (plain && blit.operation == kCopyPattern && context.brush.kind == BrushKind::Null)
+    if (plain && blit.operation == kCopyPattern && context.brush.kind == BrushKind::Null) {
         return;
+    }
     combine(blit, place, context);
 }
 
 void BlitPainter::draw(const AlphaBlit& blit, const DeviceContext& context) {
     const Place place = placeOf(blit.destination, context);
     const QRect box = place.pixels() & canvas_.sheet();
-    if (box.isEmpty())
+    if (box.isEmpty()) {
         return;
+    }
     spendPicture(blit.source, place);
     const QImage picture = layer(blit.source, blit.part, place, box, context);
     begin(context);
@@ -228,10 +237,11 @@ void BlitPainter::drawBand(const GradientVertex& from, const GradientVertex& to,
     gradient.setColorAt(1, QColor::fromRgb(to.colour));
     const QRect box = context.map(path).controlPointRect().toRect() & canvas_.sheet();
     canvas_.budget().spendPixels(2.0 * box.width() * box.height());
-    if (context.toImage.type() <= QTransform::TxScale)
+    if (context.toImage.type() <= QTransform::TxScale) {
         canvas_.painter().fillRect(box, gradient);
-    else
+    } else {
         canvas_.painter().fillPath(context.map(path), gradient);
+    }
 }
 
 void BlitPainter::drawTriangle(const std::array<GradientVertex, 3>& corners,
@@ -243,8 +253,9 @@ void BlitPainter::drawTriangle(const std::array<GradientVertex, 3>& corners,
     const QPointF a = points[1] - points[0];
     const QPointF b = points[2] - points[0];
     const double area = a.x() * b.y() - b.x() * a.y();
-    if (box.isEmpty() || area == 0)
+    if (box.isEmpty() || area == 0) {
         return;
+    }
     canvas_.budget().spendPixels(40.0 * box.width() * box.height());
     QImage result = imaging::newImage(box.size(), QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < box.height(); ++y) {
@@ -254,8 +265,9 @@ void BlitPainter::drawTriangle(const std::array<GradientVertex, 3>& corners,
             const double second = (p.x() * b.y() - b.x() * p.y()) / area;
             const double third = (a.x() * p.y() - p.x() * a.y()) / area;
             const double first = 1 - second - third;
-            if (first < 0 || second < 0 || third < 0)
+            if (first < 0 || second < 0 || third < 0) {
                 continue;
+            }
             const auto mixed = [&](int (*channel)(QRgb)) {
                 return static_cast<int>(std::lround(first * channel(corners[0].colour) +
                                                     second * channel(corners[1].colour) +
@@ -271,11 +283,12 @@ void BlitPainter::draw(const GradientFill& fill, const DeviceContext& context) {
     begin(context);
     for (const auto& mesh : fill.meshes) {
         canvas_.budget().spendRecord();
-        if (fill.kind == GradientKind::Triangle)
+        if (fill.kind == GradientKind::Triangle) {
             drawTriangle({fill.vertices[mesh[0]], fill.vertices[mesh[1]], fill.vertices[mesh[2]]},
                          context);
-        else
+        } else {
             drawBand(fill.vertices[mesh[0]], fill.vertices[mesh[1]], fill.kind, context);
+        }
     }
 }
 
@@ -298,27 +311,33 @@ QImage flooded(const QImage& sheet, QPoint start, const FloodFill& fill) {
         return (((surface[at] ^ fill.colour) & kColour) == 0) == wanted && flood[at] == 0;
     };
     std::vector<QPoint> begins;
-    if (isOpen(start.x(), start.y()))
+    if (isOpen(start.x(), start.y())) {
         begins.push_back(start);
+    }
     while (!begins.empty()) {
         const QPoint at = begins.back();
         begins.pop_back();
         const int y = at.y();
-        if (!isOpen(at.x(), y))
+        if (!isOpen(at.x(), y)) {
             continue;
+        }
         int left = at.x();
-        while (left > 0 && isOpen(left - 1, y))
+        while (left > 0 && isOpen(left - 1, y)) {
             --left;
+        }
         int right = at.x() + 1;
-        while (right < sheet.width() && isOpen(right, y))
+        while (right < sheet.width() && isOpen(right, y)) {
             ++right;
+        }
         std::fill(flood + pixelAt(left, y), flood + pixelAt(right, y), qRgb(0, 0, 0));
         for (const int next : {y - 1, y + 1}) {
-            if (next < 0 || next >= sheet.height())
+            if (next < 0 || next >= sheet.height()) {
                 continue;
+            }
             for (int x = left; x < right; ++x) {
-                if (isOpen(x, next) && (x == left || !isOpen(x - 1, next)))
+                if (isOpen(x, next) && (x == left || !isOpen(x - 1, next))) {
                     begins.emplace_back(x, next);
+                }
             }
         }
     }
@@ -330,8 +349,9 @@ QImage flooded(const QImage& sheet, QPoint start, const FloodFill& fill) {
 void BlitPainter::draw(const FloodFill& fill, const DeviceContext& context) {
     const QImage& sheet = canvas_.pixels();
     const QPoint start = context.map(fill.point).toPoint();
-    if (!sheet.rect().contains(start))
+    if (!sheet.rect().contains(start)) {
         return;
+    }
     canvas_.budget().spendPixels(30.0 * sheet.width() * sheet.height());
     canvas_.budget().spendPixels(patternCost(context.brush));
     QImage reached = flooded(sheet, start, fill);

@@ -19,14 +19,16 @@ void Clip::become(QRegion region) {
 void Clip::intersect(const QRegion& region, const QRect& sheet) {
     region_ = bounded_ ? region_.intersected(region) : region;
     bounded_ = true;
-    if (isCrowded())
+    if (isCrowded()) {
         become(toRegion(sheet));
+    }
 }
 
 void Clip::intersect(const QPainterPath& path, const QRect& sheet) {
     paths_.push_back(cutArea(path, sheet));
-    if (isCrowded())
+    if (isCrowded()) {
         become(toRegion(sheet));
+    }
 }
 
 // Each path costs time whenever the clip is applied, and the painter needs the square of it to cut
@@ -39,10 +41,12 @@ bool Clip::isCrowded() const {
 }
 
 void Clip::intersect(const Clip& other, const QRect& sheet) {
-    if (other.bounded_)
+    if (other.bounded_) {
         intersect(other.region_, sheet);
-    for (const QPainterPath& path : other.paths_)
+    }
+    for (const QPainterPath& path : other.paths_) {
         intersect(path, sheet);
+    }
 }
 
 void Clip::combine(const QRegion& region, ClipMode mode, const QRect& sheet) {
@@ -55,8 +59,9 @@ void Clip::combine(const QRegion& region, ClipMode mode, const QRect& sheet) {
         intersect(region, sheet);
         return;
     case ClipMode::Or:
-        if (!isEverything())
+        if (!isEverything()) {
             become(toRegion(sheet).united(region));
+        }
         return;
     case ClipMode::Xor:
         become(toRegion(sheet).xored(region));
@@ -76,14 +81,16 @@ void Clip::translate(QPointF offset) {
     offset = {std::clamp(offset.x(), -kFarthest, kFarthest),
               std::clamp(offset.y(), -kFarthest, kFarthest)};
     region_.translate(offset.toPoint());
-    for (QPainterPath& path : paths_)
+    for (QPainterPath& path : paths_) {
         path.translate(offset);
+    }
 }
 
 QRegion Clip::toRegion(const QRect& sheet) const {
     QRegion region = bounded_ ? region_.intersected(sheet) : QRegion(sheet);
-    for (const QPainterPath& path : paths_)
+    for (const QPainterPath& path : paths_) {
         region &= regionOf(path, sheet);
+    }
     return region;
 }
 
@@ -95,8 +102,9 @@ void Clip::applyTo(QPainter& painter) const {
         return;
     }
     // Paths alone need a first clip that replaces the painter's old one.
-    if (bounded_)
+    if (bounded_) {
         painter.setClipRegion(region_, Qt::ReplaceClip);
+    }
     bool replace = !bounded_;
     for (const QPainterPath& path : paths_) {
         painter.setClipPath(path, replace ? Qt::ReplaceClip : Qt::IntersectClip);
@@ -106,15 +114,17 @@ void Clip::applyTo(QPainter& painter) const {
 
 double Clip::cost(const QRect& sheet) const {
     double cost = bounded_ ? regionCost(region_) : 0;
-    for (const QPainterPath& path : paths_)
+    for (const QPainterPath& path : paths_) {
         cost += fillCost(path, sheet, EdgeLook::Smooth);
+    }
     return cost;
 }
 
 std::size_t Clip::weight() const {
     std::size_t weight = bounded_ ? static_cast<std::size_t>(region_.rectCount()) : 0;
-    for (const QPainterPath& path : paths_)
+    for (const QPainterPath& path : paths_) {
         weight += static_cast<std::size_t>(path.elementCount());
+    }
     return weight;
 }
 
@@ -145,14 +155,16 @@ double pixelMiddle(double value) {
 
 QPainterPath sharpened(const QPainterPath& outline) {
     constexpr int kMostElements = 2000;
-    if (outline.elementCount() > kMostElements)
+    if (outline.elementCount() > kMostElements) {
         return outline;
+    }
     QPainterPath path = outline;
     for (int i = 1; i < outline.elementCount(); ++i) {
         const auto from = outline.elementAt(i - 1);
         const auto to = outline.elementAt(i);
-        if (to.type != QPainterPath::LineToElement)
+        if (to.type != QPainterPath::LineToElement) {
             continue;
+        }
         const auto movedFrom = path.elementAt(i - 1);
         const auto movedTo = path.elementAt(i);
         if (isStraight(from.x, to.x)) {
@@ -168,15 +180,17 @@ QPainterPath sharpened(const QPainterPath& outline) {
 
 std::optional<QRect> rectangleOf(const QPainterPath& outline) {
     constexpr int kCorners = 5; // the first one twice
-    if (outline.elementCount() < kCorners - 1 || outline.elementCount() > kCorners)
+    if (outline.elementCount() < kCorners - 1 || outline.elementCount() > kCorners) {
         return std::nullopt;
+    }
     for (int i = 1; i < outline.elementCount(); ++i) {
         const auto from = outline.elementAt(i - 1);
         const auto to = outline.elementAt(i);
         const bool across = isStraight(from.y, to.y);
         const bool down = isStraight(from.x, to.x);
-        if (to.type != QPainterPath::LineToElement || (!across && !down))
+        if (to.type != QPainterPath::LineToElement || (!across && !down)) {
             return std::nullopt;
+        }
     }
     const QRectF box = outline.controlPointRect();
     const int left = nearestWholePixel(box.left());
@@ -191,18 +205,21 @@ std::optional<QRect> rectangleOf(const QPainterPath& outline) {
         const QPointF to = outline.elementAt((i + 1) % outline.elementCount());
         area += (from.x() * to.y() - to.x() * from.y()) / 2;
     }
-    if (std::abs(std::abs(area) - corners) > 0.01 * corners)
+    if (std::abs(std::abs(area) - corners) > 0.01 * corners) {
         return std::nullopt;
+    }
     return QRect(left, top, std::max(1, right - left), std::max(1, bottom - top));
 }
 
 QRegion regionOf(const QPainterPath& path, const QRect& sheet) {
     const QRect bounds = path.controlPointRect().toAlignedRect() & sheet;
-    if (bounds.isEmpty())
+    if (bounds.isEmpty()) {
         return {};
+    }
     QImage mask(bounds.size(), QImage::Format_ARGB32_Premultiplied);
-    if (mask.isNull())
+    if (mask.isNull()) {
         return {};
+    }
     mask.fill(Qt::transparent);
     QPainter painter(&mask);
     painter.translate(-bounds.topLeft());
@@ -214,20 +231,24 @@ QRegion regionOf(const QPainterPath& path, const QRect& sheet) {
         int x = 0;
         while (x < mask.width()) {
             const int begin = x;
-            while (x < mask.width() && row[x] != 0)
+            while (x < mask.width() && row[x] != 0) {
                 ++x;
-            if (x > begin)
+            }
+            if (x > begin) {
                 region += QRect(bounds.left() + begin, bounds.top() + y, x - begin, 1);
-            while (x < mask.width() && row[x] == 0)
+            }
+            while (x < mask.width() && row[x] == 0) {
                 ++x;
+            }
         }
     }
     return region;
 }
 
 QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget) {
-    if (rectangles.size() <= 1)
+    if (rectangles.size() <= 1) {
         return rectangles.empty() ? QRegion() : QRegion(rectangles.front());
+    }
     // Halves first: one by one would copy the whole region as often as there are rectangles.
     const auto middle = rectangles.size() / 2;
     QRegion both =
@@ -238,8 +259,9 @@ QRegion unionOf(std::span<const QRect> rectangles, WorkBudget& budget) {
 
 QPainterPath pathOf(const QRegion& region) {
     constexpr int kMostRectangles = 200'000;
-    if (region.rectCount() > kMostRectangles)
+    if (region.rectCount() > kMostRectangles) {
         throw WorkExhausted();
+    }
     QPainterPath path;
     path.addRegion(region);
     return path;
@@ -250,8 +272,9 @@ Canvas::Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget)
       deviceToImage_(deviceToImage),
       scale_(std::sqrt(std::abs(deviceToImage.determinant()))),
       budget_(budget) {
-    if (image_.isNull())
+    if (image_.isNull()) {
         throw imaging::DecodeError("there is no memory for the picture");
+    }
     budget_.spendPixels(double{1} * size.width() * size.height());
     image_.fill(Qt::white);
     painter_.begin(&image_);

@@ -54,8 +54,9 @@ QTransform Mapping::pageToDevice(QSizeF pixelsPerMillimetre) const {
     if (mode == MapMode::Isotropic || mode == MapMode::Anisotropic) {
         scale = {orOne(viewportExtent.x()) / orOne(windowExtent.x()),
                  orOne(viewportExtent.y()) / orOne(windowExtent.y())};
-        if (mode == MapMode::Isotropic)
+        if (mode == MapMode::Isotropic) {
             scale = evened(scale, pixelsPerMillimetre);
+        }
     } else if (mode != MapMode::Text) {
         scale = {millimetres(mode) * pixelsPerMillimetre.width(),
                  -millimetres(mode) * pixelsPerMillimetre.height()};
@@ -84,8 +85,9 @@ QPainterPath DeviceContext::map(const QPainterPath& logical) const {
     QPainterPath path = toImage.map(logical);
     const QRectF box = path.controlPointRect();
     if (box.left() > -kFarthest && box.top() > -kFarthest && box.right() < kFarthest &&
-        box.bottom() < kFarthest)
+        box.bottom() < kFarthest) {
         return path;
+    }
     for (int i = 0; i < path.elementCount(); ++i) {
         const QPointF point = bounded(path.elementAt(i));
         path.setElementPositionAt(i, point.x(), point.y());

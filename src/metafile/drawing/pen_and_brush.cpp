@@ -36,10 +36,12 @@ QList<qreal> userDashes(const Pen& pen, double unit, double width) {
         // A dash without length is the dot that its round ends make.
         result.append(std::max(dash / width, 0.01));
     }
-    if (period < kShortest)
+    if (period < kShortest) {
         return {};
-    if (result.size() % 2 != 0)
+    }
+    if (result.size() % 2 != 0) {
         result += result;
+    }
     return result;
 }
 
@@ -47,8 +49,9 @@ QList<qreal> userDashes(const Pen& pen, double unit, double width) {
 
 QPen painterPen(const DeviceContext& context) {
     const Pen& pen = context.pen;
-    if (pen.style == PenStyle::Null || pen.brush.kind == BrushKind::Null)
+    if (pen.style == PenStyle::Null || pen.brush.kind == BrushKind::Null) {
         return Qt::NoPen;
+    }
     const bool cosmetic = pen.widthKind == PenWidth::Cosmetic;
     constexpr double kWidest = 30000; // image pixels; more covers no more of any sheet
     const double width = cosmetic ? 1 : std::clamp(pen.width * context.scale(), 1.0, kWidest);
@@ -57,15 +60,17 @@ QPen painterPen(const DeviceContext& context) {
     // Qt counts from the line's middle, in widths; others from tip to tip.
     result.setMiterLimit(std::max(1.0, context.miterLimit / 2));
     QList<qreal> pattern = dashes(pen.style, width < kThin);
-    if (pen.style == PenStyle::UserDashes)
+    if (pen.style == PenStyle::UserDashes) {
         pattern = userDashes(pen, cosmetic ? 1 : context.scale(), width);
-    else if (width < kThin && !pattern.isEmpty())
+    } else if (width < kThin && !pattern.isEmpty()) {
         std::for_each(pattern.begin(), pattern.end(), [width](qreal& dash) { dash /= width; });
+    }
     if (!pattern.isEmpty()) {
         result.setDashPattern(pattern);
         // Round ends would close the gaps of thin dashes.
-        if (width < kThin)
+        if (width < kThin) {
             result.setCapStyle(Qt::FlatCap);
+        }
     }
     return result;
 }

@@ -12,8 +12,9 @@ constexpr QRgb kOpaque = 0xFF000000;
 QRgb combine(std::uint8_t operation, QRgb pattern, QRgb source, QRgb destination) {
     QRgb result = 0;
     for (unsigned term = 0; term < 8; ++term) {
-        if ((operation >> term & 1U) == 0)
+        if ((operation >> term & 1U) == 0) {
             continue;
+        }
         const QRgb p = (term & 4U) != 0 ? pattern : ~pattern;
         const QRgb s = (term & 2U) != 0 ? source : ~source;
         const QRgb d = (term & 1U) != 0 ? destination : ~destination;
@@ -46,8 +47,9 @@ QImage combined(const OperationLayers& layers, std::uint8_t operation, std::uint
         const QRgb* mask = rowOf(layers.mask, y);
         auto* out = reinterpret_cast<QRgb*>(result.scanLine(y));
         for (int x = 0; x < result.width(); ++x) {
-            if (source != nullptr && qAlpha(source[x]) == 0)
+            if (source != nullptr && qAlpha(source[x]) == 0) {
                 continue;
+            }
             const bool behind = mask != nullptr && qGray(mask[x]) < 128;
             out[x] = combine(behind ? behindMask : operation, pattern != nullptr ? pattern[x] : 0,
                              source != nullptr ? source[x] : 0, destination[x]);

@@ -40,19 +40,23 @@ void ShapePainter::spend(const QPainterPath& outline, EdgeLook look) {
 }
 
 void ShapePainter::draw(const QPainterPath& outline, const DeviceContext& context, ShapePart part) {
-    if (!compositionMode(context.rasterOperation) || outline.isEmpty())
+    if (!compositionMode(context.rasterOperation) || outline.isEmpty()) {
         return;
+    }
     prepare(context);
-    if (part != ShapePart::Stroke && context.brush.kind != BrushKind::Null)
+    if (part != ShapePart::Stroke && context.brush.kind != BrushKind::Null) {
         paintFill(outline, context.brush, context);
-    if (part != ShapePart::Fill)
+    }
+    if (part != ShapePart::Fill) {
         paintStroke(outline, context);
+    }
 }
 
 void ShapePainter::fill(const QPainterPath& outline, const Brush& brush,
                         const DeviceContext& context) {
-    if (!compositionMode(context.rasterOperation) || brush.kind == BrushKind::Null)
+    if (!compositionMode(context.rasterOperation) || brush.kind == BrushKind::Null) {
         return;
+    }
     prepare(context);
     paintFill(outline, brush, context);
 }
@@ -83,12 +87,14 @@ void ShapePainter::fillSmoothly(const QPainterPath& outline, QRgb colour,
 
 QPainterPath ShapePainter::widened(const QPainterPath& outline, const DeviceContext& context) {
     const QPen pen = painterPen(context);
-    if (pen.style() == Qt::NoPen)
+    if (pen.style() == Qt::NoPen) {
         return {};
+    }
     // A pen's outline has many times the elements of its line, and may be widened again.
     constexpr int kMostElements = 20000;
-    if (outline.elementCount() > kMostElements)
+    if (outline.elementCount() > kMostElements) {
         throw WorkExhausted();
+    }
     canvas_.budget().spendPixels(strokeCost(outline, pen, canvas_.sheet(), EdgeLook::Stepped));
     QPainterPathStroker stroker(pen);
     stroker.setDashPattern(Qt::SolidLine);
@@ -119,16 +125,18 @@ void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
     // Neighbouring rectangles must meet without a seam.
     if (const auto rectangle = rectangleOf(outline)) {
         canvas_.budget().spendPixels(2 * fillCost(*rectangle, canvas_.sheet()));
-        if (showsGround)
+        if (showsGround) {
             painter.fillRect(*rectangle, ground);
+        }
         painter.fillRect(*rectangle, filling);
         return;
     }
     QPainterPath path = cutArea(outline, canvas_.sheet());
     spend(path, edgeLook(context));
     path.setFillRule(context.fillMode == FillMode::Winding ? Qt::WindingFill : Qt::OddEvenFill);
-    if (showsGround)
+    if (showsGround) {
         painter.fillPath(path, ground);
+    }
     painter.fillPath(path, filling);
 }
 
@@ -136,12 +144,14 @@ void ShapePainter::paintStroke(const QPainterPath& outline, const DeviceContext&
     constexpr double kMostDashes = 20000;
     canvas_.budget().spendPixels(patternCost(context.pen.brush));
     QPen pen = painterPen(context);
-    if (pen.style() == Qt::NoPen)
+    if (pen.style() == Qt::NoPen) {
         return;
+    }
     const double reach = pen.widthF() * std::max(1.0, 2 * pen.miterLimit());
     const QPainterPath lines = cutLines(outline, canvas_.sheet(), reach);
-    if (dashCount(lines, pen) > kMostDashes)
+    if (dashCount(lines, pen) > kMostDashes) {
         pen.setStyle(Qt::SolidLine);
+    }
     const double slowness = copiesPen(context) ? 1 : 2;
     canvas_.budget().spendPixels(slowness *
                                  strokeCost(lines, pen, canvas_.sheet(), edgeLook(context)));

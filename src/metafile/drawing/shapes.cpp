@@ -31,8 +31,9 @@ Turn turnOf(const Box& box, const DeviceContext& context) {
     const bool mirrored = context.toImage.determinant() < 0;
     const bool against = (context.arcDirection == ArcDirection::CounterClockwise) != mirrored;
     double sweep = against ? end - start : start - end;
-    while (sweep <= 0)
+    while (sweep <= 0) {
         sweep += kFullTurn;
+    }
     return {start, against ? sweep : -sweep};
 }
 
@@ -40,8 +41,9 @@ Turn turnOf(const Box& box, const DeviceContext& context) {
 QRectF insideFrame(const Box& box, const DeviceContext& context) {
     QRectF rectangle = box.rectangle.normalized();
     const Pen& pen = context.pen;
-    if (pen.style != PenStyle::InsideFrame || pen.widthKind == PenWidth::Cosmetic)
+    if (pen.style != PenStyle::InsideFrame || pen.widthKind == PenWidth::Cosmetic) {
         return rectangle;
+    }
     const double across = std::min(pen.width, rectangle.width()) / 2;
     const double down = std::min(pen.width, rectangle.height()) / 2;
     return rectangle.adjusted(across, down, -across, -down);
@@ -49,24 +51,28 @@ QRectF insideFrame(const Box& box, const DeviceContext& context) {
 
 void addCurves(QPainterPath& path, const QPointF* first, std::size_t count,
                const DeviceContext& context) {
-    for (std::size_t i = 1; i + 2 < count; i += 3)
+    for (std::size_t i = 1; i + 2 < count; i += 3) {
         path.cubicTo(context.map(first[i]), context.map(first[i + 1]), context.map(first[i + 2]));
+    }
 }
 
 void addPart(QPainterPath& path, const Poly& poly, std::size_t begin, std::size_t count,
              const DeviceContext& context) {
-    if (count == 0)
+    if (count == 0) {
         return;
+    }
     const QPointF* first = poly.points.data() + begin;
     path.moveTo(context.map(*first));
     if (poly.kind == PolyKind::Bezier) {
         addCurves(path, first, count, context);
         return;
     }
-    for (std::size_t i = 1; i < count; ++i)
+    for (std::size_t i = 1; i < count; ++i) {
         path.lineTo(context.map(first[i]));
-    if (poly.kind == PolyKind::Polygon)
+    }
+    if (poly.kind == PolyKind::Polygon) {
         path.closeSubpath();
+    }
 }
 
 } // namespace

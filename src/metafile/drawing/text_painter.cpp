@@ -31,8 +31,9 @@ struct Letter {
 
 double sumOf(const std::vector<double>& values, std::size_t begin, std::size_t end) {
     double sum = 0;
-    for (std::size_t i = begin; i < std::min(end, values.size()); ++i)
+    for (std::size_t i = begin; i < std::min(end, values.size()); ++i) {
         sum += values[i];
+    }
     return sum;
 }
 
@@ -69,18 +70,21 @@ std::vector<Letter> lettersOfGlyphs(const std::vector<std::uint16_t>& glyphs, co
         Letter letter;
         const bool usual = glyphs[i] >= kFirstGlyph && glyphs[i] < kFirstGlyph + kGlyphs;
         letter.character = usual ? U' ' + glyphs[i] - kFirstGlyph : U' ';
-        if (i < record.advances.size())
+        if (i < record.advances.size()) {
             letter.advance = record.advances[i];
-        if (i < record.verticalAdvances.size())
+        }
+        if (i < record.verticalAdvances.size()) {
             letter.rise = record.verticalAdvances[i];
+        }
         letters.push_back(letter);
     }
     return letters;
 }
 
 std::vector<Letter> lettersOf(const Text& record, const Font& font) {
-    if (const auto* glyphs = std::get_if<std::vector<std::uint16_t>>(&record.characters))
+    if (const auto* glyphs = std::get_if<std::vector<std::uint16_t>>(&record.characters)) {
         return lettersOfGlyphs(*glyphs, record);
+    }
     if (const auto* bytes = std::get_if<QByteArray>(&record.characters)) {
         const auto decoded =
             textOf(std::as_bytes(std::span(bytes->data(), static_cast<std::size_t>(bytes->size()))),
@@ -107,11 +111,13 @@ char32_t drawnCharacter(char32_t character, const ChosenFont& font) {
     }
     const bool isPrivate = character > kPrivateBegin && character <= kPrivateEnd;
     const bool isSymbol = isSymbolFont(font.record.family);
-    if (isPrivate && !isSymbol)
+    if (isPrivate && !isSymbol) {
         return character - kPrivateBegin;
+    }
     // An installed symbol font has its signs in the private range.
-    if (isSymbol && character > U' ' && character <= kPrivateEnd - kPrivateBegin)
+    if (isSymbol && character > U' ' && character <= kPrivateEnd - kPrivateBegin) {
         return character + kPrivateBegin;
+    }
     return character;
 }
 
@@ -131,10 +137,12 @@ struct Frame {
 double emOf(const Font& font, const FontMetrics& metrics, double logicalPerDevice) {
     constexpr double kUsualPixels = 13;
     const double unit = font.deviceUnits ? logicalPerDevice : 1;
-    if (font.height < 0)
+    if (font.height < 0) {
         return -font.height * unit;
-    if (font.height > 0)
+    }
+    if (font.height > 0) {
         return font.height * unit * kUnitsPerEm / std::max(1.0, metrics.ascent + metrics.descent);
+    }
     return kUsualPixels * logicalPerDevice;
 }
 
@@ -153,10 +161,11 @@ Frame frameOf(const ChosenFont& font, const DeviceContext& context) {
     const QTransform turned(world.m11(), world.m12() * fold * foldAcross,
                             world.m21() * fold * foldAcross, world.m22(), 0, 0);
     frame.toImage = turned * QTransform::fromScale(across, down);
-    if (font.record.width != 0 && frame.metrics.averageWidth > 0)
+    if (font.record.width != 0 && frame.metrics.averageWidth > 0) {
         frame.stretch = std::abs(font.record.width) / (frame.metrics.averageWidth * frame.perUnit);
-    else if (across > 0)
+    } else if (across > 0) {
         frame.stretch = down / across; // letters keep their shape on a page that does not
+    }
     // The angle counts in the page's own sense: where its y axis points up it turns the other way.
     QTransform turn;
     turn.rotate(-font.record.escapement / 10.0 * fold * foldAcross);
@@ -188,8 +197,9 @@ Line layOut(const std::vector<Letter>& letters, const ChosenFont& font, const Fr
         line.length +=
             frame.width(GlyphSource::ofThisThread().glyph(font.painterFont, character).advance) +
             context.characterExtra;
-        if (letter.character == U' ' && context.justification.breaks > 0)
+        if (letter.character == U' ' && context.justification.breaks > 0) {
             line.length += context.justification.extra / context.justification.breaks;
+        }
     }
     return line;
 }
@@ -197,16 +207,18 @@ Line layOut(const std::vector<Letter>& letters, const ChosenFont& font, const Fr
 QPointF originOf(const Line& line, const Frame& frame, unsigned alignment) {
     QPointF origin;
     const unsigned across = alignment & Centre;
-    if (across == Centre)
+    if (across == Centre) {
         origin.setX(-line.length / 2);
-    else if (across == Right)
+    } else if (across == Right) {
         origin.setX(-line.length);
-    if ((alignment & BaseLine) == BaseLine)
+    }
+    if ((alignment & BaseLine) == BaseLine) {
         origin.setY(0);
-    else if ((alignment & Bottom) != 0)
+    } else if ((alignment & Bottom) != 0) {
         origin.setY(-frame.descent());
-    else
+    } else {
         origin.setY(frame.ascent());
+    }
     return origin;
 }
 
@@ -226,19 +238,22 @@ QPainterPath outlineOf(const std::vector<Letter>& letters, const Line& line, con
         const Glyph glyph = GlyphSource::ofThisThread().glyph(
             font.painterFont, drawnCharacter(letters[i].character, font));
         // An empty box says less than a gap where a symbol has no counterpart.
-        if (glyph.outline.isEmpty() || (font.translatesSymbols && !glyph.isPresent))
+        if (glyph.outline.isEmpty() || (font.translatesSymbols && !glyph.isPresent)) {
             continue;
+        }
         const QTransform place =
             size * QTransform::fromTranslate(origin.x() + line.at[i], origin.y() - line.rise[i]);
         path.addPath(place.map(glyph.outline));
     }
     QPainterPath bars;
-    if (font.record.underline)
+    if (font.record.underline) {
         addBar(bars, frame, line.length, frame.metrics.underlineCentre,
                frame.metrics.underlineThickness);
-    if (font.record.strikeOut)
+    }
+    if (font.record.strikeOut) {
         addBar(bars, frame, line.length, -frame.metrics.strikeOutCentre,
                frame.metrics.strikeOutThickness);
+    }
     bars.translate(origin);
     path.addPath(bars);
     return path;
@@ -256,8 +271,9 @@ void putInOrderOfSight(std::vector<Letter>& letters) {
         const auto direction = QChar::direction(letter.character);
         return direction == QChar::DirL || direction == QChar::DirR || direction == QChar::DirAL;
     });
-    if (strong != letters.end() && QChar::direction(strong->character) != QChar::DirL)
+    if (strong != letters.end() && QChar::direction(strong->character) != QChar::DirL) {
         std::reverse(letters.begin(), letters.end());
+    }
 }
 
 } // namespace
@@ -265,8 +281,9 @@ void putInOrderOfSight(std::vector<Letter>& letters) {
 ChosenFont chosenFont(const Font& record) {
     ChosenFont font{record, {}, false};
     // An at sign asks for letters that stand upright in columns.
-    if (font.record.family.startsWith(u'@'))
+    if (font.record.family.startsWith(u'@')) {
         font.record.family.remove(0, 1);
+    }
     const Slant slant = record.italic ? Slant::Italic : Slant::Upright;
     font.painterFont = installedFont(
         {font.record.family, record.pitchAndFamily, record.characterSet, record.weight, slant});

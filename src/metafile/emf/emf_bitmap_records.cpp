@@ -41,8 +41,9 @@ std::uint8_t operationAt(const imaging::ByteReader& in, std::size_t at) {
 std::optional<QImage> sourceAt(const imaging::ByteReader& in, std::size_t usageAt,
                                const EmfReading& reading, AlphaUse alpha) {
     const auto header = partAt(in, usageAt + 4);
-    if (header.empty())
+    if (header.empty()) {
         return std::nullopt;
+    }
     const bool byPalette = in.u32(usageAt) == kPaletteColours;
     return readBitmap(
         {header, partAt(in, usageAt + 12), byPalette ? reading.palette() : nullptr, alpha});
@@ -51,8 +52,9 @@ std::optional<QImage> sourceAt(const imaging::ByteReader& in, std::size_t usageA
 std::optional<Bitmap> bitmapAt(const imaging::ByteReader& in, std::size_t usageAt,
                                const EmfReading& reading) {
     auto image = sourceAt(in, usageAt, reading, AlphaUse::Ignored);
-    if (!image)
+    if (!image) {
         return std::nullopt;
+    }
     return Bitmap{std::move(*image), false};
 }
 
@@ -67,12 +69,15 @@ QRectF sourcePart(const imaging::ByteReader& in, std::size_t cornerAt, QSizeF si
 // A plain copy tells no size of its source, so where axes are scaled its part is larger than all
 // there is. Everybody draws the whole bitmap then.
 void fitToSource(RasterBlit& blit) {
-    if (!blit.source)
+    if (!blit.source) {
         return;
+    }
     const QSize size = blit.source->image.size();
     const QRectF whole({0, 0}, QSizeF(size));
-    if (std::abs(blit.part.width()) > size.width() && std::abs(blit.part.height()) > size.height())
+    if (std::abs(blit.part.width()) > size.width() &&
+        std::abs(blit.part.height()) > size.height()) {
         blit.part = whole;
+    }
 }
 
 void readBlit(const EmfRecord& record, EmfReading& reading) {
@@ -86,8 +91,9 @@ void readBlit(const EmfRecord& record, EmfReading& reading) {
                                                   : QSizeF(rectangle.width(), rectangle.height());
     blit.part =
         record.type == StretchBlt ? QRectF(pointAt(in, 44), size) : sourcePart(in, 44, size);
-    if (record.type == BitBlt)
+    if (record.type == BitBlt) {
         fitToSource(blit);
+    }
     if (record.type == MaskBlt) {
         blit.behindMask = in.u8(43);
         blit.mask = bitmapAt(in, 108, reading);
@@ -111,8 +117,9 @@ void readParallelogram(const imaging::ByteReader& in, EmfReading& reading) {
 // In a bitmap whose rows run upwards the part's y counts from the bottom.
 QRectF partOf(std::span<const std::byte> header, const QImage& image, QPointF corner, QSizeF size) {
     const bool topDown = imaging::ByteReader(header).i32(8) < 0;
-    if (!topDown)
+    if (!topDown) {
         corner.setY(image.height() - corner.y() - size.height());
+    }
     return {corner, size};
 }
 
@@ -167,12 +174,14 @@ void readBlended(const EmfRecord& record, EmfReading& reading) {
     const bool blend = record.type == AlphaBlend;
     const bool ownAlpha = blend && in.u8(43) == kSourceAlpha;
     auto source = sourceAt(in, 80, reading, ownAlpha ? AlphaUse::Premultiplied : AlphaUse::Ignored);
-    if (!source)
+    if (!source) {
         return;
-    if (blend)
+    }
+    if (blend) {
         blit.opacity = in.u8(42) / 255.0;
-    else
+    } else {
         makeTransparent(*source, reading.colourAt(in, 40));
+    }
     blit.source = source->convertToFormat(QImage::Format_ARGB32_Premultiplied);
     reading.sink.take(blit);
 }

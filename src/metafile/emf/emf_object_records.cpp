@@ -33,8 +33,9 @@ Pen readPen(const EmfRecord& record, const EmfReading& reading) {
     pen.style = penStyleOf(in.u32(12));
     pen.width = std::abs(double{1} * in.i32(16));
     // A width of 1 counts as "as thin as the device can".
-    if (pen.width <= 1)
+    if (pen.width <= 1) {
         pen.widthKind = PenWidth::Cosmetic;
+    }
     pen.brush.colour = reading.colourAt(in, 24);
     return pen;
 }
@@ -56,8 +57,9 @@ std::vector<double> readDashes(const imaging::ByteReader& in, std::size_t at) {
     constexpr std::uint32_t kMost = 16; // as in the format
     std::vector<double> dashes;
     const std::uint32_t count = std::min(in.u32(at), kMost);
-    for (std::uint32_t i = 0; i < count; ++i)
+    for (std::uint32_t i = 0; i < count; ++i) {
         dashes.push_back(in.u32(at + 4 + std::size_t{4} * i));
+    }
     return dashes;
 }
 
@@ -81,8 +83,9 @@ Pen readExtendedPen(const EmfRecord& record, const EmfReading& reading) {
         pen.brush.pattern =
             readBitmap({partAt(in, 12), partAt(in, 20), nullptr, AlphaUse::Ignored});
     }
-    if (pen.style == PenStyle::UserDashes)
+    if (pen.style == PenStyle::UserDashes) {
         pen.dashes = readDashes(in, 48);
+    }
     return pen;
 }
 
@@ -102,8 +105,9 @@ Font readFont(const imaging::ByteReader& in) {
     font.pitchAndFamily = in.u8(39);
     for (std::size_t i = 0; i < kFaceUnits && in.has(kFaceAt + 2 * i, 2); ++i) {
         const std::uint16_t unit = in.u16(kFaceAt + 2 * i);
-        if (unit == 0)
+        if (unit == 0) {
             break;
+        }
         font.family.append(QChar(unit));
     }
     return font;
@@ -113,8 +117,9 @@ void readColours(const imaging::ByteReader& in, std::size_t at, std::size_t coun
                  std::vector<QRgb>& colours, std::size_t first) {
     constexpr std::size_t kMost = 65536;
     for (std::size_t i = 0; i < count && first + i < kMost && in.has(at + 4 * i, 4); ++i) {
-        if (colours.size() <= first + i)
+        if (colours.size() <= first + i) {
             colours.resize(first + i + 1);
+        }
         colours[first + i] = qRgb(in.u8(at + 4 * i), in.u8(at + 4 * i + 1), in.u8(at + 4 * i + 2));
     }
 }
@@ -124,23 +129,26 @@ void readPalette(const EmfRecord& record, EmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     const std::uint32_t handle = in.u32(8);
     if (record.type == CreatePalette) {
-        if (reading.palettes.size() >= kMostPalettes)
+        if (reading.palettes.size() >= kMostPalettes) {
             return;
+        }
         Palette palette;
         readColours(in, 16, in.u16(14), palette.colours, 0);
         reading.palettes[handle] = palette;
         return;
     }
     const auto found = reading.palettes.find(handle);
-    if (found != reading.palettes.end())
+    if (found != reading.palettes.end()) {
         readColours(in, 20, in.u32(16), found->second.colours, in.u32(12));
+    }
 }
 
 void select(std::uint32_t handle, RecordSink& sink) {
-    if ((handle & kStock) != 0)
+    if ((handle & kStock) != 0) {
         sink.take(SelectStockObject{stockObject(handle & ~kStock)});
-    else
+    } else {
         sink.take(SelectObject{handle});
+    }
 }
 
 } // namespace

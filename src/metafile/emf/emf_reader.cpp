@@ -24,8 +24,9 @@ double density(const imaging::ByteReader& in, std::size_t axis) {
     constexpr double kUsual = 96 / 25.4;
     const double pixels = in.i32(72 + 4 * axis);
     const double millimetres = in.i32(80 + 4 * axis);
-    if (pixels <= 0 || millimetres <= 0)
+    if (pixels <= 0 || millimetres <= 0) {
         return kUsual;
+    }
     const double value = pixels / millimetres;
     return value > 0.01 && value < 10000 ? value : kUsual;
 }
@@ -33,8 +34,9 @@ double density(const imaging::ByteReader& in, std::size_t axis) {
 // Whether hardly anything of what is drawn lies in the frame.
 bool isBeside(const QRectF& frame, const QRectF& bounds) {
     constexpr double kLeastShare = 0.25;
-    if (!(bounds.width() > 1) || !(bounds.height() > 1))
+    if (!(bounds.width() > 1) || !(bounds.height() > 1)) {
         return false;
+    }
     const QRectF seen = frame & bounds;
     const double smaller =
         std::min(bounds.width() * bounds.height(), frame.width() * frame.height());
@@ -46,14 +48,16 @@ bool isBeside(const QRectF& frame, const QRectF& bounds) {
 // something is, as large as it is.
 void fitToBounds(EmfLayout& layout, const QRectF& bounds) {
     constexpr double kFilled = 0.5;
-    if (!isBeside(layout.frame, bounds))
+    if (!isBeside(layout.frame, bounds)) {
         return;
+    }
     const QRectF turned(bounds.left(), -bounds.bottom(), bounds.width(), bounds.height());
     const QRectF filled = turned & layout.frame;
     layout.mirrored =
         filled.width() * filled.height() >= kFilled * layout.frame.width() * layout.frame.height();
-    if (!layout.mirrored)
+    if (!layout.mirrored) {
         layout.frame.moveTopLeft(bounds.topLeft());
+    }
 }
 
 bool isPlus(const imaging::ByteReader& comment) {
@@ -61,8 +65,9 @@ bool isPlus(const imaging::ByteReader& comment) {
 }
 
 void readComment(const imaging::ByteReader& in, RecordSink& sink) {
-    if (!isPlus(in))
+    if (!isPlus(in)) {
         return;
+    }
     const auto rest = in.rest(16);
     sink.takePlus(rest.first(std::min<std::size_t>(rest.size(), in.u32(8) - 4)));
 }
@@ -74,8 +79,9 @@ void readRecord(const EmfRecord& record, EmfReading& reading) {
     }
     for (const auto read :
          {readEmfState, readEmfObject, readEmfShape, readEmfText, readEmfBitmap}) {
-        if (read(record, reading))
+        if (read(record, reading)) {
             return;
+        }
     }
 }
 
@@ -87,16 +93,19 @@ FileEnd forEachRecord(std::span<const std::byte> bytes, RecordSink* sink, Read r
     while (in.has(at, kSmallest)) {
         const std::uint32_t type = in.u32(at);
         const std::size_t size = in.u32(at + 4);
-        if (type == kEndOfFile)
+        if (type == kEndOfFile) {
             return FileEnd::Reached;
-        if (size < kSmallest || !in.has(at, size))
+        }
+        if (size < kSmallest || !in.has(at, size)) {
             return FileEnd::Missing;
+        }
         try {
             read(EmfRecord{type, imaging::ByteReader(in.part(at, size))});
         } catch (const imaging::DecodeError&) {
             // The others make the picture still.
-            if (sink != nullptr)
+            if (sink != nullptr) {
                 sink->leaveOut();
+            }
         }
         at += size;
     }
@@ -106,8 +115,9 @@ FileEnd forEachRecord(std::span<const std::byte> bytes, RecordSink* sink, Read r
 } // namespace
 
 const Palette* EmfReading::palette() const {
-    if (!selectedPalette)
+    if (!selectedPalette) {
         return nullptr;
+    }
     const auto found = palettes.find(*selectedPalette);
     return found == palettes.end() ? nullptr : &found->second;
 }
@@ -127,8 +137,9 @@ QRectF rectangleAt(const imaging::ByteReader& in, std::size_t at) {
 double realAt(const imaging::ByteReader& in, std::size_t at) {
     constexpr double kMost = 1e9;
     const double value = std::bit_cast<float>(in.u32(at));
-    if (!std::isfinite(value))
+    if (!std::isfinite(value)) {
         throw imaging::DecodeError("a number in the metafile cannot be read");
+    }
     return std::clamp(value, -kMost, kMost);
 }
 
@@ -167,8 +178,9 @@ bool isEmf(std::span<const std::byte> bytes) {
 
 EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
     const imaging::ByteReader in(bytes);
-    if (!in.has(0, kSmallestHeader) || in.u32(0) != kHeader)
+    if (!in.has(0, kSmallestHeader) || in.u32(0) != kHeader) {
         throw imaging::DecodeError("the metafile's header cannot be read");
+    }
     constexpr double kHundredths = 100;
     EmfLayout layout;
     layout.pixelsPerMillimetre = {density(in, 0), density(in, 1)};
@@ -177,12 +189,14 @@ EmfLayout readEmfLayout(std::span<const std::byte> bytes) {
     const QRectF frame = rectangleAt(in, 24);
     layout.frame = QRectF(frame.left() * across, frame.top() * down, frame.width() * across,
                           frame.height() * down);
-    if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
+    if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0)) {
         layout.frame = rectangleAt(in, 8).adjusted(0, 0, 1, 1);
-    else
+    } else {
         fitToBounds(layout, rectangleAt(in, 8));
-    if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0))
+    }
+    if (!(layout.frame.width() > 0) || !(layout.frame.height() > 0)) {
         throw imaging::DecodeError("the metafile's frame is empty");
+    }
     return layout;
 }
 
@@ -202,16 +216,18 @@ DrawingWithoutPlus drawingWithoutPlus(std::span<const std::byte> bytes) {
     forEachRecord(bytes, nullptr, [&](const EmfRecord& record) {
         plusBegan = plusBegan || (record.type == kComment && isPlus(record.in));
         if (where == DrawingWithoutPlus::Nowhere &&
-            std::binary_search(kDrawing.begin(), kDrawing.end(), record.type))
+            std::binary_search(kDrawing.begin(), kDrawing.end(), record.type)) {
             where = plusBegan ? DrawingWithoutPlus::Behind : DrawingWithoutPlus::Before;
+        }
     });
     return where;
 }
 
 void readPlusComments(std::span<const std::byte> bytes, RecordSink& sink) {
     forEachRecord(bytes, &sink, [&](const EmfRecord& record) {
-        if (record.type == kComment)
+        if (record.type == kComment) {
             readComment(record.in, sink);
+        }
     });
 }
 

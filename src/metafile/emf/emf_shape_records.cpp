@@ -57,10 +57,11 @@ std::vector<QPointF> pointsAt(const imaging::ByteReader& in, std::size_t at, std
     std::vector<QPointF> points;
     points.reserve(std::min(count, there));
     for (std::size_t i = 0; i < std::min(count, there); ++i, at += step) {
-        if (size == PointSize::Small)
+        if (size == PointSize::Small) {
             points.emplace_back(in.i16(at), in.i16(at + 2));
-        else
+        } else {
             points.push_back(pointAt(in, at));
+        }
     }
     return points;
 }
@@ -113,8 +114,9 @@ PolyDraw readPolyDraw(const EmfRecord& record) {
     PolyDraw poly;
     poly.points = pointsAt(in, 28, in.u32(24), size);
     std::size_t at = 28 + poly.points.size() * static_cast<std::size_t>(size);
-    for (std::size_t i = 0; i < poly.points.size() && in.has(at, 1); ++i, ++at)
+    for (std::size_t i = 0; i < poly.points.size() && in.has(at, 1); ++i, ++at) {
         poly.types.push_back(in.u8(at));
+    }
     poly.points.resize(poly.types.size());
     return poly;
 }
@@ -143,8 +145,9 @@ Box readBox(const EmfRecord& record) {
     Box box;
     box.kind = boxKindOf(record.type);
     box.rectangle = rectangleAt(in, 8);
-    if (record.type == RoundRect)
+    if (record.type == RoundRect) {
         box.corner = QSizeF(in.u32(24), in.u32(28));
+    }
     if (record.type == Arc || record.type == ArcTo || record.type == Chord || record.type == Pie) {
         box.from = pointAt(in, 24);
         box.to = pointAt(in, 32);
@@ -182,17 +185,20 @@ GradientFill readGradient(const imaging::ByteReader& in) {
                 : mode == 1 ? GradientKind::Vertical
                             : GradientKind::Horizontal;
     in.part(36, vertices * kVertex);
-    for (std::size_t i = 0; i < vertices; ++i)
+    for (std::size_t i = 0; i < vertices; ++i) {
         fill.vertices.push_back(vertexAt(in, 36 + i * kVertex));
+    }
     const std::size_t corners = fill.kind == GradientKind::Triangle ? 3 : 2;
     std::size_t at = 36 + vertices * kVertex;
     for (std::size_t i = 0; i < meshes && in.has(at, 4 * corners); ++i, at += 4 * corners) {
         std::array<std::size_t, 3> mesh{};
-        for (std::size_t k = 0; k < corners; ++k)
+        for (std::size_t k = 0; k < corners; ++k) {
             mesh.at(k) = in.u32(at + 4 * k);
+        }
         if (std::all_of(mesh.begin(), mesh.end(),
-                        [&](std::size_t index) { return index < vertices; }))
+                        [&](std::size_t index) { return index < vertices; })) {
             fill.meshes.push_back(mesh);
+        }
     }
     return fill;
 }
@@ -224,8 +230,9 @@ bool readSinglePoint(const EmfRecord& record, const EmfReading& reading) {
 bool readEmfShape(const EmfRecord& record, EmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     RecordSink& sink = reading.sink;
-    if (readSinglePoint(record, reading))
+    if (readSinglePoint(record, reading)) {
         return true;
+    }
     switch (record.type) {
     case PolyBezier:
     case Polygon:

@@ -91,8 +91,9 @@ MappingPart mappingPartOf(std::uint32_t type) {
 
 double quotient(const imaging::ByteReader& in, std::size_t at) {
     const double divisor = in.i32(at + 4);
-    if (divisor == 0)
+    if (divisor == 0) {
         throw imaging::DecodeError("a scale in the metafile divides by zero");
+    }
     return in.i32(at) / divisor;
 }
 
@@ -128,10 +129,11 @@ void readClip(const EmfRecord& record, RecordSink& sink) {
         sink.take(ClipPath{clipModeOf(in.u32(8))});
         return;
     default: // ExtSelectClipRgn
-        if (clipModeOf(in.u32(12)) == ClipMode::Copy && in.u32(8) == 0)
+        if (clipModeOf(in.u32(12)) == ClipMode::Copy && in.u32(8) == 0) {
             sink.take(ResetClip{});
-        else
+        } else {
             sink.take(ClipRegion{clipModeOf(in.u32(12)), regionAt(in, 16)});
+        }
     }
 }
 
@@ -140,8 +142,9 @@ bool readMode(const EmfRecord& record, RecordSink& sink) {
     const std::uint32_t value = record.in.has(8, 4) ? record.in.u32(8) : 0;
     switch (record.type) {
     case SetMapMode_:
-        if (value >= 1 && value <= 8)
+        if (value >= 1 && value <= 8) {
             sink.take(SetMapMode{static_cast<MapMode>(value)});
+        }
         return true;
     case SetBkMode:
         sink.take(SetBackgroundOpaque{value != 1});
@@ -150,8 +153,9 @@ bool readMode(const EmfRecord& record, RecordSink& sink) {
         sink.take(SetFillMode{value == 2 ? FillMode::Winding : FillMode::Alternate});
         return true;
     case SetRop2:
-        if (value >= 1 && value <= 16)
+        if (value >= 1 && value <= 16) {
             sink.take(SetRasterOperation{static_cast<int>(value)});
+        }
         return true;
     case SetStretchBltMode:
         sink.take(SetSmoothStretching{value == 4});
@@ -186,13 +190,14 @@ bool readMapping(const EmfRecord& record, RecordSink& sink) {
         sink.take(SetWorldTransform{transformAt(in, 8)});
         return true;
     case ModifyWorldTransform:
-        if (in.u32(32) == 1)
+        if (in.u32(32) == 1) {
             sink.take(SetWorldTransform{});
-        else if (in.u32(32) == 4)
+        } else if (in.u32(32) == 4) {
             sink.take(SetWorldTransform{transformAt(in, 8)});
-        else
+        } else {
             sink.take(MultiplyWorldTransform{transformAt(in, 8),
                                              in.u32(32) == 3 ? Multiply::After : Multiply::Before});
+        }
         return true;
     default:
         return false;
@@ -204,8 +209,9 @@ bool readMapping(const EmfRecord& record, RecordSink& sink) {
 bool readEmfState(const EmfRecord& record, EmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     RecordSink& sink = reading.sink;
-    if (readMapping(record, sink) || readMode(record, sink))
+    if (readMapping(record, sink) || readMode(record, sink)) {
         return true;
+    }
     switch (record.type) {
     case SetBrushOrgEx:
         sink.take(SetBrushOrigin{originAt(in, 8)});

@@ -37,8 +37,9 @@ TextTransform transformOf(std::uint32_t graphicsMode) {
 QString unitsAt(const imaging::ByteReader& in, std::size_t at, std::size_t count) {
     QString text;
     text.reserve(static_cast<qsizetype>(count));
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         text.append(QChar(in.u16(at + 2 * i)));
+    }
     return text;
 }
 
@@ -53,8 +54,9 @@ std::size_t readCharacters(const imaging::ByteReader& in, std::size_t at, std::s
                                      static_cast<qsizetype>(bytes.size()));
     } else if ((options & GlyphIndex) != 0) {
         std::vector<std::uint16_t> glyphs;
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i) {
             glyphs.push_back(in.u16(at + 2 * i));
+        }
         text.characters = std::move(glyphs);
     } else {
         text.characters = unitsAt(in, at, count);
@@ -66,12 +68,14 @@ void readAdvances(const imaging::ByteReader& in, std::size_t at, std::size_t cou
                   std::uint32_t options, Text& text) {
     const bool pairs = (options & VerticalAdvances) != 0;
     const std::size_t step = pairs ? 8 : 4;
-    if (at == 0 || !in.has(at, count * step))
+    if (at == 0 || !in.has(at, count * step)) {
         return;
+    }
     for (std::size_t i = 0; i < count; ++i) {
         text.advances.push_back(in.i32(at + step * i));
-        if (pairs)
+        if (pairs) {
             text.verticalAdvances.push_back(in.i32(at + step * i + 4));
+        }
     }
 }
 
@@ -89,8 +93,9 @@ Text readText(const imaging::ByteReader& in, std::size_t at, CharacterWidth widt
     text.reference = pointAt(in, at);
     const std::uint32_t options = in.u32(at + 16);
     applyOptions(options, text);
-    if ((options & NoRectangle) == 0 && (options & (Opaque | Clipped)) != 0)
+    if ((options & NoRectangle) == 0 && (options & (Opaque | Clipped)) != 0) {
         text.rectangle = rectangleAt(in, at + 20);
+    }
     const std::size_t count =
         readCharacters(in, in.u32(at + 12), in.u32(at + 8), width, options, text);
     readAdvances(in, in.u32(at + 36), count, options, text);
@@ -105,8 +110,9 @@ Text readSmallText(const imaging::ByteReader& in) {
     applyOptions(options, text);
     std::size_t at = 36;
     if ((options & NoRectangle) == 0) {
-        if ((options & (Opaque | Clipped)) != 0)
+        if ((options & (Opaque | Clipped)) != 0) {
             text.rectangle = rectangleAt(in, at);
+        }
         at += 16;
     }
     const auto width =

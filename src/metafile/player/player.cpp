@@ -40,8 +40,9 @@ Player::Player(Canvas& canvas, QSizeF pixelsPerMillimetre, PlusHalf plusHalf,
       plus_(canvas, nested),
       shapes_(canvas),
       blits_(canvas) {
-    for (const std::uint32_t stock : {0U, 7U, 13U}) // white brush, black pen, system font
+    for (const std::uint32_t stock : {0U, 7U, 13U}) { // white brush, black pen, system font
         select(stockObject(stock));
+    }
     context_.imagePerDevice = canvas_.scale();
     remap();
 }
@@ -49,8 +50,9 @@ Player::Player(Canvas& canvas, QSizeF pixelsPerMillimetre, PlusHalf plusHalf,
 // A file that is played by its EMF+ half has other records besides: those it means too, and those
 // that only stand in for it.
 bool Player::skips(const Record& record) const {
-    if (plusHalf_ != PlusHalf::Played || plus_.wantsDeviceRecords())
+    if (plusHalf_ != PlusHalf::Played || plus_.wantsDeviceRecords()) {
         return false;
+    }
     return isOneOf<LineTo, Poly, PolyDraw, Box, AngleArc, SetPixel, FloodFill, RegionPaint,
                    GradientFill, Text, RasterBlit, AlphaBlit, PathStep, ClipPath>(record);
 }
@@ -59,12 +61,14 @@ void Player::take(const Record& record) {
     canvas_.budget().spendRecord();
     if (skips(record)) {
         // The picture in it has been decoded.
-        if (isOneOf<RasterBlit, AlphaBlit>(record))
+        if (isOneOf<RasterBlit, AlphaBlit>(record)) {
             canvas_.budget().lookAtClock();
+        }
         return;
     }
-    if (!isOneOf<MoveTo, LineTo>(record))
+    if (!isOneOf<MoveTo, LineTo>(record)) {
         flushLines();
+    }
     std::visit([this](const auto& kind) { on(kind); }, record);
 }
 
@@ -73,8 +77,9 @@ void Player::leaveOut() {
 }
 
 void Player::takePlus(std::span<const std::byte> comment) {
-    if (plusHalf_ == PlusHalf::Ignored)
+    if (plusHalf_ == PlusHalf::Ignored) {
         return;
+    }
     flushLines();
     plus_.play(comment);
     clipChanged();
@@ -83,33 +88,39 @@ void Player::takePlus(std::span<const std::byte> comment) {
 // ---- Objects
 
 void Player::on(const CreateObject& record) {
-    if (record.handle >= kMostObjects)
+    if (record.handle >= kMostObjects) {
         return;
+    }
     Object& object = objects_[record.handle];
     object = {}; // what it held is free before the new one is kept
     object = record.object;
-    if (auto* pen = std::get_if<Pen>(&object))
+    if (auto* pen = std::get_if<Pen>(&object)) {
         keepPattern(pen->brush);
-    if (auto* brush = std::get_if<Brush>(&object))
+    }
+    if (auto* brush = std::get_if<Brush>(&object)) {
         keepPattern(*brush);
+    }
 }
 
 void Player::keepPattern(Brush& brush) {
-    if (brush.kind != BrushKind::Pattern)
+    if (brush.kind != BrushKind::Pattern) {
         return;
+    }
     WorkBudget& budget = canvas_.budget();
     canvas_.renewPainter();
     clipChanged();
     budget.spendPixels(double{1} * brush.pattern.width() * brush.pattern.height());
     brush.pattern = budget.pictures().keep(brush.pattern);
-    if (brush.pattern.isNull())
+    if (brush.pattern.isNull()) {
         brush.kind = BrushKind::Null;
+    }
 }
 
 void Player::on(const SelectObject& record) {
     const auto found = objects_.find(record.handle);
-    if (found != objects_.end())
+    if (found != objects_.end()) {
         select(found->second);
+    }
 }
 
 void Player::on(const DeleteObject& record) {
@@ -117,10 +128,12 @@ void Player::on(const DeleteObject& record) {
 }
 
 void Player::select(const Object& object) {
-    if (const auto* pen = std::get_if<Pen>(&object))
+    if (const auto* pen = std::get_if<Pen>(&object)) {
         context_.pen = *pen;
-    if (const auto* brush = std::get_if<Brush>(&object))
+    }
+    if (const auto* brush = std::get_if<Brush>(&object)) {
         context_.brush = *brush;
+    }
     if (const auto* font = std::get_if<Font>(&object)) {
         context_.font = *font;
         fontChosen_ = false;
@@ -156,8 +169,9 @@ void Player::on(const SetMapMode& record) {
 void Player::on(const SetMapping& record) {
     const bool extent =
         record.part == MappingPart::WindowExtent || record.part == MappingPart::ViewportExtent;
-    if (extent && (record.value.x() == 0 || record.value.y() == 0))
+    if (extent && (record.value.x() == 0 || record.value.y() == 0)) {
         return;
+    }
     mappingPart(record.part) = record.value;
     remap();
 }
@@ -172,8 +186,9 @@ void Player::on(const ScaleMapping& record) {
     QPointF& part = mappingPart(record.part);
     const QPointF scaled(part.x() * record.factor.x(), part.y() * record.factor.y());
     if (scaled.x() != 0 && scaled.y() != 0 && std::abs(scaled.x()) < kMost &&
-        std::abs(scaled.y()) < kMost)
+        std::abs(scaled.y()) < kMost) {
         part = scaled;
+    }
     remap();
 }
 
@@ -189,19 +204,23 @@ void Player::on(const MultiplyWorldTransform& record) {
         record.order == Multiply::Before ? record.transform * world : world * record.transform;
     const double sum = std::abs(product.m11()) + std::abs(product.m12()) + std::abs(product.m21()) +
                        std::abs(product.m22()) + std::abs(product.dx()) + std::abs(product.dy());
-    if (sum < kMost)
+    if (sum < kMost) {
         world = product;
+    }
     remap();
 }
 
 void Player::on(const SaveState&) {
-    if (saved_.size() >= kMostStates)
+    if (saved_.size() >= kMostStates) {
         return;
+    }
     std::size_t weight = context_.clip.weight() + context_.frozenClip.weight();
-    if (!saved_.empty())
+    if (!saved_.empty()) {
         weight += savedWeights_.back();
-    if (weight > Clip::kMostSavedWeight)
+    }
+    if (weight > Clip::kMostSavedWeight) {
         throw WorkExhausted();
+    }
     saved_.push_back(context_);
     savedWeights_.push_back(weight);
 }
@@ -209,8 +228,9 @@ void Player::on(const SaveState&) {
 void Player::on(const RestoreState& record) {
     const auto count = static_cast<long long>(saved_.size());
     const long long index = record.state < 0 ? count + record.state : record.state - 1LL;
-    if (index < 0 || index >= count)
+    if (index < 0 || index >= count) {
         return;
+    }
     context_ = saved_[static_cast<std::size_t>(index)];
     saved_.resize(static_cast<std::size_t>(index));
     savedWeights_.resize(saved_.size());
@@ -233,8 +253,9 @@ void Player::clipTo(const QPainterPath& path, ClipMode mode) {
     const bool plain =
         context_.toImage.type() <= QTransform::TxScale && rectangleOf(path).has_value();
     // Whole pixels are found by painting the path, and combined row by row.
-    if (!plain || mode != ClipMode::And)
+    if (!plain || mode != ClipMode::And) {
         canvas_.budget().spendPixels(2.0 * sheet.width() * sheet.height());
+    }
     const auto pixels = [&] {
         return plain ? QRegion(path.boundingRect().toRect()) : metafile::regionOf(path, sheet);
     };
@@ -244,8 +265,9 @@ void Player::clipTo(const QPainterPath& path, ClipMode mode) {
     if (!smooth) {
         clip.combine(pixels(), mode, sheet);
     } else {
-        if (mode == ClipMode::Copy)
+        if (mode == ClipMode::Copy) {
             clip = {};
+        }
         clip.intersect(path, sheet);
     }
     clipChanged();
@@ -267,9 +289,10 @@ void Player::on(const ClipRegion& record) {
     spendClip();
     std::vector<QRect> rectangles;
     rectangles.reserve(record.rectangles.size());
-    for (const QRect& rectangle : record.rectangles)
+    for (const QRect& rectangle : record.rectangles) {
         rectangles.push_back(
             (canvas_.deviceToImage().mapRect(QRectF(rectangle)) & QRectF(sheet)).toRect());
+    }
     const QRegion region = unionOf(rectangles, canvas_.budget());
     context_.clip.combine(region, record.mode, sheet);
     clipChanged();
@@ -289,8 +312,9 @@ void Player::on(const FreezeClip&) {
 }
 
 void Player::on(const ClipPath& record) {
-    if (path_.isEmpty())
+    if (path_.isEmpty()) {
         return; // without a path there is nothing to select
+    }
     QPainterPath path = path_;
     path.setFillRule(context_.fillMode == FillMode::Winding ? Qt::WindingFill : Qt::OddEvenFill);
     path_ = {};
@@ -317,8 +341,9 @@ void Player::on(const RegionPaint& record) {
                     : stockObject(static_cast<std::uint32_t>(*record.brush) & 0x7FFFFFFFU);
     }
     const auto* filling = std::get_if<Brush>(&brush);
-    if (filling == nullptr)
+    if (filling == nullptr) {
         return;
+    }
     if (record.action == RegionAction::Invert) {
         shapes_.invert(outline, context_);
     } else if (record.action == RegionAction::Frame) {

@@ -20,8 +20,9 @@ QPainterPath closed(const QPainterPath& path) {
     for (int i = 0; i < path.elementCount(); ++i) {
         const auto element = path.elementAt(i);
         if (element.type == QPainterPath::MoveToElement) {
-            if (!result.isEmpty())
+            if (!result.isEmpty()) {
                 result.closeSubpath();
+            }
             result.moveTo(element);
         } else if (element.type == QPainterPath::LineToElement) {
             result.lineTo(element);
@@ -30,8 +31,9 @@ QPainterPath closed(const QPainterPath& path) {
             i += 2;
         }
     }
-    if (!result.isEmpty())
+    if (!result.isEmpty()) {
         result.closeSubpath();
+    }
     return result;
 }
 
@@ -59,16 +61,18 @@ bool continues(PolyKind kind) {
 
 QPainterPath& Player::goOn(QPainterPath& path) {
     bool& open = &path == &path_ ? figureOpen_ : lineOpen_;
-    if (!open || path.elementCount() == 0)
+    if (!open || path.elementCount() == 0) {
         path.moveTo(context_.map(context_.position));
+    }
     open = true;
     return path;
 }
 
 void Player::flushLines() {
     lineOpen_ = false;
-    if (lines_.isEmpty())
+    if (lines_.isEmpty()) {
         return;
+    }
     const QPainterPath lines = std::exchange(lines_, {});
     shapes_.draw(lines, context_, ShapePart::Stroke);
 }
@@ -86,8 +90,9 @@ void Player::on(const LineTo& record) {
     } else {
         goOn(lines_).lineTo(context_.map(record.point));
         // Where lines change what they cross, each is drawn for itself.
-        if (lines_.elementCount() > kMostElements || context_.rasterOperation != 13)
+        if (lines_.elementCount() > kMostElements || context_.rasterOperation != 13) {
             flushLines();
+        }
     }
     context_.position = record.point;
 }
@@ -97,8 +102,9 @@ void Player::on(const LineTo& record) {
 // Paths grow from record to record: a few files' worth of text would fill the memory.
 void Player::boundPath() const {
     constexpr int kMostElements = 1'500'000;
-    if (path_.elementCount() > kMostElements)
+    if (path_.elementCount() > kMostElements) {
         throw WorkExhausted();
+    }
 }
 
 void Player::drawOutline(const QPainterPath& outline, ShapePart part) {
@@ -124,8 +130,9 @@ void Player::drawAndMove(const QPainterPath& outline, QPointF end) {
 }
 
 void Player::on(const Poly& record) {
-    if (record.points.empty())
+    if (record.points.empty()) {
         return;
+    }
     if (!continues(record.kind)) {
         const bool closed = record.kind == PolyKind::Polygon;
         drawOutline(outlineOf(record, context_),
@@ -141,8 +148,9 @@ void Player::on(const Poly& record) {
 void Player::on(const PolyDraw& record) {
     QPainterPath own;
     QPainterPath& path = inPath() ? path_ : own;
-    if (!inPath())
+    if (!inPath()) {
         own.moveTo(context_.map(context_.position));
+    }
     for (std::size_t i = 0; i < record.points.size(); ++i) {
         const unsigned type = record.types[i];
         const unsigned kind = type & ~unsigned{kClosesFigure};
@@ -157,15 +165,18 @@ void Player::on(const PolyDraw& record) {
                 .cubicTo(context_.map(record.points[i]), context_.map(record.points[i + 1]),
                          context_.map(record.points[last]));
         }
-        if (inPath())
+        if (inPath()) {
             figureOpen_ = true;
+        }
         context_.position = record.points[last];
-        if ((record.types[last] & kClosesFigure) != 0)
+        if ((record.types[last] & kClosesFigure) != 0) {
             path.closeSubpath();
+        }
         i = last;
     }
-    if (!inPath())
+    if (!inPath()) {
         shapes_.draw(own, context_, ShapePart::Stroke);
+    }
 }
 
 void Player::joinArc(const QPainterPath& arc) {
@@ -177,8 +188,9 @@ void Player::joinArc(const QPainterPath& arc) {
 }
 
 void Player::on(const Box& record) {
-    if (record.rectangle.width() == 0 && record.rectangle.height() == 0)
+    if (record.rectangle.width() == 0 && record.rectangle.height() == 0) {
         return;
+    }
     if (record.kind == BoxKind::ArcTo) {
         joinArc(arcOf(record, context_));
         return;
@@ -222,8 +234,9 @@ void Player::on(const PathStep& record) {
         pathOpen_ = false;
         return;
     case PathAction::CloseFigure:
-        if (inPath() && !path_.isEmpty())
+        if (inPath() && !path_.isEmpty()) {
             path_.closeSubpath();
+        }
         figureOpen_ = false;
         return;
     case PathAction::Fill:
@@ -257,8 +270,9 @@ void Player::on(const Text& record) {
         path.addRect(record.rectangle->normalized());
         return context_.map(path);
     };
-    if (record.opaque && record.rectangle && !inPath())
+    if (record.opaque && record.rectangle && !inPath()) {
         shapes_.fill(rectangle(), context_.backgroundColour, context_);
+    }
     const PlacedText placed = placeText(record, font_, context_, canvas_.budget());
     const bool movesPosition = (context_.textAlignment & 1U) != 0;
     if (inPath()) {
@@ -268,18 +282,21 @@ void Player::on(const Text& record) {
     } else {
         const Clip clip = context_.clip;
         const bool clipped = record.clipped && record.rectangle;
-        if (clipped)
+        if (clipped) {
             clipTo(rectangle(), ClipMode::And);
-        if (context_.backgroundOpaque)
+        }
+        if (context_.backgroundOpaque) {
             shapes_.fill(placed.background, context_.backgroundColour, context_);
+        }
         shapes_.fillSmoothly(placed.outline, context_.textColour, context_);
         if (clipped) {
             context_.clip = clip;
             clipChanged();
         }
     }
-    if (movesPosition)
+    if (movesPosition) {
         context_.position += placed.advance;
+    }
 }
 
 } // namespace metafile

@@ -41,8 +41,9 @@ Layout readLayout(PlusCursor& in) {
 
 void requireModest(std::int64_t width, std::int64_t height) {
     imaging::requireSensibleSize(width, height);
-    if (width * height > kMaximumBitmapPixels)
+    if (width * height > kMaximumBitmapPixels) {
         throw imaging::DecodeError("a picture inside the metafile has more than 24 million pixels");
+    }
 }
 
 // In place where the depth allows it: a second copy of a large picture is too much.
@@ -70,11 +71,13 @@ QImage readCompressed(std::span<const std::byte> bytes) {
     QBuffer buffer(&data);
     QImageReader reader(&buffer);
     reader.setDecideFormatFromContent(true);
-    if (!reader.size().isEmpty())
+    if (!reader.size().isEmpty()) {
         requireModest(reader.size().width(), reader.size().height());
+    }
     QImage image = reader.read();
-    if (image.isNull())
+    if (image.isNull()) {
         throw imaging::DecodeError("a picture inside the metafile cannot be read");
+    }
     return inArgb(std::move(image));
 }
 
@@ -106,8 +109,9 @@ QImage::Format qtFormat(std::uint32_t format) {
 QList<QRgb> readPalette(PlusCursor& in) {
     in.u32(); // flags
     QList<QRgb> colours;
-    for (std::size_t left = in.count(4); left > 0; --left)
+    for (std::size_t left = in.count(4); left > 0; --left) {
         colours.append(in.colour());
+    }
     return colours;
 }
 
@@ -140,17 +144,20 @@ QImage readByHand(const Layout& layout, std::span<const std::byte> pixels,
 
 QImage readPixels(const Layout& layout, PlusCursor& in) {
     QList<QRgb> palette;
-    if ((layout.format & kIndexedFlag) != 0)
+    if ((layout.format & kIndexedFlag) != 0) {
         palette = readPalette(in);
+    }
     const auto bits = static_cast<std::int64_t>(layout.format >> 8U & 0xFFU);
     const auto pixels = in.rest();
     const std::int64_t needed = std::int64_t{layout.stride} * (layout.height - 1) +
                                 (std::int64_t{layout.width} * bits + 7) / 8;
     if (layout.stride < (std::int64_t{layout.width} * bits + 7) / 8 ||
-        static_cast<std::int64_t>(pixels.size()) < needed)
+        static_cast<std::int64_t>(pixels.size()) < needed) {
         throw imaging::DecodeError("a picture inside the metafile is cut short");
-    if (layout.format == kFourBits || layout.format == kArgb1555)
+    }
+    if (layout.format == kFourBits || layout.format == kArgb1555) {
         return readByHand(layout, pixels, palette);
+    }
     QImage image(reinterpret_cast<const uchar*>(pixels.data()), layout.width, layout.height,
                  layout.stride, qtFormat(layout.format));
     if (!palette.isEmpty()) {
@@ -173,8 +180,9 @@ QByteArray metafileOf(std::span<const std::byte> bytes) {
     const bool isPadded = in.has(0, kPlaceableHeader + 6) && in.u32(0) == kPlaceableKey &&
                           in.u16(kPlaceableHeader) == 0 &&
                           in.u16(kPlaceableHeader + 4) == kWordsOfNextHeader;
-    if (isPadded)
+    if (isPadded) {
         metafile.remove(kPlaceableHeader, 2);
+    }
     return metafile;
 }
 
@@ -189,11 +197,13 @@ PlusImage readPlusImage(std::span<const std::byte> data) {
         const std::size_t size = in.count(1);
         return {{}, metafileOf(in.bytes(size))};
     }
-    if (type != kBitmap)
+    if (type != kBitmap) {
         throw imaging::DecodeError("a picture inside the metafile is of an unknown kind");
+    }
     const Layout layout = readLayout(in);
-    if (layout.compressed)
+    if (layout.compressed) {
         return {readCompressed(in.rest()), {}};
+    }
     requireModest(layout.width, layout.height);
     return {readPixels(layout, in), {}};
 }
@@ -201,11 +211,13 @@ PlusImage readPlusImage(std::span<const std::byte> data) {
 bool plusImageHasAlpha(std::span<const std::byte> data) {
     PlusCursor in(data);
     in.u32();
-    if (in.u32() != kBitmap)
+    if (in.u32() != kBitmap) {
         return false;
+    }
     const Layout layout = readLayout(in);
-    if (!layout.compressed)
+    if (!layout.compressed) {
         return (layout.format & kAlphaFlag) != 0;
+    }
     // PNG and GIF pictures may have it, JPG ones never.
     const auto kind = imaging::sniff(in.rest());
     return !kind || *kind == imaging::PictureKind::Gif;

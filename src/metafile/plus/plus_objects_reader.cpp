@@ -27,8 +27,9 @@ QPainterPath readPath(PlusCursor in);
 
 void readTransform(PlusCursor& in, std::uint32_t flags, PlusBrush& brush) {
     constexpr std::uint32_t kTransform = 0x2;
-    if ((flags & kTransform) != 0)
+    if ((flags & kTransform) != 0) {
         brush.transform = in.transform();
+    }
 }
 
 PlusWrap wrapOf(std::uint32_t value) {
@@ -51,14 +52,17 @@ constexpr std::uint32_t kSharesDown = 0x10;
 template <typename Stop, typename Read>
 std::vector<Stop> readPlaced(PlusCursor& in, Read read) {
     const std::size_t count = in.count(8);
-    if (count > kMostStops)
+    if (count > kMostStops) {
         throw imaging::DecodeError("a gradient in the metafile has too many colours");
+    }
     std::vector<Stop> stops(count);
     double latest = 0;
-    for (Stop& stop : stops)
+    for (Stop& stop : stops) {
         stop.at = latest = std::clamp(in.real(), latest, 1.0);
-    for (Stop& stop : stops)
+    }
+    for (Stop& stop : stops) {
         read(stop);
+    }
     return stops;
 }
 
@@ -74,8 +78,9 @@ std::vector<PlusShare> readShares(PlusCursor& in) {
 std::vector<PlusStop> stopsOf(const std::vector<PlusShare>& shares, QRgb from, QRgb to) {
     std::vector<PlusStop> stops;
     stops.reserve(shares.size());
-    for (const PlusShare& share : shares)
+    for (const PlusShare& share : shares) {
         stops.push_back({share.at, mixed(from, to, share.share)});
+    }
     return stops;
 }
 
@@ -86,8 +91,9 @@ PlusBrush readTexture(PlusCursor& in) {
     brush.wrap = wrapOf(in.u32());
     readTransform(in, flags, brush);
     brush.texture = readPlusImage(in.rest()).image;
-    if (brush.texture.isNull())
+    if (brush.texture.isNull()) {
         throw imaging::DecodeError("a texture in the metafile cannot be read");
+    }
     return brush;
 }
 
@@ -100,10 +106,12 @@ PlusBrush readPathGradient(PlusCursor& in) {
     brush.wrap = wrapOf(in.u32());
     brush.colour = in.colour();
     brush.centre = in.point();
-    for (std::size_t left = in.count(4); left > 0; --left)
+    for (std::size_t left = in.count(4); left > 0; --left) {
         brush.surroundings.push_back(in.colour());
-    if (brush.surroundings.empty())
+    }
+    if (brush.surroundings.empty()) {
         brush.surroundings.push_back(qRgba(0, 0, 0, 0));
+    }
     if ((flags & kBoundaryPath) != 0) {
         const std::size_t size = in.count(1);
         brush.boundary = readPath(PlusCursor(in.bytes(size)));
@@ -114,10 +122,11 @@ PlusBrush readPathGradient(PlusCursor& in) {
         brush.boundary.closeSubpath();
     }
     readTransform(in, flags, brush);
-    if ((flags & kPresetColours) != 0)
+    if ((flags & kPresetColours) != 0) {
         brush.stops = readColours(in);
-    else if ((flags & kShares) != 0)
+    } else if ((flags & kShares) != 0) {
         brush.shares = readShares(in);
+    }
     if ((flags & kFocus) != 0) {
         in.u32(); // how many numbers follow: always two
         brush.focus = in.point();
@@ -135,13 +144,15 @@ PlusBrush readLinearGradient(PlusCursor& in) {
     const QRgb to = in.colour();
     in.bytes(std::min<std::size_t>(in.left(), 8)); // reserved; some writers leave them out
     readTransform(in, flags, brush);
-    if ((flags & kPresetColours) != 0)
+    if ((flags & kPresetColours) != 0) {
         brush.stops = readColours(in);
-    else if ((flags & (kShares | kSharesDown)) != 0)
+    } else if ((flags & (kShares | kSharesDown)) != 0) {
         brush.stops = stopsOf(readShares(in), from, to);
+    }
     brush.runsDown = (flags & (kPresetColours | kShares | kSharesDown)) == kSharesDown;
-    if (brush.stops.empty())
+    if (brush.stops.empty()) {
         brush.stops = {{0, from}, {1, to}};
+    }
     return brush;
 }
 
@@ -178,8 +189,9 @@ void setLineEnd(PlusLineEnd& end, std::uint32_t value) {
     constexpr std::uint32_t kFirstHead = 0x11;
     constexpr std::uint32_t kLastHead = 0x14;
     end.cap = capOf(value);
-    if (value >= kFirstHead && value <= kLastHead)
+    if (value >= kFirstHead && value <= kLastHead) {
         end.head = static_cast<PlusHead>(value - kFirstHead + 1);
+    }
 }
 
 std::vector<double> dashesOf(std::uint32_t style) {
@@ -199,8 +211,9 @@ std::vector<double> dashesOf(std::uint32_t style) {
 
 std::vector<double> readReals(PlusCursor& in) {
     std::vector<double> values(in.count(4));
-    for (double& value : values)
+    for (double& value : values) {
         value = std::max(0.0, in.real());
+    }
     return values;
 }
 
@@ -239,10 +252,12 @@ void readPathCap(PlusCursor& in, PlusLineEnd& end) {
     const double scale = in.real();
     in.bytes(16); // two points that are always zero
     const QTransform larger = QTransform::fromScale(scale, scale);
-    if ((parts & kFill) != 0)
+    if ((parts & kFill) != 0) {
         end.fill = larger.map(readSizedPath(in));
-    if ((parts & kLine) != 0)
+    }
+    if ((parts & kLine) != 0) {
         end.line = larger.map(readSizedPath(in));
+    }
     end.lineWidth = std::clamp(std::abs(scale), 0.01, 100.0);
 }
 
@@ -253,10 +268,11 @@ void readCustomEnd(PlusCursor& in, PlusLineEnd& end) {
     PlusCursor cap(in.bytes(size));
     cap.u32(); // version
     end.head = PlusHead::Custom;
-    if (cap.u32() == kArrow)
+    if (cap.u32() == kArrow) {
         readArrow(cap, end);
-    else
+    } else {
         readPathCap(cap, end);
+    }
 }
 
 // The optional fields stand in the order of their flags.
@@ -282,34 +298,46 @@ PlusPen readPen(PlusCursor in) {
     const auto has = [&](Field field) { return (fields & field) != 0; };
     pen.unit = in.unit();
     pen.width = std::abs(in.real());
-    if (has(Transform))
+    if (has(Transform)) {
         pen.transform = in.transform();
-    if (has(StartCap))
+    }
+    if (has(StartCap)) {
         setLineEnd(pen.start, in.u32());
-    if (has(EndCap))
+    }
+    if (has(EndCap)) {
         setLineEnd(pen.end, in.u32());
+    }
     if (has(Join)) {
         const std::uint32_t join = in.u32();
         pen.join = join == 1 ? Qt::BevelJoin : join == 2 ? Qt::RoundJoin : Qt::MiterJoin;
     }
-    if (has(MiterLimit))
+    if (has(MiterLimit)) {
         pen.miterLimit = in.real();
-    if (has(LineStyle))
+    }
+    if (has(LineStyle)) {
         pen.dashes = dashesOf(in.u32());
-    if (has(DashCap))
+    }
+    if (has(DashCap)) {
         pen.dashCap = capOf(in.u32());
-    if (has(DashOffset))
+    }
+    if (has(DashOffset)) {
         pen.dashOffset = in.real();
-    if (has(Dashes))
+    }
+    if (has(Dashes)) {
         pen.dashes = readReals(in);
-    if (has(Alignment) && in.u32() == 1)
+    }
+    if (has(Alignment) && in.u32() == 1) {
         pen.place = PlusPenPlace::Inside;
-    if (has(Compound))
+    }
+    if (has(Compound)) {
         pen.lines = readReals(in);
-    if (has(CustomStartCap))
+    }
+    if (has(CustomStartCap)) {
         readCustomEnd(in, pen.start);
-    if (has(CustomEndCap))
+    }
+    if (has(CustomEndCap)) {
         readCustomEnd(in, pen.end);
+    }
     pen.brush = readBrush(PlusCursor(in.rest()));
     return pen;
 }
@@ -324,8 +352,9 @@ std::vector<std::uint8_t> readTypes(PlusCursor& in, std::size_t count, bool runs
         }
         const std::size_t length = in.u8() & kRunLength;
         const std::uint8_t type = in.u8();
-        if (length == 0)
+        if (length == 0) {
             throw imaging::DecodeError("a path in the metafile cannot be read");
+        }
         types.insert(types.end(), std::min(length, count - types.size()), type);
     }
     return types;
@@ -360,8 +389,9 @@ QPainterPath readPath(PlusCursor in) {
         } else {
             path.moveTo(points[i]);
         }
-        if ((types[i] & kCloses) != 0)
+        if ((types[i] & kCloses) != 0) {
             path.closeSubpath();
+        }
     }
     return path;
 }
@@ -393,10 +423,11 @@ PlusRegion readRegion(PlusCursor in) {
     PlusRegion region;
     for (std::size_t missing = 1; missing > 0;) {
         region.nodes.push_back(readRegionNode(in));
-        if (region.nodes.back().kind < PlusRegionKind::Shape)
+        if (region.nodes.back().kind < PlusRegionKind::Shape) {
             ++missing;
-        else
+        } else {
             --missing;
+        }
     }
     return region;
 }
@@ -446,8 +477,9 @@ PlusStringFormat readStringFormat(PlusCursor in) {
 double PlusCursor::real() {
     constexpr double kMost = 1e9;
     const double value = std::bit_cast<float>(u32());
-    if (!std::isfinite(value))
+    if (!std::isfinite(value)) {
         throw imaging::DecodeError("a number in the metafile cannot be read");
+    }
     return std::clamp(value, -kMost, kMost);
 }
 
@@ -471,8 +503,9 @@ QRectF PlusCursor::smallRectangle() {
 
 QTransform PlusCursor::transform() {
     std::array<double, 6> m{};
-    for (double& value : m)
+    for (double& value : m) {
         value = real();
+    }
     return {m[0], m[1], m[2], m[3], m[4], m[5]};
 }
 
@@ -482,15 +515,17 @@ PlusUnit PlusCursor::unit() {
 
 QString PlusCursor::text(std::size_t units) {
     QString text;
-    for (std::size_t i = 0; i < units; ++i)
+    for (std::size_t i = 0; i < units; ++i) {
         text.append(QChar(u16()));
+    }
     return text;
 }
 
 std::size_t PlusCursor::count(std::size_t size) {
     const std::size_t count = u32();
-    if (count > left() / size)
+    if (count > left() / size) {
         throw imaging::DecodeError("the metafile is cut short");
+    }
     return count;
 }
 
@@ -503,8 +538,9 @@ std::vector<QPointF> readPlusPoints(PlusCursor& in, std::size_t count, PlusPoint
     const auto step = [&] {
         constexpr unsigned kLong = 0x80;
         const unsigned first = in.u8();
-        if ((first & kLong) == 0)
+        if ((first & kLong) == 0) {
             return static_cast<double>(static_cast<int>(first << 25U) >> 25);
+        }
         const unsigned value = (first & 0x7FU) << 8U | in.u8();
         return static_cast<double>(static_cast<int>(value << 17U) >> 17);
     };

@@ -78,8 +78,9 @@ struct Reading {
 
     PlusFillWith brush() {
         const std::uint32_t value = in.u32();
-        if (has(IsColour))
+        if (has(IsColour)) {
             return QRgb{value};
+        }
         return std::size_t{value};
     }
     QRectF rectangle() { return has(IsSmall) ? in.smallRectangle() : in.rectangle(); }
@@ -98,8 +99,9 @@ struct Reading {
 QPainterPath polygonOf(const std::vector<QPointF>& points, bool closed) {
     QPainterPath path;
     path.addPolygon(QPolygonF(QList<QPointF>(points.begin(), points.end())));
-    if (closed)
+    if (closed) {
         path.closeSubpath();
+    }
     return path;
 }
 
@@ -107,8 +109,9 @@ QPainterPath rectanglesOf(Reading& reading) {
     QPainterPath path;
     path.setFillRule(Qt::WindingFill);
     const std::size_t count = reading.in.count(8);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         path.addRect(reading.rectangle().normalized());
+    }
     return path;
 }
 
@@ -118,21 +121,24 @@ QPainterPath arcOf(Reading& reading, bool pie) {
     const double sweep = std::clamp(reading.in.real(), -360.0, 360.0);
     const QRectF rectangle = reading.rectangle().normalized();
     QPainterPath path;
-    if (pie)
+    if (pie) {
         path.moveTo(rectangle.center());
-    else
+    } else {
         path.arcMoveTo(rectangle, -start);
+    }
     path.arcTo(rectangle, -start, -sweep);
-    if (pie)
+    if (pie) {
         path.closeSubpath();
+    }
     return path;
 }
 
 // A cardinal spline: at each point the curve runs along its neighbours' difference.
 QPainterPath splineOf(const std::vector<QPointF>& points, double tension, bool closed) {
     constexpr double kThird = 1.0 / 3;
-    if (points.size() < 2)
+    if (points.size() < 2) {
         return {};
+    }
     const std::size_t count = points.size();
     const auto tangent = [&](std::size_t i) {
         const std::size_t before = i > 0 ? i - 1 : closed ? count - 1 : 0;
@@ -144,18 +150,21 @@ QPainterPath splineOf(const std::vector<QPointF>& points, double tension, bool c
         const std::size_t next = (i + 1) % count;
         path.cubicTo(points[i] + tangent(i), points[next] - tangent(next), points[next]);
     }
-    if (closed)
+    if (closed) {
         path.closeSubpath();
+    }
     return path;
 }
 
 QPainterPath curvesOf(const std::vector<QPointF>& points) {
     QPainterPath path;
-    if (points.empty())
+    if (points.empty()) {
         return path;
+    }
     path.moveTo(points[0]);
-    for (std::size_t i = 1; i + 2 < points.size(); i += 3)
+    for (std::size_t i = 1; i + 2 < points.size(); i += 3) {
         path.cubicTo(points[i], points[i + 1], points[i + 2]);
+    }
     return path;
 }
 
@@ -231,8 +240,9 @@ std::optional<PlusRecord> readStroke(Reading& reading) {
         const std::size_t first = reading.in.u32();
         const std::size_t segments = reading.in.u32();
         const std::vector<QPointF> all = reading.points();
-        if (first >= all.size())
+        if (first >= all.size()) {
             return std::nullopt;
+        }
         const auto begin = all.begin() + static_cast<std::ptrdiff_t>(first);
         const std::size_t taken = std::min(segments + 1, all.size() - first);
         stroke.shape =
@@ -289,13 +299,15 @@ PlusDrawLetters readLetters(Reading& reading) {
     letters.firstPlaceOnly = (options & FollowAdvances) != 0;
     // Writers align the places or do not; they write all of them or the first one alone.
     const std::size_t matrix = transformed ? 24 : 0;
-    if (count % 2 != 0 && reading.in.left() >= 8 * count + matrix + 2)
+    if (count % 2 != 0 && reading.in.left() >= 8 * count + matrix + 2) {
         reading.in.u16();
+    }
     const bool isShort = letters.firstPlaceOnly && reading.in.left() < 8 * count + matrix;
     const std::size_t places = isShort ? std::min<std::size_t>(count, 1) : count;
     letters.places = readPlusPoints(reading.in, places, PlusPoints::Real);
-    if (transformed && reading.in.left() >= 24)
+    if (transformed && reading.in.left() >= 24) {
         letters.transform = reading.in.transform();
+    }
     return letters;
 }
 
@@ -424,23 +436,29 @@ std::optional<PlusRecord> readDrawing(Reading& reading) {
 }
 
 std::optional<PlusRecord> readAny(Reading& reading) {
-    if (reading.type == Header)
+    if (reading.type == Header) {
         return readHeader(reading);
-    if (reading.type == GetDc)
+    }
+    if (reading.type == GetDc) {
         return PlusGetContext{};
-    if (reading.type >= SetWorldTransform && reading.type <= RotateWorldTransform)
+    }
+    if (reading.type >= SetWorldTransform && reading.type <= RotateWorldTransform) {
         return readWorld(reading);
-    if (reading.type >= SetClipRect && reading.type <= SetClipRegion)
+    }
+    if (reading.type >= SetClipRect && reading.type <= SetClipRegion) {
         return readClip(reading);
-    if (auto setting = readSetting(reading))
+    }
+    if (auto setting = readSetting(reading)) {
         return setting;
+    }
     return readDrawing(reading);
 }
 
 void define(unsigned flags, std::span<const std::byte> data, const PlusReader::Sink& sink) {
     const std::size_t id = flags & 0xFFU;
-    if (id < kNumbers)
+    if (id < kNumbers) {
         sink(PlusDefine{id, readPlusObject(flags >> 8U & 0x7FU, data)});
+    }
 }
 
 } // namespace
@@ -454,8 +472,9 @@ bool forEachPlusRecord(
     while (in.has(at, kHeader)) {
         const std::size_t size = in.u32(at + 4);
         const std::size_t dataSize = in.u32(at + 8);
-        if (size < kHeader || !in.has(at, size) || dataSize > size - kHeader)
+        if (size < kHeader || !in.has(at, size) || dataSize > size - kHeader) {
             return false;
+        }
         take(in.u16(at), in.u16(at + 2), in.part(at + kHeader, dataSize));
         at += size;
     }
@@ -469,20 +488,23 @@ void PlusReader::readObject(std::uint16_t flags, std::span<const std::byte> data
     constexpr std::size_t kTotalSize = 4;
     const bool continues = (flags & kContinues) != 0;
     const unsigned what = flags & ~kContinues;
-    if (unfinished_ && unfinished_->flags != what)
+    if (unfinished_ && unfinished_->flags != what) {
         unfinished_.reset();
+    }
     if (!continues && !unfinished_) {
         define(what, data, sink);
         return;
     }
-    if (!unfinished_)
+    if (!unfinished_) {
         unfinished_ = Unfinished{what, imaging::ByteReader(data).u32(0), {}};
+    }
     std::vector<std::byte>& bytes = unfinished_->bytes;
     const auto part = continues ? imaging::ByteReader(data).rest(kTotalSize) : data;
     const auto fitting = part.first(std::min(part.size(), unfinished_->size - bytes.size()));
     bytes.insert(bytes.end(), fitting.begin(), fitting.end());
-    if (continues && bytes.size() < unfinished_->size)
+    if (continues && bytes.size() < unfinished_->size) {
         return;
+    }
     const Unfinished whole = std::move(*unfinished_);
     unfinished_.reset();
     define(what, whole.bytes, sink);
@@ -496,8 +518,9 @@ void PlusReader::readRecord(std::uint16_t type, std::uint16_t flags,
     }
     unfinished_.reset();
     Reading reading{type, flags, PlusCursor(data)};
-    if (const auto record = readAny(reading))
+    if (const auto record = readAny(reading)) {
         sink(*record);
+    }
 }
 
 void PlusReader::read(std::span<const std::byte> comment, const Sink& sink,

@@ -37,10 +37,12 @@ bool isRichObject(std::uint16_t flags, std::span<const std::byte> data) {
     constexpr unsigned kImage = 5;
     constexpr unsigned kContinues = 0x8000;
     const unsigned type = flags >> 8U & 0x7FU;
-    if ((flags & kContinues) != 0)
+    if ((flags & kContinues) != 0) {
         data = data.subspan(std::min<std::size_t>(4, data.size()));
-    if (type == kBrush)
+    }
+    if (type == kBrush) {
         return isRichBrush(data);
+    }
     if (type == kPen) {
         const PlusObject object = readPlusObject(type, data);
         const auto* pen = std::get_if<PlusPen>(&object);
@@ -58,10 +60,12 @@ bool isFill(std::uint16_t type) {
 
 // Records that cannot be drawn as they are meant, or only by luck.
 bool isBeyondUs(std::uint16_t type, std::span<const std::byte> data) {
-    if (type == kStrokeFillPath || type == kSerializableObject || type > kLastKnown)
+    if (type == kStrokeFillPath || type == kSerializableObject || type > kLastKnown) {
         return true;
-    if (type != kDrawDriverString)
+    }
+    if (type != kDrawDriverString) {
         return false;
+    }
     constexpr unsigned kCharacters = 1; // else numbers of glyphs in a font that may not be here
     PlusCursor in(data);
     in.u32(); // brush
@@ -74,14 +78,17 @@ void PlusSurvey::look(std::span<const std::byte> comment) {
     const bool followed = forEachPlusRecord(
         comment, [&](std::uint16_t type, std::uint16_t flags, std::span<const std::byte> data) {
             found_ = true;
-            if (type == kHeader)
+            if (type == kHeader) {
                 dual_ = (flags & 1U) != 0;
+            }
             try {
                 unknown_ = unknown_ || isBeyondUs(type, data);
-                if (type == kObject)
+                if (type == kObject) {
                     better_ = better_ || isRichObject(flags, data);
-                if (isFill(type) && (flags & kIsColour) != 0)
+                }
+                if (isFill(type) && (flags & kIsColour) != 0) {
                     better_ = better_ || isTranslucent(PlusCursor(data).u32());
+                }
             } catch (const imaging::DecodeError&) {
                 // Too short to tell; what follows in the next comment belongs to it.
                 return;

@@ -16,8 +16,9 @@ QRectF shareOf(const QRectF& part, const QRectF& frame) {
     constexpr double kTolerance = 0.02;
     constexpr double kSmallest = 0.01;
     constexpr QRectF kWhole(0, 0, 1, 1);
-    if (frame.isEmpty() || part.isEmpty())
+    if (frame.isEmpty() || part.isEmpty()) {
         return kWhole;
+    }
     const QRectF share((part.x() - frame.x()) / frame.width(),
                        (part.y() - frame.y()) / frame.height(), part.width() / frame.width(),
                        part.height() / frame.height());
@@ -36,15 +37,17 @@ QRectF shareOf(const QRectF& part, const QRectF& frame) {
 void drawBitmap(Canvas& canvas, const QImage& image, const QRectF& part,
                 const PlusImagePlace& place) {
     const QSizeF size = place.size();
-    if (image.isNull() || part.width() <= 0 || part.height() <= 0)
+    if (image.isNull() || part.width() <= 0 || part.height() <= 0) {
         return;
+    }
     canvas.budget().spendPixels(double{1} * image.width() * image.height());
     canvas.budget().spendPixels(
         4 * std::min(size.width() * size.height(),
                      double{1} * canvas.sheet().width() * canvas.sheet().height()));
     const QRect seen = (part & QRectF(image.rect())).toAlignedRect() & image.rect();
-    if (seen.isEmpty())
+    if (seen.isEmpty()) {
         return;
+    }
     // How many pixels the seen part's side gets; a wild share is none that fits anyway.
     const auto share = [](double whole, double seenSide, double partSide) {
         return static_cast<int>(
@@ -57,8 +60,9 @@ void drawBitmap(Canvas& canvas, const QImage& image, const QRectF& part,
     const int least = imaging::isVeryLarge(seen.size()) ? 2 : 1;
     const bool shrinks =
         wanted.width() * least < seen.width() && wanted.height() * least < seen.height();
-    if (shrinks)
+    if (shrinks) {
         source = imaging::smoothlyScaled(source, wanted);
+    }
     const QTransform placed =
         QTransform::fromScale(double{1} * seen.width() / source.width(),
                               double{1} * seen.height() / source.height()) *
@@ -73,8 +77,9 @@ void drawBitmap(Canvas& canvas, const QImage& image, const QRectF& part,
         painter.setRenderHint(QPainter::Antialiasing, false);
         const QRectF box = placed.mapRect(QRectF(source.rect()));
         if (std::abs(box.left()) > kFarthest || std::abs(box.top()) > kFarthest ||
-            box.width() > kFarthest || box.height() > kFarthest)
+            box.width() > kFarthest || box.height() > kFarthest) {
             return;
+        }
         const QPoint topLeft = box.topLeft().toPoint();
         const QPoint end = box.bottomRight().toPoint();
         painter.drawImage(QRect(topLeft, end - QPoint(1, 1)) | QRect(topLeft, QSize(1, 1)), source);
@@ -113,12 +118,14 @@ void drawPlusImage(Canvas& canvas, const PlusImage& image, const QRectF& part,
     const QSizeF size = place.size();
     if (!(size.width() > 0) || !(size.height() > 0) || size.width() > kFarthest ||
         size.height() > kFarthest || std::abs(place.corner.x()) > kFarthest ||
-        std::abs(place.corner.y()) > kFarthest)
+        std::abs(place.corner.y()) > kFarthest) {
         return;
-    if (image.metafile.isEmpty())
+    }
+    if (image.metafile.isEmpty()) {
         drawBitmap(canvas, image.image, part.normalized(), place);
-    else
+    } else {
         drawMetafile(canvas, image.metafile, part.normalized(), place, nested);
+    }
 }
 
 } // namespace metafile

@@ -22,8 +22,9 @@ bool flipsDown(PlusWrap wrap) {
 }
 
 QGradient::Spread spreadOf(PlusWrap wrap, bool runsDown) {
-    if (wrap == PlusWrap::Clamp)
+    if (wrap == PlusWrap::Clamp) {
         return QGradient::PadSpread;
+    }
     return (runsDown ? flipsDown(wrap) : flipsAcross(wrap)) ? QGradient::ReflectSpread
                                                             : QGradient::RepeatSpread;
 }
@@ -34,8 +35,9 @@ void setStops(QGradient& gradient, const std::vector<PlusStop>& stops) {
     QGradientStops result;
     for (const PlusStop& stop : stops) {
         double at = stop.at;
-        if (!result.isEmpty() && at <= result.last().first)
+        if (!result.isEmpty() && at <= result.last().first) {
             at = result.last().first + kNext;
+        }
         result.append({std::min(at, 1.0), QColor::fromRgba(stop.colour)});
     }
     gradient.setStops(result);
@@ -57,19 +59,23 @@ QImage mirroredTile(const QImage& texture, PlusWrap wrap) {
     const bool across = flipsAcross(wrap);
     const bool down = flipsDown(wrap);
     const std::int64_t pixels = std::int64_t{4} * texture.width() * texture.height();
-    if ((!across && !down) || pixels > kMaximumBitmapPixels)
+    if ((!across && !down) || pixels > kMaximumBitmapPixels) {
         return texture;
+    }
     QImage tile =
         imaging::newImage({texture.width() * (across ? 2 : 1), texture.height() * (down ? 2 : 1)},
                           QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&tile);
     painter.drawImage(0, 0, texture);
-    if (across)
+    if (across) {
         painter.drawImage(texture.width(), 0, texture.mirrored(true, false));
-    if (down)
+    }
+    if (down) {
         painter.drawImage(0, texture.height(), texture.mirrored(false, true));
-    if (across && down)
+    }
+    if (across && down) {
         painter.drawImage(texture.width(), texture.height(), texture.mirrored(true, true));
+    }
     return tile;
 }
 

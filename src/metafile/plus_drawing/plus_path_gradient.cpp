@@ -25,8 +25,9 @@ std::array<Value, kSteps> tableOf(const std::vector<Stop>& stops, Between betwee
     std::size_t next = 0;
     for (std::size_t step = 0; step < kSteps; ++step) {
         const double at = static_cast<double>(step) / (kSteps - 1);
-        while (next < stops.size() && stops[next].at < at)
+        while (next < stops.size() && stops[next].at < at) {
             ++next;
+        }
         if (next == 0 || next == stops.size()) {
             const Stop& stop = next == 0 ? stops.front() : stops.back();
             table[step] = between(stop, stop, 0.0);
@@ -89,8 +90,9 @@ class Wedge {
     }
 
     QRect touched(const QRect& sheet) const {
-        if (!(reach_ > 0))
+        if (!(reach_ > 0)) {
             return {};
+        }
         const QPolygonF corners{centre_, centre_ + first_ * reach_, centre_ + second_ * reach_};
         return (corners.boundingRect() & QRectF(sheet)).toAlignedRect() & sheet;
     }
@@ -105,8 +107,9 @@ class Wedge {
                 const double second = (first_.x() * at.y() - first_.y() * at.x()) / area_;
                 constexpr double kTouching = -1e-6;
                 const double out = first + second;
-                if (first < kTouching || second < kTouching || out > reach_)
+                if (first < kTouching || second < kTouching || out > reach_) {
                     continue;
+                }
                 const double share = out > 0 ? std::clamp(second / out, 0.0, 1.0) : 0;
                 const QRgb edge = firstColour == secondColour
                                       ? firstColour
@@ -137,8 +140,9 @@ void paintPathGradient(QImage& layer, const PlusBrush& brush, const QTransform& 
     constexpr double kCostOfPixel = 8;
     const QPolygonF edge = toLayer.map(brush.boundary).toFillPolygon();
     const QPointF centre = toLayer.map(brush.centre);
-    if (!isSensible(edge.boundingRect()) || !isSensible(QRectF(centre, QSizeF(1, 1))))
+    if (!isSensible(edge.boundingRect()) || !isSensible(QRectF(centre, QSizeF(1, 1)))) {
         return;
+    }
     const Shading shading(brush);
     const auto colourAt = [&](qsizetype point) {
         const std::size_t last = brush.surroundings.size() - 1;

@@ -66,12 +66,14 @@ void setDashes(QPen& result, const PlusPen& pen, double length, WorkBudget& budg
         period += dash;
     }
     period *= result.widthF();
-    if (period < kShortestPeriod || length / period > kMostDashes)
+    if (period < kShortestPeriod || length / period > kMostDashes) {
         return;
+    }
     budget.spendPoints(static_cast<std::size_t>(8 * length / period) *
                        static_cast<std::size_t>(dashes.size() / 2 + 1));
-    if (dashes.size() % 2 != 0)
+    if (dashes.size() % 2 != 0) {
         dashes += dashes;
+    }
     // Round ends belong to the dash, where a painter adds them.
     if (pen.dashCap == PlusCap::Round) {
         for (qsizetype i = 0; i + 1 < dashes.size(); i += 2) {
@@ -90,8 +92,9 @@ void setDashes(QPen& result, const PlusPen& pen, double length, WorkBudget& budg
 // How much shorter a line becomes so that it does not stick out of its head.
 double insetOf(const PlusLineEnd& end) {
     constexpr double kOfArrow = 1.5;
-    if (end.head == PlusHead::Custom)
+    if (end.head == PlusHead::Custom) {
         return end.inset;
+    }
     return end.head == PlusHead::Arrow ? kOfArrow : 0;
 }
 
@@ -104,12 +107,13 @@ QPainterPath polygon(const QPolygonF& corners) {
 
 QPainterPath capShape(PlusCap cap) {
     QPainterPath path;
-    if (cap == PlusCap::Round)
+    if (cap == PlusCap::Round) {
         path.addEllipse(QPointF(), 0.5, 0.5);
-    else if (cap == PlusCap::Square)
+    } else if (cap == PlusCap::Square) {
         path.addRect(-0.5, 0, 1, 0.5);
-    else if (cap == PlusCap::Triangle)
+    } else if (cap == PlusCap::Triangle) {
         path = polygon({QPointF(-0.5, 0), QPointF(0, 0.5), QPointF(0.5, 0)});
+    }
     return path;
 }
 
@@ -132,8 +136,9 @@ QPainterPath headShape(const PlusLineEnd& end) {
     case PlusHead::Custom:
         break;
     }
-    if (end.fill.elementCount() > kMostHeadPoints || end.line.elementCount() > kMostHeadPoints)
+    if (end.fill.elementCount() > kMostHeadPoints || end.line.elementCount() > kMostHeadPoints) {
         return path;
+    }
     path = end.fill;
     if (!end.line.isEmpty()) {
         QPainterPathStroker stroker;
@@ -161,8 +166,9 @@ class HeadMaker {
         const QPainterPath whole = line;
         int begin = 0;
         for (int i = 1; i <= whole.elementCount(); ++i) {
-            if (i < whole.elementCount() && !whole.elementAt(i).isMoveTo())
+            if (i < whole.elementCount() && !whole.elementAt(i).isMoveTo()) {
                 continue;
+            }
             if (isOpen(whole, begin, i - 1)) {
                 put(line, heads, begin, begin + 1, startShape_, startInset_);
                 put(line, heads, i - 1, i - 2, endShape_, endInset_);
@@ -178,13 +184,15 @@ class HeadMaker {
 
     void put(QPainterPath& line, QPainterPath& heads, int tipAt, int beforeAt,
              const QPainterPath& shape, double inset) const {
-        if (heads.elementCount() > kMostHeadPoints)
+        if (heads.elementCount() > kMostHeadPoints) {
             return;
+        }
         const QPointF tip = line.elementAt(tipAt);
         const QPointF way = tip - QPointF(line.elementAt(beforeAt));
         const double length = std::hypot(way.x(), way.y());
-        if (length == 0)
+        if (length == 0) {
             return;
+        }
         const QPointF along = way / length;
         const QTransform place(along.y() * width_, -along.x() * width_, along.x() * width_,
                                along.y() * width_, tip.x(), tip.y());
@@ -234,8 +242,9 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
 
     PlusLine result;
     result.roundNib = width < kThin || keepsCircles(turn) || !isSensibleNib(turn);
-    if (!result.roundNib)
+    if (!result.roundNib) {
         result.toImage = turn * QTransform::fromScale(1 / scale, 1 / scale);
+    }
     result.line = result.toImage.inverted().map(line);
     const bool painterCaps = hasPainterCaps(pen);
     result.pen = QPen(brush, width, Qt::SolidLine,
@@ -244,17 +253,19 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
     if (!painterCaps) {
         constexpr std::size_t kPointsAround = 20; // to widen a head's line
         budget.spendPoints(4 * static_cast<std::size_t>(line.elementCount()));
-        for (const PlusLineEnd* end : {&pen.start, &pen.end})
+        for (const PlusLineEnd* end : {&pen.start, &pen.end}) {
             budget.spendPoints(static_cast<std::size_t>(end->fill.elementCount() +
                                                         kPointsAround * end->line.elementCount()));
+        }
         HeadMaker(pen, width).make(result.line, result.heads);
         budget.spendPoints(static_cast<std::size_t>(result.heads.elementCount()));
         result.heads = result.toImage.map(result.heads);
     }
-    if (!pen.dashes.empty())
+    if (!pen.dashes.empty()) {
         setDashes(result.pen, pen, result.line.length(), budget);
-    else if (result.roundNib && width < kThin)
+    } else if (result.roundNib && width < kThin) {
         result.line = sharpened(result.line);
+    }
     return result;
 }
 
@@ -269,11 +280,13 @@ double plusLineCost(const PlusLine& line, const QRect& sheet) {
         // As wide as the ellipse is long, with as many dashes.
         const double stretch = stretchOf(line.toImage);
         QList<qreal> dashes = pen.dashPattern();
-        for (qreal& dash : dashes)
+        for (qreal& dash : dashes) {
             dash /= stretch;
+        }
         pen.setWidthF(pen.widthF() * stretch);
-        if (pen.style() == Qt::CustomDashLine)
+        if (pen.style() == Qt::CustomDashLine) {
             pen.setDashPattern(dashes);
+        }
     }
     return strokeCost(line.toImage.map(line.line), pen, sheet, EdgeLook::Smooth) +
            fillCost(line.heads, sheet, EdgeLook::Smooth);
@@ -286,8 +299,9 @@ void paintPlusLine(QPainter& painter, const PlusLine& line) {
         const QPainterPathStroker stroker(line.pen);
         painter.fillPath(line.toImage.map(stroker.createStroke(line.line)), line.pen.brush());
     }
-    if (!line.heads.isEmpty())
+    if (!line.heads.isEmpty()) {
         painter.fillPath(line.heads, line.pen.brush());
+    }
 }
 
 // From the outermost line inwards: each gap and each line inside of it is painted with a narrower
@@ -309,13 +323,15 @@ void paintPlusLines(QPainter& painter, const PlusLine& line, const std::vector<d
     PlusLine part = line;
     for (std::size_t i = 0; i < std::min(edges.size(), kMostEdges); ++i) {
         const double share = 1 - 2 * edges[i];
-        if (share <= 0)
+        if (share <= 0) {
             break;
+        }
         part.pen.setWidthF(width * share);
         if (line.pen.style() == Qt::CustomDashLine) {
             QList<qreal> dashes = line.pen.dashPattern();
-            for (qreal& dash : dashes)
+            for (qreal& dash : dashes) {
                 dash /= share;
+            }
             part.pen.setDashPattern(dashes);
             part.pen.setDashOffset(line.pen.dashOffset() / share);
         }

@@ -68,18 +68,22 @@ class PlusPlayer::Impl {
         PlusObject& object = objects_.at(record.id);
         object = {}; // what it held is free before the new one is kept
         object = record.object;
-        if (auto* brush = std::get_if<PlusBrush>(&object))
+        if (auto* brush = std::get_if<PlusBrush>(&object)) {
             keep(brush->texture);
-        if (auto* pen = std::get_if<PlusPen>(&object))
+        }
+        if (auto* pen = std::get_if<PlusPen>(&object)) {
             keep(pen->brush.texture);
-        if (auto* image = std::get_if<PlusImage>(&object))
+        }
+        if (auto* image = std::get_if<PlusImage>(&object)) {
             keep(image->image);
+        }
     }
 
     void keep(QImage& picture) {
         constexpr double kCostOfPixel = 4;
-        if (picture.isNull())
+        if (picture.isNull()) {
             return;
+        }
         canvas_.renewPainter();
         clipSet_ = false;
         canvas_.budget().spendPixels(kCostOfPixel * picture.width() * picture.height());
@@ -101,8 +105,9 @@ class PlusPlayer::Impl {
                                        ? state_.world * record.transform
                                        : record.transform * state_.world;
         if (std::abs(product.determinant()) < kMost && std::abs(product.dx()) < kMost &&
-            std::abs(product.dy()) < kMost)
+            std::abs(product.dy()) < kMost) {
             state_.world = product;
+        }
     }
     void on(const PlusSetPage& record) {
         const double unit = pageUnit(record.unit) * record.scale;
@@ -142,12 +147,14 @@ class PlusPlayer::Impl {
     void on(const PlusSetOrigin& record) { state_.origin = record.origin; }
 
     void save(std::uint32_t number) {
-        if (saved_.size() >= kMostStates)
+        if (saved_.size() >= kMostStates) {
             return;
+        }
         const std::size_t before = saved_.empty() ? 0 : saved_.back().weight;
         const std::size_t weight = before + state_.clip.weight();
-        if (weight > Clip::kMostSavedWeight)
+        if (weight > Clip::kMostSavedWeight) {
             throw WorkExhausted();
+        }
         saved_.push_back({number, state_, weight});
     }
 
@@ -163,8 +170,9 @@ class PlusPlayer::Impl {
             state_.world * state_.page * state_.container * canvas_.deviceToImage();
         for (const double cell : {product.m11(), product.m12(), product.m21(), product.m22(),
                                   product.dx(), product.dy()}) {
-            if (!(std::abs(cell) < kMost))
+            if (!(std::abs(cell) < kMost)) {
                 return QTransform::fromScale(0, 0); // where nothing has any extent
+            }
         }
         return product;
     }
@@ -181,18 +189,21 @@ class PlusPlayer::Impl {
         canvas_.budget().spendPixels(double{1} * sheet.width() * sheet.height() / 8);
         canvas_.budget().spendPixels(state_.clip.cost(sheet));
         const auto path = outlineOf(record.shape);
-        if (path)
+        if (path) {
             canvas_.budget().spendPixels(fillCost(*path, sheet, EdgeLook::Stepped));
+        }
         const bool smooth = path && (record.mode == ClipMode::Copy || record.mode == ClipMode::And);
         if (smooth) {
-            if (record.mode == ClipMode::Copy)
+            if (record.mode == ClipMode::Copy) {
                 resetClip();
+            }
             intersect(*path);
             return;
         }
         const auto region = regionOf(record.shape, path);
-        if (!region)
+        if (!region) {
             return;
+        }
         clipSet_ = false;
         state_.clip.combine(*region, record.mode, sheet);
     }
@@ -205,19 +216,22 @@ class PlusPlayer::Impl {
     // Rectangles keep whole pixels, so that pictures cut along them meet.
     void intersect(const QPainterPath& path) {
         clipSet_ = false;
-        if (const auto rectangle = rectangleOf(path))
+        if (const auto rectangle = rectangleOf(path)) {
             state_.clip.intersect(QRegion(*rectangle), canvas_.sheet());
-        else
+        } else {
             state_.clip.intersect(path, canvas_.sheet());
+        }
     }
 
     // ---- Shapes, in image pixels
     std::optional<QPainterPath> outlineOf(const PlusShape& shape) const {
         const auto* own = std::get_if<QPainterPath>(&shape);
-        if (own == nullptr)
+        if (own == nullptr) {
             own = object<QPainterPath>(std::get<PlusShapeNumber>(shape).id);
-        if (own == nullptr)
+        }
+        if (own == nullptr) {
             return std::nullopt;
+        }
         canvas_.budget().spendPoints(static_cast<std::size_t>(own->elementCount()));
         const QPainterPath path = toImage().map(*own);
         return isSensible(path) ? std::optional(path) : std::nullopt;
@@ -225,13 +239,16 @@ class PlusPlayer::Impl {
 
     QRegion leafOf(const PlusRegionNode& node) const {
         const QRect sheet = canvas_.sheet();
-        if (node.kind == PlusRegionKind::Infinite)
+        if (node.kind == PlusRegionKind::Infinite) {
             return sheet;
-        if (node.kind == PlusRegionKind::Empty)
+        }
+        if (node.kind == PlusRegionKind::Empty) {
             return {};
+        }
         const QPainterPath path = toImage().map(node.shape);
-        if (!isSensible(path))
+        if (!isSensible(path)) {
             return {};
+        }
         canvas_.budget().spendPixels(fillCost(path, sheet, EdgeLook::Stepped));
         return metafile::regionOf(path, sheet);
     }
@@ -271,8 +288,9 @@ class PlusPlayer::Impl {
 
     std::optional<QRegion> regionOf(const PlusShape& shape,
                                     const std::optional<QPainterPath>& path) const {
-        if (path)
+        if (path) {
             return metafile::regionOf(*path, canvas_.sheet());
+        }
         const auto* number = std::get_if<PlusShapeNumber>(&shape);
         const auto* region = number != nullptr ? object<PlusRegion>(number->id) : nullptr;
         return region != nullptr ? std::optional(regionOf(*region)) : std::nullopt;
@@ -299,11 +317,13 @@ class PlusPlayer::Impl {
     }
 
     std::optional<QBrush> brushOf(const PlusFillWith& with) {
-        if (const auto* colour = std::get_if<QRgb>(&with))
+        if (const auto* colour = std::get_if<QRgb>(&with)) {
             return QBrush(QColor::fromRgba(*colour));
+        }
         const auto* brush = object<PlusBrush>(std::get<std::size_t>(with));
-        if (brush == nullptr)
+        if (brush == nullptr) {
             return std::nullopt;
+        }
         const QPoint origin = canvas_.deviceToImage().map(state_.origin);
         return plusBrush(*brush, toImage(), origin, canvas_);
     }
@@ -328,8 +348,9 @@ class PlusPlayer::Impl {
 
     void on(const PlusFill& record) {
         const auto brush = brushOf(record.with);
-        if (!brush)
+        if (!brush) {
             return;
+        }
         if (const auto path = outlineOf(record.shape)) {
             fill(*path, *brush);
         } else if (const auto region = regionOf(record.shape, std::nullopt)) {
@@ -339,8 +360,9 @@ class PlusPlayer::Impl {
 
     // What maps the pen's units to image pixels. Only widths in world units follow the transforms.
     QTransform nibOf(const PlusPen& pen) const {
-        if (pen.unit == PlusUnit::World)
+        if (pen.unit == PlusUnit::World) {
             return toImage();
+        }
         const double unit =
             plusUnitScale(pen.unit, {}, canvas_, dotsPerInch_) / std::max(canvas_.scale(), 1e-9);
         return QTransform::fromScale(unit, unit) * canvas_.deviceToImage();
@@ -349,15 +371,17 @@ class PlusPlayer::Impl {
     void on(const PlusStroke& record) {
         const auto* pen = object<PlusPen>(record.pen);
         const auto path = outlineOf(record.shape);
-        if (pen == nullptr || !path)
+        if (pen == nullptr || !path) {
             return;
+        }
         const QPoint origin = canvas_.deviceToImage().map(state_.origin);
         const QBrush brush = plusBrush(pen->brush, toImage(), origin, canvas_);
         // Half of a pen twice as wide is inside of a closed figure.
         const bool isInside = pen->place == PlusPenPlace::Inside && isClosed(*path);
         QTransform nib = nibOf(*pen);
-        if (isInside)
+        if (isInside) {
             nib = QTransform::fromScale(2, 2) * nib;
+        }
         const QPainterPath seen = cutLines(*path, canvas_.sheet(), plusLineReach(*pen, nib));
         const PlusLine line = plusLine(seen, *pen, nib, brush, canvas_.budget());
         const double cost = plusLineCost(line, canvas_.sheet());
@@ -390,8 +414,9 @@ class PlusPlayer::Impl {
     // ---- Images
     void on(const PlusDrawImage& record) {
         const auto* image = object<PlusImage>(record.image);
-        if (image == nullptr)
+        if (image == nullptr) {
             return;
+        }
         const QTransform transform = toImage();
         const QPointF corner = transform.map(record.corners[0]);
         const PlusImagePlace place{corner, transform.map(record.corners[1]) - corner,
@@ -421,16 +446,18 @@ class PlusPlayer::Impl {
     void on(const PlusDrawString& record) {
         const auto* font = object<PlusFont>(record.font);
         const auto* format = object<PlusStringFormat>(record.format);
-        if (font == nullptr)
+        if (font == nullptr) {
             return;
+        }
         fillText(plusTextOutline(record, *font, format != nullptr ? *format : PlusStringFormat(),
                                  emOf(*font), canvas_.budget()),
                  record.with);
     }
 
     void on(const PlusDrawLetters& record) {
-        if (const auto* font = object<PlusFont>(record.font))
+        if (const auto* font = object<PlusFont>(record.font)) {
             fillText(plusLettersOutline(record, *font, emOf(*font), canvas_.budget()), record.with);
+        }
     }
 
     Canvas& canvas_;

@@ -31,17 +31,19 @@ class Face {
 
     double widthOf(QStringView text) const {
         double width = 0;
-        for (const char32_t letter : text.toUcs4())
+        for (const char32_t letter : text.toUcs4()) {
             width += glyph(letter).advance * perUnit_;
+        }
         return width;
     }
 
     double add(QPainterPath& path, char32_t letter, QPointF place) const {
         const Glyph drawn = glyph(letter);
-        if (!drawn.outline.isEmpty() && path.elementCount() < kMostTextElements)
+        if (!drawn.outline.isEmpty() && path.elementCount() < kMostTextElements) {
             path.addPath((QTransform::fromScale(perUnit_, perUnit_) *
                           QTransform::fromTranslate(place.x(), place.y()))
                              .map(drawn.outline));
+        }
         return drawn.advance * perUnit_;
     }
 
@@ -55,12 +57,14 @@ class Face {
         }
         const double left = std::max(begin.x(), from);
         const double length = std::min(place.x(), to) - left;
-        if (font_.underline)
+        if (font_.underline) {
             addBar(path, {left, begin.y()}, length, metrics_.underlineCentre,
                    metrics_.underlineThickness);
-        if (font_.strikeOut)
+        }
+        if (font_.strikeOut) {
             addBar(path, {left, begin.y()}, length, -metrics_.strikeOutCentre,
                    metrics_.strikeOutThickness);
+        }
     }
 
   private:
@@ -121,8 +125,9 @@ void addBroken(QStringList& lines, const QString& paragraph, const Face& face, d
 QString withoutMarks(const QString& text) {
     QString result;
     for (qsizetype i = 0; i < text.size(); ++i) {
-        if (text[i] == u'&' && i + 1 < text.size())
+        if (text[i] == u'&' && i + 1 < text.size()) {
             ++i;
+        }
         result.append(text[i]);
     }
     return result;
@@ -134,10 +139,11 @@ QStringList linesOf(const QString& text, const PlusStringFormat& format, const F
     normal.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     QStringList lines;
     for (const QString& paragraph : normal.split(u'\n')) {
-        if (format.wraps && most > 0)
+        if (format.wraps && most > 0) {
             addBroken(lines, paragraph, face, most);
-        else
+        } else {
             lines.append(paragraph);
+        }
     }
     return lines;
 }
@@ -168,8 +174,9 @@ QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
     const double height = lineHeight * static_cast<double>(lines.size());
     const double left = room > 0 || format.across == PlusAlignment::Near ? margin : 0;
     PlusAlignment across = format.across;
-    if (format.rightToLeft && across != PlusAlignment::Centre)
+    if (format.rightToLeft && across != PlusAlignment::Centre) {
         across = across == PlusAlignment::Near ? PlusAlignment::Far : PlusAlignment::Near;
+    }
 
     const bool clips = format.clips && side.width() > 0;
     const double from = clips ? -0.5 * em : -kFar;
@@ -181,8 +188,9 @@ QPainterPath plusTextOutline(const PlusDrawString& string, const PlusFont& font,
          ++i, top += lineHeight) {
         budget.spendPoints(kPointsOfLine);
         const bool isBelow = side.height() > 0 && top >= side.height();
-        if (i > 0 && isBelow && format.clips)
+        if (i > 0 && isBelow && format.clips) {
             break;
+        }
         const double begin = startOf(across, left, room, face.widthOf(lines[i]));
         QPainterPath line;
         face.addLine(line, lines[i], {begin, face.ascent()}, from, to);
@@ -203,8 +211,9 @@ QPainterPath plusLettersOutline(const PlusDrawLetters& letters, const PlusFont& 
     path.setFillRule(Qt::WindingFill);
     QPointF place;
     for (std::size_t i = 0; i < letters.letters.size(); ++i) {
-        if (i < letters.places.size())
+        if (i < letters.places.size()) {
             place = letters.places[i];
+        }
         place.rx() += face.add(path, letters.letters[i], place);
     }
     return letters.transform.map(path);

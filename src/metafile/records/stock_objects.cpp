@@ -38,9 +38,10 @@ Object nullPen() {
 
 QRgb meantColour(std::uint32_t value, const Palette* selected) {
     constexpr std::uint32_t kPaletteIndex = 1;
-    if (value >> 24U != kPaletteIndex)
+    if (value >> 24U != kPaletteIndex) {
         return qRgb(static_cast<int>(value & 0xFFU), static_cast<int>(value >> 8U & 0xFFU),
                     static_cast<int>(value >> 16U & 0xFFU));
+    }
     const std::size_t index = value & 0xFFFFU;
     const std::span<const QRgb> colours = selected != nullptr
                                               ? std::span<const QRgb>(selected->colours)
@@ -144,8 +145,9 @@ Brush plainBrush(std::uint32_t style, QRgb colour, std::uint32_t hatch) {
     constexpr std::uint32_t kTextColour = 8;  // and 9
     constexpr std::uint32_t kBackground = 10; // and 11
     Brush brush = solidBrush(colour);
-    if (style == kNull)
+    if (style == kNull) {
         brush.kind = BrushKind::Null;
+    }
     if (style == kHatched && hatch < kHatches) {
         brush.kind = BrushKind::Hatched;
         brush.hatch = static_cast<int>(hatch);

@@ -45,10 +45,12 @@ const CodePage* codePageOf(std::uint8_t characterSet) {
 }
 
 bool isLeadByte(const CodePage& page, std::uint8_t byte) {
-    if (page.width == Width::OneByte)
+    if (page.width == Width::OneByte) {
         return false;
-    if (page.characterSet == kShiftJis) // between the two ranges stand half-width katakana
+    }
+    if (page.characterSet == kShiftJis) { // between the two ranges stand half-width katakana
         return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+    }
     return byte >= 0x81 && byte <= 0xFE;
 }
 
@@ -67,8 +69,9 @@ class CharacterDecoder {
         const bool isWrong = decoder_.hasError() || text.isEmpty() ||
                              text.contains(QChar::ReplacementCharacter) ||
                              text.contains(QChar(0x1A));
-        if (!isWrong)
+        if (!isWrong) {
             return text;
+        }
         decoder_ = QStringDecoder(name_); // one of ICU's does not survive resetState()
         return {};
     }
@@ -101,15 +104,17 @@ class TextBuilder {
 
 DecodedText symbolText(std::span<const std::byte> bytes) {
     TextBuilder builder(bytes.size());
-    for (std::size_t at = 0; at < bytes.size(); ++at)
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
         builder.append(QChar(char16_t(0xF000 + std::to_integer<unsigned>(bytes[at]))), at);
+    }
     return builder.take();
 }
 
 DecodedText windows1252Text(std::span<const std::byte> bytes) {
     TextBuilder builder(bytes.size());
-    for (std::size_t at = 0; at < bytes.size(); ++at)
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
         builder.append(base::fromWindows1252(std::to_integer<std::uint8_t>(bytes[at])), at);
+    }
     return builder.take();
 }
 
@@ -138,12 +143,14 @@ DecodedText codePageText(std::span<const std::byte> bytes, const CodePage& page,
 } // namespace
 
 DecodedText textOf(std::span<const std::byte> bytes, std::uint8_t characterSet) {
-    if (characterSet == kSymbolCharacterSet)
+    if (characterSet == kSymbolCharacterSet) {
         return symbolText(bytes);
+    }
     if (const CodePage* page = codePageOf(characterSet)) {
         CharacterDecoder decoder(*page);
-        if (decoder.isValid())
+        if (decoder.isValid()) {
             return codePageText(bytes, *page, decoder);
+        }
     }
     return windows1252Text(bytes);
 }

@@ -134,8 +134,9 @@ constexpr std::array kKnownFamilies{
 QString compact(QStringView name) {
     QString result;
     for (const QChar c : name) {
-        if (c.isLetterOrNumber())
+        if (c.isLetterOrNumber()) {
             result += c.toLower();
+        }
     }
     return result;
 }
@@ -167,10 +168,12 @@ QString plainFamily(const QString& family) {
         " (arabic)",    " (hebrew)", " (thai)", " western", " central europe",
         " (vietnamese)"};
     QString plain = family.trimmed();
-    while (plain.startsWith(u'@'))
+    while (plain.startsWith(u'@')) {
         plain.remove(0, 1);
-    if (!findInstalled(plain).isEmpty())
+    }
+    if (!findInstalled(plain).isEmpty()) {
         return plain;
+    }
     for (const QString& suffix : kSuffixes) {
         if (plain.endsWith(suffix, Qt::CaseInsensitive)) {
             plain.chop(suffix.size());
@@ -184,8 +187,9 @@ const KnownFamily* knownFamily(const QString& compactName) {
     const KnownFamily* best = nullptr;
     for (const KnownFamily& known : kKnownFamilies) {
         const QStringView name(known.name);
-        if (compactName.startsWith(name) && (!best || known.name.size() > best->name.size()))
+        if (compactName.startsWith(name) && (!best || known.name.size() > best->name.size())) {
             best = &known;
+        }
     }
     return best;
 }
@@ -197,8 +201,9 @@ Look lookOfClass(std::uint8_t pitchAndFamily) {
     constexpr unsigned kModern = 3;
     const unsigned pitch = pitchAndFamily & 3U;
     const unsigned family = pitchAndFamily >> 4U;
-    if (pitch == kFixedPitch || (family == kModern && pitch != kVariablePitch))
+    if (pitch == kFixedPitch || (family == kModern && pitch != kVariablePitch)) {
         return Look::Mono;
+    }
     return family == kRoman ? Look::Serif : Look::Sans;
 }
 
@@ -218,8 +223,9 @@ QFont withLook(const QString& family, int weight, Slant slant) {
 QFont firstInstalled(const QStringList& candidates, int weight, Slant slant) {
     for (const QString& candidate : candidates) {
         const QString family = findInstalled(candidate);
-        if (!family.isEmpty())
+        if (!family.isEmpty()) {
             return withLook(family, weight, slant);
+        }
     }
     return withLook(QFont().defaultFamily(), weight, slant);
 }
@@ -229,8 +235,9 @@ QFont substituteFor(const KnownFamily& known, const QString& compactName,
                     const FontRequest& request) {
     const QStringView rest = QStringView(compactName).sliced(qsizetype(known.name.size()));
     int weight = request.weight;
-    if (rest.contains(u"bold") || rest.contains(u"black") || rest.contains(u"heavy"))
+    if (rest.contains(u"bold") || rest.contains(u"black") || rest.contains(u"heavy")) {
         weight = std::max(weight, int(QFont::Bold));
+    }
     const bool isSlanted = rest.contains(u"italic") || rest.contains(u"oblique");
     return firstInstalled(candidatesFor(known.look), weight,
                           isSlanted ? Slant::Italic : request.slant);
@@ -245,13 +252,16 @@ bool isInstalled(QStringView family) {
 QFont installedFont(const FontRequest& request) {
     const QString family = plainFamily(request.family);
     const QString installed = findInstalled(family);
-    if (!installed.isEmpty())
+    if (!installed.isEmpty()) {
         return withLook(installed, request.weight, request.slant);
+    }
     const QString name = compact(family);
-    if (isSymbolFont(family))
+    if (isSymbolFont(family)) {
         return firstInstalled(candidatesFor(lookOfSymbols(name)), request.weight, request.slant);
-    if (const KnownFamily* known = knownFamily(name))
+    }
+    if (const KnownFamily* known = knownFamily(name)) {
         return substituteFor(*known, name, request);
+    }
     return firstInstalled(candidatesFor(lookOfClass(request.pitchAndFamily)), request.weight,
                           request.slant);
 }

@@ -33,8 +33,9 @@ class FontTable {
 
     bool has(qsizetype size) const { return bytes_.size() >= size; }
     int u16(qsizetype at) const {
-        if (!has(at + 2))
+        if (!has(at + 2)) {
             return 0;
+        }
         return int(std::uint8_t(bytes_[at])) << 8 | int(std::uint8_t(bytes_[at + 1]));
     }
     // Design units as thousandths of an em.
@@ -62,16 +63,19 @@ double averageLetterWidth(const QRawFont& font) {
         Letter{u'u', 31}, Letter{u'v', 10}, Letter{u'w', 18}, Letter{u'x', 3},  Letter{u'y', 18},
         Letter{u'z', 2},  Letter{u' ', 166}};
     QString text;
-    for (const Letter& letter : kLetters)
+    for (const Letter& letter : kLetters) {
         text += QChar(letter.letter);
+    }
     const QList<quint32> indexes = font.glyphIndexesForString(text);
-    if (indexes.size() != text.size() || indexes.contains(0))
+    if (indexes.size() != text.size() || indexes.contains(0)) {
         return 0;
+    }
     const QList<QPointF> advances =
         font.advancesForGlyphIndexes(indexes, QRawFont::UseDesignMetrics);
     double sum = 0;
-    for (std::size_t i = 0; i < kLetters.size() && qsizetype(i) < advances.size(); ++i)
+    for (std::size_t i = 0; i < kLetters.size() && qsizetype(i) < advances.size(); ++i) {
         sum += advances[qsizetype(i)].x() * kLetters.at(i).perMille;
+    }
     return sum / 1000;
 }
 
@@ -86,30 +90,36 @@ FontMetrics readMetrics(const QRawFont& font) {
         metrics.descent = font.descent();
     }
     metrics.averageWidth = averageLetterWidth(font);
-    if (metrics.averageWidth <= 0)
+    if (metrics.averageWidth <= 0) {
         metrics.averageWidth = os2.signedLength(2);
-    if (metrics.averageWidth <= 0)
+    }
+    if (metrics.averageWidth <= 0) {
         metrics.averageWidth = font.averageCharWidth();
+    }
 
     metrics.underlineThickness = post.signedLength(10);
-    if (metrics.underlineThickness <= 0)
+    if (metrics.underlineThickness <= 0) {
         metrics.underlineThickness = kUnitsPerEm / 20;
+    }
     metrics.underlineCentre =
         post.has(12) ? metrics.underlineThickness / 2 - post.signedLength(8) : kUnitsPerEm / 8;
     metrics.strikeOutThickness = os2.signedLength(26);
-    if (metrics.strikeOutThickness <= 0)
+    if (metrics.strikeOutThickness <= 0) {
         metrics.strikeOutThickness = metrics.underlineThickness;
+    }
     metrics.strikeOutCentre = os2.signedLength(28) - metrics.strikeOutThickness / 2;
-    if (metrics.strikeOutCentre <= 0)
+    if (metrics.strikeOutCentre <= 0) {
         metrics.strikeOutCentre = metrics.ascent * 0.3;
+    }
     return metrics;
 }
 
 // Whether the font file itself is bold. Type 1 files have no table that tells.
 bool isBoldItself(const QRawFont& font) {
     const int weight = FontTable(font, "OS/2").u16(4);
-    if (weight > 0)
+    if (weight > 0) {
         return weight >= kBoldFrom;
+    }
     const QString style = font.styleName();
     return style.contains(u"bold", Qt::CaseInsensitive) ||
            style.contains(u"demi", Qt::CaseInsensitive) ||
@@ -134,11 +144,13 @@ struct Found {
 // all others. In both of Qt's lists these stand in the same order.
 QFontDatabase::WritingSystem complexWritingSystem(char32_t character) {
     const QChar::Script script = QChar::script(character);
-    if (script >= QChar::Script_Syriac && script <= QChar::Script_Sinhala)
+    if (script >= QChar::Script_Syriac && script <= QChar::Script_Sinhala) {
         return QFontDatabase::WritingSystem(QFontDatabase::Syriac +
                                             (script - QChar::Script_Syriac));
-    if (script == QChar::Script_Khmer)
+    }
+    if (script == QChar::Script_Khmer) {
         return QFontDatabase::Khmer;
+    }
     return script == QChar::Script_Nko ? QFontDatabase::Nko : QFontDatabase::Any;
 }
 
@@ -154,8 +166,9 @@ Found findInWritingSystem(QFont font, QFontDatabase::WritingSystem system,
     for (const QString& family : families) {
         font.setFamily(family);
         Found found = findIn(QRawFont::fromFont(font), character);
-        if (found.index != 0)
+        if (found.index != 0) {
             return found;
+        }
     }
     return {};
 }
@@ -169,8 +182,9 @@ Found findByLayout(const QFont& font, const QString& character) {
     const QList<QGlyphRun> runs = layout.glyphRuns();
     for (const QGlyphRun& run : runs) {
         const QList<quint32> indexes = run.glyphIndexes();
-        if (!indexes.isEmpty() && indexes.front() != 0)
+        if (!indexes.isEmpty() && indexes.front() != 0) {
             return {run.rawFont(), indexes.front()};
+        }
     }
     return {};
 }
@@ -211,8 +225,9 @@ GlyphSource::GlyphSource() : faces_(kMostFaces), glyphs_(kMostGlyphs) {}
 GlyphSource::~GlyphSource() = default;
 
 std::shared_ptr<const GlyphSource::Face> GlyphSource::faceOf(const QFont& font) {
-    if (latestFace_ && font == latestFont_)
+    if (latestFace_ && font == latestFont_) {
         return latestFace_;
+    }
     const QString key = keyOf(font);
     if (const auto* known = faces_.object(key)) {
         latestFace_ = *known;
@@ -234,37 +249,42 @@ std::shared_ptr<const GlyphSource::Face> GlyphSource::faceOf(const QFont& font) 
 }
 
 Glyph GlyphSource::glyph(const QFont& font, char32_t character) {
-    if (character > QChar::LastValidCodePoint || QChar::isSurrogate(character))
+    if (character > QChar::LastValidCodePoint || QChar::isSurrogate(character)) {
         character = kReplacement;
+    }
     const std::shared_ptr<const Face> face = faceOf(font);
     const std::uint64_t key = std::uint64_t(face->number) << 32U | character;
-    if (const Glyph* known = glyphs_.object(key))
+    if (const Glyph* known = glyphs_.object(key)) {
         return *known;
+    }
     Glyph glyph = loadGlyph(*face, character);
     glyphs_.insert(key, new Glyph(glyph)); // the cache owns it
     return glyph;
 }
 
 Glyph GlyphSource::loadGlyph(const Face& face, char32_t character) {
-    if (isInvisible(character))
+    if (isInvisible(character)) {
         return {};
+    }
     const QString text = QString::fromUcs4(&character, 1);
     Found found = findIn(face.raw, text);
     Glyph glyph;
     if (found.index == 0) {
         const Found other = findElsewhere(face.font, character, text);
-        if (other.index != 0)
+        if (other.index != 0) {
             found = other;
-        else
+        } else {
             glyph.isPresent = false;
+        }
     }
     glyph.outline = found.font.pathForGlyph(found.index);
     glyph.outline.setFillRule(Qt::WindingFill);
     const QList<QPointF> advances =
         found.font.advancesForGlyphIndexes({found.index}, QRawFont::UseDesignMetrics);
     glyph.advance = advances.isEmpty() ? 0 : advances.front().x();
-    if (face.font.weight() >= kBoldFrom && !isBoldItself(found.font))
+    if (face.font.weight() >= kBoldFrom && !isBoldItself(found.font)) {
         glyph.outline = smeared(glyph.outline);
+    }
     return glyph;
 }
 
@@ -282,8 +302,9 @@ GlyphSource& GlyphSource::ofThisThread() {
     if (!own) {
         own = std::make_shared<GlyphSource>();
         // What the main thread keeps would go only after the fonts' engines.
-        if (QThread::currentThread() == QCoreApplication::instance()->thread())
+        if (QThread::currentThread() == QCoreApplication::instance()->thread()) {
             qAddPostRoutine([] { sources.localData().reset(); });
+        }
     }
     return *own;
 }

@@ -55,8 +55,9 @@ constexpr std::array kKnownNames{
 SymbolFont fontOf(QStringView family) {
     QString name;
     for (const QChar c : family) {
-        if (!c.isSpace() && c != u'-')
+        if (!c.isSpace() && c != u'-') {
             name += c.toLower();
+        }
     }
     const auto* found = std::ranges::find(kKnownNames, name, &KnownName::name);
     return found == kKnownNames.end() ? SymbolFont::None : found->font;
@@ -85,17 +86,20 @@ CodeTable tableOf(SymbolFont font) {
 
 // The byte that a code in one of its three forms means; 0 when it means none.
 char32_t byteOf(char32_t code) {
-    if (code >= kPrivateRange + kFirstCode && code <= kPrivateRange + kLastCode)
+    if (code >= kPrivateRange + kFirstCode && code <= kPrivateRange + kLastCode) {
         return code - kPrivateRange;
-    if (code >= kFirstCode && code <= kLastCode)
+    }
+    if (code >= kFirstCode && code <= kLastCode) {
         return code;
+    }
     const bool isUnit = code >= 0x80 && code <= 0xFFFF;
     return isUnit ? base::toWindows1252(char16_t(code)).value_or(std::uint8_t(0)) : 0;
 }
 
 char32_t mtExtra(char32_t byte) {
-    if (byte == U' ')
+    if (byte == U' ') {
         return byte;
+    }
     const std::size_t at = kMtExtraCodes.find(byte);
     return at == CodeTable::npos ? 0 : kMtExtraCharacters[at];
 }
@@ -109,10 +113,12 @@ bool isSymbolFont(QStringView family) {
 char32_t unicodeOf(QStringView family, char32_t code) {
     const SymbolFont font = fontOf(family);
     const char32_t byte = byteOf(code);
-    if (font == SymbolFont::None || byte == 0)
+    if (font == SymbolFont::None || byte == 0) {
         return 0;
-    if (font == SymbolFont::MtExtra)
+    }
+    if (font == SymbolFont::MtExtra) {
         return mtExtra(byte);
+    }
     const CodeTable table = tableOf(font);
     const char32_t character = table[byte - kFirstCode];
     return character == kNone ? 0 : character;

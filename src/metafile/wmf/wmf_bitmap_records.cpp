@@ -29,8 +29,9 @@ Destination destinationAt(const imaging::ByteReader& in, std::size_t cornerAt, Q
 Bitmap bitmapAt(const WmfRecord& record, std::size_t at) {
     constexpr std::size_t kOldHeader = 10;
     const imaging::ByteReader& in = record.in;
-    if (record.type == BitBlt || record.type == StretchBlt)
+    if (record.type == BitBlt || record.type == StretchBlt) {
         return readOldBitmap(in.rest(at), in.rest(at + kOldHeader));
+    }
     return {readPackedBitmap(in.rest(at), nullptr), false};
 }
 
@@ -50,8 +51,9 @@ RasterBlit readBlit(const WmfRecord& record) {
     const QSizeF size = sizeBackwards(in, at);
     blit.destination = destinationAt(in, at + 4, size);
     blit.part = QRectF(corner, stretches ? partSize : size);
-    if (record.hasBitmap())
+    if (record.hasBitmap()) {
         blit.source = bitmapAt(record, at + 8);
+    }
     return blit;
 }
 
@@ -66,8 +68,9 @@ RasterBlit readPattern(const imaging::ByteReader& in) {
 QRectF partOf(const imaging::ByteReader& in, std::size_t bitmapAt, const QImage& image,
               QPointF corner, QSizeF size) {
     const bool topDown = in.has(bitmapAt, 12) && in.i32(bitmapAt + 8) < 0;
-    if (!topDown)
+    if (!topDown) {
         corner.setY(image.height() - corner.y() - size.height());
+    }
     return {corner, size};
 }
 

@@ -36,8 +36,9 @@ std::vector<QPointF> pointsAt(const imaging::ByteReader& in, std::size_t at, std
     std::vector<QPointF> points;
     count = std::min(count, in.rest(at).size() / kPoint);
     points.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         points.emplace_back(in.i16(at + kPoint * i), in.i16(at + kPoint * i + 2));
+    }
     return points;
 }
 
@@ -47,8 +48,9 @@ Poly readPolyPolygon(const imaging::ByteReader& in) {
     Poly poly;
     poly.kind = PolyKind::Polygon;
     std::size_t sum = 0;
-    for (std::size_t i = 0; i < parts; ++i)
+    for (std::size_t i = 0; i < parts; ++i) {
         sum += in.u16(8 + 2 * i);
+    }
     poly.points = pointsAt(in, 8 + 2 * parts, sum);
     std::size_t left = poly.points.size();
     for (std::size_t i = 0; i < parts && left > 0; ++i) {
@@ -109,8 +111,9 @@ Text readExtTextOut(const imaging::ByteReader& in) {
     text.characters = bytesAt(in, at, count);
     at += (count + 1) / 2 * 2;
     if (in.has(at, 2 * count)) {
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i) {
             text.advances.push_back(in.i16(at + 2 * i));
+        }
     }
     return text;
 }
@@ -119,13 +122,16 @@ bool readRegionPaint(const WmfRecord& record, WmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     const auto paint = [&](RegionAction action) {
         const auto found = reading.regions.find(in.u16(6));
-        if (found == reading.regions.end())
+        if (found == reading.regions.end()) {
             return;
+        }
         RegionPaint result{action, found->second, std::nullopt, {}};
-        if (action == RegionAction::Fill || action == RegionAction::Frame)
+        if (action == RegionAction::Fill || action == RegionAction::Frame) {
             result.brush = in.u16(8);
-        if (action == RegionAction::Frame)
+        }
+        if (action == RegionAction::Frame) {
             result.frame = sizeBackwards(in, 10);
+        }
         reading.sink.take(result);
     };
     switch (record.type) {
@@ -151,8 +157,9 @@ bool readRegionPaint(const WmfRecord& record, WmfReading& reading) {
 bool readWmfShape(const WmfRecord& record, WmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     RecordSink& sink = reading.sink;
-    if (readRegionPaint(record, reading))
+    if (readRegionPaint(record, reading)) {
         return true;
+    }
     switch (record.type) {
     case MoveTo_:
         sink.take(MoveTo{pointBackwards(in, 6)});

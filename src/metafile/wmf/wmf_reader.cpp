@@ -25,8 +25,9 @@ bool isPlaceable(const imaging::ByteReader& in) {
 
 // The standard header: memory or disk, nine words long, version 1.0 or 3.0.
 bool isStandardHeader(const imaging::ByteReader& in, std::size_t at) {
-    if (!in.has(at, kHeader))
+    if (!in.has(at, kHeader)) {
         return false;
+    }
     const std::uint16_t type = in.u16(at);
     const std::uint16_t version = in.u16(at + 4);
     return (type == 1 || type == 2) && in.u16(at + 2) == kHeader / 2 &&
@@ -36,8 +37,9 @@ bool isStandardHeader(const imaging::ByteReader& in, std::size_t at) {
 void readRecord(const WmfRecord& record, WmfReading& reading) {
     for (const auto read :
          {readWmfState, readWmfObject, readWmfShape, readWmfText, readWmfBitmap}) {
-        if (read(record, reading))
+        if (read(record, reading)) {
             return;
+        }
     }
 }
 
@@ -50,17 +52,21 @@ FileEnd forEachRecord(std::span<const std::byte> bytes, RecordSink* sink, Read r
     while (in.has(at, kSmallestRecord)) {
         const std::size_t size = std::size_t{in.u32(at)} * 2;
         const std::uint16_t type = in.u16(at + 4);
-        if (type == 0)
+        if (type == 0) {
             return FileEnd::Reached;
-        if (size < kSmallestRecord || !in.has(at, size))
+        }
+        if (size < kSmallestRecord || !in.has(at, size)) {
             return FileEnd::Missing;
+        }
         try {
-            if (read(WmfRecord{type, imaging::ByteReader(in.part(at, size))}) == Next::Stop)
+            if (read(WmfRecord{type, imaging::ByteReader(in.part(at, size))}) == Next::Stop) {
                 return FileEnd::Reached;
+            }
         } catch (const imaging::DecodeError&) {
             // The others make the picture still.
-            if (sink != nullptr)
+            if (sink != nullptr) {
                 sink->leaveOut();
+            }
         }
         at += size;
     }
@@ -75,17 +81,20 @@ std::optional<QRectF> firstWindow(std::span<const std::byte> bytes) {
     std::optional<QPointF> extent;
     bool drawing = false;
     forEachRecord(bytes, nullptr, [&](const WmfRecord& record) {
-        if (record.type == kSetWindowOrg && !origin)
+        if (record.type == kSetWindowOrg && !origin) {
             origin = pointBackwards(record.in, 6);
-        if (record.type == kSetWindowExt && !extent)
+        }
+        if (record.type == kSetWindowExt && !extent) {
             extent = pointBackwards(record.in, 6);
+        }
         // The two may come in either order, but both before something is drawn.
         drawing = drawing || (record.type >> 8U >= 2 && record.type != kSetWindowOrg &&
                               record.type != kSetWindowExt);
         return extent && (origin || drawing) ? Next::Stop : Next::Read;
     });
-    if (!extent || extent->x() == 0 || extent->y() == 0)
+    if (!extent || extent->x() == 0 || extent->y() == 0) {
         return std::nullopt;
+    }
     return QRectF(origin.value_or(QPointF()), QSizeF(extent->x(), extent->y()));
 }
 
@@ -94,22 +103,24 @@ class DrawnBox : public RecordSink {
   public:
     void take(const Record& record) override {
         budget_.spendRecord();
-        if (const auto* line = std::get_if<LineTo>(&record))
+        if (const auto* line = std::get_if<LineTo>(&record)) {
             grow(line->point);
-        else if (const auto* move = std::get_if<MoveTo>(&record))
+        } else if (const auto* move = std::get_if<MoveTo>(&record)) {
             grow(move->point);
-        else if (const auto* box = std::get_if<Box>(&record))
+        } else if (const auto* box = std::get_if<Box>(&record)) {
             growBy(box->rectangle);
-        else if (const auto* text = std::get_if<Text>(&record))
+        } else if (const auto* text = std::get_if<Text>(&record)) {
             grow(text->reference);
-        else if (const auto* poly = std::get_if<Poly>(&record))
+        } else if (const auto* poly = std::get_if<Poly>(&record)) {
             std::for_each(poly->points.begin(), poly->points.end(),
                           [this](QPointF point) { grow(point); });
-        else if (const auto* blit = std::get_if<RasterBlit>(&record))
+        } else if (const auto* blit = std::get_if<RasterBlit>(&record)) {
             growBy({blit->destination.topLeft, QSizeF(blit->part.size())});
+        }
         // Pictures have been decoded on the way.
-        if (!std::holds_alternative<LineTo>(record) && !std::holds_alternative<MoveTo>(record))
+        if (!std::holds_alternative<LineTo>(record) && !std::holds_alternative<MoveTo>(record)) {
             budget_.lookAtClock();
+        }
     }
     void takePlus(std::span<const std::byte>) override {}
     void leaveOut() override { budget_.lookAtClock(); }
@@ -131,8 +142,9 @@ class DrawnBox : public RecordSink {
 };
 
 QRectF windowOf(std::span<const std::byte> bytes) {
-    if (const auto window = firstWindow(bytes))
+    if (const auto window = firstWindow(bytes)) {
         return *window;
+    }
     DrawnBox search;
     try {
         readWmf(bytes, search);
@@ -153,16 +165,18 @@ bool WmfRecord::hasBitmap() const {
 std::size_t WmfReading::takeHandle() {
     const auto free = std::find(usedHandles.begin(), usedHandles.end(), false);
     const auto handle = static_cast<std::size_t>(free - usedHandles.begin());
-    if (free != usedHandles.end())
+    if (free != usedHandles.end()) {
         *free = true;
-    else if (handle < kMostHandles)
+    } else if (handle < kMostHandles) {
         usedHandles.push_back(true);
+    }
     return handle;
 }
 
 const Palette* WmfReading::palette() const {
-    if (!selectedPalette)
+    if (!selectedPalette) {
         return nullptr;
+    }
     const auto found = palettes.find(*selectedPalette);
     return found == palettes.end() ? nullptr : &found->second;
 }
@@ -192,15 +206,18 @@ bool isWmf(std::span<const std::byte> bytes) {
 
 WmfLayout readWmfLayout(std::span<const std::byte> bytes) {
     const imaging::ByteReader in(bytes);
-    if (!isStandardHeader(in, isPlaceable(in) ? kPlaceableHeader : 0))
+    if (!isStandardHeader(in, isPlaceable(in) ? kPlaceableHeader : 0)) {
         throw imaging::DecodeError("the metafile's header cannot be read");
-    if (!isPlaceable(in))
+    }
+    if (!isPlaceable(in)) {
         return {windowOf(bytes), 0};
+    }
     WmfLayout layout;
     layout.unitsPerInch = in.u16(14) == 0 ? kTwipsPerInch : in.u16(14);
     layout.window = QRectF(QPointF(in.i16(6), in.i16(8)), QPointF(in.i16(10), in.i16(12)));
-    if (layout.window.width() == 0 || layout.window.height() == 0)
+    if (layout.window.width() == 0 || layout.window.height() == 0) {
         layout.window = windowOf(bytes);
+    }
     return layout;
 }
 
@@ -215,8 +232,9 @@ std::vector<std::byte> readEmbeddedEmf(std::span<const std::byte> bytes) {
         const imaging::ByteReader& in = record.in;
         const bool isPart = record.type == kEscape && in.has(0, 44) && in.u16(6) == kComment &&
                             in.u32(10) == kIdentifier && in.u32(14) == kEnhancedMetafile;
-        if (!isPart)
+        if (!isPart) {
             return Next::Read;
+        }
         const auto part = in.part(44, in.u32(32));
         found.insert(found.end(), part.begin(), part.end());
         missing = in.u32(36);

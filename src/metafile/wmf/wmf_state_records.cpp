@@ -55,8 +55,9 @@ constexpr std::uint16_t kPaletteColours = 1;
 QPointF scaleAt(const imaging::ByteReader& in, std::size_t at) {
     const double divisorDown = in.i16(at);
     const double divisorAcross = in.i16(at + 4);
-    if (divisorDown == 0 || divisorAcross == 0)
+    if (divisorDown == 0 || divisorAcross == 0) {
         throw imaging::DecodeError("a scale in the metafile divides by zero");
+    }
     return {in.i16(at + 6) / divisorAcross, in.i16(at + 2) / divisorDown};
 }
 
@@ -68,12 +69,14 @@ bool readMode(const WmfRecord& record, RecordSink& sink) {
         return true;
     case SetMapMode_:
         // Device pixels are no measure in a file that knows no device: the window tells.
-        if (value > 1 && value <= 8)
+        if (value > 1 && value <= 8) {
             sink.take(SetMapMode{static_cast<MapMode>(value)});
+        }
         return true;
     case SetRop2:
-        if (value >= 1 && value <= 16)
+        if (value >= 1 && value <= 16) {
             sink.take(SetRasterOperation{static_cast<int>(value)});
+        }
         return true;
     case SetPolyFillMode:
         sink.take(SetFillMode{value == 2 ? FillMode::Winding : FillMode::Alternate});
@@ -129,8 +132,9 @@ Pen readPen(const WmfRecord& record, const WmfReading& reading) {
     pen.join = penJoinOf(style);
     pen.width = std::abs(double{1} * in.i16(8));
     // A width of 1 counts as "as thin as the device can".
-    if (pen.width <= 1)
+    if (pen.width <= 1) {
         pen.widthKind = PenWidth::Cosmetic;
+    }
     // The height's word is there in good files; some leave the colour's end out.
     pen.brush.colour = reading.colourAt(in, 12);
     return pen;
@@ -152,8 +156,9 @@ Font readFont(const imaging::ByteReader& in) {
     QByteArray face;
     for (std::size_t i = 0; i < kFaceBytes && in.has(kFaceAt + i, 1); ++i) {
         const std::uint8_t letter = in.u8(kFaceAt + i);
-        if (letter == 0)
+        if (letter == 0) {
             break;
+        }
         face.append(static_cast<char>(letter));
     }
     font.family = QString::fromLatin1(face);
@@ -191,9 +196,10 @@ std::vector<QRect> readRegion(const imaging::ByteReader& in) {
         const std::size_t edges = in.u16(at);
         const int top = in.i16(at + 2);
         const int bottom = in.i16(at + 4);
-        for (std::size_t i = 0; i + 1 < edges && in.has(at + 6 + 2 * i, 4); i += 2)
+        for (std::size_t i = 0; i + 1 < edges && in.has(at + 6 + 2 * i, 4); i += 2) {
             rectangles.emplace_back(QPoint(in.i16(at + 6 + 2 * i), top),
                                     QPoint(in.i16(at + 8 + 2 * i) - 1, bottom - 1));
+        }
         at += 8 + 2 * edges;
     }
     return rectangles;
@@ -202,8 +208,9 @@ std::vector<QRect> readRegion(const imaging::ByteReader& in) {
 Palette readPalette(const imaging::ByteReader& in) {
     Palette palette;
     const std::size_t count = in.u16(8);
-    for (std::size_t i = 0; i < count && in.has(10 + 4 * i, 4); ++i)
+    for (std::size_t i = 0; i < count && in.has(10 + 4 * i, 4); ++i) {
         palette.colours.push_back(qRgb(in.u8(10 + 4 * i), in.u8(11 + 4 * i), in.u8(12 + 4 * i)));
+    }
     return palette;
 }
 
@@ -226,12 +233,13 @@ void create(const WmfRecord& record, WmfReading& reading) {
     const std::size_t handle = reading.takeHandle();
     Object object;
     try {
-        if (record.type == CreatePalette)
+        if (record.type == CreatePalette) {
             reading.palettes[handle] = readPalette(record.in);
-        else if (record.type == CreateRegion)
+        } else if (record.type == CreateRegion) {
             reading.regions[handle] = readRegion(record.in);
-        else
+        } else {
             object = readObject(record, reading);
+        }
     } catch (const imaging::DecodeError&) {
         object = std::monostate();
     }
@@ -243,8 +251,9 @@ void create(const WmfRecord& record, WmfReading& reading) {
 bool readWmfState(const WmfRecord& record, WmfReading& reading) {
     const imaging::ByteReader& in = record.in;
     RecordSink& sink = reading.sink;
-    if (readMode(record, sink) || readMapping(record, sink))
+    if (readMode(record, sink) || readMapping(record, sink)) {
         return true;
+    }
     switch (record.type) {
     case SaveDc:
         sink.take(SaveState{});
@@ -291,8 +300,9 @@ bool readWmfObject(const WmfRecord& record, WmfReading& reading) {
         reading.sink.take(SelectObject{in.u16(6)});
         return true;
     case DeleteObject_:
-        if (in.u16(6) < reading.usedHandles.size())
+        if (in.u16(6) < reading.usedHandles.size()) {
             reading.usedHandles[in.u16(6)] = false;
+        }
         reading.sink.take(DeleteObject{in.u16(6)});
         return true;
     case SelectPalette:
