@@ -7,6 +7,7 @@
 #include "platform/native_disk.h"
 #include "platform/temporary_folder.h"
 #include "store/picture_operations.h"
+#include "ui/modal_dialog_steps.h"
 
 #include <QAction>
 #include <QApplication>
@@ -14,7 +15,6 @@
 #include <QLabel>
 #include <QScrollBar>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
 
 namespace {
@@ -173,20 +173,9 @@ QStringList MainWindowTest::rows() {
 
 void MainWindowTest::inDialog(const std::function<void()>& open,
                               const std::function<void(QDialog&)>& steps) {
-    bool wasOpen = false;
-    QTimer looking; // again and again: a command may process events before it opens its dialog
-    QObject::connect(&looking, &QTimer::timeout, [&] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (dialog != nullptr) {
-            looking.stop();
-            wasOpen = true;
-            settlePreview(*dialog);
-            steps(*dialog);
-            dialog->close();
-        }
+    inModalDialog(open, [&](QDialog& dialog) {
+        settlePreview(dialog);
+        steps(dialog);
     });
-    looking.start(0);
-    open();
-    EXPECT_TRUE(wasOpen);
     settle();
 }

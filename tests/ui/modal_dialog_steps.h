@@ -1,0 +1,29 @@
+// Walking through a modal dialog in a test.
+#pragma once
+
+#include <QApplication>
+#include <QDialog>
+#include <QTimer>
+
+#include <functional>
+#include <gtest/gtest.h>
+
+// Calls `open`, and `steps` with the dialog that it opens. A dialog that is still open after the
+// steps is closed.
+inline void inModalDialog(const std::function<void()>& open,
+                          const std::function<void(QDialog&)>& steps) {
+    bool wasOpen = false;
+    QTimer looking; // again and again: events may be processed before the dialog is there
+    QObject::connect(&looking, &QTimer::timeout, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (dialog != nullptr) {
+            looking.stop();
+            wasOpen = true;
+            steps(*dialog);
+            dialog->close();
+        }
+    });
+    looking.start(0);
+    open();
+    EXPECT_TRUE(wasOpen);
+}
