@@ -17,6 +17,7 @@ namespace {
 using compound::Error;
 using compound::ErrorCode;
 using imaging::PictureKind;
+namespace operations = imaging::operations;
 
 PictureKind kindByName(const std::filesystem::path& path) {
     constexpr std::array<std::pair<std::string_view, PictureKind>, 7> kKinds{{
@@ -48,11 +49,11 @@ QPoint hotSpotOf(const InputPicture& input) {
             input.facts.hotSpot.y() * input.image.height() / before.height()};
 }
 
-std::vector<std::byte> edited(const InputPicture& input, const std::vector<EditStep>& steps,
+std::vector<std::byte> edited(const InputPicture& input, const std::vector<operations::Edit>& steps,
                               PictureKind kind) {
-    EditedPicture picture{input.image, hotSpotOf(input)};
-    for (const EditStep& step : steps) {
-        apply(step, picture);
+    operations::EditedPicture picture{input.image, hotSpotOf(input)};
+    for (const operations::Edit& step : steps) {
+        operations::apply(step, picture);
     }
     imaging::Kept kept;
     kept.hotSpot = picture.hotSpot;
@@ -72,7 +73,7 @@ ExitStatus convertPicture(const Invocation& invocation) {
         throw UsageError("convert reads and writes files; - is none here");
     }
     const PictureKind kind = kindByName(target);
-    const std::vector<EditStep> steps = editSteps(invocation.arguments);
+    const std::vector<operations::Edit> steps = editSteps(invocation.arguments);
     const IfFileExists ifExists =
         invocation.arguments.has(Option::Replace) ? IfFileExists::Replace : IfFileExists::Refuse;
     const InputPicture input = readPicture(source, target, invocation);

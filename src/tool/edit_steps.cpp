@@ -1,9 +1,5 @@
 #include "tool/edit_steps.h"
 
-#include "imaging/operations/colour_operations.h"
-#include "imaging/operations/mirroring.h"
-#include "imaging/operations/rotation.h"
-
 #include <charconv>
 #include <cmath>
 
@@ -37,93 +33,65 @@ QRgb colourFrom(const std::string& text) {
     return 0xFF000000U | colour;
 }
 
-EditStep& lastRotation(std::vector<EditStep>& steps, Option option) {
+operations::Rotation& lastRotation(std::vector<operations::Edit>& steps, Option option) {
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-        if (step->option == Option::Rotate) {
-            return *step;
+        if (auto* rotation = std::get_if<operations::Rotation>(&*step)) {
+            return *rotation;
         }
     }
     throw UsageError(textOf(option) + " wants a --rotate before it");
 }
 
-void addStep(std::vector<EditStep>& steps, const GivenOption& given) {
-    const auto amountWithin = [&](int most) {
-        return wholeNumber(given.option, given.value, -most, most);
+void addStep(std::vector<operations::Edit>& steps, const GivenOption& given) {
+    using operations::ColourProperty;
+    const auto addChange = [&](ColourProperty property, int most) {
+        const int amount = wholeNumber(given.option, given.value, -most, most);
+        steps.emplace_back(operations::ColourChange{property, amount});
     };
     switch (given.option) {
     case Option::Flip:
+        steps.emplace_back(operations::Flip{});
+        break;
     case Option::Reverse:
+        steps.emplace_back(operations::Reverse{});
+        break;
     case Option::Invert:
-        steps.push_back({given.option});
+        steps.emplace_back(operations::Inversion{});
         break;
     case Option::Rotate:
-        steps.push_back({given.option, degreesFrom(given.value)});
+        steps.emplace_back(operations::Rotation{degreesFrom(given.value)});
         break;
     case Option::Grow:
-        lastRotation(steps, given.option).grows = true;
+        lastRotation(steps, given.option).canvas = operations::Canvas::Grow;
         break;
     case Option::Fill:
         lastRotation(steps, given.option).fill = colourFrom(given.value);
         break;
     case Option::Hue:
-        steps.push_back({given.option, amountWithin(operations::kMostHueAmount)});
+        addChange(ColourProperty::Hue, operations::kMostHueAmount);
         break;
     case Option::Saturation:
+        addChange(ColourProperty::Saturation, operations::kMostAmount);
+        break;
     case Option::Contrast:
+        addChange(ColourProperty::Contrast, operations::kMostAmount);
+        break;
     case Option::Intensity:
-        steps.push_back({given.option, amountWithin(operations::kMostAmount)});
+        addChange(ColourProperty::Intensity, operations::kMostAmount);
         break;
     default:
         break; // an option of another kind
     }
 }
 
-void rotate(const EditStep& step, EditedPicture& picture) {
-    const operations::Rotation rotation{
-        step.amount, step.grows ? operations::Canvas::Grow : operations::Canvas::Keep, step.fill};
-    picture.hotSpot = operations::rotatedPoint(picture.hotSpot, picture.image.size(), rotation);
-    operations::rotate(picture.image, rotation);
-}
-
 } // namespace
 
-std::vector<EditStep> editSteps(const Arguments& arguments) {
-    std::vector<EditStep> steps;
+std::vector<operations::Edit> editSteps(const Arguments& arguments) {
+    std::vector<operations::Edit> steps;
     for (const GivenOption& given : arguments.options) {
         addStep(steps, given);
     }
     return steps;
-}
-
-void apply(const EditStep& step, EditedPicture& picture) {
-    switch (step.option) {
-    case Option::Flip:
-        picture.hotSpot = operations::flippedPoint(picture.hotSpot, picture.image.size());
-        operations::flip(picture.image);
-        break;
-    case Option::Reverse:
-        picture.hotSpot = operations::reversedPoint(picture.hotSpot, picture.image.size());
-        operations::reverse(picture.image);
-        break;
-    case Option::Rotate:
-        rotate(step, picture);
-        break;
-    case Option::Hue:
-        operations::changeHue(picture.image, step.amount);
-        break;
-    case Option::Saturation:
-        operations::changeSaturation(picture.image, step.amount);
-        break;
-    case Option::Contrast:
-        operations::changeContrast(picture.image, step.amount);
-        break;
-    case Option::Intensity:
-        operations::changeIntensity(picture.image, step.amount);
-        break;
-    default:
-        operations::invert(picture.image);
-        break;
-    }
 }
 
 } // namespace tool
