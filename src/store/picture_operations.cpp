@@ -108,6 +108,18 @@ std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesyst
     return bytes;
 }
 
+void writePictureFile(compound::Disk& disk, const std::filesystem::path& path,
+                      std::span<const std::byte> bytes) {
+    disk.removeTemporary(path);
+    const auto file = disk.create(path);
+    try {
+        file->write(0, bytes);
+    } catch (...) {
+        disk.removeTemporary(path);
+        throw;
+    }
+}
+
 struct PictureBatch::State {
     State(const Library& theLibrary, GroupAddress theGroup)
         : library(theLibrary), group(std::move(theGroup)), access(library) {}
@@ -258,14 +270,7 @@ std::filesystem::path exportPicture(const Library& library, const StoredPicture&
     }
     const std::string type = picture.record.type.empty() ? "JPG" : picture.record.type;
     std::filesystem::path path = folder / (baseName + "." + type);
-    library.disk.removeTemporary(path);
-    const auto file = library.disk.create(path);
-    try {
-        file->write(0, picture.bytes);
-    } catch (...) {
-        library.disk.removeTemporary(path);
-        throw;
-    }
+    writePictureFile(library.disk, path, picture.bytes);
     return path;
 }
 

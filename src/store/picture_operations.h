@@ -29,6 +29,11 @@ inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{168} << 20U;
 // The whole content of a picture file. TooLarge.
 std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path);
 
+// Writes a picture file that windows hand to each other: an earlier file of that name is replaced,
+// a link of that name is never followed, and what cannot be written whole is removed.
+void writePictureFile(compound::Disk& disk, const std::filesystem::path& path,
+                      std::span<const std::byte> bytes);
+
 // Reads, measures and stores a picture file. Everything that can fail for the picture's sake is
 // done before the group file is touched. Exists, InvalidName, InvalidPicture, TooLarge.
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,
@@ -149,15 +154,14 @@ void renamePicture(const Library& library, const GroupAddress& group, const Pict
 // Removes stream and record; an empty name does nothing, a missing record is no error.
 void deletePicture(const Library& library, const GroupAddress& group, const PictureName& name);
 
-// Writes the picture's bytes to FOLDER/BASE.TYPE (type code in upper case) and returns that path;
-// an earlier file of that name is replaced, a link of that name is never followed. A base name that
-// could lead out of the folder is InvalidName: a picture's own name, which another program may have
-// written, is none to pass as it is.
+// Writes the picture's bytes to FOLDER/BASE.TYPE (type code in upper case) by writePictureFile and
+// returns that path. A base name that could lead out of the folder is InvalidName: a picture's own
+// name, which another program may have written, is none to pass as it is.
 std::filesystem::path exportPicture(const Library& library, const GroupAddress& group,
                                     const PictureName& name, const std::filesystem::path& folder,
                                     const std::string& baseName);
 
-// The same with a picture that was read already. A copy that cannot be written whole is removed.
+// The same with a picture that was read already.
 std::filesystem::path exportPicture(const Library& library, const StoredPicture& picture,
                                     const std::filesystem::path& folder,
                                     const std::string& baseName);
