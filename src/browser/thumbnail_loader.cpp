@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kReadAtOnce = std::size_t{4} << 20U; // bytes
 // So many undecoded pictures are enough for every worker to find the next one.
-constexpr std::size_t kMostUndecoded = 6;
+constexpr std::size_t kMostUndecodedPictures = 6;
 
 // Only one huge picture is decoded at a time: each may take some hundred megabytes. JPGs do not, as
 // they are decoded at a fraction of their size.
@@ -60,8 +60,8 @@ class ThumbnailLoader::Decoding : public app::JobFor<QImage> {
     Fingerprint fingerprint;
 };
 
-ThumbnailLoader::ThumbnailLoader(QObject* parent)
-    : QObject(parent), reader_(std::make_unique<app::JobFor<Reading>>()) {
+ThumbnailLoader::ThumbnailLoader(std::size_t mostUndecoded)
+    : mostUndecoded_(mostUndecoded), reader_(std::make_unique<app::JobFor<Reading>>()) {
     connect(reader_.get(), &app::Job::done, this, &ThumbnailLoader::takeRead);
 }
 
@@ -107,25 +107,42 @@ std::optional<ThumbnailCache::Place> ThumbnailLoader::placeOf(int position) cons
                                  page_.pictures[static_cast<std::size_t>(position)]};
 }
 
+std::size_t ThumbnailLoader::undecoded() const {
+    std::size_t bytes = 0;
+    for (const auto& decoding : decodings_) {
+        bytes += decoding->fingerprint.size;
+    }
+    return bytes;
+}
+
 // The group's lock is held while reading only, never while decoding.
 void ThumbnailLoader::readOn() {
-    if (unread_.empty() || reader_->isBusy() || decodings_.size() >= kMostUndecoded) {
+    const std::size_t waiting = undecoded();
+    if (unread_.empty() || reader_->isBusy() || decodings_.size() >= kMostUndecodedPictures ||
+        waiting >= mostUndecoded_) {
         return;
     }
     std::vector<store::PictureName> names;
     for (const int position : unread_) {
         names.push_back(page_.pictures[static_cast<std::size_t>(position)]);
     }
-    reader_->start([library = *library_, group = page_.group, names = std::move(names)] {
+    const std::size_t room = mostUndecoded_ - waiting;
+    reader_->start([library = *library_, group = page_.group, names = std::move(names), room,
+                    isAlone = waiting == 0] {
         Reading reading;
         std::size_t read = 0;
+        const auto wanted = [&](std::uint64_t size) {
+            const bool isFirst = reading.pictures.empty();
+            const bool fits = read + size <= (isFirst ? room : std::min(room, kReadAtOnce));
+            return fits || (isFirst && isAlone) ? store::TakePicture::Continue
+                                                : store::TakePicture::Stop;
+        };
         const auto take = [&](std::vector<std::byte> bytes) {
             read += bytes.size();
             reading.pictures.push_back({std::move(bytes), {}});
-            return read < kReadAtOnce ? store::TakePicture::Continue : store::TakePicture::Stop;
         };
         try {
-            store::readPictures(library, group, names, take);
+            store::readPictures(library, group, names, wanted, take);
         } catch (const std::exception&) {
             reading.hasFailed = true; // what was read before is still shown
         }
@@ -156,7 +173,9 @@ void ThumbnailLoader::takeRead() {
             decode(positions[i], std::move(picture));
         }
     }
-    readOn();
+    if (!positions.empty() || decodings_.empty()) {
+        readOn();
+    } // else the next one has no room before another one is decoded
     deliver(known);
 }
 

@@ -3,7 +3,8 @@
 // results.
 //
 // One job at a time reads, so that the group file is locked by no more than one of them, and never
-// for longer than a few megabytes take.
+// for longer than a few megabytes take. It reads no further as long as what it has read fills the
+// memory that is meant for undecoded pictures.
 #pragma once
 
 #include "app/job.h"
@@ -33,7 +34,9 @@ class ThumbnailLoader : public QObject {
     Q_OBJECT
 
   public:
-    explicit ThumbnailLoader(QObject* parent = nullptr);
+    // No more than `mostUndecoded` bytes of pictures of one page wait to be decoded, or one picture
+    // that alone is larger.
+    explicit ThumbnailLoader(std::size_t mostUndecoded = std::size_t{64} << 20U);
     ~ThumbnailLoader() override;
 
     // Forgets the page in work and starts this one; loaded() may come before this returns. A group
@@ -57,6 +60,7 @@ class ThumbnailLoader : public QObject {
         QImage image;
     };
 
+    std::size_t undecoded() const; // bytes
     void readOn();
     void takeRead();
     void decode(int position, Bytes bytes);
@@ -65,6 +69,7 @@ class ThumbnailLoader : public QObject {
     std::optional<ThumbnailCache::Place> placeOf(int position) const;
     QSize deviceArea() const;
 
+    std::size_t mostUndecoded_;
     ThumbnailCache known_;
     std::optional<store::Library> library_;
     ThumbnailPage page_;

@@ -155,20 +155,20 @@ PictureNames listPictureNames(const Library& library, const GroupAddress& group)
 
 void readPictures(const Library& library, const GroupAddress& group,
                   std::span<const PictureName> names,
-                  const std::function<TakePicture(std::vector<std::byte>)>& take) {
+                  const std::function<TakePicture(std::uint64_t)>& wanted,
+                  const std::function<void(std::vector<std::byte>)>& take) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
     for (const PictureName& name : names) {
-        const auto bytes = [&]() -> std::vector<std::byte> {
-            const auto element = access.groupStorage().find(name.text);
-            if (!element || !isPicture(*element)) {
-                return {};
-            }
-            return readUndamaged(access.groupStorage(), *element);
-        };
-        if (take(unlessDamaged(bytes).value_or(std::vector<std::byte>{})) == TakePicture::Stop) {
+        const auto find = [&] { return access.groupStorage().find(name.text); };
+        const auto element = unlessDamaged(find).value_or(std::nullopt);
+        const bool isReadable =
+            element && isPicture(*element) && element->size <= kMaximumPictureBytes;
+        if (wanted(isReadable ? element->size : 0) == TakePicture::Stop) {
             return;
         }
+        take(isReadable ? readUndamaged(access.groupStorage(), *element)
+                        : std::vector<std::byte>{});
     }
 }
 

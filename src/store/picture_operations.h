@@ -129,12 +129,13 @@ enum class TakePicture { Continue, Stop };
 void walkPictures(const Library& library, const GroupAddress& group, std::size_t start,
                   const std::function<TakePicture(const StoredPicture&)>& take);
 
-// The bytes of several pictures in one opening of the file, in the order of the names, until `take`
-// returns TakePicture::Stop. A picture that is not there, or has damaged or too many bytes, is
-// handed over without any.
+// The bytes of several pictures in one opening of the file, in the order of the names. Before one
+// is read, `wanted` is asked with its size in bytes, and ends the reading by TakePicture::Stop. A
+// picture that is not there, or has damaged or too many bytes, is handed over without any.
 void readPictures(const Library& library, const GroupAddress& group,
                   std::span<const PictureName> names,
-                  const std::function<TakePicture(std::vector<std::byte>)>& take);
+                  const std::function<TakePicture(std::uint64_t)>& wanted,
+                  const std::function<void(std::vector<std::byte>)>& take);
 
 // Where a picture stands.
 struct PicturePlace {

@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cstddef>
 #include <deque>
 #include <functional>
@@ -31,6 +32,12 @@ class SteppedExecutor : public app::Executor {
         doNext();
         QCoreApplication::processEvents();
         return true;
+    }
+
+    // The same with the task that came last, as if another worker had the others in hand.
+    bool stepLatest() {
+        std::rotate(tasks_.begin(), tasks_.end() - (tasks_.empty() ? 0 : 1), tasks_.end());
+        return step();
     }
 
     // Returns how many tasks there were, those that came meanwhile included.

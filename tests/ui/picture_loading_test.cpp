@@ -236,6 +236,36 @@ TEST_F(ThumbnailLoading, PicturesOfManyMegabytesAreReadOneByOne) {
     EXPECT_EQ(shown_.size(), 2U);
 }
 
+// Sizes in bytes; the memory for what is read and not decoded holds 100,000.
+TEST_F(ThumbnailLoading, WhatWaitsToBeDecodedKeepsWithinItsMemory) {
+    names_.clear();
+    for (const int size : {40'000, 40'000, 40'000, 200'000, 10'000}) {
+        const QByteArray bytes =
+            "BM" + QByteArray(size - 2, static_cast<char>('a' + names_.size()));
+        home_.write("source.bmp", bytes);
+        names_.push_back({u"P" + std::u16string(1, char16_t(u'1' + names_.size()))});
+        store::addPicture(library(), group_, names_.back(),
+                          platform::toFilePath(home_.at("source.bmp")));
+    }
+    browser::ThumbnailLoader loader(100'000);
+    QList<int> shown;
+    QObject::connect(&loader, &browser::ThumbnailLoader::loaded,
+                     [&](int position, const QString&, const QImage&) { shown += position; });
+    loader.start(library(), {group_, names_, {}, {50, 50}, 1});
+    ASSERT_TRUE(workers_.step());
+    ASSERT_EQ(workers_.waiting(), 3U) << "two to be decoded, and the reader";
+    workers_.stepLatest();
+    EXPECT_EQ(workers_.waiting(), 2U) << "there is no room for the third";
+    workers_.step();
+    workers_.stepLatest();
+    EXPECT_EQ(workers_.waiting(), 3U) << "now there is, and the reader goes on";
+    workers_.stepLatest();
+    EXPECT_EQ(workers_.waiting(), 2U) << "the fourth has to be alone";
+    workers_.stepAll();
+    EXPECT_EQ(shown, (QList<int>{0, 1, 2, 3, 4}));
+    EXPECT_FALSE(loader.isBusy());
+}
+
 TEST_F(ThumbnailLoading, APictureThatHasVanishedLeavesTheOthers) {
     setPicture("P2", Qt::green);
     load(std::nullopt);
