@@ -237,6 +237,36 @@ TEST_P(SpaceTest, UnusedTailIsRemarkedAndGoesWithTheNextChange) {
     }
 }
 
+// Free sectors that the FAT of the file's bytes describes.
+std::uint32_t freeSectors(const RawFile& raw) {
+    const std::uint32_t described =
+        raw.get(header::kFatSectorsAt) * static_cast<std::uint32_t>(raw.sectorSize() / 4);
+    std::uint32_t free = 0;
+    for (std::uint32_t sector = 0; sector < std::min(described, raw.sectors()); ++sector) {
+        free += raw.get(raw.fatEntry(sector)) == kFreeSector ? 1U : 0U;
+    }
+    return free;
+}
+
+// In the small sectors it takes a good part of a range, of which now and then all else goes.
+TEST_P(SpaceTest, ReserveStaysWhereverItLies) {
+    constexpr std::uint32_t kElements = 420;
+    constexpr std::uint32_t kFew = 8;
+    const std::uint32_t pages = (kElements + 1) * 128 / static_cast<std::uint32_t>(GetParam());
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), GetParam());
+    for (std::uint32_t i = 0; i < kElements; ++i) {
+        file.root().createStream(nameOf(u'p', i));
+    }
+    file.commit();
+    for (std::uint32_t i = 0; i < 40; ++i) {
+        file.root().rename(nameOf(u'p', std::size_t{7} * i), nameOf(u'q', i));
+        file.commit();
+        ASSERT_GE(freeSectors(RawFile(disk.content(kPath))), kFew + pages) << i;
+        ASSERT_EQ(findingsOf(disk, kPath), "") << i;
+    }
+}
+
 std::uint64_t miniStreamSize(MemoryDisk& disk) {
     const RawFile raw(disk.content(kPath));
     return raw.get(raw.entry(0U) + entry::kSizeAt);
