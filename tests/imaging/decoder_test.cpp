@@ -216,14 +216,15 @@ TEST(GifDecoder, ACutPictureShowsTheRowsThatAreThere) {
 }
 
 TEST(GifDecoder, ARowThatIsCutShowsThePixelsThatAreThere) {
-    Bytes file = gifFile({4000, 1, 0, 0, 4000, 1, false, -1, std::vector<int>(4000, 1)});
+    Bytes file = gifFile({4000, 2, 0, 0, 4000, 2, false, -1, std::vector<int>(8000, 1)});
     const Bytes header(file.begin(), file.begin() + 40);
-    file.resize(file.size() / 2);
+    file.resize(file.size() / 4 * 3); // in the second row
     const Pixels pixels = pixelsOf(file);
     EXPECT_EQ(pixels.front(), kRed);
-    EXPECT_EQ(pixels.at(1000), kRed);
+    EXPECT_EQ(pixels.at(4000), kRed);
+    EXPECT_EQ(pixels.at(5000), kRed);
     EXPECT_EQ(pixels.back(), 0U);
-    EXPECT_EQ(pixelsOf(header), Pixels(4000)) << "nothing there but the frame";
+    EXPECT_EQ(pixelsOf(header), Pixels(8000)) << "nothing there but the frame";
 }
 
 TEST(JpgDecoder, OrientationTurnsPictureAndMeasure) {
