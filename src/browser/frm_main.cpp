@@ -8,8 +8,6 @@
 #include "app/texts.h"
 #include "browser/damaged_report.h"
 #include "browser/group_browsing.h"
-#include "browser/group_icons.h"
-#include "browser/group_tree.h"
 #include "browser/key_bindings.h"
 #include "browser/main_layout.h"
 #include "browser/main_menus.h"
@@ -20,6 +18,8 @@
 #include "commands/edit_picture.h"
 #include "commands/failure_report.h"
 #include "compound/error.h"
+#include "groups/group_icons.h"
+#include "groups/group_tree.h"
 #include "picture/picture.h"
 #include "platform/native_disk.h"
 
@@ -62,7 +62,7 @@ frmMain::frmMain(StartMode mode)
       menus_(nullptr) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(app::kProgramTitle);
-    setWindowIcon(programIcon());
+    setWindowIcon(groups::programIcon());
     auto* free = new QWidget(this);
     free->setMouseTracking(true);
     free->installEventFilter(this);
@@ -70,7 +70,7 @@ frmMain::frmMain(StartMode mode)
     surface_ = new QWidget(free);
     surface_->setMouseTracking(true);
     surface_->installEventFilter(this);
-    tree_ = new GroupTree(surface_);
+    tree_ = new groups::GroupTree(surface_);
     panel_ = new PicturePanel(surface_);
     panel_->setTabOrderAfter(tree_);
     groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_);
@@ -100,9 +100,9 @@ void frmMain::connectTree() {
             }
         },
         Qt::QueuedConnection);
-    connect(tree_, &GroupTree::popUpWanted, this,
+    connect(tree_, &groups::GroupTree::popUpWanted, this,
             [this](const QPoint& position) { menus_->popUp(commands::BandId::Group, position); });
-    connect(tree_, &GroupTree::pointerMoved, panel_, &PicturePanel::hideToolTip);
+    connect(tree_, &groups::GroupTree::pointerMoved, panel_, &PicturePanel::hideToolTip);
 }
 
 void frmMain::connectPanel() {

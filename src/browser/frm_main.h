@@ -14,10 +14,13 @@
 #include <memory>
 #include <optional>
 
+namespace groups {
+class GroupTree;
+}
+
 namespace browser {
 
 class GroupBrowsing;
-class GroupTree;
 class MainMenus;
 class PicturePanel;
 
@@ -114,7 +117,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     StartMode mode_;
     commands::Dispatcher dispatcher_;
     QWidget* surface_;
-    GroupTree* tree_;
+    groups::GroupTree* tree_;
     PicturePanel* panel_;
     MainMenus* menus_;
     std::unique_ptr<GroupBrowsing> groups_;

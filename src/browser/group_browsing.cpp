@@ -1,12 +1,15 @@
 #include "browser/group_browsing.h"
 
-#include "browser/group_tree.h"
-#include "browser/library_reading.h"
 #include "browser/picture_panel.h"
+#include "groups/group_tree.h"
+#include "groups/library_reading.h"
 
 #include <chrono>
 
 namespace browser {
+
+using groups::Reveal;
+
 namespace {
 
 constexpr std::chrono::milliseconds kRefreshLockWait{1000};
@@ -18,15 +21,18 @@ store::FileName fileOf(const QString& key) {
 
 } // namespace
 
-GroupBrowsing::GroupBrowsing(GroupTree& tree, PicturePanel& panel) : tree_(tree), panel_(panel) {
-    connect(&tree_, &GroupTree::nodeClicked, this, &GroupBrowsing::nodeClicked);
-    connect(&tree_, &GroupTree::selectionCleared, this, &GroupBrowsing::selectionCleared);
+GroupBrowsing::GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel)
+    : tree_(tree), panel_(panel) {
+    connect(&tree_, &groups::GroupTree::nodeClicked, this, &GroupBrowsing::nodeClicked);
+    connect(&tree_, &groups::GroupTree::selectionCleared, this, &GroupBrowsing::selectionCleared);
     // Rereading rebuilds the very node whose event asks for it.
-    connect(&tree_, &GroupTree::retryWanted, this, &GroupBrowsing::retry, Qt::QueuedConnection);
+    connect(&tree_, &groups::GroupTree::retryWanted, this, &GroupBrowsing::retry,
+            Qt::QueuedConnection);
 }
 
 void GroupBrowsing::fillTree() {
-    const LibraryReading reading = readLibrary(*library_, store::LockBudget(kRefreshLockWait));
+    const groups::LibraryReading reading =
+        groups::readLibrary(*library_, store::LockBudget(kRefreshLockWait));
     isReachable_ = reading.reachable;
     tree_.rebuild(reading.files);
     if (reading.setAside > 0) {
@@ -158,7 +164,8 @@ void GroupBrowsing::retry(const store::FileName& file) {
     }
     const auto selected = tree_.selected();
     const bool wasSelected = selected && selected->address.file == file;
-    const auto reading = readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait));
+    const auto reading =
+        groups::readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait));
     if (!reading) {
         emit filesSetAside();
     }

@@ -16,9 +16,12 @@
 
 #include <optional>
 
+namespace groups {
+class GroupTree;
+}
+
 namespace browser {
 
-class GroupTree;
 class PicturePanel;
 
 class GroupBrowsing : public QObject {
@@ -26,7 +29,7 @@ class GroupBrowsing : public QObject {
 
   public:
     // Tree and panel must outlive it. Nothing but the connections is made before setLibrary.
-    GroupBrowsing(GroupTree& tree, PicturePanel& panel);
+    GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel);
 
     // The library must outlive it.
     void setLibrary(const store::Library& library) { library_ = &library; }
@@ -73,7 +76,7 @@ class GroupBrowsing : public QObject {
     void selectAgain(const QString& key);
     bool isInMarkedFile(const QString& key) const;
 
-    GroupTree& tree_;
+    groups::GroupTree& tree_;
     PicturePanel& panel_;
     const store::Library* library_ = nullptr;
     QString CurrentGroup_; // key of the group whose pictures are shown, or, after the start and

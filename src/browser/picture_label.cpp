@@ -1,6 +1,6 @@
 #include "browser/picture_label.h"
 
-#include "browser/plain_tool_tip.h"
+#include "groups/plain_tool_tip.h"
 
 #include <QHelpEvent>
 #include <QPainter>
@@ -25,8 +25,8 @@ bool PictureLabel::event(QEvent* event) {
         return QLabel::event(event);
     }
     const bool isCut = fittingText() != text();
-    showToolTip(static_cast<QHelpEvent*>(event)->globalPos(), isCut ? text() : QString(), this,
-                rect());
+    groups::showToolTip(static_cast<QHelpEvent*>(event)->globalPos(), isCut ? text() : QString(),
+                        this, rect());
     return true;
 }
 

@@ -3,7 +3,7 @@
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
-#include "browser/plain_tool_tip.h"
+#include "groups/plain_tool_tip.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -24,9 +24,9 @@ constexpr std::array<app::TextPair, kListColumns> kCaptions{{
 }};
 
 // Edits names only, and leaves the row as it is: the store decides on the new name.
-class NameDelegate : public ToolTipDelegate {
+class NameDelegate : public groups::ToolTipDelegate {
   public:
-    explicit NameDelegate(PictureList* list) : ToolTipDelegate(list), list_(list) {}
+    explicit NameDelegate(PictureList* list) : groups::ToolTipDelegate(list), list_(list) {}
 
     QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const override {

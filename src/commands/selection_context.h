@@ -3,6 +3,7 @@
 
 #include "commands/shown_picture.h"
 #include "editing/picture_in_group.h"
+#include "groups/selected_group.h"
 #include "store/address.h"
 
 #include <QString>
@@ -11,13 +12,7 @@
 
 namespace commands {
 
-// The group whose node is selected in the tree.
-struct SelectedGroup {
-    store::GroupAddress address;
-    store::StorageName parent; // the storage it hangs under; empty for a top-level group
-    QString name;              // the node's text
-    QString path;              // the names from the top level down to the group, for reading
-};
+using groups::SelectedGroup; // the group whose node is selected in the tree
 
 // One command's view of the selection. Every command gets a fresh one and hands the dialog that it
 // opens a copy of its own, so nothing that a dialog does reaches the next command.

@@ -1,7 +1,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
-#include "browser/group_tree.h"
 #include "browser/large_preview.h"
+#include "groups/group_tree.h"
 #include "platform/native_disk.h"
 #include "ui/main_window_fixture.h"
 
@@ -450,7 +450,7 @@ TEST_F(MainGroups, AnUnreachableLibraryIsAnEmptyTreeAndForgetsNothing) {
 // Items are destroyed by recursion; a chain as long as a hostile file can hold must not be one.
 TEST(GroupTreeNodes, AChainOfVeryManyGroupsIsShownAndTakenDown) {
     constexpr int kGroups = 200'000;
-    browser::GroupFile file{{u"Pumpen"}, {}};
+    groups::GroupFile file{{u"Pumpen"}, {}};
     file.reading.state = store::GroupFileState::Sound;
     store::GroupAddress address = store::topLevelAddress(u"Pumpen");
     file.reading.groups.push_back({address, {u"Pumpen"}, {}});
@@ -459,7 +459,7 @@ TEST(GroupTreeNodes, AChainOfVeryManyGroupsIsShownAndTakenDown) {
         address.storage.text = u"Sub" + QString::number(i).toStdU16String();
         file.reading.groups.push_back({address, {u"x"}, parent});
     }
-    browser::GroupTree tree;
+    groups::GroupTree tree;
     tree.rebuild({&file, 1});
     EXPECT_EQ(tree.nodeCount(), kGroups + 1);
     ASSERT_TRUE(tree.select(address));

@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-namespace browser {
+namespace groups {
 
 struct GroupFile {
     store::FileName file;
@@ -28,9 +28,14 @@ struct LibraryReading {
 // with the cause.
 LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget);
 
+// The sound files only; nothing is renamed or told of the others. Throws when the folder cannot be
+// listed.
+std::vector<GroupFile> readSoundFiles(const store::Library& library,
+                                      const store::LockBudget& budget);
+
 // One file again, in the same way; nothing when it was set aside.
 std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
                                             const store::FileName& file,
                                             const store::LockBudget& budget);
 
-} // namespace browser
+} // namespace groups

@@ -5,8 +5,8 @@
 // its first row current without selecting it.
 #pragma once
 
-#include "browser/library_reading.h"
-#include "commands/selection_context.h"
+#include "groups/library_reading.h"
+#include "groups/selected_group.h"
 
 #include <QSet>
 #include <QTreeWidget>
@@ -14,7 +14,7 @@
 #include <optional>
 #include <span>
 
-namespace browser {
+namespace groups {
 
 // What selecting does to what is folded.
 enum class Reveal {
@@ -53,8 +53,8 @@ class GroupTree : public QTreeWidget {
 
     void selectFirst(Reveal reveal = Reveal::Unfold);
 
-    std::optional<commands::SelectedGroup> selected() const;
-    std::optional<commands::SelectedGroup> find(const store::GroupAddress& address) const;
+    std::optional<SelectedGroup> selected() const;
+    std::optional<SelectedGroup> find(const store::GroupAddress& address) const;
     QString selectedKey() const; // empty when nothing is selected
     QString firstNodeText() const;
 
@@ -84,7 +84,7 @@ class GroupTree : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override; // Enter unfolds or folds the selected node
 
   private:
-    static std::optional<commands::SelectedGroup> groupOf(const QTreeWidgetItem* item);
+    static std::optional<SelectedGroup> groupOf(const QTreeWidgetItem* item);
     QTreeWidgetItem* selectedItem() const;
     QTreeWidgetItem* itemOf(const QString& key) const;
     QTreeWidgetItem* itemOf(const store::GroupAddress& address) const;
@@ -96,4 +96,4 @@ class GroupTree : public QTreeWidget {
     bool reportedDuringPress_ = false;
 };
 
-} // namespace browser
+} // namespace groups

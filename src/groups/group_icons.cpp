@@ -1,4 +1,4 @@
-#include "browser/group_icons.h"
+#include "groups/group_icons.h"
 
 #include "app/colours.h"
 
@@ -11,7 +11,7 @@
 #include <array>
 #include <cstddef>
 
-namespace browser {
+namespace groups {
 namespace {
 
 // All drawing happens in a square of 16 x 16 units.
@@ -125,4 +125,4 @@ QIcon programIcon() {
     return groupIcon(GroupMark::None);
 }
 
-} // namespace browser
+} // namespace groups

@@ -1,7 +1,7 @@
-#include "browser/group_tree.h"
+#include "groups/group_tree.h"
 
-#include "browser/group_icons.h"
-#include "browser/plain_tool_tip.h"
+#include "groups/group_icons.h"
+#include "groups/plain_tool_tip.h"
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
@@ -14,7 +14,7 @@
 #include <map>
 #include <memory>
 
-namespace browser {
+namespace groups {
 namespace {
 
 enum Role {
@@ -258,15 +258,15 @@ void GroupTree::selectFirst(Reveal reveal) {
     selectItem(topLevelItem(0), reveal);
 }
 
-std::optional<commands::SelectedGroup> GroupTree::selected() const {
+std::optional<SelectedGroup> GroupTree::selected() const {
     return groupOf(selectedItem());
 }
 
-std::optional<commands::SelectedGroup> GroupTree::find(const store::GroupAddress& address) const {
+std::optional<SelectedGroup> GroupTree::find(const store::GroupAddress& address) const {
     return groupOf(itemOf(address));
 }
 
-std::optional<commands::SelectedGroup> GroupTree::groupOf(const QTreeWidgetItem* item) {
+std::optional<SelectedGroup> GroupTree::groupOf(const QTreeWidgetItem* item) {
     if (item == nullptr) {
         return std::nullopt;
     }
@@ -274,11 +274,11 @@ std::optional<commands::SelectedGroup> GroupTree::groupOf(const QTreeWidgetItem*
     for (const QTreeWidgetItem* above = item->parent(); above != nullptr; above = above->parent()) {
         path.prepend(above->text(0) + QLatin1String(" / "));
     }
-    return commands::SelectedGroup{{{item->data(0, kFileRole).toString().toStdU16String()},
-                                    {item->data(0, kStorageRole).toString().toStdU16String()}},
-                                   {item->data(0, kParentRole).toString().toStdU16String()},
-                                   item->text(0),
-                                   path};
+    return SelectedGroup{{{item->data(0, kFileRole).toString().toStdU16String()},
+                          {item->data(0, kStorageRole).toString().toStdU16String()}},
+                         {item->data(0, kParentRole).toString().toStdU16String()},
+                         item->text(0),
+                         path};
 }
 
 QString GroupTree::selectedKey() const {
@@ -373,4 +373,4 @@ void GroupTree::contextMenuEvent(QContextMenuEvent* event) {
     emit popUpWanted(viewport()->mapToGlobal(rect.bottomLeft()));
 }
 
-} // namespace browser
+} // namespace groups

@@ -4,7 +4,7 @@
 
 #include <QIcon>
 
-namespace browser {
+namespace groups {
 
 enum class GroupMark {
     None,
@@ -18,4 +18,4 @@ QIcon groupIcon(GroupMark mark);
 // The program's own icon, for window frames and task bars.
 QIcon programIcon();
 
-} // namespace browser
+} // namespace groups

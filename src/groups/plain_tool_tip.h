@@ -3,7 +3,7 @@
 
 #include <QStyledItemDelegate>
 
-namespace browser {
+namespace groups {
 
 // Shows the text, lines and spaces kept, while the pointer stays in that part of the widget.
 void showToolTip(const QPoint& globalPosition, const QString& text, QWidget* widget,
@@ -19,4 +19,4 @@ class ToolTipDelegate : public QStyledItemDelegate {
                    const QModelIndex& index) override;
 };
 
-} // namespace browser
+} // namespace groups

@@ -1,4 +1,4 @@
-#include "browser/library_reading.h"
+#include "groups/library_reading.h"
 
 #include "app/message_box.h"
 #include "compound/error.h"
@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace browser {
+namespace groups {
 
 std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
                                             const store::FileName& file,
@@ -24,6 +24,18 @@ std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
         }
     }
     return group;
+}
+
+std::vector<GroupFile> readSoundFiles(const store::Library& library,
+                                      const store::LockBudget& budget) {
+    std::vector<GroupFile> files;
+    for (const store::FileName& name : store::groupFiles(library)) {
+        GroupFile file{name, store::readGroupFile(library, name, budget)};
+        if (file.reading.state == store::GroupFileState::Sound) {
+            files.push_back(std::move(file));
+        }
+    }
+    return files;
 }
 
 LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget) {
@@ -46,4 +58,4 @@ LibraryReading readLibrary(const store::Library& library, const store::LockBudge
     return result;
 }
 
-} // namespace browser
+} // namespace groups

@@ -1,10 +1,10 @@
-#include "browser/plain_tool_tip.h"
+#include "groups/plain_tool_tip.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QToolTip>
 
-namespace browser {
+namespace groups {
 
 void showToolTip(const QPoint& globalPosition, const QString& text, QWidget* widget,
                  const QRect& part) {
@@ -28,4 +28,4 @@ bool ToolTipDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
     return !lines.isEmpty();
 }
 
-} // namespace browser
+} // namespace groups
