@@ -35,6 +35,10 @@ namespace compound {
 class FileState; // the open file's internals
 class ReadCache;
 
+// Told again and again how many further bytes of streams were copied; what it throws ends the
+// copying.
+using CopiedBytes = std::function<void(std::uint64_t)>;
+
 // Index of a directory entry. Valid until the transaction that destroys the element.
 using EntryId = std::uint32_t;
 
@@ -123,6 +127,8 @@ class Storage {
 
   private:
     friend class CompoundFile;
+    friend void copyElement(const Storage& from, const Element& element, Storage into,
+                            std::u16string_view name, const CopiedBytes& copied);
     Storage(FileState* file, EntryId id) : file_(file), id_(id) {}
     FileState* file_;
     EntryId id_;
@@ -186,8 +192,7 @@ class CompoundFile {
     DiskFile& disk();
 
   private:
-    friend void copyAll(CompoundFile& from, CompoundFile& to,
-                        const std::function<void(std::uint64_t)>& copied);
+    friend void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied);
     CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
     void rememberCommit() noexcept;
 
@@ -198,9 +203,13 @@ class CompoundFile {
 // Copies every element of `from` (class ids, state bits and times included) into the empty file
 // `to`, densely, and leaves `to` uncommitted. The way to compact a file. Of elements of one storage
 // that bear one name, which another program may have written, all but one get a number behind it.
-// `copied` is told again and again how many further bytes of streams were copied; what it throws
-// ends the copying.
-using CopiedBytes = std::function<void(std::uint64_t)>;
 void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied = {});
+
+// Copies one element of the storage `from`, with all below it and as copyAll does, into the storage
+// `into` of another file, where it is called `name`; part of that file's transaction. Exists when
+// the name is taken; InvalidName, unless the element bears that very name already. After what
+// `copied` throws, and after any other failure in the middle, that transaction can only be dropped.
+void copyElement(const Storage& from, const Element& element, Storage into,
+                 std::u16string_view name, const CopiedBytes& copied = {});
 
 } // namespace compound

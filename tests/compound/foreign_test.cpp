@@ -204,12 +204,42 @@ TEST_P(ForeignTest, AttributesAreCarriedAlong) {
     CompoundFile copy = CompoundFile::create(disk.create("copy.stg"), sectorSize());
     copyAll(file, copy);
     copy.commit();
-    for (const auto& path : {kPath, std::filesystem::path("copy.stg")}) {
+    CompoundFile other = CompoundFile::create(disk.create("other.stg"));
+    copyElement(file.root(), *file.root().find(u"T"), other.root(), u"T");
+    other.commit();
+    for (const auto& path : {kPath, std::filesystem::path("copy.stg"), {"other.stg"}}) {
         RawFile raw(disk.content(path));
         for (const std::u16string_view name : {u"T", u"Root Entry", u"renamed"}) {
-            EXPECT_TRUE(std::equal(attributes.begin(), attributes.end(), at(raw, name))) << path;
+            EXPECT_EQ(std::equal(attributes.begin(), attributes.end(), at(raw, name)),
+                      path != "other.stg" || name != u"Root Entry")
+                << path;
         }
     }
+}
+
+TEST_P(ForeignTest, OneElementIsCopiedWithAllBelowIt) {
+    MemoryDisk disk;
+    disk.setContent(kPath, raw_.bytes());
+    CompoundFile from = openFile(disk, kPath, Access::Read);
+    CompoundFile to = CompoundFile::create(disk.create("to.stg"), SectorSize::Bytes512);
+    to.root().createStream(u"kept").assign(patterned(5000, 9));
+    to.commit();
+    Content expected = compound_tests::contentOf(to);
+    for (const auto& [path, bytes] : content_) {
+        if (path.starts_with(u"S/")) {
+            expected.emplace(u"Copy" + path.substr(1), bytes);
+        }
+    }
+    const auto copyAs = [&](std::u16string_view name) {
+        copyElement(from.root(), *from.root().find(u"S"), to.root(), name);
+    };
+    EXPECT_THROW(copyAs(u"KEPT"), Error);
+    EXPECT_THROW(copyAs(u"a/b"), Error);
+    EXPECT_FALSE(to.hasChanges());
+    copyAs(u"Copy");
+    to.commit();
+    EXPECT_TRUE(compound_tests::contentOf(disk, "to.stg") == expected);
+    EXPECT_EQ(findingsOf(disk, "to.stg"), "");
 }
 
 // Lists in place of trees: one in order, whose colours promise blacks that are not there beside the

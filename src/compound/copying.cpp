@@ -33,7 +33,7 @@ struct Copier {
         }
     }
 
-    EntryId copyElement(EntryId source, EntryId into, const std::u16string& name) const {
+    EntryId copyEntry(EntryId source, EntryId into, std::u16string_view name) const {
         const EntryId target = to.directory().insert(into, name, from.directory().type(source));
         to.directory().setAttributes(target, from.directory().attributes(source));
         return target;
@@ -68,13 +68,12 @@ struct Copier {
             if (compareNames(previous, name) == 0) {
                 others.push_back(element);
             } else {
-                copied(element, copyElement(element, target, name));
+                copied(element, copyEntry(element, target, name));
             }
             previous = std::move(name);
         }
         for (const EntryId element : others) {
-            copied(element,
-                   copyElement(element, target, freeName(target, directory.name(element))));
+            copied(element, copyEntry(element, target, freeName(target, directory.name(element))));
         }
     }
 
@@ -99,6 +98,27 @@ struct Copier {
 };
 
 } // namespace
+
+void copyElement(const Storage& from, const Element& element, Storage into,
+                 std::u16string_view name, const CopiedBytes& copied) {
+    FileState& target = *into.file_;
+    if (name != element.name && !isLegalName(name)) {
+        throw Error(ErrorCode::InvalidName, target.file().disk().path(),
+                    "\"" + shownName(name) + "\" cannot name a storage or stream");
+    }
+    if (target.directory().find(into.id_, name)) {
+        throw Error(ErrorCode::Exists, target.file().disk().path(),
+                    "there is a \"" + shownName(name) + "\" in the file already");
+    }
+    const FileState::Change change(target);
+    const Copier copier{*from.file_, target, copied};
+    const EntryId copy = copier.copyEntry(element.id, into.id_, name);
+    if (element.kind == ElementKind::Stream) {
+        copier.copyStream(element.id, copy);
+    } else {
+        copier.copyBelow(element.id, copy);
+    }
+}
 
 void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied) {
     const FileState::Change change(*to.state_);
