@@ -3,6 +3,7 @@
 #include "base/utf8.h"
 #include "compound/error.h"
 #include "compound/names.h"
+#include "store/text_codec.h"
 
 #include <algorithm>
 #include <map>
@@ -224,6 +225,18 @@ void createGroupPair(StorageHandle root, const StorageName& storage, std::u16str
     const StorageHandle group = root.CreateStorage(storage.text);
     writeGroupText(group, kParentStream, parent);
     writeGroupText(group, kNameStream, name);
+}
+
+std::u16string parentText(const StorageHandle& root, const StorageName& parent,
+                          const std::filesystem::path& file) {
+    const auto spelled = root.find(parent.text);
+    std::u16string text = spelled ? spelled->name : parent.text;
+    if (!encodeText(text)) {
+        throw Error(compound::ErrorCode::InvalidName, file,
+                    "no group can be told to lie below \"" + base::toUtf8(text) +
+                        "\": the name has characters outside the text code page");
+    }
+    return text;
 }
 
 StorageName nextSubGroup(StorageHandle root) {

@@ -33,6 +33,11 @@ void writeGroupText(StorageHandle group, std::u16string_view stream, std::u16str
 void createGroupPair(StorageHandle root, const StorageName& storage, std::u16string_view parent,
                      std::u16string_view name);
 
+// The text that tells a group to lie below `parent`: the storage as the root spells it.
+// InvalidName, naming `file`, when the text code page cannot carry it.
+std::u16string parentText(const StorageHandle& root, const StorageName& parent,
+                          const std::filesystem::path& file);
+
 // The storage name of a file's next sub-group.
 StorageName nextSubGroup(StorageHandle root);
 

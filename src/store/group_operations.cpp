@@ -2,10 +2,9 @@
 
 #include "base/utf8.h"
 #include "compound/error.h"
+#include "store/group_in_the_making.h"
 #include "store/group_layout.h"
-#include "store/new_group_file.h"
 #include "store/storage_access.h"
-#include "store/text_codec.h"
 
 #include <algorithm>
 #include <set>
@@ -18,57 +17,13 @@ using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 
-void requireValidName(const Library& library, const GroupName& name, GroupLevel level) {
-    if (!isValidGroupName(name.text, level)) {
-        throw Error(ErrorCode::InvalidName, library.folder,
-                    "\"" + base::toUtf8(name.text) + "\" cannot be a group's name");
-    }
-}
-
-GroupAddress createTopLevelGroup(const Library& library, const GroupName& name, IfTaken ifTaken) {
-    requireValidName(library, name, GroupLevel::TopLevel);
-    GroupAddress address = topLevelAddress(name.text);
-    const std::filesystem::path path = pathOf(library, address.file);
-    const bool isTaken = library.disk.exists(path);
-    if (isTaken && ifTaken == IfTaken::Refuse) {
-        throw Error(ErrorCode::Exists, path, "the group exists already");
-    }
-    NewGroupFile file(library, path, NewGroupFile::Content::Fresh);
-    file.write([&](compound::CompoundFile& content) {
-        createGroupPair(StorageHandle(content.root()), address.storage, kNoParent, name.text);
-    });
-    file.prepare(); // what can fail for want of space fails with the old file in its place
-    if (isTaken) {
-        removeGroupFile(library, address.file);
-    }
-    file.publish();
-    return address;
-}
-
-GroupAddress createSubGroup(const Library& library, const GroupAddress& parent,
-                            const GroupName& name) {
-    requireValidName(library, name, GroupLevel::SubGroup);
-    StorageAccess access(library);
-    access.openGroup(parent, Access::ReadWrite); // a vanished parent is found out here
-    const auto spelled = access.root().find(parent.storage.text);
-    const std::u16string above = spelled ? spelled->name : parent.storage.text;
-    if (!encodeText(above)) {
-        throw Error(ErrorCode::InvalidName, access.file().disk().path(),
-                    "no group can be told to lie below \"" + base::toUtf8(above) +
-                        "\": the name has characters outside the text code page");
-    }
-    const StorageName storage = nextSubGroup(access.root());
-    createGroupPair(access.root(), storage, above, name.text);
-    access.Commit();
-    return {parent.file, storage};
-}
-
 } // namespace
 
 GroupAddress createGroup(const Library& library, const std::optional<GroupAddress>& parent,
                          const GroupName& name, IfTaken ifTaken) {
-    return parent ? createSubGroup(library, *parent, name)
-                  : createTopLevelGroup(library, name, ifTaken);
+    GroupInTheMaking group(library, parent, name, ifTaken);
+    group.commit();
+    return group.address();
 }
 
 bool testGroupName(const Library&, const GroupName& name, GroupLevel level) noexcept {

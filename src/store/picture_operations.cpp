@@ -4,6 +4,7 @@
 #include "compound/error.h"
 #include "store/damage.h"
 #include "store/names.h"
+#include "store/picture_source.h"
 #include "store/storage_access.h"
 
 #include <string>
@@ -19,31 +20,6 @@ using compound::Error;
 using compound::ErrorCode;
 
 constexpr std::size_t kLongestRecord = 64; // bytes
-
-// A source file, read and measured: all that can fail for the picture's sake is behind it.
-struct Source {
-    std::vector<std::byte> bytes;
-    PictureRecord record;
-};
-
-Source readSource(const Library& library, const std::filesystem::path& path) {
-    Source source;
-    source.bytes = readPictureFile(library.disk, path);
-    try {
-        source.record =
-            recordOf(library.measure(source.bytes), typeCodeOf(base::fromPath(path.filename())));
-    } catch (const std::exception& error) {
-        throw Error(ErrorCode::InvalidPicture, path, error.what());
-    }
-    return source;
-}
-
-void requireValidName(const std::filesystem::path& file, const PictureName& name) {
-    if (!isValidPictureName(name.text)) {
-        throw Error(ErrorCode::InvalidName, file,
-                    "\"" + base::toUtf8(name.text) + "\" cannot be a picture's name");
-    }
-}
 
 Error missingPicture(const std::filesystem::path& file, const PictureName& name) {
     return {ErrorCode::NotFound, file, "there is no picture \"" + base::toUtf8(name.text) + "\""};
@@ -78,14 +54,11 @@ PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
     return unlessDamaged(read).value_or(PictureRecord{});
 }
 
-// Stores bytes first, then the record; both become the file's state with the caller's Commit.
+// Both become the file's state with the caller's Commit.
 void storePicture(const Library& library, StorageAccess& access, const GroupAddress& group,
-                  const PictureName& name, const Source& source) {
-    access.groupStream().emplace(access.groupStorage().CreateStream(name.text));
-    access.groupStream()->Put(source.bytes);
+                  const PictureName& name, const PictureSource& source) {
     access.openOrCreateInfo(group);
-    access.infoStream().emplace(access.infoStorage().CreateStream(name.text));
-    access.infoStream()->PutString(formatRecord(source.record, library.decimalSeparator));
+    putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
 }
 
 void refuseExisting(StorageAccess& access, const PictureName& name, IfPictureExists ifExists) {
@@ -96,17 +69,6 @@ void refuseExisting(StorageAccess& access, const PictureName& name, IfPictureExi
 }
 
 } // namespace
-
-std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path) {
-    const auto file = disk.open(path, Access::Read);
-    const std::uint64_t size = file->size();
-    if (size > kMaximumPictureBytes) {
-        throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
-    }
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    bytes.resize(file->read(0, bytes));
-    return bytes;
-}
 
 void writePictureFile(compound::Disk& disk, const std::filesystem::path& path,
                       std::span<const std::byte> bytes) {
@@ -138,9 +100,9 @@ PictureBatch::~PictureBatch() = default;
 
 void PictureBatch::add(const PictureName& name, const std::filesystem::path& source,
                        IfPictureExists ifExists) {
-    requireValidName(state_->access.file().disk().path(), name);
+    requireValidPictureName(state_->access.file().disk().path(), name);
     refuseExisting(state_->access, name, ifExists);
-    const Source read = readSource(state_->library, source);
+    const PictureSource read = readPictureSource(state_->library, source);
     state_->access.file().makeRoom(read.bytes.size() + kLongestRecord);
     storePicture(state_->library, state_->access, state_->group, name, read);
 }
@@ -151,8 +113,8 @@ void PictureBatch::commit() {
 
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,
                 const std::filesystem::path& source, IfPictureExists ifExists) {
-    requireValidName(pathOf(library, group.file), name);
-    const Source read = readSource(library, source);
+    requireValidPictureName(pathOf(library, group.file), name);
+    const PictureSource read = readPictureSource(library, source);
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     refuseExisting(access, name, ifExists);
@@ -218,7 +180,7 @@ std::string readPictureType(const Library& library, const GroupAddress& group,
 
 void renamePicture(const Library& library, const GroupAddress& group, const PictureName& from,
                    const PictureName& to) {
-    requireValidName(pathOf(library, group.file), to);
+    requireValidPictureName(pathOf(library, group.file), to);
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     const Element picture = requirePicture(access, from);

@@ -1,0 +1,32 @@
+// A picture file on its way into a group. What can fail for the picture's sake is done by reading
+// it, before a group file is touched.
+#pragma once
+
+#include "store/library.h"
+#include "store/picture_record.h"
+#include "store/storage_access.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <vector>
+
+namespace store {
+
+struct PictureSource {
+    std::vector<std::byte> bytes;
+    PictureRecord record;
+};
+
+// Reads and measures the file. TooLarge, InvalidPicture, and what the disk throws, each naming
+// `path`.
+PictureSource readPictureSource(const Library& library, const std::filesystem::path& path);
+
+// InvalidName, naming the group file `file`.
+void requireValidPictureName(const std::filesystem::path& file, const PictureName& name);
+
+// Stores bytes and record under `name`, in place of what has that name, as part of the file's
+// transaction.
+void putPicture(const Library& library, StorageHandle group, StorageHandle info,
+                const PictureName& name, const PictureSource& source);
+
+} // namespace store
