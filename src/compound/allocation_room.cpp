@@ -22,15 +22,18 @@ std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count
     return free > kKeptForFat ? free - kKeptForFat : 0;
 }
 
-// The same of all ranges, once `wanted` are found no more than that; what is in memory comes first.
+// The same of all ranges, once `wanted` are found no more than that; what is in memory comes first,
+// and then those that data leave alone.
 std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count, Free which) {
     loadDifat();
+    std::vector<std::uint32_t> order[3];
+    for (auto index = static_cast<std::uint32_t>(ranges_.size()); index-- > 0;) {
+        order[ranges_[index] ? 0 : isForChains(index) ? 1 : 2].push_back(index);
+    }
     std::uint64_t found = 0;
-    for (const bool isLoaded : {true, false}) {
-        for (std::size_t index = ranges_.size(); index-- > 0 && found < wanted;) {
-            if ((ranges_[index] != nullptr) == isLoaded) {
-                found += usableIn(static_cast<std::uint32_t>(index), count, which);
-            }
+    for (const std::vector<std::uint32_t>& indexes : order) {
+        for (std::size_t i = 0; i < indexes.size() && found < wanted; ++i) {
+            found += usableIn(indexes[i], count, which);
         }
     }
     return found;

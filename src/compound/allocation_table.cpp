@@ -167,24 +167,6 @@ void AllocationTable::markRangeLock(std::uint64_t end) {
     }
 }
 
-// A free sector of the range, from its entry `from` on and then from its start; kNone when no more
-// than `reserve` are left.
-std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
-                                        std::uint32_t reserve) {
-    if (freeIn(index) <= reserve) {
-        return kNone;
-    }
-    const Range& range = load(index);
-    for (std::uint32_t i = 0; i < perSector_; ++i) {
-        const std::uint32_t at = (from + i) % perSector_;
-        const std::uint32_t sector = index * perSector_ + at;
-        if (range.at(at) == kFreeSector && isUsable(sector) && !pending_.contains(sector)) {
-            return sector;
-        }
-    }
-    return kNone;
-}
-
 void AllocationTable::throwFull() const {
     if (insideLimit_ != kMaximumSector) {
         throw Error(ErrorCode::NoSpace, file_.disk().path(), "the disk is full");
@@ -214,117 +196,8 @@ void AllocationTable::addRange() {
     touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
 }
 
-// Free sectors of a range that are left when one is taken for `purpose`.
-std::uint32_t AllocationTable::kept(Purpose purpose) const {
-    if (purpose == Purpose::Fat) {
-        return 0;
-    }
-    const bool isFull = insideLimit_ != kMaximumSector;
-    return purpose == Purpose::Move || isFull ? kKeptForFat : kKeptForMoving;
-}
-
-std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
-    try {
-        return allocateOnce(near, purpose);
-    } catch (const Error& error) {
-        if (error.code() != ErrorCode::NoSpace || !stayInside()) {
-            throw;
-        }
-    }
-    return allocateOnce(near, purpose);
-}
-
-std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose) {
-    loadDifat();
-    const std::uint32_t home = near < kMaximumSector ? near / perSector_ : 0;
-    if (home < ranges_.size()) {
-        const std::uint32_t found = findFree(home, 0, kept(purpose));
-        if (found != kNone) {
-            return takePlaced(found);
-        }
-    }
-    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        // Only what is in memory anyway, and the last one, in which the file can grow.
-        if (!ranges_[index] && index + 1 != ranges_.size() && canGrow()) {
-            continue;
-        }
-        const std::uint32_t found = findFree(index, 0, std::max(kept(purpose), kKeptForFat));
-        if (found != kNone) {
-            return takePlaced(found);
-        }
-    }
-    addRange();
-    return takePlaced(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat));
-}
-
-// As take(), for what is written at the commit: that must not fail for want of space then.
-std::uint32_t AllocationTable::takePlaced(std::uint32_t sector) {
-    file_.extend(sector + 1);
-    return take(sector);
-}
-
 bool AllocationTable::canGrow() const {
     return std::uint64_t{ranges_.size()} * perSector_ < limit();
-}
-
-// Where a transaction begins to store data: a range with a good many free sectors among a few that
-// are looked at, different ones in each transaction; otherwise the last one.
-std::uint32_t AllocationTable::chooseDataRange() {
-    constexpr std::uint32_t kLooks = 4;
-    const auto count = static_cast<std::uint32_t>(ranges_.size());
-    for (std::uint32_t i = 0; i < std::min(kLooks, count - 1); ++i) {
-        const std::uint32_t index = (header_.transaction * kLooks + i) % (count - 1);
-        if (freeIn(index) > metadataEnd(index) + perSector_ / 16) {
-            return index;
-        }
-    }
-    return count - 1;
-}
-
-std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
-    loadDifat();
-    if (ranges_.empty()) {
-        addRange();
-    }
-    if (previous == kEndOfChain) {
-        previous = dataHint_ != kNone ? dataHint_ : chooseDataRange() * perSector_;
-    }
-    const std::uint32_t index =
-        std::min(previous / perSector_, static_cast<std::uint32_t>(ranges_.size() - 1));
-    std::uint32_t found = findFreeForData(index, previous % perSector_);
-    if (found == kNone) {
-        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
-    }
-    for (; found == kNone && !canGrow() && scannedTo_ < ranges_.size(); ++scannedTo_) {
-        found = findFreeForData(scannedTo_, 0);
-        if (found != kNone) {
-            break;
-        }
-    }
-    while (found == kNone) {
-        addRange();
-        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
-    }
-    dataHint_ = found;
-    return take(found);
-}
-
-// As findFree, but leaves the sectors before metadataEnd() and a few more to the tables.
-std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_t from) {
-    const std::uint32_t first = index * perSector_ + metadataEnd(index);
-    const std::uint32_t reserve = kept(Purpose::Growth);
-    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), reserve);
-    if (found != kNone && found < first) { // the search has wrapped
-        found = findFree(index, metadataEnd(index), reserve);
-    }
-    return found != kNone && found < first ? kNone : found;
-}
-
-// The first sectors of every range but the file's first are kept for directory, mini stream and
-// mini FAT, so that in a large file these chains lie together and few FAT sectors describe them. At
-// the format's end everything is used.
-std::uint32_t AllocationTable::metadataEnd(std::uint32_t index) const {
-    return index == 0 || !canGrow() ? 0 : perSector_ / 8;
 }
 
 bool AllocationTable::stayInside() {
@@ -545,6 +418,7 @@ void AllocationTable::committed() {
             range->free.reset(); // what was freed counts now
         }
         range->dirty = range->moved = false;
+        range->next.reset();
     }
     difatTouched_ = 0;
     difatMoved_ = 0;

@@ -104,10 +104,17 @@ class AllocationTable {
     static constexpr std::uint32_t kKeptForFat = 1;
     static constexpr std::uint32_t kKeptForMoving = 8;
 
+    // This range and every so many behind it hold no data: directory, mini stream and mini FAT lie
+    // together there, so that a change to them changes few FAT sectors. Smaller files could not
+    // spare a whole range; each of theirs begins with a few sectors for the same purpose.
+    static constexpr std::uint32_t kFirstChainRange = 4;
+    static constexpr std::uint32_t kChainRangeStep = 16;
+
     // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
         std::vector<std::byte> bytes;
         std::optional<std::uint32_t> free; // free and allowed to be taken, once counted
+        std::optional<std::uint32_t> next; // entry from which this transaction goes on looking
         bool dirty = false;
         bool moved = false; // has its new place already
 
@@ -126,6 +133,12 @@ class AllocationTable {
     void dropEmptyRanges(std::uint64_t reserve);
     std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
     std::uint32_t findFreeForData(std::uint32_t index, std::uint32_t from);
+    std::uint32_t findFreeInRun(std::uint32_t index, std::uint32_t reserve);
+    bool isFreeInside(std::uint32_t index, std::uint32_t at);
+    std::uint32_t startOfRun(std::uint32_t index);
+    bool freesMuch() const;
+    std::uint32_t homeOf(std::uint32_t near, Purpose purpose);
+    static bool isForChains(std::uint32_t index);
     std::uint32_t metadataEnd(std::uint32_t index) const;
     std::uint32_t take(std::uint32_t sector);
     std::uint32_t takePlaced(std::uint32_t sector);
