@@ -103,6 +103,8 @@ TextPair failureText(compound::ErrorCode code) {
         return {u"Nicht gefunden.", u"Not found."};
     case ErrorCode::Exists:
         return {u"Der Name ist schon vergeben.", u"The name is already taken."};
+    case ErrorCode::SameFile:
+        return {u"Quelle und Ziel sind dieselbe Datei.", u"Source and target are the same file."};
     case ErrorCode::Locked:
         return {u"Die Datei wird von einem anderen Programm benutzt.",
                 u"Another program is using the file."};
@@ -133,7 +135,9 @@ TextPair failureText(compound::ErrorCode code) {
 
 // Whether the cause, which is not in the user's language, would only repeat the kind of failure.
 bool saysItAll(compound::ErrorCode code) {
-    return code == compound::ErrorCode::Locked || code == compound::ErrorCode::NotCompoundFile;
+    using compound::ErrorCode;
+    return code == ErrorCode::Locked || code == ErrorCode::NotCompoundFile ||
+           code == ErrorCode::SameFile;
 }
 
 } // namespace

@@ -40,14 +40,9 @@ struct Copier {
     }
 
     // A name like `name` that no element of the copied storage bears.
-    std::u16string freeName(EntryId into, std::u16string name) const {
+    std::u16string freeName(EntryId into, const std::u16string& name) const {
         for (unsigned number = 2;; ++number) {
-            std::u16string suffix = u" (";
-            for (const char digit : std::to_string(number)) {
-                suffix += static_cast<char16_t>(digit);
-            }
-            suffix += u')';
-            const std::u16string tried = name.substr(0, kMaximumNameUnits - suffix.size()) + suffix;
+            std::u16string tried = withNumber(name, number);
             if (!to.directory().find(into, tried)) {
                 return tried;
             }

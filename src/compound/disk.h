@@ -129,6 +129,11 @@ class Disk {
     // The file that the path stands for in the end: the target of a link, else the path itself.
     virtual std::filesystem::path resolved(const std::filesystem::path& path) { return path; }
 
+    // Whether both paths lead to one file, by links as well. False when one of them leads nowhere.
+    virtual bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+        return exists(one) && resolved(one) == resolved(other);
+    }
+
     // Makes a link at `path` to `target`, relative or absolute as the link `pattern` is. Exists.
     // Failed on a disk without links.
     virtual void linkAs(const std::filesystem::path& pattern, const std::filesystem::path& target,

@@ -10,6 +10,7 @@ namespace compound {
 enum class ErrorCode {
     NotFound, // the file, storage or stream does not exist
     Exists,   // an element or file of that name is there already
+    SameFile, // one file is to be both what is read and what is written
     Locked,   // another opener holds the file
     Damaged,  // the bytes are no sound compound file (a finding about bytes, never about access)
     NotCompoundFile, // the header signature is missing: some other kind of file

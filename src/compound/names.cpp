@@ -52,6 +52,15 @@ bool isLegalName(std::u16string_view name) noexcept {
            name.find_first_of(kForbidden) == std::u16string_view::npos;
 }
 
+std::u16string withNumber(std::u16string_view name, unsigned number) {
+    std::u16string suffix = u" (";
+    for (const char digit : std::to_string(number)) {
+        suffix += static_cast<char16_t>(digit);
+    }
+    suffix += u')';
+    return std::u16string(name.substr(0, kMaximumNameUnits - suffix.size())) + suffix;
+}
+
 std::string shownName(std::u16string_view name) {
     std::string text;
     for (std::size_t at = 0; at < name.size(); ++at) {

@@ -19,6 +19,9 @@ int compareNames(std::u16string_view left, std::u16string_view right) noexcept;
 // 1 to 31 units, none of them / \ : ! or zero.
 bool isLegalName(std::u16string_view name) noexcept;
 
+// The name with a number behind it, " (2)", and cut so that it can still be one.
+std::u16string withNumber(std::u16string_view name, unsigned number);
+
 // The name in UTF-8 for messages; "?" for control characters and halves of characters.
 std::string shownName(std::u16string_view name);
 

@@ -263,6 +263,7 @@ class NativeDisk final : public compound::Disk {
     std::unique_ptr<DiskFile> create(const path& filePath) override;
     std::unique_ptr<DiskFile> createPrivate(const path& filePath) override;
     path resolved(const path& filePath) override;
+    bool isSameFile(const path& one, const path& other) override;
     void linkAs(const path& pattern, const path& target, const path& filePath) override;
     void copyAttributes(DiskFile& from, DiskFile& to) override;
     std::vector<compound::FolderEntry> list(const path& folder) override;
@@ -401,6 +402,13 @@ path NativeDisk::resolved(const path& filePath) {
         throw systemError(failure.value(), filePath, "follow link");
     }
     return target;
+}
+
+bool NativeDisk::isSameFile(const path& one, const path& other) {
+    struct stat first {};
+    struct stat second {};
+    return ::stat(one.c_str(), &first) == 0 && ::stat(other.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
 void NativeDisk::linkAs(const path& pattern, const path& target, const path& filePath) {

@@ -14,8 +14,6 @@ using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 
-constexpr std::size_t kSuffixLength = 4;
-
 bool isFindingAboutBytes(ErrorCode code) {
     return code == ErrorCode::Damaged || code == ErrorCode::NotCompoundFile;
 }
@@ -64,11 +62,9 @@ GroupFileReading readGroupFile(const Library& library, const FileName& file,
 
 GroupFileState testGroupFile(const Library& library, const std::filesystem::path& path,
                              const LockBudget& budget) {
-    std::u16string name = base::fromPath(path.filename());
-    if (endsWithIgnoringCase(name, kGroupFileSuffix)) {
-        name.resize(name.size() - kSuffixLength);
-    }
-    return examine(library, path, {name}, budget, [](StorageAccess&, const StorageName&) {}).state;
+    return examine(library, path, fileNameOf(path), budget,
+                   [](StorageAccess&, const StorageName&) {})
+        .state;
 }
 
 void setAside(const Library& library, const FileName& file) {

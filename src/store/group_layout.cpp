@@ -145,24 +145,12 @@ class TreeBuilder {
     std::vector<GroupEntry> placed_;
 };
 
-std::uint32_t subGroupNumber(std::u16string_view name) {
-    constexpr std::size_t kMostDigits = 9;
-    const std::u16string_view digits = name.substr(std::min(name.size(), kSubGroupPrefix.size()));
-    if (!name.starts_with(kSubGroupPrefix) || digits.empty() || digits.size() > kMostDigits) {
-        return 0;
-    }
-    std::uint32_t number = 0;
-    for (const char16_t digit : digits) {
-        if (digit < u'0' || digit > u'9') {
-            return 0;
-        }
-        number = number * 10 + (digit - u'0');
-    }
-    return number;
-}
-
-std::u16string subGroupName(std::uint32_t number) {
-    return std::u16string(kSubGroupPrefix) + base::fromUtf8(std::to_string(number));
+// The storage that a renumbered file's `Parent` text means.
+std::u16string renumberedStorage(const StorageHandle& root, const std::u16string& parent) {
+    const std::uint32_t number = storageNumber(parent);
+    const std::u16string renumbered = numberedStorage(number, kRenumberedPrefix);
+    const bool isMeant = numberedStorage(number) == parent && root.find(renumbered);
+    return isMeant ? renumbered : parent;
 }
 
 } // namespace
@@ -192,14 +180,17 @@ std::optional<StorageName> findTopLevelGroup(StorageHandle root, const FileName&
     return std::nullopt;
 }
 
-std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file,
-                                   const StorageName& top) {
+std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file, const StorageName& top,
+                                   ParentTexts parentTexts) {
     std::vector<RawGroup> groups;
     for (const std::u16string& storage : rootStorages(root)) {
         if (sameName(storage, top.text) || endsWithIgnoringCase(storage, kInfoSuffix)) {
             continue;
         }
         if (auto group = readRawGroup(root, storage)) {
+            if (parentTexts == ParentTexts::NameRenumbered) {
+                group->parent = renumberedStorage(root, group->parent);
+            }
             groups.push_back(std::move(*group));
         }
     }
@@ -227,6 +218,26 @@ void createGroupPair(StorageHandle root, const StorageName& storage, std::u16str
     writeGroupText(group, kNameStream, name);
 }
 
+std::uint32_t storageNumber(std::u16string_view name, std::u16string_view prefix) {
+    constexpr std::size_t kMostDigits = 9;
+    const std::u16string_view digits = name.substr(std::min(name.size(), prefix.size()));
+    if (!name.starts_with(prefix) || digits.empty() || digits.size() > kMostDigits) {
+        return 0;
+    }
+    std::uint32_t number = 0;
+    for (const char16_t digit : digits) {
+        if (digit < u'0' || digit > u'9') {
+            return 0;
+        }
+        number = number * 10 + (digit - u'0');
+    }
+    return number;
+}
+
+std::u16string numberedStorage(std::uint32_t number, std::u16string_view prefix) {
+    return std::u16string(prefix) + base::fromUtf8(std::to_string(number));
+}
+
 std::u16string parentText(const StorageHandle& root, const StorageName& parent,
                           const std::filesystem::path& file) {
     const auto spelled = root.find(parent.text);
@@ -243,13 +254,13 @@ StorageName nextSubGroup(StorageHandle root) {
     std::uint32_t greatest = 0;
     for (const std::u16string& storage : rootStorages(root)) {
         if (storage.find(kInfoSuffix) == std::u16string::npos) {
-            greatest = std::max(greatest, subGroupNumber(storage));
+            greatest = std::max(greatest, storageNumber(storage));
         }
     }
     // A top-level group called sub5, or any other element, may stand where the next one would go.
-    StorageName next{subGroupName(++greatest)};
+    StorageName next{numberedStorage(++greatest)};
     while (root.find(next.text) || root.find(infoStorageOf(next).text)) {
-        next.text = subGroupName(++greatest);
+        next.text = numberedStorage(++greatest);
     }
     return next;
 }

@@ -18,10 +18,14 @@ std::vector<std::u16string> rootStorages(StorageHandle root);
 // holds no info storage for it.
 std::optional<StorageName> findTopLevelGroup(StorageHandle root, const FileName& file);
 
+// What `Parent` texts name. After a merge has renumbered a file they still say "Sub" and the
+// number, while the storages are called "Sib" and the number.
+enum class ParentTexts { NameStorages, NameRenumbered };
+
 // All groups of the file: the top-level group first, every parent before its children, each parent
 // resolved to a group that is there.
-std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file,
-                                   const StorageName& top);
+std::vector<GroupEntry> readGroups(StorageHandle root, const FileName& file, const StorageName& top,
+                                   ParentTexts parentTexts = ParentTexts::NameStorages);
 
 // The `Name` or `Parent` text of a group storage; nothing when the stream is missing or damaged.
 std::optional<std::u16string> readGroupText(const StorageHandle& group, std::u16string_view stream);
@@ -37,6 +41,12 @@ void createGroupPair(StorageHandle root, const StorageName& storage, std::u16str
 // InvalidName, naming `file`, when the text code page cannot carry it.
 std::u16string parentText(const StorageHandle& root, const StorageName& parent,
                           const std::filesystem::path& file);
+
+// The number of a storage called `prefix` and a number; 0 for every other name.
+std::uint32_t storageNumber(std::u16string_view name, std::u16string_view prefix = kSubGroupPrefix);
+
+// `prefix` and the number.
+std::u16string numberedStorage(std::uint32_t number, std::u16string_view prefix = kSubGroupPrefix);
 
 // The storage name of a file's next sub-group.
 StorageName nextSubGroup(StorageHandle root);

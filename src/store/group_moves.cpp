@@ -6,6 +6,7 @@
 #include "store/group_operations.h"
 #include "store/leftovers.h"
 #include "store/new_group_file.h"
+#include "store/told_copying.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,17 +20,9 @@ using compound::ErrorCode;
 
 // Copies everything from one file to another, telling how far it is.
 void copyTold(compound::CompoundFile& from, compound::CompoundFile& to, Progress& progress) {
-    const std::uint64_t total = from.disk().size();
-    std::uint64_t done = 0;
-    compound::copyAll(from, to, [&](std::uint64_t bytes) {
-        // The last step is the caller's, who makes durable what was copied.
-        done = std::min(done + bytes, total - 1);
-        progress.report(done, total);
-        if (progress.isStopWanted()) {
-            throw Error(ErrorCode::Cancelled, from.disk().path(), "stopped");
-        }
-    });
-    progress.report(total, total);
+    ToldCopying copying(from, progress);
+    compound::copyAll(from, to, copying.copied());
+    copying.end();
 }
 
 // The group's own storages may take each other's places; nothing else in the file makes way.

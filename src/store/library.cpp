@@ -71,6 +71,14 @@ std::filesystem::path pathOf(const Library& library, const FileName& file) {
     return path;
 }
 
+FileName fileNameOf(const std::filesystem::path& path) {
+    std::u16string name = base::fromPath(path.filename());
+    if (endsWithIgnoringCase(name, kGroupFileSuffix)) {
+        name.resize(name.size() - kSuffixLength);
+    }
+    return {std::move(name)};
+}
+
 std::vector<FileName> groupFiles(const Library& library) {
     const std::vector<compound::FolderEntry> entries = library.disk.list(library.folder);
     std::vector<FileName> files = groupFilesAmong(entries);

@@ -71,6 +71,9 @@ std::filesystem::path pathOf(const Library& library, const FileName& file);
 // The same without looking at the disk: the suffix as this program writes it.
 std::filesystem::path plainPathOf(const Library& library, const FileName& file);
 
+// The base name of a group file that may lie anywhere: its name without ".stg" in any case.
+FileName fileNameOf(const std::filesystem::path& path);
+
 // The group files, by name without regard to case. Only regular files whose last four characters
 // are ".stg" in any case count. What a crashed program has left beside them is cleared away first,
 // where that is possible (store/leftovers.h). Throws NotFound or Denied when the folder cannot be

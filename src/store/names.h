@@ -19,6 +19,7 @@ inline constexpr std::u16string_view kNameStream = u"Name";
 inline constexpr std::u16string_view kParentStream = u"Parent";
 inline constexpr std::u16string_view kNoParent = u"None";
 inline constexpr std::u16string_view kSubGroupPrefix = u"Sub";
+inline constexpr std::u16string_view kRenumberedPrefix = u"Sib"; // in a file that was merged
 
 // Equality as inside compound files: without regard to case, unit by unit.
 bool sameName(std::u16string_view left, std::u16string_view right);

@@ -1,0 +1,97 @@
+#include "store/merged_source.h"
+
+#include "compound/error.h"
+#include "store/leftovers.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::DiskFile;
+using compound::Error;
+using compound::ErrorCode;
+
+void copyBytes(DiskFile& from, DiskFile& to) {
+    constexpr std::size_t kChunk = std::size_t{1} << 20U;
+    std::vector<std::byte> chunk(kChunk);
+    std::uint64_t done = 0;
+    while (const std::size_t count = from.read(done, chunk)) {
+        to.write(done, std::span(chunk).first(count));
+        done += count;
+    }
+}
+
+// Gives the copy the first of the names N.stg.bak, N.stg.bak2, ... that is free.
+void publishCopy(compound::Disk& disk, const std::filesystem::path& temporary,
+                 const std::filesystem::path& original) {
+    for (unsigned number = 1;; ++number) {
+        std::filesystem::path kept = original;
+        kept += number == 1 ? ".bak" : ".bak" + std::to_string(number);
+        try {
+            disk.renameWithoutReplacing(temporary, kept);
+            return;
+        } catch (const Error& error) {
+            if (error.code() != ErrorCode::Exists) {
+                throw;
+            }
+        }
+    }
+}
+
+void keepOriginal(const Library& library, DiskFile& original) {
+    compound::Disk& disk = library.disk;
+    const std::filesystem::path path = disk.resolved(original.path());
+    const std::filesystem::path folder = folderOf(path);
+    removeUnfinishedFiles(library, folder);
+    const std::filesystem::path temporary = folder / nameInTheMaking();
+    const auto copy = lockNew(library, disk.createPrivate(temporary));
+    if (!copy) {
+        throw Error(ErrorCode::Locked, temporary, "the file is in use by another program");
+    }
+    try {
+        copyBytes(original, *copy);
+        disk.copyAttributes(original, *copy);
+        copy->sync();
+        publishCopy(disk, temporary, path);
+    } catch (const Error&) {
+        disk.removeTemporary(temporary);
+        throw;
+    }
+    disk.syncFolder(folder);
+}
+
+} // namespace
+
+bool belongsToLibrary(const Library& library, const std::filesystem::path& file) {
+    const std::vector<FileName> files = groupFiles(library);
+    return std::any_of(files.begin(), files.end(), [&](const FileName& other) {
+        return library.disk.isSameFile(pathOf(library, other), file);
+    });
+}
+
+Access openSource(StorageAccess& source, const Library& library, const std::filesystem::path& path,
+                  Access wanted) {
+    try {
+        source.openFile(path, wanted, library.lockWait);
+        return wanted;
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Denied || wanted == Access::Read) {
+            throw;
+        }
+    }
+    source.openFile(path, Access::Read, library.lockWait);
+    return Access::Read;
+}
+
+void keepAndRenumber(const Library& library, StorageAccess& source,
+                     const std::vector<Passage>& passages) {
+    keepOriginal(library, source.file().disk());
+    renumberSource(passages, source.root());
+    source.Commit();
+}
+
+} // namespace store
