@@ -15,7 +15,6 @@
 #include "browser/picture_panel.h"
 #include "browser/temporary_pictures.h"
 #include "browser/window_state.h"
-#include "commands/edit_picture.h"
 #include "commands/failure_report.h"
 #include "compound/error.h"
 #include "groups/group_icons.h"
@@ -108,10 +107,8 @@ void frmMain::connectTree() {
 void frmMain::connectPanel() {
     connect(panel_, &PicturePanel::menuStateWanted, this, &frmMain::updateMenuState);
     connect(panel_, &PicturePanel::editItemWanted, this, &frmMain::updateEditItem);
-    connect(panel_, &PicturePanel::picturePopUpWanted, this, [this](const QPoint& position) {
-        menus_->setEditTool(commands::hasEditor(panel_->shownType()));
-        menus_->popUp(commands::BandId::Picture, position);
-    });
+    connect(panel_, &PicturePanel::picturePopUpWanted, this,
+            [this](const QPoint& position) { menus_->popUp(commands::BandId::Picture, position); });
     connect(panel_, &PicturePanel::editWanted, this,
             [this] { dispatcher_.run(commands::Command::EditPicture, commands::Origin::Menu); });
     connect(panel_, &PicturePanel::editWantedByKey, this,
@@ -346,6 +343,7 @@ int frmMain::GetNodeIndex(const QString& text) const {
 void frmMain::updateMenuState() {
     menus_->setState(selectedGroup() ? commands::Selection::Group : commands::Selection::None);
     menus_->setEditItem(
+        !shownPicture().isNone() &&
         commands::allowsEditing(panel_->shownType(), commands::EditItemCause::Group));
 }
 

@@ -136,10 +136,6 @@ void MainMenus::updateEditItem() {
         ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, selection_));
 }
 
-void MainMenus::setEditTool(bool allowed) {
-    toolOf(Command::EditPicture)->setEnabled(allowed && commands::hasHandler(Command::EditPicture));
-}
-
 void MainMenus::setGraphicalPreview(bool on) {
     itemOf(Command::GraphicalPreview)->setChecked(on);
 }

@@ -36,9 +36,6 @@ class MainMenus : public QObject {
     // Whether the shown picture can be edited from the menu.
     void setEditItem(bool allowed);
 
-    // Whether the pop-up band can do something with the shown picture's type.
-    void setEditTool(bool allowed);
-
     void setGraphicalPreview(bool on);
 
     // Chooses the menu's item of that command; nothing while it is disabled.

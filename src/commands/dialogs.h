@@ -7,6 +7,7 @@
 
 namespace editing {
 class frmOpen;
+class frmOptionenBMP;
 class frmOptionenWMF;
 } // namespace editing
 
@@ -26,6 +27,7 @@ struct Dialogs {
     QPointer<frmEditGruppe> renameGroup;
     QPointer<frmGroupInfo> groupInfo;
     QPointer<editing::frmOpen> addPicture;
+    QPointer<editing::frmOptionenBMP> bitmapEditor;
     QPointer<editing::frmOptionenWMF> vectorPicture;
     QPointer<frmEditSymbol> renamePicture;
     QPointer<frmInfos> pictureInfo;

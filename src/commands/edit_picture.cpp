@@ -6,6 +6,7 @@
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
+#include "editing/bitmap_editor/frm_optionen_bmp.h"
 #include "editing/frm_optionen_wmf.h"
 #include "editing/picture_in_group.h"
 #include "store/picture_operations.h"
@@ -14,10 +15,6 @@
 
 namespace commands {
 namespace {
-
-constexpr app::TextPair kNoEditor{
-    u"Bearbeitungsfunktionen für Bilder dieses Typs sind nicht verfügbar.",
-    u"Editing functions for pictures of this type are not available."};
 
 // Not translated.
 const QString kVectorFromPopUp =
@@ -47,11 +44,15 @@ void openVectorWindow(CommandCall& call, const editing::PictureInGroup& picture)
     keptDialog(call.dialogs.vectorPicture, call.view.owner()).openFor(call.view.library(), picture);
 }
 
-} // namespace
-
-bool hasEditor(const QString& pictureType) {
-    return pictureType == QLatin1String("WMF");
+void openBitmapEditor(CommandCall& call, const editing::PictureInGroup& picture) {
+    using Outcome = editing::frmOptionenBMP::Outcome;
+    auto& editor = keptDialog(call.dialogs.bitmapEditor, call.view.owner());
+    if (editor.openFor(call.view.library(), picture) == Outcome::ToBeRefreshed) {
+        call.view.Aktualisieren();
+    }
 }
+
+} // namespace
 
 void editPicture(CommandCall& call) {
     const auto picture = call.selection.pictureInGroup();
@@ -62,8 +63,8 @@ void editPicture(CommandCall& call) {
     if (!type) {
         return;
     }
-    if (!hasEditor(*type)) {
-        app::msgBox(app::text(kNoEditor), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
+    if (*type != QLatin1String("WMF")) {
+        openBitmapEditor(call, *picture);
     } else if (call.origin == Origin::PopUp) {
         app::msgBox(kVectorFromPopUp, app::Buttons::Ok, app::kProgramTitle, call.view.owner());
     } else {

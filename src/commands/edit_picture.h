@@ -1,18 +1,13 @@
 // Editing the shown picture, in the window for its type.
 #pragma once
 
-#include <QString>
-
 namespace commands {
 
 struct CommandCall;
 
-// Whether there is a window for pictures of that type code.
-bool hasEditor(const QString& pictureType);
-
-// Opens the shown picture in the window for its type; from the pop-up a box tells instead that
-// vector pictures cannot be edited. Where there is no window for the type, a box says so, too.
-// Without a picture nothing happens.
+// Opens the shown picture: WMF pictures in the vector window, all others in the bitmap editor. From
+// the pop-up a box tells instead that vector pictures cannot be edited. Without a picture nothing
+// happens.
 void editPicture(CommandCall& call);
 
 } // namespace commands

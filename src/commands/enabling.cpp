@@ -1,7 +1,6 @@
 #include "commands/enabling.h"
 
 #include "commands/dispatcher.h"
-#include "commands/edit_picture.h"
 
 namespace commands {
 namespace {
@@ -28,10 +27,10 @@ bool isOffered(Command command, Selection selection) {
 }
 
 bool allowsEditing(const QString& pictureType, EditItemCause cause) {
-    if (!hasEditor(pictureType) || pictureType == QLatin1String("GIF")) {
-        return false;
+    if (pictureType == QLatin1String("WMF")) {
+        return cause == EditItemCause::Thumbnail;
     }
-    return cause == EditItemCause::Thumbnail || pictureType != QLatin1String("WMF");
+    return pictureType != QLatin1String("GIF");
 }
 
 } // namespace commands

@@ -21,9 +21,8 @@ enum class EditItemCause {
     Thumbnail, // a thumbnail was chosen
 };
 
-// Whether a picture of that type can be edited from the menu. GIF pictures never can, nor can
-// pictures for whose type there is no window; WMF pictures open in a window of their own, which is
-// reached after choosing their thumbnail.
+// Whether a picture of that type can be edited from the menu. GIF pictures never can; WMF pictures
+// open in a window of their own, which is reached after choosing their thumbnail.
 bool allowsEditing(const QString& pictureType, EditItemCause cause);
 
 } // namespace commands

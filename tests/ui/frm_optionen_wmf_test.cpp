@@ -220,25 +220,6 @@ TEST_F(FrmOptionenWmf, ThePopUpOnlyTellsAboutVectorPictures) {
     }
 }
 
-TEST_F(FrmOptionenWmf, TypesWithoutAWindowAreNotOfferedAndNotPassedOver) {
-    addPicture(group_, "Foto");
-    addPicture(group_, "Kurve", Qt::blue, "emf"); // an EMF by its record, which decides
-    startWithVectors();
-    for (const QString& name : QStringList{"Foto", "Kurve"}) {
-        choose(name);
-        EXPECT_FALSE(isEditOffered()) << name.toStdString();
-        const QString refusal =
-            refusalOf([&] { QTest::mouseDClick(find<QWidget>("imgVorschau"), Qt::LeftButton); });
-        EXPECT_TRUE(refusal.contains("dieses Typs")) << refusal.toStdString();
-        QWidget* cell = thumbnail(name);
-        QContextMenuEvent request(QContextMenuEvent::Mouse, cell->rect().center(),
-                                  cell->mapToGlobal(cell->rect().center()));
-        QApplication::sendEvent(cell, &request);
-        EXPECT_FALSE(find<QAction>("bEdit")->isEnabled()) << name.toStdString();
-        find<QMenu>("Band1")->close();
-    }
-}
-
 TEST_F(FrmOptionenWmf, TheListNeverOffersToEditAVectorPicture) {
     startWithVectors();
     choose("Breit");

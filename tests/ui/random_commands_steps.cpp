@@ -441,12 +441,15 @@ void RandomCommands::copyPicture() {
 void RandomCommands::editPicture() {
     const Source* source = screen_.showsNoPicture() ? nullptr : shownSource();
     const bool isVector = source != nullptr && source->type == "WMF";
-    if (source != nullptr && !isVector) {
-        expectBox(QStringLiteral("*"));
-    }
-    run(kDoubleClick, isVector ? Opens::Dialog : Opens::Nothing, [&](QDialog& dialog) {
-        EXPECT_EQ(plain(dialog.objectName()), "frmOptionenWMF");
-        EXPECT_TRUE(dialog.windowTitle().contains(screen_.label));
+    run(kDoubleClick, source != nullptr ? Opens::Dialog : Opens::Nothing, [&](QDialog& dialog) {
+        if (isVector) {
+            EXPECT_EQ(plain(dialog.objectName()), "frmOptionenWMF");
+            EXPECT_TRUE(dialog.windowTitle().contains(screen_.label));
+        } else {
+            EXPECT_EQ(plain(dialog.objectName()), "frmOptionenBMP");
+            expectText(dialog, "lblBildname", screen_.label);
+            dialog.findChild<QAction*>(QStringLiteral("Men_Bild_2"))->trigger();
+        }
     });
 }
 
