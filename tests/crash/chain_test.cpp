@@ -29,7 +29,7 @@ class Chain {
   public:
     Chain(compound::SectorSize sectorSize, std::uint32_t seed) : random_(seed) {
         prepareLibrary(memory_, sectorSize);
-        recording_ = std::make_unique<RecordingDisk>(memory_, kLibraryFolder);
+        recording_ = std::make_unique<RecordingDisk>(memory_, recordedFolders());
         for (std::size_t i = 0; i < 2; ++i) {
             processes_.push_back(libraryOn(*recording_));
         }

@@ -33,13 +33,24 @@ void dumpPictures(const store::Library& library, const store::GroupAddress& grou
     });
 }
 
+void dumpElements(const compound::Storage& storage, std::ostringstream& out) {
+    compound::ElementCursor cursor = storage.elements();
+    compound::Element element;
+    while (cursor.next(element)) {
+        out << "  " << base::toUtf8(element.name) << ' ';
+        if (element.kind == compound::ElementKind::Storage) {
+            out << "with\n";
+            dumpElements(storage.openStorage(element.name), out);
+        } else {
+            out << fingerprint(storage.openStream(element).readAll()) << '\n';
+        }
+    }
+}
+
 std::string dumpGroupFile(const store::Library& library, const store::FileName& file) {
     std::ostringstream out;
     const store::LockBudget budget(std::chrono::milliseconds{0});
     const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
-    if (reading.failure) {
-        out << reading.failure->what();
-    }
     for (const store::GroupEntry& group : reading.groups) {
         out << base::toUtf8(store::keyOf(group.address)) << ' ' << base::toUtf8(group.name.text)
             << " below " << base::toUtf8(group.parent.text) << '\n';
@@ -48,6 +59,10 @@ std::string dumpGroupFile(const store::Library& library, const store::FileName& 
     auto compound = compound::CompoundFile::open(
         library.disk.open(store::pathOf(library, file), compound::Access::Read),
         compound::Access::Read);
+    if (reading.failure) {
+        out << reading.failure->what() << '\n';
+        dumpElements(compound.root(), out);
+    }
     for (const compound::Finding& finding : compound.check()) {
         // Unused sectors behind the end are all that a power cut may leave.
         if (finding.severity == compound::Severity::Remark) {
@@ -70,7 +85,9 @@ std::string dumpBytes(const std::filesystem::path& path, const std::vector<std::
     fill(disk, {{{path, bytes}}, {}});
     std::string dump;
     try {
-        dump = dumpGroupFile(libraryOn(disk), {base::fromPath(path.stem())});
+        store::Library library = libraryOn(disk);
+        library.folder = path.parent_path();
+        dump = dumpGroupFile(library, {base::fromPath(path.stem())});
     } catch (const std::exception& error) {
         dump = error.what();
     }
@@ -90,20 +107,26 @@ store::Library libraryOn(compound::Disk& disk) {
     return {disk, kLibraryFolder, measureSource, u'.', std::chrono::milliseconds{0}};
 }
 
+std::vector<std::filesystem::path> recordedFolders() {
+    return {kLibraryFolder, kElsewhereFolder};
+}
+
 LibraryDump dumpOf(const Medium& medium) {
     LibraryDump dump;
     for (const auto& [path, bytes] : medium.files) {
+        const bool isInLibrary = path.parent_path() == kLibraryFolder;
+        const std::string name = isInLibrary ? path.filename().string() : path.string();
         if (path.extension() == ".stg") {
-            dump.emplace(path.filename().string(), dumpBytes(path, bytes));
-        } else if (path.extension() == ".err") {
-            dump.emplace(path.filename().string(), fingerprint(bytes));
+            dump.emplace(name, dumpBytes(path, bytes));
+        } else if (path.extension() == ".err" || path.extension() == ".bak") {
+            dump.emplace(name, fingerprint(bytes));
         }
     }
     return dump;
 }
 
 Medium mediumOf(compound::Disk& disk) {
-    const RecordingDisk snapshot(disk, kLibraryFolder);
+    const RecordingDisk snapshot(disk, recordedFolders());
     Medium medium;
     for (const auto& [path, id] : snapshot.beginning().names) {
         medium.files.emplace(path, snapshot.beginning().contents.at(id));
@@ -112,7 +135,9 @@ Medium mediumOf(compound::Disk& disk) {
 }
 
 void fill(compound::Disk& disk, const Medium& medium) {
-    dynamic_cast<MemoryDisk&>(disk).makeFolder(kLibraryFolder);
+    for (const std::filesystem::path& folder : recordedFolders()) {
+        dynamic_cast<MemoryDisk&>(disk).makeFolder(folder);
+    }
     for (const auto& [path, bytes] : medium.files) {
         disk.create(path)->write(0, bytes);
     }

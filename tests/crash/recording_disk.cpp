@@ -2,6 +2,7 @@
 
 #include "compound/error.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -52,15 +53,17 @@ class RecordingFile : public DiskFile {
     FileId id_;
 };
 
-RecordingDisk::RecordingDisk(compound::Disk& inner, std::filesystem::path folder)
-    : inner_(inner), folder_(std::move(folder)) {
-    for (const compound::FolderEntry& entry : inner_.list(folder_)) {
-        const std::filesystem::path path = folder_ / entry.name;
-        const auto file = inner_.open(path, Access::Read);
-        std::vector<std::byte> bytes(static_cast<std::size_t>(file->size()));
-        file->read(0, bytes);
-        names_.emplace(path, nextId_);
-        beginning_.contents.emplace(nextId_++, std::move(bytes));
+RecordingDisk::RecordingDisk(compound::Disk& inner, std::vector<std::filesystem::path> folders)
+    : inner_(inner), folders_(std::move(folders)) {
+    for (const std::filesystem::path& folder : folders_) {
+        for (const compound::FolderEntry& entry : inner_.list(folder)) {
+            const std::filesystem::path path = folder / entry.name;
+            const auto file = inner_.open(path, Access::Read);
+            std::vector<std::byte> bytes(static_cast<std::size_t>(file->size()));
+            file->read(0, bytes);
+            names_.emplace(path, nextId_);
+            beginning_.contents.emplace(nextId_++, std::move(bytes));
+        }
     }
     beginning_.names = names_;
 }
@@ -105,7 +108,7 @@ std::unique_ptr<DiskFile> RecordingDisk::open(const std::filesystem::path& path,
 }
 
 std::unique_ptr<DiskFile> RecordingDisk::create(const std::filesystem::path& path) {
-    if (path.parent_path() != folder_) {
+    if (std::find(folders_.begin(), folders_.end(), path.parent_path()) == folders_.end()) {
         return inner_.create(path);
     }
     admit(path);

@@ -49,8 +49,8 @@ enum class Breakage : std::uint8_t { None, Killed, OneError, AllErrors };
 
 class RecordingDisk : public compound::Disk {
   public:
-    // Records changes to files below `folder` of `inner`; the files there now are the beginning.
-    RecordingDisk(compound::Disk& inner, std::filesystem::path folder);
+    // Records changes to files in the folders of `inner`; the files there now are the beginning.
+    RecordingDisk(compound::Disk& inner, std::vector<std::filesystem::path> folders);
 
     const Snapshot& beginning() const { return beginning_; }
     const std::vector<Event>& events() const { return events_; }
@@ -83,7 +83,7 @@ class RecordingDisk : public compound::Disk {
     void recordRename(const std::filesystem::path& from, const std::filesystem::path& to);
 
     compound::Disk& inner_;
-    std::filesystem::path folder_;
+    std::vector<std::filesystem::path> folders_;
     std::map<std::filesystem::path, FileId> names_; // as the running system sees them
     FileId nextId_ = 0;
     Snapshot beginning_;

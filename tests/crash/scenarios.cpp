@@ -5,9 +5,11 @@
 #include "compound/memory_disk.h"
 #include "crash/library_dump.h"
 #include "store/damaged_groups.h"
+#include "store/group_import.h"
 #include "store/group_layout.h"
 #include "store/group_operations.h"
 #include "store/picture_operations.h"
+#include "store/pictures_from_files.h"
 
 #include <stdexcept>
 #include <string>
@@ -134,6 +136,68 @@ std::vector<Scenario> groupScenarios() {
     };
 }
 
+std::vector<std::filesystem::path> sources() {
+    std::vector<std::filesystem::path> paths{std::filesystem::path(kSourceFolder) / "broken.bmp"};
+    for (const std::size_t size : kSourceSizes) {
+        paths.push_back(sourceOf(size));
+    }
+    return paths;
+}
+
+// A group file in no library, with a group two deep.
+void makeImported(const Library& library) {
+    Library elsewhere = library;
+    elsewhere.folder = kElsewhereFolder;
+    const GroupAddress tanks = store::createGroup(elsewhere, std::nullopt, {u"Tanks"});
+    const GroupAddress steel = store::createGroup(elsewhere, tanks, {u"Stainless"});
+    add(elsewhere, tanks, u"tank", 4097);
+    add(elsewhere, steel, u"weld", 65);
+    add(elsewhere, store::createGroup(elsewhere, steel, {u"Bolted"}), u"bolts", 9000);
+}
+
+Scenario importScenario() {
+    const std::filesystem::path elsewhere = kElsewhereFolder;
+    const std::filesystem::path tanks = elsewhere / "Tanks.stg";
+    const auto merge = [tanks](const Library& library) {
+        store::mergeGroupFile(library, kRotary, tanks);
+    };
+    Scenario scenario{
+        "ImportAndExport",
+        {{"import as a top-level group",
+          [tanks](const Library& library) { store::importGroupFile(library, tanks); }},
+         {"merge two deep",
+          merge,
+          Outcome::OldOrNew,
+          {"Pumps.stg", "/elsewhere/Tanks.stg.bak", "/elsewhere/Tanks.stg"}},
+         {"merge it again, renumbered",
+          [tanks](const Library& library) { store::mergeGroupFile(library, kPumps, tanks); }},
+         {"merge a file of the library",
+          [](const Library& library) {
+              store::mergeGroupFile(library, kSteel, store::pathOf(library, {u"Valves"}));
+          }},
+         {"export a group",
+          [elsewhere](const Library& library) {
+              store::exportGroup(library, kRotary, elsewhere / "Rotary.stg");
+          }},
+         {"export in its place", [elsewhere](const Library& library) {
+              store::exportGroup(library, kSteel, elsewhere / "Rotary.stg",
+                                 store::IfTaken::Replace);
+          }}}};
+    scenario.prepare = makeImported;
+    return scenario;
+}
+
+Scenario fillScenario() {
+    return {"GroupsFromFiles",
+            {{"a sub-group",
+              [](const Library& library) {
+                  store::createGroupFromFiles(library, kRotary, {u"Many"}, sources());
+              }},
+             {"a top-level group", [](const Library& library) {
+                  store::createGroupFromFiles(library, std::nullopt, {u"Many"}, sources());
+              }}}};
+}
+
 std::vector<Scenario> pictureScenarios() {
     return {
         {"AddPictures",
@@ -193,6 +257,8 @@ Scenario largeFileScenario() {
 
 std::vector<Scenario> allScenarios() {
     std::vector<Scenario> all = groupScenarios();
+    all.push_back(importScenario());
+    all.push_back(fillScenario());
     for (Scenario& scenario : pictureScenarios()) {
         all.push_back(std::move(scenario));
     }
@@ -250,7 +316,9 @@ const std::vector<Step>& commands() {
 }
 
 void prepareLibrary(compound::Disk& disk, compound::SectorSize sectorSize) {
-    dynamic_cast<MemoryDisk&>(disk).makeFolder(kLibraryFolder);
+    for (const std::filesystem::path& folder : recordedFolders()) {
+        dynamic_cast<MemoryDisk&>(disk).makeFolder(folder);
+    }
     dynamic_cast<MemoryDisk&>(disk).makeFolder(kSourceFolder);
     writeSources(disk);
     const Library library = libraryOn(disk);

@@ -18,6 +18,8 @@ struct Step {
     std::string name;
     std::function<void(const store::Library&)> run;
     Outcome outcome = Outcome::OldOrNew;
+    std::vector<std::string> order =
+        {}; // the files (as in the dump) of a step that changes several
 };
 
 struct Scenario {
