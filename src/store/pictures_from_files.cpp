@@ -28,7 +28,7 @@ struct ByName {
 
 bool isNamedAsPicture(std::u16string_view fileName) {
     return std::any_of(base::kTypeCodes.begin(), base::kTypeCodes.end(), [&](const auto code) {
-        return endsWithIgnoringCase(fileName, u"." + base::fromUtf8(code));
+        return endsWithIgnoringCase(fileName, std::u16string(1, u'.').append(base::fromUtf8(code)));
     });
 }
 
