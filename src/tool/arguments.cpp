@@ -26,6 +26,7 @@ constexpr std::array kOptions{
     OptionForm{"--replace", Option::Replace, Takes::Nothing},
     OptionForm{"--name", Option::Name, Takes::Value},
     OptionForm{"--below", Option::Below, Takes::Value},
+    OptionForm{"--folder", Option::Folder, Takes::Value},
     OptionForm{"--width", Option::Width, Takes::Value},
     OptionForm{"--height", Option::Height, Takes::Value},
     OptionForm{"--flip", Option::Flip, Takes::Nothing, Given::AnyTimes},

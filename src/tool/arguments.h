@@ -21,6 +21,7 @@ enum class Option : std::uint8_t {
     Replace,
     Name,
     Below,
+    Folder,
     Width,
     Height,
     Flip,

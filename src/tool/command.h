@@ -1,6 +1,7 @@
 // The commands of stgtool: a table of names and functions, and what each function is given.
 #pragma once
 
+#include "store/address.h"
 #include "tool/arguments.h"
 
 #include <cstddef>
@@ -55,6 +56,8 @@ ExitStatus addPictures(const Invocation& invocation);
 ExitStatus extractPicture(const Invocation& invocation);
 ExitStatus renamePicture(const Invocation& invocation);
 ExitStatus removePicture(const Invocation& invocation);
+ExitStatus importGroup(const Invocation& invocation);
+ExitStatus exportGroup(const Invocation& invocation);
 ExitStatus checkFiles(const Invocation& invocation);
 ExitStatus compactFile(const Invocation& invocation);
 ExitStatus renderPicture(const Invocation& invocation);
@@ -63,6 +66,9 @@ ExitStatus convertPicture(const Invocation& invocation);
 // Runs one command line (without the program's name). Everything that goes wrong is told on
 // console.err, naming the file and the cause; nothing is thrown.
 ExitStatus run(std::span<const std::string> commandLine, Console& console) noexcept;
+
+// Prints the key of a group that was made, renamed or imported.
+void printKey(const Invocation& invocation, const store::GroupAddress& group);
 
 // Writes "stgtool: TEXT" as one line, with control characters made visible.
 void complain(Console& console, std::string_view text);

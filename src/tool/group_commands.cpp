@@ -3,8 +3,10 @@
 #include "compound/error.h"
 #include "store/group_operations.h"
 #include "tool/command.h"
+#include "tool/folder_input.h"
 #include "tool/library_arguments.h"
 #include "tool/output.h"
+#include "tool/terminal_progress.h"
 
 #include <algorithm>
 #include <optional>
@@ -42,12 +44,6 @@ void addGroupRow(Table& table, const store::GroupEntry& group,
                   size ? Cell::number(size->bytes) : Cell::missing()});
 }
 
-void printKey(const Invocation& invocation, const store::GroupAddress& group) {
-    Table table({"key"});
-    table.addRow({Cell::text(store::keyOf(group))});
-    table.printOne(invocation.console.out, invocation.arguments);
-}
-
 void refuseTakenName(const store::Library& library,
                      const std::optional<store::GroupAddress>& parent,
                      const store::GroupName& name) {
@@ -73,6 +69,12 @@ std::optional<store::GroupEntry> listedGroup(const store::Library& library,
 }
 
 } // namespace
+
+void printKey(const Invocation& invocation, const store::GroupAddress& group) {
+    Table table({"key"});
+    table.addRow({Cell::text(store::keyOf(group))});
+    table.printOne(invocation.console.out, invocation.arguments);
+}
 
 ExitStatus listGroups(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
@@ -109,8 +111,19 @@ ExitStatus newGroup(const Invocation& invocation) {
         parent = groupOf(library, invocation.arguments.valueOf(Option::Below));
     }
     refuseTakenName(library, parent, name);
-    printKey(invocation, store::createGroup(library, parent, name));
-    return ExitStatus::Done;
+    if (!invocation.arguments.has(Option::Folder)) {
+        printKey(invocation, store::createGroup(library, parent, name));
+        return ExitStatus::Done;
+    }
+    const auto files = picturesOfFolder(invocation.arguments.valueOf(Option::Folder));
+    store::FilesAdded added;
+    {
+        TerminalProgress progress(invocation.console, "adding");
+        added =
+            store::createGroupFromFiles(library, parent, name, files, reservedNames(), progress);
+    }
+    printKey(invocation, added.group);
+    return tellSkipped(added, invocation.console);
 }
 
 ExitStatus renameGroup(const Invocation& invocation) {

@@ -4,9 +4,11 @@
 #include "store/names.h"
 #include "store/picture_operations.h"
 #include "tool/command.h"
+#include "tool/folder_input.h"
 #include "tool/library_arguments.h"
 #include "tool/output.h"
 #include "tool/output_file.h"
+#include "tool/terminal_progress.h"
 
 #include <ostream>
 
@@ -26,31 +28,19 @@ store::PictureName nameOf(const Invocation& invocation, const std::string& file)
     return name;
 }
 
-// Overwrites one line of a terminal; prints nothing anywhere else.
-class Progress {
-  public:
-    Progress(Console& console, std::size_t total) : console_(console), total_(total) {}
-    ~Progress() {
-        if (isShown_) {
-            console_.err << "\r\033[K" << std::flush;
-        }
+ExitStatus addFolder(const Invocation& invocation) {
+    const Arguments& arguments = invocation.arguments;
+    if (arguments.words.size() > 2 || arguments.has(Option::Name)) {
+        throw UsageError("--folder takes no files and no --name");
     }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    void show(std::size_t done) {
-        if (console_.errorStream != ErrorStream::Terminal || total_ < 2) {
-            return;
-        }
-        isShown_ = true;
-        console_.err << "\radding " << done << " of " << total_ << std::flush;
-    }
-
-  private:
-    Console& console_;
-    std::size_t total_;
-    bool isShown_ = false;
-};
+    const auto files = picturesOfFolder(arguments.valueOf(Option::Folder));
+    const store::Library library = libraryOf(arguments);
+    const store::GroupAddress group = groupOf(library, invocation.argument(0));
+    TerminalProgress progress(invocation.console, "adding");
+    return tellSkipped(store::addFiles(library, group, files, ifPictureExists(arguments),
+                                       reservedNames(), progress),
+                       invocation.console);
+}
 
 } // namespace
 
@@ -70,7 +60,13 @@ ExitStatus listPictures(const Invocation& invocation) {
 }
 
 ExitStatus addPictures(const Invocation& invocation) {
+    if (invocation.arguments.has(Option::Folder)) {
+        return addFolder(invocation);
+    }
     const std::vector<std::string>& words = invocation.arguments.words;
+    if (words.size() < 3) {
+        throw UsageError("add wants picture files, or --folder");
+    }
     const std::vector<std::string> files(words.begin() + 2, words.end());
     if (files.size() > 1 && invocation.arguments.has(Option::Name)) {
         throw UsageError("--name names one picture, but there are " + std::to_string(files.size()) +
@@ -79,9 +75,9 @@ ExitStatus addPictures(const Invocation& invocation) {
     const store::Library library = libraryOf(invocation.arguments);
     const store::GroupAddress group = groupOf(library, invocation.argument(0));
     store::PictureBatch batch(library, group);
-    Progress progress(invocation.console, files.size());
+    TerminalProgress progress(invocation.console, "adding");
     for (std::size_t i = 0; i < files.size(); ++i) {
-        progress.show(i + 1);
+        progress.report(i, files.size());
         batch.add(nameOf(invocation, files[i]), files[i], ifPictureExists(invocation.arguments));
     }
     batch.commit();

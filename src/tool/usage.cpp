@@ -34,7 +34,9 @@ void printHelp(std::ostream& out) {
            "KEY is S/T: the group's storage S in the group file T.stg; T alone names the file's\n"
            "top-level group. A picture is called like its file up to the first \".\" unless "
            "--name\n"
-           "says otherwise. In tab-separated lines a missing value is -, and backslashes and\n"
+           "says otherwise; with --folder DIR, which takes .bmp .gif .jpg .wmf .emf .ico and .cur\n"
+           "files, like its file without the last four characters. export names the group after\n"
+           "FILE. In tab-separated lines a missing value is -, and backslashes and\n"
            "control characters are written as \\\\, \\t, \\n, \\r and \\xHH. Sizes are pixels.\n"
            "\n"
            "Exit status: 0 done, 1 failed or something found, 2 wrong usage.\n";
