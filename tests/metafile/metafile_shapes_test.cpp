@@ -145,6 +145,15 @@ EmfFile& world(EmfFile& file, std::uint32_t type, const std::vector<float>& matr
     return file.addBytes(type, body);
 }
 
+TEST(MetafileShapes, StatesComeBackByTheirNumberOnce) {
+    EmfFile file = filled(kFileRed);
+    for (int i = 0; i < 2; ++i) {
+        world(file.add(33), 36, {1, 0, 0, 1, 5, 0}, 2);
+    }
+    world(file.add(34, {1}), 36, {1, 0, 0, 1, 20, 0}, 2).add(34, {1}).rectangle(0, 0, 10, 10);
+    EXPECT_EQ(inkOf(file.drawn()), QRect(20, 0, 10, 10));
+}
+
 TEST(MetafileShapes, WorldTransformsMultiplyInTheToldOrderAndStatesComeBack) {
     const auto ink = [](int mode) {
         EmfFile file = filled(kFileRed);
@@ -310,12 +319,14 @@ TEST(MetafileShapes, ColoursMayBeNumbersOfThePalette) {
     file.stock(kNullPen).add(49, {7, 0x20300, 0x04FF0000, 0x040000FF}).add(48, {7});
     file.brush(1, kNumber + 1).rectangle(0, 0, 20, 20).brush(2, kNumber).rectangle(20, 0, 40, 20);
     file.brush(3, 0x02000000 + kFileRed).rectangle(0, 20, 20, 40);
-    file.brush(4, kNumber + 2).rectangle(20, 20, 40, 40);
+    file.brush(4, kNumber + 2).rectangle(20, 20, 40, 30);
+    file.brush(5, kNumber + 0x101).rectangle(20, 30, 40, 40);
     const QImage image = file.drawn();
     EXPECT_EQ(image.pixel(5, 5), kRed);
     EXPECT_EQ(image.pixel(25, 5), kBlue);
     EXPECT_EQ(image.pixel(5, 25), kRed) << "a palette's own colour";
     EXPECT_EQ(image.pixel(25, 25), kBlack) << "beyond the palette";
+    EXPECT_EQ(image.pixel(25, 35), kBlack) << "far beyond it: numbers have sixteen bits";
     EXPECT_EQ(filled(kNumber + 13).rectangle(0, 0, 40, 40).drawn().pixel(20, 20), kRed)
         << "of the default palette";
 }
