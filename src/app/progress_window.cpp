@@ -11,8 +11,8 @@ namespace app {
 namespace {
 
 constexpr int kAbort = 103;
-constexpr int kLeastWidth = 340;
 constexpr int kSteps = 1000; // of the bar
+constexpr int kBarWidth = 308;
 constexpr TextPair kAmount{u"%1 von %2 MB", u"%1 of %2 MB"};
 constexpr TextPair kFinishing{u"Wird abgeschlossen", u"Finishing"};
 constexpr TextPair kStops{u"Wird abgebrochen", u"Stopping"};
@@ -28,13 +28,13 @@ ProgressWindow::ProgressWindow(const QString& what, bool canStop, QWidget* owner
     setObjectName(QStringLiteral("frmFortschritt"));
     setWindowTitle(kProgramTitle);
     setModal(true);
-    setMinimumWidth(kLeastWidth);
     auto* lblVorgang = new QLabel(what, this);
     lblVorgang->setObjectName(QStringLiteral("lblVorgang"));
     lblVorgang->setTextFormat(Qt::PlainText);
     prgFortschritt_->setObjectName(QStringLiteral("prgFortschritt"));
     prgFortschritt_->setAccessibleName(what);
     prgFortschritt_->setTextVisible(false);
+    prgFortschritt_->setFixedWidth(kBarWidth); // the amounts below change theirs
     lblMenge_->setObjectName(QStringLiteral("lblMenge"));
     lblMenge_->setTextFormat(Qt::PlainText);
     auto* all = new QVBoxLayout(this);

@@ -80,6 +80,7 @@ TEST_F(LongOperationTest, AfterAMomentAWindowShowsHowFarItIs) {
         EXPECT_EQ(find<QLabel>(window, "lblVorgang").text(), "Copying <b>");
         EXPECT_EQ(window.findChild<QPushButton*>("cmdAbbruch"), nullptr);
         auto& bar = find<QProgressBar>(window, "prgFortschritt");
+        EXPECT_GT(bar.width(), 300) << "whatever the text is";
         const QString amount = find<QLabel>(window, "lblMenge").text();
         window.reject(); // does nothing: stopping is not offered
         EXPECT_TRUE(window.isVisible());
