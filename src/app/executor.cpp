@@ -5,6 +5,8 @@
 #include <QThreadPool>
 
 #include <algorithm>
+#include <deque>
+#include <mutex>
 #include <utility>
 
 namespace app {
@@ -14,6 +16,7 @@ namespace {
 constexpr int kFewestThreads = 2;
 constexpr int kMostThreads = 4;
 
+// Tasks are handed over under a mutex of its own: the thread sanitizer cannot see those of Qt.
 class Pool final : public Executor {
   public:
     Pool() {
@@ -21,11 +24,27 @@ class Pool final : public Executor {
             std::clamp(QThread::idealThreadCount(), kFewestThreads, kMostThreads));
         pool_.setExpiryTimeout(-1); // a thread keeps the fonts that it has loaded
     }
-    void run(std::function<void()> task) override { pool_.start(std::move(task)); }
+    void run(std::function<void()> task) override {
+        {
+            const std::lock_guard lock(mutex_);
+            tasks_.push_back(std::move(task));
+        }
+        pool_.start([this] { doNext(); });
+    }
     void finish() override { pool_.waitForDone(); }
 
   private:
-    QThreadPool pool_;
+    void doNext() {
+        std::unique_lock lock(mutex_);
+        const std::function<void()> task = std::move(tasks_.front());
+        tasks_.pop_front();
+        lock.unlock();
+        task();
+    }
+
+    std::mutex mutex_;
+    std::deque<std::function<void()>> tasks_;
+    QThreadPool pool_; // ends first, with the tasks
 };
 
 Executor* replacement = nullptr;

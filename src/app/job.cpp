@@ -1,67 +1,73 @@
 #include "app/job.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+
 #include <mutex>
 
 namespace app {
 
-// What the job and its worker share. Whoever of the two comes first to drop or to finish decides.
+// What the job and its workers share. Whoever of them comes first to drop or to finish decides.
 struct Job::Link {
     std::mutex mutex;
-    Job* job = nullptr; // null once the job was dropped
+    Job* job = nullptr;        // null once it has gone
+    std::uint64_t wanted = 0;  // the number of the latest request
+    std::uint64_t doneOne = 0; // of the one whose work was done last
 };
 
-Job::Job(QObject* parent) : QObject(parent) {}
+Job::Job(QObject* parent) : QObject(parent), link_(std::make_shared<Link>()) {
+    link_->job = this;
+}
 
 Job::~Job() {
-    drop();
+    const std::lock_guard lock(link_->mutex);
+    link_->job = nullptr;
 }
 
 void Job::drop() {
-    if (link_) {
+    {
         const std::lock_guard lock(link_->mutex);
-        link_->job = nullptr;
+        ++link_->wanted;
     }
-    link_.reset();
     take_ = {};
     state_ = State::Idle;
 }
 
 void Job::startWork(std::function<void()> work, std::function<void()> take) {
     drop();
-    link_ = std::make_shared<Link>();
-    link_->job = this;
     take_ = std::move(take);
     state_ = State::Waiting;
-    workers().run([link = link_, work = std::move(work)] { doWork(link, work); });
+    workers().run([link = link_, request = link_->wanted, work = std::move(work)] {
+        doWork(*link, request, work);
+    });
 }
 
 // On a worker.
-void Job::doWork(const std::shared_ptr<Link>& link, const std::function<void()>& work) {
+void Job::doWork(Link& link, std::uint64_t request, const std::function<void()>& work) {
+    const auto isWanted = [&] { return link.job != nullptr && link.wanted == request; };
     {
-        const std::lock_guard lock(link->mutex);
-        if (link->job == nullptr) {
+        const std::lock_guard lock(link.mutex);
+        if (!isWanted()) {
             return;
         }
     }
     work();
-    const std::lock_guard lock(link->mutex);
-    if (link->job == nullptr) {
-        return;
+    const std::lock_guard lock(link.mutex);
+    if (isWanted()) {
+        link.doneOne = request;
+        // An event for an object that goes meanwhile is never delivered.
+        QCoreApplication::postEvent(link.job, new QEvent(QEvent::User));
     }
-    // An event for an object that goes meanwhile is never delivered; one for a request that was
-    // dropped is recognised by its link.
-    QMetaObject::invokeMethod(
-        link->job,
-        [job = link->job, link] {
-            if (job->link_ == link) {
-                job->end();
-            }
-        },
-        Qt::QueuedConnection);
 }
 
-void Job::end() {
-    link_.reset();
+// Something was done, which may have been dropped since.
+void Job::customEvent(QEvent* /*event*/) {
+    {
+        const std::lock_guard lock(link_->mutex);
+        if (state_ != State::Waiting || link_->doneOne != link_->wanted) {
+            return;
+        }
+    }
     state_ = State::Done;
     std::exchange(take_, {})();
     emit done();

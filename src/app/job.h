@@ -11,6 +11,7 @@
 
 #include <QObject>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -41,12 +42,13 @@ class Job : public QObject {
     // `work` is run on a worker; `take` brings what it has found here, just before done().
     void startWork(std::function<void()> work, std::function<void()> take);
 
+    void customEvent(QEvent* event) override;
+
   private:
     struct Link;
-    static void doWork(const std::shared_ptr<Link>& link, const std::function<void()>& work);
-    void end();
+    static void doWork(Link& link, std::uint64_t request, const std::function<void()>& work);
 
-    std::shared_ptr<Link> link_; // to the worker
+    std::shared_ptr<Link> link_; // to the workers
     std::function<void()> take_;
     State state_ = State::Idle;
 };

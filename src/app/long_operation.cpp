@@ -90,7 +90,7 @@ void runLong(const LongOperation& operation, QWidget* owner,
     SharedProgress progress;
     const Running mark(progress);
     QEventLoop loop;
-    bool hasEnded = false;
+    std::atomic<bool> hasEnded = false;
     std::exception_ptr failure;
     std::thread thread([&] {
         try {
@@ -98,13 +98,8 @@ void runLong(const LongOperation& operation, QWidget* owner,
         } catch (...) {
             failure = std::current_exception();
         }
-        QMetaObject::invokeMethod(
-            &loop,
-            [&] {
-                hasEnded = true;
-                loop.quit();
-            },
-            Qt::QueuedConnection);
+        hasEnded = true;
+        QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
     });
     waitWithoutWindow(loop, operation.patience);
     if (!hasEnded) {
