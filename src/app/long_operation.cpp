@@ -64,25 +64,33 @@ void waitWithoutWindow(QEventLoop& loop, std::chrono::milliseconds patience) {
     loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
-void waitWithWindow(QEventLoop& loop, const LongOperation& operation, QWidget* owner,
-                    SharedProgress& progress) {
-    constexpr std::chrono::milliseconds kLookInterval{50};
-    const bool canStop = operation.stopping == LongOperation::Stopping::Offered;
-    ProgressWindow window(operation.what, canStop, owner);
-    QObject::connect(&window, &ProgressWindow::stopWanted, &window, [&] { progress.stop(); });
+constexpr std::chrono::milliseconds kLookInterval{50};
+
+using Look = std::function<void(std::uint64_t, std::uint64_t)>;
+
+void waitLooking(QEventLoop& loop, const SharedProgress& progress, const Look& look) {
+    const auto lookNow = [&] { look(progress.done(), progress.total()); };
     QTimer looking;
-    const auto look = [&] { window.showProgress(progress.done(), progress.total()); };
-    QObject::connect(&looking, &QTimer::timeout, &window, look);
-    look();
+    QObject::connect(&looking, &QTimer::timeout, lookNow);
+    lookNow();
     looking.start(kLookInterval);
-    window.show();
     loop.exec();
 }
 
-} // namespace
+void waitWithWindow(QEventLoop& loop, const LongOperation& operation, QWidget* owner,
+                    SharedProgress& progress) {
+    const bool canStop = operation.stopping == LongOperation::Stopping::Offered;
+    ProgressWindow window(operation.what, canStop, owner);
+    QObject::connect(&window, &ProgressWindow::stopWanted, &window, [&] { progress.stop(); });
+    window.show();
+    waitLooking(loop, progress,
+                [&](std::uint64_t done, std::uint64_t total) { window.showProgress(done, total); });
+}
 
-void runLong(const LongOperation& operation, QWidget* owner,
-             const std::function<void(store::Progress&)>& work) {
+// Runs `work` on a thread of its own while `wait` keeps the caller's one busy: until the loop is
+// quit, or the flag set, which says that the work has ended.
+void runBeside(const std::function<void(store::Progress&)>& work,
+               const std::function<void(QEventLoop&, const bool&, SharedProgress&)>& wait) {
     if (isLongOperationRunning()) {
         work(store::noProgress());
         return;
@@ -101,13 +109,34 @@ void runLong(const LongOperation& operation, QWidget* owner,
         hasEnded = true;
         QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
     });
-    waitWithoutWindow(loop, operation.patience);
-    if (!hasEnded) {
-        waitWithWindow(loop, operation, owner, progress);
-    }
+    wait(loop, hasEnded, progress);
     thread.join();
     if (failure) {
         std::rethrow_exception(failure);
+    }
+}
+
+} // namespace
+
+void runLong(const LongOperation& operation, QWidget* owner,
+             const std::function<void(store::Progress&)>& work) {
+    runBeside(work, [&](QEventLoop& loop, const bool& hasEnded, SharedProgress& progress) {
+        waitWithoutWindow(loop, operation.patience);
+        if (!hasEnded) {
+            waitWithWindow(loop, operation, owner, progress);
+        }
+    });
+}
+
+void runLongShown(const Look& look, const std::function<void(store::Progress&)>& work) {
+    runBeside(work, [&](QEventLoop& loop, const bool&, SharedProgress& progress) {
+        waitLooking(loop, progress, look);
+    });
+}
+
+void stopLongOperation() {
+    if (running != nullptr) {
+        running->stop();
     }
 }
 

@@ -10,6 +10,7 @@
 #include <QString>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -33,7 +34,16 @@ struct LongOperation {
 void runLong(const LongOperation& operation, QWidget* owner,
              const std::function<void(store::Progress&)>& work);
 
-// The same for work that gives something.
+// The same where the caller's own window shows how far the work is: `look` is called at once and
+// then every so often, in the caller's thread, with what the work has reported. The caller must
+// offer the user nothing but stopLongOperation() meanwhile.
+void runLongShown(const std::function<void(std::uint64_t done, std::uint64_t total)>& look,
+                  const std::function<void(store::Progress&)>& work);
+
+// Asks the running operation, if there is one, to stop.
+void stopLongOperation();
+
+// runLong() for work that gives something.
 template <typename Result>
 Result resultOfLong(const LongOperation& operation, QWidget* owner,
                     const std::function<Result(store::Progress&)>& work) {
