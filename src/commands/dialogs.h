@@ -13,6 +13,7 @@ class frmOptionenWMF;
 
 namespace commands {
 
+class frmCreate;
 class frmEditGruppe;
 class frmEditorOptionen;
 class frmEditSymbol;
@@ -24,6 +25,7 @@ class frmNeueGruppe;
 // Each is made on its first use and owned by the main window.
 struct Dialogs {
     QPointer<frmNeueGruppe> newGroup;
+    QPointer<frmCreate> groupFromFolder;
     QPointer<frmEditGruppe> renameGroup;
     QPointer<frmGroupInfo> groupInfo;
     QPointer<editing::frmOpen> addPicture;

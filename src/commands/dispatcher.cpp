@@ -2,6 +2,7 @@
 
 #include "app/message_box.h"
 #include "commands/edit_picture.h"
+#include "commands/frm_create.h"
 #include "commands/frm_edit_gruppe.h"
 #include "commands/frm_edit_symbol.h"
 #include "commands/frm_editor_optionen.h"
@@ -32,6 +33,7 @@ struct Binding {
 
 constexpr std::array kBindings{
     Binding{Command::NewGroup, newGroup},
+    Binding{Command::GroupFromFolder, createGroupFromFolder},
     Binding{Command::RenameGroup, renameGroup},
     Binding{Command::DeleteGroup, deleteGroup},
     Binding{Command::GroupInfo, showGroupInfo},

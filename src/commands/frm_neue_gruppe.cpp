@@ -4,6 +4,7 @@
 #include "app/modal_dialog.h"
 #include "app/texts.h"
 #include "commands/failure_report.h"
+#include "commands/group_name.h"
 #include "commands/group_target_box.h"
 #include "commands/library_view.h"
 #include "store/group_operations.h"
@@ -109,22 +110,19 @@ void frmNeueGruppe::refuse(int textId) {
 
 bool frmNeueGruppe::isAcceptable(const std::optional<store::GroupAddress>& parent,
                                  const store::GroupName& name) {
-    const store::Library& library = view_.library();
     if (name.text.empty()) {
         refuse(kNameMissing);
         return false;
     }
-    const bool exists =
-        parent ? store::subGroupExists(library, *parent, name) : store::groupExists(library, name);
-    if (exists) {
+    switch (stateOfGroupName(view_.library(), parent, name)) {
+    case GroupNameState::Taken:
         refuse(kGroupExists);
         return false;
-    }
-    const auto level = parent ? store::GroupLevel::SubGroup : store::GroupLevel::TopLevel;
-    if (!store::testGroupName(library, name, level) ||
-        (!parent && store::groupExistsIgnoringCase(library, name))) {
+    case GroupNameState::Invalid:
         refuse(kNameInvalid);
         return false;
+    case GroupNameState::Free:
+        break;
     }
     return true;
 }

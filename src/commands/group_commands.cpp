@@ -5,6 +5,7 @@
 #include "app/texts.h"
 #include "commands/command_call.h"
 #include "commands/failure_report.h"
+#include "commands/frm_create.h"
 #include "commands/frm_edit_gruppe.h"
 #include "commands/frm_group_info.h"
 #include "commands/frm_neue_gruppe.h"
@@ -30,10 +31,21 @@ bool isDeletionConfirmed(const CommandCall& call) {
            app::kAnswerYes;
 }
 
+// From the menu a folder becomes a group below whatever group is selected.
+GroupTarget targetForFolder(const CommandCall& call) {
+    return call.origin == Origin::Menu && call.selection.hasGroup() ? GroupTarget::BelowSelected
+                                                                    : defaultTarget(call.selection);
+}
+
 } // namespace
 
 void newGroup(CommandCall& call) {
     keptDialog(call.dialogs.newGroup, call.view, call.view.owner()).openFor(call.selection);
+}
+
+void createGroupFromFolder(CommandCall& call) {
+    keptDialog(call.dialogs.groupFromFolder, call.view, call.view.owner())
+        .openFor(call.selection, targetForFolder(call));
 }
 
 void renameGroup(CommandCall& call) {

@@ -8,6 +8,10 @@ struct CommandCall;
 // Asks for a name and makes a group below the selected one or at the top level.
 void newGroup(CommandCall& call);
 
+// Makes a group of a folder's pictures, from the menu below whatever group is selected, from the
+// pop-up as newGroup() would; the user may choose otherwise.
+void createGroupFromFolder(CommandCall& call);
+
 // Asks for another name for the selected group. Also opens without one, to say what is missing.
 void renameGroup(CommandCall& call);
 

@@ -3,11 +3,6 @@
 #include "app/texts.h"
 
 namespace commands {
-namespace {
-
-constexpr int kWidestPath = 420;
-
-} // namespace
 
 GroupTarget defaultTarget(const SelectionContext& context) {
     return context.TopLevelSelected ? GroupTarget::TopLevel : GroupTarget::BelowSelected;
@@ -25,7 +20,7 @@ void GroupTargetBox::offer(const SelectionContext& context, GroupTarget preset) 
     addItem(app::kProgramTitle, static_cast<int>(GroupTarget::TopLevel));
     if (selected_) {
         // Of a long path the group's own name matters most, and it stands at the end.
-        addItem(fontMetrics().elidedText(context.groupPath, Qt::ElideLeft, kWidestPath),
+        addItem(fontMetrics().elidedText(context.groupPath, Qt::ElideLeft, widestPath_),
                 static_cast<int>(GroupTarget::BelowSelected));
     }
     setCurrentIndex(std::max(0, findData(static_cast<int>(preset))));

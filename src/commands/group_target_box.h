@@ -24,11 +24,15 @@ class GroupTargetBox : public QComboBox {
 
     GroupTarget target() const;
 
+    // How wide the path of the selected group may be, in device-independent pixels; before offer().
+    void setWidestPath(int width) { widestPath_ = width; }
+
     // The chosen parent; nothing for the top level.
     std::optional<store::GroupAddress> parentGroup() const;
 
   private:
     std::optional<store::GroupAddress> selected_;
+    int widestPath_ = 420;
 };
 
 } // namespace commands

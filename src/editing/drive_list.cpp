@@ -1,12 +1,20 @@
 #include "editing/drive_list.h"
 
+#include "app/texts.h"
 #include "platform/drives.h"
 
 #include <QSignalBlocker>
 
 namespace editing {
 
+namespace {
+
+constexpr app::TextPair kName{u"Laufwerk", u"Drive"};
+
+} // namespace
+
 DriveList::DriveList(QWidget* parent) : QComboBox(parent) {
+    setAccessibleName(app::text(kName));
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(this, &QComboBox::activated, this, &DriveList::driveChosen);
 }

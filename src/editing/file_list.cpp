@@ -1,5 +1,6 @@
 #include "editing/file_list.h"
 
+#include "base/picture_units.h"
 #include "compound/error.h"
 #include "platform/drives.h"
 #include "platform/native_disk.h"
@@ -7,6 +8,8 @@
 
 #include <QMouseEvent>
 #include <QSignalBlocker>
+
+#include <string_view>
 
 namespace editing {
 
@@ -43,6 +46,14 @@ QStringList picturesIn(const QString& folder, const QStringList& suffixes) {
 
 } // namespace
 
+QStringList pictureSuffixes() {
+    QStringList suffixes;
+    for (const std::string_view code : base::kTypeCodes) {
+        suffixes += u'.' + QString::fromLatin1(code.data(), static_cast<qsizetype>(code.size()));
+    }
+    return suffixes;
+}
+
 FileList::FileList(const QStringList& suffixes, QWidget* parent)
     : QListWidget(parent), suffixes_(suffixes) {
     setUniformItemSizes(true);
@@ -60,6 +71,15 @@ void FileList::setFolder(const QString& folder) {
     folder_ = folder;
     clear();
     addItems(picturesIn(folder, suffixes_));
+}
+
+QStringList FileList::fileNames() const {
+    QStringList names;
+    names.reserve(count());
+    for (int row = 0; row < count(); ++row) {
+        names += item(row)->text();
+    }
+    return names;
 }
 
 QString FileList::fileName() const {

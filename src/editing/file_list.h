@@ -7,6 +7,9 @@
 
 namespace editing {
 
+// The suffixes of all kinds of pictures.
+QStringList pictureSuffixes();
+
 class FileList : public QListWidget {
     Q_OBJECT
 
@@ -19,6 +22,8 @@ class FileList : public QListWidget {
     void setFolder(const QString& folder);
 
     const QString& folder() const { return folder_; }
+
+    QStringList fileNames() const;
 
     // The selected file's name without its folder; empty for none.
     QString fileName() const;

@@ -8,12 +8,12 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "app/wait_cursor.h"
-#include "base/picture_units.h"
 #include "compound/error.h"
 #include "editing/drive_list.h"
 #include "editing/file_list.h"
 #include "editing/folder_browser.h"
 #include "editing/folder_list.h"
+#include "editing/frame_content.h"
 #include "editing/picture_box.h"
 #include "editing/screen_place.h"
 #include "picture/picture.h"
@@ -29,9 +29,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShowEvent>
-#include <QVBoxLayout>
 
-#include <string_view>
 #include <utility>
 
 namespace editing {
@@ -56,7 +54,6 @@ constexpr int kTextDriveAfter = 956;
 constexpr int kTextUnreadable = 957;
 
 constexpr app::TextPair kSaving = {u"Das Bild wird gespeichert", u"The picture is being saved"};
-constexpr app::TextPair kDriveCaption = {u"Laufwerk", u"Drive"};
 
 constexpr double kWidth = 7140;
 constexpr double kHeight = 4875;
@@ -75,17 +72,8 @@ constexpr app::TwipRect kNameField{1860, 3480, 5160, 390};
 constexpr app::TwipRect kOkButton{1860, 4305, 1620, 435};
 constexpr app::TwipRect kBackButton{3630, 4305, 1620, 435};
 constexpr app::TwipRect kHelpButton{5400, 4305, 1620, 435};
-constexpr int kFrameMargin = 6;
 
 constexpr std::chrono::milliseconds kScanPatience{1000};
-
-QStringList pictureSuffixes() {
-    QStringList suffixes;
-    for (const std::string_view code : base::kTypeCodes) {
-        suffixes += u'.' + QString::fromLatin1(code.data(), static_cast<qsizetype>(code.size()));
-    }
-    return suffixes;
-}
 
 app::TwipRect Normal() {
     return {(kBoxWidth - kBoxHeight) / 2 + kBoxLeft, kBoxTop, kBoxHeight, kBoxHeight};
@@ -195,14 +183,8 @@ void frmOpen::placeControls() {
     cmdOK_->setGeometry(app::toPixels(kOkButton));
     cmdAbbruch_->setGeometry(app::toPixels(kBackButton));
     cmdHilfe_->setGeometry(app::toPixels(kHelpButton));
-    auto* folders = new QVBoxLayout(fraOrdner_);
-    folders->addWidget(drvDrive_);
-    folders->addWidget(dirOrdner_);
-    auto* files = new QVBoxLayout(fraDatei_);
-    files->addWidget(filDatei_);
-    for (QVBoxLayout* layout : {folders, files}) {
-        layout->setContentsMargins(kFrameMargin, kFrameMargin, kFrameMargin, kFrameMargin);
-    }
+    fillFrame(fraOrdner_, {drvDrive_, dirOrdner_});
+    fillFrame(fraDatei_, {filDatei_});
 }
 
 void frmOpen::connectControls() {
@@ -225,7 +207,6 @@ void frmOpen::setCaptions() {
     cmdOK_->setText(app::text(kTextSave));
     cmdAbbruch_->setText(app::text(kTextBack));
     cmdHilfe_->setText(app::text(kTextHelp));
-    drvDrive_->setAccessibleName(app::text(kDriveCaption));
     dirOrdner_->setAccessibleName(app::text(kTextFolder));
     filDatei_->setAccessibleName(app::text(kTextFiles));
     txtName_->setAccessibleName(app::text(kTextName));

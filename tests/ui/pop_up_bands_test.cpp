@@ -165,12 +165,13 @@ TEST_P(PopUpBands, TheToolsDoWhatTheySayInTheirOrder) {
                   "Rename picture...: frmEditSymbol, Edit picture...: box, "
                   "Delete picture: question, Picture-Info...: frmInfos")
                   .toStdString());
-    EXPECT_EQ(chooseEachOf(5, tree()).toStdString(),
+    EXPECT_EQ(chooseEachOf(6, tree()).toStdString(),
               say("Neue Gruppe erstellen...: frmNeueGruppe, Gruppe umbenennen...: frmEditGruppe, "
                   "Gruppe löschen: question, Gruppen-Info...: frmGroupInfo, "
-                  "Bild hinzufügen...: frmOpen",
+                  "Bild hinzufügen...: frmOpen, Gruppe aus Verzeichnis erstellen...: frmCreate",
                   "Create new group...: frmNeueGruppe, Rename group...: frmEditGruppe, "
-                  "Delete group: question, Group-Info...: frmGroupInfo, Add picture...: frmOpen")
+                  "Delete group: question, Group-Info...: frmGroupInfo, Add picture...: frmOpen, "
+                  "Create group out of directory...: frmCreate")
                   .toStdString());
 }
 
