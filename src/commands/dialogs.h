@@ -18,6 +18,7 @@ class frmEditGruppe;
 class frmEditorOptionen;
 class frmEditSymbol;
 class frmGroupInfo;
+class frmImport;
 class frmInfo;
 class frmInfos;
 class frmNeueGruppe;
@@ -26,6 +27,7 @@ class frmNeueGruppe;
 struct Dialogs {
     QPointer<frmNeueGruppe> newGroup;
     QPointer<frmCreate> groupFromFolder;
+    QPointer<frmImport> importGroup;
     QPointer<frmEditGruppe> renameGroup;
     QPointer<frmGroupInfo> groupInfo;
     QPointer<editing::frmOpen> addPicture;

@@ -7,6 +7,7 @@
 #include "commands/frm_edit_symbol.h"
 #include "commands/frm_editor_optionen.h"
 #include "commands/frm_group_info.h"
+#include "commands/frm_import.h"
 #include "commands/frm_info.h"
 #include "commands/frm_infos.h"
 #include "commands/frm_neue_gruppe.h"
@@ -34,6 +35,7 @@ struct Binding {
 constexpr std::array kBindings{
     Binding{Command::NewGroup, newGroup},
     Binding{Command::GroupFromFolder, createGroupFromFolder},
+    Binding{Command::ImportGroup, importGroup},
     Binding{Command::RenameGroup, renameGroup},
     Binding{Command::DeleteGroup, deleteGroup},
     Binding{Command::GroupInfo, showGroupInfo},

@@ -8,6 +8,7 @@
 #include "commands/frm_create.h"
 #include "commands/frm_edit_gruppe.h"
 #include "commands/frm_group_info.h"
+#include "commands/frm_import.h"
 #include "commands/frm_neue_gruppe.h"
 #include "commands/library_view.h"
 #include "store/group_operations.h"
@@ -46,6 +47,10 @@ void newGroup(CommandCall& call) {
 void createGroupFromFolder(CommandCall& call) {
     keptDialog(call.dialogs.groupFromFolder, call.view, call.view.owner())
         .openFor(call.selection, targetForFolder(call));
+}
+
+void importGroup(CommandCall& call) {
+    keptDialog(call.dialogs.importGroup, call.view, call.view.owner()).openFor(call.selection);
 }
 
 void renameGroup(CommandCall& call) {

@@ -12,6 +12,10 @@ void newGroup(CommandCall& call);
 // pop-up as newGroup() would; the user may choose otherwise.
 void createGroupFromFolder(CommandCall& call);
 
+// Brings a group file into the library, beside a top-level group or below a sub-group; the user may
+// choose otherwise.
+void importGroup(CommandCall& call);
+
 // Asks for another name for the selected group. Also opens without one, to say what is missing.
 void renameGroup(CommandCall& call);
 

@@ -30,6 +30,7 @@ struct DialogCase {
 constexpr DialogCase kDialogs[] = {
     {"gNew", "frmNeueGruppe", nullptr, 0, Place::AsTheDesktopLikes},
     {"gCreate", "frmCreate", "cmdHelp", 2, Place::Centred},
+    {"gImport", "frmImport", "cmdHelp", 3, Place::Centred},
     {"gRename", "frmEditGruppe", "cmdHilfe", 7, Place::AsTheDesktopLikes},
     {"gInfo", "frmGroupInfo", "cmdHelp", 8, Place::AsTheDesktopLikes},
     {"gOpen", "frmOpen", "cmdHilfe", 6, Place::Centred},

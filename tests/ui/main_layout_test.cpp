@@ -120,14 +120,14 @@ TEST(EditItem, IsOffForWhatTheMenuCannotEdit) {
     EXPECT_TRUE(allowsEditing("EMF", Cause::Group));
 }
 
-// A command whose window does not exist must not be offered anywhere.
-TEST(Commands, AreOfferedOnlyWithTheirFunction) {
+TEST(Commands, AreOfferedWithoutAGroupUnlessTheirFirstStepNeedsOne) {
     using commands::Command;
     using commands::Selection;
     EXPECT_TRUE(commands::isOffered(Command::NewGroup, Selection::None));
+    EXPECT_TRUE(commands::isOffered(Command::GroupFromFolder, Selection::None));
+    EXPECT_TRUE(commands::isOffered(Command::ImportGroup, Selection::None));
     EXPECT_FALSE(commands::isOffered(Command::AddPicture, Selection::None));
     EXPECT_TRUE(commands::isOffered(Command::AddPicture, Selection::Group));
-    EXPECT_FALSE(commands::isOffered(Command::ImportGroup, Selection::Group));
 }
 
 TEST(CommandLine, TakesItsOptionsAndRefusesOthers) {

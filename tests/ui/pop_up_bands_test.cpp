@@ -165,13 +165,14 @@ TEST_P(PopUpBands, TheToolsDoWhatTheySayInTheirOrder) {
                   "Rename picture...: frmEditSymbol, Edit picture...: box, "
                   "Delete picture: question, Picture-Info...: frmInfos")
                   .toStdString());
-    EXPECT_EQ(chooseEachOf(6, tree()).toStdString(),
+    EXPECT_EQ(chooseEachOf(7, tree()).toStdString(),
               say("Neue Gruppe erstellen...: frmNeueGruppe, Gruppe umbenennen...: frmEditGruppe, "
                   "Gruppe löschen: question, Gruppen-Info...: frmGroupInfo, "
-                  "Bild hinzufügen...: frmOpen, Gruppe aus Verzeichnis erstellen...: frmCreate",
+                  "Bild hinzufügen...: frmOpen, Gruppe aus Verzeichnis erstellen...: frmCreate, "
+                  "Gruppe importieren...: frmImport",
                   "Create new group...: frmNeueGruppe, Rename group...: frmEditGruppe, "
                   "Delete group: question, Group-Info...: frmGroupInfo, Add picture...: frmOpen, "
-                  "Create group out of directory...: frmCreate")
+                  "Create group out of directory...: frmCreate, Import group...: frmImport")
                   .toStdString());
 }
 

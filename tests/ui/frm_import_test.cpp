@@ -1,0 +1,166 @@
+// Group files from elsewhere come into the library through the real window in the real main window.
+#include "app/settings.h"
+#include "platform/native_disk.h"
+#include "platform/paths.h"
+#include "store/picture_operations.h"
+#include "ui/every_language.h"
+
+#include <QComboBox>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+class FrmImportTest : public EveryLanguageTest {
+  protected:
+    FrmImportTest() {
+        QDir().mkpath(home_.at("colleague"));
+        elsewhere_.emplace(library());
+        elsewhere_->folder = platform::toFilePath(home_.at("colleague"));
+        elsewhere_->cache = std::make_shared<compound::ReadCache>();
+    }
+
+    void startAtColleague() {
+        start();
+        app::settings().setDrive("/");
+        app::settings().setPath(home_.at("colleague"));
+    }
+
+    // A file Ventile.stg outside of the library: Ventile with P1 and below it Kugelhahn with P2.
+    void makeSource() {
+        const auto top = store::createGroup(*elsewhere_, std::nullopt, {u"Ventile"});
+        const auto below = store::createGroup(*elsewhere_, top, {u"Kugelhahn"});
+        addElsewhere(top, u"P1");
+        addElsewhere(below, u"P2");
+    }
+
+    void addElsewhere(const store::GroupAddress& group, const char16_t* name) {
+        QImage image(8, 8, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        ASSERT_TRUE(image.save(home_.at("picture.bmp")));
+        store::addPicture(*elsewhere_, group, {name},
+                          platform::toFilePath(home_.at("picture.bmp")));
+    }
+
+    static void choose(QDialog& dialog, const QString& file) {
+        auto* files = dialog.findChild<QListWidget*>("filDatei");
+        const auto items = files->findItems(file, Qt::MatchExactly);
+        ASSERT_EQ(items.size(), 1) << file.toStdString();
+        QTest::mouseClick(files->viewport(), Qt::LeftButton, {},
+                          files->visualItemRect(items.first()).center());
+    }
+
+    static void press(QDialog& dialog, const char* button) {
+        QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
+    }
+
+    // The box that importing that file brings.
+    QString answerTo(QDialog& dialog, const QString& file) {
+        choose(dialog, file);
+        press(dialog, "cmdOK");
+        const auto boxes = boxes_.take();
+        if (boxes.size() != 1) {
+            return QStringLiteral("(%1 boxes)").arg(boxes.size());
+        }
+        EXPECT_EQ(boxes.first().title, say("Gruppe importieren", "Import group"));
+        return boxes.first().text;
+    }
+
+    QString exists() { return say("Gruppe existiert bereits.", "Group already exists."); }
+
+    std::optional<store::Library> elsewhere_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Languages, FrmImportTest, EveryLanguageTest::all());
+
+TEST_P(FrmImportTest, BringsAFileInAsATopLevelGroupAndShowsIt) {
+    makeSource();
+    const QByteArray source = home_.read("colleague/Ventile.stg");
+    startAtColleague();
+    inDialog([&] { trigger("gImport"); },
+             [&](QDialog& dialog) {
+                 EXPECT_EQ(dialog.size(), QSize(305, 235));
+                 choose(dialog, "Ventile.stg");
+                 press(dialog, "cmdOK");
+                 EXPECT_FALSE(dialog.isVisible());
+             });
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    EXPECT_EQ(selectedNode(), "Ventile");
+    EXPECT_EQ(thumbnails(), QStringList{"P1"});
+    clickNode("Ventile/Kugelhahn");
+    EXPECT_EQ(thumbnails(), QStringList{"P2"});
+    EXPECT_EQ(home_.read("colleague/Ventile.stg"), source);
+}
+
+TEST_P(FrmImportTest, MergesAFileBelowASubGroupOnceOnly) {
+    makeGroup("Kreisel", makeGroup("Pumpen"));
+    makeSource();
+    startAtColleague();
+    clickNode("Pumpen/Kreisel");
+    inDialog([&] { trigger("Men_Datei_2"); },
+             [&](QDialog& dialog) {
+                 const auto* target = dialog.findChild<QComboBox*>("cboGruppe");
+                 EXPECT_EQ(target->currentText(), "Pumpen / Kreisel");
+                 EXPECT_EQ(answerTo(dialog, "Ventile.stg"), say("Fertig", "Ready"));
+                 EXPECT_TRUE(dialog.isVisible());
+                 EXPECT_EQ(answerTo(dialog, "Ventile.stg"), exists());
+                 press(dialog, "cmdReset");
+                 EXPECT_FALSE(dialog.isVisible());
+             });
+    EXPECT_EQ(selectedNode(), "Kreisel");
+    EXPECT_EQ(node("Pumpen/Kreisel")->childCount(), 1);
+    clickNode("Pumpen/Kreisel/Ventile");
+    EXPECT_EQ(thumbnails(), QStringList{"P1"});
+    clickNode("Pumpen/Kreisel/Ventile/Kugelhahn");
+    EXPECT_EQ(thumbnails(), QStringList{"P2"});
+}
+
+TEST_P(FrmImportTest, TheUserChoosesThePlace) {
+    makeGroup("Pumpen");
+    makeSource();
+    startAtColleague();
+    clickNode("Pumpen");
+    inDialog([&] { trigger("gImport"); },
+             [&](QDialog& dialog) {
+                 auto* target = dialog.findChild<QComboBox*>("cboGruppe");
+                 EXPECT_EQ(target->currentText(), "TXSGraphicsLib");
+                 target->setCurrentText("Pumpen");
+                 EXPECT_EQ(answerTo(dialog, "Ventile.stg"), say("Fertig", "Ready"));
+             });
+    EXPECT_NE(node("Pumpen/Ventile/Kugelhahn"), nullptr);
+    EXPECT_EQ(storagesFolder(), QStringList{"Pumpen.stg"});
+}
+
+TEST_P(FrmImportTest, TellsWhatKeepsAFileFromBeingImported) {
+    makeGroup("Ventile", makeGroup("Pumpen"));
+    makeSource();
+    home_.write("colleague/Pumpen.stg", "no group file");
+    home_.write("colleague/Kaputt.stg", "no group file");
+    startAtColleague();
+    clickNode("Pumpen");
+    const QString invalid = say("Kein gültiges Dateiformat.", "Invalid file format.");
+    inDialog([&] { trigger("gImport"); },
+             [&](QDialog& dialog) {
+                 press(dialog, "cmdOK");
+                 EXPECT_EQ(boxes_.takeText(),
+                           say("Es wurde noch keine Datei ausgewählt.", "Please select a file."));
+                 EXPECT_EQ(answerTo(dialog, "Pumpen.stg"), exists());
+                 EXPECT_EQ(answerTo(dialog, "Kaputt.stg"), invalid);
+                 dialog.findChild<QComboBox*>("cboGruppe")->setCurrentText("Pumpen");
+                 EXPECT_EQ(answerTo(dialog, "Ventile.stg"), exists());
+                 EXPECT_EQ(answerTo(dialog, "Kaputt.stg"), invalid);
+                 const auto held = platform::nativeDisk().open(elsewhere_->folder / "Ventile.stg",
+                                                               compound::Access::Read);
+                 ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+                 dialog.findChild<QComboBox*>("cboGruppe")->setCurrentIndex(0);
+                 const QString locked = answerTo(dialog, "Ventile.stg");
+                 EXPECT_TRUE(locked.contains("Ventile.stg")) << locked.toStdString();
+                 EXPECT_TRUE(locked.contains(say("anderen Programm", "Another program")));
+                 EXPECT_TRUE(dialog.isVisible());
+             });
+    EXPECT_EQ(storagesFolder(), QStringList{"Pumpen.stg"});
+    EXPECT_EQ(home_.read("colleague/Kaputt.stg"), "no group file"); // left where it is
+}
+
+} // namespace
