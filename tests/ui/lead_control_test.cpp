@@ -99,6 +99,16 @@ TEST_F(LeadControlTest, ShowsALargePictureWholeAtFirst) {
     }));
 }
 
+// The factor is a fraction that no number gives exactly.
+TEST_F(LeadControlTest, FitsPicturesOfAnyLengthWithoutBars) {
+    for (int height = 1000; height < 1100; ++height) {
+        show(QImage(10, height, QImage::Format_RGB32));
+        EXPECT_EQ(control_.verticalScrollBar()->maximum(), 0) << height;
+        show(QImage(height, 10, QImage::Format_RGB32));
+        EXPECT_EQ(control_.horizontalScrollBar()->maximum(), 0) << height;
+    }
+}
+
 TEST_F(LeadControlTest, KeepsTheSpotUnderThePointer) {
     show(numbered({900, 700}));
     for (int i = 0; i < 4; ++i) {

@@ -20,6 +20,12 @@ constexpr double kShortest = 8;      // pixels of the longer side on the screen
 constexpr double kLongest = 1 << 30; // the same; what scroll bars can count
 constexpr int kScrollStep = 20;
 
+// Whole pixels of a side. Fitted to the room it must not be longer by what numbers are rounded.
+int lengthOf(double side) {
+    constexpr double kRounding = 1e-6;
+    return static_cast<int>(std::ceil(side - kRounding));
+}
+
 // The squares of the board stay in their place while the picture is scrolled.
 void paintBoard(QPainter& painter, const QRect& place, const QRect& visible,
                 const QPalette& palette) {
@@ -99,7 +105,8 @@ void LeadControl::zoomTo(double factor, const QPointF& anchor) {
 QRectF LeadControl::placeOfPicture() const {
     const QSizeF size = QSizeF(picture_.size()) * factor_;
     const auto start = [](double side, int room, int scrolled) {
-        return side <= room ? std::floor((room - side) / 2) : -static_cast<double>(scrolled);
+        return lengthOf(side) <= room ? std::floor((room - side) / 2)
+                                      : -static_cast<double>(scrolled);
     };
     return {QPointF(start(size.width(), viewport()->width(), scrolled().x()),
                     start(size.height(), viewport()->height(), scrolled().y())),
@@ -124,7 +131,7 @@ void LeadControl::updateScrollBars() {
     const QSizeF size = QSizeF(picture_.size()) * factor_;
     const QSize room = roomForPicture();
     const auto set = [](QScrollBar& bar, double side, int shown) {
-        bar.setRange(0, std::max(0, static_cast<int>(std::ceil(side)) - shown));
+        bar.setRange(0, std::max(0, lengthOf(side) - shown));
         bar.setPageStep(shown);
     };
     set(*horizontalScrollBar(), size.width(), room.width());
@@ -136,7 +143,8 @@ void LeadControl::updateScrollBars() {
 QSize LeadControl::roomForPicture() const {
     const QSizeF size = QSizeF(picture_.size()) * factor_;
     const QSize most = maximumViewportSize();
-    const bool fits = size.width() <= most.width() && size.height() <= most.height();
+    const bool fits =
+        lengthOf(size.width()) <= most.width() && lengthOf(size.height()) <= most.height();
     return fits ? most : viewport()->size();
 }
 
