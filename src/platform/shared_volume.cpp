@@ -78,6 +78,11 @@ bool isSharedVolume(const std::filesystem::path& folder) {
 }
 
 void forgetContent(int descriptor) {
+    // Behind the kernel a client of the volume may keep small files whole for a while (GlusterFS
+    // does for a second); a change through the same handle makes it forget them. This one changes
+    // nothing, and fails where nobody listens to it or where the file is open for reading only:
+    // then the state before is read, which no writer builds on.
+    (void)::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, 0, 1);
     // Pages that are yet to be written are never dropped. Should sending them fail, they are an
     // earlier program's, which has been told, and the system keeps them no longer.
     (void)::fdatasync(descriptor);
