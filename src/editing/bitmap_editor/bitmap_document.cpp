@@ -100,7 +100,7 @@ void BitmapDocument::removeHistory() {
 }
 
 std::filesystem::path BitmapDocument::write() const {
-    const std::filesystem::path file = folder_ / ("Picture." + extension_);
+    std::filesystem::path file = folder_ / ("Picture." + extension_);
     disk_.removeTemporary(file); // nobody is to take the picture before for this one
     try {
         const imaging::Kept kept{frames_, picture_.hotSpot};
