@@ -205,7 +205,10 @@ void frmMain::saveSettings() {
     }
     try {
         settings.save();
-        saveWindowState(*this);
+        // Inside another program's window the place is that program's choice.
+        if (windowHandle() == nullptr || windowHandle()->parent() == nullptr) {
+            saveWindowState(*this);
+        }
     } catch (const compound::Error& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, this);
     }

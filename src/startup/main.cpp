@@ -5,6 +5,7 @@
 #include "browser/frm_main.h"
 #include "browser/window_state.h"
 #include "platform/temporary_folder.h"
+#include "startup/automation_server.h"
 #include "startup/options.h"
 #include "startup/screenshot.h"
 #include "startup/system_requests.h"
@@ -73,13 +74,21 @@ int run(const startup::Options& options) {
     app::settings().chooseLanguage();
     QTranslator toolkitTexts;
     loadToolkitTexts(toolkitTexts);
+    if (options.isAutomationServer) {
+        return startup::runAutomationServer();
+    }
     browser::frmMain window(browser::StartMode::Standalone);
     QObject::connect(&window, &browser::frmMain::unloaded, qApp, &QCoreApplication::quit);
     std::optional<startup::Screenshot> screenshot;
     if (!options.screenshotFile.empty()) {
         screenshot.emplace(window, QString::fromStdString(options.screenshotFile));
     }
-    const startup::SystemRequests requests(window);
+    const startup::SystemRequests requests(
+        [&window] {
+            window.close();
+            QCoreApplication::exit(); // also out of open dialogs
+        },
+        [&window] { window.saveSettings(); });
     browser::restoreWindowState(window);
     window.show();
     const int status = QApplication::exec();

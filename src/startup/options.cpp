@@ -24,6 +24,8 @@ Options parseOptions(const std::vector<std::string>& arguments, SingleDash singl
             options.task = Options::Task::ShowHelp;
         } else if (argument == "--version") {
             options.task = Options::Task::ShowVersion;
+        } else if (argument == "--automation") {
+            options.isAutomationServer = true;
         } else if (argument == "--screenshot") {
             if (i + 1 == arguments.size() || arguments[i + 1].empty()) {
                 return refusal("--screenshot needs the name of a file");
@@ -37,14 +39,18 @@ Options parseOptions(const std::vector<std::string>& arguments, SingleDash singl
             return refusal("unknown argument \"" + argument + "\"");
         }
     }
+    if (options.isAutomationServer && !options.screenshotFile.empty()) {
+        return refusal("--automation shows no window to save a picture of");
+    }
     return options;
 }
 
 std::string helpText() {
-    return "Usage: txsgraphicslib [--screenshot FILE]\n"
+    return "Usage: txsgraphicslib [--automation | --screenshot FILE]\n"
            "\n"
            "Opens the picture library.\n"
            "\n"
+           "  --automation       show nothing, wait on the session bus for another program\n"
            "  --screenshot FILE  show the window, save its picture to FILE and end\n"
            "  --help             show this text and end\n"
            "  --version          show the program's version and end\n"

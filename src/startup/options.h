@@ -16,6 +16,7 @@ struct Options {
 
     Task task = Task::Run;
     std::string screenshotFile; // empty: none wanted
+    bool isAutomationServer = false;
     std::string complaint;
 };
 

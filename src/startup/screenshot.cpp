@@ -1,7 +1,7 @@
 #include "startup/screenshot.h"
 
+#include "app/unattended.h"
 #include "browser/frm_main.h"
-#include "startup/unattended.h"
 
 #include <QCoreApplication>
 #include <QImageWriter>
@@ -16,7 +16,7 @@ constexpr int kLookAgainMilliseconds = 20;
 
 Screenshot::Screenshot(browser::frmMain& window, const QString& file)
     : window_(window), file_(file) {
-    answerBoxesAlone();
+    app::answerBoxesAlone();
     timer_.setInterval(kLookAgainMilliseconds);
     connect(&timer_, &QTimer::timeout, this, &Screenshot::lookAgain);
     timer_.start();
@@ -43,7 +43,7 @@ void Screenshot::save() {
     QImageWriter writer(file_, "png");
     const bool isSaved = writer.write(window_.grab().toImage());
     if (!isSaved) {
-        tell(file_ + QLatin1String(": ") + writer.errorString());
+        app::tell(file_ + QLatin1String(": ") + writer.errorString());
     }
     QCoreApplication::exit(isSaved ? 0 : 1);
 }

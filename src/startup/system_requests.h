@@ -5,9 +5,7 @@
 
 #include <QObject>
 
-namespace browser {
-class frmMain;
-}
+#include <functional>
 
 namespace startup {
 
@@ -17,14 +15,13 @@ namespace startup {
 // closes the window. Boxes of that time are told on stderr.
 class SystemRequests : public QObject {
   public:
-    // The window must outlive the object.
-    explicit SystemRequests(browser::frmMain& window);
+    // `leave` ends the program, `save` saves what the next run remembers.
+    SystemRequests(std::function<void()> leave, std::function<void()> save);
 
   private:
-    void leave();
     void prepareForSessionEnd();
 
-    browser::frmMain& window_;
+    std::function<void()> save_;
     platform::TerminationRequests termination_;
 };
 

@@ -1,20 +1,20 @@
-#include "startup/unattended.h"
+#include "app/unattended.h"
 
 #include "app/message_box.h"
 
 #include <cstdio>
 
-namespace startup {
+namespace app {
 
 void tell(const QString& text) {
     std::fprintf(stderr, "txsgraphicslib: %s\n", qPrintable(text));
 }
 
 void answerBoxesAlone() {
-    app::setMsgBoxHandler([](const QString& text, app::Buttons, const QString&, QWidget*) -> int {
+    setMsgBoxHandler([](const QString& text, Buttons, const QString&, QWidget*) -> int {
         tell(text);
-        return app::kAnswerNo;
+        return kAnswerNo;
     });
 }
 
-} // namespace startup
+} // namespace app

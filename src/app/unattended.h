@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace startup {
+namespace app {
 
 // One line on stderr, after the program's name.
 void tell(const QString& text);
@@ -12,4 +12,4 @@ void tell(const QString& text);
 // changed.
 void answerBoxesAlone();
 
-} // namespace startup
+} // namespace app
