@@ -2,7 +2,6 @@
 
 #include "base/utf8.h"
 #include "compound/error.h"
-#include "compound/names.h"
 #include "store/text_codec.h"
 
 #include <algorithm>
@@ -16,12 +15,6 @@ namespace {
 using compound::Element;
 using compound::ElementKind;
 using compound::Error;
-
-struct ByName {
-    bool operator()(const std::u16string& left, const std::u16string& right) const {
-        return compound::compareNames(left, right) < 0;
-    }
-};
 
 struct RawGroup {
     StorageName storage;

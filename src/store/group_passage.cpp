@@ -19,12 +19,6 @@ using compound::ErrorCode;
 
 constexpr std::uint32_t kGreatestNumber = 999'999'999;
 
-struct ByName {
-    bool operator()(const std::u16string& left, const std::u16string& right) const {
-        return compound::compareNames(left, right) < 0;
-    }
-};
-
 std::vector<Element> rootElements(const StorageHandle& root) {
     std::vector<Element> elements;
     compound::ElementCursor cursor = root.elements();
@@ -156,6 +150,9 @@ class Planner {
             name = numberedStorage(++lastNumber_);
         }
         for (Passage& passage : passages_) {
+            if (passage.element.kind != ElementKind::Storage) {
+                continue;
+            }
             if (passage.name.empty() && sameName(passage.element.name, storage)) {
                 take(passage, name);
             } else if (passage.name.empty() && isInfoOf(passage.element, storage)) {

@@ -64,6 +64,10 @@ bool sameName(std::u16string_view left, std::u16string_view right) {
     return compound::compareNames(left, right) == 0;
 }
 
+bool ByName::operator()(std::u16string_view left, std::u16string_view right) const {
+    return compound::compareNames(left, right) < 0;
+}
+
 bool listsBefore(std::u16string_view left, std::u16string_view right) {
     const auto before = [](char16_t one, char16_t other) {
         return compound::toUpper(one) < compound::toUpper(other);

@@ -24,6 +24,11 @@ inline constexpr std::u16string_view kRenumberedPrefix = u"Sib"; // in a file th
 // Equality as inside compound files: without regard to case, unit by unit.
 bool sameName(std::u16string_view left, std::u16string_view right);
 
+// Orders names for sets and maps in which those that are equal so are one.
+struct ByName {
+    bool operator()(std::u16string_view left, std::u16string_view right) const;
+};
+
 // For sorting and listing: without regard to case, equal names by their units.
 bool listsBefore(std::u16string_view left, std::u16string_view right);
 

@@ -2,7 +2,6 @@
 
 #include "base/picture_units.h"
 #include "base/utf8.h"
-#include "compound/names.h"
 #include "store/group_in_the_making.h"
 #include "store/names.h"
 #include "store/picture_source.h"
@@ -19,12 +18,6 @@ using compound::Error;
 using compound::ErrorCode;
 
 constexpr std::size_t kExtensionLength = 4; // the dot and three letters
-
-struct ByName {
-    bool operator()(const std::u16string& left, const std::u16string& right) const {
-        return compound::compareNames(left, right) < 0;
-    }
-};
 
 bool isNamedAsPicture(std::u16string_view fileName) {
     return std::any_of(base::kTypeCodes.begin(), base::kTypeCodes.end(), [&](const auto code) {
