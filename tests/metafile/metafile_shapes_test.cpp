@@ -331,6 +331,23 @@ TEST(MetafileShapes, ColoursMayBeNumbersOfThePalette) {
         << "of the default palette";
 }
 
+// Each number, less one, is the table of what the four pairs of an ink's and a paper's bit become.
+TEST(MetafileShapes, EveryRasterOperationCombinesBitByBit) {
+    constexpr int kPaper = 0xAA;
+    constexpr int kInk = 0xCC;
+    for (int operation = 1; operation <= 16; ++operation) {
+        EmfFile file = filled(colour(kPaper, kPaper, kPaper));
+        file.rectangle(0, 0, 40, 40).brush(2, colour(kInk, kInk, kInk));
+        file.add(20, {operation}).rectangle(0, 0, 40, 40);
+        int expected = 0;
+        for (int bit = 0; bit < 8; ++bit) {
+            const int pair = 2 * ((kInk >> bit) & 1) + ((kPaper >> bit) & 1);
+            expected |= (((operation - 1) >> pair) & 1) << bit;
+        }
+        EXPECT_EQ(qGreen(file.drawn().pixel(20, 20)), expected) << operation;
+    }
+}
+
 TEST(MetafileShapes, RasterOperationsActOnThePaper) {
     EmfFile file = filled(colour(0, 255, 255));
     file.add(20, {7}).rectangle(0, 0, 20, 40).rectangle(10, 0, 20, 40); // XOR
@@ -396,6 +413,12 @@ TEST(MetafileShapes, PensAreDashedWideAndInsideTheirFrame) {
     EXPECT_EQ(image.pixel(5, 10), kBlack);
     EXPECT_EQ(image.pixel(15, 10), kWhite);
     EXPECT_EQ(image.pixel(25, 10), kBlack);
+    EmfFile odd(80, 40); // three lengths: dashes and gaps change places from one round to the next
+    odd.add(95, {1, 0, 0, 0, 0, 0x10000 | 0x200 | 7, 4, 0, 0, 0, 3, 10, 10, 10}).add(37, {1});
+    const QImage alternating = odd.add(27, {0, 10}).add(54, {80, 10}).drawn();
+    for (int x = 5; x < 80; x += 10) {
+        EXPECT_EQ(alternating.pixel(x, 10), x % 20 == 5 ? kBlack : kWhite) << x;
+    }
     EmfFile inside(40, 40);
     inside.stock(kNullBrush).pen(1, 6, 6, 0).rectangle(10, 10, 30, 30);
     EXPECT_EQ(inkOf(inside.drawn()), QRect(10, 10, 20, 20));
