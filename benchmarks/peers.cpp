@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <random>
 #include <sqlite3.h>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -31,7 +32,36 @@ void writeFile(const std::filesystem::path& path, const void* bytes, std::size_t
     close(file);
 }
 
+void put(std::vector<std::byte>& bytes, std::size_t at, std::uint32_t value, unsigned count) {
+    for (unsigned i = 0; i < count; ++i) {
+        bytes[at + i] = static_cast<std::byte>((value >> (8U * i)) & 0xFFU);
+    }
+}
+
 } // namespace
+
+std::vector<std::byte> noiseBitmap(int side, unsigned seed) {
+    constexpr std::size_t kHeader = 54;
+    const auto pixels = static_cast<std::size_t>(side);
+    std::vector<std::byte> bytes(kHeader + 3 * pixels * pixels);
+    put(bytes, 0, 0x4D42, 2);
+    put(bytes, 2, static_cast<std::uint32_t>(bytes.size()), 4);
+    put(bytes, 10, kHeader, 4);
+    put(bytes, 14, 40, 4);
+    put(bytes, 18, static_cast<std::uint32_t>(side), 4);
+    put(bytes, 22, static_cast<std::uint32_t>(side), 4);
+    put(bytes, 26, 1, 2);
+    put(bytes, 28, 24, 2);
+    std::mt19937 noise(seed);
+    for (std::size_t i = kHeader; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<std::byte>(noise() & 0xFFU);
+    }
+    return bytes;
+}
+
+void writeDurably(const std::filesystem::path& path, std::span<const std::byte> bytes) {
+    writeFile(path, bytes.data(), bytes.size(), Durable::Yes);
+}
 
 ScratchFolder::ScratchFolder() {
     std::string pattern = (std::filesystem::current_path() / "txs-benchmark-XXXXXX").string();

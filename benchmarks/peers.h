@@ -13,6 +13,13 @@ struct sqlite3_stmt;
 
 namespace benchmarks {
 
+// A bitmap file of noise, side x side pixels of 24 bits, so that no layer can profit from its
+// content.
+std::vector<std::byte> noiseBitmap(int side, unsigned seed);
+
+// Writes a new file with fsync.
+void writeDurably(const std::filesystem::path& path, std::span<const std::byte> bytes);
+
 // A folder of its own below the working directory's file system, removed at the end.
 class ScratchFolder {
   public:

@@ -24,33 +24,6 @@ using namespace benchmarks;
 constexpr int kRepetitions = 5;
 constexpr int kPictureSide = 64; // 64 x 64 pixels of 24 bits: 12342 bytes
 
-void put(std::vector<std::byte>& bytes, std::size_t at, std::uint32_t value, int count) {
-    for (int i = 0; i < count; ++i) {
-        bytes[at + static_cast<std::size_t>(i)] =
-            static_cast<std::byte>((value >> (8U * static_cast<unsigned>(i))) & 0xFFU);
-    }
-}
-
-// A bitmap file of noise, so that no layer can profit from its content.
-std::vector<std::byte> makeBitmap() {
-    constexpr std::size_t kHeader = 54;
-    constexpr std::size_t kPixels = std::size_t{3} * kPictureSide * kPictureSide;
-    std::vector<std::byte> bytes(kHeader + kPixels);
-    put(bytes, 0, 0x4D42, 2);
-    put(bytes, 2, static_cast<std::uint32_t>(bytes.size()), 4);
-    put(bytes, 10, kHeader, 4);
-    put(bytes, 14, 40, 4);
-    put(bytes, 18, kPictureSide, 4);
-    put(bytes, 22, kPictureSide, 4);
-    put(bytes, 26, 1, 2);
-    put(bytes, 28, 24, 2);
-    std::mt19937 noise(7);
-    for (std::size_t i = kHeader; i < bytes.size(); ++i) {
-        bytes[i] = static_cast<std::byte>(noise() & 0xFFU);
-    }
-    return bytes;
-}
-
 std::string nameOf(int number) {
     std::string digits = std::to_string(number);
     return "picture-" + std::string(6 - std::min<std::size_t>(6, digits.size()), '0') + digits;
@@ -89,7 +62,7 @@ struct Setup {
         : library{platform::nativeDisk(), scratch.path() / "library", measure},
           folder(scratch.path() / "folder"),
           database(scratch.path() / "pictures.db"),
-          bitmap(makeBitmap()),
+          bitmap(noiseBitmap(kPictureSide, 7)),
           source(scratch.path() / "source.bmp"),
           next(count),
           size(count),
