@@ -62,12 +62,12 @@ constexpr double kWidth = 5130;
 constexpr double kHeight = 4320;
 constexpr app::TwipRect kFolderFrame{120, 60, 2400, 1980};
 constexpr app::TwipRect kFileFrame{2610, 60, 2400, 1980};
-constexpr app::TwipRect kNameFrame{120, 2070, 4890, 735};
-constexpr app::TwipRect kTargetLabel{120, 2895, 1020, 390};
-constexpr app::TwipRect kTargetBox{1170, 2895, 3840, 390};
-constexpr app::TwipRect kPictureLabel{120, 3375, 1800, 300};
-constexpr app::TwipRect kBar{1980, 3405, 1650, 240};
-constexpr app::TwipRect kCountLabel{3690, 3375, 1320, 300};
+constexpr app::TwipRect kNameFrame{120, 2055, 4890, 915};
+constexpr app::TwipRect kTargetLabel{120, 3015, 1020, 375};
+constexpr app::TwipRect kTargetBox{1170, 3015, 3840, 375};
+constexpr app::TwipRect kPictureLabel{120, 3435, 1800, 300};
+constexpr app::TwipRect kBar{1980, 3465, 1200, 240};
+constexpr app::TwipRect kCountLabel{3240, 3435, 1770, 300};
 constexpr app::TwipRect kCreateButton{120, 3780, 1560, 435};
 constexpr app::TwipRect kBackButton{1785, 3780, 1560, 435};
 constexpr app::TwipRect kHelpButton{3450, 3780, 1560, 435};
@@ -110,7 +110,6 @@ void frmCreate::makeControls() {
     cmdHelp_ = app::makeNamed<QPushButton>("cmdHelp", this);
     lblGruppe_->setBuddy(cboGruppe_);
     cmdCreate_->setDefault(true);
-    cboGruppe_->setWidestPath(app::toPixels(kTargetBox).width() - 40);
     const editing::FolderBrowser::UnreadableTexts texts{kDriveBefore, kDriveAfter, kTitle};
     browser_ = new editing::FolderBrowser(drvDrive_, dirOrdner_, filDatei_, texts, this);
 }
@@ -129,7 +128,7 @@ void frmCreate::placeControls() {
     fraDatei_->setGeometry(app::toPixels(kFileFrame));
     fraName_->setGeometry(app::toPixels(kNameFrame));
     lblGruppe_->setGeometry(app::toPixels(kTargetLabel));
-    cboGruppe_->setGeometry(app::toPixels(kTargetBox));
+    cboGruppe_->place(app::toPixels(kTargetBox));
     lblBild_->setGeometry(app::toPixels(kPictureLabel));
     prgFortschritt_->setGeometry(app::toPixels(kBar));
     lblAnzahl_->setGeometry(app::toPixels(kCountLabel));

@@ -88,7 +88,6 @@ void frmImport::makeControls() {
     cmdHelp_ = app::makeNamed<QPushButton>("cmdHelp", this);
     lblGruppe_->setBuddy(cboGruppe_);
     cmdOK_->setDefault(true);
-    cboGruppe_->setWidestPath(app::toPixels(kTargetBox).width() - 40);
     const editing::FolderBrowser::UnreadableTexts texts{kDriveBefore, kDriveAfter, kTitle};
     browser_ = new editing::FolderBrowser(drvDrive_, dirVerzeichniss_, filDatei_, texts, this);
 }
@@ -97,7 +96,7 @@ void frmImport::placeControls() {
     fraOrdner_->setGeometry(app::toPixels(kFolderFrame));
     fraDatei_->setGeometry(app::toPixels(kFileFrame));
     lblGruppe_->setGeometry(app::toPixels(kTargetLabel));
-    cboGruppe_->setGeometry(app::toPixels(kTargetBox));
+    cboGruppe_->place(app::toPixels(kTargetBox));
     cmdOK_->setGeometry(app::toPixels(kImportButton));
     cmdReset_->setGeometry(app::toPixels(kBackButton));
     cmdHelp_->setGeometry(app::toPixels(kHelpButton));

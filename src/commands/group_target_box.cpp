@@ -14,6 +14,13 @@ GroupTargetBox::GroupTargetBox(QWidget* parent) : QComboBox(parent) {
     setMinimumContentsLength(24);
 }
 
+void GroupTargetBox::place(const QRect& geometry) {
+    constexpr int kArrowAndFrame = 40;
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setGeometry(geometry);
+    widestPath_ = geometry.width() - kArrowAndFrame;
+}
+
 void GroupTargetBox::offer(const SelectionContext& context, GroupTarget preset) {
     clear();
     selected_ = context.group();

@@ -24,8 +24,8 @@ class GroupTargetBox : public QComboBox {
 
     GroupTarget target() const;
 
-    // How wide the path of the selected group may be, in device-independent pixels; before offer().
-    void setWidestPath(int width) { widestPath_ = width; }
+    // Keeps it at that place in a window without a layout, instead of being as wide as its entries.
+    void place(const QRect& geometry);
 
     // The chosen parent; nothing for the top level.
     std::optional<store::GroupAddress> parentGroup() const;
