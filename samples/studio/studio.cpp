@@ -47,6 +47,7 @@ Studio::Studio()
     picture_->setAlignment(Qt::AlignCenter);
     picture_->setFrameShape(QFrame::StyledPanel);
     status_->setWordWrap(true);
+    status_->setFixedWidth(kPictureSize.width());
     auto* centre = new QWidget;
     auto* row = new QHBoxLayout(centre);
     auto* column = new QVBoxLayout;

@@ -172,7 +172,7 @@ bool HostWindow::eventFilter(QObject* watched, QEvent* event) {
         takeKeyboard();
     } else if (event->type() == QEvent::Expose && !isLost_) {
         auto* window = qobject_cast<QWindow*>(watched);
-        if (window != nullptr && held_ && window->transientParent() == held_) {
+        if (window != nullptr && isDialogOfHeld(*window)) {
             putAboveHost(*window);
         }
     }
@@ -186,8 +186,13 @@ void HostWindow::takeKeyboard() {
     xcb_flush(connection_);
 }
 
-// Window managers know nothing of the held window, so that a dialog of it could fall behind the
-// host's program.
+// The toolkit gives a window inside another one no dialogs of its own; dialogs of dialogs it knows.
+bool HostWindow::isDialogOfHeld(const QWindow& window) const {
+    return held_ && &window != held_ && window.isTopLevel() && window.type() == Qt::Dialog &&
+           window.transientParent() == nullptr;
+}
+
+// Else a dialog could fall behind the host's program.
 void HostWindow::putAboveHost(QWindow& dialog) {
     const xcb_window_t owner = managedWindowAround(connection_, handle_);
     xcb_change_property(connection_, XCB_PROP_MODE_REPLACE,

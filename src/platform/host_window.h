@@ -52,6 +52,7 @@ class HostWindow : public QObject, private QAbstractNativeEventFilter {
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
     void fit(const QSize& nativeSize);
     void takeKeyboard();
+    bool isDialogOfHeld(const QWindow& window) const;
     void putAboveHost(QWindow& dialog);
     void letGo();
 
