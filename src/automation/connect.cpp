@@ -100,9 +100,9 @@ void Connect::placeInside(std::unique_ptr<platform::HostWindow> host) {
     window_->hide();
     window_->setWindowState(Qt::WindowNoState);
     host_ = std::move(host);
+    connect(host_.get(), &platform::HostWindow::lost, this, &Connect::loseClient);
     (void)window_->winId(); // makes the native window
     host_->hold(*window_->windowHandle());
-    connect(host_.get(), &platform::HostWindow::lost, this, &Connect::loseClient);
 }
 
 void Connect::placeOutside() {

@@ -44,7 +44,8 @@ bool isOfThisProgram(xcb_connection_t* connection, xcb_window_t window) {
 
 xcb_connection_t* connectionToServer() {
     const auto* native = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (native == nullptr) {
+    // Other displays of the toolkit may offer that interface too, with nothing behind it.
+    if (native == nullptr || QGuiApplication::platformName() != QLatin1String("xcb")) {
         throw NoHostWindow("the display (" + QGuiApplication::platformName().toStdString() +
                            ") knows no windows inside other programs' windows");
     }
@@ -119,10 +120,11 @@ void HostWindow::hold(QWindow& window) {
         held_ = &window;
         window.setParent(foreign_.get());
     }
-    // The toolkit does not know a foreign window's size. Should the host have gone by now, its
-    // destruction has been told by the server.
+    // The toolkit does not know a foreign window's size.
     if (const auto size = sizeOf(connection_, handle_)) {
         fit(*size);
+    } else {
+        lose(); // perhaps before its events were asked for
     }
 }
 
@@ -146,6 +148,14 @@ void HostWindow::letGo() {
     window->setParent(nullptr);
 }
 
+void HostWindow::lose() {
+    if (!isLost_) {
+        isLost_ = true;
+        QMetaObject::invokeMethod(
+            this, [this] { emit lost(); }, Qt::QueuedConnection);
+    }
+}
+
 bool HostWindow::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
     constexpr int kEventKind = 0x7f; // without the mark of events that other programs send
     if (isLost_ || eventType != "xcb_generic_event_t") {
@@ -159,9 +169,7 @@ bool HostWindow::nativeEventFilter(const QByteArray& eventType, void* message, q
         }
     } else if ((event->response_type & kEventKind) == XCB_DESTROY_NOTIFY) {
         if (static_cast<const xcb_destroy_notify_event_t*>(message)->window == handle_) {
-            isLost_ = true;
-            QMetaObject::invokeMethod(
-                this, [this] { emit lost(); }, Qt::QueuedConnection);
+            lose();
         }
     }
     return false;

@@ -55,6 +55,7 @@ class HostWindow : public QObject, private QAbstractNativeEventFilter {
     bool isDialogOfHeld(const QWindow& window) const;
     void putAboveHost(QWindow& dialog);
     void letGo();
+    void lose();
 
     xcb_connection_t* connection_;
     std::uint32_t handle_;

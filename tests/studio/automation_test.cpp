@@ -43,6 +43,9 @@ class Client : public QObject {
     QDBusMessage call(const QString& method, const QVariantList& arguments = {}) {
         QDBusMessage message = QDBusMessage::createMethodCall(kName, kObject, kInterface, method);
         message.setArguments(arguments);
+        return send(message);
+    }
+    QDBusMessage send(const QDBusMessage& message) {
         return bus_.call(message, QDBus::BlockWithGui, kCallTimeout);
     }
     void show(std::uint32_t window) {
@@ -131,6 +134,38 @@ TEST_F(Automation, ActivationShowsNothing) {
     EXPECT_EQ(desktop_.visibleWindowsOf(client_.library()), 0);
     const qint64 library = client_.library();
     client_.terminate();
+    EXPECT_TRUE(until([&] { return !isRunning(library); }));
+}
+
+TEST_F(Automation, ASecondServerSaysWhyItEnds) {
+    client_.startLibrary();
+    QProcess second;
+    desktop_.start(second, TXS_PROGRAM, {"--automation"}, QProcess::SeparateChannels);
+    ASSERT_TRUE(second.waitForFinished(kCallTimeout));
+    EXPECT_EQ(second.exitCode(), 1);
+    EXPECT_TRUE(second.readAllStandardError().contains("belongs to another program"));
+}
+
+TEST_F(Automation, TheDocumentationHolds) {
+    const QDBusMessage introspect = QDBusMessage::createMethodCall(
+        kName, kObject, "org.freedesktop.DBus.Introspectable", "Introspect");
+    const QByteArray offered = client_.send(introspect).arguments().value(0).toByteArray();
+    for (const QByteArray& line : bytesOf(TXS_DOCS "/" + kInterface + ".xml").split('\n')) {
+        const QByteArray element = line.trimmed().replace("/>", "");
+        if (element.startsWith("<method") || element.startsWith("<signal") ||
+            element.startsWith("<arg")) {
+            EXPECT_TRUE(offered.contains(element)) << element.constData();
+        }
+    }
+    const qint64 library = client_.library();
+    int calls = 0;
+    for (const QByteArray& line : bytesOf(TXS_DOCS "/automation.md").split('\n')) {
+        if (line.startsWith("gdbus call")) {
+            desktop_.run("sh", {"-c", QString::fromUtf8(line)});
+            ++calls;
+        }
+    }
+    EXPECT_EQ(calls, 2);
     EXPECT_TRUE(until([&] { return !isRunning(library); }));
 }
 

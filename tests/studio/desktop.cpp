@@ -112,7 +112,8 @@ void Desktop::killBus() {
     bus_.waitForFinished();
 }
 
-void Desktop::start(QProcess& process, const QString& program, const QStringList& arguments) const {
+void Desktop::start(QProcess& process, const QString& program, const QStringList& arguments,
+                    QProcess::ProcessChannelMode channels) const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("DISPLAY", displayName_);
     environment.insert("QT_QPA_PLATFORM", "xcb");
@@ -120,7 +121,7 @@ void Desktop::start(QProcess& process, const QString& program, const QStringList
     environment.insert("DBUS_SESSION_BUS_ADDRESS", busAddress_);
     environment.insert("LANG", "C.UTF-8");
     process.setProcessEnvironment(environment);
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.setProcessChannelMode(channels);
     process.start(program, arguments);
     if (!process.waitForStarted()) {
         qFatal("%s does not start", qUtf8Printable(program));

@@ -29,7 +29,8 @@ class Desktop {
     void killBus();
 
     // Runs a program with its arguments on the desktop.
-    void start(QProcess& process, const QString& program, const QStringList& arguments) const;
+    void start(QProcess& process, const QString& program, const QStringList& arguments,
+               QProcess::ProcessChannelMode channels = QProcess::ForwardedErrorChannel) const;
     // The same until its end; fails the test when that is a failure. Gives its output.
     QByteArray run(const QString& program, const QStringList& arguments) const;
 
