@@ -34,6 +34,18 @@ QByteArray property(xcb_connection_t* connection, xcb_window_t window, xcb_atom_
                  : QByteArray();
 }
 
+// What the program says once it is ready.
+QString firstLineOf(QProcess& process) {
+    const bool hasSpoken = until([&process] {
+        process.waitForReadyRead(50);
+        return process.canReadLine() || process.state() == QProcess::NotRunning;
+    });
+    if (!hasSpoken || !process.canReadLine()) {
+        qFatal("%s does not start", qUtf8Printable(process.program()));
+    }
+    return QString::fromUtf8(process.readLine().trimmed());
+}
+
 } // namespace
 
 bool until(const std::function<bool()>& condition) {
@@ -58,14 +70,7 @@ Desktop::~Desktop() {
 
 void Desktop::startDisplay() {
     display_.start("Xvfb", {"-displayfd", "1", "-screen", "0", "1400x1000x24", "-nolisten", "tcp"});
-    if (!until([this] {
-            display_.waitForReadyRead(50);
-            return display_.canReadLine() || display_.state() == QProcess::NotRunning;
-        }) ||
-        !display_.canReadLine()) {
-        qFatal("Xvfb does not start");
-    }
-    displayName_ = u':' + QString::fromLatin1(display_.readLine().trimmed());
+    displayName_ = u':' + firstLineOf(display_);
     connection_ = xcb_connect(displayName_.toLatin1().constData(), nullptr);
     if (xcb_connection_has_error(connection_) != 0) {
         qFatal("no connection to the display");
@@ -97,14 +102,7 @@ void Desktop::startBus() {
     settings.close();
     start(bus_, "dbus-daemon",
           {"--nofork", "--print-address=1", "--config-file=" + settings.fileName()});
-    if (!until([this] {
-            bus_.waitForReadyRead(50);
-            return bus_.canReadLine() || bus_.state() == QProcess::NotRunning;
-        }) ||
-        !bus_.canReadLine()) {
-        qFatal("dbus-daemon does not start");
-    }
-    busAddress_ = QString::fromUtf8(bus_.readLine().trimmed());
+    busAddress_ = firstLineOf(bus_);
 }
 
 void Desktop::killBus() {
