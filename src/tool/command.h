@@ -61,6 +61,7 @@ ExitStatus exportGroup(const Invocation& invocation);
 ExitStatus checkFiles(const Invocation& invocation);
 ExitStatus compactFile(const Invocation& invocation);
 ExitStatus renderPicture(const Invocation& invocation);
+ExitStatus makeThumbnail(const Invocation& invocation);
 ExitStatus convertPicture(const Invocation& invocation);
 
 // Runs one command line (without the program's name). Everything that goes wrong is told on

@@ -4,8 +4,11 @@
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 
+#include <QBuffer>
+
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tool {
 namespace {
@@ -41,8 +44,14 @@ QSize boxFor(const Arguments& arguments, QSize pixels) {
 InputPicture readPicture(const std::filesystem::path& source, const std::filesystem::path& target,
                          const Invocation& invocation) {
     boxFor(invocation.arguments, {1, 1}); // wrong numbers are told before the file is read
+    return readPicture(store::readPictureFile(platform::nativeDisk(), source), source, target,
+                       invocation);
+}
+
+InputPicture readPicture(std::vector<std::byte> bytes, const std::filesystem::path& source,
+                         const std::filesystem::path& target, const Invocation& invocation) {
     InputPicture input;
-    input.file = store::readPictureFile(platform::nativeDisk(), source);
+    input.file = std::move(bytes);
     try {
         const picture::Picture picture = picture::decode(input.file);
         input.facts = picture.facts();
@@ -59,6 +68,17 @@ InputPicture readPicture(const std::filesystem::path& source, const std::filesys
         throw Error(ErrorCode::InvalidPicture, source, error.what());
     }
     return input;
+}
+
+std::vector<std::byte> toPng(const QImage& image, const std::filesystem::path& target) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.save(&buffer, "PNG")) {
+        throw Error(ErrorCode::Failed, target, "the picture cannot be written as PNG");
+    }
+    const auto* begin = reinterpret_cast<const std::byte*>(bytes.constData());
+    return {begin, begin + bytes.size()};
 }
 
 } // namespace tool

@@ -24,4 +24,11 @@ struct InputPicture {
 InputPicture readPicture(const std::filesystem::path& source, const std::filesystem::path& target,
                          const Invocation& invocation);
 
+// The same with the bytes of a picture that was read from `source` already.
+InputPicture readPicture(std::vector<std::byte> bytes, const std::filesystem::path& source,
+                         const std::filesystem::path& target, const Invocation& invocation);
+
+// The image as the bytes of a PNG file, to be written to `target`: compound::Error for that.
+std::vector<std::byte> toPng(const QImage& image, const std::filesystem::path& target);
+
 } // namespace tool

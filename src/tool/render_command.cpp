@@ -1,11 +1,11 @@
-// render: a picture file of any of the seven types as PNG.
+// render and thumbnail: a picture file, or the first picture of a group file, as PNG.
 #include "compound/error.h"
+#include "store/group_operations.h"
+#include "store/picture_operations.h"
 #include "tool/command.h"
+#include "tool/library_arguments.h"
 #include "tool/output_file.h"
 #include "tool/picture_input.h"
-
-#include <QBuffer>
-#include <QImage>
 
 namespace tool {
 namespace {
@@ -13,25 +13,47 @@ namespace {
 using compound::Error;
 using compound::ErrorCode;
 
-QByteArray toPng(const QImage& image, const std::filesystem::path& path) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    if (!image.save(&buffer, "PNG")) {
-        throw Error(ErrorCode::Failed, path, "the picture cannot be written as PNG");
+void writePng(const QImage& image, const std::filesystem::path& target,
+              const Invocation& invocation) {
+    writeOutputFile(target, toPng(image, target),
+                    invocation.arguments.has(Option::Replace) ? IfFileExists::Replace
+                                                              : IfFileExists::Refuse);
+}
+
+// The bytes of the first picture that has any: of the top-level group, else of those below it.
+std::vector<std::byte> firstPictureIn(const std::filesystem::path& path) {
+    const store::Library library = libraryAround(path);
+    const store::GroupFileReading reading = store::readGroupFile(
+        library, store::fileNameOf(path), store::LockBudget(library.lockWait));
+    if (reading.failure) {
+        throw *reading.failure;
     }
-    return bytes;
+    std::vector<std::byte> bytes;
+    for (const store::GroupEntry& group : reading.groups) {
+        store::walkPictures(library, group.address, 0, [&](const store::StoredPicture& picture) {
+            bytes = picture.bytes;
+            return bytes.empty() ? store::TakePicture::Continue : store::TakePicture::Stop;
+        });
+        if (!bytes.empty()) {
+            return bytes;
+        }
+    }
+    throw Error(ErrorCode::NotFound, path, "there is no picture in it");
 }
 
 } // namespace
 
 ExitStatus renderPicture(const Invocation& invocation) {
+    const std::filesystem::path target = invocation.argument(1);
+    writePng(readPicture(invocation.argument(0), target, invocation).image, target, invocation);
+    return ExitStatus::Done;
+}
+
+ExitStatus makeThumbnail(const Invocation& invocation) {
     const std::filesystem::path source = invocation.argument(0);
     const std::filesystem::path target = invocation.argument(1);
-    const QByteArray png = toPng(readPicture(source, target, invocation).image, target);
-    writeOutputFile(target, std::as_bytes(std::span(png.constData(), std::size_t(png.size()))),
-                    invocation.arguments.has(Option::Replace) ? IfFileExists::Replace
-                                                              : IfFileExists::Refuse);
+    writePng(readPicture(firstPictureIn(source), source, target, invocation).image, target,
+             invocation);
     return ExitStatus::Done;
 }
 

@@ -220,6 +220,26 @@ TEST_F(ToolTest, RendersFittedAndNeverOverAFile) {
     EXPECT_FALSE(exists(folder() / "x.png"));
 }
 
+TEST_F(ToolTest, DrawsTheFirstPictureOfAGroupFileOrOfTheGroupsBelowIt) {
+    const std::string file = (libraryFolder() / "Pumps.stg").string();
+    const std::string target = (folder() / "out.png").string();
+    succeed({"new-group", "Pumps"});
+    fail({"thumbnail", file, target}, "Pumps.stg");
+    EXPECT_FALSE(std::filesystem::exists(target));
+    const std::string below = succeed({"new-group", "Rotary", "--below", "Pumps"});
+    succeed({"add", below, picture("below.bmp", 30, 30, 0x11)});
+    const auto thumbnail = [&] {
+        succeed({"thumbnail", file, target, "--width", "16", "--height", "16", "--replace"});
+        return QImage(QString::fromStdString(target));
+    };
+    EXPECT_EQ(thumbnail().pixelColor(1, 1), QColor(0x11, 0x11, 0x11));
+    succeed({"add", "Pumps", picture("top.bmp", 40, 20, 0x33)});
+    EXPECT_EQ(thumbnail().size(), QSize(16, 8));
+    EXPECT_EQ(thumbnail().pixelColor(1, 1), QColor(0x33, 0x33, 0x33));
+    writeFile(folder() / "broken.stg", "no compound file");
+    fail({"thumbnail", (folder() / "broken.stg").string(), target}, "broken.stg");
+}
+
 TEST_F(ToolTest, TellsWrongUsageFromFailure) {
     const std::vector<std::vector<std::string>> wrong{
         {},
