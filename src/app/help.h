@@ -4,6 +4,7 @@
 #include <functional>
 
 class QAbstractButton;
+class QString;
 class QWidget;
 
 namespace app {
@@ -22,14 +23,23 @@ enum class HelpTopic {
     SavePicture = 10,
 };
 
-// Opens the help file at the topic. Where that is impossible a box names the help file.
+// Opens the help window at the topic: in the help file at the settings' place or, where that is
+// missing, in the program's own one of the program's language. A file that is missing, broken or
+// without the topic is named in a box. The window may be used while `owner` is modal.
 void showHelp(HelpTopic topic, QWidget* owner);
 
-// Lets the button and the key F1 show the window's topic.
+// Closes the help window, if it is open.
+void closeHelp();
+
+// Lets the key F1, or the button as well, show the window's topic.
+void offerHelp(QWidget& window, HelpTopic topic);
 void offerHelp(QWidget& window, QAbstractButton* button, HelpTopic topic);
 
 // Tests look which topic is shown. An empty handler restores the help file.
 using HelpHandler = std::function<void(HelpTopic topic)>;
 void setHelpHandler(HelpHandler handler);
+
+// Tests choose where the program's own help lies: DIR/de and DIR/en. Empty restores the real place.
+void setOwnHelpFolder(const QString& folder);
 
 } // namespace app

@@ -1,6 +1,7 @@
 #include "browser/frm_main.h"
 
 #include "app/executor.h"
+#include "app/help.h"
 #include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/number_text.h"
@@ -188,6 +189,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 void frmMain::unload() {
     panel_->stopLoading();
+    app::closeHelp();
     removeTemporaryPictures(app::settings().temporaryFolderPath());
     saveSettings();
 }

@@ -1,5 +1,6 @@
 #include "commands/frm_editor_optionen.h"
 
+#include "app/help.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/texts.h"
@@ -25,6 +26,7 @@ frmEditorOptionen::frmEditorOptionen(QWidget* owner)
       cmdSpeichern_(new QPushButton(app::text(kSave), this)) {
     setObjectName(QStringLiteral("frmEditorOptionen"));
     setWindowTitle(app::text(kCaption));
+    app::offerHelp(*this, app::HelpTopic::MainWindow);
     chkGrafik_->setObjectName(QStringLiteral("chkGrafik"));
     chkGruppe_->setObjectName(QStringLiteral("chkGruppe"));
     cmdSpeichern_->setObjectName(QStringLiteral("cmdSpeichern"));

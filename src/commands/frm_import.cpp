@@ -117,12 +117,16 @@ void frmImport::setCaptions() {
     cboGruppe_->setAccessibleName(app::text(kTarget));
 }
 
-void frmImport::openFor(const SelectionContext& context) {
+void frmImport::openFor(const SelectionContext& context, const std::filesystem::path& file) {
     context_ = context;
     cboGruppe_->offer(context, defaultTarget(context));
     editing::centreOnScreen(*this);
     browser_->goToRememberedPlace();
     drvDrive_->setFocus();
+    if (!file.empty()) {
+        browser_->showFile(platform::fromFilePath(file));
+        filDatei_->setFocus();
+    }
     app::execModally(*this);
 }
 

@@ -37,8 +37,9 @@ class frmImport : public QDialog {
     // Shows the window for that selection and returns when it is closed. What keeps a file from
     // being imported is told in a box; then the library and the file are as they were and the
     // window stays open. It closes after a new top-level group, which is shown in the main window,
-    // and stays open after a group below another one.
-    void openFor(const SelectionContext& context);
+    // and stays open after a group below another one. With a file its folder is shown and the file
+    // chosen.
+    void openFor(const SelectionContext& context, const std::filesystem::path& file = {});
 
   protected:
     void showEvent(QShowEvent* event) override;

@@ -1,5 +1,6 @@
 #include "commands/frm_info.h"
 
+#include "app/help.h"
 #include "app/modal_dialog.h"
 #include "app/named_control.h"
 #include "app/number_text.h"
@@ -32,6 +33,7 @@ frmInfo::frmInfo(QWidget* owner)
       cmdZur_ck_(new QPushButton(app::text(kBack), this)) {
     setObjectName(QStringLiteral("frmInfo"));
     setWindowTitle(app::text(kMenuCaption).remove(u'&'));
+    app::offerHelp(*this, app::HelpTopic::MainWindow);
     Label1_->setText(app::kProgramTitle);
     QFont heading = Label1_->font();
     heading.setBold(true);

@@ -1,5 +1,6 @@
 #include "commands/frm_neue_gruppe.h"
 
+#include "app/help.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/texts.h"
@@ -45,6 +46,7 @@ frmNeueGruppe::frmNeueGruppe(LibraryView& view, QWidget* owner)
       target_(new GroupTargetBox(this)) {
     setObjectName(QStringLiteral("frmNeueGruppe"));
     setWindowTitle(app::text(kCaption));
+    app::offerHelp(*this, app::HelpTopic::MainWindow);
     prompt_ = plainLabel(app::text(kPrompt), txtNeu_, this);
     targetPrompt_ = plainLabel(app::text(kTargetPrompt), target_, this);
     txtNeu_->setObjectName(QStringLiteral("txtNeu"));

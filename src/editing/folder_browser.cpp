@@ -6,9 +6,11 @@
 #include "editing/drive_list.h"
 #include "editing/file_list.h"
 #include "editing/folder_list.h"
+#include "platform/drives.h"
 #include "platform/paths.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 namespace editing {
 
@@ -36,6 +38,19 @@ void FolderBrowser::goToRememberedPlace() {
     }
     isMemorySuppressed_ = false;
     files_->setFolder(folders_->folder());
+}
+
+void FolderBrowser::showFile(const QString& path) {
+    const QFileInfo file(path);
+    isMemorySuppressed_ = true;
+    if (folders_->setFolder(file.absolutePath())) {
+        drives_->setDrive(platform::driveOf(folders_->folder(), platform::drives()));
+        files_->setFolder(folders_->folder());
+        const auto found =
+            files_->findItems(file.fileName(), Qt::MatchExactly | Qt::MatchCaseSensitive);
+        files_->setCurrentItem(found.value(0));
+    }
+    isMemorySuppressed_ = false;
 }
 
 void FolderBrowser::changeDrive() {

@@ -33,6 +33,10 @@ class FolderBrowser : public QObject {
     // remembered on the way. A remembered folder that is gone gives way to the home folder.
     void goToRememberedPlace();
 
+    // Shows the folder of a file and chooses the file in it, remembering nothing. Where the folder
+    // cannot be listed everything stays as it is.
+    void showFile(const QString& path);
+
   private:
     void changeDrive();
     void changeFolder();

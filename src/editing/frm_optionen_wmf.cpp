@@ -1,6 +1,7 @@
 #include "editing/frm_optionen_wmf.h"
 
 #include "app/colours.h"
+#include "app/help.h"
 #include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
@@ -45,6 +46,7 @@ frmOptionenWMF::frmOptionenWMF(QWidget* owner)
     : QDialog(owner), Vector_(new VectorBox(this)), picBild_(new QWidget(this)) {
     setObjectName(QStringLiteral("frmOptionenWMF"));
     setModal(true);
+    app::offerHelp(*this, app::HelpTopic::BitmapEditor);
     setWindowFlag(Qt::WindowMaximizeButtonHint);
     Vector_->setObjectName(QStringLiteral("Vector"));
     Vector_->setFocusPolicy(Qt::StrongFocus);

@@ -2,15 +2,19 @@
 
 #include "app/settings.h"
 #include "app/texts.h"
+#include "app/unattended.h"
 #include "browser/frm_main.h"
 #include "browser/window_state.h"
 #include "platform/temporary_folder.h"
 #include "startup/automation_server.h"
+#include "startup/import_offer.h"
 #include "startup/options.h"
 #include "startup/screenshot.h"
 #include "startup/system_requests.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QIcon>
 #include <QLibraryInfo>
 #include <QTranslator>
 
@@ -21,6 +25,7 @@
 
 namespace {
 
+constexpr int kExitFailed = 1;
 constexpr int kExitWrongUsage = 2;
 
 std::vector<std::string> withoutProgramName(const QStringList& arguments) {
@@ -89,6 +94,10 @@ int run(const startup::Options& options) {
             QCoreApplication::exit(); // also out of open dialogs
         },
         [&window] { window.saveSettings(); });
+    std::optional<startup::ImportOffer> offer;
+    if (!options.groupFile.empty()) {
+        offer.emplace(window, options.groupFile);
+    }
     browser::restoreWindowState(window);
     window.show();
     const int status = QApplication::exec();
@@ -109,11 +118,18 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("TXSGraphicsLib"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TXS_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.noravex.TXSGraphicsLib"));
+    QGuiApplication::setWindowIcon(QIcon::fromTheme(QGuiApplication::desktopFileName()));
     QGuiApplication::setQuitOnLastWindowClosed(false); // hiding the window is no end
     const startup::Options options = startup::parseOptions(
         withoutProgramName(QCoreApplication::arguments()), startup::SingleDash::Refuse);
     if (const std::optional<int> status = answerAtOnce(options)) {
         return *status;
+    }
+    const QString groupFile = QString::fromStdString(options.groupFile);
+    if (!groupFile.isEmpty() && !QFileInfo(groupFile).isFile()) {
+        app::tell(groupFile + QStringLiteral(": there is no such file"));
+        return kExitFailed;
     }
     return run(options);
 }

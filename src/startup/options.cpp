@@ -1,5 +1,7 @@
 #include "startup/options.h"
 
+#include <QString>
+
 namespace startup {
 namespace {
 
@@ -14,13 +16,25 @@ bool isSingleDash(const std::string& argument) {
     return argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
 }
 
+// Takes what is no option: the path of one group file.
+void takeGroupFile(Options& options, const std::string& argument) {
+    const QString suffix = QStringLiteral(".stg");
+    if (!QString::fromStdString(argument).endsWith(suffix, Qt::CaseInsensitive)) {
+        options = refusal("unknown argument \"" + argument + "\"");
+    } else if (!options.groupFile.empty()) {
+        options = refusal("only one group file can be opened at a time");
+    } else {
+        options.groupFile = argument;
+    }
+}
+
 } // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments, SingleDash singleDash) {
     Options options;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
-        if (argument == "--help") {
+        if (argument == "--help" || argument == "-h") {
             options.task = Options::Task::ShowHelp;
         } else if (argument == "--version") {
             options.task = Options::Task::ShowVersion;
@@ -36,8 +50,15 @@ Options parseOptions(const std::vector<std::string>& arguments, SingleDash singl
             const bool hasValue = i + 1 < arguments.size() && arguments[i + 1].rfind('-', 0) != 0;
             i += hasValue ? 1 : 0;
         } else {
-            return refusal("unknown argument \"" + argument + "\"");
+            takeGroupFile(options, argument);
         }
+        if (options.task == Options::Task::Refuse) {
+            return options;
+        }
+    }
+    if (!options.groupFile.empty() &&
+        (options.isAutomationServer || !options.screenshotFile.empty())) {
+        return refusal("only the user's own window can import a group file");
     }
     if (options.isAutomationServer && !options.screenshotFile.empty()) {
         return refusal("--automation shows no window to save a picture of");
@@ -46,16 +67,18 @@ Options parseOptions(const std::vector<std::string>& arguments, SingleDash singl
 }
 
 std::string helpText() {
-    return "Usage: txsgraphicslib [--automation | --screenshot FILE]\n"
+    return "Usage: txsgraphicslib [FILE.stg | --automation | --screenshot FILE]\n"
            "\n"
-           "Opens the picture library.\n"
+           "Opens the picture library, and offers to import the group file.\n"
            "\n"
            "  --automation       show nothing, wait on the session bus for another program\n"
            "  --screenshot FILE  show the window, save its picture to FILE and end\n"
-           "  --help             show this text and end\n"
+           "  -h, --help         show this text and end\n"
            "  --version          show the program's version and end\n"
            "\n"
-           "TXSGRAPHICSLIB_HOME=DIR keeps settings, library and trash below DIR.\n";
+           "TXSGRAPHICSLIB_HOME=DIR keeps settings, library and trash below DIR.\n"
+           "\n"
+           "Exit status: 0 done, 1 a file cannot be read or written, 2 wrong usage.\n";
 }
 
 } // namespace startup

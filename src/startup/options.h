@@ -16,6 +16,7 @@ struct Options {
 
     Task task = Task::Run;
     std::string screenshotFile; // empty: none wanted
+    std::string groupFile;      // to be offered for import; empty: none given
     bool isAutomationServer = false;
     std::string complaint;
 };
@@ -27,7 +28,7 @@ enum class SingleDash { PassOver, Refuse };
 // `arguments` without the program's name.
 Options parseOptions(const std::vector<std::string>& arguments, SingleDash singleDash);
 
-// What --help prints.
+// What --help prints, and what the program's exit statuses mean.
 std::string helpText();
 
 } // namespace startup

@@ -140,10 +140,12 @@ TEST_F(SettingsTest, areReadWithoutAnyPlaceForTemporaryFiles) {
 
 TEST_F(SettingsTest, nameTheHelpFileThatIsMissing) {
     app::settings().readPaths();
+    app::setOwnHelpFolder(home_.at("none"));
     MessageBoxScript boxes;
     app::showHelp(app::HelpTopic::AddPicture, nullptr);
     const QString file = home_.at("TalvixStudio/Common/HelpFiles/TXSGraphicsLib.chm");
     EXPECT_EQ(boxes.takeText(), "Die Hilfedatei fehlt:\n" + file);
+    app::setOwnHelpFolder({});
 }
 
 } // namespace

@@ -22,13 +22,13 @@ enum class Place { AsTheDesktopLikes, Centred };
 struct DialogCase {
     const char* action;
     const char* dialog;
-    const char* helpButton; // none: the key F1 alone shows the topic
-    int topic;              // 0: the dialog has none of its own
+    const char* helpButton; // none: F1 alone shows the topic
+    int topic;
     Place place;
 };
 
 constexpr DialogCase kDialogs[] = {
-    {"gNew", "frmNeueGruppe", nullptr, 0, Place::AsTheDesktopLikes},
+    {"gNew", "frmNeueGruppe", nullptr, 1, Place::AsTheDesktopLikes},
     {"gCreate", "frmCreate", "cmdHelp", 2, Place::Centred},
     {"gImport", "frmImport", "cmdHelp", 3, Place::Centred},
     {"gRename", "frmEditGruppe", "cmdHilfe", 7, Place::AsTheDesktopLikes},
@@ -37,8 +37,8 @@ constexpr DialogCase kDialogs[] = {
     {"bEdit", "frmOptionenBMP", nullptr, 9, Place::Centred},
     {"bRename", "frmEditSymbol", "cmdHilfe", 4, Place::AsTheDesktopLikes},
     {"bInfo", "frmInfos", "cmdZur_ck", 5, Place::Centred},
-    {"Men_Extras_1", "frmEditorOptionen", nullptr, 0, Place::AsTheDesktopLikes},
-    {"Men_Hilfe_3", "frmInfo", nullptr, 0, Place::Centred},
+    {"Men_Extras_1", "frmEditorOptionen", nullptr, 1, Place::AsTheDesktopLikes},
+    {"Men_Hilfe_3", "frmInfo", nullptr, 1, Place::Centred},
 };
 
 std::string nameOf(const QWidget* widget) {
@@ -128,10 +128,7 @@ void expectPlace(const QDialog& dialog, Place place) {
 void expectHelp(QDialog& dialog, const DialogCase& entry) {
     QList<int> topics;
     app::setHelpHandler([&](app::HelpTopic topic) { topics.append(static_cast<int>(topic)); });
-    QList<int> expected;
-    if (entry.topic != 0) {
-        expected.append(entry.topic);
-    }
+    QList<int> expected{entry.topic};
     if (entry.helpButton != nullptr) {
         QTest::mouseClick(dialog.findChild<QPushButton*>(entry.helpButton), Qt::LeftButton);
         expected.append(entry.topic);

@@ -2,6 +2,7 @@
 #include "app/settings.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
+#include "startup/import_offer.h"
 #include "store/picture_operations.h"
 #include "ui/every_language.h"
 
@@ -91,6 +92,31 @@ TEST_P(FrmImportTest, BringsAFileInAsATopLevelGroupAndShowsIt) {
     clickNode("Ventile/Kugelhahn");
     EXPECT_EQ(thumbnails(), QStringList{"P2"});
     EXPECT_EQ(home_.read("colleague/Ventile.stg"), source);
+}
+
+// As by a double click on the file in a file manager.
+TEST_P(FrmImportTest, IsOfferedAtTheStartWithAGroupFile) {
+    makeSource();
+    start();
+    app::settings().setPath(home_.root());
+    bool isOver = false;
+    inDialog(
+        [&] {
+            const startup::ImportOffer offer(
+                window(), platform::toFilePath(home_.at("colleague/Ventile.stg")));
+            while (!isOver) {
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            }
+        },
+        [&](QDialog& dialog) {
+            EXPECT_EQ(dialog.objectName(), "frmImport");
+            press(dialog, "cmdOK");
+            EXPECT_FALSE(dialog.isVisible());
+            isOver = true;
+        });
+    EXPECT_TRUE(boxes_.take().isEmpty());
+    EXPECT_EQ(selectedNode(), "Ventile");
+    EXPECT_EQ(app::settings().path(), home_.root());
 }
 
 TEST_P(FrmImportTest, MergesAFileBelowASubGroupOnceOnly) {

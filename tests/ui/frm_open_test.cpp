@@ -439,12 +439,4 @@ TEST_F(FrmOpenTest, leadsTheKeyboardThroughAllControlsInReadingOrder) {
     EXPECT_EQ(window_.size(), QSize(476, 325));
 }
 
-TEST_F(FrmOpenTest, answersF1WithTheHelpFilesName) {
-    open();
-    QApplication::setActiveWindow(&window_);
-    MessageBoxScript boxes;
-    QTest::keyClick(name(), Qt::Key_F1);
-    EXPECT_TRUE(boxes.takeText().contains("TXSGraphicsLib.chm"));
-}
-
 } // namespace

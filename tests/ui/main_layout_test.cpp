@@ -139,8 +139,17 @@ TEST(CommandLine, TakesItsOptionsAndRefusesOthers) {
     EXPECT_EQ(picture.task, Options::Task::Run);
     EXPECT_EQ(picture.screenshotFile, "a.png");
     EXPECT_EQ(parseOptions({"--version"}, SingleDash::Refuse).task, Options::Task::ShowVersion);
-    const std::vector<std::vector<std::string>> wrong{
-        {"--screenshot"}, {"--no-such"}, {"file"}, {"-x"}};
+    EXPECT_EQ(parseOptions({"-h"}, SingleDash::PassOver).task, Options::Task::ShowHelp);
+    const Options import = parseOptions({"/tmp/Pumps.STG"}, SingleDash::Refuse);
+    EXPECT_EQ(import.task, Options::Task::Run);
+    EXPECT_EQ(import.groupFile, "/tmp/Pumps.STG");
+    const std::vector<std::vector<std::string>> wrong{{"--screenshot"},
+                                                      {"--no-such"},
+                                                      {"file"},
+                                                      {"a.stg", "b.stg"},
+                                                      {"a.stg", "file"},
+                                                      {"-x"},
+                                                      {"a.stg", "--screenshot", "a.png"}};
     for (const auto& arguments : wrong) {
         const Options options = parseOptions(arguments, SingleDash::Refuse);
         EXPECT_EQ(options.task, Options::Task::Refuse) << arguments[0];

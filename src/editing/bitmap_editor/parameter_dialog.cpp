@@ -1,5 +1,6 @@
 #include "editing/bitmap_editor/parameter_dialog.h"
 
+#include "app/help.h"
 #include "app/named_control.h"
 #include "app/texts.h"
 #include "editing/bitmap_editor/change_preview.h"
@@ -22,6 +23,7 @@ ParameterDialog::ParameterDialog(const QString& cancelCaption, QWidget* owner)
       cmdOK_(app::makeNamed<QPushButton>("cmdOK", this)),
       cmdAbbruch_(app::makeNamed<QPushButton>("cmdAbbruch", this)) {
     setModal(true);
+    app::offerHelp(*this, app::HelpTopic::BitmapEditor);
     cmdOK_->setText(app::text(kOk));
     cmdOK_->setDefault(true);
     cmdAbbruch_->setText(cancelCaption);
