@@ -89,8 +89,9 @@ void waitWithWindow(QEventLoop& loop, const LongOperation& operation, QWidget* o
 
 // Runs `work` on a thread of its own while `wait` keeps the caller's one busy: until the loop is
 // quit, or the flag set, which says that the work has ended.
-void runBeside(const std::function<void(store::Progress&)>& work,
-               const std::function<void(QEventLoop&, const bool&, SharedProgress&)>& wait) {
+void runBeside(
+    const std::function<void(store::Progress&)>& work,
+    const std::function<void(QEventLoop&, const std::atomic<bool>&, SharedProgress&)>& wait) {
     if (isLongOperationRunning()) {
         work(store::noProgress());
         return;
@@ -120,16 +121,17 @@ void runBeside(const std::function<void(store::Progress&)>& work,
 
 void runLong(const LongOperation& operation, QWidget* owner,
              const std::function<void(store::Progress&)>& work) {
-    runBeside(work, [&](QEventLoop& loop, const bool& hasEnded, SharedProgress& progress) {
-        waitWithoutWindow(loop, operation.patience);
-        if (!hasEnded) {
-            waitWithWindow(loop, operation, owner, progress);
-        }
-    });
+    runBeside(work,
+              [&](QEventLoop& loop, const std::atomic<bool>& hasEnded, SharedProgress& progress) {
+                  waitWithoutWindow(loop, operation.patience);
+                  if (!hasEnded) {
+                      waitWithWindow(loop, operation, owner, progress);
+                  }
+              });
 }
 
 void runLongShown(const Look& look, const std::function<void(store::Progress&)>& work) {
-    runBeside(work, [&](QEventLoop& loop, const bool&, SharedProgress& progress) {
+    runBeside(work, [&](QEventLoop& loop, const std::atomic<bool>&, SharedProgress& progress) {
         waitLooking(loop, progress, look);
     });
 }
