@@ -24,6 +24,11 @@ GroupName importedName(const std::filesystem::path& source) {
     return {std::u16string(cutAtFirstDot(base::fromPath(source.filename())))};
 }
 
+Error noGroupName(const std::filesystem::path& source, const GroupName& name) {
+    return {ErrorCode::InvalidName, source,
+            "\"" + base::toUtf8(name.text) + "\" cannot be a group's name"};
+}
+
 void refuseTaken(const Library& library, const GroupName& name) {
     if (groupExistsIgnoringCase(library, name)) {
         throw Error(ErrorCode::Exists, pathOf(library, {name.text}), "the group exists already");
@@ -58,6 +63,10 @@ class Merge {
         open();
         groups_ = passingGroups(from_.root(), path_);
         refuseTakenBelow(into_, target_, name_);
+        // A name that the file could not hold at all is left out: see run().
+        if (encodeText(name_.text) && !isValidGroupName(name_.text, GroupLevel::SubGroup)) {
+            throw noGroupName(path_, name_);
+        }
     }
 
     MergedGroup run(Progress& progress) {
@@ -106,6 +115,8 @@ class Merge {
             if (error.code() != ErrorCode::Denied) {
                 merged.sourceFailure = error;
             }
+        } catch (const std::exception& failure) {
+            merged.sourceFailure = Error(ErrorCode::Failed, path_, failure.what());
         }
     }
 
@@ -133,8 +144,7 @@ GroupAddress importGroupFile(const Library& library, const std::filesystem::path
         name.text = groups.top.text;
         refuseTaken(library, name);
     } else if (!isValidGroupName(name.text, GroupLevel::TopLevel)) {
-        throw Error(ErrorCode::InvalidName, source,
-                    "\"" + base::toUtf8(name.text) + "\" cannot be a group's name");
+        throw noGroupName(source, name);
     }
     ToldCopying copying(access.file(), progress);
     NewGroupFile file(library, plainPathOf(library, {name.text}), NewGroupFile::Content::Fresh);

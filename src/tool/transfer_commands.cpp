@@ -1,6 +1,8 @@
 // import and export: group files that come into the library, and groups that leave it as files.
 #include "base/utf8.h"
+#include "compound/error.h"
 #include "store/group_import.h"
+#include "store/names.h"
 #include "tool/command.h"
 #include "tool/library_arguments.h"
 #include "tool/terminal_progress.h"
@@ -10,7 +12,8 @@
 namespace tool {
 namespace {
 
-// A folder takes the file under the group's own name.
+// A folder takes the file under the group's own name. In a file from elsewhere that may be
+// anything, a way out of the folder too.
 std::filesystem::path exportFile(const store::Library& library, const store::GroupAddress& group,
                                  const std::filesystem::path& target) {
     std::error_code ignored;
@@ -19,6 +22,11 @@ std::filesystem::path exportFile(const store::Library& library, const store::Gro
     }
     const std::u16string name =
         store::isTopLevel(group) ? group.file.text : store::readGroupName(library, group).text;
+    if (!store::isValidGroupName(name, store::GroupLevel::TopLevel)) {
+        throw compound::Error(compound::ErrorCode::InvalidName, store::pathOf(library, group.file),
+                              "\"" + base::toUtf8(name) +
+                                  "\" is no name for a group file; name the file to be written");
+    }
     return target / base::toPath(name + std::u16string(store::kGroupFileSuffix));
 }
 

@@ -60,6 +60,22 @@ TEST_F(TransferTest, MakesAGroupOfAFolder) {
     EXPECT_EQ(run({"add", "Plant"}).status, ExitStatus::WrongUsage);
 }
 
+// A group file from elsewhere can call its groups anything.
+TEST_F(TransferTest, NoGroupsNameLeadsOutOfTheFolder) {
+    succeed({"new-group", "Pumps"});
+    succeed({"new-group", "abcde", "--below", "Pumps"});
+    const std::filesystem::path file = libraryFolder() / "Pumps.stg";
+    std::string bytes = contentOf(file);
+    const std::size_t name = bytes.find("abcde");
+    ASSERT_NE(name, std::string::npos);
+    writeFile(file, bytes.replace(name, 5, "../zz"));
+    const std::filesystem::path out = folder() / "out" / "inner";
+    std::filesystem::create_directories(out);
+    fail({"export", "Sub1/Pumps", out.string()}, "\"../zz\"");
+    EXPECT_FALSE(std::filesystem::exists(folder() / "out" / "zz.stg"));
+    succeed({"export", "Sub1/Pumps", (out / "named.stg").string()});
+}
+
 TEST_F(TransferTest, ExportsAndImportsGroups) {
     succeed({"new-group", "Pumps"});
     succeed({"new-group", "Rotary", "--below", "Pumps"});
