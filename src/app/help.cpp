@@ -54,13 +54,13 @@ QStringList ownFolders() {
 
 // The studio's file, else our own; the studio's name when there is neither.
 QString helpFile() {
-    const QString studios = platform::nativePath(settings().helpFile());
+    QString studios = platform::nativePath(settings().helpFile());
     if (QFileInfo::exists(studios)) {
         return studios;
     }
     for (const QString& folder : ownFolders()) {
-        const QString own = QFileInfo(folder + u'/' + text(kLanguageFolder) + u'/' + kOwnFileName)
-                                .canonicalFilePath(); // empty for none
+        QString own = QFileInfo(folder + u'/' + text(kLanguageFolder) + u'/' + kOwnFileName)
+                          .canonicalFilePath(); // empty for none
         if (!own.isEmpty()) {
             return own;
         }
