@@ -98,14 +98,25 @@ TEST_P(ProgramDialogs, InformationSaysWhenThereIsNoLibrary) {
         << text.toStdString();
 }
 
-TEST_P(ProgramDialogs, TheHelpCommandsSayThatThereIsNoHelp) {
+TEST_P(ProgramDialogs, TheHelpOpensAtTheMainWindowsTopicAndGoesWithIt) {
     start();
     trigger("Men_Hilfe_1"); // German in both languages
     EXPECT_EQ(takeTexts(), QStringList{"Leider noch keine Hilfe verfügbar"});
+    const auto helpTitles = [] {
+        QStringList titles;
+        for (const QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == "helpWindow" && widget->isVisible()) {
+                titles.append(widget->windowTitle());
+            }
+        }
+        return titles;
+    };
     trigger("Men_Hilfe_0");
-    const QStringList texts = takeTexts();
-    ASSERT_EQ(texts.size(), 1);
-    EXPECT_TRUE(texts[0].contains("TXSGraphicsLib.chm")) << texts[0].toStdString();
+    EXPECT_EQ(takeTexts(), QStringList());
+    EXPECT_EQ(helpTitles(),
+              QStringList{say("Bilder in Gruppen - Hilfe", "Pictures in groups - Help")});
+    window().close();
+    EXPECT_EQ(helpTitles(), QStringList());
 }
 
 TEST_P(ProgramDialogs, EditorOptionsOnlyTell) {
