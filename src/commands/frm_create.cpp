@@ -188,7 +188,7 @@ void frmCreate::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
         editing::centreOnScreen(*this);
-        dirOrdner_->scrollToItem(dirOrdner_->currentItem(), QAbstractItemView::PositionAtCenter);
+        dirOrdner_->scrollTo(dirOrdner_->currentIndex(), QAbstractItemView::PositionAtCenter);
     }
 }
 

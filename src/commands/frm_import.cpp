@@ -134,8 +134,8 @@ void frmImport::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (!event->spontaneous()) {
         editing::centreOnScreen(*this);
-        dirVerzeichniss_->scrollToItem(dirVerzeichniss_->currentItem(),
-                                       QAbstractItemView::PositionAtCenter);
+        dirVerzeichniss_->scrollTo(dirVerzeichniss_->currentIndex(),
+                                   QAbstractItemView::PositionAtCenter);
     }
 }
 

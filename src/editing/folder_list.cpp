@@ -5,7 +5,9 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QHeaderView>
 #include <QKeyEvent>
+#include <QScrollBar>
 #include <QSignalBlocker>
 #include <QStyle>
 
@@ -66,6 +68,8 @@ FolderList::FolderList(QWidget* parent) : QTreeWidget(parent) {
     setHeaderHidden(true);
     setUniformRowHeights(true);
     setIndentation(fontMetrics().height());
+    setTextElideMode(Qt::ElideNone);
+    header()->setStretchLastSection(false);
     connect(this, &QTreeWidget::itemExpanded, this, &FolderList::fill);
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         if (item != nullptr) {
@@ -96,10 +100,32 @@ bool FolderList::setFolder(const QString& folder) {
         const QSignalBlocker blocker(this);
         QTreeWidgetItem* item = openDownTo(wanted);
         setCurrentItem(item);
-        scrollToItem(item);
+        scrollTo(currentIndex()); // not scrollToItem, which knows only the base class
     }
     choose(wanted);
     return true;
+}
+
+void FolderList::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    updateGeometries(); // a scroll bar that appears takes its room first
+    QTreeWidget::scrollTo(index, hint);
+    // The base class shows the left end of a row that is too wide, which is but indentation.
+    const int start = visualRect(index).left();
+    const int width = std::min(sizeHintForIndex(index).width(), viewport()->width());
+    const int beyond = start + width - viewport()->width();
+    if (beyond > 0) {
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() + beyond);
+    }
+}
+
+void FolderList::updateGeometries() {
+    resizeColumnToContents(0);
+    QTreeWidget::updateGeometries();
+}
+
+// Rows reach the right edge, so that a click beside a short name chooses it too.
+int FolderList::sizeHintForColumn(int column) const {
+    return std::max(QTreeWidget::sizeHintForColumn(column), viewport()->width());
 }
 
 void FolderList::keyPressEvent(QKeyEvent* event) {

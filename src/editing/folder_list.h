@@ -23,12 +23,17 @@ class FolderList : public QTreeWidget {
     // drive along. False, with nothing changed, when it cannot be listed.
     bool setFolder(const QString& folder);
 
+    // Brings the folder's name into sight as well, however deep it lies.
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+
   signals:
     // Another folder is chosen, by the user or by a call.
     void folderChanged();
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void updateGeometries() override;
+    int sizeHintForColumn(int column) const override;
 
   private:
     void showDrive(const QString& drive);

@@ -245,7 +245,7 @@ void frmOpen::showEvent(QShowEvent* event) {
         return;
     }
     centreOnScreen(*this);
-    dirOrdner_->scrollToItem(dirOrdner_->currentItem(), QAbstractItemView::PositionAtCenter);
+    dirOrdner_->scrollTo(dirOrdner_->currentIndex(), QAbstractItemView::PositionAtCenter);
 }
 
 void frmOpen::clearPicture() {
