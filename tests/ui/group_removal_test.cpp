@@ -250,7 +250,7 @@ TEST_P(GroupInfo, TellsNamePicturesAndSizeOfTheSelectedGroup) {
               (QStringList{"Kreisel", "2", hasComma() ? "1,00 MB" : "1.00000095367432 MB"}));
 }
 
-TEST_P(GroupInfo, IsCaptionedHelpedAndClosed) {
+TEST_P(GroupInfo, IsCaptionedAndClosed) {
     makeGroup("Pumpen");
     start();
     trigger("gInfo");
@@ -263,12 +263,6 @@ TEST_P(GroupInfo, IsCaptionedHelpedAndClosed) {
                  EXPECT_EQ(dialog.findChild<QGroupBox*>("fraGr_e")->title(),
                            say("Größe der Gruppe:", "Size of group:"));
                  EXPECT_EQ(dialog.findChild<QLabel*>("lblName2")->textFormat(), Qt::PlainText);
-                 dialog.findChild<QPushButton*>("cmdHelp")->click();
-                 EXPECT_TRUE(boxes_.takeText().contains("TXSGraphicsLib.chm"));
-                 QApplication::setActiveWindow(&dialog);
-                 QTest::keyClick(&dialog, Qt::Key_F1);
-                 EXPECT_TRUE(boxes_.takeText().contains("TXSGraphicsLib.chm"));
-                 EXPECT_TRUE(dialog.isVisible());
                  QTest::keyClick(&dialog, Qt::Key_Escape);
                  EXPECT_FALSE(dialog.isVisible());
              });

@@ -170,11 +170,6 @@ TEST_P(GroupNames, TheDialogOffersTheOldNameAndEscapeChangesNothing) {
         EXPECT_EQ(dialog.windowTitle(), title());
         EXPECT_EQ(field.accessibleName(), say("Neuer Gruppenname:", "New name for the group:"));
         EXPECT_EQ(dialog.findChild<QPushButton*>("cmdAbbruch")->text(), say("Abbrechen", "Abort"));
-        QApplication::setActiveWindow(&dialog);
-        QTest::keyClick(&field, Qt::Key_F1);
-        EXPECT_TRUE(boxes_.takeText().contains("TXSGraphicsLib.chm"));
-        dialog.findChild<QPushButton*>("cmdHilfe")->click();
-        EXPECT_TRUE(boxes_.takeText().contains("TXSGraphicsLib.chm"));
         QTest::keyClicks(&field, "Neu");
         QTest::keyClick(&field, Qt::Key_Escape);
         EXPECT_FALSE(dialog.isVisible());
