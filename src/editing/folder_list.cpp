@@ -109,13 +109,12 @@ bool FolderList::setFolder(const QString& folder) {
 void FolderList::scrollTo(const QModelIndex& index, ScrollHint hint) {
     updateGeometries(); // a scroll bar that appears takes its room first
     QTreeWidget::scrollTo(index, hint);
-    // The base class shows the left end of a row that is too wide, which is but indentation.
-    const int start = visualRect(index).left();
-    const int width = std::min(sizeHintForIndex(index).width(), viewport()->width());
-    const int beyond = start + width - viewport()->width();
-    if (beyond > 0) {
-        horizontalScrollBar()->setValue(horizontalScrollBar()->value() + beyond);
-    }
+    // The base class places the whole column, which is wider than the name and its arrow.
+    const int room = viewport()->width();
+    const int start = visualRect(index).left() - indentation();
+    const int end = start + std::min(indentation() + sizeHintForIndex(index).width(), room);
+    const int shift = start < 0 ? start : std::max(end - room, 0);
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + shift);
 }
 
 void FolderList::updateGeometries() {
