@@ -160,6 +160,21 @@ TEST_P(FrmCreateTest, MakesASubGroupAndListsWhatItHasLeftOut) {
     EXPECT_TRUE(store::listPictures(library(), pumps).empty());
 }
 
+TEST_P(FrmCreateTest, TellsThatTheDriveCannotBeRead) {
+    start();
+    app::settings().setDrive("/no such drive");
+    MessageBoxScript script({app::kAnswerRetry, app::kAnswerCancel});
+    inDialog([&] { trigger("gCreate"); }, [](QDialog&) {});
+    const auto boxes = script.take();
+    ASSERT_EQ(boxes.size(), 2) << "one more for the second try";
+    EXPECT_EQ(boxes.last().text,
+              say("Das von Ihnen gewählte Laufwerk /no such drive ist zur Zeit nicht verfügbar.",
+                  "The selected drive /no such drive is temporaly not available."));
+    EXPECT_EQ(boxes.last().title,
+              say("Gruppe aus Verzeichnis erstellen", "Create group out of directory"));
+    EXPECT_EQ(boxes.last().buttons, app::Buttons::RetryCancel);
+}
+
 TEST_P(FrmCreateTest, TellsWhatIsMissingTakenOrInvalidAndMakesNothing) {
     makeGroup("Kreisel", makeGroup("Pumpen"));
     QDir().mkpath(home_.at("empty"));

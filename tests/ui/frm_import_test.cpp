@@ -158,6 +158,19 @@ TEST_P(FrmImportTest, TheUserChoosesThePlace) {
     EXPECT_EQ(storagesFolder(), QStringList{"Pumpen.stg"});
 }
 
+TEST_P(FrmImportTest, TellsThatTheDriveCannotBeRead) {
+    start();
+    app::settings().setDrive("/no such drive");
+    MessageBoxScript script({app::kAnswerRetry, app::kAnswerCancel});
+    inDialog([&] { trigger("gImport"); }, [](QDialog&) {});
+    const auto boxes = script.take();
+    ASSERT_EQ(boxes.size(), 2) << "one more for the second try";
+    EXPECT_EQ(boxes.last().text, say("Laufwerk \"/no such drive\" nicht verfügbar.",
+                                     "Drive \"/no such drive\" not available."));
+    EXPECT_EQ(boxes.last().title, say("Gruppe importieren", "Import group"));
+    EXPECT_EQ(boxes.last().buttons, app::Buttons::RetryCancel);
+}
+
 TEST_P(FrmImportTest, TellsWhatKeepsAFileFromBeingImported) {
     makeGroup("Ventile", makeGroup("Pumpen"));
     makeSource();
