@@ -146,7 +146,7 @@ QString driveOf(const QString& folder, const QStringList& candidates) {
 }
 
 bool isListable(const QString& folder, std::chrono::milliseconds patience) {
-    // The one thread beside the window's: a call into a dead network volume cannot be given up.
+    // A thread that is left behind: a call into a dead network volume cannot be given up.
     const auto answer = std::make_shared<Answer>();
     std::thread([answer, path = toFilePath(folder)] { tryListing(path, *answer); }).detach();
     std::unique_lock lock(answer->mutex);

@@ -57,7 +57,7 @@ void keepOriginal(const Library& library, DiskFile& original) {
         disk.copyAttributes(original, *copy);
         copy->sync();
         publishCopy(disk, temporary, path);
-    } catch (const Error&) {
+    } catch (...) { // also when memory runs out: nobody looks for leftovers in that folder
         disk.removeTemporary(temporary);
         throw;
     }
