@@ -1,5 +1,6 @@
 // Group files from elsewhere come into the library through the real window in the real main window.
 #include "app/settings.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 #include "startup/import_offer.h"
@@ -189,9 +190,7 @@ TEST_P(FrmImportTest, TellsWhatKeepsAFileFromBeingImported) {
                  dialog.findChild<QComboBox*>("cboGruppe")->setCurrentText("Pumpen");
                  EXPECT_EQ(answerTo(dialog, "Ventile.stg"), exists());
                  EXPECT_EQ(answerTo(dialog, "Kaputt.stg"), invalid);
-                 const auto held = platform::nativeDisk().open(elsewhere_->folder / "Ventile.stg",
-                                                               compound::Access::Read);
-                 ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+                 const auto held = holdLocked(elsewhere_->folder / "Ventile.stg");
                  dialog.findChild<QComboBox*>("cboGruppe")->setCurrentIndex(0);
                  const QString locked = answerTo(dialog, "Ventile.stg");
                  EXPECT_TRUE(locked.contains("Ventile.stg")) << locked.toStdString();

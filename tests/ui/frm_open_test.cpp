@@ -4,6 +4,7 @@
 #include "app/texts.h"
 #include "editing/frm_open.h"
 #include "picture/picture.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "platform/own_home.h"
 #include "store/group_operations.h"
@@ -342,9 +343,7 @@ TEST_F(FrmOpenTest, namesTheGroupFileThatAnotherProgramHolds) {
     const store::GroupAddress group = makeGroup();
     open(group);
     clickFile("a.bmp");
-    const auto held =
-        platform::nativeDisk().open(library_.folder / "Pumpen.stg", compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    const auto held = holdLocked(library_.folder / "Pumpen.stg");
     MessageBoxScript boxes;
     press("cmdOK");
     const QString said = boxes.takeText();
@@ -357,9 +356,7 @@ TEST_F(FrmOpenTest, namesTheGroupFileThatAnotherProgramHolds) {
 TEST_F(FrmOpenTest, setsDamagedFilesAsideWhenItOpensButNoLockedOnes) {
     makeGroup();
     home_.write("library/Broken.stg", "no compound file");
-    const auto held =
-        platform::nativeDisk().open(library_.folder / "Pumpen.stg", compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    const auto held = holdLocked(library_.folder / "Pumpen.stg");
     open();
     EXPECT_TRUE(QFile::exists(home_.at("library/Broken.err")));
     EXPECT_FALSE(QFile::exists(home_.at("library/Broken.stg")));

@@ -2,6 +2,7 @@
 #include "editing/frm_optionen_wmf.h"
 #include "imaging/picture_bytes.h"
 #include "picture/picture.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
@@ -255,9 +256,7 @@ TEST_F(FrmOptionenWmf, APictureThatCannotBeReadIsToldByItsNames) {
     names(refusalOf(edit), {"\"Kaputt\"", "\"Pumpen\"", "kein lesbares Bild"});
 
     choose("Hoch");
-    auto file =
-        platform::nativeDisk().open(library().folder / "Pumpen.stg", compound::Access::ReadWrite);
-    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    auto file = holdLocked(library().folder / "Pumpen.stg");
     names(refusalOf(edit), {"\"Hoch\"", "\"Pumpen\"", "Pumpen.stg", "anderen Programm"});
     file.reset();
     EXPECT_EQ(titleOf(edit), "Hoch – Vektorbild") << "the lock is gone";

@@ -6,6 +6,7 @@
 #include "editing/picture_pane.h"
 #include "groups/group_tree.h"
 #include "picture/picture.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "platform/own_home.h"
 #include "store/group_operations.h"
@@ -223,9 +224,7 @@ TEST_F(FrmSaveTest, RefusesWhatNoPictureCanBeCalledAndIgnoresNoName) {
 TEST_F(FrmSaveTest, AFailureNamesGroupAndFileAndTheDialogStays) {
     EXPECT_TRUE(open([&](QDialog& dialog) {
         {
-            const auto held =
-                library_.disk.open(store::pathOf(library_, shown_.file), compound::Access::Read);
-            ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+            const auto held = holdLocked(store::pathOf(library_, shown_.file));
             press(dialog, "cmdSave");
         }
         const QString locked = boxes_.takeText();

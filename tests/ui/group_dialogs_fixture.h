@@ -1,6 +1,7 @@
 // The main window in both languages, with short ways to use the dialogs on groups.
 #pragma once
 
+#include "platform/held_file.h"
 #include "ui/every_language.h"
 
 #include <QLineEdit>
@@ -36,8 +37,7 @@ class GroupDialogsTest : public EveryLanguageTest {
     }
 
     std::unique_ptr<compound::DiskFile> lockFile(const char* fileName) const {
-        auto file = library().disk.open(library().folder / fileName, compound::Access::ReadWrite);
-        EXPECT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        auto file = holdLocked(library().folder / fileName);
         return file;
     }
 };

@@ -1,6 +1,7 @@
 // Handing a picture over, started alone and by another program.
 #include "app/settings.h"
 #include "app/texts.h"
+#include "platform/held_file.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
@@ -116,9 +117,7 @@ TEST_F(HandOver, BeforeAnyChoiceAndWithoutGroupsNothingHappens) {
 
 TEST_F(HandOver, AfterAFailureTheWindowStays) {
     startTwoDeep(StartMode::Standalone);
-    const auto held =
-        library().disk.open(store::pathOf(library(), group_.file), compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    const auto held = holdLocked(store::pathOf(library(), group_.file));
     trigger("bCopyEnd");
     const QString text = boxes_.takeText();
     EXPECT_TRUE(text.startsWith("Gruppe: Pumpen / Kreisel\n")) << text.toStdString();

@@ -2,6 +2,7 @@
 #include "app/help.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "platform/held_file.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
@@ -197,8 +198,7 @@ TEST_F(Keyboard, RefreshShowsWhatOthersHaveChanged) {
 TEST_F(Keyboard, RefreshComesBackToAGroupThatWasLocked) {
     makeGroup("Armaturen");
     startTwoDeep({"P1"});
-    auto held = library().disk.open(store::pathOf(library(), group_.file), compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    auto held = holdLocked(store::pathOf(library(), group_.file));
     press(tree(), Qt::Key_F5);
     EXPECT_EQ(selectedNode(), "Pumpen") << "and not just any group";
     EXPECT_TRUE(thumbnails().isEmpty());
@@ -207,8 +207,7 @@ TEST_F(Keyboard, RefreshComesBackToAGroupThatWasLocked) {
     EXPECT_EQ(selectedNode(), "Kreisel");
     EXPECT_EQ(thumbnails(), QStringList{"P1"});
 
-    held = library().disk.open(store::pathOf(library(), group_.file), compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    held = holdLocked(store::pathOf(library(), group_.file));
     press(tree(), Qt::Key_F5);
     window().close(); // which remembers the group that is meant
     held.reset();

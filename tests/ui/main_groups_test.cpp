@@ -2,6 +2,7 @@
 #include "app/texts.h"
 #include "browser/large_preview.h"
 #include "groups/group_tree.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "ui/main_window_fixture.h"
 
@@ -296,9 +297,7 @@ TEST_F(MainGroups, LockedGroupKeepsItsNodeAndCanBeTriedAgain) {
     const auto pumps = makeGroup("Pumpen");
     makeGroup("Kreisel", pumps);
     addPicture(pumps, "P1");
-    auto file =
-        platform::nativeDisk().open(library().folder / "Pumpen.stg", compound::Access::ReadWrite);
-    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    auto file = holdLocked(library().folder / "Pumpen.stg");
     start();
     ASSERT_NE(node("Pumpen"), nullptr);
     EXPECT_EQ(node("Pumpen/Kreisel"), nullptr);
@@ -322,9 +321,7 @@ TEST_F(MainGroups, LockedGroupLastUsedIsSelectedButEmptyAfterAStart) {
     start();
     clickNode("Pumpen");
     window().close();
-    auto file =
-        platform::nativeDisk().open(library().folder / "Pumpen.stg", compound::Access::ReadWrite);
-    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    auto file = holdLocked(library().folder / "Pumpen.stg");
     restart();
     EXPECT_EQ(selectedNode(), "Pumpen");
     EXPECT_TRUE(thumbnails().isEmpty());
@@ -345,8 +342,7 @@ TEST_F(MainGroups, RefreshShowsThePicturesOfATopLevelGroupAfterItsRelease) {
     const auto path = library().folder / "Pumpen.stg";
     for (const auto& meanwhile : std::vector<std::function<void()>>{
              refresh, [this] { restart(); }, [this] { clickNode("Pumpen"); }}) {
-        auto file = platform::nativeDisk().open(path, compound::Access::ReadWrite);
-        ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        auto file = holdLocked(path);
         refresh();
         meanwhile();
         EXPECT_EQ(selectedNode(), "Pumpen");
@@ -364,9 +360,7 @@ TEST_F(MainGroups, ASubGroupOfALockedFileStaysRemembered) {
     clickNode("Pumpen/Kreisel");
     window().close();
     {
-        auto file = platform::nativeDisk().open(library().folder / "Pumpen.stg",
-                                                compound::Access::ReadWrite);
-        ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        auto file = holdLocked(library().folder / "Pumpen.stg");
         restart();
         EXPECT_EQ(selectedNode(), "");
         window().close();
@@ -377,9 +371,7 @@ TEST_F(MainGroups, ASubGroupOfALockedFileStaysRemembered) {
 
 TEST_F(MainGroups, UnfoldingALockedGroupTriesItAgain) {
     makeGroup("Kreisel", makeGroup("Pumpen"));
-    auto file =
-        platform::nativeDisk().open(library().folder / "Pumpen.stg", compound::Access::ReadWrite);
-    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    auto file = holdLocked(library().folder / "Pumpen.stg");
     start();
     file.reset();
     tree()->expandItem(node("Pumpen"));

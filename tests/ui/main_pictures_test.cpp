@@ -1,5 +1,6 @@
 #include "app/message_box.h"
 #include "app/texts.h"
+#include "platform/held_file.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
@@ -407,8 +408,7 @@ TEST_F(MainPictures, AFailureOfRenamingInPlaceNamesItsGroup) {
     trigger("Men_Extras_0");
     clickNode("Pumpen/Kreisel");
     const auto path = store::pathOf(library(), group_.file);
-    auto held = library().disk.open(path, compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    auto held = holdLocked(path);
     renameFirstRow("Neu");
     const auto boxes = boxes_.take();
     ASSERT_EQ(boxes.size(), 1);

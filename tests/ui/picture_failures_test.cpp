@@ -1,6 +1,7 @@
 // Picture commands when the store fails: first in the real window on files that are locked or gone,
 // then on a disk in memory that fails when it is told to.
 #include "app/texts.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "ui/failing_disk_fixture.h"
@@ -38,8 +39,7 @@ class PictureFailures : public MainWindowTest {
 
 TEST_F(PictureFailures, ALockedGroupIsNamedAndStaysOnTheScreen) {
     startAtGroup();
-    auto held = library().disk.open(file(), compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    auto held = holdLocked(file());
     const QString cause = "Die Datei wird von einem anderen Programm benutzt.";
     for (const char* action : {"Men_Bearbeiten_0", "Men_Bearbeiten_3", "Men_Bearbeiten_4"}) {
         trigger(action);

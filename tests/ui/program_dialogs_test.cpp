@@ -1,4 +1,5 @@
 // The library information and the editor options, in both languages.
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
 #include "store/storage_access.h"
@@ -83,9 +84,7 @@ TEST_P(ProgramDialogs, InformationCountsTheLibraryAfreshEachTime) {
 
     // Neither what is no group file nor what cannot be read counts.
     writeGroupFile("Kaputt.stg", "no compound file");
-    const auto held =
-        library().disk.open(store::pathOf(library(), pumps.file), compound::Access::Read);
-    ASSERT_TRUE(held->lock(std::chrono::milliseconds(0)));
+    const auto held = holdLocked(store::pathOf(library(), pumps.file));
     EXPECT_EQ(counts(), countsText("1", "0"));
 }
 

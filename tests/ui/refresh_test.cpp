@@ -1,5 +1,6 @@
 // Reading the library again: what F5 keeps, finds and tells.
 #include "app/texts.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "ui/main_window_fixture.h"
 
@@ -71,9 +72,7 @@ TEST_F(Refresh, AnotherChoiceEndsTheWaitForALockedGroup) {
     };
     for (const auto& [chosen, choose] : choices) {
         clickNode("Pumpen/Kreisel");
-        auto file =
-            platform::nativeDisk().open(library().folder / "Pumpen.stg", compound::Access::Read);
-        ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+        auto file = holdLocked(library().folder / "Pumpen.stg");
         pressF5();
         ASSERT_EQ(selectedNode(), "Pumpen");
         choose();
@@ -118,9 +117,7 @@ TEST_F(Refresh, TellsAtOnceOfADamagedFile) {
 // A file that was locked at the start may turn out damaged once it is free.
 TEST_F(Refresh, ARetryTellsOfADamagedFileAsWell) {
     writeGroupFile("Kaputt.stg", "no group file");
-    auto file =
-        platform::nativeDisk().open(library().folder / "Kaputt.stg", compound::Access::Read);
-    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    auto file = holdLocked(library().folder / "Kaputt.stg");
     start();
     ASSERT_NE(node("Kaputt"), nullptr);
     file.reset();

@@ -1,5 +1,6 @@
 // Tool tips of tree, label and list.
 #include "app/texts.h"
+#include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "ui/every_language.h"
 
@@ -81,8 +82,7 @@ TEST_P(ToolTips, TheSizeCellTellsTheBytes) {
 TEST_P(ToolTips, AnUnreadableNodeTellsTheCauseInTheWindowsLanguage) {
     makeGroup("Pumpen");
     const auto path = library().folder / "Pumpen.stg";
-    auto file = platform::nativeDisk().open(path, compound::Access::Read);
-    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    auto file = holdLocked(path);
     start();
     const QString cause = say("Die Datei wird von einem anderen Programm benutzt.",
                               "Another program is using the file.");
