@@ -2,10 +2,10 @@
 // as separate synced files; a merge of many groups, against copying a tree of folders with the same
 // files, which syncs nothing.
 #include "base/utf8.h"
-#include "peers.h"
 #include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "ratio_reporter.h"
+#include "scratch.h"
 #include "store/group_import.h"
 #include "store/pictures_from_files.h"
 
@@ -35,7 +35,8 @@ struct Setup {
         std::filesystem::create_directories(library.folder);
         std::filesystem::create_directories(pictures);
         for (int i = 0; i < kPictures; ++i) {
-            const std::vector<std::byte> bytes = noiseBitmap(kSide, static_cast<unsigned>(i));
+            const std::vector<std::byte> bytes =
+                noiseBitmap(kSide, kSide, static_cast<unsigned>(i));
             std::ofstream(pictures / ("picture" + std::to_string(i) + ".bmp"), std::ios::binary)
                 .write(reinterpret_cast<const char*>(bytes.data()),
                        static_cast<std::streamsize>(bytes.size()));
@@ -110,7 +111,7 @@ void syncedFiles(benchmark::State& state) {
         for (const std::filesystem::path& file : made.files) {
             const auto bytes = store::readPictureFile(made.library.disk, file);
             benchmark::DoNotOptimize(measure(bytes));
-            writeDurably(folder / file.filename(), bytes);
+            writeFile(folder / file.filename(), bytes, Durable::Yes);
         }
         state.PauseTiming();
         std::filesystem::remove_all(folder);

@@ -2,9 +2,9 @@
 // memory; EMF files against emf2svg-conv with rsvg-convert, all as programs that write PNG files.
 // The files are the demonstration library's, or those in the folder that TXS_METAFILES names.
 #include "metafile/metafile.h"
-#include "peers.h"
 #include "picture/picture.h"
 #include "ratio_reporter.h"
+#include "scratch.h"
 
 #include <QGuiApplication>
 

@@ -1,10 +1,10 @@
 // A start of the real program with 1,000 group files against a start with an empty library: from
 // the launch until the window has been painted (--screenshot), on the offscreen platform.
 #include "base/utf8.h"
-#include "peers.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 #include "ratio_reporter.h"
+#include "scratch.h"
 #include "store/group_operations.h"
 
 #include <benchmark/benchmark.h>

@@ -4,10 +4,10 @@
 #include "base/utf8.h"
 #include "browser/picture_painting.h"
 #include "browser/thumbnail_loader.h"
-#include "peers.h"
 #include "picture/picture.h"
 #include "platform/native_disk.h"
 #include "ratio_reporter.h"
+#include "scratch.h"
 #include "store/group_operations.h"
 #include "store/picture_operations.h"
 
