@@ -5,6 +5,8 @@
 
 #include "imaging/byte_reader.h"
 
+#include <QImage>
+
 #include <array>
 #include <vector>
 
