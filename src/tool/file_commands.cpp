@@ -71,7 +71,9 @@ ExitStatus checkFiles(const Invocation& invocation) {
 ExitStatus compactFile(const Invocation& invocation) {
     const std::filesystem::path path = invocation.argument(0);
     const store::Library library = libraryAround(path);
-    const auto sizeNow = [&] { return library.disk.open(path, Access::Read)->size(); };
+    const auto sizeNow = [&] {
+        return store::openLocked(library.disk, path, Access::Read, library.lockWait)->size();
+    };
     const std::uint64_t before = sizeNow();
     store::compactGroupFile(library, path);
     Table table({"before", "after"});
