@@ -83,6 +83,7 @@ AllocationTable::Range& AllocationTable::load(std::uint32_t index) {
     loaded->bytes.resize(file_.sectorSize());
     file_.read(fatSectors_[index], loaded->bytes);
     range = std::move(loaded);
+    ++loaded_;
     return *range;
 }
 
@@ -185,6 +186,7 @@ void AllocationTable::addRange() {
     range->bytes.assign(file_.sectorSize(), std::byte{0xFF}); // all free
     range->dirty = range->moved = true;
     ranges_.push_back(std::move(range));
+    ++loaded_;
     try {
         const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
         fatSectors_.push_back(takePlaced(place));

@@ -94,6 +94,9 @@ class AllocationTable {
 
     bool hasChanges() const { return anyDirty_; }
 
+    // Bytes of what was loaded.
+    std::size_t memory() const { return loaded_ * (file_.sectorSize() + sizeof(Range)); }
+
     // The places of the FAT sectors, in order.
     const std::vector<std::uint32_t>& fatSectors();
     const std::vector<std::uint32_t>& difatSectors();
@@ -170,6 +173,7 @@ class AllocationTable {
     std::vector<std::uint32_t> fatSectors_;
     std::vector<std::uint32_t> difatSectors_;
     std::vector<std::unique_ptr<Range>> ranges_;
+    std::size_t loaded_ = 0; // of the ranges, since this table was made
     SectorSet fresh_;
     SectorSet pending_;              // freed, but used by the committed state
     SectorSet tables_;               // FAT and DIFAT, which another program may have left unmarked

@@ -221,12 +221,24 @@ CompoundFile::CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache)
     : state_(std::move(state)), cache_(cache) {}
 
 CompoundFile::CompoundFile(CompoundFile&&) noexcept = default;
-CompoundFile& CompoundFile::operator=(CompoundFile&&) noexcept = default;
+
+CompoundFile& CompoundFile::operator=(CompoundFile&& other) noexcept {
+    if (this != &other) {
+        keep();
+        state_ = std::move(other.state_);
+        cache_ = other.cache_;
+    }
+    return *this;
+}
 
 CompoundFile::~CompoundFile() {
-    // A state in which something has just gone wrong is not worth keeping, nor is a writer's.
+    keep();
+}
+
+void CompoundFile::keep() noexcept {
+    // A state in which something has just gone wrong is not worth keeping.
     if (!state_ || !cache_ || !state_->identity() || std::uncaught_exceptions() > 0 ||
-        state_->access() != Access::Read) {
+        !state_->isWorthKeeping()) {
         return;
     }
     try {
@@ -241,16 +253,16 @@ CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, R
     const Header header = readHeader(*file);
     const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
     std::unique_ptr<FileState> state;
-    if (identity && access == Access::Read) {
+    if (identity) {
         state = cache->take(*identity, header);
     }
     if (state) {
-        state->file().setDisk(std::move(file));
-    } else {
-        state = std::make_unique<FileState>(std::move(file), header, access, false);
-        if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt) {
-            state->recall(*known);
-        }
+        state->resume(std::move(file), access);
+        return {std::move(state), cache};
+    }
+    state = std::make_unique<FileState>(std::move(file), header, access, false);
+    if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt) {
+        state->recall(*known);
     }
     state->setIdentity(identity);
     return {std::move(state), cache};
@@ -284,24 +296,25 @@ void CompoundFile::commit() {
     if (!state_->hasChanges()) {
         return;
     }
-    if (cache_ && state_->identity()) {
-        cache_->forget(*state_->identity());
+    const std::optional<FileIdentity> before = state_->identity();
+    if (cache_ && before) {
+        cache_->forget(*before);
     }
+    state_->setIdentity(std::nullopt);
     state_->commit();
-    rememberCommit();
+    if (cache_ && before) {
+        rememberCommit();
+    }
 }
 
 // The commit is done: what goes wrong here costs the next transaction some time only.
 void CompoundFile::rememberCommit() noexcept {
-    if (!cache_ || !state_->identity()) {
-        return;
-    }
     try {
-        const bool isThere = disk().isStillAtPath();
-        const auto identity = isThere ? disk().identity() : std::nullopt;
+        const std::optional<FileIdentity> identity = disk().stamp();
         if (identity) {
             cache_->remember({*identity, state_->header(), state_->directory().soundStorages()});
         }
+        state_->setIdentity(identity);
     } catch (const std::exception&) {
         return;
     }

@@ -195,6 +195,7 @@ class CompoundFile {
     friend void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied);
     CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
     void rememberCommit() noexcept;
+    void keep() noexcept;
 
     std::unique_ptr<FileState> state_;
     ReadCache* cache_ = nullptr; // may be null

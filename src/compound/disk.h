@@ -84,6 +84,11 @@ class DiskFile {
     // The file's present state, if the disk can tell for sure; asked for while the lock is held.
     virtual std::optional<FileIdentity> identity() { return std::nullopt; }
 
+    // The same for a file that is open for writing and that the caller has just changed: gives it a
+    // time stamp that no later change can leave it, however soon that comes. Settled if that went
+    // well.
+    virtual std::optional<FileIdentity> stamp() { return identity(); }
+
   protected:
     DiskFile() = default;
 };

@@ -69,7 +69,13 @@ FileState::~FileState() {
 }
 
 std::size_t FileState::memory() {
-    return parts_->directoryChain.memory() + parts_->mini.memory();
+    return parts_->table.memory() + parts_->directoryChain.memory() + parts_->mini.memory();
+}
+
+void FileState::resume(std::unique_ptr<DiskFile> file, Access access) {
+    file_.setDisk(std::move(file), identity_->size);
+    lengthBefore_ = identity_->size;
+    access_ = access;
 }
 
 void FileState::startNewFile() {

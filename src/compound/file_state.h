@@ -54,6 +54,12 @@ class FileState {
     bool hasChanges() const { return changed_; }
     Access access() const { return access_; }
 
+    // Whether all that is in memory is as the file's committed state has it.
+    bool isWorthKeeping() const { return !changed_ && !inPieces_ && !outcomeUnknown_; }
+
+    // Goes on with another handle of the same file, which is as identity() tells.
+    void resume(std::unique_ptr<DiskFile> file, Access access);
+
     // See CompoundFile.
     void makeRoom(std::uint64_t bytes);
 
@@ -63,7 +69,8 @@ class FileState {
     // Takes over what this process knows of the header in force.
     void recall(const CommittedFile& known);
 
-    // The file as the disk told it when it was opened; what it knows of the file, in bytes.
+    // The file as the disk told it when it was opened or last committed; what is known of the file,
+    // in bytes.
     const std::optional<FileIdentity>& identity() const { return identity_; }
     void setIdentity(const std::optional<FileIdentity>& identity) { identity_ = identity; }
     std::size_t memory();

@@ -9,7 +9,8 @@ namespace compound {
 namespace {
 
 constexpr std::size_t kMostFiles = 8;
-constexpr std::size_t kMostBytes = std::size_t{32} << 20U; // of one file's state
+constexpr std::size_t kMostBytes = std::size_t{32} << 20U;         // of one file's state
+constexpr std::size_t kMostBytesTogether = std::size_t{64} << 20U; // of all
 constexpr std::size_t kMostCommitted = 64;
 
 bool isSameFile(const FileIdentity& one, const FileIdentity& other) {
@@ -21,6 +22,7 @@ bool isSameFile(const FileIdentity& one, const FileIdentity& other) {
 struct ReadCache::Entry {
     FileIdentity identity;
     std::unique_ptr<FileState> state;
+    std::size_t bytes;
 };
 
 ReadCache::ReadCache() = default;
@@ -28,26 +30,35 @@ ReadCache::~ReadCache() = default;
 
 std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const Header& header) {
     const std::lock_guard lock(mutex_);
-    for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
-        if (!entry->identity.isSameStateAs(identity) || entry->state->header() != header) {
+    std::unique_ptr<FileState> state;
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+        if (!isSameFile(entry->identity, identity)) {
+            ++entry;
             continue;
         }
-        std::unique_ptr<FileState> state = std::move(entry->state);
-        entries_.erase(entry);
-        return state;
+        if (entry->identity.isSameStateAs(identity) && entry->state->header() == header) {
+            state = std::move(entry->state);
+        }
+        entry = entries_.erase(entry);
     }
-    return nullptr;
+    return state;
 }
 
 void ReadCache::keep(const FileIdentity& identity, std::unique_ptr<FileState> state) {
-    if (!identity.settled || state->memory() > kMostBytes) {
+    const std::size_t bytes = state->memory();
+    if (!identity.settled || bytes > kMostBytes) {
         return;
     }
     state->file().takeDisk();
     const std::lock_guard lock(mutex_);
-    entries_.push_front({identity, std::move(state)});
-    if (entries_.size() > kMostFiles) {
-        entries_.pop_back();
+    entries_.remove_if([&](const Entry& entry) { return isSameFile(entry.identity, identity); });
+    entries_.push_front({identity, std::move(state), bytes});
+    std::size_t together = 0;
+    for (const Entry& entry : entries_) {
+        together += entry.bytes;
+    }
+    for (; entries_.size() > kMostFiles || together > kMostBytesTogether; entries_.pop_back()) {
+        together -= entries_.back().bytes;
     }
 }
 

@@ -1,10 +1,10 @@
-// What this process remembers of a few files: what reading has learnt of them (parts of their FAT,
-// directory and mini stream), and what its own last commit left.
+// What this process remembers of a few files: the parts of their FAT, directory and mini stream
+// that its last operation has read or committed, and what its own last commit left.
 //
-// Nothing stays open. A file that is opened for reading again takes up its state only when the disk
-// says that the file is the same one with the same size and time stamps, and its header is the same
-// byte for byte. Writers never touch a sector that a header in force names, so all that the state
-// knows is still true then.
+// Nothing stays open. A file that is opened again, for reading or writing, takes up its state only
+// when the disk says that the file is the same one with the same size and time stamps, and its
+// header is the same byte for byte. Then nobody has changed the file since, so all that the state
+// knows is still true: see docs/decisions/0020-pages-are-kept-between-changes.md.
 //
 // A header that this process has committed is known to be durable, so that the next transaction
 // need not make it so: no two headers of a file are the same, since every one that is written
@@ -39,10 +39,11 @@ class ReadCache {
     ReadCache(const ReadCache&) = delete;
     ReadCache& operator=(const ReadCache&) = delete;
 
-    // The state of this file as it is now, or null.
+    // The state of this file as it is now, or null. Whatever was kept of the file is gone then.
     std::unique_ptr<FileState> take(const FileIdentity& identity, const Header& header);
 
-    // Keeps an unchanged state; the oldest one goes when there are too many.
+    // Keeps a state that is as the committed file, if that file is settled; the oldest one goes
+    // when there are too many or they take too much memory.
     void keep(const FileIdentity& identity, std::unique_ptr<FileState> state);
 
     // What this process has last committed to the file, if `header` is still in force; without

@@ -12,11 +12,20 @@ SectorFile::SectorFile(std::unique_ptr<DiskFile> file, std::uint32_t sectorSize)
     refresh();
 }
 
-void SectorFile::refresh() {
-    const std::uint64_t sectors = (file_->size() + sectorSize_ - 1) / sectorSize_;
+std::uint32_t SectorFile::sectorsIn(std::uint64_t length, std::uint32_t sectorSize) {
+    const std::uint64_t sectors = (length + sectorSize - 1) / sectorSize;
     const std::uint64_t behindHeader = sectors == 0 ? 0 : sectors - 1;
-    count_ =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(behindHeader, format::kMaximumSector));
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(behindHeader, format::kMaximumSector));
+}
+
+void SectorFile::refresh() {
+    count_ = sectorsIn(file_->size(), sectorSize_);
+}
+
+void SectorFile::setDisk(std::unique_ptr<DiskFile> file, std::uint64_t length) {
+    file_ = std::move(file);
+    count_ = sectorsIn(length, sectorSize_);
 }
 
 void SectorFile::readPart(std::uint32_t first, std::uint32_t within, std::span<std::byte> into) {

@@ -35,8 +35,8 @@ class SectorFile {
     // The file's length when it ends with sector `count` - 1.
     std::uint64_t lengthOf(std::uint64_t count) const { return (count + 1) * sectorSize_; }
 
-    // Goes on with another handle of the same, unchanged file.
-    void setDisk(std::unique_ptr<DiskFile> file) { file_ = std::move(file); }
+    // Goes on with another handle of the same file, which is `length` bytes long.
+    void setDisk(std::unique_ptr<DiskFile> file, std::uint64_t length);
     std::unique_ptr<DiskFile> takeDisk() { return std::move(file_); }
 
     // Counts anew after the file's length was changed from outside.
@@ -52,6 +52,8 @@ class SectorFile {
     [[noreturn]] void throwDamaged(const std::string& what) const;
 
   private:
+    static std::uint32_t sectorsIn(std::uint64_t length, std::uint32_t sectorSize);
+
     std::unique_ptr<DiskFile> file_;
     std::uint32_t sectorSize_;
     std::uint32_t count_;

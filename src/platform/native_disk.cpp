@@ -7,6 +7,7 @@
 #include "platform/trash.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <dirent.h>
@@ -42,6 +43,10 @@ std::chrono::nanoseconds systemTime() {
     return std::chrono::system_clock::now().time_since_epoch();
 }
 
+std::chrono::nanoseconds sinceEpoch(const struct timespec& time) {
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 class NativeFile final : public DiskFile {
   public:
     NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath,
@@ -63,6 +68,7 @@ class NativeFile final : public DiskFile {
     bool lock(std::chrono::milliseconds wait) override;
     bool isStillAtPath() override;
     std::optional<compound::FileIdentity> identity() override;
+    std::optional<compound::FileIdentity> stamp() override;
     void retire() noexcept override;
 
     int descriptor() const { return descriptor_.get(); }
@@ -77,7 +83,7 @@ class NativeFile final : public DiskFile {
     FileDescriptor descriptor_;
     std::filesystem::path path_;
     struct stat opened_ {}; // as it was when it was opened
-    struct stat named_ {};  // as isStillAtPath() has last found it
+    struct stat found_ {};  // as isStillAtPath() or stamp() has last found it
     TimeOfDay timeOfDay_;
     bool isShared_;
     bool isGone_ = false; // found out in locking
@@ -205,7 +211,7 @@ bool NativeFile::isStillAtPath() {
     if (isGone_ || (isShared_ && isRetired(descriptor()))) {
         return false;
     }
-    const bool isThere = isShared_ ? askStatus(path_, named_) : ::stat(path_.c_str(), &named_) == 0;
+    const bool isThere = isShared_ ? askStatus(path_, found_) : ::stat(path_.c_str(), &found_) == 0;
     if (!isThere) {
         // A handle of a file that another machine has removed is stale on some systems.
         if (errno == ENOENT || errno == ENOTDIR || errno == ESTALE) {
@@ -213,27 +219,48 @@ bool NativeFile::isStillAtPath() {
         }
         throw systemError(errno, path_, "get identity");
     }
-    return named_.st_dev == opened_.st_dev && named_.st_ino == opened_.st_ino;
+    return found_.st_dev == opened_.st_dev && found_.st_ino == opened_.st_ino;
 }
 
 // What isStillAtPath() has found under the lock; every call to the system counts in short readings.
 // Clocks of other machines go differently, so the time stamps of a shared volume prove nothing.
 std::optional<compound::FileIdentity> NativeFile::identity() {
-    if (isShared_ || named_.st_ino == 0) {
+    if (isShared_ || found_.st_ino == 0) {
         return std::nullopt;
     }
-    const auto sinceEpoch = [](const struct timespec& time) {
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-    };
-    const std::chrono::nanoseconds changed = sinceEpoch(named_.st_ctim);
+    const std::chrono::nanoseconds changed = sinceEpoch(found_.st_ctim);
     // Time stamps go on in ticks of some milliseconds, on some file systems of a second or two.
     const bool settled = timeOfDay_() - changed > std::chrono::seconds(3);
-    return compound::FileIdentity{named_.st_dev,
-                                  named_.st_ino,
-                                  static_cast<std::uint64_t>(named_.st_size),
-                                  sinceEpoch(named_.st_mtim).count(),
+    return compound::FileIdentity{found_.st_dev,
+                                  found_.st_ino,
+                                  static_cast<std::uint64_t>(found_.st_size),
+                                  sinceEpoch(found_.st_mtim).count(),
                                   changed.count(),
                                   settled};
+}
+
+// Changes are stamped with the time of the last tick, so the exact time, which lies between two
+// ticks, is no later change's. A file system that keeps coarser stamps gives back another one. Only
+// the file's owner may set it.
+std::optional<compound::FileIdentity> NativeFile::stamp() {
+    if (isShared_) {
+        return std::nullopt;
+    }
+    const std::chrono::nanoseconds now = timeOfDay_();
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
+    std::array<struct timespec, 2> times{}; // of the last access and the last change
+    times[0].tv_nsec = UTIME_OMIT;
+    times[1].tv_sec = static_cast<time_t>(seconds.count());
+    times[1].tv_nsec = static_cast<long>((now - seconds).count());
+    const bool isSet = ::futimens(descriptor(), times.data()) == 0;
+    if (::fstat(descriptor(), &found_) != 0) {
+        throw systemError(errno, path_, "get identity");
+    }
+    std::optional<compound::FileIdentity> told = identity();
+    if (told) {
+        told->settled = told->settled || (isSet && sinceEpoch(found_.st_mtim) == now);
+    }
+    return told;
 }
 
 void NativeFile::retire() noexcept {

@@ -55,7 +55,7 @@ struct Library {
     MeasurePicture measure;
     char16_t decimalSeparator = u'.'; // of the records that are written; both are read
     std::chrono::milliseconds lockWait{500};
-    // What reading has learnt of the files, for the next reading.
+    // What operations have learnt of the files, for the next ones.
     std::shared_ptr<compound::ReadCache> cache = std::make_shared<compound::ReadCache>();
     // Shared by all copies, so that they can be used on several threads.
     std::shared_ptr<FileTurns> turns = std::make_shared<FileTurns>();

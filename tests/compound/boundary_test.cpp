@@ -183,6 +183,11 @@ TEST(TwoGiBTest, RangeLockIsMarkedBeforeTheFileReachesIt) {
         large.read(large.size() - static_cast<std::uint64_t>(i) * kSector, read);
         ASSERT_EQ(read, sector);
     }
+    // The marked sector keeps no file long.
+    file.root().destroy(u"large");
+    file.commit();
+    EXPECT_LT(file.disk().size(), kTwoGiB);
+    EXPECT_EQ(findingsOf(file), "");
 }
 
 TEST(TwoGiBTest, SmallSectorsEndThere) {

@@ -68,6 +68,22 @@ TEST_F(MemoryTest, ASecondReadingReadsTheHeaderOnly) {
     EXPECT_EQ(readsOfOneReading(), 1);
 }
 
+// What a commit has written is known; so are the pages that it has read.
+TEST_F(MemoryTest, AChangeAfterAChangeReadsTheHeaderOnly) {
+    const auto change = [&](std::u16string_view from, std::u16string_view to) {
+        return count(Call::Read, [&] {
+            CompoundFile file = open(Access::ReadWrite);
+            file.root().openStorage(u"S").rename(from, to);
+            file.commit();
+        });
+    };
+    EXPECT_GT(change(u"c", u"C1"), 1);
+    EXPECT_EQ(change(u"C1", u"c"), 1);
+    EXPECT_EQ(readsOfOneReading(), 1);
+    EXPECT_EQ(change(u"c", u"C2"), 1);
+    EXPECT_EQ(findingsOf(disk_, kPath), "");
+}
+
 TEST_F(MemoryTest, WhatAnExceptionHasLeftIsNotKept) {
     try {
         CompoundFile file = open(Access::Read);
@@ -111,6 +127,79 @@ TEST_F(MemoryTest, AnEditInPlaceEndsTheTrustInATree) {
     for (const std::u16string_view name : {u"a", u"f"}) {
         CompoundFile file = open(Access::ReadWrite);
         EXPECT_THROW(file.root().openStorage(u"S").createStream(name), Error);
+    }
+}
+
+// Pages of a directory that another program has changed must not come back with our next change.
+TEST_F(MemoryTest, AnEditInPlaceIsNotUndoneByTheNextChange) {
+    const auto appendTo = [&](std::u16string_view name) {
+        CompoundFile file = open(Access::ReadWrite);
+        file.root().openStorage(u"S").openStream(name).append(patterned(10, 1));
+        file.commit();
+    };
+    appendTo(u"c");
+    exchange(u"a", u"f");
+    const Content before = contentOf(disk_, kPath);
+    appendTo(u"d");
+    Content expected = before;
+    const auto added = patterned(10, 1);
+    expected[u"S/d"].insert(expected[u"S/d"].end(), added.begin(), added.end());
+    EXPECT_EQ(contentOf(disk_, kPath), expected);
+}
+
+// Whatever call fails, and whether the change is dropped or falls: the next operation of the same
+// process sees what is in the file.
+TEST_F(MemoryTest, NothingIsRememberedOfWhatHasFailed) {
+    int calls = 0;
+    bool hasFailed = true;
+    for (int failing = 0; hasFailed; ++failing) {
+        hasFailed = false;
+        calls = 0;
+        disk_.setInterceptor([&](Call) {
+            if (calls++ == failing) {
+                hasFailed = true;
+                throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+            }
+        });
+        try {
+            CompoundFile file = open(Access::ReadWrite);
+            file.root().openStorage(u"S").createStream(u"new").assign(patterned(9000, 1));
+            file.root().openStorage(u"S").destroy(u"a");
+            file.commit();
+        } catch (const Error&) {
+            EXPECT_TRUE(hasFailed);
+        }
+        disk_.setInterceptor({});
+        const Content content = contentOf(disk_, kPath);
+        CompoundFile file = open(Access::ReadWrite);
+        ASSERT_EQ(contentOf(file), content) << "call " << failing;
+        if (content.contains(u"S/new")) { // the call that failed was one after the commit
+            file.root().openStorage(u"S").destroy(u"new");
+            file.root().openStorage(u"S").createStream(u"a").assign(patterned(9000, u'a'));
+            file.commit();
+        }
+        ASSERT_EQ(damageOf(disk_, kPath), "") << "call " << failing;
+    }
+    EXPECT_GT(calls, 10);
+}
+
+TEST_F(MemoryTest, AChangeThatIsNotCommittedIsForgotten) {
+    const Content before = contentOf(disk_, kPath);
+    for (const bool isDropped : {false, true}) {
+        {
+            CompoundFile file = open(Access::ReadWrite);
+            file.root().openStorage(u"S").destroy(u"b");
+            file.commit();
+            file.root().openStorage(u"S").createStream(u"b").assign(patterned(9000, u'b'));
+            file.commit();
+            file.root().openStorage(u"S").openStream(u"c").assign(patterned(20000, 1));
+            file.root().openStorage(u"S").destroy(u"d");
+            if (isDropped) {
+                file.dropChanges();
+            }
+        }
+        CompoundFile file = open(Access::Read);
+        EXPECT_EQ(contentOf(file), before) << isDropped;
     }
 }
 

@@ -289,6 +289,26 @@ TEST_F(NativeDiskTest, callsAFileSettledThreeSecondsAfterItsLastChange) {
     EXPECT_TRUE(isSettledAfter(std::chrono::seconds(3) + std::chrono::nanoseconds(1)));
 }
 
+// Whatever comes after a stamp is told apart from it, within the same tick of the clock as well:
+// the stamp lies between two ticks.
+TEST_F(NativeDiskTest, stampsAFileWithATimeOfItsOwn) {
+    const auto disk =
+        platform::makeNativeDisk(platform::Volumes::AsTheyAre, [] { return timeOfDay; });
+    write("a", "text");
+    const auto file = disk->open(at("a"), Access::ReadWrite);
+    timeOfDay = std::chrono::hours(9000) + std::chrono::nanoseconds(123456789);
+    const auto stamped = file->stamp();
+    ASSERT_TRUE(stamped);
+    EXPECT_TRUE(stamped->settled);
+    EXPECT_EQ(stamped->modified, timeOfDay.count());
+    const auto other = disk->open(at("a"), Access::ReadWrite);
+    EXPECT_TRUE(other->isStillAtPath());
+    EXPECT_TRUE(other->identity()->isSameStateAs(*stamped));
+    other->write(0, bytesOf("TEXT"));
+    EXPECT_TRUE(other->isStillAtPath());
+    EXPECT_FALSE(other->identity()->isSameStateAs(*stamped));
+}
+
 // Two groups of one name that are removed one after the other must both be found in the trash.
 TEST_F(NativeDiskTest, keepsEveryTrashedFile) {
     for (const char* content : {"first", "second", "third"}) {

@@ -93,6 +93,7 @@ TEST_F(SharedVolumeTest, identifiesNoFile) {
     ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
     EXPECT_TRUE(file->isStillAtPath());
     EXPECT_FALSE(file->identity());
+    EXPECT_FALSE(disk_->open(at("a"), Access::ReadWrite)->stamp());
     const auto local = platform::nativeDisk().open(at("a"), Access::Read);
     EXPECT_TRUE(local->isStillAtPath());
     EXPECT_TRUE(local->identity());
