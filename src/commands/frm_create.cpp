@@ -88,7 +88,8 @@ frmCreate::frmCreate(LibraryView& view, QWidget* owner) : QDialog(owner), view_(
     placeControls();
     setCaptions();
     setMode(Mode::Idle);
-    connect(cmdCreate_, &QPushButton::clicked, this, &frmCreate::create);
+    connect(cmdCreate_, &QPushButton::clicked, this,
+            [this] { filDatei_->afterReading([this] { create(); }); });
     connect(cmdBack_, &QPushButton::clicked, this, &frmCreate::reject);
     app::offerHelp(*this, cmdHelp_, app::HelpTopic::CreateGroupFromFolder);
 }

@@ -67,7 +67,8 @@ frmImport::frmImport(LibraryView& view, QWidget* owner) : QDialog(owner), view_(
     makeControls();
     placeControls();
     setCaptions();
-    connect(cmdOK_, &QPushButton::clicked, this, &frmImport::importFile);
+    connect(cmdOK_, &QPushButton::clicked, this,
+            [this] { filDatei_->afterReading([this] { importFile(); }); });
     connect(cmdReset_, &QPushButton::clicked, this, &QDialog::reject);
     app::offerHelp(*this, cmdHelp_, app::HelpTopic::ImportGroup);
 }

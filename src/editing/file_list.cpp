@@ -10,6 +10,7 @@
 #include <QSignalBlocker>
 
 #include <string_view>
+#include <utility>
 
 namespace editing {
 
@@ -64,13 +65,37 @@ FileList::FileList(const QStringList& suffixes, QWidget* parent)
             emit fileClicked(fileName());
         }
     });
+    connect(&names_, &app::Job::done, this, &FileList::showNames);
 }
 
-void FileList::setFolder(const QString& folder) {
+void FileList::setFolder(const QString& folder, const QString& fileToSelect) {
     const QSignalBlocker blocker(this);
     folder_ = folder;
+    fileToSelect_ = fileToSelect;
+    afterReading_ = {};
     clear();
-    addItems(picturesIn(folder, suffixes_));
+    setCursor(Qt::BusyCursor);
+    names_.start([folder, suffixes = suffixes_] { return picturesIn(folder, suffixes); });
+}
+
+void FileList::showNames() {
+    unsetCursor();
+    addItems(names_.result());
+    if (!fileToSelect_.isEmpty()) {
+        setCurrentItem(
+            findItems(fileToSelect_, Qt::MatchExactly | Qt::MatchCaseSensitive).value(0));
+    }
+    if (const auto action = std::exchange(afterReading_, {})) {
+        action();
+    }
+}
+
+void FileList::afterReading(std::function<void()> action) {
+    if (isBusy()) {
+        afterReading_ = std::move(action);
+    } else {
+        action();
+    }
 }
 
 QStringList FileList::fileNames() const {

@@ -1,9 +1,13 @@
 // The picture files of one folder.
 #pragma once
 
+#include "app/job.h"
+
 #include <QListWidget>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 namespace editing {
 
@@ -17,11 +21,19 @@ class FileList : public QListWidget {
     // Lists files whose names end in one of `suffixes` (such as ".bmp"), whatever their case.
     FileList(const QStringList& suffixes, QWidget* parent);
 
-    // Lists a folder's regular files by name, without regard to case; nothing is selected. A folder
-    // that cannot be listed shows none.
-    void setFolder(const QString& folder);
+    // Lists a folder's regular files by name, without regard to case. The list is empty until the
+    // folder has been read beside the window; then the file of that name is selected, if there is
+    // one. A folder that cannot be listed shows none.
+    void setFolder(const QString& folder, const QString& fileToSelect = {});
 
     const QString& folder() const { return folder_; }
+
+    // Whether the folder is still being read.
+    bool isBusy() const { return names_.isBusy(); }
+
+    // Calls `action` once the folder has been read, at once if it has been. Choosing a folder or
+    // another action meanwhile makes it void.
+    void afterReading(std::function<void()> action);
 
     QStringList fileNames() const;
 
@@ -37,8 +49,13 @@ class FileList : public QListWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
+    void showNames();
+
     QStringList suffixes_;
     QString folder_;
+    QString fileToSelect_;
+    app::JobFor<QStringList> names_;
+    std::function<void()> afterReading_;
     QString nameAtPress_;
     bool isPressed_ = false;
 };

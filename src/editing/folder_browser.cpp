@@ -45,12 +45,13 @@ void FolderBrowser::showFile(const QString& path) {
     isMemorySuppressed_ = true;
     if (folders_->setFolder(file.absolutePath())) {
         drives_->setDrive(platform::driveOf(folders_->folder(), platform::drives()));
-        files_->setFolder(folders_->folder());
-        const auto found =
-            files_->findItems(file.fileName(), Qt::MatchExactly | Qt::MatchCaseSensitive);
-        files_->setCurrentItem(found.value(0));
+        files_->setFolder(folders_->folder(), file.fileName());
     }
     isMemorySuppressed_ = false;
+}
+
+bool FolderBrowser::isBusy() const {
+    return folders_->isBusy() || files_->isBusy();
 }
 
 void FolderBrowser::changeDrive() {

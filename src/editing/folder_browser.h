@@ -37,6 +37,9 @@ class FolderBrowser : public QObject {
     // cannot be listed everything stays as it is.
     void showFile(const QString& path);
 
+    // Whether a list is still being read.
+    bool isBusy() const;
+
   private:
     void changeDrive();
     void changeFolder();

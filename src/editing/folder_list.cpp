@@ -1,5 +1,6 @@
 #include "editing/folder_list.h"
 
+#include "app/job.h"
 #include "platform/drives.h"
 #include "platform/paths.h"
 
@@ -19,13 +20,21 @@ namespace editing {
 
 namespace {
 
-constexpr int kPathRole = Qt::UserRole;
-constexpr int kIsFilledRole = Qt::UserRole + 1;
+constexpr int kIsFilledRole = Qt::UserRole; // or about to be
 
-// The names of the folders below `folder`, without hidden ones, by name without regard to case.
-// What cannot be listed has none.
+// Without regard to case, but names that differ in nothing else have an order too.
+bool isBefore(const QString& left, const QString& right) {
+    const int order = left.compare(right, Qt::CaseInsensitive);
+    return order < 0 || (order == 0 && left < right);
+}
+
+// The names of the folders below `folder`, without hidden ones, in their order. What cannot be
+// listed has none.
 QStringList foldersBelow(const QString& folder) {
     QStringList names;
+    if (!platform::isListable(folder)) {
+        return names;
+    }
     std::error_code failure;
     std::filesystem::directory_iterator entries(platform::toFilePath(folder), failure);
     for (; !failure && entries != std::filesystem::directory_iterator();
@@ -36,34 +45,49 @@ QStringList foldersBelow(const QString& folder) {
             names += name;
         }
     }
-    names.sort(Qt::CaseInsensitive);
+    std::sort(names.begin(), names.end(), isBefore);
     return names;
 }
 
-QTreeWidgetItem* makeItem(const QString& name, const QString& path) {
+QTreeWidgetItem* makeItem(const QString& name, const QIcon& icon) {
     auto* item = new QTreeWidgetItem({name});
-    item->setData(0, kPathRole, path);
-    item->setIcon(0, QApplication::style()->standardIcon(QStyle::SP_DirIcon));
+    item->setIcon(0, icon);
     item->setChildIndicatorPolicy(QTreeWidgetItem::ShowIndicator);
     return item;
 }
 
-QString pathOf(const QTreeWidgetItem* item) {
-    return item->data(0, kPathRole).toString();
+QIcon folderIcon() {
+    return QApplication::style()->standardIcon(QStyle::SP_DirIcon);
 }
 
-QTreeWidgetItem* childNamed(const QTreeWidgetItem* item, const QString& name) {
-    for (int index = 0; index < item->childCount(); ++index) {
-        if (item->child(index)->text(0) == name) {
-            return item->child(index);
-        }
+QString pathOf(const QTreeWidgetItem* item) {
+    const QTreeWidgetItem* above = item->parent();
+    return above == nullptr ? item->text(0) : platform::joinPath(pathOf(above), item->text(0));
+}
+
+bool isBelow(const QTreeWidgetItem* item, const QTreeWidgetItem* above) {
+    while (item != nullptr && item->parent() != above) {
+        item = item->parent();
     }
-    return nullptr;
+    return item != nullptr;
+}
+
+// A folder that the listing leaves out, such as a hidden one, gets its row all the same.
+QTreeWidgetItem* childNamed(QTreeWidgetItem* item, const QString& name) {
+    int row = 0;
+    while (row < item->childCount() && isBefore(item->child(row)->text(0), name)) {
+        ++row;
+    }
+    if (row == item->childCount() || item->child(row)->text(0) != name) {
+        item->insertChild(row, makeItem(name, folderIcon()));
+    }
+    return item->child(row);
 }
 
 } // namespace
 
-FolderList::FolderList(QWidget* parent) : QTreeWidget(parent) {
+FolderList::FolderList(QWidget* parent)
+    : QTreeWidget(parent), reading_(std::make_unique<QObject>()) {
     setColumnCount(1);
     setHeaderHidden(true);
     setUniformRowHeights(true);
@@ -139,9 +163,9 @@ void FolderList::keyPressEvent(QKeyEvent* event) {
 void FolderList::showDrive(const QString& drive) {
     const QSignalBlocker blocker(this);
     drive_ = drive;
+    reading_ = std::make_unique<QObject>();
     clear();
-    QTreeWidgetItem* root = makeItem(drive, drive);
-    root->setIcon(0, style()->standardIcon(QStyle::SP_DriveHDIcon));
+    QTreeWidgetItem* root = makeItem(drive, style()->standardIcon(QStyle::SP_DriveHDIcon));
     addTopLevelItem(root);
     fill(root);
     root->setExpanded(true);
@@ -161,28 +185,49 @@ void FolderList::fill(QTreeWidgetItem* item) {
         return;
     }
     item->setData(0, kIsFilledRole, true);
-    const QString folder = pathOf(item);
-    if (platform::isListable(folder)) {
-        for (const QString& name : foldersBelow(folder)) {
-            item->addChild(makeItem(name, platform::joinPath(folder, name)));
+    auto* job = new app::JobFor<QStringList>(reading_.get());
+    connect(job, &app::Job::done, this, [this, item, job] {
+        addRows(item, job->result());
+        job->deleteLater();
+    });
+    job->start([folder = pathOf(item)] { return foldersBelow(folder); });
+}
+
+bool FolderList::isBusy() const {
+    const QList<app::Job*> jobs = reading_->findChildren<app::Job*>();
+    return std::any_of(jobs.begin(), jobs.end(), [](const app::Job* job) { return job->isBusy(); });
+}
+
+// The rows on the way to the chosen folder are there already and keep their order with the others.
+void FolderList::addRows(QTreeWidgetItem* item, const QStringList& names) {
+    const QIcon icon = folderIcon();
+    auto name = names.begin();
+    for (int row = 0; name != names.end(); ++row) {
+        const QTreeWidgetItem* present = item->child(row);
+        QList<QTreeWidgetItem*> rows;
+        for (; name != names.end() && (present == nullptr || isBefore(*name, present->text(0)));
+             ++name) {
+            rows.append(makeItem(*name, icon));
+        }
+        item->insertChildren(row, rows);
+        row += static_cast<int>(rows.size());
+        if (name != names.end() && present != nullptr && *name == present->text(0)) {
+            ++name;
         }
     }
     item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
+    if (currentItem() != nullptr && isBelow(currentItem(), item)) {
+        scrollTo(currentIndex(), PositionAtCenter);
+    }
 }
 
-// A folder that the listing leaves out, such as a hidden one, gets its row all the same.
 QTreeWidgetItem* FolderList::openDownTo(const QString& folder) {
     QTreeWidgetItem* item = topLevelItem(0);
     const QStringList names = folder.mid(drive_.size()).split(u'/', Qt::SkipEmptyParts);
     for (const QString& name : names) {
         fill(item);
         item->setExpanded(true);
-        QTreeWidgetItem* child = childNamed(item, name);
-        if (child == nullptr) {
-            child = makeItem(name, platform::joinPath(pathOf(item), name));
-            item->addChild(child);
-        }
-        item = child;
+        item = childNamed(item, name);
     }
     return item;
 }

@@ -1,8 +1,12 @@
-// The folders of one drive as a tree that is read level by level when it is opened.
+// The folders of one drive as a tree that is read level by level when it is opened. A level is read
+// beside the window; its rows come when that is done.
 #pragma once
 
+#include <QObject>
 #include <QString>
 #include <QTreeWidget>
+
+#include <memory>
 
 namespace editing {
 
@@ -23,6 +27,9 @@ class FolderList : public QTreeWidget {
     // drive along. False, with nothing changed, when it cannot be listed.
     bool setFolder(const QString& folder);
 
+    // Whether a level is still being read.
+    bool isBusy() const;
+
     // Brings the folder's name into sight as well, however deep it lies.
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
@@ -39,7 +46,10 @@ class FolderList : public QTreeWidget {
     void showDrive(const QString& drive);
     void choose(const QString& folder);
     void fill(QTreeWidgetItem* item);
+    void addRows(QTreeWidgetItem* item, const QStringList& names);
     QTreeWidgetItem* openDownTo(const QString& folder);
+
+    std::unique_ptr<QObject> reading_; // owns the jobs of this drive
 
     QString folder_;
     QString drive_;

@@ -360,7 +360,7 @@ void frmOpen::keyPressEvent(QKeyEvent* event) {
 }
 
 bool frmOpen::isSettled() const {
-    return !imgVorschau_->isBusy();
+    return !imgVorschau_->isBusy() && !browser_->isBusy();
 }
 
 void frmOpen::goBack() {

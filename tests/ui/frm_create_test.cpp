@@ -2,6 +2,7 @@
 // run is to be halted in the middle.
 #include "app/long_operation.h"
 #include "app/settings.h"
+#include "app/stepped_executor.h"
 #include "commands/frm_create.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
@@ -160,6 +161,25 @@ TEST_P(FrmCreateTest, MakesASubGroupAndListsWhatItHasLeftOut) {
     EXPECT_TRUE(store::listPictures(library(), pumps).empty());
 }
 
+// The user is faster than a slow volume.
+TEST_P(FrmCreateTest, WaitsForAFolderThatIsStillBeingRead) {
+    makeFile("a.bmp", Qt::red);
+    startAt("pictures");
+    SteppedExecutor workers;
+    const app::WorkersReplacement stepped(workers);
+    inModalDialog([&] { trigger("gCreate"); },
+                  [&](QDialog& dialog) {
+                      typeName(dialog, "Pumpen");
+                      press(dialog, "cmdCreate");
+                      EXPECT_TRUE(boxes_.take().isEmpty());
+                      workers.stepAll();
+                      EXPECT_EQ(boxes_.take().size(), 1);
+                      EXPECT_FALSE(dialog.isVisible());
+                  });
+    workers.stepAll();
+    EXPECT_EQ(thumbnails(), QStringList{"a"});
+}
+
 TEST_P(FrmCreateTest, TellsThatTheDriveCannotBeRead) {
     start();
     app::settings().setDrive("/no such drive");
@@ -284,6 +304,8 @@ TEST_P(HaltedCreation, CanOnlyBeAbortedAndLeavesNothingBehind) {
     bool wasRunning = false;
     inModalDialog([&] { form.openFor({}, GroupTarget::TopLevel); },
                   [&](QDialog& dialog) {
+                      const auto* files = dialog.findChild<QListWidget*>("filDatei");
+                      ASSERT_TRUE(QTest::qWaitFor([&] { return files->count() == 2; }));
                       typeName(dialog, "Pumpen");
                       auto halted = view.halted.get_future();
                       QTimer looking;

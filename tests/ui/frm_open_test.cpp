@@ -59,6 +59,7 @@ class FrmOpenTest : public testing::Test {
     void open(std::optional<store::GroupAddress> group = std::nullopt) {
         window_.load(library_, {std::move(group), "Pumpen"});
         window_.show();
+        settle();
     }
 
     template <typename Control>
@@ -93,7 +94,7 @@ class FrmOpenTest : public testing::Test {
         settle();
     }
 
-    // Waits until the preview shows the chosen file.
+    // Waits until the lists show the chosen folder and the preview the chosen file.
     void settle() {
         ASSERT_TRUE(QTest::qWaitFor([this] { return window_.isSettled(); }, kPatienceMilliseconds));
     }
@@ -384,7 +385,9 @@ TEST_F(FrmOpenTest, startsAfreshEachTimeInTheFolderOfTheLastTime) {
     open();
     clickFile("a.bmp");
     QTest::keyClick(folders(), Qt::Key_Right);
+    settle();
     QTest::keyClick(folders(), Qt::Key_Down);
+    settle();
     EXPECT_EQ(app::settings().path(), home_.at("pictures/below"));
     EXPECT_EQ(fileNames(), QStringList{"b.bmp"});
     press("cmdAbbruch");
@@ -393,6 +396,37 @@ TEST_F(FrmOpenTest, startsAfreshEachTimeInTheFolderOfTheLastTime) {
     EXPECT_EQ(fileNames(), (QStringList{"b.bmp", "c.bmp"}));
     EXPECT_EQ(name()->text(), "");
     EXPECT_EQ(app::settings().path(), home_.at("pictures/below"));
+}
+
+// A folder may take long to read, and the user be faster.
+TEST_F(FrmOpenTest, listsTheFolderThatWasChosenLast) {
+    home_.write("pictures/a.bmp", "");
+    home_.write("root.bmp", "");
+    QDir().mkpath(home_.at("Pictures"));
+    QDir().mkpath(home_.at("Zulauf"));
+    SteppedExecutor workers;
+    const app::WorkersReplacement stepped(workers);
+    window_.load(library_, {std::nullopt, ""});
+    window_.show();
+    QTreeWidgetItem* pictures = folders()->currentItem();
+    ASSERT_EQ(pictures->text(0), "pictures");
+    QTreeWidgetItem* root = pictures->parent();
+    folders()->setCurrentItem(root);
+    folders()->setCurrentItem(pictures);
+    EXPECT_TRUE(fileNames().isEmpty());
+    EXPECT_FALSE(window_.isSettled());
+    workers.stepLatest();
+    EXPECT_EQ(fileNames(), QStringList{"a.bmp"});
+    workers.stepAll();
+    EXPECT_TRUE(window_.isSettled());
+    EXPECT_EQ(fileNames(), QStringList{"a.bmp"});
+    QStringList rows;
+    for (int row = 0; row < root->childCount(); ++row) {
+        rows += root->child(row)->text(0);
+    }
+    EXPECT_EQ(rows, (QStringList{"library", "Pictures", "pictures", "TalvixStudio", "Zulauf"}));
+    EXPECT_EQ(folders()->currentItem(), pictures);
+    EXPECT_TRUE(folders()->viewport()->rect().intersects(folders()->visualItemRect(pictures)));
 }
 
 TEST_F(FrmOpenTest, keepsTheNamesOfDeepFoldersInSight) {

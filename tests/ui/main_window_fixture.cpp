@@ -3,6 +3,7 @@
 #include "app/number_text.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "editing/folder_browser.h"
 #include "editing/picture_box.h"
 #include "platform/native_disk.h"
 #include "platform/temporary_folder.h"
@@ -82,10 +83,14 @@ void MainWindowTest::restart() {
     start();
 }
 
-void MainWindowTest::settlePreview(const QDialog& dialog) {
+void MainWindowTest::settle(const QDialog& dialog) {
     const auto* preview = dialog.findChild<editing::PictureBox*>();
-    ASSERT_TRUE(preview == nullptr ||
-                QTest::qWaitFor([=] { return !preview->isBusy(); }, kPatienceMilliseconds));
+    const auto* browser = dialog.findChild<editing::FolderBrowser*>();
+    const auto isSettled = [&] {
+        return (preview == nullptr || !preview->isBusy()) &&
+               (browser == nullptr || !browser->isBusy());
+    };
+    ASSERT_TRUE(QTest::qWaitFor(isSettled, kPatienceMilliseconds));
 }
 
 void MainWindowTest::settle() {
@@ -174,7 +179,7 @@ QStringList MainWindowTest::rows() {
 void MainWindowTest::inDialog(const std::function<void()>& open,
                               const std::function<void(QDialog&)>& steps) {
     inModalDialog(open, [&](QDialog& dialog) {
-        settlePreview(dialog);
+        settle(dialog);
         steps(dialog);
     });
     settle();

@@ -37,8 +37,8 @@ class MainWindowTest : public testing::Test {
     void start(browser::StartMode mode = browser::StartMode::Standalone);
     void restart();
     void settle();
-    // The same for the picture that a dialog shows.
-    static void settlePreview(const QDialog& dialog);
+    // The same for the picture and the lists that a dialog shows.
+    static void settle(const QDialog& dialog);
     browser::frmMain& window() { return *window_; }
 
     template <typename Control>

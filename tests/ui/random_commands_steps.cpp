@@ -205,7 +205,7 @@ const Source* RandomCommands::clickFile(QDialog& dialog) {
     QListWidgetItem* item = files->findItems(name, Qt::MatchExactly).value(0);
     files->scrollToItem(item);
     QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualItemRect(item).center());
-    settlePreview(dialog);
+    settle(dialog);
     compareBoxes();
     if (!isBroken) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->text(), name.section(u'.', 0, 0));
@@ -244,6 +244,7 @@ void RandomCommands::addPictures() {
     }
     const Answer answer = anyAnswer();
     const auto inDialog = [&](QDialog& dialog) {
+        settle(dialog);
         auto* field = dialog.findChild<QLineEdit*>("txtName");
         EXPECT_EQ(field->text(), "");
         ASSERT_EQ(dialog.findChild<QListWidget*>("filDatei")->count(),
