@@ -5,6 +5,7 @@
 #include <QTest>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -97,6 +98,26 @@ TEST_F(LeadControlTest, ShowsALargePictureWholeAtFirst) {
         return control_.placeOfPicture() == QRectF(0, 112, 400, 75) &&
                !control_.horizontalScrollBar()->isVisible();
     }));
+}
+
+// Every second row is black; reading only some of them would show stripes.
+TEST_F(LeadControlTest, ShowsLongPicturesSmallWithoutLeavingOutPixels) {
+    QImage striped(400, 8000, QImage::Format_RGB32);
+    striped.fill(Qt::white);
+    for (int y = 0; y < striped.height(); y += 2) {
+        std::fill_n(reinterpret_cast<QRgb*>(striped.scanLine(y)), striped.width(), qRgb(0, 0, 0));
+    }
+    for (const QImage& picture : {striped, striped.transformed(QTransform().rotate(90))}) {
+        show(picture);
+        const QRect inside = control_.placeOfPicture().toRect().adjusted(2, 2, -2, -2);
+        const QImage seen = viewport()->grab(inside).toImage();
+        ASSERT_FALSE(seen.isNull());
+        for (int y = 0; y < seen.height(); ++y) {
+            for (int x = 0; x < seen.width(); ++x) {
+                ASSERT_NEAR(qGray(seen.pixel(x, y)), 128, 8) << x << ", " << y;
+            }
+        }
+    }
 }
 
 // The factor is a fraction that no number gives exactly.

@@ -3,9 +3,27 @@
 #include <QPaintDevice>
 #include <QPainter>
 
-#include <cmath>
+#include <algorithm>
 
 namespace editing {
+namespace {
+
+int longerSide(const QImage& level) {
+    return std::max(level.width(), level.height());
+}
+
+// Half of it in both directions, but no longer than what the toolkit can scale smoothly to: with
+// more than 2^17 pixels in a row it leaves the range of its numbers.
+QSize nextSize(const QSize& size) {
+    constexpr int kLongest = 100'000;
+    QSize next = size / 2;
+    if (std::max(next.width(), next.height()) > kLongest) {
+        next.scale(kLongest, kLongest, Qt::KeepAspectRatio);
+    }
+    return next.expandedTo(QSize(1, 1));
+}
+
+} // namespace
 
 DisplayLevels::DisplayLevels(const QImage& picture) {
     constexpr int kSmallEnough = 512; // pixels: reading all of them costs nothing
@@ -13,9 +31,9 @@ DisplayLevels::DisplayLevels(const QImage& picture) {
         return;
     }
     levels_.push_back(picture);
-    while (levels_.back().width() > kSmallEnough && levels_.back().height() > kSmallEnough) {
-        const QImage half = levels_.back().scaled(levels_.back().size() / 2, Qt::IgnoreAspectRatio,
-                                                  Qt::SmoothTransformation);
+    while (longerSide(levels_.back()) > kSmallEnough) {
+        const QImage half = levels_.back().scaled(nextSize(levels_.back().size()),
+                                                  Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         if (half.isNull()) {
             return;
         }
@@ -25,9 +43,9 @@ DisplayLevels::DisplayLevels(const QImage& picture) {
 
 // The smallest one that need not be enlarged for that scale.
 const QImage& DisplayLevels::levelFor(double scale) const {
-    const double wanted = levels_.front().width() * scale;
+    const double wanted = longerSide(levels_.front()) * scale;
     std::size_t level = 0;
-    while (level + 1 < levels_.size() && levels_[level + 1].width() >= wanted) {
+    while (level + 1 < levels_.size() && longerSide(levels_[level + 1]) >= wanted) {
         ++level;
     }
     return levels_[level];

@@ -1,5 +1,6 @@
 // A picture made ready for painting at any scale: beside the picture itself its halves, quarters,
-// ... so that showing it small neither leaves out pixels nor reads them all.
+// ... (of one that is longer than 200,000 pixels only those below 100,000) so that showing it small
+// neither leaves out pixels nor reads them all.
 #pragma once
 
 #include <QImage>
@@ -16,8 +17,9 @@ class DisplayLevels {
   public:
     DisplayLevels() = default; // no picture
 
-    // Shares the picture's pixels; the smaller levels take another third of them. May be made on
-    // any thread. Where memory is short there are fewer levels.
+    // Shares the picture's pixels; the smaller levels take another third of them, or as many again
+    // where it is but a pixel wide or high. May be made on any thread. Where memory is short there
+    // are fewer levels.
     explicit DisplayLevels(const QImage& picture);
 
     bool isEmpty() const { return levels_.empty(); }
