@@ -1,16 +1,23 @@
 // Group files from elsewhere come into the library through the real window in the real main window.
 #include "app/settings.h"
+#include "commands/frm_import.h"
 #include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 #include "startup/import_offer.h"
 #include "store/picture_operations.h"
 #include "ui/every_language.h"
+#include "ui/failing_disk_fixture.h"
+#include "ui/modal_dialog_steps.h"
 
 #include <QComboBox>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
+
+#include <atomic>
+#include <semaphore>
 
 namespace {
 
@@ -200,5 +207,91 @@ TEST_P(FrmImportTest, TellsWhatKeepsAFileFromBeingImported) {
     EXPECT_EQ(storagesFolder(), QStringList{"Pumpen.stg"});
     EXPECT_EQ(home_.read("colleague/Kaputt.stg"), "no group file"); // left where it is
 }
+
+// A library and a source on a disk in memory, so that the disk can fail or halt in the middle.
+class ImportInMemory : public testing::Test {
+  protected:
+    ImportInMemory() {
+        app::settings().readPaths();
+        app::settings().setDrive("/");
+        app::settings().setPath(home_.root());
+        home_.write("Ventile.stg", ""); // for the list of files; the group lies in memory
+        view_.selected.address = store::createGroup(view_.library(), std::nullopt, {u"Pumpen"});
+        view_.selected.path = "Pumpen";
+        store::Library elsewhere(view_.library());
+        elsewhere.folder = platform::toFilePath(home_.root());
+        elsewhere.cache = std::make_shared<compound::ReadCache>();
+        view_.disk.makeFolder(elsewhere.folder);
+        store::createGroup(elsewhere, std::nullopt, {u"Ventile"});
+    }
+
+    // What is asked while the file's import into the target at that place of the list is shown.
+    void import(int target, const std::function<void()>& whileItRuns = {}) {
+        commands::frmImport form(view_, nullptr);
+        const auto steps = [&](QDialog& dialog) {
+            auto* files = dialog.findChild<QListWidget*>("filDatei");
+            ASSERT_TRUE(QTest::qWaitFor([&] { return files->count() == 1; }));
+            files->setCurrentRow(0);
+            dialog.findChild<QComboBox*>("cboGruppe")->setCurrentIndex(target);
+            if (whileItRuns) {
+                whileItRuns();
+            }
+            dialog.findChild<QPushButton*>("cmdOK")->click();
+            EXPECT_TRUE(dialog.isVisible());
+        };
+        inModalDialog(
+            [&] { form.openFor(commands::contextOf(view_.selected, view_.shownPicture())); },
+            steps);
+    }
+
+    OwnHome home_;
+    MessageBoxScript boxes_;
+    ViewInMemory view_;
+};
+
+TEST_F(ImportInMemory, TellsThatTheFileCouldNotBeRenumbered) {
+    std::atomic<bool> isMerged = false; // then the disk is full
+    view_.disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Folder && isMerged) {
+            throw compound::Error(compound::ErrorCode::NoSpace, "/somewhere/Ventile.stg", "told");
+        }
+        isMerged = isMerged || call == MemoryDisk::Call::Sync;
+    });
+    import(1);
+    const auto boxes = boxes_.take();
+    ASSERT_EQ(boxes.size(), 2);
+    EXPECT_EQ(boxes[0].text, "Fertig");
+    EXPECT_TRUE(boxes[1].text.contains("konnte nicht umnummeriert werden") &&
+                boxes[1].text.contains("/somewhere/Ventile.stg\nDer Datenträger ist voll."))
+        << boxes[1].text.toStdString();
+}
+
+TEST_F(ImportInMemory, IsDroppedWhenTheUserAborts) {
+    std::binary_semaphore go(0);
+    std::atomic<bool> isHalted = false;
+    view_.disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Write && !isHalted.exchange(true)) {
+            go.acquire();
+        }
+    });
+    const auto before = view_.disk.content("/library/Pumpen.stg");
+    QTimer looking;
+    QObject::connect(&looking, &QTimer::timeout, [&] {
+        const QWidget* shown = QApplication::activeModalWidget();
+        if (shown != nullptr && shown->objectName() == "frmFortschritt" && isHalted) {
+            looking.stop();
+            shown->findChild<QPushButton*>("cmdAbbruch")->click();
+            go.release();
+        }
+    });
+    import(0, [&] { looking.start(0);
+});
+view_.disk.setInterceptor({});
+EXPECT_FALSE(looking.isActive());
+EXPECT_TRUE(boxes_.take().isEmpty());
+EXPECT_EQ(view_.refreshes, 0);
+EXPECT_EQ(view_.disk.content("/library/Pumpen.stg"), before);
+EXPECT_EQ(view_.disk.list("/library").size(), 1U);
+} // namespace
 
 } // namespace

@@ -1,7 +1,11 @@
 // Commands on a group that another program holds or has removed: the box names group and cause, and
 // the window shows afterwards what is there.
+#include "app/settings.h"
 #include "ui/group_dialogs_fixture.h"
 
+#include <QComboBox>
+#include <QListWidget>
+#include <QPushButton>
 #include <QTreeWidget>
 
 namespace {
@@ -118,6 +122,37 @@ TEST_P(VanishedGroups, AreNamedWhenTheyGoUnderTheOpenDialog) {
                  });
         const QString text = boxAndRest(what, say("Bild umbenennen", "Rename picture"));
         EXPECT_TRUE(text.startsWith(failure(gone()))) << qPrintable(text);
+    }
+}
+
+TEST_P(VanishedGroups, AreNamedWhenTheyWereToTakeAnotherGroup) {
+    const QString creating =
+        say("Gruppe aus Verzeichnis erstellen", "Create group out of directory");
+    const QString importing = say("Gruppe importieren", "Import group");
+    home_.write("files/a.bmp", "");
+    for (const Vanished what : {Vanished::SubGroup, Vanished::File}) {
+        for (const bool isImport : {false, true}) {
+            startAtSubGroup();
+            QFile::copy(QString::fromStdString((library().folder / "Armaturen.stg").string()),
+                        home_.at("files/Ventile.stg"));
+            app::settings().setDrive("/");
+            app::settings().setPath(home_.at("files"));
+            inDialog([&] { trigger(isImport ? "Men_Datei_2" : "Men_Datei_1"); },
+                     [&](QDialog& dialog) {
+                         remove(what);
+                         if (isImport) {
+                             dialog.findChild<QListWidget*>("filDatei")->setCurrentRow(0);
+                         } else {
+                             dialog.findChild<QLineEdit*>("txtName")->setText("Neu");
+                         }
+                         dialog.findChild<QPushButton*>(isImport ? "cmdOK" : "cmdCreate")->click();
+                         EXPECT_TRUE(dialog.isVisible());
+                         EXPECT_EQ(dialog.findChild<QComboBox*>("cboGruppe")->count(), 1)
+                             << "what has vanished is offered no more";
+                     });
+            const QString text = boxAndRest(what, isImport ? importing : creating);
+            EXPECT_TRUE(text.startsWith(failure(gone()))) << qPrintable(text);
+        }
     }
 }
 
