@@ -149,7 +149,9 @@ TEST(CommandLine, TakesItsOptionsAndRefusesOthers) {
                                                       {"a.stg", "b.stg"},
                                                       {"a.stg", "file"},
                                                       {"-x"},
-                                                      {"a.stg", "--screenshot", "a.png"}};
+                                                      {"a.stg", "--screenshot", "a.png"},
+                                                      {"a.stg", "--automation"},
+                                                      {"--automation", "--screenshot", "a.png"}};
     for (const auto& arguments : wrong) {
         const Options options = parseOptions(arguments, SingleDash::Refuse);
         EXPECT_EQ(options.task, Options::Task::Refuse) << arguments[0];
