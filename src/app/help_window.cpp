@@ -4,6 +4,7 @@
 
 #include <QDesktopServices>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QShortcut>
 #include <QSplitter>
 #include <QToolBar>
@@ -21,6 +22,7 @@ constexpr TextPair kTitle = {u"Hilfe", u"Help"};
 constexpr TextPair kBack = {u"Zurück", u"Back"};
 constexpr TextPair kForward = {u"Vorwärts", u"Forward"};
 constexpr TextPair kContents = {u"Inhalt", u"Contents"};
+constexpr TextPair kSearch = {u"Auf der Seite suchen", u"Find on the page"};
 constexpr TextPair kNoPage = {u"Diese Seite fehlt in der Hilfedatei:",
                               u"The help file lacks this page:"};
 constexpr int kPageRole = Qt::UserRole;
@@ -80,7 +82,8 @@ void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type
     }
 }
 
-HelpWindow::HelpWindow() : contents_(new QTreeWidget), browser_(new HelpBrowser(this)) {
+HelpWindow::HelpWindow()
+    : contents_(new QTreeWidget), browser_(new HelpBrowser(this)), search_(new QLineEdit) {
     setObjectName(QStringLiteral("helpWindow"));
     contents_->setObjectName(QStringLiteral("contents"));
     contents_->setHeaderHidden(true);
@@ -113,6 +116,7 @@ void HelpWindow::build() {
             &QTextBrowser::backwardAvailable, QKeySequence::Back);
     addStep("forward", QStyle::SP_ArrowForward, kForward, &QTextBrowser::forward,
             &QTextBrowser::forwardAvailable, QKeySequence::Forward);
+    addSearch(*bar);
     contents_->setAccessibleName(text(kContents));
     auto* parts = new QSplitter;
     parts->addWidget(contents_);
@@ -125,6 +129,35 @@ void HelpWindow::build() {
     column->addWidget(parts, 1);
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
             &QWidget::close);
+}
+
+void HelpWindow::addSearch(QToolBar& bar) {
+    auto* space = new QWidget;
+    space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    bar.addWidget(space);
+    search_->setObjectName(QStringLiteral("search"));
+    search_->setPlaceholderText(text(kSearch));
+    search_->setAccessibleName(text(kSearch));
+    search_->setClearButtonEnabled(true);
+    search_->setMaximumWidth(kContentsWidth);
+    bar.addWidget(search_);
+    connect(search_, &QLineEdit::textEdited, this, [this] {
+        browser_->moveCursor(QTextCursor::Start);
+        findNext();
+    });
+    connect(search_, &QLineEdit::returnPressed, this, &HelpWindow::findNext);
+    connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
+        search_->setFocus();
+        search_->selectAll();
+    });
+}
+
+// After the last place comes the first one again.
+void HelpWindow::findNext() {
+    if (!browser_->find(search_->text())) {
+        browser_->moveCursor(QTextCursor::Start);
+        browser_->find(search_->text());
+    }
 }
 
 void HelpWindow::showPage(std::unique_ptr<HelpFile> file, const QString& page, QWidget* owner) {

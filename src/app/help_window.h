@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class QLineEdit;
+class QToolBar;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -48,6 +50,8 @@ class HelpWindow : public QWidget {
 
   private:
     void build();
+    void addSearch(QToolBar& bar);
+    void findNext();
     void setFile(std::unique_ptr<HelpFile> file);
     void fillContents();
     void pageChanged();
@@ -56,6 +60,7 @@ class HelpWindow : public QWidget {
     std::unique_ptr<HelpFile> file_;
     QTreeWidget* contents_;
     HelpBrowser* browser_;
+    QLineEdit* search_;
 };
 
 } // namespace app

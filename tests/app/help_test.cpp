@@ -10,11 +10,13 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QLineEdit>
 #include <QRegularExpression>
 #include <QSet>
 #include <QTest>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -120,6 +122,28 @@ TEST_P(HelpTest, goesBackAndForwardOverLinksAndContents) {
     app::showHelp(app::HelpTopic::EditGroup, nullptr); // the way back is kept
     back->trigger();
     EXPECT_TRUE(page()->toPlainText().contains("/nowhere.html"));
+}
+
+TEST_P(HelpTest, findsOnThePageFromItsEndOverToItsBeginning) {
+    app::showHelp(app::HelpTopic::MainWindow, nullptr);
+    QApplication::setActiveWindow(window());
+    QTest::keySequence(window(), QKeySequence::Find);
+    auto* field = window()->findChild<QLineEdit*>("search");
+    ASSERT_TRUE(field->hasFocus());
+    const QString wanted = isEnglish() ? "GROUP" : "GRUPPE";
+    QTest::keyClicks(field, wanted);
+    const auto places = page()->toPlainText().count(wanted, Qt::CaseInsensitive);
+    ASSERT_GT(places, 1);
+    QList<int> found;
+    for (qsizetype i = 0; i <= places; ++i) {
+        EXPECT_EQ(page()->textCursor().selectedText().toUpper(), wanted);
+        found.append(page()->textCursor().position());
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+    EXPECT_TRUE(std::is_sorted(found.begin(), found.end() - 1));
+    EXPECT_EQ(found.last(), found.first());
+    QTest::keyClicks(field, "?");
+    EXPECT_FALSE(page()->textCursor().hasSelection());
 }
 
 TEST_P(HelpTest, canBeUsedWhileItsDialogIsModal) {
