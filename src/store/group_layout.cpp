@@ -34,9 +34,12 @@ std::optional<RawGroup> readRawGroup(StorageHandle root, const std::u16string& s
         }
         group.name.text = name.value_or(storage);
         group.parent = parent.value_or(std::u16string());
-    } catch (const Error&) {
-        // Its own tree is damaged; the group stays visible under its storage name.
-        return group;
+    } catch (const Error& error) {
+        // Its own tree is damaged; the group stays visible under its storage name. What could not
+        // be read for another reason is told: nobody may take the group for one without a parent.
+        if (error.code() != compound::ErrorCode::Damaged) {
+            throw;
+        }
     }
     return group;
 }
