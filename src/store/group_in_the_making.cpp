@@ -115,9 +115,31 @@ void GroupInTheMaking::commit() {
     }
     state_->newFile->prepare(); // what can fail for want of space fails with the old file in place
     if (state_->replaces) {
-        removeGroupFile(state_->library, state_->address.file);
+        replaceFile();
+    } else {
+        state_->newFile->publish();
     }
-    state_->newFile->publish();
+}
+
+// The old file cannot be brought back from the trash: whoever misses the group is told where it is.
+void GroupInTheMaking::replaceFile() {
+    try {
+        removeGroupFile(state_->library, state_->address.file);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::OutcomeUnknown) {
+            throw;
+        }
+        // It is in the trash, and publishing syncs the folder.
+    }
+    try {
+        state_->newFile->publish();
+    } catch (const Error& error) {
+        if (state_->newFile->isPublished()) {
+            throw;
+        }
+        throw Error(error.code(), error.file(),
+                    error.cause() + "; the group file that was to be replaced is in the trash");
+    }
 }
 
 } // namespace store

@@ -33,12 +33,14 @@ class GroupInTheMaking {
     void add(const PictureName& name, const PictureSource& source);
 
     // Exists when a file has got the name meanwhile. OutcomeUnknown when the group is there, but
-    // perhaps only until the next power cut.
+    // perhaps only until the next power cut. When the file to be replaced is in the trash already
+    // and the new one cannot take its place, the error's cause says so.
     void commit();
 
   private:
     struct State;
     void beginFile(const GroupName& name, IfTaken ifTaken);
+    void replaceFile();
     void beginBelow(const GroupAddress& parent, const GroupName& name);
 
     std::unique_ptr<State> state_;
