@@ -109,7 +109,7 @@ class MemoryFile : public compound::DiskFile {
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         requireWritable();
-        disk_.announce(MemoryDisk::Call::Write);
+        announceWrite(offset, bytes);
         disk_.checkCapacity(*file_, file_->bytes.placedAfter(offset, bytes.size()));
         ++file_->changes;
         file_->bytes.write(offset, bytes);
@@ -146,6 +146,18 @@ class MemoryFile : public compound::DiskFile {
     }
 
   private:
+    void announceWrite(std::uint64_t offset, std::span<const std::byte> bytes) {
+        try {
+            disk_.announce(MemoryDisk::Call::Write);
+        } catch (const Error&) {
+            if (disk_.tearsWrites_) {
+                ++file_->changes;
+                file_->bytes.write(offset, bytes.first(bytes.size() / 1024 * 512));
+            }
+            throw;
+        }
+    }
+
     void requireWritable() const {
         if (access_ == Access::Read) {
             throw Error(ErrorCode::Denied, path_, "the file was opened for reading only");
@@ -182,6 +194,15 @@ std::shared_ptr<MemoryDisk::File> MemoryDisk::makeFile() {
     auto file = std::make_shared<File>();
     file->number = ++filesMade_;
     return file;
+}
+
+void MemoryDisk::copyFilesOf(const MemoryDisk& other) {
+    files_.clear();
+    for (const auto& [path, file] : other.files_) {
+        files_.emplace(path, std::make_shared<File>(*file));
+    }
+    folders_ = other.folders_;
+    filesMade_ = other.filesMade_;
 }
 
 void MemoryDisk::announce(Call call) const {

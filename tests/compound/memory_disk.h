@@ -56,6 +56,11 @@ class MemoryDisk : public compound::Disk {
     void setInterceptor(std::function<void(Call)> interceptor) {
         interceptor_ = std::move(interceptor);
     }
+    // Whether half of the 512-byte sectors of a write that is refused by the interceptor reach the
+    // file.
+    void setTearsWrites(bool tears) { tearsWrites_ = tears; }
+    // Becomes a copy of the other disk's files and folders.
+    void copyFilesOf(const MemoryDisk& other);
     std::uint64_t placed() const; // bytes that all files together take
     // The most bytes that all files together may take, holes apart; a write past it throws NoSpace.
     void setCapacity(std::optional<std::uint64_t> bytes) { capacity_ = bytes; }
@@ -85,6 +90,7 @@ class MemoryDisk : public compound::Disk {
     std::vector<std::filesystem::path> folders_;
     std::vector<std::filesystem::path> trashed_;
     std::function<void(Call)> interceptor_;
+    bool tearsWrites_ = false;
     std::optional<std::uint64_t> capacity_;
     std::uint64_t filesMade_ = 0;
 };

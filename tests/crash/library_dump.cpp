@@ -81,6 +81,9 @@ std::string dumpBytes(const std::filesystem::path& path, const std::vector<std::
     if (found != known.end()) {
         return found->second;
     }
+    if (known.size() == 20000) {
+        known.clear();
+    }
     MemoryDisk disk;
     fill(disk, {{{path, bytes}}, {}});
     std::string dump;

@@ -1,6 +1,7 @@
 #include "crash/power_cut.h"
 
 #include <algorithm>
+#include <numeric>
 #include <set>
 
 namespace crash {
@@ -88,10 +89,14 @@ class Replay {
     }
 
     Medium medium() && {
+        Medium medium;
         for (const auto& [path, id] : names_) {
-            medium_.files.emplace(path, contents_[id]);
+            medium.files.emplace(path, contents_[id]);
         }
-        return std::move(medium_);
+        for (const auto& [path, id] : trashed_) {
+            medium.trashed.emplace(path, contents_[id]);
+        }
+        return medium;
     }
 
   private:
@@ -109,29 +114,65 @@ class Replay {
         if (found == names_.end()) {
             return;
         }
-        medium_.trashed[path] = contents_[found->second];
+        trashed_[path] = found->second;
         names_.erase(found);
     }
 
     std::map<std::filesystem::path, FileId> names_;
     std::map<FileId, std::vector<std::byte>> contents_;
-    Medium medium_;
+    std::map<std::filesystem::path, FileId> trashed_; // under their old names
 };
+
+std::vector<std::size_t> inOrder(std::size_t count) {
+    std::vector<std::size_t> order(count);
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    return order;
+}
+
+// The changes of bytes and lengths that are not safe come last, in any order.
+std::vector<std::size_t> inAnyOrder(const std::vector<Event>& events, const std::vector<bool>& safe,
+                                    std::mt19937& random) {
+    std::vector<std::size_t> order = inOrder(safe.size());
+    const auto loose = std::stable_partition(order.begin(), order.end(), [&](std::size_t at) {
+        const EventKind kind = events[at].kind;
+        return safe[at] || (kind != EventKind::Write && kind != EventKind::Truncate);
+    });
+    std::shuffle(loose, order.end(), random);
+    return order;
+}
+
+Medium replayed(const RecordingDisk& disk, const std::vector<bool>& safe,
+                const std::vector<std::size_t>& order, const ChooseFate& fateOf,
+                const ChooseSector& sectorReached) {
+    Replay replay(disk.beginning());
+    for (const std::size_t at : order) {
+        const Fate fate = safe[at] ? Fate::Reached : fateOf(at);
+        if (fate != Fate::Lost) {
+            replay.apply(disk.events()[at], fate, sectorReached);
+        }
+    }
+    return std::move(replay).medium();
+}
 
 } // namespace
 
 Medium cutPower(const RecordingDisk& disk, std::size_t count, const ChooseFate& fateOf,
                 const ChooseSector& sectorReached) {
-    const std::vector<Event>& events = disk.events();
-    const std::vector<bool> safe = safeEvents(events, count);
-    Replay replay(disk.beginning());
-    for (std::size_t at = 0; at < count; ++at) {
-        const Fate fate = safe[at] ? Fate::Reached : fateOf(at);
-        if (fate != Fate::Lost) {
-            replay.apply(events[at], fate, sectorReached);
+    return replayed(disk, safeEvents(disk.events(), count), inOrder(count), fateOf, sectorReached);
+}
+
+Medium cutPower(const RecordingDisk& disk, std::size_t count, std::mt19937& random) {
+    const std::vector<bool> safe = safeEvents(disk.events(), count);
+    const auto order = random() % 2 == 0 ? inOrder(count) : inAnyOrder(disk.events(), safe, random);
+    const std::size_t lost = random() % 101; // percent
+    const std::size_t torn = random() % 101; // percent of the rest
+    const auto fateOf = [&](std::size_t) {
+        if (random() % 100 < lost) {
+            return Fate::Lost;
         }
-    }
-    return std::move(replay).medium();
+        return random() % 100 < torn ? Fate::Torn : Fate::Reached;
+    };
+    return replayed(disk, safe, order, fateOf, [&] { return random() % 2 == 0; });
 }
 
 } // namespace crash

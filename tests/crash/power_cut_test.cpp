@@ -4,15 +4,14 @@
 #include "compound/memory_disk.h"
 #include "crash/library_dump.h"
 #include "crash/power_cut.h"
-#include "crash/random_states.h"
 #include "crash/scenarios.h"
+#include "crash/states.h"
 #include "store/picture_operations.h"
 
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace crash {
@@ -29,7 +28,7 @@ struct StepRecord {
     LibraryDump after;
 };
 
-class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compound::SectorSize>> {
+class PowerCut : public ::testing::TestWithParam<ScenarioOnSectors> {
   protected:
     void SetUp() override {
         const auto [index, sectorSize] = GetParam();
@@ -39,39 +38,79 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
             scenario.prepare(libraryOn(memory_));
         }
         recording_ = std::make_unique<RecordingDisk>(memory_, recordedFolders());
+        const store::Library library = libraryOn(*recording_); // one process, which remembers
         for (const Step& step : scenario.steps) {
-            runStep(step);
+            runStep(step, library);
         }
     }
 
-    void runStep(const Step& step) {
+    void runStep(const Step& step, const store::Library& library) {
         StepRecord record{&step, recording_->events().size(), 0, dumpOf(mediumOf(memory_)), {}};
-        step.run(libraryOn(*recording_));
+        step.run(library);
         record.endEvent = recording_->events().size();
         record.after = dumpOf(mediumOf(memory_));
         steps_.push_back(std::move(record));
     }
 
     // Cuts the power after `count` events, of which those of the last step begin inside `record`.
-    void expectOldOrNew(const StepRecord& record, std::size_t count, const ChooseFate& fateOf) {
-        const Medium medium =
-            cutPower(*recording_, count, fateOf, [this] { return random_() % 2 == 0; });
+    void cutAfter(const StepRecord& record, std::size_t count, const ChooseFate& fateOf) {
+        expectOldOrNew(record, count,
+                       cutPower(*recording_, count, fateOf, [this] { return random_() % 2 == 0; }));
+    }
+
+    void expectOldOrNew(const StepRecord& record, std::size_t count, const Medium& medium) {
         const LibraryDump dump = dumpOf(medium);
         const LibraryDump old = withoutTrashed(record.before, medium);
         const bool isDone = count == record.endEvent;
         const bool isAllowed =
-            dump == record.after || (!isDone && dump == old) ||
-            (!isDone && record.step->outcome == Outcome::OldNewOrBoth && dump == bothOf(record)) ||
-            (!isDone && isOneAfterTheOther(record, dump));
+            dump == record.after || (!isDone && isOnTheWay(*record.step, old, record.after, dump));
         ASSERT_TRUE(isAllowed) << record.step->name << ", cut after event "
                                << count - record.firstEvent << " of "
                                << record.endEvent - record.firstEvent
                                << "\nagainst the new state:\n"
                                << difference(record.after, dump) << "\nagainst the old one:\n"
                                << difference(old, dump);
+        countStates(Kind::PowerCut, record.step->name);
         if (++states_ % kAddEvery == 0) {
             expectAddWorks(medium);
         }
+    }
+
+    // What a killed program leaves is cleared away by the next listing.
+    void expectNothingLeft(const StepRecord& record, std::size_t count) {
+        const Medium killed =
+            cutPower(*recording_, count, [](std::size_t) { return Fate::Reached; }, {});
+        MemoryDisk disk;
+        fill(disk, killed);
+        store::groupFiles(libraryOn(disk));
+        for (const compound::FolderEntry& entry : disk.list(kLibraryFolder)) {
+            EXPECT_NE(entry.name.string().front(), '.') << entry.name;
+        }
+        const LibraryDump dump = dumpOf(mediumOf(disk));
+        Step step = *record.step;
+        step.outcome = Outcome::OldOrNew; // each group is there once
+        EXPECT_TRUE(isOnTheWay(step, withoutTrashed(record.before, killed), record.after, dump))
+            << step.name << ", killed after event " << count - record.firstEvent << '\n'
+            << difference(record.after, dump);
+    }
+
+    // The counts of events between one sync and the next, both included.
+    struct Gap {
+        std::size_t begin = 0;
+        std::size_t end = 0;
+    };
+    std::vector<Gap> gapsOf(const StepRecord& record) const {
+        std::vector<Gap> gaps;
+        Gap gap{record.firstEvent, record.firstEvent};
+        for (; gap.end < record.endEvent; ++gap.end) {
+            const EventKind kind = recording_->events()[gap.end].kind;
+            if (kind == EventKind::SyncFile || kind == EventKind::SyncFolder) {
+                gaps.push_back(gap);
+                gap.begin = gap.end + 1;
+            }
+        }
+        gaps.push_back(gap);
+        return gaps;
     }
 
     // A file that goes to the trash on the way is not lost, if it lies there whole.
@@ -84,24 +123,6 @@ class PowerCut : public ::testing::TestWithParam<std::tuple<std::size_t, compoun
             }
         }
         return dump;
-    }
-
-    // Whether some of the step's files are new already, in the order in which they become it.
-    static bool isOneAfterTheOther(const StepRecord& record, const LibraryDump& dump) {
-        LibraryDump reached = record.before;
-        for (const std::string& file : record.step->order) {
-            reached[file] = record.after.at(file);
-            if (dump == reached) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    static LibraryDump bothOf(const StepRecord& record) {
-        LibraryDump both = record.before;
-        both.insert(record.after.begin(), record.after.end());
-        return both;
     }
 
     // Whatever a crash leaves behind in unused sectors is in nobody's way.
@@ -137,35 +158,33 @@ TEST_P(PowerCut, AtEveryWriteLeavesTheOldOrTheNewState) {
         for (std::size_t count = record.firstEvent; count <= record.endEvent; ++count) {
             // All that was written so far; only what was synced; all, the last write torn; all but
             // the last but one.
-            expectOldOrNew(record, count, [](std::size_t) { return Fate::Reached; });
-            expectOldOrNew(record, count, [](std::size_t) { return Fate::Lost; });
-            expectOldOrNew(record, count, [&](std::size_t event) {
+            cutAfter(record, count, [](std::size_t) { return Fate::Reached; });
+            cutAfter(record, count, [](std::size_t) { return Fate::Lost; });
+            cutAfter(record, count, [&](std::size_t event) {
                 return event + 1 == count ? Fate::Torn : Fate::Reached;
             });
-            expectOldOrNew(record, count, [&](std::size_t event) {
+            cutAfter(record, count, [&](std::size_t event) {
                 return event + 2 == count ? Fate::Lost : Fate::Reached;
             });
+            expectNothingLeft(record, count);
+            if (HasFailure()) {
+                return;
+            }
         }
     }
 }
 
 TEST_P(PowerCut, WithAnyPartOfWhatWasNotSyncedLeavesTheOldOrTheNewState) {
-    const std::size_t weight = scenarios()[std::get<0>(GetParam())].weight;
-    const std::size_t share = randomStates() / (scenarios().size() * 2 * weight);
-    for (std::size_t state = 0; state < share; ++state) {
-        const StepRecord& record = steps_[random_() % steps_.size()];
-        const std::size_t events = record.endEvent - record.firstEvent;
-        const std::size_t count = record.firstEvent + random_() % (events + 1);
-        const std::size_t lost = random_() % 101; // percent
-        const std::size_t torn = random_() % 101; // percent of the rest
-        expectOldOrNew(record, count, [&](std::size_t) {
-            if (random_() % 100 < lost) {
-                return Fate::Lost;
+    for (const StepRecord& record : steps_) {
+        for (const Gap& gap : gapsOf(record)) {
+            for (std::size_t state = 0; state < statesOfAGap(); ++state) {
+                const std::size_t back = state % 2 * random_() % (gap.end - gap.begin + 1);
+                const std::size_t count = gap.end - back;
+                expectOldOrNew(record, count, cutPower(*recording_, count, random_));
+                if (HasFatalFailure()) {
+                    return;
+                }
             }
-            return random_() % 100 < torn ? Fate::Torn : Fate::Reached;
-        });
-        if (HasFatalFailure()) {
-            return;
         }
     }
 }
@@ -184,17 +203,7 @@ TEST(LargeFileScenario, NeedsTheFirstSectorOfTheAllocationSectorList) {
     EXPECT_EQ(listSectors(), std::byte{1});
 }
 
-std::string nameOf(const ::testing::TestParamInfo<PowerCut::ParamType>& info) {
-    const auto [scenario, sectorSize] = info.param;
-    return scenarios()[scenario].name +
-           (sectorSize == compound::SectorSize::Bytes512 ? "512" : "4096");
-}
-
-INSTANTIATE_TEST_SUITE_P(Store, PowerCut,
-                         ::testing::Combine(::testing::Range(std::size_t{0}, scenarios().size()),
-                                            ::testing::Values(compound::SectorSize::Bytes4096,
-                                                              compound::SectorSize::Bytes512)),
-                         nameOf);
+INSTANTIATE_TEST_SUITE_P(Store, PowerCut, everyScenario(), nameOf);
 
 } // namespace
 } // namespace crash

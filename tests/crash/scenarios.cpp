@@ -6,11 +6,13 @@
 #include "crash/library_dump.h"
 #include "store/damaged_groups.h"
 #include "store/group_import.h"
+#include "store/group_in_the_making.h"
 #include "store/group_layout.h"
 #include "store/group_operations.h"
 #include "store/picture_operations.h"
 #include "store/pictures_from_files.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -86,6 +88,11 @@ void addFailingBatch(const Library& library, const GroupAddress& group) {
     throw std::logic_error("a broken picture was taken");
 }
 
+Step told(Step step) {
+    step.isTold = true;
+    return step;
+}
+
 std::vector<Scenario> groupScenarios() {
     return {
         {"CreateGroups",
@@ -94,7 +101,11 @@ std::vector<Scenario> groupScenarios() {
           {"create a sub-group",
            [](const Library& library) { store::createGroup(library, kPumps, {u"Screw"}); }},
           {"create one two deep",
-           [](const Library& library) { store::createGroup(library, kRotary, {u"Bronze"}); }}}},
+           [](const Library& library) { store::createGroup(library, kRotary, {u"Bronze"}); }},
+          {"create one in place of another",
+           [](const Library& library) {
+               store::createGroup(library, std::nullopt, {u"Valves"}, store::IfTaken::Replace);
+           }}}},
         {"RenameSubGroup",
          {{"rename a sub-group",
            [](const Library& library) { store::renameGroup(library, kRotary, {u"Vane"}); }},
@@ -109,7 +120,12 @@ std::vector<Scenario> groupScenarios() {
           {"add to the new file",
            [](const Library& library) {
                add(library, store::topLevelAddress(u"Machines"), u"after", 4097);
-           }}}},
+           }},
+          {"change the case of its name only",
+           [](const Library& library) {
+               store::renameGroup(library, store::topLevelAddress(u"Machines"), {u"MACHINES"});
+           },
+           Outcome::OldNewOrBoth}}},
         {"DeleteGroupTree",
          {{"delete a group and the one below it",
            [](const Library& library) { store::deleteGroup(library, kRotary); }},
@@ -131,8 +147,8 @@ std::vector<Scenario> groupScenarios() {
         {"SetAside",
          {{"set a damaged file aside, an older one being there",
            [](const Library& library) { store::setAside(library, {u"Broken"}); }},
-          {"clear away what is set aside",
-           [](const Library& library) { store::removeDamagedFiles(library); }}}},
+          told({"clear away what is set aside",
+                [](const Library& library) { store::removeDamagedFiles(library); }})}},
     };
 }
 
@@ -161,41 +177,91 @@ Scenario importScenario() {
     const auto merge = [tanks](const Library& library) {
         store::mergeGroupFile(library, kRotary, tanks);
     };
-    Scenario scenario{
-        "ImportAndExport",
-        {{"import as a top-level group",
-          [tanks](const Library& library) { store::importGroupFile(library, tanks); }},
-         {"merge two deep",
-          merge,
-          Outcome::OldOrNew,
-          {"Pumps.stg", "/elsewhere/Tanks.stg.bak", "/elsewhere/Tanks.stg"}},
-         {"merge it again, renumbered",
-          [tanks](const Library& library) { store::mergeGroupFile(library, kPumps, tanks); }},
-         {"merge a file of the library",
-          [](const Library& library) {
-              store::mergeGroupFile(library, kSteel, store::pathOf(library, {u"Valves"}));
-          }},
-         {"export a group",
-          [elsewhere](const Library& library) {
-              store::exportGroup(library, kRotary, elsewhere / "Rotary.stg");
-          }},
-         {"export in its place", [elsewhere](const Library& library) {
-              store::exportGroup(library, kSteel, elsewhere / "Rotary.stg",
-                                 store::IfTaken::Replace);
-          }}}};
-    scenario.prepare = makeImported;
-    return scenario;
+    return {"ImportAndExport",
+            {{"import as a top-level group",
+              [tanks](const Library& library) { store::importGroupFile(library, tanks); }},
+             told({"merge two deep",
+                   merge,
+                   Outcome::OldOrNew,
+                   {"Pumps.stg", "/elsewhere/Tanks.stg.bak", "/elsewhere/Tanks.stg"}}),
+             {"merge it again, renumbered",
+              [tanks](const Library& library) { store::mergeGroupFile(library, kPumps, tanks); }},
+             {"merge a file of the library",
+              [](const Library& library) {
+                  store::mergeGroupFile(library, kSteel, store::pathOf(library, {u"Valves"}));
+              }},
+             {"export a group",
+              [elsewhere](const Library& library) {
+                  store::exportGroup(library, kRotary, elsewhere / "Rotary.stg");
+              }},
+             {"export a whole file in its place", [elsewhere](const Library& library) {
+                  store::exportGroup(library, kPumps, elsewhere / "Rotary.stg",
+                                     store::IfTaken::Replace);
+              }}}};
 }
 
 Scenario fillScenario() {
     return {"GroupsFromFiles",
-            {{"a sub-group",
-              [](const Library& library) {
-                  store::createGroupFromFiles(library, kRotary, {u"Many"}, sources());
-              }},
-             {"a top-level group", [](const Library& library) {
-                  store::createGroupFromFiles(library, std::nullopt, {u"Many"}, sources());
+            {told({"a sub-group of files",
+                   [](const Library& library) {
+                       store::createGroupFromFiles(library, kRotary, {u"Many"}, sources());
+                   }}),
+             told({"a top-level group of files",
+                   [](const Library& library) {
+                       store::createGroupFromFiles(library, std::nullopt, {u"Many"}, sources());
+                   }}),
+             told({"add files to a group",
+                   [](const Library& library) {
+                       store::addFiles(library, kSteel, sources(), IfPictureExists::Replace);
+                   }}),
+             {"a top-level group in place of another", [](const Library& library) {
+                  store::GroupInTheMaking group(library, std::nullopt, {u"Valves"},
+                                                store::IfTaken::Replace);
+                  group.add({u"gate"}, store::readPictureSource(library, sourceOf(9000)));
+                  group.commit();
               }}}};
+}
+
+// Killed in the middle of a move, and with an unfinished file.
+void leaveThingsBehind(const Library& library) {
+    auto& disk = dynamic_cast<MemoryDisk&>(library.disk);
+    bool isKilled = false;
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        isKilled = isKilled || call == MemoryDisk::Call::SyncFolder;
+        if (isKilled) {
+            throw compound::Error(compound::ErrorCode::Failed, {}, "killed");
+        }
+    });
+    try {
+        store::renameGroup(library, store::topLevelAddress(u"Valves"), {u"Fittings"});
+    } catch (const compound::Error&) {
+        disk.setInterceptor({});
+    }
+    writeFile(disk, std::filesystem::path(kLibraryFolder) / ".txs-0123456789abcdef.new", "");
+}
+
+void readEverything(const Library& library) {
+    for (const GroupAddress& group : {kPumps, kRotary, kSteel}) {
+        for (const store::PictureEntry& picture : store::listPictures(library, group)) {
+            store::readPicture(library, group, picture.name);
+        }
+        store::readGroupSize(library, group);
+        store::listPictureNames(library, group);
+    }
+}
+
+std::vector<Scenario> otherScenarios() {
+    Scenario leftovers{"Leftovers",
+                       {told({"clear what a killed program has left",
+                              [](const Library& library) { store::groupFiles(library); },
+                              Outcome::OldNewOrBoth})}};
+    leftovers.prepare = leaveThingsBehind;
+    return {std::move(leftovers),
+            {"Reading",
+             {{"read everything", readEverything},
+              {"write a picture to a file", [](const Library& library) {
+                   store::exportPicture(library, kSteel, {u"sheet"}, kElsewhereFolder, "copy");
+               }}}}};
 }
 
 std::vector<Scenario> pictureScenarios() {
@@ -251,7 +317,6 @@ Scenario largeFileScenario() {
         writeSource(library.disk, kBeyond);
         add(library, kSteel, u"huge", kHuge);
     };
-    scenario.weight = 20;
     return scenario;
 }
 
@@ -259,6 +324,9 @@ std::vector<Scenario> allScenarios() {
     std::vector<Scenario> all = groupScenarios();
     all.push_back(importScenario());
     all.push_back(fillScenario());
+    for (Scenario& scenario : otherScenarios()) {
+        all.push_back(std::move(scenario));
+    }
     for (Scenario& scenario : pictureScenarios()) {
         all.push_back(std::move(scenario));
     }
@@ -266,32 +334,15 @@ std::vector<Scenario> allScenarios() {
     return all;
 }
 
+// All but those of the large file, whose sources are not there.
 std::vector<Step> allCommands() {
-    return {
-        {"add a small picture", [](const Library& library) { add(library, kPumps, u"tiny", 7); }},
-        {"add or replace a large one",
-         [](const Library& library) { add(library, kRotary, u"big", 30000); }},
-        {"replace one by a larger one",
-         [](const Library& library) { add(library, kPumps, u"pump", 9000); }},
-        {"replace one by a smaller one",
-         [](const Library& library) { add(library, kPumps, u"pump", 64); }},
-        {"delete a large one",
-         [](const Library& library) { store::deletePicture(library, kSteel, {u"sheet"}); }},
-        {"rename a picture",
-         [](const Library& library) {
-             store::renamePicture(library, kPumps, {u"drawing"}, {u"a much longer name"});
-         }},
-        {"rename it back",
-         [](const Library& library) {
-             store::renamePicture(library, kPumps, {u"a much longer name"}, {u"drawing"});
-         }},
-        {"add many", [](const Library& library) { addBatch(library, kSteel, 12); }},
-        {"make a sub-group",
-         [](const Library& library) { store::createGroup(library, kPumps, {u"Screw"}); }},
-        {"rename a sub-group",
-         [](const Library& library) { store::renameGroup(library, kRotary, {u"Vane"}); }},
-        {"delete a sub-group", [](const Library& library) { store::deleteGroup(library, kSteel); }},
-    };
+    std::vector<Step> commands;
+    for (const Scenario& scenario : scenarios()) {
+        if (&scenario != &scenarios().back()) {
+            commands.insert(commands.end(), scenario.steps.begin(), scenario.steps.end());
+        }
+    }
+    return commands;
 }
 
 void makeEmptyGroupFile(const Library& library, const GroupAddress& group,
@@ -308,6 +359,30 @@ void makeEmptyGroupFile(const Library& library, const GroupAddress& group,
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = allScenarios();
     return all;
+}
+
+bool isOnTheWay(const Step& step, const LibraryDump& before, const LibraryDump& after,
+                const LibraryDump& dump) {
+    if (dump == before || dump == after) {
+        return true;
+    }
+    LibraryDump both = before;
+    both.insert(after.begin(), after.end());
+    if (step.outcome == Outcome::OldNewOrBoth && dump == both) {
+        return true;
+    }
+    // Some of the step's files are new already, in the order in which they become it.
+    LibraryDump reached = before;
+    return std::any_of(step.order.begin(), step.order.end(), [&](const std::string& file) {
+        reached[file] = after.at(file);
+        return dump == reached;
+    });
+}
+
+std::string nameOf(const ::testing::TestParamInfo<ScenarioOnSectors>& info) {
+    const auto [scenario, sectorSize] = info.param;
+    return scenarios()[scenario].name +
+           (sectorSize == compound::SectorSize::Bytes512 ? "512" : "4096");
 }
 
 const std::vector<Step>& commands() {
@@ -332,6 +407,7 @@ void prepareLibrary(compound::Disk& disk, compound::SectorSize sectorSize) {
     add(library, kSteel, u"bolt", 64);
     add(library, kSteel, u"sheet", 30000);
     add(library, store::topLevelAddress(u"Valves"), u"ball valve", 65);
+    makeImported(library);
     const std::filesystem::path folder = kLibraryFolder;
     writeFile(disk, folder / "Broken.stg", "this is no group file");
     writeFile(disk, folder / "Broken.err", "an older one");

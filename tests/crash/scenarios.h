@@ -1,11 +1,14 @@
-// The store operations whose power is cut.
+// The store operations: all of them, for every kind of trouble.
 #pragma once
 
 #include "compound/compound_file.h"
+#include "crash/library_dump.h"
 #include "store/library.h"
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace crash {
@@ -19,19 +22,34 @@ struct Step {
     std::function<void(const store::Library&)> run;
     Outcome outcome = Outcome::OldOrNew;
     std::vector<std::string> order =
-        {}; // the files (as in the dump) of a step that changes several
+        {};              // the files (as in the dump) of a step that changes several
+    bool isTold = false; // what fails may be told in the result, and the rest done
 };
 
 struct Scenario {
     std::string name; // letters only, part of the test's name
     std::vector<Step> steps;
     std::function<void(const store::Library&)> prepare = nullptr; // not recorded
-    std::size_t weight = 1; // how many times fewer states there is time for
 };
 
 const std::vector<Scenario>& scenarios();
 
-// Commands that can be run in any order, each on whatever the others have left.
+// For parametrised tests: a scenario's index, and the sectors of its file.
+using ScenarioOnSectors = std::tuple<std::size_t, compound::SectorSize>;
+
+inline auto everyScenario() {
+    return ::testing::Combine(
+        ::testing::Range(std::size_t{0}, scenarios().size()),
+        ::testing::Values(compound::SectorSize::Bytes4096, compound::SectorSize::Bytes512));
+}
+
+std::string nameOf(const ::testing::TestParamInfo<ScenarioOnSectors>& info);
+
+// Whether a library is as before the step, or on the way to what is after it, as the step allows.
+bool isOnTheWay(const Step& step, const LibraryDump& before, const LibraryDump& after,
+                const LibraryDump& dump);
+
+// The steps of all scenarios, each to be run on whatever others have left.
 const std::vector<Step>& commands();
 
 // The library that every scenario begins with: the groups Pumps (with sub-groups two deep) and
