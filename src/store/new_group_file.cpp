@@ -30,16 +30,23 @@ void NewGroupFile::create(Content content) {
     }
 }
 
-// Between creating and locking, another program may take the file for a leftover and remove it.
+// Between creating and locking, another program may take the file for a leftover and remove it. The
+// name may be taken as well: processes that one has forked draw the same ones.
 std::unique_ptr<compound::DiskFile> NewGroupFile::createLocked(const std::filesystem::path& folder,
                                                                Content content) {
     constexpr int kTries = 10;
     for (int i = 0; i < kTries; ++i) {
         temporary_ = folder / nameInTheMaking();
-        auto created = content == Content::Copied ? library_.disk.createPrivate(temporary_)
-                                                  : library_.disk.create(temporary_);
-        if (auto locked = lockNew(library_, std::move(created))) {
-            return locked;
+        try {
+            auto created = content == Content::Copied ? library_.disk.createPrivate(temporary_)
+                                                      : library_.disk.create(temporary_);
+            if (auto locked = lockNew(library_, std::move(created))) {
+                return locked;
+            }
+        } catch (const Error& error) {
+            if (error.code() != ErrorCode::Exists) {
+                throw;
+            }
         }
     }
     throw Error(ErrorCode::Locked, temporary_, "the file is in use by another program");
