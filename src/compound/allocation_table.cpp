@@ -340,11 +340,7 @@ bool AllocationTable::moveDifat() {
     return any;
 }
 
-void AllocationTable::writeRange(std::uint32_t index) {
-    file_.write(fatSectors_[index], ranges_[index]->bytes);
-}
-
-void AllocationTable::writeDifatSector(std::size_t index) {
+std::vector<std::byte> AllocationTable::difatSector(std::size_t index) const {
     std::vector<std::byte> bytes(file_.sectorSize());
     const std::uint32_t perDifat = perSector_ - 1;
     for (std::uint32_t i = 0; i < perDifat; ++i) {
@@ -354,7 +350,7 @@ void AllocationTable::writeDifatSector(std::size_t index) {
     }
     write32(bytes.data() + std::size_t{4} * perDifat,
             index + 1 < difatSectors_.size() ? difatSectors_[index + 1] : kEndOfChain);
-    file_.write(difatSectors_[index], bytes);
+    return bytes;
 }
 
 // Lets go of the last FAT sectors when the sectors that they describe are all free, so that the
@@ -385,7 +381,7 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
     }
 }
 
-void AllocationTable::writeOut(std::uint64_t reserve) {
+void AllocationTable::writeOut(std::uint64_t reserve, SectorWrites& writes) {
     dropEmptyRanges(reserve);
     // Moving one sector changes entries, which may lie in a FAT sector not yet moved; each sector
     // moves once, so this ends.
@@ -395,11 +391,11 @@ void AllocationTable::writeOut(std::uint64_t reserve) {
     }
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         if (ranges_[index] && ranges_[index]->dirty) {
-            writeRange(index);
+            writes.add(fatSectors_[index], std::span<const std::byte>(ranges_[index]->bytes));
         }
     }
     for (std::size_t index = 0; index < difatMoved_; ++index) {
-        writeDifatSector(index);
+        writes.add(difatSectors_[index], difatSector(index));
     }
     header_.fatSectors = static_cast<std::uint32_t>(fatSectors_.size());
     header_.difatSectors = static_cast<std::uint32_t>(difatSectors_.size());

@@ -9,6 +9,7 @@
 #include "compound/header.h"
 #include "compound/sector_file.h"
 #include "compound/sector_set.h"
+#include "compound/sector_writes.h"
 
 #include <cstdint>
 #include <memory>
@@ -62,9 +63,9 @@ class AllocationTable {
     // Whether this transaction has taken the sector, so that it may be written in place.
     bool isFresh(std::uint32_t sector) const { return fresh_.contains(sector); }
 
-    // Writes all changed FAT sectors and the DIFAT to new places and tells the header of them. FAT
-    // sectors at the end that describe nothing go, as long as `reserve` sectors stay free.
-    void writeOut(std::uint64_t reserve);
+    // Has all changed FAT sectors and the DIFAT written to new places and tells the header of them.
+    // FAT sectors at the end that describe nothing go, as long as `reserve` sectors stay free.
+    void writeOut(std::uint64_t reserve, SectorWrites& writes);
 
     // Comes before the first change of another program's file: its FAT and DIFAT sectors are marked
     // as such, and the whole DIFAT is written anew by the next writeOut(). Damaged when a chain
@@ -162,8 +163,7 @@ class AllocationTable {
     void releaseTable(std::uint32_t sector);
     bool moveFatSectors();
     bool moveDifat();
-    void writeRange(std::uint32_t index);
-    void writeDifatSector(std::size_t index);
+    std::vector<std::byte> difatSector(std::size_t index) const; // its bytes
 
     SectorFile& file_;
     Header& header_;

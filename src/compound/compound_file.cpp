@@ -177,6 +177,13 @@ Stream Storage::openStream(std::u16string_view name) const {
     return {file_, require(*file_, id_, name, EntryType::Stream)};
 }
 
+Storage Storage::openStorage(const Element& element) const {
+    if (element.kind != ElementKind::Storage) {
+        throw notFound(*file_, element.name);
+    }
+    return {file_, element.id};
+}
+
 Stream Storage::openStream(const Element& element) const {
     if (element.kind != ElementKind::Stream) {
         throw notFound(*file_, element.name);

@@ -110,7 +110,10 @@ class Storage {
     // NotFound also when the element is of the other kind.
     Storage openStorage(std::u16string_view name) const;
     Stream openStream(std::u16string_view name) const;
-    Stream openStream(const Element& element) const; // no search; the element of a cursor or find()
+
+    // The same without a search, for the element of a cursor or of find().
+    Storage openStorage(const Element& element) const;
+    Stream openStream(const Element& element) const;
 
     // Exists when the name is taken (in any case) and `ifExists` is Refuse; Replace destroys the
     // element first, whatever its kind. InvalidName.

@@ -40,28 +40,16 @@ DirectoryEntries::DirectoryEntries(SectorFile& file, SectorChain& chain, std::ui
       pageShift_(static_cast<unsigned>(std::countr_zero(perPage_))),
       sizeMask_(sizeMask) {}
 
-const std::byte* DirectoryEntries::raw(EntryId id) {
-    return chain_.read(id >> pageShift_) + kEntrySize * (id & (perPage_ - 1));
-}
-
 std::uint64_t DirectoryEntries::count() {
     return std::uint64_t{chain_.count()} * perPage_;
 }
 
-std::uint64_t DirectoryEntries::bound() const {
-    return (std::uint64_t{file_.count()} + chain_.walked()) * perPage_;
+void DirectoryEntries::throwNoElement(EntryId id) const {
+    throwDamaged("directory entry " + std::to_string(id) + " is no element");
 }
 
-const std::byte* DirectoryEntries::element(EntryId id) {
-    const std::byte* const at = raw(id);
-    const EntryType type = typeOf(at);
-    const bool known = id == kRoot ? type == EntryType::Root
-                                   : type == EntryType::Storage || type == EntryType::Stream;
-    const std::uint16_t nameBytes = read16(at + entry::kNameBytesAt);
-    if (!known || nameBytes < 4 || nameBytes > 64 || nameBytes % 2 != 0) {
-        file_.throwDamaged("directory entry " + std::to_string(id) + " is no element");
-    }
-    return at;
+void DirectoryEntries::throwLeadsToRoot(EntryId id) const {
+    throwDamaged("directory entry " + std::to_string(id) + " leads back to the root");
 }
 
 std::byte* DirectoryEntries::change(EntryId id) {
@@ -99,14 +87,6 @@ DirectoryEntries::Content DirectoryEntries::content(EntryId id) {
 
 std::uint32_t DirectoryEntries::start(EntryId id) {
     return read32(element(id) + entry::kStartAt);
-}
-
-EntryId DirectoryEntries::link(EntryId id, std::size_t at) {
-    const EntryId value = read32(element(id) + at);
-    if (value == kRoot) {
-        throwDamaged("directory entry " + std::to_string(id) + " leads back to the root");
-    }
-    return value;
 }
 
 Colour DirectoryEntries::colour(EntryId id) {

@@ -55,10 +55,14 @@ class DirectoryEntries {
     int compare(std::u16string_view name, EntryId id);
 
     // No walk of a sound file meets more entries than this.
-    std::uint64_t bound() const;
+    std::uint64_t bound() const {
+        return (std::uint64_t{file_.count()} + chain_.walked()) * perPage_;
+    }
 
     // The entry's bytes in any state.
-    const std::byte* raw(EntryId id);
+    const std::byte* raw(EntryId id) {
+        return chain_.read(id >> pageShift_) + format::kEntrySize * (id & (perPage_ - 1));
+    }
     std::byte* change(EntryId id);
     std::uint64_t count(); // free ones included
 
@@ -73,8 +77,30 @@ class DirectoryEntries {
     std::uint32_t perPage_;
 
   private:
-    const std::byte* element(EntryId id);
-    EntryId link(EntryId id, std::size_t at);
+    const std::byte* element(EntryId id) {
+        const std::byte* const at = raw(id);
+        if (!isElement(id, at)) {
+            throwNoElement(id);
+        }
+        return at;
+    }
+    EntryId link(EntryId id, std::size_t at) {
+        const EntryId value = format::read32(element(id) + at);
+        if (value == kRoot) {
+            throwLeadsToRoot(id);
+        }
+        return value;
+    }
+    static bool isElement(EntryId id, const std::byte* raw) {
+        const auto type = static_cast<format::EntryType>(raw[format::entry::kTypeAt]);
+        const bool known =
+            id == kRoot ? type == format::EntryType::Root
+                        : type == format::EntryType::Storage || type == format::EntryType::Stream;
+        const std::uint16_t nameBytes = format::read16(raw + format::entry::kNameBytesAt);
+        return known && nameBytes >= 4 && nameBytes <= 64 && nameBytes % 2 == 0;
+    }
+    [[noreturn]] void throwNoElement(EntryId id) const;
+    [[noreturn]] void throwLeadsToRoot(EntryId id) const;
 
     unsigned pageShift_; // of perPage_, a power of two
     std::uint64_t sizeMask_;

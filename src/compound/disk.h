@@ -53,6 +53,10 @@ class DiskFile {
     // Writes all of `bytes` at byte `offset`; a write past the end extends the file.
     virtual void write(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
 
+    // The same for bytes that lie in several pieces of memory, one behind the other in the file.
+    virtual void writeParts(std::uint64_t offset,
+                            std::span<const std::span<const std::byte>> parts);
+
     // Returns once everything written so far, and the file's length, is on the medium.
     virtual void sync() = 0;
 

@@ -49,7 +49,7 @@ FileState::FileState(std::unique_ptr<DiskFile> file, const Header& committed, Ac
       access_(access),
       isNew_(isNew),
       isDurable_(isNew),
-      lengthBefore_(file_.disk().size()),
+      lengthBefore_(file_.refresh()),
       parts_(std::make_unique<Parts>(file_, header_)) {
     if (!isNew_) {
         return;
@@ -157,12 +157,14 @@ void FileState::commit() {
     }
     requireWhole();
     inPieces_ = true;
-    parts_->mini.writeOut();
+    SectorWrites writes;
+    parts_->mini.writeOut(writes);
     header_.firstDirectory = parts_->directoryChain.first();
     header_.directorySectors = header_.majorVersion == 3 ? 0 : parts_->directoryChain.count();
-    parts_->directoryChain.writeOut();
+    parts_->directoryChain.writeOut(writes);
     keepReserve();
-    parts_->table.writeOut(reserve());
+    parts_->table.writeOut(reserve(), writes);
+    writes.writeTo(file_);
     header_.transaction = nextTransaction(committed_);
     file_.disk().sync();
     writeHeader();
@@ -286,7 +288,7 @@ void FileState::restoreLength() noexcept {
     try {
         if (file_.disk().size() > lengthBefore_) {
             file_.disk().truncate(lengthBefore_);
-            file_.refresh();
+            (void)file_.refresh();
         }
     } catch (const std::exception&) {
         return;

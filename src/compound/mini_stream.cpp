@@ -1,6 +1,7 @@
 #include "compound/mini_stream.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <string>
 
@@ -15,7 +16,9 @@ MiniStream::MiniStream(SectorFile& file, Header& header, AllocationTable& table,
       allocation_(table),
       directory_(directory),
       perPage_(file.sectorSize() / 4),
-      miniPerPage_(file.sectorSize() / kMiniSectorSize) {}
+      miniPerPage_(file.sectorSize() / kMiniSectorSize),
+      pageShift_(static_cast<unsigned>(std::countr_zero(perPage_))),
+      miniShift_(static_cast<unsigned>(std::countr_zero(miniPerPage_))) {}
 
 void MiniStream::load() {
     if (data_) {
@@ -52,7 +55,7 @@ std::uint32_t MiniStream::count() {
 
 std::uint32_t MiniStream::entry(std::uint32_t mini) {
     load();
-    return read32(table_->read(mini / perPage_) + std::size_t{4} * (mini % perPage_));
+    return read32(table_->read(mini >> pageShift_) + std::size_t{4} * (mini & (perPage_ - 1)));
 }
 
 std::uint32_t MiniStream::next(std::uint32_t mini) {
@@ -79,10 +82,10 @@ void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::
         if (skip > 0) {
             --skip;
         } else {
-            const std::byte* const page = data_->read(mini / miniPerPage_);
+            const std::byte* const page = data_->read(mini >> miniShift_);
+            const std::size_t place = std::size_t{kMiniSectorSize} * (mini & (miniPerPage_ - 1));
             const std::size_t part = std::min(into.size() - done, kMiniSectorSize - within);
-            std::memcpy(into.data() + done,
-                        page + std::size_t{kMiniSectorSize} * (mini % miniPerPage_) + within, part);
+            std::memcpy(into.data() + done, page + place + within, part);
             done += part;
             within = 0;
         }
@@ -176,19 +179,19 @@ void MiniStream::releaseChain(std::uint32_t first) {
     exhausted_ = false;
 }
 
-void MiniStream::writeOut() {
+void MiniStream::writeOut(SectorWrites& writes) {
     if (!data_) {
         return;
     }
     if (data_->hasChanges()) {
         directory_.setContent(DirectoryEntries::kRoot, data_->first(),
                               std::uint64_t{count_} * kMiniSectorSize);
-        data_->writeOut();
+        data_->writeOut(writes);
     }
     if (table_->hasChanges()) {
         header_.firstMiniFat = table_->first();
         header_.miniFatSectors = table_->count();
-        table_->writeOut();
+        table_->writeOut(writes);
     }
 }
 

@@ -26,9 +26,9 @@ class MiniStream {
 
     void releaseChain(std::uint32_t first);
 
-    // Writes changed pages to their new places and tells the header and the root entry of them;
-    // comes before the directory's own writeOut().
-    void writeOut();
+    // Has changed pages written to their new places and tells the header and the root entry of
+    // them; comes before the directory's own writeOut().
+    void writeOut(SectorWrites& writes);
     void committed();
 
     // The mini sector behind `mini` in its chain, or kEndOfChain.
@@ -55,6 +55,8 @@ class MiniStream {
     DirectoryEntries& directory_;
     std::uint32_t perPage_;     // entries of one mini FAT sector
     std::uint32_t miniPerPage_; // mini sectors of one sector of the mini stream
+    unsigned pageShift_;        // of perPage_, a power of two
+    unsigned miniShift_;        // and of miniPerPage_
     // Made by load(), when first needed: the mini stream's start is in the root entry.
     std::unique_ptr<SectorChain> table_;
     std::unique_ptr<SectorChain> data_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
 
 namespace compound {
 namespace {
@@ -34,10 +35,10 @@ int compareNames(std::u16string_view left, std::u16string_view right) noexcept {
     if (left.size() != right.size()) {
         return left.size() < right.size() ? -1 : 1;
     }
+    if (left.empty() || std::memcmp(left.data(), right.data(), 2 * left.size()) == 0) {
+        return 0;
+    }
     for (std::size_t i = 0; i < left.size(); ++i) {
-        if (left[i] == right[i]) {
-            continue;
-        }
         const int difference = int{toUpper(left[i])} - int{toUpper(right[i])};
         if (difference != 0) {
             return difference;

@@ -124,24 +124,14 @@ std::uint32_t SectorChain::append(std::byte fill) {
     return index;
 }
 
-void SectorChain::writeOut() {
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> places; // sector, page
+void SectorChain::writeOut(SectorWrites& writes) {
+    if (!anyDirty_) {
+        return;
+    }
     for (std::uint32_t index = 0; index < pages_.size(); ++index) {
         if (pages_[index].dirty) {
-            places.emplace_back(sectors_[index], index);
-        }
-    }
-    std::sort(places.begin(), places.end());
-    std::vector<std::byte> run;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        Page& page = pages_[places[i].second];
-        run.insert(run.end(), page.bytes, page.bytes + file_.sectorSize());
-        page.dirty = false;
-        const bool ends = i + 1 == places.size() || places[i + 1].first != places[i].first + 1;
-        if (ends) {
-            const std::size_t length = run.size() / file_.sectorSize();
-            file_.write(places[i].first - static_cast<std::uint32_t>(length) + 1, run);
-            run.clear();
+            writes.add(sectors_[index], std::span(pages_[index].bytes, file_.sectorSize()));
+            pages_[index].dirty = false;
         }
     }
 }

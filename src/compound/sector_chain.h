@@ -7,6 +7,7 @@
 
 #include "compound/allocation_table.h"
 #include "compound/sector_file.h"
+#include "compound/sector_writes.h"
 
 #include <cstdint>
 #include <memory>
@@ -46,8 +47,8 @@ class SectorChain {
 
     bool hasChanges() const { return anyDirty_; }
 
-    // Writes all changed pages to their new places.
-    void writeOut();
+    // Has all changed pages written to their new places.
+    void writeOut(SectorWrites& writes);
     void committed() { anyDirty_ = false; }
 
     const std::vector<std::uint32_t>& sectors(); // the whole chain

@@ -8,9 +8,7 @@
 namespace compound {
 
 SectorFile::SectorFile(std::unique_ptr<DiskFile> file, std::uint32_t sectorSize)
-    : file_(std::move(file)), sectorSize_(sectorSize), count_(0) {
-    refresh();
-}
+    : file_(std::move(file)), sectorSize_(sectorSize), count_(0) {}
 
 std::uint32_t SectorFile::sectorsIn(std::uint64_t length, std::uint32_t sectorSize) {
     const std::uint64_t sectors = (length + sectorSize - 1) / sectorSize;
@@ -19,8 +17,10 @@ std::uint32_t SectorFile::sectorsIn(std::uint64_t length, std::uint32_t sectorSi
         std::min<std::uint64_t>(behindHeader, format::kMaximumSector));
 }
 
-void SectorFile::refresh() {
-    count_ = sectorsIn(file_->size(), sectorSize_);
+std::uint64_t SectorFile::refresh() {
+    const std::uint64_t length = file_->size();
+    count_ = sectorsIn(length, sectorSize_);
+    return length;
 }
 
 void SectorFile::setDisk(std::unique_ptr<DiskFile> file, std::uint64_t length) {
@@ -36,10 +36,14 @@ void SectorFile::readPart(std::uint32_t first, std::uint32_t within, std::span<s
     std::fill(into.begin() + static_cast<std::ptrdiff_t>(length), into.end(), std::byte{0});
 }
 
-void SectorFile::write(std::uint32_t first, std::span<const std::byte> bytes) {
+void SectorFile::write(std::uint32_t first, std::span<const std::span<const std::byte>> parts) {
     extend(first);
-    file_->write(lengthOf(first), bytes);
-    count_ = std::max(count_, first + static_cast<std::uint32_t>(bytes.size() / sectorSize_));
+    file_->writeParts(lengthOf(first), parts);
+    std::size_t bytes = 0;
+    for (const std::span<const std::byte> part : parts) {
+        bytes += part.size();
+    }
+    count_ = std::max(count_, first + static_cast<std::uint32_t>(bytes / sectorSize_));
 }
 
 void SectorFile::extend(std::uint32_t count) {

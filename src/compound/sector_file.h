@@ -14,6 +14,7 @@ namespace compound {
 
 class SectorFile {
   public:
+    // Comes before anything else: refresh().
     SectorFile(std::unique_ptr<DiskFile> file, std::uint32_t sectorSize);
 
     std::uint32_t sectorSize() const { return sectorSize_; }
@@ -30,7 +31,12 @@ class SectorFile {
 
     // Writes whole neighbouring sectors. Those that are passed over behind the file's end get their
     // place on the medium as well, so that none inside the file ever wants for space.
-    void write(std::uint32_t first, std::span<const std::byte> bytes);
+    void write(std::uint32_t first, std::span<const std::byte> bytes) {
+        write(first, std::span(&bytes, 1));
+    }
+
+    // The same for what lies in several pieces of memory, together whole sectors.
+    void write(std::uint32_t first, std::span<const std::span<const std::byte>> parts);
 
     // The file's length when it ends with sector `count` - 1.
     std::uint64_t lengthOf(std::uint64_t count) const { return (count + 1) * sectorSize_; }
@@ -39,8 +45,8 @@ class SectorFile {
     void setDisk(std::unique_ptr<DiskFile> file, std::uint64_t length);
     std::unique_ptr<DiskFile> takeDisk() { return std::move(file_); }
 
-    // Counts anew after the file's length was changed from outside.
-    void refresh();
+    // Counts anew after the file's length was changed from outside; returns the length.
+    std::uint64_t refresh();
 
     // Lengthens the file to `count` sectors, all with their place on the medium. NoSpace.
     void extend(std::uint32_t count);

@@ -3,6 +3,7 @@
 #include "compound/error.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 namespace compound {
@@ -144,16 +145,11 @@ void StreamContent::writeSectors(std::span<const std::uint32_t> sectors,
         while (to < sectors.size() && sectors[to] == sectors[to - 1] + 1) {
             ++to;
         }
-        const std::size_t whole = std::min(to * size, bytes.size() / size * size);
-        if (whole > from * size) {
-            file_.write(sectors[from], bytes.subspan(from * size, whole - from * size));
-        }
-        if (to * size > bytes.size()) { // the last sector is filled up with zeros
-            std::vector<std::byte> last(size);
-            std::copy(bytes.begin() + static_cast<std::ptrdiff_t>(whole), bytes.end(),
-                      last.begin());
-            file_.write(sectors[to - 1], last);
-        }
+        const std::size_t end = std::min(to * size, bytes.size());
+        const std::vector<std::byte> rest(to * size - end); // of the last sector, zeros
+        const std::array<std::span<const std::byte>, 2> parts{
+            bytes.subspan(from * size, end - from * size), rest};
+        file_.write(sectors[from], std::span(parts).first(rest.empty() ? 1 : 2));
         from = to;
     }
 }

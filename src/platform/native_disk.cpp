@@ -15,6 +15,7 @@
 #include <memory>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -56,11 +57,13 @@ class NativeFile final : public DiskFile {
           opened_(opened),
           timeOfDay_(surroundings.timeOfDay),
           isShared_(surroundings.volumes == Volumes::AllShared ||
-                    isSharedVolume(descriptor_.get())) {}
+                    isSharedVolume(descriptor_.get(), opened.st_dev)) {}
 
     const std::filesystem::path& path() const override { return path_; }
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override;
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override;
+    void writeParts(std::uint64_t offset,
+                    std::span<const std::span<const std::byte>> parts) override;
     void sync() override;
     void truncate(std::uint64_t size) override;
     std::uint64_t size() override;
@@ -77,6 +80,7 @@ class NativeFile final : public DiskFile {
     void takeAttributes(const NativeFile& from);
 
   private:
+    void find();
     bool tryLock();
     bool waitForLock(std::chrono::milliseconds wait);
 
@@ -123,6 +127,28 @@ void NativeFile::sync() {
         throw systemError(errno, path_, "sync");
     }
     hasNewAttributes_ = false;
+}
+
+void NativeFile::writeParts(std::uint64_t offset,
+                            std::span<const std::span<const std::byte>> parts) {
+    constexpr std::size_t kMostParts = 64;
+    while (!parts.empty()) {
+        std::array<struct iovec, kMostParts> vectors{};
+        const std::size_t count = std::min(parts.size(), vectors.size());
+        std::size_t wanted = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            vectors[i].iov_base = const_cast<std::byte*>(parts[i].data());
+            vectors[i].iov_len = parts[i].size();
+            wanted += parts[i].size();
+        }
+        const ssize_t written = ::pwritev(descriptor(), vectors.data(), static_cast<int>(count),
+                                          static_cast<off_t>(offset));
+        if (written < 0 || static_cast<std::size_t>(written) != wanted) {
+            return DiskFile::writeParts(offset, parts); // one by one, with its errors
+        }
+        offset += wanted;
+        parts = parts.subspan(count);
+    }
 }
 
 void NativeFile::truncate(std::uint64_t size) {
@@ -239,26 +265,38 @@ std::optional<compound::FileIdentity> NativeFile::identity() {
                                   settled};
 }
 
-// Changes are stamped with the time of the last tick, so the exact time, which lies between two
-// ticks, is no later change's. A file system that keeps coarser stamps gives back another one. Only
-// the file's owner may set it.
+void NativeFile::find() {
+    if (::fstat(descriptor(), &found_) != 0) {
+        throw systemError(errno, path_, "get identity");
+    }
+}
+
+// Changes are stamped with the time of the clock's last tick. Only a system that gives every change
+// after a look at the file a time of its own can have stamped it later than that. On any other the
+// file is given the exact time, which lies between two ticks and is no later change's. A file
+// system that keeps coarser stamps gives back another one, and only the file's owner may set it.
 std::optional<compound::FileIdentity> NativeFile::stamp() {
     if (isShared_) {
         return std::nullopt;
     }
-    const std::chrono::nanoseconds now = timeOfDay_();
-    const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
-    std::array<struct timespec, 2> times{}; // of the last access and the last change
-    times[0].tv_nsec = UTIME_OMIT;
-    times[1].tv_sec = static_cast<time_t>(seconds.count());
-    times[1].tv_nsec = static_cast<long>((now - seconds).count());
-    const bool isSet = ::futimens(descriptor(), times.data()) == 0;
-    if (::fstat(descriptor(), &found_) != 0) {
-        throw systemError(errno, path_, "get identity");
+    find();
+    struct timespec tick {};
+    (void)::clock_gettime(CLOCK_REALTIME_COARSE, &tick);
+    bool settled = sinceEpoch(found_.st_ctim) > sinceEpoch(tick);
+    if (!settled) {
+        const std::chrono::nanoseconds now = timeOfDay_();
+        const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
+        std::array<struct timespec, 2> times{}; // of the last access and the last change
+        times[0].tv_nsec = UTIME_OMIT;
+        times[1].tv_sec = static_cast<time_t>(seconds.count());
+        times[1].tv_nsec = static_cast<long>((now - seconds).count());
+        const bool isSet = ::futimens(descriptor(), times.data()) == 0;
+        find();
+        settled = isSet && sinceEpoch(found_.st_mtim) == now;
     }
     std::optional<compound::FileIdentity> told = identity();
     if (told) {
-        told->settled = told->settled || (isSet && sinceEpoch(found_.st_mtim) == now);
+        told->settled = told->settled || settled;
     }
     return told;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -70,6 +71,21 @@ bool isSharedVolume(int descriptor) {
     constexpr std::uint64_t kKindBits = 0xFFFFFFFF;
     return ::fstatfs(descriptor, &volume) != 0 ||
            isSharedKind(static_cast<std::uint64_t>(volume.f_type) & kKindBits);
+}
+
+// Short readings notice every call to the system. What has no block device of its own (its major
+// number is 0: all that comes by the network, too) is asked each time, since the number may be
+// another volume's tomorrow; what lies on a block device is this machine's whatever its kind.
+bool isSharedVolume(int descriptor, dev_t device) {
+    static std::atomic<dev_t> knownLocal{0};
+    if (major(device) != 0 && knownLocal.load(std::memory_order_relaxed) == device) {
+        return false;
+    }
+    const bool isShared = isSharedVolume(descriptor);
+    if (!isShared && major(device) != 0) {
+        knownLocal.store(device, std::memory_order_relaxed);
+    }
+    return isShared;
 }
 
 bool isSharedVolume(const std::filesystem::path& folder) {

@@ -15,6 +15,7 @@ namespace platform {
 // that does not tell its kind counts as shared. On a local volume nothing of what follows is
 // needed.
 bool isSharedVolume(int descriptor);
+bool isSharedVolume(int descriptor, dev_t device); // of the file; may be remembered
 bool isSharedVolume(const std::filesystem::path& folder);
 
 // Whether a file system of this kind (statfs(2), f_type) may be shared between machines.

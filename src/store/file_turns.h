@@ -5,13 +5,19 @@
 
 #include <condition_variable>
 #include <filesystem>
-#include <map>
+#include <list>
 #include <mutex>
 #include <thread>
 
 namespace store {
 
 class FileTurns {
+    struct Holder {
+        std::filesystem::path::string_type file;
+        std::thread::id thread;
+    };
+    using Place = std::list<Holder>::iterator;
+
   public:
     // One thread's turn, which ends with it. It must not outlive its FileTurns.
     class Turn {
@@ -23,9 +29,9 @@ class FileTurns {
 
       private:
         friend class FileTurns;
-        Turn(FileTurns* turns, std::filesystem::path file);
+        Turn(FileTurns* turns, Place place) : turns_(turns), place_(place) {}
         FileTurns* turns_ = nullptr;
-        std::filesystem::path file_;
+        Place place_;
     };
 
     FileTurns() = default;
@@ -37,11 +43,12 @@ class FileTurns {
     Turn take(const std::filesystem::path& file);
 
   private:
-    void end(const std::filesystem::path& file);
+    Place find(const std::filesystem::path& file);
+    void end(Place place);
 
     std::mutex mutex_;
     std::condition_variable ended_;
-    std::map<std::filesystem::path, std::thread::id> holders_;
+    std::list<Holder> holders_; // few: one for each thread
 };
 
 } // namespace store

@@ -48,7 +48,12 @@ std::chrono::milliseconds LockBudget::remaining() const {
 }
 
 std::filesystem::path plainPathOf(const Library& library, const FileName& file) {
-    return library.folder / base::toPath(file.text + std::u16string(kGroupFileSuffix));
+    // Every operation comes by here: the text is put together first, a path is dear.
+    std::string text = library.folder.string();
+    if (library.folder.has_filename()) {
+        text += '/';
+    }
+    return text += base::toUtf8(file.text) + ".stg";
 }
 
 std::filesystem::path pathOf(const Library& library, const FileName& file) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 namespace store {
@@ -20,6 +21,14 @@ bool isTypeCode(std::string_view text) {
 
 // A plain decimal number with "." or "," and nothing around it.
 bool parseNumber(std::string_view text, float& number) {
+    constexpr std::size_t kExactDigits = 7; // a whole number of so many is a float
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (!text.empty() && text.size() <= kExactDigits &&
+        std::all_of(text.begin(), text.end(), isDigit)) {
+        const auto append = [](int value, char digit) { return 10 * value + (digit - '0'); };
+        number = static_cast<float>(std::accumulate(text.begin(), text.end(), 0, append));
+        return true;
+    }
     std::array<char, 64> plain{};
     if (text.size() > plain.size()) {
         return false;

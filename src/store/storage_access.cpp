@@ -66,6 +66,10 @@ StorageHandle StorageHandle::OpenStorage(std::u16string_view name) const {
     return StorageHandle(storage_.openStorage(name));
 }
 
+StorageHandle StorageHandle::OpenStorage(const compound::Element& element) const {
+    return StorageHandle(storage_.openStorage(element));
+}
+
 StorageHandle StorageHandle::CreateStorage(std::u16string_view name) {
     return StorageHandle(storage_.createStorage(name));
 }
@@ -146,7 +150,7 @@ void StorageAccess::openGroup(const GroupAddress& group, compound::Access access
         throw Error(ErrorCode::NotFound, fileStorage_->disk().path(),
                     "there is no group \"" + base::toUtf8(group.storage.text) + "\"");
     }
-    groupStorage_.emplace(root().OpenStorage(element->name));
+    groupStorage_.emplace(root().OpenStorage(*element));
     if (!isTopLevel(group)) {
         requireGroup(element->name);
     }
@@ -169,7 +173,7 @@ bool StorageAccess::openInfo(const GroupAddress& group) {
     if (!element || element->kind != compound::ElementKind::Storage) {
         return false;
     }
-    infoStorage_.emplace(root().OpenStorage(element->name));
+    infoStorage_.emplace(root().OpenStorage(*element));
     return true;
 }
 

@@ -39,6 +39,7 @@ class StorageHandle {
     explicit StorageHandle(compound::Storage storage) : storage_(storage) {}
 
     StorageHandle OpenStorage(std::u16string_view name) const;
+    StorageHandle OpenStorage(const compound::Element& element) const;
     StorageHandle CreateStorage(std::u16string_view name);
     StreamHandle OpenStream(std::u16string_view name) const;
     StreamHandle OpenStream(const compound::Element& element) const;

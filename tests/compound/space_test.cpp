@@ -80,6 +80,13 @@ class WatchedFile : public DiskFile {
         }
     }
 
+    void writeParts(std::uint64_t offset,
+                    std::span<const std::span<const std::byte>> parts) override {
+        const int before = traffic_.writes;
+        DiskFile::writeParts(offset, parts);
+        traffic_.writes = before + 1;
+    }
+
     void sync() override {
         ++traffic_.syncs;
         inner_->sync();
@@ -166,6 +173,19 @@ TEST_P(SpaceTest, NoSectorInForceIsWrittenOver) {
         ASSERT_TRUE(traffic.overwritten.empty()) << "sector " << *traffic.overwritten.begin();
     }
     EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+// Pages that lie side by side go to the file in one call, whatever they belong to.
+TEST_P(SpaceTest, ASmallChangeIsWrittenInFewCalls) {
+    constexpr int kHeaders = 2; // the one in force, which is made durable, and the new one
+    constexpr int kRuns = 3;
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 300, 5000);
+    Traffic traffic;
+    CompoundFile file = openWatched(disk, GetParam(), traffic);
+    file.root().openStorage(u"PumpsInfo").createStream(u"new").assign(patterned(100, 1));
+    file.commit();
+    EXPECT_LE(traffic.writes, kHeaders + kRuns);
 }
 
 TEST_P(SpaceTest, AddingAndDeletingTheSameAmountDoesNotGrowTheFile) {
