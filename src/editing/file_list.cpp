@@ -6,6 +6,7 @@
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 
+#include <QHideEvent>
 #include <QMouseEvent>
 #include <QSignalBlocker>
 
@@ -96,6 +97,13 @@ void FileList::afterReading(std::function<void()> action) {
     } else {
         action();
     }
+}
+
+void FileList::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous()) {
+        afterReading_ = {};
+    }
+    QListWidget::hideEvent(event);
 }
 
 QStringList FileList::fileNames() const {

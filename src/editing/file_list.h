@@ -32,7 +32,7 @@ class FileList : public QListWidget {
     bool isBusy() const { return names_.isBusy(); }
 
     // Calls `action` once the folder has been read, at once if it has been. Choosing a folder or
-    // another action meanwhile makes it void.
+    // another action meanwhile makes it void, and so does the end of the window.
     void afterReading(std::function<void()> action);
 
     QStringList fileNames() const;
@@ -45,6 +45,7 @@ class FileList : public QListWidget {
     void fileClicked(const QString& name);
 
   protected:
+    void hideEvent(QHideEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 

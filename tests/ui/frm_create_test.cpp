@@ -167,15 +167,21 @@ TEST_P(FrmCreateTest, WaitsForAFolderThatIsStillBeingRead) {
     startAt("pictures");
     SteppedExecutor workers;
     const app::WorkersReplacement stepped(workers);
-    inModalDialog([&] { trigger("gCreate"); },
-                  [&](QDialog& dialog) {
-                      typeName(dialog, "Pumpen");
-                      press(dialog, "cmdCreate");
-                      EXPECT_TRUE(boxes_.take().isEmpty());
-                      workers.stepAll();
-                      EXPECT_EQ(boxes_.take().size(), 1);
-                      EXPECT_FALSE(dialog.isVisible());
-                  });
+    for (const bool isGivenUp : {true, false}) {
+        inModalDialog([&] { trigger("gCreate"); },
+                      [&](QDialog& dialog) {
+                          typeName(dialog, "Pumpen");
+                          press(dialog, "cmdCreate");
+                          EXPECT_TRUE(boxes_.take().isEmpty());
+                          if (isGivenUp) {
+                              press(dialog, "cmdBack");
+                          }
+                          workers.stepAll();
+                          EXPECT_FALSE(dialog.isVisible());
+                      });
+        EXPECT_EQ(boxes_.take().size(), isGivenUp ? 0 : 1);
+        EXPECT_EQ(storagesFolder().size(), isGivenUp ? 0 : 1);
+    }
     workers.stepAll();
     EXPECT_EQ(thumbnails(), QStringList{"a"});
 }
