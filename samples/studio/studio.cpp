@@ -62,6 +62,10 @@ Studio::Studio()
     resize(1240, 760);
     connect(show_, &QPushButton::clicked, this, &Studio::showLibrary);
     connect(end_, &QPushButton::clicked, this, &Studio::endLibrary);
+    connect(notes_, &QLineEdit::returnPressed, this, [this] {
+        tell(inLanguage(u"Notiz: %1", u"Note: %1").arg(notes_->text()));
+        notes_->clear();
+    });
     bus_.connect(kService, kObject, kInterface, QStringLiteral("PictureSelected"), this,
                  SLOT(takePictureOver(QString)));
 }

@@ -211,6 +211,12 @@ int Desktop::visibleWindowsOf(qint64 process) const {
     return count;
 }
 
+bool Desktop::hasKeyboard(std::uint32_t window) const {
+    const auto focus =
+        owned(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+    return focus && focus->focus == window;
+}
+
 void Desktop::click(std::uint32_t window, QPoint position) const {
     const QPoint place = placeOf(window).topLeft() + position;
     run("xdotool",

@@ -42,6 +42,7 @@ class Desktop {
     QRect placeOf(std::uint32_t window) const;            // on the screen; invalid for none
     std::uint32_t windowNamed(const QString& name) const; // that can be seen; 0 for none
     int visibleWindowsOf(qint64 process) const;
+    bool hasKeyboard(std::uint32_t window) const;
 
     // --- The user's hands
     void click(std::uint32_t window, QPoint position) const;
