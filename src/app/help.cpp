@@ -80,7 +80,7 @@ void showPage(std::unique_ptr<HelpFile> file, const QString& page, QWidget* owne
 
 void showHelp(HelpTopic topic, QWidget* owner) {
     if (currentHandler()) {
-        currentHandler()(topic);
+        currentHandler()({settings().helpFile(), HelpCall::kShowTopic, topic});
         return;
     }
     const QString path = helpFile();

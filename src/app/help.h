@@ -1,10 +1,12 @@
 // Context help, by the number of the topic.
 #pragma once
 
+#include <QString>
+
+#include <cstdint>
 #include <functional>
 
 class QAbstractButton;
-class QString;
 class QWidget;
 
 namespace app {
@@ -35,8 +37,17 @@ void closeHelp();
 void offerHelp(QWidget& window, HelpTopic topic);
 void offerHelp(QWidget& window, QAbstractButton* button, HelpTopic topic);
 
-// Tests look which topic is shown. An empty handler restores the help file.
-using HelpHandler = std::function<void(HelpTopic topic)>;
+// What a system with a help service of its own is asked.
+struct HelpCall {
+    static constexpr std::uint32_t kShowTopic = 15;
+
+    QString file; // as the settings name it
+    std::uint32_t command = kShowTopic;
+    HelpTopic topic = HelpTopic::MainWindow;
+};
+
+// Stands in for the help window, in tests for example. An empty handler restores it.
+using HelpHandler = std::function<void(const HelpCall& call)>;
 void setHelpHandler(HelpHandler handler);
 
 // Tests choose where the program's own help lies: DIR/de and DIR/en. Empty restores the real place.

@@ -5,6 +5,7 @@
 #include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QToolBar>
@@ -26,8 +27,8 @@ constexpr TextPair kSearch = {u"Auf der Seite suchen", u"Find on the page"};
 constexpr TextPair kNoPage = {u"Diese Seite fehlt in der Hilfedatei:",
                               u"The help file lacks this page:"};
 constexpr int kPageRole = Qt::UserRole;
-constexpr QSize kWindowSize{860, 620};
-constexpr int kContentsWidth = 240;
+constexpr QSize kWindowSize{1120, 760}; // the widest picture has room beside the contents
+constexpr int kContentsWidth = 270;
 
 const QString kScheme = QStringLiteral("help");
 
@@ -89,7 +90,8 @@ HelpWindow::HelpWindow()
     contents_->setHeaderHidden(true);
     browser_->setObjectName(QStringLiteral("page"));
     build();
-    resize(kWindowSize);
+    resize(kWindowSize.boundedTo(screen()->availableSize()));
+    contents_->setFocus();
     connect(contents_, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         const QString page = item != nullptr ? item->data(0, kPageRole).toString() : QString();
         if (!page.isEmpty() && page != browser_->page()) {

@@ -127,7 +127,8 @@ void expectPlace(const QDialog& dialog, Place place) {
 
 void expectHelp(QDialog& dialog, const DialogCase& entry) {
     QList<int> topics;
-    app::setHelpHandler([&](app::HelpTopic topic) { topics.append(static_cast<int>(topic)); });
+    app::setHelpHandler(
+        [&](const app::HelpCall& call) { topics.append(static_cast<int>(call.topic)); });
     QList<int> expected{entry.topic};
     if (entry.helpButton != nullptr) {
         QTest::mouseClick(dialog.findChild<QPushButton*>(entry.helpButton), Qt::LeftButton);

@@ -337,7 +337,7 @@ TEST_F(FrmOptionenBmp, SpeaksTheProgramsLanguageAndHelps) {
             EXPECT_TRUE(item("Men_Datei_1")->isSeparator());
             QList<int> topics;
             app::setHelpHandler(
-                [&](app::HelpTopic topic) { topics.append(static_cast<int>(topic)); });
+                [&](const app::HelpCall& call) { topics.append(static_cast<int>(call.topic)); });
             QTest::keyClick(&dialog, Qt::Key_F1);
             choose("Men_Hilfe_0");
             EXPECT_EQ(topics, (QList<int>{9, 9}));

@@ -132,7 +132,8 @@ TEST_F(FrmSaveTest, OpensWithTheShownGroupNameKindAndPreview) {
 
 TEST_F(FrmSaveTest, SpeaksBothLanguagesAndHelps) {
     QList<int> topics;
-    app::setHelpHandler([&](app::HelpTopic topic) { topics.append(static_cast<int>(topic)); });
+    app::setHelpHandler(
+        [&](const app::HelpCall& call) { topics.append(static_cast<int>(call.topic)); });
     const auto captions = [this] {
         QStringList texts;
         open([&](QDialog& dialog) {

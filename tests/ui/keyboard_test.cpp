@@ -142,7 +142,11 @@ TEST_F(Keyboard, CopyBelongsToANameThatIsBeingEdited) {
 TEST_F(Keyboard, F1AsksForTheMainWindowsTopic) {
     startTwoDeep({});
     QList<app::HelpTopic> topics;
-    app::setHelpHandler([&](app::HelpTopic topic) { topics.append(topic); });
+    app::setHelpHandler([&](const app::HelpCall& call) {
+        EXPECT_EQ(call.file, "C:\\TalvixStudio\\Common\\HelpFiles\\TXSGraphicsLib.chm");
+        EXPECT_EQ(call.command, 15U);
+        topics.append(call.topic);
+    });
     press(tree(), Qt::Key_F1);
     press(strip(), Qt::Key_F1);
     app::setHelpHandler({});
