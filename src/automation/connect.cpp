@@ -20,6 +20,10 @@ namespace {
 
 constexpr int kLookAgainMilliseconds = 20;
 
+// Styles of windows, as numbers that clients know.
+constexpr std::uint32_t kOrdinaryWindow = 0x00CF0000; // caption, system menu, frame, all boxes
+constexpr std::uint32_t kPopUpWindow = 0x80880000;    // pop-up, border, system menu
+
 // Nothing for a number that no window can be shown in.
 std::unique_ptr<platform::HostWindow> findHost(std::uint32_t clientWindow) {
     if (clientWindow == 0) {
@@ -59,6 +63,7 @@ Connect::~Connect() {
 
 void Connect::makeWindow() {
     window_ = std::make_unique<browser::frmMain>(browser::StartMode::Server);
+    windowStyle_ = {kOrdinaryWindow, kOrdinaryWindow};
     connect(window_.get(), &browser::frmMain::PictureSelected, this, &Connect::PictureSelected);
     connect(window_.get(), &browser::frmMain::unloaded, this, &Connect::unload);
 }
@@ -76,6 +81,24 @@ void Connect::ShowGraficsLib(std::uint32_t clientWindow) {
         makeWindow();
     }
     place(clientWindow);
+    joinInput();
+    becomePopUp();
+}
+
+// Two programs that share a display's input queue see each other's focus and keys. X11 has one
+// queue a program; there the host window passes the keyboard on instead.
+void Connect::joinInput() {
+    clientThreadId_ = host_ ? host_->process() : 0;
+}
+
+void Connect::detachInput() {
+    clientThreadId_ = 0;
+}
+
+// Inside the client's window it loses its frame; nothing of its style is removed.
+void Connect::becomePopUp() {
+    windowStyle_.before = windowStyle_.after;
+    windowStyle_.after |= kPopUpWindow;
 }
 
 void Connect::place(std::uint32_t clientWindow) {
@@ -117,6 +140,7 @@ void Connect::placeOutside() {
 
 void Connect::Terminate() {
     hasClient_ = false;
+    detachInput();
     end();
 }
 
@@ -136,6 +160,7 @@ void Connect::end() {
 void Connect::loseClient() {
     hasClient_ = false;
     showAfterUnload_.reset();
+    detachInput();
     if (window_) {
         unload();
     }

@@ -52,6 +52,18 @@ class Connect : public QObject {
 
     bool hasWindow() const { return window_ != nullptr; }
 
+    // The thread of the client's window; where threads have no numbers that other programs know,
+    // its process. 0 when the client's window does not tell.
+    std::uint32_t clientThreadId() const { return clientThreadId_; }
+
+    // The main window's style before and after the last ShowGraficsLib, as the number that clients
+    // know: they find the bits of a pop-up window with a border and a system menu in it.
+    struct WindowStyle {
+        std::uint32_t before = 0;
+        std::uint32_t after = 0;
+    };
+    const WindowStyle& windowStyle() const { return windowStyle_; }
+
   signals:
     // The user has taken a picture over; `path` is a copy of it that the client must read before
     // its next call: the next picture may take the same place.
@@ -65,12 +77,17 @@ class Connect : public QObject {
     void place(std::uint32_t clientWindow);
     void placeInside(std::unique_ptr<platform::HostWindow> host);
     void placeOutside();
+    void joinInput();
+    void detachInput();
+    void becomePopUp();
     void unload();
     void unloadStep();
     void forgetWindow();
 
     std::unique_ptr<browser::frmMain> window_;
     std::unique_ptr<platform::HostWindow> host_; // goes before the window that it holds
+    std::uint32_t clientThreadId_ = 0;
+    WindowStyle windowStyle_;
     std::optional<std::uint32_t> showAfterUnload_;
     bool hasClient_ = false;
     bool isUnloading_ = false;

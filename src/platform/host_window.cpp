@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 
 #include <cstdlib>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
@@ -112,6 +113,20 @@ HostWindow::HostWindow(std::uint32_t handle) : connection_(connectionToServer())
 HostWindow::~HostWindow() {
     qGuiApp->removeNativeEventFilter(this);
     letGo();
+}
+
+std::uint32_t HostWindow::process() const {
+    const xcb_window_t owner = managedWindowAround(connection_, handle_);
+    const auto reply = owned(xcb_get_property_reply(
+        connection_,
+        xcb_get_property(connection_, 0, owner, atomNamed(connection_, "_NET_WM_PID"),
+                         XCB_ATOM_CARDINAL, 0, 1),
+        nullptr));
+    std::uint32_t process = 0;
+    if (reply && xcb_get_property_value_length(reply.get()) == sizeof process) {
+        std::memcpy(&process, xcb_get_property_value(reply.get()), sizeof process);
+    }
+    return process;
 }
 
 void HostWindow::hold(QWindow& window) {

@@ -40,6 +40,9 @@ class HostWindow : public QObject, private QAbstractNativeEventFilter {
 
     std::uint32_t handle() const { return handle_; }
 
+    // The number of the process that the host belongs to; 0 when the host does not tell.
+    std::uint32_t process() const;
+
   signals:
     // The other program has closed the host, or has died. The held window's native window is gone
     // with it; the toolkit learns of that when the HostWindow goes.

@@ -107,6 +107,17 @@ TEST_F(ConnectTest, ACallDuringTheUnloadingIsServedAfterwards) {
     ASSERT_TRUE(until([&] { return first.isNull() && shownWindow() != nullptr; }));
 }
 
+TEST_F(ConnectTest, AddsToTheStyleOfItsWindowAndRemovesNothing) {
+    show();
+    const auto first = connect_.windowStyle();
+    EXPECT_EQ(first.after, first.before | 0x80880000U);
+    EXPECT_NE(first.before & 0x00C00000U, 0U) << "an ordinary window has a caption";
+    show();
+    EXPECT_EQ(connect_.windowStyle().before, first.after);
+    EXPECT_EQ(connect_.windowStyle().after, first.after);
+    EXPECT_EQ(connect_.clientThreadId(), 0U) << "no window, no owner";
+}
+
 TEST_F(ConnectTest, LeavingHidesTheWindowUntilTheNextCall) {
     browser::frmMain* window = show();
     ASSERT_NE(window, nullptr);
