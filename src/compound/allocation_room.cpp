@@ -12,6 +12,10 @@ using namespace format;
 std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count, Free which) {
     const Range& range = load(index);
     std::uint32_t free = 0;
+    if (std::uint64_t{index + 1} * perSector_ <= count) { // no need to look at each
+        free = freeIn(index) + (which == Free::AfterCommit ? range.pending : 0);
+        return free > kKeptForFat ? free - kKeptForFat : 0;
+    }
     for (std::uint32_t at = 0; at < perSector_; ++at) {
         const std::uint32_t sector = index * perSector_ + at;
         if (range.at(at) == kFreeSector && sector < count && isUsable(sector) &&

@@ -10,7 +10,6 @@ using namespace format;
 namespace {
 
 constexpr std::uint32_t kNone = kFreeSector; // no sector
-constexpr std::uint64_t kVersion3Limit = 0x7FFFFFFF;
 constexpr std::uint32_t kTailBeforeLock = 64;
 
 } // namespace
@@ -69,22 +68,20 @@ void AllocationTable::loadDifat() {
     difatLoaded_ = true;
 }
 
-AllocationTable::Range& AllocationTable::load(std::uint32_t index) {
+AllocationTable::Range& AllocationTable::loadFromFile(std::uint32_t index) {
     loadDifat();
     if (index >= ranges_.size()) {
         file_.throwDamaged("sector " + std::to_string(std::uint64_t{index} * perSector_) +
                            " has no FAT sector");
     }
-    std::unique_ptr<Range>& range = ranges_[index];
-    if (range) {
-        return *range;
+    if (!ranges_[index]) { // loadDifat() may have been asked for the first time
+        auto loaded = std::make_unique<Range>();
+        loaded->bytes.resize(file_.sectorSize());
+        file_.read(fatSectors_[index], loaded->bytes);
+        ranges_[index] = std::move(loaded);
+        ++loaded_;
     }
-    auto loaded = std::make_unique<Range>();
-    loaded->bytes.resize(file_.sectorSize());
-    file_.read(fatSectors_[index], loaded->bytes);
-    range = std::move(loaded);
-    ++loaded_;
-    return *range;
+    return *ranges_[index];
 }
 
 std::uint32_t& AllocationTable::freeIn(std::uint32_t index) {
@@ -124,24 +121,6 @@ const std::vector<std::uint32_t>& AllocationTable::difatSectors() {
 }
 
 // --- taking and freeing -------------------------------------------------------------------------
-
-std::uint32_t AllocationTable::limit() const {
-    if (header_.majorVersion == 3) {
-        return std::min(insideLimit_,
-                        static_cast<std::uint32_t>(kVersion3Limit / file_.sectorSize()) - 1);
-    }
-    return insideLimit_;
-}
-
-std::uint32_t AllocationTable::rangeLock() const {
-    return header_.majorVersion == 3
-               ? kNone
-               : static_cast<std::uint32_t>(kRangeLockOffset / file_.sectorSize()) - 1;
-}
-
-bool AllocationTable::isUsable(std::uint32_t sector) const {
-    return sector < limit() && sector != rangeLock() && !tables_.contains(sector);
-}
 
 void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
     Range& range = load(sector / perSector_);
@@ -232,6 +211,7 @@ void AllocationTable::release(std::uint32_t sector) {
     Range& range = load(sector / perSector_);
     set(sector, kFreeSector);
     if (!fresh_.erase(sector)) {
+        range.pending += pending_.contains(sector) ? 0U : 1U;
         pending_.insert(sector);
         return;
     }
@@ -412,9 +392,10 @@ void AllocationTable::committed() {
         if (!range) {
             continue;
         }
-        if (range->dirty) {
-            range->free.reset(); // what was freed counts now
+        if (range->free) {
+            *range->free += range->pending; // what was freed counts now
         }
+        range->pending = 0;
         range->dirty = range->moved = false;
         range->next.reset();
     }

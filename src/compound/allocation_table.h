@@ -11,6 +11,7 @@
 #include "compound/sector_set.h"
 #include "compound/sector_writes.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -32,7 +33,11 @@ class AllocationTable {
     bool covers(std::uint32_t sector) { return sector / perSector_ < fatSectors().size(); }
 
     // The sector that no file may use, which covers byte 0x7FFFFFFF; kFreeSector in version 3.
-    std::uint32_t rangeLock() const;
+    std::uint32_t rangeLock() const {
+        return header_.majorVersion == 3
+                   ? format::kFreeSector
+                   : static_cast<std::uint32_t>(format::kRangeLockOffset / file_.sectorSize()) - 1;
+    }
 
     // What a sector is wanted for: a page more, the new place of one that will be free after the
     // commit, or that of a FAT sector. Growth leaves a few sectors of each range to moving, moving
@@ -118,6 +123,7 @@ class AllocationTable {
     struct Range {
         std::vector<std::byte> bytes;
         std::optional<std::uint32_t> free; // free and allowed to be taken, once counted
+        std::uint32_t pending = 0;         // freed, but used by the committed state
         std::optional<std::uint32_t> next; // entry from which this transaction goes on looking
         bool dirty = false;
         bool moved = false; // has its new place already
@@ -127,7 +133,11 @@ class AllocationTable {
         }
     };
 
-    Range& load(std::uint32_t index);
+    Range& load(std::uint32_t index) {
+        const bool isThere = index < ranges_.size() && ranges_[index]; // then the DIFAT is, too
+        return isThere ? *ranges_[index] : loadFromFile(index);
+    }
+    Range& loadFromFile(std::uint32_t index);
     std::uint32_t& freeIn(std::uint32_t index); // counted when first asked for
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();
@@ -153,9 +163,17 @@ class AllocationTable {
     std::uint64_t usable(std::uint64_t wanted, std::uint32_t count, Free which);
     void lengthen(std::uint64_t sectors, std::uint64_t more);
     void lengthenFreely(std::uint64_t sectors, std::uint64_t more);
-    std::uint32_t limit() const;
+    std::uint32_t limit() const {
+        constexpr std::uint64_t kVersion3Limit = 0x7FFFFFFF;
+        return header_.majorVersion != 3
+                   ? insideLimit_
+                   : std::min(insideLimit_,
+                              static_cast<std::uint32_t>(kVersion3Limit / file_.sectorSize()) - 1);
+    }
     void setInsideLimit(std::uint32_t limit);
-    bool isUsable(std::uint32_t sector) const;
+    bool isUsable(std::uint32_t sector) const {
+        return sector < limit() && sector != rangeLock() && !tables_.contains(sector);
+    }
     std::uint32_t chooseDataRange();
     void touchDifat(std::uint32_t fatIndex);
     void mark(std::uint32_t sector, std::uint32_t as);
