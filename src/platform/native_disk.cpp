@@ -48,6 +48,16 @@ std::chrono::nanoseconds sinceEpoch(const struct timespec& time) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+// How coarse the stamps of a file system may be that gives one like this.
+std::chrono::nanoseconds coarsenessOf(std::chrono::nanoseconds stamp) {
+    constexpr std::chrono::nanoseconds kSecond = std::chrono::seconds(1);
+    std::chrono::nanoseconds step{1};
+    while (step < kSecond && stamp % (10 * step) == std::chrono::nanoseconds(0)) {
+        step *= 10;
+    }
+    return step < kSecond ? step : 2 * kSecond; // as FAT has them
+}
+
 class NativeFile final : public DiskFile {
   public:
     NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath,
@@ -272,9 +282,10 @@ void NativeFile::find() {
 }
 
 // Changes are stamped with the time of the clock's last tick. Only a system that gives every change
-// after a look at the file a time of its own can have stamped it later than that. On any other the
-// file is given the exact time, which lies between two ticks and is no later change's. A file
-// system that keeps coarser stamps gives back another one, and only the file's owner may set it.
+// after a look at the file a time of its own can have stamped it later than that; and when there
+// has been a tick since, any later change gets a later stamp. Otherwise the file is given the exact
+// time, which lies between two ticks and is no later change's. A file system that keeps coarser
+// stamps gives back another one, and only the file's owner may set it.
 std::optional<compound::FileIdentity> NativeFile::stamp() {
     if (isShared_) {
         return std::nullopt;
@@ -282,7 +293,9 @@ std::optional<compound::FileIdentity> NativeFile::stamp() {
     find();
     struct timespec tick {};
     (void)::clock_gettime(CLOCK_REALTIME_COARSE, &tick);
-    bool settled = sinceEpoch(found_.st_ctim) > sinceEpoch(tick);
+    const std::chrono::nanoseconds changed = sinceEpoch(found_.st_ctim);
+    bool settled =
+        changed > sinceEpoch(tick) || changed + coarsenessOf(changed) <= sinceEpoch(tick);
     if (!settled) {
         const std::chrono::nanoseconds now = timeOfDay_();
         const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
