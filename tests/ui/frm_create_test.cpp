@@ -1,6 +1,7 @@
 // A folder of pictures becomes a group: the real window in the real main window, and alone where a
 // run is to be halted in the middle.
 #include "app/long_operation.h"
+#include "app/patience.h"
 #include "app/settings.h"
 #include "app/stepped_executor.h"
 #include "commands/frm_create.h"
@@ -311,7 +312,7 @@ TEST_P(HaltedCreation, CanOnlyBeAbortedAndLeavesNothingBehind) {
     inModalDialog([&] { form.openFor({}, GroupTarget::TopLevel); },
                   [&](QDialog& dialog) {
                       const auto* files = dialog.findChild<QListWidget*>("filDatei");
-                      ASSERT_TRUE(QTest::qWaitFor([&] { return files->count() == 2; }));
+                      ASSERT_TRUE(until([&] { return files->count() == 2; }));
                       typeName(dialog, "Pumpen");
                       auto halted = view.halted.get_future();
                       QTimer looking;

@@ -1,4 +1,5 @@
 // Group files from elsewhere come into the library through the real window in the real main window.
+#include "app/patience.h"
 #include "app/settings.h"
 #include "commands/frm_import.h"
 #include "platform/held_file.h"
@@ -230,7 +231,7 @@ class ImportInMemory : public testing::Test {
         commands::frmImport form(view_, nullptr);
         const auto steps = [&](QDialog& dialog) {
             auto* files = dialog.findChild<QListWidget*>("filDatei");
-            ASSERT_TRUE(QTest::qWaitFor([&] { return files->count() == 1; }));
+            ASSERT_TRUE(until([&] { return files->count() == 1; }));
             files->setCurrentRow(0);
             dialog.findChild<QComboBox*>("cboGruppe")->setCurrentIndex(target);
             if (whileItRuns) {

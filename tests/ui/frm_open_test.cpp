@@ -1,4 +1,5 @@
 #include "app/message_box_script.h"
+#include "app/patience.h"
 #include "app/settings.h"
 #include "app/stepped_executor.h"
 #include "app/texts.h"
@@ -31,8 +32,6 @@ store::TwipSize measure(std::span<const std::byte> bytes) {
     const picture::TwipSize size = picture::measure(bytes).twips;
     return {size.height, size.width};
 }
-
-constexpr int kPatienceMilliseconds = 20000;
 
 class FrmOpenTest : public testing::Test {
   protected:
@@ -96,7 +95,7 @@ class FrmOpenTest : public testing::Test {
 
     // Waits until the lists show the chosen folder and the preview the chosen file.
     void settle() {
-        ASSERT_TRUE(QTest::qWaitFor([this] { return window_.isSettled(); }, kPatienceMilliseconds));
+        ASSERT_TRUE(until([this] { return window_.isSettled(); }));
     }
 
     void press(const char* button) { QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton); }

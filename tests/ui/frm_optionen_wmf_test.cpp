@@ -1,3 +1,4 @@
+#include "app/patience.h"
 #include "app/texts.h"
 #include "editing/frm_optionen_wmf.h"
 #include "imaging/picture_bytes.h"
@@ -160,11 +161,11 @@ TEST_F(FrmOptionenWmf, GrowsWithTheWindowAndStaysSharp) {
         QPainter(&sheet).drawImage(0, 0, picture);
         return sheet;
     };
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == expected(); }));
+    EXPECT_TRUE(until([&] { return shown() == expected(); }));
     form_.resize(404, 504); // a square of 400 pixels
     EXPECT_EQ(form_.vectorRect(), (TwipRect{30, 2280, 6000, 3000}));
     EXPECT_EQ(vector()->geometry(), QRect(2, 152, 400, 200));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shown() == expected(); }));
+    EXPECT_TRUE(until([&] { return shown() == expected(); }));
 }
 
 TEST_F(FrmOptionenWmf, KeepsWhatItShowsWhenAnotherPictureCannotBeRead) {

@@ -1,5 +1,6 @@
 #include "app/help.h"
 #include "app/message_box_script.h"
+#include "app/patience.h"
 #include "app/texts.h"
 #include "compound/disk.h"
 #include "editing/frm_save.h"
@@ -22,8 +23,6 @@
 namespace {
 
 using editing::frmSave;
-
-constexpr int kPatienceMilliseconds = 20000;
 
 store::TwipSize measure(std::span<const std::byte> bytes) {
     const picture::TwipSize size = picture::measure(bytes).twips;
@@ -119,7 +118,7 @@ TEST_F(FrmSaveTest, OpensWithTheShownGroupNameKindAndPreview) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->text(), "Kreisel");
         EXPECT_EQ(dialog.findChild<QLabel*>("lblTyp")->text(), "BMP");
         const auto* pane = dialog.findChild<editing::PicturePane*>();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !pane->isBusy(); }, kPatienceMilliseconds));
+        ASSERT_TRUE(until([&] { return !pane->isBusy(); }));
         EXPECT_EQ(pane->image().pixelColor(5, 5), QColor(Qt::green));
         EXPECT_LT(pane->image().width(), 1000);
         press(dialog, "cmdEnde");

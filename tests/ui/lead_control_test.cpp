@@ -1,3 +1,4 @@
+#include "app/patience.h"
 #include "editing/bitmap_editor/lead_control.h"
 
 #include <QApplication>
@@ -94,7 +95,7 @@ TEST_F(LeadControlTest, StopsAtSensibleEnds) {
 TEST_F(LeadControlTest, ShowsALargePictureWholeAtFirst) {
     show(numbered({1600, 300}));
     EXPECT_EQ(control_.zoomFactor(), 0.25);
-    EXPECT_TRUE(QTest::qWaitFor([&] {
+    EXPECT_TRUE(until([&] {
         return control_.placeOfPicture() == QRectF(0, 112, 400, 75) &&
                !control_.horizontalScrollBar()->isVisible();
     }));

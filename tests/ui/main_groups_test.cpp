@@ -1,3 +1,4 @@
+#include "app/patience.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "browser/large_preview.h"
@@ -375,7 +376,7 @@ TEST_F(MainGroups, UnfoldingALockedGroupTriesItAgain) {
     start();
     file.reset();
     tree()->expandItem(node("Pumpen"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return node("Pumpen/Kreisel") != nullptr; }));
+    ASSERT_TRUE(until([&] { return node("Pumpen/Kreisel") != nullptr; }));
 }
 
 TEST_F(MainGroups, DamagedFilesAreSetAsideReportedAndGone) {

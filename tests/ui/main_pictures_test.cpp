@@ -1,4 +1,5 @@
 #include "app/message_box.h"
+#include "app/patience.h"
 #include "app/texts.h"
 #include "platform/held_file.h"
 #include "store/picture_operations.h"
@@ -66,7 +67,7 @@ class MainPictures : public MainWindowTest {
         editor->setText(text);
         QTest::keyClick(editor, Qt::Key_Return);
         // The new name is on its way before the editor goes.
-        ASSERT_TRUE(QTest::qWaitFor([&] { return editor.isNull(); }));
+        ASSERT_TRUE(until([&] { return editor.isNull(); }));
         QCoreApplication::processEvents();
         settle();
     }
@@ -275,7 +276,7 @@ TEST_F(MainPictures, ToolTipNamesTheThumbnailAndHidesOverTheFreeSurface) {
     startWith({"Pumpe & <b>Co"});
     QTest::mouseMove(thumbnail("Pumpe & <b>Co"));
     auto* toolTip = find<QLineEdit>("txtName");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return toolTip->isVisible(); }));
+    ASSERT_TRUE(until([&] { return toolTip->isVisible(); }));
     EXPECT_EQ(toolTip->text(), "Pumpe & <b>Co");
     window().Aktualisieren(); // another picture may stand below the resting pointer now
     EXPECT_FALSE(toolTip->isVisible());
@@ -328,7 +329,7 @@ TEST_F(MainPictures, ResizingUnderTheListDoesNotLayOutThumbnails) {
     // Switched while the timer runs: the tick must not bring the thumbnails back.
     trigger("Men_Extras_0");
     trigger("Men_Extras_0");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !find<QTimer>("Timer1")->isActive(); }));
+    ASSERT_TRUE(until([&] { return !find<QTimer>("Timer1")->isActive(); }));
     EXPECT_TRUE(find<QWidget>("lvwInfo")->isVisible());
     EXPECT_TRUE(thumbnails().isEmpty());
 }

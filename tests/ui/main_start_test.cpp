@@ -1,4 +1,5 @@
 // The main window right after its start, before anything is chosen, and when it is left.
+#include "app/patience.h"
 #include "app/settings.h"
 #include "ui/group_dialogs_fixture.h"
 
@@ -76,7 +77,7 @@ TEST_P(MainStart, LeavingAServerOnlyHidesItsWindow) {
     auto* groups = server.findChild<QTreeWidget*>("tvwGruppen");
     for (const int visit : {1, 2}) {
         server.show();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return server.isSettled(); }));
+        ASSERT_TRUE(until([&] { return server.isSettled(); }));
         groups->setCurrentItem(groups->topLevelItem(0));
         EXPECT_EQ(server.shownPicture().caption(), "P1") << visit;
         server.findChild<QAction*>("Men_Datei_6")->trigger();

@@ -1,6 +1,7 @@
 #include "ui/main_window_fixture.h"
 
 #include "app/number_text.h"
+#include "app/patience.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "editing/folder_browser.h"
@@ -17,12 +18,6 @@
 #include <QScrollBar>
 #include <QTest>
 #include <QTreeWidget>
-
-namespace {
-
-constexpr int kPatienceMilliseconds = 20000;
-
-} // namespace
 
 MainWindowTest::MainWindowTest() {
     app::setLanguage(app::kGermanLocale);
@@ -90,11 +85,11 @@ void MainWindowTest::settle(const QDialog& dialog) {
         return (preview == nullptr || !preview->isBusy()) &&
                (browser == nullptr || !browser->isBusy());
     };
-    ASSERT_TRUE(QTest::qWaitFor(isSettled, kPatienceMilliseconds));
+    ASSERT_TRUE(until(isSettled));
 }
 
 void MainWindowTest::settle() {
-    ASSERT_TRUE(QTest::qWaitFor([this] { return window_->isSettled(); }, kPatienceMilliseconds));
+    ASSERT_TRUE(until([this] { return window_->isSettled(); }));
 }
 
 QTreeWidget* MainWindowTest::tree() {

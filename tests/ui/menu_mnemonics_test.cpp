@@ -1,4 +1,5 @@
 // The keys that menus and dialogs underline, and what they do together with Alt.
+#include "app/patience.h"
 #include "ui/every_language.h"
 #include "ui/mnemonics.h"
 
@@ -75,7 +76,7 @@ TEST_P(Mnemonics, OfADialogReachTheirControls) {
                  const auto* width = dialog.findChild<QLabel*>("lblBreite2");
                  const auto becomes = [&](Qt::Key key, const char* text) {
                      QTest::keyClick(dialog.focusWidget(), key, Qt::AltModifier);
-                     return QTest::qWaitFor([&] { return width->text() == text; });
+                     return until([&] { return width->text() == text; });
                  };
                  EXPECT_TRUE(becomes(Qt::Key_T, "300"));
                  EXPECT_TRUE(becomes(Qt::Key_P, "20"));

@@ -1,4 +1,5 @@
 #include "app/number_text.h"
+#include "app/patience.h"
 #include "app/texts.h"
 #include "editing/bitmap_editor/imaging_error.h"
 #include "editing/bitmap_editor/parameter_dialogs.h"
@@ -23,8 +24,6 @@ using editing::ParameterDialogs;
 using imaging::operations::ColourProperty;
 
 constexpr std::uint32_t kRotateFlags = 0x40000003;
-constexpr int kPatienceMilliseconds = 20000;
-
 constexpr QRgb kLeft = 0xFF3264C8;
 constexpr QRgb kRight = 0xFFC86432;
 constexpr QRgb kSeeThrough = 0x80C86432;
@@ -60,7 +59,7 @@ class ParameterDialogsTest : public testing::Test {
     // What the pane shows once the picture was shrunk.
     static QImage shownIn(QDialog& dialog, const char* name) {
         auto* before = dialog.findChild<editing::PicturePane*>("picVorher");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !before->isBusy(); }, kPatienceMilliseconds));
+        EXPECT_TRUE(until([&] { return !before->isBusy(); }));
         return dialog.findChild<editing::PicturePane*>(name)->image();
     }
 

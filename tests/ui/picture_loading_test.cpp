@@ -1,5 +1,6 @@
 // Thumbnails and preview are read and decoded beside the window: what is on the screen meanwhile,
 // and what becomes of results that come too late.
+#include "app/patience.h"
 #include "app/stepped_executor.h"
 #include "browser/large_preview.h"
 #include "browser/thumbnail_loader.h"
@@ -368,7 +369,7 @@ TEST_F(LargePreviewTest, AfterAMomentThePictureBeforeGoes) {
     load(Qt::red);
     workers_.stepAll();
     load(Qt::green);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return centre() == empty(); }));
+    ASSERT_TRUE(until([this] { return centre() == empty(); }));
     workers_.stepAll();
     EXPECT_EQ(centre(), QColor(Qt::green));
 }

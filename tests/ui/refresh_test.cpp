@@ -1,4 +1,5 @@
 // Reading the library again: what F5 keeps, finds and tells.
+#include "app/patience.h"
 #include "app/texts.h"
 #include "platform/held_file.h"
 #include "platform/native_disk.h"
@@ -122,7 +123,7 @@ TEST_F(Refresh, ARetryTellsOfADamagedFileAsWell) {
     ASSERT_NE(node("Kaputt"), nullptr);
     file.reset();
     clickNode("Kaputt");
-    ASSERT_TRUE(QTest::qWaitFor([this] { return node("Kaputt") == nullptr; }));
+    ASSERT_TRUE(until([this] { return node("Kaputt") == nullptr; }));
     QCoreApplication::processEvents();
     EXPECT_EQ(boxes_.take().size(), 2);
     EXPECT_EQ(selectedNode(), "Pumpen") << "its neighbour";
