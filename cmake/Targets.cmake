@@ -34,7 +34,11 @@ endfunction()
 
 # What is tested is built with all the sanitizers. The tests' own code goes without the optimiser and
 # without the checks of undefined behaviour, which take its templates longer than the tests run.
-set(txs_test_options $<$<BOOL:${TXS_SANITIZE}>:-O0;-fno-sanitize=undefined>)
+# Only where the tests' code is fed with bytes for hours it is worth optimising.
+set(txs_test_options)
+if(TXS_SANITIZE AND NOT TXS_FUZZ)
+  set(txs_test_options -O0 -fno-sanitize=undefined)
+endif()
 
 # txs_add_test(NAME SOURCES ... LINKS ... [LABELS ...] [PRELUDE ...] [OWN_MAIN]): one GoogleTest program; each of its
 # tests becomes a test of CTest, without a label of its own labelled like the program.

@@ -253,6 +253,18 @@ class Checker {
                                                 : " is marked as used, but in no chain"));
             }
         }
+        checkMarksBehindEnd();
+    }
+
+    // A file that grows over such a mark never uses the sector.
+    void checkMarksBehindEnd() {
+        const auto end = static_cast<std::uint32_t>(owned_.size());
+        for (std::uint32_t sector = end; file_.table().covers(sector); ++sector) {
+            if (file_.table().entry(sector) != kFreeSector && sector != file_.table().rangeLock()) {
+                find("FAT", "sector " + std::to_string(sector) +
+                                " is marked as used, but lies behind the file's end");
+            }
+        }
     }
 
     // A crash may leave sectors behind the end that no header in force has ever named.

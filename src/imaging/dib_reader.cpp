@@ -64,7 +64,7 @@ DibCompression compressionOf(const ByteReader& in, const DibHeader& header) {
     return static_cast<DibCompression>(value);
 }
 
-void requireKnownDepth(const DibHeader& header) {
+void requireKnownDepth(const DibHeader& header, DibUse use) {
     const int bits = header.bitsPerPixel;
     const auto is = [&](std::initializer_list<int> allowed) {
         return std::find(allowed.begin(), allowed.end(), bits) != allowed.end();
@@ -86,7 +86,7 @@ void requireKnownDepth(const DibHeader& header) {
         break;
     case DibCompression::Jpeg:
     case DibCompression::Png:
-        good = true;
+        good = use != DibUse::IconFrame; // whose depth must be that of its pixels
         break;
     }
     if (!good) {
@@ -228,7 +228,7 @@ DibHeader readDibHeader(std::span<const std::byte> bytes, DibUse use) {
     in.part(0, header.headerSize);
     readSizes(in, header, use);
     header.compression = compressionOf(in, header);
-    requireKnownDepth(header);
+    requireKnownDepth(header, use);
     const std::size_t masks = readMasks(in, header);
     if (use != DibUse::File && header.bitsPerPixel == 32 && header.masks[3] == 0) {
         header.masks[3] = 0xFF000000;

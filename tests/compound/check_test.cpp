@@ -96,6 +96,8 @@ TEST_P(CheckTest, SectorsAndTables) {
     expectAll({
         {"is marked as used, but in no chain",
          [](RawFile& raw) { putField(raw, u"long", entry::kSizeAt, 0); }},
+        {"is marked as used, but lies behind the file's end",
+         [](RawFile& raw) { raw.put(raw.fatEntry(raw.sectors()), 7); }},
         {"S/long: its chain does not fit its size of 30000 bytes",
          [](RawFile& raw) { putField(raw, u"long", entry::kSizeAt, 30000); }},
         {"header: its number of mini FAT sectors is wrong",

@@ -91,6 +91,7 @@ QPainterPath arcOf(const AngleArc& arc) {
                            2 * arc.radius);
     const double sweep = std::clamp(arc.sweep, -kFullTurn, kFullTurn);
     QPainterPath path;
+    path.moveTo(arc.centre); // where an arc of no radius is
     path.arcMoveTo(rectangle, std::fmod(arc.start, kFullTurn));
     path.arcTo(rectangle, std::fmod(arc.start, kFullTurn), sweep);
     return path;

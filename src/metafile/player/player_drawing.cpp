@@ -180,6 +180,9 @@ void Player::on(const PolyDraw& record) {
 }
 
 void Player::joinArc(const QPainterPath& arc) {
+    if (arc.elementCount() == 0) { // a frame around nothing
+        return;
+    }
     QPainterPath joined;
     joined.moveTo(context_.position);
     joined.lineTo(arc.elementAt(0));

@@ -251,7 +251,7 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
                       painterCaps ? capStyle(pen.start.cap) : Qt::FlatCap, pen.join);
     result.pen.setMiterLimit(std::max(1.0, pen.miterLimit / 2));
     if (!painterCaps) {
-        constexpr std::size_t kPointsAround = 20; // to widen a head's line
+        constexpr int kPointsAround = 20; // to widen a head's line
         budget.spendPoints(4 * static_cast<std::size_t>(line.elementCount()));
         for (const PlusLineEnd* end : {&pen.start, &pen.end}) {
             budget.spendPoints(static_cast<std::size_t>(end->fill.elementCount() +
