@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdio>
 #include <fcntl.h>
+#include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,6 +66,35 @@ bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& o
     return isSame;
 }
 
+// The file whose lock is the turn of its folder. What a crash leaves of it is cleared away like an
+// unfinished group file.
+constexpr std::string_view kTurnFile = ".txs-0000000000000000.new";
+
+// Whether the path still names the open file.
+bool isAt(const FileDescriptor& file, const std::filesystem::path& path) {
+    struct stat opened {};
+    struct stat named {};
+    return ::fstat(file.get(), &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+FileDescriptor takeTurn(const std::filesystem::path& path) {
+    for (;;) {
+        FileDescriptor file(
+            ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, kUsualMode));
+        if (!file.isOpen()) {
+            throw systemError(errno, path, "create");
+        }
+        if (::flock(file.get(), LOCK_EX) == 0) {
+            if (isAt(file, path)) {
+                return file;
+            }
+        } else if (errno != EINTR) {
+            throw systemError(errno, path, "lock");
+        }
+    }
+}
+
 } // namespace
 
 FileDescriptor::~FileDescriptor() {
@@ -111,21 +142,34 @@ void copyDurably(const std::filesystem::path& from, const std::filesystem::path&
 }
 
 // A second link fails when the name is taken, and until the first one is gone the file merely has
-// two names.
-void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to) {
+// two names. False where files have one name only.
+bool renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to) {
     // A server whose answer got lost is asked again, and then finds the link that it has made.
     if (::link(from.c_str(), to.c_str()) != 0 && !(errno == EEXIST && isSameFile(from, to))) {
         if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK) {
             throw systemError(errno, errno == EEXIST ? to : from, "rename");
         }
-        throw Error(ErrorCode::Failed, to,
-                    "the file system can neither rename a file without replacing another one nor "
-                    "give a file a second name");
+        return false;
     }
     if (::unlink(from.c_str()) != 0) {
         const int cause = errno;
         ::unlink(to.c_str());
         throw systemError(cause, from, "rename");
+    }
+    return true;
+}
+
+void renameInTurn(const std::filesystem::path& from, const std::filesystem::path& to) {
+    const std::filesystem::path path = folderOf(to) / kTurnFile;
+    const FileDescriptor turn = takeTurn(path);
+    struct stat taken {};
+    int cause = EEXIST;
+    if (::lstat(to.c_str(), &taken) != 0) {
+        cause = errno == ENOENT && ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+    }
+    ::unlink(path.c_str());
+    if (cause != 0) {
+        throw systemError(cause, cause == EEXIST ? to : from, "rename");
     }
 }
 
@@ -135,7 +179,10 @@ void renameFileWithoutReplacing(const std::filesystem::path& from,
         return;
     }
     if (errno == EINVAL || errno == ENOSYS) {
-        return renameByLinking(from, to);
+        if (!renameByLinking(from, to)) {
+            renameInTurn(from, to);
+        }
+        return;
     }
     throw systemError(errno, errno == EEXIST ? to : from, "rename");
 }

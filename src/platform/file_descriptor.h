@@ -44,8 +44,13 @@ void copyDurably(const std::filesystem::path& from, const std::filesystem::path&
 // that can neither rename without replacing nor link.
 void renameFileWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
 
-// The same by way of a second link, for file systems that only know renames that replace.
-void renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to);
+// The same by way of a second link, for file systems that only know renames that replace. False,
+// and nothing done, where files have one name only.
+bool renameByLinking(const std::filesystem::path& from, const std::filesystem::path& to);
+
+// The same where there are no second links either: a lock keeps those programs out that rename so,
+// and no others. It is a file in the folder that is gone afterwards.
+void renameInTurn(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // Makes the entries of `folder` durable. A file system that cannot sync folders is no error.
 void syncFolderEntries(const std::filesystem::path& folder);

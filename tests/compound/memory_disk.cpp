@@ -110,7 +110,7 @@ class MemoryFile : public compound::DiskFile {
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         requireWritable();
         announceWrite(offset, bytes);
-        disk_.checkCapacity(*file_, file_->bytes.placedAfter(offset, bytes.size()));
+        disk_.checkCapacity(file_->bytes.placed(), file_->bytes.placedAfter(offset, bytes.size()));
         ++file_->changes;
         file_->bytes.write(offset, bytes);
     }
@@ -219,9 +219,8 @@ std::uint64_t MemoryDisk::placed() const {
     return total;
 }
 
-void MemoryDisk::checkCapacity(const File& file, std::uint64_t placedAfter) const {
-    const std::uint64_t before = file.bytes.placed();
-    if (capacity_ && placedAfter > before && placed() - before + placedAfter > *capacity_) {
+void MemoryDisk::checkCapacity(std::uint64_t before, std::uint64_t after) const {
+    if (capacity_ && after > before && placed() - before + after > *capacity_) {
         throw Error(ErrorCode::NoSpace, {}, "the disk is full");
     }
 }
@@ -302,7 +301,7 @@ void MemoryDisk::trash(const std::filesystem::path& path) {
     if (files_.erase(path) == 0) {
         throw Error(ErrorCode::NotFound, path, "no such file");
     }
-    trashed_.push_back(path);
+    noteTrashed(path);
 }
 
 void MemoryDisk::removeTemporary(const std::filesystem::path& path) {

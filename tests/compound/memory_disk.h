@@ -47,9 +47,9 @@ class MemoryDisk : public compound::Disk {
 
     MemoryDisk() = default;
 
-    void makeFolder(const std::filesystem::path& folder);
-    std::vector<std::byte> content(const std::filesystem::path& path) const;
-    void setContent(const std::filesystem::path& path, std::span<const std::byte> bytes);
+    virtual void makeFolder(const std::filesystem::path& folder);
+    virtual std::vector<std::byte> content(const std::filesystem::path& path) const;
+    virtual void setContent(const std::filesystem::path& path, std::span<const std::byte> bytes);
     const std::vector<std::filesystem::path>& trashed() const { return trashed_; }
 
     // Called before every call with its kind; may throw in the call's place.
@@ -61,7 +61,7 @@ class MemoryDisk : public compound::Disk {
     void setTearsWrites(bool tears) { tearsWrites_ = tears; }
     // Becomes a copy of the other disk's files and folders.
     void copyFilesOf(const MemoryDisk& other);
-    std::uint64_t placed() const; // bytes that all files together take
+    virtual std::uint64_t placed() const; // bytes that all files together take
     // The most bytes that all files together may take, holes apart; a write past it throws NoSpace.
     void setCapacity(std::optional<std::uint64_t> bytes) { capacity_ = bytes; }
 
@@ -79,10 +79,14 @@ class MemoryDisk : public compound::Disk {
     void trash(const std::filesystem::path& path) override;
     void removeTemporary(const std::filesystem::path& path) override;
 
+  protected:
+    void announce(Call call) const;
+    void noteTrashed(const std::filesystem::path& path) { trashed_.push_back(path); }
+    // NoSpace when a file that takes `before` bytes may not take `after`.
+    void checkCapacity(std::uint64_t before, std::uint64_t after) const;
+
   private:
     friend class MemoryFile;
-    void announce(Call call) const;
-    void checkCapacity(const File& file, std::uint64_t placedAfter) const;
     std::shared_ptr<File> find(const std::filesystem::path& path) const;
     std::shared_ptr<File> makeFile();
 

@@ -173,6 +173,37 @@ TEST_F(NativeDiskTest, renamesByLinkingWithoutReplacing) {
     EXPECT_EQ(read("d"), "one");
 }
 
+// Where files have one name only, the programs take turns.
+TEST_F(NativeDiskTest, renamesInTurnWithoutReplacing) {
+    write("a", "one");
+    write("b", "two");
+    write(".txs-0000000000000000.new", ""); // left by a crash
+    EXPECT_EQ(codeOf([&] { platform::renameInTurn(at("a"), at("b")); }), ErrorCode::Exists);
+    EXPECT_EQ(read("b"), "two");
+    EXPECT_EQ(codeOf([&] { platform::renameInTurn(at("none"), at("c")); }), ErrorCode::NotFound);
+    platform::renameInTurn(at("a"), at("c"));
+    EXPECT_EQ(read("c"), "one");
+    EXPECT_EQ(nativeDisk().list(at(".")).size(), 2U) << "something is left behind";
+    for (int round = 0; round < 200; ++round) {
+        write("a", "a");
+        write("b", "b");
+        const auto refusals = [&](const char* from) {
+            try {
+                platform::renameInTurn(at(from), at("d"));
+                return 0;
+            } catch (const compound::Error& error) {
+                return error.code() == ErrorCode::Exists ? 1 : 2;
+            }
+        };
+        int others = 0;
+        std::thread other([&] { others = refusals("a"); });
+        const int own = refusals("b");
+        other.join();
+        ASSERT_EQ(own + others, 1) << "both have got the name, or neither";
+        fs::remove(at("d"));
+    }
+}
+
 TEST_F(NativeDiskTest, tellsRegularFilesFromTheRestInAFolder) {
     write("library/a.stg", "");
     fs::create_directory(at("library/sub.stg"));

@@ -1,15 +1,18 @@
-// A library on the in-memory disk for the store's tests, with short ways to make groups, pictures
-// and foreign elements and to look at what a file holds.
+// A library for the store's tests, with short ways to make groups, pictures and foreign elements
+// and to look at what a file holds. It lies on the in-memory disk, or, for tools/file-systems, in
+// the folder that TXS_TEST_FOLDER names.
 #pragma once
 
 #include "compound/compound_file.h"
 #include "compound/error.h"
 #include "compound/memory_disk.h"
 #include "store/damaged_groups.h"
+#include "store/folder_disk.h"
 #include "store/group_operations.h"
 #include "store/picture_operations.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -48,7 +51,8 @@ class StoreTest : public ::testing::Test {
     template <typename Action>
     compound::ErrorCode errorOf(Action action);
 
-    MemoryDisk disk;
+    std::unique_ptr<MemoryDisk> owned = makeTestDisk();
+    MemoryDisk& disk = *owned;
     Library library{disk, "/library", measureText, u'.', std::chrono::milliseconds{0}};
 };
 
