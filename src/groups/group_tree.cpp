@@ -29,6 +29,14 @@ QString textOf(const std::u16string& text) {
     return QString::fromStdU16String(text);
 }
 
+QSet<QString> textsOf(std::span<const store::FileName> files) {
+    QSet<QString> texts;
+    for (const store::FileName& file : files) {
+        texts.insert(textOf(file.text));
+    }
+    return texts;
+}
+
 QString keyTextOf(const store::GroupAddress& address) {
     return textOf(store::keyOf(address));
 }
@@ -102,6 +110,65 @@ void fillTopItem(QTreeWidgetItem* top, const GroupFile& file) {
     }
 }
 
+// The key is no part of it: that of a node that a command has added is another.
+bool isSameNode(const QTreeWidgetItem& one, const QTreeWidgetItem& other) {
+    const auto isSame = [&](int role) { return one.data(0, role) == other.data(0, role); };
+    if (!isSame(Qt::DisplayRole) || !isSame(kFileRole) || !isSame(kStorageRole) ||
+        !isSame(kParentRole) || !isSame(kMarkRole) || !isSame(Qt::ToolTipRole) ||
+        one.childCount() != other.childCount()) {
+        return false;
+    }
+    for (int i = 0; i < one.childCount(); ++i) {
+        if (!isSameNode(*one.child(i), *other.child(i))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// What stands at the upper edge of the tree stays there, whatever comes or goes above it.
+class PlaceOnScreen {
+  public:
+    explicit PlaceOnScreen(GroupTree& tree)
+        : tree_(tree),
+          isScrolled_(tree.verticalScrollBar()->value() > 0),
+          sideways_(tree.horizontalScrollBar()->value()) {
+        for (QTreeWidgetItem* item = tree.itemAt(0, 0); item != nullptr && isScrolled_;
+             item = tree.itemBelow(item)) {
+            keys_.append(item->data(0, kKeyRole).toString());
+            if (keys_.size() == kKept) {
+                break;
+            }
+        }
+    }
+
+    // Once the tree is laid out.
+    void restore() {
+        if (!isScrolled_) {
+            tree_.verticalScrollBar()->setValue(0);
+            return;
+        }
+        QHash<QString, QTreeWidgetItem*> present;
+        for (QTreeWidgetItemIterator node(&tree_); *node != nullptr; ++node) {
+            present.insert((*node)->data(0, kKeyRole).toString(), *node);
+        }
+        for (const QString& key : keys_) {
+            if (QTreeWidgetItem* item = present.value(key)) {
+                tree_.scrollToItem(item, QAbstractItemView::PositionAtTop);
+                break;
+            }
+        }
+        tree_.horizontalScrollBar()->setValue(sideways_);
+    }
+
+  private:
+    static constexpr qsizetype kKept = 100; // nodes, any of which may go
+    GroupTree& tree_;
+    bool isScrolled_;
+    int sideways_;
+    QStringList keys_;
+};
+
 } // namespace
 
 GroupTree::GroupTree(QWidget* parent) : QTreeWidget(parent) {
@@ -149,6 +216,12 @@ void GroupTree::rebuild(std::span<const GroupFile> files) {
         fillTopItem(items.back(), file);
     }
     addTopLevelItems(items);
+    unfoldAgain(unfolded);
+    executeDelayedItemsLayout(); // until then there is nothing to scroll
+    verticalScrollBar()->setValue(scrolled);
+}
+
+void GroupTree::unfoldAgain(const QSet<QString>& unfolded) {
     for (QTreeWidgetItemIterator node(this); !unfolded.isEmpty() && *node != nullptr; ++node) {
         const bool isMarked =
             (*node)->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None);
@@ -156,8 +229,73 @@ void GroupTree::rebuild(std::span<const GroupFile> files) {
             (*node)->setExpanded(true);
         }
     }
-    executeDelayedItemsLayout(); // until then there is nothing to scroll
-    verticalScrollBar()->setValue(scrolled);
+}
+
+void GroupTree::takeChanges(std::span<const store::FileName> files,
+                            std::span<const GroupFile> read) {
+    const bool isSameCount = files.size() == static_cast<std::size_t>(topLevelItemCount());
+    if (read.empty() && isSameCount) {
+        return; // what came in another one's place was read
+    }
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    const QString selected = selectedKey();
+    const QSet<QString> unfolded = unfoldedKeys();
+    PlaceOnScreen place(*this);
+    QHash<QString, QTreeWidgetItem*> tops;
+    bool isChanged = false;
+    const QSet<QString> present = textsOf(files);
+    for (int i = topLevelItemCount() - 1; i >= 0; --i) {
+        const QString file = topLevelItem(i)->data(0, kFileRole).toString();
+        if (present.contains(file)) {
+            tops.insert(file, topLevelItem(i));
+        } else {
+            delete takeTopLevelItem(i);
+            isChanged = true;
+        }
+    }
+    auto next = read.begin();
+    QTreeWidgetItem* before = nullptr;
+    for (const store::FileName& file : files) {
+        QTreeWidgetItem*& top = tops[textOf(file.text)];
+        if (next != read.end() && next->file == file) {
+            isChanged = takeFile(top, before, *next) || isChanged;
+            ++next;
+        }
+        before = top == nullptr ? before : top;
+    }
+    if (isChanged) {
+        unfoldAgain(unfolded);
+        if (!selected.isEmpty() && selectedKey() != selected) {
+            selectItem(itemOf(selected), Reveal::KeepFolded);
+        }
+        executeDelayedItemsLayout(); // until then there is nothing to scroll
+        place.restore();
+    }
+}
+
+// Makes the node of a file, behind another one, or brings it up to date. False if it was.
+bool GroupTree::takeFile(QTreeWidgetItem*& top, QTreeWidgetItem* before, const GroupFile& file) {
+    auto fresh = std::make_unique<QTreeWidgetItem>();
+    fillTopItem(fresh.get(), file);
+    if (top == nullptr) {
+        top = fresh.get();
+        insertTopLevelItem(indexOfTopLevelItem(before) + 1, fresh.release());
+        return true;
+    }
+    if (isSameNode(*top, *fresh)) {
+        return false;
+    }
+    const QVariant key = top->data(0, kKeyRole);
+    const QVariant storage = top->data(0, kStorageRole);
+    qDeleteAll(top->takeChildren());
+    fillTopItem(top, file);
+    if (top->data(0, kStorageRole) == storage) {
+        top->setData(0, kKeyRole, key);
+    }
+    if (top->data(0, kMarkRole).toInt() != static_cast<int>(GroupMark::None)) {
+        top->setExpanded(false);
+    }
+    return true;
 }
 
 void GroupTree::replaceFile(const store::FileName& file, const std::optional<GroupFile>& reading) {

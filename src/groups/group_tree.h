@@ -35,6 +35,11 @@ class GroupTree : public QTreeWidget {
     // them.
     void replaceFile(const store::FileName& file, const std::optional<GroupFile>& reading);
 
+    // Takes over what others have changed: `files` are the library's files in their order, `read`
+    // those of them that were read anew. What is still there stays as it is: selected, unfolded and
+    // in its place on the screen. Nothing is selected afterwards if the selected group has gone.
+    void takeChanges(std::span<const store::FileName> files, std::span<const GroupFile> read);
+
     // Adds a top-level node with the key NAME & "a".
     void addTopLevelNode(const store::GroupName& name);
 
@@ -84,6 +89,8 @@ class GroupTree : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override; // Enter unfolds or folds the selected node
 
   private:
+    bool takeFile(QTreeWidgetItem*& top, QTreeWidgetItem* before, const GroupFile& file);
+    void unfoldAgain(const QSet<QString>& unfolded);
     static std::optional<SelectedGroup> groupOf(const QTreeWidgetItem* item);
     QTreeWidgetItem* selectedItem() const;
     QTreeWidgetItem* itemOf(const QString& key) const;

@@ -8,13 +8,20 @@
 
 namespace groups {
 
-std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
-                                            const store::FileName& file,
-                                            const store::LockBudget& budget) {
-    GroupFile group{file, store::readGroupFile(library, file, budget)};
+GroupFile readAsItIs(const store::Library& library, const store::FileName& file,
+                     const store::LockBudget& budget) {
+    const auto state = library.disk.glance(store::pathOf(library, file));
+    GroupFile group{file, store::readGroupFile(library, file, budget), {}, state};
     if (group.reading.failure) {
         group.trouble = app::errorText(*group.reading.failure);
     }
+    return group;
+}
+
+std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
+                                            const store::FileName& file,
+                                            const store::LockBudget& budget) {
+    GroupFile group = readAsItIs(library, file, budget);
     if (group.reading.state == store::GroupFileState::Damaged) {
         try {
             store::setAside(library, file);

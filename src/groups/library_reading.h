@@ -15,6 +15,8 @@ struct GroupFile {
     store::FileName file;
     store::GroupFileReading reading; // never Damaged, unless the file could not be set aside
     QString trouble = {};            // why it cannot be shown, for the user; empty for a sound file
+    // How its file looked just before it was read, if the disk can tell.
+    std::optional<compound::FileIdentity> state = {};
 };
 
 struct LibraryReading {
@@ -33,7 +35,11 @@ LibraryReading readLibrary(const store::Library& library, const store::LockBudge
 std::vector<GroupFile> readSoundFiles(const store::Library& library,
                                       const store::LockBudget& budget);
 
-// One file again, in the same way; nothing when it was set aside.
+// One file, whatever its state.
+GroupFile readAsItIs(const store::Library& library, const store::FileName& file,
+                     const store::LockBudget& budget);
+
+// One file again, in the way of the library; nothing when it was set aside.
 std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
                                             const store::FileName& file,
                                             const store::LockBudget& budget);

@@ -258,21 +258,25 @@ bool NativeFile::isStillAtPath() {
     return found_.st_dev == opened_.st_dev && found_.st_ino == opened_.st_ino;
 }
 
+compound::FileIdentity identityOf(const struct stat& status, TimeOfDay timeOfDay) {
+    const std::chrono::nanoseconds changed = sinceEpoch(status.st_ctim);
+    // Time stamps go on in ticks of some milliseconds, on some file systems of a second or two.
+    const bool settled = timeOfDay() - changed > std::chrono::seconds(3);
+    return compound::FileIdentity{status.st_dev,
+                                  status.st_ino,
+                                  static_cast<std::uint64_t>(status.st_size),
+                                  sinceEpoch(status.st_mtim).count(),
+                                  changed.count(),
+                                  settled};
+}
+
 // What isStillAtPath() has found under the lock; every call to the system counts in short readings.
 // Clocks of other machines go differently, so the time stamps of a shared volume prove nothing.
 std::optional<compound::FileIdentity> NativeFile::identity() {
     if (isShared_ || found_.st_ino == 0) {
         return std::nullopt;
     }
-    const std::chrono::nanoseconds changed = sinceEpoch(found_.st_ctim);
-    // Time stamps go on in ticks of some milliseconds, on some file systems of a second or two.
-    const bool settled = timeOfDay_() - changed > std::chrono::seconds(3);
-    return compound::FileIdentity{found_.st_dev,
-                                  found_.st_ino,
-                                  static_cast<std::uint64_t>(found_.st_size),
-                                  sinceEpoch(found_.st_mtim).count(),
-                                  changed.count(),
-                                  settled};
+    return identityOf(found_, timeOfDay_);
 }
 
 void NativeFile::find() {
@@ -346,6 +350,7 @@ class NativeDisk final : public compound::Disk {
     void copyAttributes(DiskFile& from, DiskFile& to) override;
     std::vector<compound::FolderEntry> list(const path& folder) override;
     bool exists(const path& filePath) override;
+    std::optional<compound::FileIdentity> glance(const path& filePath) override;
     void renameWithoutReplacing(const path& from, const path& to) override;
     void renameReplacing(const path& from, const path& to) override;
     void syncFolder(const path& folder) override;
@@ -458,6 +463,14 @@ bool NativeDisk::exists(const path& filePath) {
         throw systemError(failure, filePath, "look up");
     }
     return failure == 0;
+}
+
+std::optional<compound::FileIdentity> NativeDisk::glance(const path& filePath) {
+    struct stat status {};
+    if (::stat(filePath.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return identityOf(status, surroundings_.timeOfDay);
 }
 
 void NativeDisk::renameWithoutReplacing(const path& from, const path& to) {

@@ -96,6 +96,10 @@ std::vector<FileName> groupFiles(const Library& library) {
     return files;
 }
 
+std::vector<FileName> groupFilesAsTheyAre(const Library& library) {
+    return groupFilesAmong(library.disk.list(library.folder));
+}
+
 std::vector<std::filesystem::path> damagedFiles(const Library& library) {
     std::vector<std::filesystem::path> files;
     for (const std::u16string& name :

@@ -80,6 +80,9 @@ FileName fileNameOf(const std::filesystem::path& path);
 // listed.
 std::vector<FileName> groupFiles(const Library& library);
 
+// The same with nothing cleared away: for whoever looks often.
+std::vector<FileName> groupFilesAsTheyAre(const Library& library);
+
 // The files that were set aside as damaged ("*.err"), by name without regard to case.
 std::vector<std::filesystem::path> damagedFiles(const Library& library);
 

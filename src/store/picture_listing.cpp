@@ -147,8 +147,9 @@ PictureNames listPictureNames(const Library& library, const GroupAddress& group)
         }
     }
     const auto identity = access.file().disk().identity();
-    if (identity && identity->settled) {
-        pictures.stamp = FileStamp{*identity, access.file().transactionSignature()};
+    if (identity) {
+        pictures.latest = FileStamp{*identity, access.file().transactionSignature()};
+        pictures.stamp = identity->settled ? pictures.latest : std::nullopt;
     }
     return pictures;
 }

@@ -105,6 +105,9 @@ struct PictureNames {
     // Nothing when the disk cannot tell states apart, or when the file was changed so lately that
     // a further change might not show.
     std::optional<FileStamp> stamp;
+    // The same however lately it was changed; a further change shows unless it comes at once and
+    // from a program that does not count transactions.
+    std::optional<FileStamp> latest;
 };
 PictureNames listPictureNames(const Library& library, const GroupAddress& group);
 

@@ -273,6 +273,19 @@ bool MemoryDisk::exists(const std::filesystem::path& path) {
     return files_.contains(path);
 }
 
+std::optional<compound::FileIdentity> MemoryDisk::glance(const std::filesystem::path& path) {
+    const auto file = files_.find(path);
+    if (file == files_.end()) {
+        return std::nullopt;
+    }
+    return compound::FileIdentity{1,
+                                  file->second->number,
+                                  file->second->bytes.size(),
+                                  file->second->changes,
+                                  file->second->changes,
+                                  isSettled_};
+}
+
 void MemoryDisk::renameWithoutReplacing(const std::filesystem::path& from,
                                         const std::filesystem::path& to) {
     if (files_.contains(to)) {

@@ -71,6 +71,8 @@ class MemoryDisk : public compound::Disk {
     void copyAttributes(compound::DiskFile& from, compound::DiskFile& to) override;
     std::vector<compound::FolderEntry> list(const std::filesystem::path& folder) override;
     bool exists(const std::filesystem::path& path) override;
+    std::optional<compound::FileIdentity> glance(const std::filesystem::path& path) override;
+    void setSettled(bool settled) { isSettled_ = settled; } // whether glances find files settled
     void renameWithoutReplacing(const std::filesystem::path& from,
                                 const std::filesystem::path& to) override;
     void renameReplacing(const std::filesystem::path& from,
@@ -97,4 +99,5 @@ class MemoryDisk : public compound::Disk {
     bool tearsWrites_ = false;
     std::optional<std::uint64_t> capacity_;
     std::uint64_t filesMade_ = 0;
+    bool isSettled_ = true;
 };
