@@ -15,6 +15,7 @@ using platform::Hive;
 const QString kProductKey = QStringLiteral("SOFTWARE\\NORAVEX GmbH\\Talvix\\4.0");
 const QString kMakerKey = QStringLiteral("Software\\NORAVEX GmbH");
 const QString kProgramKey = QStringLiteral("Software\\NORAVEX GmbH\\GraphicsLib");
+const QString kDefaultPath = QStringLiteral("C:\\");
 const QString kDefaultCommon = QStringLiteral("C:\\TalvixStudio\\Common");
 const QString kStoragesSuffix = QStringLiteral("\\Graphics\\Storages\\");
 const QString kHelpFileSuffix = QStringLiteral("\\HelpFiles\\TXSGraphicsLib.chm");
@@ -43,7 +44,11 @@ void Settings::readPaths() {
     helpFile_ = readCommon() + kHelpFileSuffix;
     createDefaultStoragesFolder();
     drive_ = backend_.read(Hive::CurrentUser, kProgramKey, kDriveName, QStringLiteral("C:"));
-    path_ = backend_.read(Hive::CurrentUser, kProgramKey, kPathName, QStringLiteral("C:\\"));
+    path_ = backend_.read(Hive::CurrentUser, kProgramKey, kPathName, kDefaultPath);
+}
+
+bool Settings::isPathChosen() const {
+    return path_ != kDefaultPath;
 }
 
 void Settings::readCurrentGroup() {

@@ -53,6 +53,7 @@ class Settings {
     void setDrive(const QString& drive) { drive_ = drive; }
     const QString& path() const { return path_; }
     void setPath(const QString& path) { path_ = path; }
+    bool isPathChosen() const; // or the one that it is before any was
     const QString& currentGroup() const { return currentGroup_; }
     void setCurrentGroup(const QString& key) { currentGroup_ = key; }
 

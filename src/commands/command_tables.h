@@ -30,6 +30,7 @@ enum class Command {
     Help,
     SearchHelp,
     LibraryInfo,
+    OpenSamples, // offered by an empty library only
 };
 
 inline constexpr int kNoTextId = -1;

@@ -15,6 +15,7 @@
 #include "commands/library_view.h"
 #include "commands/picture_commands.h"
 #include "commands/program_commands.h"
+#include "commands/sample_library.h"
 #include "editing/frm_open.h"
 #include "editing/frm_optionen_wmf.h"
 
@@ -53,6 +54,7 @@ constexpr std::array kBindings{
     Binding{Command::Help, showMainHelp},
     Binding{Command::SearchHelp, searchHelp},
     Binding{Command::LibraryInfo, showLibraryInfo},
+    Binding{Command::OpenSamples, openSamples},
 };
 
 Handler handlerOf(Command command) {

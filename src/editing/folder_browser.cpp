@@ -27,11 +27,15 @@ FolderBrowser::FolderBrowser(DriveList* drives, FolderList* folders, FileList* f
 }
 
 void FolderBrowser::goToRememberedPlace() {
+    const app::Settings& settings = app::settings();
+    const QString pictures = settings.isPathChosen() ? QString() : platform::picturesFolder();
+    const bool isFirstTime = !pictures.isEmpty();
     isMemorySuppressed_ = true;
-    drives_->setDrive(QDir::cleanPath(platform::nativePath(app::settings().drive())));
-    const QString remembered = app::settings().path();
+    drives_->setDrive(isFirstTime ? platform::driveOf(pictures, platform::drives())
+                                  : QDir::cleanPath(platform::nativePath(settings.drive())));
+    const QString place = isFirstTime ? pictures : platform::nativePath(settings.path());
     changeDrive();
-    if (!folders_->setFolder(platform::nativePath(remembered))) {
+    if (!folders_->setFolder(place)) {
         // Perhaps only unplugged: the next start shall look for it again.
         isMemorySuppressed_ = true;
         folders_->setFolder(QDir::homePath());

@@ -3,6 +3,7 @@
 #include "base/utf8.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace platform {
@@ -64,6 +65,14 @@ QString studioFolder() {
 QString trashFolder() {
     const QString root = homeRoot();
     return root.isEmpty() ? QString() : joinPath(root, QStringLiteral("trash"));
+}
+
+QString picturesFolder() {
+    const QString root = homeRoot();
+    const QString folder = root.isEmpty()
+                               ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)
+                               : joinPath(root, QStringLiteral("Pictures"));
+    return QFileInfo(folder).isDir() ? folder : QString();
 }
 
 QString keptFolder() {

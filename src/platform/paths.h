@@ -29,6 +29,9 @@ QString studioFolder();
 // The trash under TXSGRAPHICSLIB_HOME; empty when the desktop's trash is to be used.
 QString trashFolder();
 
+// The user's pictures, where they are looked for first; empty when there is no such folder.
+QString picturesFolder();
+
 // Takes files that no trash accepts.
 QString keptFolder();
 
