@@ -8,6 +8,8 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "browser/damaged_report.h"
+#include "browser/find_panel.h"
+#include "browser/first_steps.h"
 #include "browser/group_browsing.h"
 #include "browser/key_bindings.h"
 #include "browser/main_layout.h"
@@ -53,13 +55,16 @@ WindowSize twipsOf(const QSize& pixels) {
 
 } // namespace
 
-frmMain::frmMain(StartMode mode)
+frmMain::frmMain(StartMode mode, Noticing noticing)
     : mode_(mode),
       dispatcher_(*this),
       surface_(nullptr),
       tree_(nullptr),
       panel_(nullptr),
-      menus_(nullptr) {
+      menus_(nullptr),
+      firstSteps_(nullptr),
+      find_(nullptr),
+      watch_(noticing) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(app::kProgramTitle);
     setWindowIcon(groups::programIcon());
@@ -73,18 +78,25 @@ frmMain::frmMain(StartMode mode)
     tree_ = new groups::GroupTree(surface_);
     panel_ = new PicturePanel(surface_);
     panel_->setTabOrderAfter(tree_);
-    groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_);
+    firstSteps_ = new FirstSteps(surface_);
+    firstSteps_->setTabOrderAfter(tree_);
+    groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_, watch_);
     menus_ = new MainMenus(menuBar(), dispatcher_, this);
+    find_ = new FindPanel(menuBar(), surface_);
     connectTree();
     connectPanel();
+    connectWatch();
+    connectFinding();
     bindKeys(*this, {tree_, panel_->strip(), panel_->list(), menus_, [this] { copyPicture(); },
-                     [this] { refresh(); }});
+                     [this] { refresh(); }, [this] { find_->start(); }});
     setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));
     resize(kInitialSize);
 }
 
 // What the workers still have in hand uses the library's disk.
 frmMain::~frmMain() {
+    watch_.stop();
+    find_->stop();
     panel_->stopLoading();
     app::workers().finish();
 }
@@ -95,7 +107,7 @@ void frmMain::connectTree() {
     connect(
         groups_.get(), &GroupBrowsing::filesSetAside, this,
         [this] {
-            if (Activated_) { // else the start tells of them
+            if (Activated_ && isVisible()) { // else the next start tells of them
                 reportDamagedFiles(*library_, this);
             }
         },
@@ -117,6 +129,53 @@ void frmMain::connectPanel() {
     connect(panel_, &PicturePanel::renameFailed, this, &frmMain::tellRenameFailure);
 }
 
+void frmMain::connectWatch() {
+    connect(groups_.get(), &GroupBrowsing::changesTaken, this, &frmMain::updateMenuState);
+    finding::LibraryIndex* index = &find_->index();
+    connect(&watch_, &LibraryWatch::changed, index, [index](const auto& changes) {
+        if (changes.isReachable) {
+            index->takeChanges(changes.files, changes.read);
+        }
+    });
+    connect(&watch_, &LibraryWatch::remembered, index, [index](const auto& files) {
+        std::vector<store::FileName> names;
+        for (const groups::GroupFile& file : files) {
+            names.push_back(file.file);
+        }
+        index->takeChanges(names, files);
+    });
+}
+
+void frmMain::connectFinding() {
+    connect(
+        find_, &FindPanel::wanted, this,
+        [this](const store::GroupAddress& group, const std::optional<store::PictureName>& picture) {
+            if (groups_->goTo(group, picture)) {
+                panel_->pictures()->setFocus();
+                updateMenuState();
+            }
+        });
+    connect(tree_, &groups::GroupTree::nodeClicked, find_, &FindPanel::leave);
+    // Nodes come and go within one step; what is true at its end is shown.
+    for (const auto change :
+         {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
+        connect(tree_->model(), change, this, &frmMain::showFirstSteps, Qt::QueuedConnection);
+    }
+    connect(tree_->model(), &QAbstractItemModel::modelReset, this, &frmMain::showFirstSteps,
+            Qt::QueuedConnection);
+    connect(firstSteps_, &FirstSteps::wanted, this, [this](commands::Command command) {
+        dispatcher_.run(command, commands::Origin::Menu);
+    });
+}
+
+void frmMain::showFirstSteps() {
+    const bool isEmpty = groups_->isEmptyLibrary();
+    if (isEmpty != firstSteps_->isVisibleTo(surface_)) {
+        firstSteps_->setVisible(isEmpty);
+        firstSteps_->raise();
+    }
+}
+
 // --- Lifecycle
 
 void frmMain::showEvent(QShowEvent* event) {
@@ -135,6 +194,8 @@ void frmMain::load() {
     menus_->setCaptions();
     tree_->setAccessibleName(app::text(kTreeName));
     panel_->setCaptions();
+    firstSteps_->setCaptions();
+    find_->setCaptions();
     app::Settings& settings = app::settings();
     settings.readPaths();
     try {
@@ -144,11 +205,13 @@ void frmMain::load() {
     }
     library_.emplace(libraryOf(settings));
     panel_->setLibrary(*library_);
+    find_->setLibrary(*library_);
     groups_->setLibrary(*library_);
     panel_->hideToolTip();
     panel_->setGraphicalPreview(true);
     placeParts();
     FillTreeView();
+    showFirstSteps();
 }
 
 void frmMain::activate() {
@@ -170,7 +233,7 @@ void frmMain::activate() {
 }
 
 bool frmMain::isSettled() const {
-    return Activated_ && panel_->isSettled();
+    return Activated_ && panel_->isSettled() && !watch_.isLooking();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -188,6 +251,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::unload() {
+    watch_.stop();
+    find_->stop();
     panel_->stopLoading();
     app::closeHelp();
     removeTemporaryPictures(app::settings().temporaryFolderPath());
@@ -264,6 +329,9 @@ void frmMain::placeParts() {
     const MainLayout layout = layoutFor(atLeastMinimum(twipsOf(size())));
     tree_->setGeometry(app::toPixels(layout.tvwGruppen));
     panel_->place(layout);
+    const QRect area = app::toPixels(layout.thumbnailArea);
+    firstSteps_->setGeometry(area);
+    find_->place(area, width());
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
@@ -305,11 +373,19 @@ void frmMain::TreeViewAdd(const store::GroupName& name) {
 }
 
 void frmMain::TreeViewRemove(const store::GroupAddress& group) {
-    tree_->remove(group);
+    groups_->remove(group);
 }
 
 void frmMain::SelectFirstGroup() {
     groups_->selectFirst();
+}
+
+bool frmMain::isFinding() const {
+    return find_->isBusy();
+}
+
+void frmMain::lookForChanges() {
+    watch_.look();
 }
 
 void frmMain::refresh() {

@@ -5,6 +5,7 @@
 // window is shown the damaged files are reported and the group last used is selected.
 #pragma once
 
+#include "browser/library_watch.h"
 #include "commands/dispatcher.h"
 #include "commands/enabling.h"
 #include "commands/library_view.h"
@@ -20,6 +21,8 @@ class GroupTree;
 
 namespace browser {
 
+class FindPanel;
+class FirstSteps;
 class GroupBrowsing;
 class MainMenus;
 class PicturePanel;
@@ -33,7 +36,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     Q_OBJECT
 
   public:
-    explicit frmMain(StartMode mode);
+    explicit frmMain(StartMode mode, Noticing noticing = Noticing::ByItself);
     ~frmMain() override;
 
     // Whether the first activation is over and nothing is being laid out or loaded.
@@ -75,6 +78,12 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void SetImgScrollProperties();
     void NoToolTip();
 
+    // Whether the library is being read or searched for what is to be found.
+    bool isFinding() const;
+
+    // Takes over what others have changed by now; isSettled() when that is done.
+    void lookForChanges();
+
     // Reads the library again and shows the same group and picture, if they are still there.
     void refresh();
 
@@ -105,6 +114,9 @@ class frmMain : public QMainWindow, public commands::LibraryView {
   private:
     void connectTree();
     void connectPanel();
+    void connectWatch();
+    void connectFinding();
+    void showFirstSteps();
     void load();
     void activate();
     void unload();
@@ -120,8 +132,11 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     groups::GroupTree* tree_;
     PicturePanel* panel_;
     MainMenus* menus_;
-    std::unique_ptr<GroupBrowsing> groups_;
+    FirstSteps* firstSteps_;
+    FindPanel* find_;
     std::optional<store::Library> library_;
+    LibraryWatch watch_;
+    std::unique_ptr<GroupBrowsing> groups_;
     QString handOverValue_;
     QString loadFailure_;
     bool isLoaded_ = false;

@@ -1,5 +1,6 @@
 #include "browser/group_browsing.h"
 
+#include "browser/library_watch.h"
 #include "browser/picture_panel.h"
 #include "groups/group_tree.h"
 #include "groups/library_reading.h"
@@ -21,8 +22,9 @@ store::FileName fileOf(const QString& key) {
 
 } // namespace
 
-GroupBrowsing::GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel)
-    : tree_(tree), panel_(panel) {
+GroupBrowsing::GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel, LibraryWatch& watch)
+    : tree_(tree), panel_(panel), watch_(watch) {
+    connect(&watch_, &LibraryWatch::changed, this, &GroupBrowsing::takeChanges);
     connect(&tree_, &groups::GroupTree::nodeClicked, this, &GroupBrowsing::nodeClicked);
     connect(&tree_, &groups::GroupTree::selectionCleared, this, &GroupBrowsing::selectionCleared);
     // Rereading rebuilds the very node whose event asks for it.
@@ -30,11 +32,17 @@ GroupBrowsing::GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel)
             Qt::QueuedConnection);
 }
 
+void GroupBrowsing::setLibrary(const store::Library& library) {
+    library_ = &library;
+    watch_.start(library, [this] { return panel_.shownPictures(); });
+}
+
 void GroupBrowsing::fillTree() {
     const groups::LibraryReading reading =
         groups::readLibrary(*library_, store::LockBudget(kRefreshLockWait));
     isReachable_ = reading.reachable;
     tree_.rebuild(reading.files);
+    watch_.remember(reading.files);
     if (reading.setAside > 0) {
         emit filesSetAside();
     }
@@ -84,6 +92,10 @@ void GroupBrowsing::selectRemembered(const QString& key) {
     CurrentGroup_ = tree_.firstNodeText();
 }
 
+bool GroupBrowsing::isEmptyLibrary() const {
+    return isReachable_ && tree_.topLevelItemCount() == 0;
+}
+
 std::optional<QString> GroupBrowsing::keyToRemember() const {
     if (!isReachable_) {
         return std::nullopt;
@@ -108,12 +120,34 @@ bool GroupBrowsing::select(const store::GroupAddress& group) {
 
 void GroupBrowsing::add(const store::GroupName& name) {
     awaitedKey_.clear();
+    watch_.lookAnew();
     const QString text = QString::fromStdU16String(name.text);
     tree_.addTopLevelNode(name);
     tree_.selectKey(text + u'a');
     panel_.setGroup(store::topLevelAddress(name.text));
     CurrentGroup_ = text;
     panel_.showGroupAnew();
+}
+
+bool GroupBrowsing::goTo(const store::GroupAddress& group,
+                         const std::optional<store::PictureName>& picture) {
+    if (!tree_.find(group)) {
+        return false;
+    }
+    awaitedKey_.clear();
+    tree_.select(group);
+    if (tree_.selectedIsMarked() || !picture) {
+        showSelected();
+    } else {
+        setCurrent(group);
+        panel_.showGroupAt(*picture);
+    }
+    return true;
+}
+
+void GroupBrowsing::remove(const store::GroupAddress& group) {
+    watch_.lookAnew();
+    tree_.remove(group);
 }
 
 void GroupBrowsing::selectFirst() {
@@ -177,6 +211,27 @@ void GroupBrowsing::retry(const store::FileName& file) {
         awaitedKey_.clear();
         showSelected();
     }
+}
+
+void GroupBrowsing::takeChanges(const groups::LibraryChanges& changes) {
+    if (!changes.isReachable) {
+        return; // what is shown may come back as it was
+    }
+    isReachable_ = true;
+    const QString selected = tree_.selectedKey();
+    const bool wasMarked = tree_.selectedIsMarked();
+    tree_.takeChanges(changes.files, changes.read);
+    if (changes.setAside > 0) {
+        emit filesSetAside();
+    }
+    if (!awaitedKey_.isEmpty() && !isInMarkedFile(awaitedKey_)) {
+        selectAgain(awaitedKey_);
+    } else if (tree_.selectedKey() != selected || tree_.selectedIsMarked() != wasMarked) {
+        selectAgain(selected);
+    } else if (changes.content && !panel_.takeChanges(*changes.content)) {
+        watch_.lookAnew(changes.content->asked.group.file);
+    }
+    emit changesTaken();
 }
 
 bool GroupBrowsing::isInMarkedFile(const QString& key) const {

@@ -18,21 +18,23 @@
 
 namespace groups {
 class GroupTree;
-}
+struct LibraryChanges;
+} // namespace groups
 
 namespace browser {
 
+class LibraryWatch;
 class PicturePanel;
 
 class GroupBrowsing : public QObject {
     Q_OBJECT
 
   public:
-    // Tree and panel must outlive it. Nothing but the connections is made before setLibrary.
-    GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel);
+    // Tree, panel and watch must outlive it. Nothing but the connections is made before setLibrary.
+    GroupBrowsing(groups::GroupTree& tree, PicturePanel& panel, LibraryWatch& watch);
 
-    // The library must outlive it.
-    void setLibrary(const store::Library& library) { library_ = &library; }
+    // Begins to notice what others change. The library must outlive it.
+    void setLibrary(const store::Library& library);
 
     // Reads all group files and rebuilds the tree. Nothing is selected afterwards.
     void fillTree();
@@ -44,6 +46,9 @@ class GroupBrowsing : public QObject {
     // Selects the node with that key and makes its group the panel's; what is remembered from the
     // last run. The pictures are not shown yet.
     void selectRemembered(const QString& key);
+
+    // Whether the library could be read and holds no group.
+    bool isEmptyLibrary() const;
 
     // What is to be remembered for the next run; nothing when the library could not be read, and
     // what is remembered already may still be right.
@@ -59,6 +64,13 @@ class GroupBrowsing : public QObject {
     // Adds a top-level node without reading any file, selects it and shows its pictures.
     void add(const store::GroupName& name);
 
+    // Shows the group, with that picture selected if there is one. False, with nothing done, for a
+    // group without a node.
+    bool goTo(const store::GroupAddress& group, const std::optional<store::PictureName>& picture);
+
+    // Takes the group's node out of the tree without reading any file.
+    void remove(const store::GroupAddress& group);
+
     // Selects the first node and shows its pictures; with an empty tree none.
     void selectFirst();
 
@@ -67,17 +79,21 @@ class GroupBrowsing : public QObject {
     void editItemWanted(commands::EditItemCause cause);
     // Reading has found damaged files and renamed them.
     void filesSetAside();
+    // What others have changed is shown now.
+    void changesTaken();
 
   private:
     void nodeClicked();
     void selectionCleared();
     void retry(const store::FileName& file);
     void showSelected();
+    void takeChanges(const groups::LibraryChanges& changes);
     void selectAgain(const QString& key);
     bool isInMarkedFile(const QString& key) const;
 
     groups::GroupTree& tree_;
     PicturePanel& panel_;
+    LibraryWatch& watch_;
     const store::Library* library_ = nullptr;
     QString CurrentGroup_; // key of the group whose pictures are shown, or, after the start and
                            // after `add`, a node's text

@@ -35,6 +35,7 @@ void bindKeys(QMainWindow& window, const KeyTargets& targets) {
     bind(targets.list, Qt::Key_Delete, run(Command::DeletePicture));
     bind(window, QKeySequence::Copy, targets.copy);
     bind(window, QKeySequence::Refresh, targets.refresh);
+    bind(window, QKeySequence::Find, targets.find);
 }
 
 } // namespace browser

@@ -4,6 +4,7 @@
 //   F2       renames: the group in the tree, the picture in the thumbnails (a list edits in place)
 //   Delete   deletes: the group in the tree, the picture in thumbnails and list
 //   Ctrl+C   copies the shown picture to the clipboard
+//   Ctrl+F   goes to the field for finding pictures and groups
 //   F5       reads the library again
 #pragma once
 
@@ -25,6 +26,7 @@ struct KeyTargets {
     MainMenus* menus = nullptr;
     std::function<void()> copy;
     std::function<void()> refresh;
+    std::function<void()> find;
 };
 
 // Binds the keys; what the targets name must live as long as the window.

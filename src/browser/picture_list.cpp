@@ -64,6 +64,31 @@ class NameDelegate : public groups::ToolTipDelegate {
     PictureList* list_;
 };
 
+// Nothing is told of a text that stays: its row would be painted anew, and its editor closed.
+void setText(QTreeWidgetItem& row, int column, const QString& text) {
+    if (row.text(column) != text) {
+        row.setText(column, text);
+    }
+}
+
+void describe(QTreeWidgetItem& row, const store::PictureEntry& picture) {
+    const store::PictureRecord& record = picture.record;
+    const bool hasRecord = !record.type.empty();
+    setText(row, 0, QString::fromStdU16String(picture.name.text));
+    setText(row, 1, kilobytesText(picture.bytes));
+    setText(row, 2, hasRecord ? app::numberText(record.height) : QString());
+    setText(row, 3, hasRecord ? app::numberText(record.width) : QString());
+    setText(row, 4, QString::fromStdString(record.type));
+    row.setToolTip(1, bytesText(picture.bytes));
+}
+
+QTreeWidgetItem* newRow(const store::PictureEntry& picture) {
+    auto* row = new QTreeWidgetItem;
+    describe(*row, picture);
+    row->setFlags(row->flags() | Qt::ItemIsEditable);
+    return row;
+}
+
 } // namespace
 
 std::array<double, kListColumns> columnWidths(double listWidth) {
@@ -125,18 +150,35 @@ void PictureList::fill(const std::optional<store::GroupAddress>& group,
     QList<QTreeWidgetItem*> rows;
     rows.reserve(static_cast<qsizetype>(pictures.size()));
     for (const store::PictureEntry& picture : pictures) {
-        const store::PictureRecord& record = picture.record;
-        const bool hasRecord = !record.type.empty();
-        auto* row = new QTreeWidgetItem({QString::fromStdU16String(picture.name.text),
-                                         kilobytesText(picture.bytes),
-                                         hasRecord ? app::numberText(record.height) : QString(),
-                                         hasRecord ? app::numberText(record.width) : QString(),
-                                         QString::fromStdString(record.type)});
-        row->setToolTip(1, bytesText(picture.bytes));
-        row->setFlags(row->flags() | Qt::ItemIsEditable);
-        rows.append(row);
+        rows.append(newRow(picture));
     }
     addTopLevelItems(rows);
+}
+
+void PictureList::update(std::span<const store::PictureEntry> pictures) {
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    QSet<QString> present;
+    for (const store::PictureEntry& picture : pictures) {
+        present.insert(QString::fromStdU16String(picture.name.text));
+    }
+    for (int i = topLevelItemCount() - 1; i >= 0; --i) {
+        if (!present.contains(topLevelItem(i)->text(0))) {
+            delete takeTopLevelItem(i);
+        }
+    }
+    int position = 0;
+    for (const store::PictureEntry& picture : pictures) {
+        QTreeWidgetItem* row = topLevelItem(position);
+        if (row == nullptr || row->text(0) != QString::fromStdU16String(picture.name.text)) {
+            insertTopLevelItem(position, newRow(picture));
+        } else {
+            describe(*row, picture);
+        }
+        ++position;
+    }
+    while (topLevelItemCount() > position) { // rows that stood in another order
+        delete takeTopLevelItem(position);
+    }
 }
 
 QString PictureList::selectFirst() {
@@ -156,6 +198,11 @@ void PictureList::select(const QString& name) {
         setCurrentItem(rows.first(), 0,
                        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     }
+}
+
+std::size_t PictureList::selectedRow() const {
+    const QList<QTreeWidgetItem*> rows = selectedItems();
+    return rows.isEmpty() ? 0 : static_cast<std::size_t>(indexOfTopLevelItem(rows.front()));
 }
 
 QString PictureList::selectedName() const {

@@ -36,6 +36,10 @@ class PictureList : public QTreeWidget {
     void fill(const std::optional<store::GroupAddress>& group,
               std::span<const store::PictureEntry> pictures);
 
+    // The same group's pictures have changed: rows of those that are still there stay as they are,
+    // selected and in their place on the screen.
+    void update(std::span<const store::PictureEntry> pictures);
+
     // The group whose pictures are shown.
     const std::optional<store::GroupAddress>& group() const { return group_; }
 
@@ -47,7 +51,8 @@ class PictureList : public QTreeWidget {
     // Selects the row of that name, if there is one, without reporting it.
     void select(const QString& name);
 
-    QString selectedName() const; // empty when no row is selected
+    QString selectedName() const;    // empty when no row is selected
+    std::size_t selectedRow() const; // 0 when none is
 
     // Gives the row of that name another one.
     void rename(const QString& from, const QString& to);

@@ -176,6 +176,7 @@ void PicturePanel::onScrollChanged() {
 }
 
 void PicturePanel::MiniVorschau(std::size_t startIndex) {
+    ++listing_;
     loader_.stop();
     strip_->clear();
     hideToolTip(); // it names what was below the pointer until now
@@ -187,25 +188,33 @@ void PicturePanel::MiniVorschau(std::size_t startIndex) {
         const QSignalBlocker quiet(imgScroll_);
         imgScroll_->setValue(static_cast<int>(startIndex / cells) + 1);
     }
-    store::PictureNames listed = readNames();
-    const std::vector<std::size_t>& all = listed.elements;
-    const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
-    const auto count =
-        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
-    if (count == 0 && !all.empty()) { // another program has removed what stood on that page
+    listed_ = readNames();
+    const std::vector<std::size_t>& all = listed_.elements;
+    const bool isPastEnd = all.empty() || all.back() < startIndex;
+    if (isPastEnd && !all.empty()) { // another program has removed what stood on that page
         SetImgScrollProperties();
         onScrollChanged();
         return;
     }
-    if (count == 0) {
+    if (isPastEnd) {
         ShowNoPicture();
         return;
     }
+    loadPage(startIndex);
+}
+
+// Cells that show their picture already keep it until it comes anew.
+void PicturePanel::loadPage(std::size_t startIndex) {
+    const std::size_t cells = strip_->cells();
+    const std::vector<std::size_t>& all = listed_.elements;
+    const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
+    const auto count =
+        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
+    const auto firstName = listed_.names.begin() + (first - all.begin());
     strip_->expect(static_cast<int>(count), repeatedPictures(all, startIndex, cells));
-    const auto firstName = listed.names.begin() + (first - all.begin());
     loader_.start(*library_, {*group_,
                               {firstName, firstName + count},
-                              listed.stamp,
+                              listed_.stamp,
                               ThumbnailStrip::pictureArea(),
                               strip_->devicePixelRatioF()});
 }
@@ -244,6 +253,20 @@ void PicturePanel::showGroupAnew() {
         }
         showListRow();
     }
+    emit menuStateWanted();
+}
+
+void PicturePanel::showGroupAt(const store::PictureName& picture) {
+    setShownPicture(commands::ShownPicture(picture));
+    if (GraphicalPreview_) {
+        SetImgScrollProperties();
+        turnToShownPicture();
+        onScrollChanged();
+    } else if (group_) {
+        FillListView(*group_);
+        lvwInfo_->select(shownPicture_.nameText());
+    }
+    showAgain();
     emit menuStateWanted();
 }
 
@@ -346,6 +369,8 @@ void PicturePanel::FillListView(const store::GroupAddress& group) {
     } catch (const std::exception&) {
         pictures.clear(); // shown as a group without pictures
     }
+    ++listing_;
+    listed_ = {}; // of the strip, and older
     lvwInfo_->fill(group, pictures);
     lvwInfo_->selectFirst();
 }
@@ -428,6 +453,10 @@ void PicturePanel::showStored(const store::PictureEntry& picture) {
     });
 }
 
+QWidget* PicturePanel::pictures() const {
+    return GraphicalPreview_ ? static_cast<QWidget*>(strip_) : lvwInfo_;
+}
+
 QWidget* PicturePanel::strip() const {
     return strip_;
 }
@@ -464,6 +493,7 @@ void PicturePanel::renamed(const store::GroupAddress& group, const QString& from
     try {
         const bool isRenamed = renameInPlace(*library_, group, from, to, surface_->window());
         if (isRenamed && group_ == group) { // not if a click on another group ended the editing
+            ++listing_;
             lvwInfo_->rename(from, to);
             setShownPicture(commands::ShownPicture(pictureNamed(to)));
         }

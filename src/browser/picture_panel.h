@@ -8,6 +8,7 @@
 #include "browser/thumbnail_loader.h"
 #include "commands/enabling.h"
 #include "commands/shown_picture.h"
+#include "groups/library_changes.h"
 #include "store/library.h"
 
 #include <QObject>
@@ -61,12 +62,22 @@ class PicturePanel : public QObject {
     // commands.
     void showGroupAnew();
 
+    // Shows the group's pictures with that one selected and in sight; the first one without it.
+    void showGroupAt(const store::PictureName& picture);
+
     const commands::ShownPicture& shownPicture() const { return shownPicture_; }
     const QString& shownType() const { return shownType_; } // of the picture; may be empty
 
     bool GraphicalPreview() const { return GraphicalPreview_; }
     void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
     bool isSettled() const; // nothing is being laid out or loaded
+
+    // What a look at the library is to read anew; nothing while no group is shown.
+    std::optional<groups::ShownPictures> shownPictures();
+
+    // Shows what others have changed in the group, whose page, selected picture and rows stay where
+    // they are. False, with nothing done, when the panel shows something else by now.
+    bool takeChanges(const groups::GroupContent& content);
 
     // Gives up whatever is being loaded: the window ends.
     void stopLoading();
@@ -90,6 +101,7 @@ class PicturePanel : public QObject {
     void hideToolTip();
 
     // What has the focus when the user is among the pictures.
+    QWidget* pictures() const; // the view that is shown
     QWidget* strip() const;
     QWidget* list() const;
 
@@ -117,6 +129,9 @@ class PicturePanel : public QObject {
     void turnToShownPicture();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
     store::PictureNames readNames() const;
+    void loadPage(std::size_t startIndex);
+    void updatePage();
+    void takeSelected(const std::optional<store::PictureEntry>& selected);
 
     QWidget* surface_;
     ThumbnailStrip* strip_;
@@ -129,6 +144,9 @@ class PicturePanel : public QObject {
     ThumbnailLoader loader_;
     const store::Library* library_ = nullptr;
     std::optional<store::GroupAddress> group_;
+    store::PictureNames listed_; // the group's pictures when they were shown last
+    int listing_ = 0;            // counts how often they were
+    int askedListing_ = -1;      // of the last look's question
     app::TwipRect area_;
     commands::ShownPicture shownPicture_;
     QString shownType_;

@@ -177,6 +177,7 @@ void ThumbnailLoader::takeRead() {
         readOn();
     } // else the next one has no room before another one is decoded
     deliver(known);
+    tellIfFinished();
 }
 
 void ThumbnailLoader::decode(int position, Bytes bytes) {
@@ -198,6 +199,13 @@ void ThumbnailLoader::takeDecoded(Decoding& decoding) {
     decodings_.erase(done);
     readOn();
     deliver({thumbnail});
+    tellIfFinished();
+}
+
+void ThumbnailLoader::tellIfFinished() {
+    if (!isBusy() && unread_.empty()) {
+        emit finished();
+    }
 }
 
 // Whoever takes a thumbnail may ask for another page.

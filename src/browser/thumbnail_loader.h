@@ -50,6 +50,9 @@ class ThumbnailLoader : public QObject {
     // `position` counts the page's pictures from 0; they come in any order. A null image: the
     // picture cannot be decoded.
     void loaded(int position, const QString& name, const QImage& image);
+    // Nothing more comes of the page, which may have ended early. Not told where stop() ends it,
+    // nor where all its pictures were known.
+    void finished();
 
   private:
     struct Bytes;   // of one picture
@@ -63,6 +66,7 @@ class ThumbnailLoader : public QObject {
     std::size_t undecoded() const; // bytes
     void readOn();
     void takeRead();
+    void tellIfFinished();
     void decode(int position, Bytes bytes);
     void takeDecoded(Decoding& decoding);
     void deliver(const std::vector<Thumbnail>& thumbnails);

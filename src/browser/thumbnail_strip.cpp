@@ -142,6 +142,15 @@ void ThumbnailStrip::showPicture(int index, const QString& name, const QImage& i
     }
 }
 
+void ThumbnailStrip::keep(std::span<const QString> names) {
+    for (std::size_t i = 0; i < cells_.size(); ++i) {
+        if (i >= names.size() || cells_[i]->tag() != names[i]) {
+            cells_[i]->clear();
+        }
+    }
+    refreshEmphasis();
+}
+
 void ThumbnailStrip::mark(const QString& name) {
     marked_ = name;
     refreshEmphasis();

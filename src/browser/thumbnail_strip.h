@@ -7,6 +7,7 @@
 #include <QFrame>
 #include <QImage>
 
+#include <span>
 #include <vector>
 
 namespace browser {
@@ -55,6 +56,9 @@ class ThumbnailStrip : public QFrame {
     void clear();
     void clearTags();
     void showPicture(int index, const QString& name, const QImage& image);
+
+    // Empties the cells that show another picture than the one that belongs there now.
+    void keep(std::span<const QString> names);
 
     // Marks the cell of that picture; none if it is not on the page.
     void mark(const QString& name);

@@ -131,9 +131,10 @@ class Disk {
     // old; creating, opening and renaming never go by it.
     virtual bool exists(const std::filesystem::path& path) = 0;
 
-    // The state of the file at that path, looked at without opening or locking it: a sign whether it
-    // is worth reading again. Another state means another content, but the same one proves nothing
-    // where other machines write. Nothing when there is no file, or when the disk cannot tell.
+    // The state of the file at that path, looked at without opening or locking it: a sign whether
+    // it is worth reading again. Another state means another content, but the same one proves
+    // nothing where other machines write. Nothing when there is no file, or when the disk cannot
+    // tell.
     virtual std::optional<FileIdentity> glance(const std::filesystem::path& path) {
         (void)path;
         return std::nullopt;

@@ -30,8 +30,8 @@ class FolderBrowser : public QObject {
                   QWidget* window);
 
     // Goes to the remembered drive, then to the remembered folder; the drive's own folder is not
-    // remembered on the way. A remembered folder that is gone gives way to the home folder; where none
-    // was ever chosen it is that of the user's pictures, if there is one.
+    // remembered on the way. A remembered folder that is gone gives way to the home folder; where
+    // none was ever chosen it is that of the user's pictures, if there is one.
     void goToRememberedPlace();
 
     // Shows the folder of a file and chooses the file in it, remembering nothing. Where the folder

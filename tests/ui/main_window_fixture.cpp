@@ -67,7 +67,7 @@ QStringList MainWindowTest::storagesFolder() const {
 }
 
 void MainWindowTest::start(browser::StartMode mode) {
-    window_ = std::make_unique<browser::frmMain>(mode);
+    window_ = std::make_unique<browser::frmMain>(mode, browser::Noticing::WhenAsked);
     window_->show();
     settle();
 }

@@ -1,0 +1,67 @@
+#include "browser/find_field.h"
+
+#include "app/texts.h"
+
+#include <QAction>
+#include <QKeyEvent>
+#include <QMenuBar>
+
+#include <algorithm>
+
+namespace browser {
+namespace {
+
+constexpr app::TextPair kPlaceholder{u"Suchen (Strg+F)", u"Find (Ctrl+F)"};
+constexpr app::TextPair kName{u"Bilder und Gruppen suchen", u"Find pictures and groups"};
+constexpr int kNarrowest = 48; // pixels
+constexpr int kWidest = 220;
+constexpr int kBesideTitle = 26; // that a menu takes besides its words, with any style
+constexpr int kFrame = 2;        // above and below the field's words
+
+} // namespace
+
+FindField::FindField(QMenuBar* bar) : QLineEdit(bar), bar_(bar) {
+    setObjectName(QStringLiteral("txtFind"));
+    setClearButtonEnabled(true);
+    setFocusPolicy(Qt::ClickFocus); // beside its key: Tab goes round in the window as ever
+    fit(bar->width());
+    bar->setCornerWidget(this, Qt::TopRightCorner);
+}
+
+void FindField::setCaptions() {
+    setPlaceholderText(app::text(kPlaceholder));
+    setAccessibleName(app::text(kName));
+}
+
+void FindField::fit(int barWidth) {
+    int menus = 0;
+    for (const QAction* menu : bar_->actions()) {
+        menus += bar_->fontMetrics().horizontalAdvance(menu->text()) + kBesideTitle;
+    }
+    const QSize fitting(std::clamp(barWidth - menus, kNarrowest, kWidest),
+                        fontMetrics().height() + 2 * kFrame);
+    if (fitting != size_) {
+        size_ = fitting;
+        setFixedSize(fitting);
+        updateGeometry();
+    }
+}
+
+void FindField::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Down:
+        emit resultsWanted();
+        return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        emit chosen();
+        return;
+    case Qt::Key_Escape:
+        emit left();
+        return;
+    default:
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+} // namespace browser

@@ -1,0 +1,96 @@
+// How the picture panel takes over what other programs have changed in its group.
+#include "browser/large_preview.h"
+#include "browser/picture_list.h"
+#include "browser/picture_panel.h"
+#include "browser/thumbnail_layout.h"
+#include "browser/thumbnail_strip.h"
+
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace browser {
+namespace {
+
+bool isSameState(const store::PictureNames& one, const store::PictureNames& other) {
+    return one.latest && other.latest && one.latest->isSameStateAs(*other.latest);
+}
+
+} // namespace
+
+std::optional<groups::ShownPictures> PicturePanel::shownPictures() {
+    using Want = groups::ShownPictures::Want;
+    if (!group_) {
+        return std::nullopt;
+    }
+    askedListing_ = listing_;
+    groups::ShownPictures shown{*group_, shownPicture_.name()};
+    shown.want = GraphicalPreview_ ? Want::Names : Want::Entries;
+    if (!GraphicalPreview_) {
+        shown.position = lvwInfo_->selectedRow();
+    } else if (shown.picture) {
+        const auto& names = listed_.names;
+        const auto found = std::find(names.begin(), names.end(), *shown.picture);
+        shown.position = found == names.end() ? 0 : static_cast<std::size_t>(found - names.begin());
+    }
+    return shown;
+}
+
+bool PicturePanel::takeChanges(const groups::GroupContent& content) {
+    const bool wantedEntries = content.asked.want == groups::ShownPictures::Want::Entries;
+    if (listing_ != askedListing_ || group_ != content.asked.group ||
+        shownPicture_.name() != content.asked.picture || wantedEntries == GraphicalPreview_) {
+        return false;
+    }
+    if (isSameState(listed_, content.names)) {
+        return true;
+    }
+    listed_ = content.names;
+    if (GraphicalPreview_) {
+        updatePage();
+    } else {
+        lvwInfo_->update(content.entries);
+    }
+    takeSelected(content.selected);
+    emit menuStateWanted();
+    return true;
+}
+
+// The page stays the same one as long as there is any picture on it.
+void PicturePanel::updatePage() {
+    const std::size_t cells = strip_->cells();
+    if (cells == 0) {
+        return;
+    }
+    {
+        const QSignalBlocker quiet(imgScroll_);
+        imgScroll_->setRange(1, lastPage(listed_.elements, cells));
+    }
+    const std::size_t start = startIndexOf(imgScroll_->value(), cells);
+    const auto first = std::lower_bound(listed_.elements.begin(), listed_.elements.end(), start);
+    std::vector<QString> names;
+    for (auto i = static_cast<std::size_t>(first - listed_.elements.begin());
+         i < listed_.names.size() && names.size() < cells; ++i) {
+        names.push_back(QString::fromStdU16String(listed_.names[i].text));
+    }
+    strip_->keep(names);
+    loadPage(start);
+}
+
+void PicturePanel::takeSelected(const std::optional<store::PictureEntry>& selected) {
+    if (shownPicture_.isUnchosen()) {
+        return;
+    }
+    if (!selected) {
+        ShowNoPicture();
+        return;
+    }
+    if (shownPicture_.name() != selected->name) {
+        setShownPicture(commands::ShownPicture(selected->name));
+        lvwInfo_->select(shownPicture_.nameText());
+    }
+    showStored(*selected);
+}
+
+} // namespace browser
