@@ -25,7 +25,6 @@ FindField::FindField(QMenuBar* bar) : QLineEdit(bar), bar_(bar) {
     setClearButtonEnabled(true);
     setFocusPolicy(Qt::ClickFocus); // beside its key: Tab goes round in the window as ever
     fit(bar->width());
-    bar->setCornerWidget(this, Qt::TopRightCorner);
 }
 
 void FindField::setCaptions() {
@@ -43,7 +42,8 @@ void FindField::fit(int barWidth) {
     if (fitting != size_) {
         size_ = fitting;
         setFixedSize(fitting);
-        updateGeometry();
+        // Else the bar keeps the place for the former size.
+        bar_->setCornerWidget(this, Qt::TopRightCorner);
     }
 }
 
