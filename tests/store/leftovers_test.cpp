@@ -83,25 +83,6 @@ class LeftoversTest : public StoreTest {
     }
 };
 
-TEST_F(LeftoversTest, WheneverAMoveIsKilledTheNextListingShowsTheGroupOnce) {
-    const GroupAddress old = topGroup(u"Old");
-    subGroup(old, u"Below");
-    add(old, u"logo", "logo bytes");
-    topGroup(u"Bystander");
-    std::size_t moved = 0;
-    for (const Files& files : momentsOf([&] { renameGroup(library, old, {u"New"}); })) {
-        MemoryDisk other;
-        fill(other, files);
-        const std::vector<std::string> names = listingOf(other);
-        ASSERT_EQ(names.size(), 2U) << ::testing::PrintToString(names);
-        EXPECT_EQ(names.front(), "Bystander");
-        EXPECT_EQ(entriesOf(other).size(), 2U) << "something is left behind";
-        moved += names.back() == "New" ? 1 : 0;
-    }
-    EXPECT_GT(moved, 1U); // one of them with the old file still there
-    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Bystander"}, FileName{u"New"}));
-}
-
 // Somebody who saw both groups has gone on working in the old one.
 TEST_F(LeftoversTest, AMoveWhoseOldFileHasChangedSinceIsNotFinished) {
     MemoryDisk other;

@@ -121,33 +121,6 @@ TEST_F(PicturesFromFiles, LeaveNoTraceWhenStopped) {
     EXPECT_EQ(pictureNames(addressOf(u"Sub1/Pumps")).size(), files.size());
 }
 
-TEST_F(PicturesFromFiles, LeaveNoTraceOnAFullDisk) {
-    const GroupAddress pumps = topGroup(u"Pumps");
-    add(pumps, u"old", std::string(9000, 'o'));
-    const Paths files = manySources();
-    const std::uint64_t before = disk.placed();
-    const std::size_t size = disk.content("/library/Pumps.stg").size();
-    bool fits = false;
-    for (std::uint64_t room = 0; !fits; room += 40000) {
-        disk.setCapacity(before + room);
-        try {
-            createGroupFromFiles(library, pumps, {u"Rotary"}, files);
-            fits = true;
-        } catch (const compound::Error& error) {
-            EXPECT_EQ(error.code(), compound::ErrorCode::NoSpace);
-            EXPECT_EQ(
-                errorOf([&] { createGroupFromFiles(library, std::nullopt, {u"Tanks"}, files); }),
-                compound::ErrorCode::NoSpace);
-            EXPECT_EQ(disk.list("/library").size(), 1U);
-            EXPECT_EQ(disk.content("/library/Pumps.stg").size(), size);
-            EXPECT_THAT(treeOf(u"Pumps"), IsEmpty());
-            expectSound(u"Pumps");
-        }
-    }
-    EXPECT_EQ(pictureNames(addressOf(u"Sub1/Pumps")).size(), files.size());
-    expectSound(u"Pumps");
-}
-
 TEST_F(PicturesFromFiles, TakeNoNameThatIsTaken) {
     const Paths files = sources({"one.bmp"});
     topGroup(u"Pumps");
