@@ -55,7 +55,7 @@ class Chain {
         if (breakage == Breakage::Killed) {
             startAgain();
         }
-        look(isDone);
+        look(isDone && !isTold_); // it may have told in its result what it could not do
     }
 
     void runToItsEnd() {
@@ -163,6 +163,7 @@ class Chain {
     bool run() {
         const Step& command = commands()[below(commands().size())];
         process_ = below(processes_.size());
+        isTold_ = command.isTold;
         story_ += command.name;
         try {
             command.run(processes_[process_]);
@@ -183,6 +184,7 @@ class Chain {
     std::vector<bool> isPromised_;          // for each view: whether a command has told it
     std::size_t firstEvent_ = 0;            // of the last command
     bool isLastDone_ = false;
+    bool isTold_ = false; // of the command that has run last
     std::string story_;
 };
 
