@@ -47,8 +47,9 @@ QTransform fitted(const QRectF& from, QSize size) {
            QTransform::fromScale(size.width() / from.width(), size.height() / from.height());
 }
 
+// Plays on the canvas, which keeps what was drawn whatever ends it early.
 template <typename Play>
-Drawing played(Canvas& canvas, Play play) {
+Completeness played(Canvas& canvas, Play play) {
     Completeness completeness = Completeness::Part;
     try {
         if (play() == FileEnd::Reached && !canvas.budget().pictures().haveRefused()) {
@@ -57,10 +58,22 @@ Drawing played(Canvas& canvas, Play play) {
     } catch (const WorkExhausted&) {
         completeness = Completeness::Part;
     }
-    return {canvas.take(), completeness};
+    return completeness;
 }
 
-Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& budget);
+// What a drawing is drawn on: a sheet of that size is made once it is known what lies on it.
+struct Sheet {
+    QSize size;
+    WorkBudget& budget;
+    Surface surface = Surface::Pixels;
+    std::optional<Canvas> canvas = {};
+
+    Canvas& make(const QTransform& deviceToImage) {
+        return canvas.emplace(size, deviceToImage, budget, surface);
+    }
+};
+
+Completeness drawOn(Sheet& sheet, std::span<const std::byte> bytes);
 
 class Nested : public NestedMetafiles {
   public:
@@ -74,15 +87,17 @@ class Nested : public NestedMetafiles {
 
     QImage draw(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) const override {
         const WorkBudget::Nesting nesting(budget);
-        return drawWithin(bytes, size, budget).image;
+        Sheet sheet{size, budget};
+        drawOn(sheet, bytes);
+        return sheet.canvas->take();
     }
 };
 
-Drawing drawEmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
+Completeness drawEmf(Sheet& sheet, std::span<const std::byte> bytes) {
     const Nested nested;
     const EmfLayout layout = readEmfLayout(bytes);
     const QTransform axis = QTransform::fromScale(1, layout.mirrored ? -1 : 1);
-    Canvas canvas(size, axis * fitted(layout.frame, size), budget);
+    Canvas& canvas = sheet.make(axis * fitted(layout.frame, sheet.size));
     return played(canvas, [&] {
         Player player(canvas, layout.pixelsPerMillimetre, betterHalf(bytes), nested);
         const FileEnd end = readEmf(bytes, player);
@@ -92,13 +107,13 @@ Drawing drawEmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget
 }
 
 // The file's window is all that is shown; it fills the sheet whatever the file takes for a device.
-Drawing drawWmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
+Completeness drawWmf(Sheet& sheet, std::span<const std::byte> bytes) {
     constexpr double kPixelsPerInch = 96;
     constexpr double kMillimetresPerInch = 25.4;
     // The enhanced metafile that a file was made of shows more than what was left of it.
     const std::vector<std::byte> original = readEmbeddedEmf(bytes);
     if (isEmf(original)) {
-        return drawEmf(original, size, budget);
+        return drawEmf(sheet, original);
     }
     const Nested nested;
     const WmfLayout layout = readWmfLayout(bytes);
@@ -106,7 +121,7 @@ Drawing drawWmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget
     const double pixelsPerUnit = kPixelsPerInch / perInch;
     const QSizeF page(std::abs(layout.window.width()) * pixelsPerUnit,
                       std::abs(layout.window.height()) * pixelsPerUnit);
-    Canvas canvas(size, fitted(QRectF({0, 0}, page), size), budget);
+    Canvas& canvas = sheet.make(fitted(QRectF({0, 0}, page), sheet.size));
     return played(canvas, [&] {
         const double density = kPixelsPerInch / kMillimetresPerInch;
         Player player(canvas, {density, density}, PlusHalf::Ignored, nested);
@@ -121,9 +136,9 @@ Drawing drawWmf(std::span<const std::byte> bytes, QSize size, WorkBudget& budget
     });
 }
 
-Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& budget) {
+Completeness drawOn(Sheet& sheet, std::span<const std::byte> bytes) {
     try {
-        return isEmf(bytes) ? drawEmf(bytes, size, budget) : drawWmf(bytes, size, budget);
+        return isEmf(bytes) ? drawEmf(sheet, bytes) : drawWmf(sheet, bytes);
     } catch (const std::bad_alloc&) {
         throw imaging::DecodeError("there is no memory for the picture");
     }
@@ -134,7 +149,21 @@ Drawing drawWithin(std::span<const std::byte> bytes, QSize size, WorkBudget& bud
 Drawing draw(std::span<const std::byte> bytes, QSize size, WorkClock clock) {
     imaging::requireSensibleSize(size.width(), size.height());
     WorkBudget budget(clock);
-    return drawWithin(bytes, size, budget);
+    Sheet sheet{size, budget};
+    const Completeness completeness = drawOn(sheet, bytes);
+    return {sheet.canvas->take(), completeness};
+}
+
+std::optional<QPicture> record(std::span<const std::byte> bytes, QSize size, WorkClock clock) {
+    imaging::requireSensibleSize(size.width(), size.height());
+    WorkBudget budget(clock);
+    Sheet sheet{size, budget, Surface::Recording};
+    try {
+        drawOn(sheet, bytes);
+        return sheet.canvas->takeRecording();
+    } catch (const PixelsNeeded&) {
+        return std::nullopt;
+    }
 }
 
 } // namespace metafile

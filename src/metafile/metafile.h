@@ -8,6 +8,7 @@
 #include "platform/thread_time.h"
 
 #include <QImage>
+#include <QPicture>
 
 #include <cstddef>
 #include <optional>
@@ -35,5 +36,11 @@ struct Drawing {
 // read or there is no memory.
 Drawing draw(std::span<const std::byte> bytes, QSize size,
              WorkClock clock = platform::processorSecondsOfThisThread);
+
+// The same as what a painter paints, in the pixels of a sheet of that size and without the paper:
+// on paper its lines, areas and letters stay what they are, however large the sheet is shown.
+// Nothing when something in the file combines pixels with those beneath: only draw() can do that.
+std::optional<QPicture> record(std::span<const std::byte> bytes, QSize size,
+                               WorkClock clock = platform::processorSecondsOfThisThread);
 
 } // namespace metafile

@@ -21,6 +21,10 @@ QByteArray copyOf(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
 }
 
+std::span<const std::byte> bytesOf(const QByteArray& file) {
+    return std::as_bytes(std::span(file.constData(), static_cast<std::size_t>(file.size())));
+}
+
 } // namespace
 
 std::optional<PictureKind> sniff(std::span<const std::byte> bytes) {
@@ -55,9 +59,7 @@ Picture::Picture(PictureFacts facts, QByteArray metafile)
 
 QImage Picture::drawnAt(QSize size) const {
     if (drawn_.size() != size) {
-        const auto bytes =
-            std::span(metafile_.constData(), static_cast<std::size_t>(metafile_.size()));
-        const metafile::Drawing drawing = metafile::draw(std::as_bytes(bytes), size);
+        const metafile::Drawing drawing = metafile::draw(bytesOf(metafile_), size);
         drawn_ = drawing.image;
         drawnInPart_ = drawing.completeness == metafile::Completeness::Part;
     }
@@ -91,6 +93,29 @@ void Picture::paint(QPainter& painter, const QRectF& target) const {
         painter.drawImage(target, drawnAt(needed));
     } else {
         painter.drawImage(target, shrinks ? imaging::smoothlyScaled(image_, needed) : image_);
+    }
+    painter.restore();
+}
+
+void Picture::print(QPainter& painter, const QRectF& target, QSize pixels) const {
+    const QSize size = pixels.expandedTo({1, 1});
+    painter.save();
+    if (isRaster(facts_.kind)) {
+        const bool shrinks = size.width() < image_.width() && size.height() < image_.height();
+        // Photographs may be packed with a loss, as they were before.
+        painter.setRenderHint(QPainter::LosslessImageRendering, facts_.kind != PictureKind::Jpg);
+        painter.drawImage(target, shrinks ? imaging::smoothlyScaled(image_, size) : image_);
+    } else if (auto recording = metafile::record(bytesOf(metafile_), size)) {
+        painter.translate(target.topLeft());
+        // Playing enlarges by the two devices' densities.
+        painter.scale(target.width() / size.width() * recording->logicalDpiX() /
+                          painter.device()->logicalDpiX(),
+                      target.height() / size.height() * recording->logicalDpiY() /
+                          painter.device()->logicalDpiY());
+        recording->play(&painter);
+    } else {
+        painter.setRenderHint(QPainter::LosslessImageRendering);
+        painter.drawImage(target, drawnAt(size));
     }
     painter.restore();
 }

@@ -55,6 +55,11 @@ class Picture {
     // only when the target's size in device pixels is another than the last time.
     void paint(QPainter& painter, const QRectF& target) const;
 
+    // The same on white paper, for a painter whose device keeps shapes, like a PDF file: a
+    // metafile's lines, areas and letters stay shapes, unless something in it needs the pixels
+    // beneath. `pixels` says how fine the rest is, over the whole target. Draws anew each time.
+    void print(QPainter& painter, const QRectF& target, QSize pixels) const;
+
   private:
     QImage drawnAt(QSize size) const;
 

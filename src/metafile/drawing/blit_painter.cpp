@@ -99,7 +99,7 @@ void BlitPainter::begin(const DeviceContext& context) {
     painter.resetTransform();
     canvas_.clipTo(context.clip, context.frozenClip);
     painter.setOpacity(1);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    canvas_.setMode(QPainter::CompositionMode_SourceOver);
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
@@ -172,7 +172,10 @@ void BlitPainter::combine(const RasterBlit& blit, const Place& place,
     if (blit.mask) {
         mask = layerOf(*blit.mask, blit.part.translated(blit.maskOffset));
     }
-    const QImage destination = canvas_.pixels().copy(box);
+    const bool needsPixels =
+        usesDestination(blit.operation) || (blit.mask && usesDestination(blit.behindMask));
+    const QImage destination = needsPixels ? canvas_.pixels().copy(box)
+                                           : imaging::newImage(box.size(), QImage::Format_RGB32);
     const QImage result =
         combined({destination, source, pattern, mask}, blit.operation, blit.behindMask);
     begin(context);
@@ -347,11 +350,11 @@ QImage flooded(const QImage& sheet, QPoint start, const FloodFill& fill) {
 } // namespace
 
 void BlitPainter::draw(const FloodFill& fill, const DeviceContext& context) {
-    const QImage& sheet = canvas_.pixels();
     const QPoint start = context.map(fill.point).toPoint();
-    if (!sheet.rect().contains(start)) {
+    if (!canvas_.sheet().contains(start)) {
         return;
     }
+    const QImage& sheet = canvas_.pixels();
     canvas_.budget().spendPixels(30.0 * sheet.width() * sheet.height());
     canvas_.budget().spendPixels(patternCost(context.brush));
     QImage reached = flooded(sheet, start, fill);

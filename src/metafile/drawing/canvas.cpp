@@ -94,11 +94,10 @@ QRegion Clip::toRegion(const QRect& sheet) const {
     return region;
 }
 
-void Clip::applyTo(QPainter& painter) const {
+void Clip::applyTo(QPainter& painter, const QRect& sheet) const {
     if (isEverything()) {
         // Not switched off: Qt 6.4 would leave it off when a region of many rectangles comes next.
-        painter.setClipRect(QRect(0, 0, painter.device()->width(), painter.device()->height()),
-                            Qt::ReplaceClip);
+        painter.setClipRect(sheet, Qt::ReplaceClip);
         return;
     }
     // Paths alone need a first clip that replaces the painter's old one.
@@ -267,11 +266,17 @@ QPainterPath pathOf(const QRegion& region) {
     return path;
 }
 
-Canvas::Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget)
-    : image_(size, QImage::Format_RGB32),
+Canvas::Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget, Surface surface)
+    : size_(size),
+      surface_(surface),
       deviceToImage_(deviceToImage),
       scale_(std::sqrt(std::abs(deviceToImage.determinant()))),
       budget_(budget) {
+    if (surface_ == Surface::Recording) {
+        painter_.begin(&recording_);
+        return;
+    }
+    image_ = QImage(size, QImage::Format_RGB32);
     if (image_.isNull()) {
         throw imaging::DecodeError("there is no memory for the picture");
     }
@@ -284,10 +289,30 @@ void Canvas::clipTo(const Clip& clip, const Clip& besides) {
     budget_.spendPixels(clip.cost(sheet()) + besides.cost(sheet()));
     Clip whole = clip;
     whole.intersect(besides, sheet());
-    whole.applyTo(painter_);
+    if (surface_ == Surface::Recording) { // nothing else ends what is painted at the sheet's edges
+        whole.intersect(QRegion(sheet()), sheet());
+    }
+    whole.applyTo(painter_, sheet());
+}
+
+void Canvas::setMode(QPainter::CompositionMode mode) {
+    if (surface_ == Surface::Recording && mode != QPainter::CompositionMode_SourceOver) {
+        throw PixelsNeeded();
+    }
+    painter_.setCompositionMode(mode);
+}
+
+QImage& Canvas::pixels() {
+    if (surface_ == Surface::Recording) {
+        throw PixelsNeeded();
+    }
+    return image_;
 }
 
 void Canvas::renewPainter() {
+    if (surface_ == Surface::Recording) { // which would begin anew
+        return;
+    }
     const QPainter::RenderHints hints = painter_.renderHints();
     painter_.end();
     painter_.begin(&image_);
@@ -298,6 +323,11 @@ void Canvas::renewPainter() {
 QImage Canvas::take() {
     painter_.end();
     return std::move(image_);
+}
+
+QPicture Canvas::takeRecording() {
+    painter_.end();
+    return recording_;
 }
 
 } // namespace metafile

@@ -1,5 +1,6 @@
 // The sheet that a metafile is drawn on: an opaque image that begins as white paper, since a
-// metafile has no ground of its own and its raster operations suppose one.
+// metafile has no ground of its own and its raster operations suppose one. Or a recording of what
+// is painted, for a printer's white paper; then there are no pixels.
 //
 // Three kinds of coordinates meet here:
 //   device units  of the reference device that the file was recorded for (its pixels), or of the
@@ -14,6 +15,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPicture>
 #include <QRegion>
 #include <QTransform>
 
@@ -40,7 +42,7 @@ class Clip {
     // The same as whole pixels of the sheet.
     QRegion toRegion(const QRect& sheet) const;
 
-    void applyTo(QPainter& painter) const;
+    void applyTo(QPainter& painter, const QRect& sheet) const;
 
     // What applying it takes, or turning it into pixels: in pixels filled, as the budget counts.
     double cost(const QRect& sheet) const;
@@ -79,16 +81,25 @@ QPainterPath sharpened(const QPainterPath& outline);
 // least one of them. Rectangles painted so meet their neighbours without a seam.
 std::optional<QRect> rectangleOf(const QPainterPath& outline);
 
+enum class Surface { Pixels, Recording };
+
+// Something is to be drawn that needs the pixels beneath, and the surface has none.
+struct PixelsNeeded {};
+
 class Canvas {
   public:
     // A white sheet. DecodeError when there is no memory for it. The budget must outlive it.
-    Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget);
+    Canvas(QSize size, const QTransform& deviceToImage, WorkBudget& budget,
+           Surface surface = Surface::Pixels);
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
     // Paints in image pixels. Whoever draws sets transform, clip, hints, pen, brush and composition
     // mode before; nothing of them is promised to stay from one record to the next.
     QPainter& painter() { return painter_; }
+
+    // How the painter is to combine what it paints next with what is there. PixelsNeeded.
+    void setMode(QPainter::CompositionMode mode);
 
     // Lets the painter paint where both clips allow it, in image pixels. Spends work before.
     void clipTo(const Clip& clip, const Clip& besides = {});
@@ -102,18 +113,22 @@ class Canvas {
     // Image pixels to one device unit, the mean of both directions.
     double scale() const { return scale_; }
 
-    QRect sheet() const { return image_.rect(); }
+    QRect sheet() const { return {QPoint(0, 0), size_}; }
     WorkBudget& budget() { return budget_; }
 
     // For operations that the painter cannot do: the pixels themselves, always opaque RGB32. The
-    // painter must not be in use meanwhile; clips do not apply.
-    QImage& pixels() { return image_; }
+    // painter must not be in use meanwhile; clips do not apply. PixelsNeeded.
+    QImage& pixels();
 
-    // Ends the painting and hands the sheet over.
+    // End the painting and hand the sheet over: the one that the surface is.
     QImage take();
+    QPicture takeRecording();
 
   private:
+    QSize size_;
+    Surface surface_;
     QImage image_;
+    QPicture recording_;
     QPainter painter_;
     QTransform deviceToImage_;
     double scale_;

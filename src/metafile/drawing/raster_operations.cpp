@@ -37,6 +37,10 @@ bool usesSource(std::uint8_t operation) {
     return ((operation >> 2U ^ operation) & 0x33U) != 0;
 }
 
+bool usesDestination(std::uint8_t operation) {
+    return ((operation >> 1U ^ operation) & 0x55U) != 0;
+}
+
 QImage combined(const OperationLayers& layers, std::uint8_t operation, std::uint8_t behindMask) {
     QImage result =
         imaging::newImage(layers.destination.size(), QImage::Format_ARGB32_Premultiplied);

@@ -12,6 +12,7 @@ namespace metafile {
 // those three bits.
 bool usesPattern(std::uint8_t operation);
 bool usesSource(std::uint8_t operation);
+bool usesDestination(std::uint8_t operation);
 
 struct OperationLayers {
     const QImage& destination; // 32 bits a pixel, all of one size

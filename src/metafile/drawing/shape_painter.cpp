@@ -70,7 +70,7 @@ void ShapePainter::fill(const QPainterPath& outline, QRgb colour, const DeviceCo
     prepare(context);
     canvas_.budget().spendPixels(fillCost(*rectangle, canvas_.sheet()));
     QPainter& painter = canvas_.painter();
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    canvas_.setMode(QPainter::CompositionMode_SourceOver);
     painter.fillRect(*rectangle, QColor::fromRgb(colour));
 }
 
@@ -80,7 +80,7 @@ void ShapePainter::fillSmoothly(const QPainterPath& outline, QRgb colour,
     const QPainterPath path = cutArea(outline, canvas_.sheet());
     spend(path, EdgeLook::Smooth);
     QPainter& painter = canvas_.painter();
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    canvas_.setMode(QPainter::CompositionMode_SourceOver);
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.fillPath(path, QColor::fromRgb(colour));
 }
@@ -109,7 +109,7 @@ void ShapePainter::invert(const QPainterPath& outline, const DeviceContext& cont
     spend(path, EdgeLook::Stepped);
     QPainter& painter = canvas_.painter();
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setCompositionMode(QPainter::RasterOp_NotDestination);
+    canvas_.setMode(QPainter::RasterOp_NotDestination);
     painter.fillPath(path, Qt::black);
 }
 
@@ -117,7 +117,7 @@ void ShapePainter::paintFill(const QPainterPath& outline, const Brush& brush,
                              const DeviceContext& context) {
     canvas_.budget().spendPixels(patternCost(brush));
     QPainter& painter = canvas_.painter();
-    painter.setCompositionMode(modeOf(context));
+    canvas_.setMode(modeOf(context));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
     const QBrush filling = painterBrush(brush, context);
     const bool showsGround = brush.kind == BrushKind::Hatched && context.backgroundOpaque;
@@ -156,7 +156,7 @@ void ShapePainter::paintStroke(const QPainterPath& outline, const DeviceContext&
     canvas_.budget().spendPixels(slowness *
                                  strokeCost(lines, pen, canvas_.sheet(), edgeLook(context)));
     QPainter& painter = canvas_.painter();
-    painter.setCompositionMode(modeOf(context));
+    canvas_.setMode(modeOf(context));
     painter.setRenderHint(QPainter::Antialiasing, copiesPen(context));
     painter.strokePath(pen.widthF() < kThin ? sharpened(lines) : lines, pen);
 }

@@ -32,13 +32,13 @@ class Player : public RecordSink {
            const NestedMetafiles& nested);
 
     // All three throw WorkExhausted, take() and takePlus() also DecodeError (no memory for a
-    // layer), and nothing else.
+    // layer), on a recording canvas PixelsNeeded, and nothing else.
     void take(const Record& record) override;
     void takePlus(std::span<const std::byte> comment) override;
     void leaveOut() override;
 
     // Draws what is kept back for being drawn in one piece; after the last record.
-    void finish() { flushLines(); }
+    void finish() { flushLines(); } // as take()
 
   private:
     void on(const CreateObject& record);
