@@ -44,6 +44,7 @@ MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* o
         buildTool(tool.key, tool.storedCaption, owner);
     }
     itemOf(Command::Help)->setShortcut(QKeySequence::HelpContents);
+    itemOf(Command::PrintCatalogue)->setShortcut(QKeySequence::Print);
     setState(selection_);
 }
 

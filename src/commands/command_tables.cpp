@@ -39,9 +39,14 @@ constexpr std::array kIdleTools{
 };
 
 constexpr std::array kFileItems{
-    MenuItem{0, 204, Command::NewGroup},         MenuItem{1, 205, Command::GroupFromFolder},
-    MenuItem{2, 206, Command::ImportGroup},      MenuItem{4, 207, Command::HandOver},
-    MenuItem{5, 208, Command::HandOverAndClose}, MenuItem{6, 209, Command::Exit},
+    MenuItem{0, 204, Command::NewGroup},
+    MenuItem{1, 205, Command::GroupFromFolder},
+    MenuItem{2, 206, Command::ImportGroup},
+    MenuItem{4, 207, Command::HandOver},
+    MenuItem{5, 208, Command::HandOverAndClose},
+    MenuItem{6, 209, Command::Exit},
+    MenuItem{
+        8, kNoTextId, Command::PrintCatalogue, {u"&Katalog drucken...", u"&Print catalogue..."}},
 };
 
 constexpr std::array kEditItems{

@@ -25,6 +25,7 @@ enum class Command {
     HandOver,
     HandOverAndClose,
     Exit,
+    PrintCatalogue,
     GraphicalPreview,
     EditorOptions,
     Help,

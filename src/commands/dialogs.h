@@ -21,6 +21,7 @@ class frmGroupInfo;
 class frmImport;
 class frmInfo;
 class frmInfos;
+class frmKatalog;
 class frmNeueGruppe;
 
 // Each is made on its first use and owned by the main window.
@@ -37,6 +38,7 @@ struct Dialogs {
     QPointer<frmInfos> pictureInfo;
     QPointer<frmEditorOptionen> editorOptions;
     QPointer<frmInfo> libraryInfo;
+    QPointer<frmKatalog> catalogue;
 };
 
 // The dialog kept there; made on its first use.

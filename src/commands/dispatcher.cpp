@@ -10,6 +10,7 @@
 #include "commands/frm_import.h"
 #include "commands/frm_info.h"
 #include "commands/frm_infos.h"
+#include "commands/frm_katalog.h"
 #include "commands/frm_neue_gruppe.h"
 #include "commands/group_commands.h"
 #include "commands/library_view.h"
@@ -51,6 +52,7 @@ constexpr std::array kBindings{
     Binding{Command::GraphicalPreview, toggleGraphicalPreview},
     Binding{Command::EditorOptions, showEditorOptions},
     Binding{Command::Exit, exitProgram},
+    Binding{Command::PrintCatalogue, printCatalogue},
     Binding{Command::Help, showMainHelp},
     Binding{Command::SearchHelp, searchHelp},
     Binding{Command::LibraryInfo, showLibraryInfo},

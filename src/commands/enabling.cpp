@@ -14,6 +14,7 @@ bool needsGroup(Command command) {
     case Command::DeletePicture:
     case Command::AddPicture:
     case Command::DeleteGroup:
+    case Command::PrintCatalogue:
         return true;
     default:
         return false;

@@ -9,6 +9,7 @@
 #include "commands/frm_edit_gruppe.h"
 #include "commands/frm_group_info.h"
 #include "commands/frm_import.h"
+#include "commands/frm_katalog.h"
 #include "commands/frm_neue_gruppe.h"
 #include "commands/library_view.h"
 #include "store/group_operations.h"
@@ -88,6 +89,14 @@ void showGroupInfo(CommandCall& call) {
         return;
     }
     keptDialog(call.dialogs.groupInfo, call.view, call.view.owner()).openFor(call.selection);
+}
+
+void printCatalogue(CommandCall& call) {
+    if (!call.selection.hasGroup()) {
+        sayThatNoGroupIsSelected(call);
+        return;
+    }
+    keptDialog(call.dialogs.catalogue, call.view, call.view.owner()).openFor(call.selection);
 }
 
 } // namespace commands

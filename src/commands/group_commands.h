@@ -26,4 +26,7 @@ void deleteGroup(CommandCall& call);
 // Shows what there is to know about the selected group, or says that none is selected.
 void showGroupInfo(CommandCall& call);
 
+// Prints the selected group's pictures, or writes them as PDF.
+void printCatalogue(CommandCall& call);
+
 } // namespace commands

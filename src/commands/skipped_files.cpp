@@ -24,30 +24,30 @@ QString captionFor(std::size_t count) {
     return count == 1 ? app::text(kOne) : app::text(kMany).arg(count);
 }
 
-QString listOf(std::span<const store::SkippedFile> files) {
+} // namespace
+
+void showSkippedFiles(std::span<const store::SkippedFile> files, QWidget* owner) {
     QStringList entries;
     for (const store::SkippedFile& file : files) {
         entries.append(app::errorText(file.failure));
     }
-    return entries.join(QStringLiteral("\n\n"));
+    showSummary(captionFor(files.size()), entries, owner);
 }
 
-} // namespace
-
-void showSkippedFiles(std::span<const store::SkippedFile> files, QWidget* owner) {
-    if (files.empty()) {
+void showSummary(const QString& text, const QStringList& entries, QWidget* owner) {
+    if (entries.empty()) {
         return;
     }
     QDialog dialog(owner);
     dialog.setObjectName(QStringLiteral("frmAusgelassen"));
     dialog.setWindowTitle(app::kProgramTitle);
     auto* caption = app::makePlainLabel("lblAnzahl", &dialog);
-    caption->setText(captionFor(files.size()));
+    caption->setText(text);
     auto* list = app::makeNamed<QPlainTextEdit>("txtDateien", &dialog);
     list->setReadOnly(true);
     list->setTabChangesFocus(true);
     list->setMinimumSize(kListSize);
-    list->setPlainText(listOf(files));
+    list->setPlainText(entries.join(QStringLiteral("\n\n")));
     list->setAccessibleName(caption->text());
     caption->setBuddy(list);
     auto* close = app::makeNamed<QPushButton>("cmdSchliessen", &dialog);

@@ -1,7 +1,11 @@
-// The window `frmAusgelassen`: which files a run has left out, and why.
+// The window `frmAusgelassen`: which files a run has left out, and why; or what else it has to tell
+// that one box could not hold.
 #pragma once
 
 #include "store/pictures_from_files.h"
+
+#include <QString>
+#include <QStringList>
 
 #include <span>
 
@@ -11,5 +15,8 @@ namespace commands {
 
 // Shows the list modally; without files nothing.
 void showSkippedFiles(std::span<const store::SkippedFile> files, QWidget* owner);
+
+// The same window with other words; without entries nothing.
+void showSummary(const QString& caption, const QStringList& entries, QWidget* owner);
 
 } // namespace commands

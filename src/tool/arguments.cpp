@@ -39,6 +39,8 @@ constexpr std::array kOptions{
     OptionForm{"--contrast", Option::Contrast, Takes::Value, Given::AnyTimes},
     OptionForm{"--intensity", Option::Intensity, Takes::Value, Given::AnyTimes},
     OptionForm{"--invert", Option::Invert, Takes::Nothing, Given::AnyTimes},
+    OptionForm{"--paper", Option::Paper, Takes::Value},
+    OptionForm{"--sub-groups", Option::SubGroups, Takes::Nothing},
     OptionForm{"--help", Option::Help, Takes::Nothing},
     OptionForm{"--version", Option::Version, Takes::Nothing},
 };

@@ -34,6 +34,8 @@ enum class Option : std::uint8_t {
     Contrast,
     Intensity,
     Invert,
+    Paper,
+    SubGroups,
     Help,
     Version,
 };

@@ -174,6 +174,13 @@ std::span<const Command> commands() {
           Option::Hue, Option::Saturation, Option::Contrast, Option::Intensity, Option::Invert,
           Option::Replace},
          convertPicture},
+        {"catalogue",
+         "KEY FILE.pdf [--sub-groups] [--paper a4|letter] [--replace]",
+         "write a group's pictures with names, sizes and types on pages, as PDF",
+         2,
+         2,
+         {Option::SubGroups, Option::Paper, Option::Replace},
+         printCatalogue},
     };
     return all;
 }

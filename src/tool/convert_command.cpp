@@ -74,11 +74,9 @@ ExitStatus convertPicture(const Invocation& invocation) {
     }
     const PictureKind kind = kindByName(target);
     const std::vector<operations::Edit> steps = editSteps(invocation.arguments);
-    const IfFileExists ifExists =
-        invocation.arguments.has(Option::Replace) ? IfFileExists::Replace : IfFileExists::Refuse;
     const InputPicture input = readPicture(source, target, invocation);
     try {
-        writeOutputFile(target, edited(input, steps, kind), ifExists);
+        writeOutputFile(target, invocation, edited(input, steps, kind));
     } catch (const imaging::EncodeError& error) {
         throw Error(ErrorCode::Failed, target, error.what());
     } catch (const std::length_error& error) {

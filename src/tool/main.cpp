@@ -17,7 +17,7 @@ namespace {
 // Only a command that paints text needs the fonts, and their start takes longer than most commands.
 std::unique_ptr<QCoreApplication> makeApplication(const std::vector<std::string>& commandLine,
                                                   int& argc, char** argv) {
-    constexpr std::array kPainting{"render", "thumbnail", "convert"};
+    constexpr std::array kPainting{"render", "thumbnail", "convert", "catalogue"};
     if (std::find_first_of(commandLine.begin(), commandLine.end(), kPainting.begin(),
                            kPainting.end()) == commandLine.end()) {
         return std::make_unique<QCoreApplication>(argc, argv);

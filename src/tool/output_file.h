@@ -1,5 +1,9 @@
-// Files that a command writes for the user: complete under their name, or not there at all.
+// Files that a command writes for the user, as platform/output_file.h does, with --replace.
 #pragma once
+
+#include "compound/error.h"
+#include "platform/output_file.h"
+#include "tool/command.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -7,12 +11,27 @@
 
 namespace tool {
 
-enum class IfFileExists { Refuse, Replace };
+// Has `write` write the file, told by --replace what to do with one that is there.
+template <typename Write>
+auto writeOutput(const std::filesystem::path& path, const Invocation& invocation, Write write) {
+    if (invocation.arguments.has(Option::Replace)) {
+        return write(platform::IfFileExists::Replace);
+    }
+    try {
+        return write(platform::IfFileExists::Refuse);
+    } catch (const compound::Error& error) {
+        if (error.code() == compound::ErrorCode::Exists && error.file() == path) {
+            throw compound::Error(error.code(), path, error.cause() + " (see --replace)");
+        }
+        throw;
+    }
+}
 
-// Writes a temporary file beside `path`, syncs it, and gives it its name. Exists when the path is
-// taken and `ifExists` is Refuse, or when something else than a regular file stands there. A
-// failure leaves an earlier file as it was.
-void writeOutputFile(const std::filesystem::path& path, std::span<const std::byte> bytes,
-                     IfFileExists ifExists);
+inline void writeOutputFile(const std::filesystem::path& path, const Invocation& invocation,
+                            std::span<const std::byte> bytes) {
+    writeOutput(path, invocation, [&](platform::IfFileExists taken) {
+        platform::writeOutputFile(path, taken, bytes);
+    });
+}
 
 } // namespace tool

@@ -94,9 +94,7 @@ ExitStatus extractPicture(const Invocation& invocation) {
                                      static_cast<std::streamsize>(picture.bytes.size()));
         return ExitStatus::Done;
     }
-    writeOutputFile(invocation.argument(2), picture.bytes,
-                    invocation.arguments.has(Option::Replace) ? IfFileExists::Replace
-                                                              : IfFileExists::Refuse);
+    writeOutputFile(invocation.argument(2), invocation, picture.bytes);
     return ExitStatus::Done;
 }
 

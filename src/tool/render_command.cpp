@@ -15,9 +15,7 @@ using compound::ErrorCode;
 
 void writePng(const QImage& image, const std::filesystem::path& target,
               const Invocation& invocation) {
-    writeOutputFile(target, toPng(image, target),
-                    invocation.arguments.has(Option::Replace) ? IfFileExists::Replace
-                                                              : IfFileExists::Refuse);
+    writeOutputFile(target, invocation, toPng(image, target));
 }
 
 // The bytes of the first picture that has any: of the top-level group, else of those below it.

@@ -38,6 +38,7 @@ constexpr DialogCase kDialogs[] = {
     {"bRename", "frmEditSymbol", "cmdHilfe", 4, Place::AsTheDesktopLikes},
     {"bInfo", "frmInfos", "cmdZur_ck", 5, Place::Centred},
     {"Men_Extras_1", "frmEditorOptionen", nullptr, 1, Place::AsTheDesktopLikes},
+    {"Men_Datei_8", "frmKatalog", nullptr, 1, Place::AsTheDesktopLikes},
     {"Men_Hilfe_3", "frmInfo", nullptr, 1, Place::Centred},
 };
 

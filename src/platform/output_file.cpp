@@ -1,4 +1,4 @@
-#include "tool/output_file.h"
+#include "platform/output_file.h"
 
 #include "compound/error.h"
 #include "platform/native_disk.h"
@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-namespace tool {
+namespace platform {
 namespace {
 
 using compound::Error;
@@ -14,7 +14,7 @@ using compound::ErrorCode;
 
 std::filesystem::path temporaryBeside(const std::filesystem::path& path) {
     std::random_device random;
-    return path.parent_path() / (".stgtool-" + std::to_string(random()) + ".tmp");
+    return path.parent_path() / (".output-" + std::to_string(random()) + ".tmp");
 }
 
 // A path that is taken is refused before anything is written.
@@ -25,7 +25,7 @@ void refuseTaken(const std::filesystem::path& path, IfFileExists ifExists) {
         return;
     }
     if (ifExists == IfFileExists::Refuse) {
-        throw Error(ErrorCode::Exists, path, "the file exists already (see --replace)");
+        throw Error(ErrorCode::Exists, path, "the file exists already");
     }
     if (!std::filesystem::is_regular_file(status)) {
         throw Error(ErrorCode::Exists, path, "something else than a file stands there");
@@ -34,11 +34,11 @@ void refuseTaken(const std::filesystem::path& path, IfFileExists ifExists) {
 
 // A file that is replaced hands its attributes on, so nobody else may read the new one before.
 void writeTemporary(const std::filesystem::path& temporary, const std::filesystem::path& path,
-                    std::span<const std::byte> bytes) {
-    compound::Disk& disk = platform::nativeDisk();
+                    const std::function<void(compound::DiskFile&)>& write) {
+    compound::Disk& disk = nativeDisk();
     const bool replaces = disk.exists(path);
     const auto file = replaces ? disk.createPrivate(temporary) : disk.create(temporary);
-    file->write(0, bytes);
+    write(*file);
     if (replaces) {
         disk.copyAttributes(*disk.open(path, compound::Access::Read), *file);
     }
@@ -47,7 +47,7 @@ void writeTemporary(const std::filesystem::path& temporary, const std::filesyste
 
 void publish(const std::filesystem::path& temporary, const std::filesystem::path& path,
              IfFileExists ifExists) {
-    compound::Disk& disk = platform::nativeDisk();
+    compound::Disk& disk = nativeDisk();
     if (ifExists == IfFileExists::Replace && disk.exists(path)) {
         disk.renameReplacing(temporary, path);
     } else {
@@ -58,21 +58,31 @@ void publish(const std::filesystem::path& temporary, const std::filesystem::path
 
 } // namespace
 
-void writeOutputFile(const std::filesystem::path& path, std::span<const std::byte> bytes,
-                     IfFileExists ifExists) {
+void writeOutputFile(const std::filesystem::path& path, IfFileExists ifExists,
+                     const std::function<void(compound::DiskFile&)>& write) {
     if (!path.has_filename()) {
         throw Error(ErrorCode::InvalidName, path, "that is no file's name");
     }
     refuseTaken(path, ifExists);
-    const std::filesystem::path target = platform::nativeDisk().resolved(path); // a link stays one
+    const std::filesystem::path target = nativeDisk().resolved(path); // a link stays one
     const std::filesystem::path temporary = temporaryBeside(target);
     try {
-        writeTemporary(temporary, target, bytes);
+        writeTemporary(temporary, target, write);
         publish(temporary, target, ifExists);
     } catch (const Error& error) {
-        platform::nativeDisk().removeTemporary(temporary);
-        throw Error(error.code(), path, error.cause()); // the user knows of no temporary file
+        nativeDisk().removeTemporary(temporary);
+        // The user knows of no temporary file.
+        const bool isOwn = error.file() == temporary || error.file() == target;
+        throw Error(error.code(), isOwn ? path : error.file(), error.cause());
+    } catch (...) {
+        nativeDisk().removeTemporary(temporary);
+        throw;
     }
 }
 
-} // namespace tool
+void writeOutputFile(const std::filesystem::path& path, IfFileExists ifExists,
+                     std::span<const std::byte> bytes) {
+    writeOutputFile(path, ifExists, [bytes](compound::DiskFile& file) { file.write(0, bytes); });
+}
+
+} // namespace platform
