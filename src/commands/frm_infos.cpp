@@ -6,6 +6,7 @@
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
+#include "commands/frame_strip.h"
 #include "editing/picture_box.h"
 #include "editing/screen_place.h"
 #include "picture/picture.h"
@@ -155,6 +156,7 @@ void frmInfos::arrange() {
     facts->addWidget(makePreview(), 0, 1, 2, 1);
     facts->setColumnStretch(0, 1);
 
+    fraBilder_ = new FrameStrip(this);
     cmdOK_ = app::makeNamed<QPushButton>("cmdOK", app::text(kBack), this);
     cmdOK_->setDefault(true);
     cmdZur_ck_ = app::makeNamed<QPushButton>("cmdZur_ck", app::text(kHelp), this);
@@ -169,6 +171,7 @@ void frmInfos::arrange() {
     all->setSpacing(12);
     all->addWidget(lblName2_);
     all->addLayout(facts);
+    all->addWidget(fraBilder_);
     all->addLayout(buttons);
     all->setSizeConstraint(QLayout::SetFixedSize);
 }
@@ -184,14 +187,17 @@ void frmInfos::connectControls() {
                 picBild_->resize(facts.pixels);
                 VorschauAnpassen();
             });
+    connect(fraBilder_, &FrameStrip::loaded, this, &QWidget::adjustSize);
     connect(cmdOK_, &QPushButton::clicked, this, &QDialog::reject);
     app::offerHelp(*this, cmdZur_ck_, app::HelpTopic::PictureInformation);
 }
 
 void frmInfos::openFor(const store::Library& library, const store::GroupAddress& group,
                        const store::PictureName& name) {
-    showFacts(store::describePicture(library, group, name));
+    const store::PictureEntry picture = store::describePicture(library, group, name);
+    showFacts(picture);
     loadPreview(library, group, name);
+    fraBilder_->load(library, group, picture);
     optPixel_->setChecked(true);
     ensurePolished();
     adjustSize();
@@ -199,6 +205,7 @@ void frmInfos::openFor(const store::Library& library, const store::GroupAddress&
     cmdOK_->setFocus();
     app::execModally(*this);
     imgBild_->clear();
+    fraBilder_->clear();
 }
 
 void frmInfos::showFacts(const store::PictureEntry& picture) {

@@ -1,5 +1,5 @@
 // What there is to know about one picture: width and height in pixels or twips, size, type, name,
-// and a preview.
+// and a preview; of an icon or cursor all its pictures.
 #pragma once
 
 #include "app/twips.h"
@@ -18,6 +18,8 @@ class PictureBox;
 }
 
 namespace commands {
+
+class FrameStrip;
 
 class frmInfos : public QDialog {
     Q_OBJECT
@@ -55,9 +57,10 @@ class frmInfos : public QDialog {
     QRadioButton* optTwip_ = nullptr;
     app::TwipRect designPlace_; // of imgBild: a square, from which it is fitted
     editing::PictureBox* imgBild_ = nullptr;
-    QWidget* picBild_ = nullptr; // never shown; has the picture's size in pixels
-    QPushButton* cmdOK_;         // the buttons' names are crossed: this one goes back,
-    QPushButton* cmdZur_ck_;     // and this one opens the help
+    QWidget* picBild_ = nullptr;      // never shown; has the picture's size in pixels
+    FrameStrip* fraBilder_ = nullptr; // for icons and cursors alone
+    QPushButton* cmdOK_;              // the buttons' names are crossed: this one goes back,
+    QPushButton* cmdZur_ck_;          // and this one opens the help
 };
 
 } // namespace commands

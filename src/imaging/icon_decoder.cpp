@@ -2,8 +2,6 @@
 #include "imaging/decoders.h"
 #include "imaging/icon_directory.h"
 
-#include <algorithm>
-
 namespace imaging {
 
 namespace {
@@ -11,8 +9,7 @@ namespace {
 PictureFacts factsOf(const IconDirectory& icon, const IconFrame& frame) {
     PictureFacts facts = rasterFacts(icon.kind, frame.size, frame.bitsPerPixel);
     if (icon.kind == PictureKind::Cur) {
-        facts.hotSpot = {std::clamp(frame.hotSpot.x(), 0, frame.size.width() - 1),
-                         std::clamp(frame.hotSpot.y(), 0, frame.size.height() - 1)};
+        facts.hotSpot = hotSpotWithin(frame);
     }
     return facts;
 }

@@ -114,13 +114,22 @@ IconDirectory readIconDirectory(std::span<const std::byte> bytes) {
     return icon;
 }
 
+QImage decodeFrame(const IconFrame& frame) {
+    return frame.isPng ? decodePngFrame(frame) : decodeDibFrame(frame);
+}
+
+QPoint hotSpotWithin(const IconFrame& frame) {
+    return {std::clamp(frame.hotSpot.x(), 0, frame.size.width() - 1),
+            std::clamp(frame.hotSpot.y(), 0, frame.size.height() - 1)};
+}
+
 ShownFrame decodeShownFrame(const IconDirectory& icon) {
     constexpr std::size_t kMostTries = 16; // a hostile directory names very many broken frames
     std::string cause;
     for (std::size_t i = 0; i < std::min(kMostTries, icon.frames.size()); ++i) {
         const IconFrame& frame = icon.frames[i];
         try {
-            return {frame, frame.isPng ? decodePngFrame(frame) : decodeDibFrame(frame)};
+            return {frame, decodeFrame(frame)};
         } catch (const DecodeError& error) {
             cause = error.what();
         }

@@ -35,6 +35,12 @@ struct IconDirectory {
 // DecodeError when no frame can be measured.
 IconDirectory readIconDirectory(std::span<const std::byte> bytes);
 
+// ARGB32. DecodeError.
+QImage decodeFrame(const IconFrame& frame);
+
+// A cursor's hot spot, moved into the frame where the file tells one beside it.
+QPoint hotSpotWithin(const IconFrame& frame);
+
 struct ShownFrame {
     IconFrame frame;
     QImage image; // ARGB32

@@ -1,0 +1,169 @@
+#include "commands/frame_strip.h"
+
+#include "app/named_control.h"
+#include "app/texts.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPainter>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include <utility>
+
+namespace commands {
+namespace {
+
+constexpr app::TextPair kTitle{u"Bilder in der Datei:", u"Pictures in the file:"};
+constexpr app::TextPair kCopy{u"&Kopieren", u"&Copy"};
+constexpr app::TextPair kBits{u"%1 Bit", u"%1 bit"};
+constexpr app::TextPair kThumbnail{u"Vorschaubild", u"Thumbnail"};
+constexpr app::TextPair kBroken{u"beschädigt", u"damaged"};
+constexpr app::TextPair kHotSpot{u"Punkt %1, %2", u"Spot %1, %2"};
+
+constexpr QSize kIcon{64, 64};
+constexpr QSize kCell{92, 136};
+constexpr int kRoomForScrollBar = 20;
+constexpr int kImageRole = Qt::UserRole;
+
+// A frame hands its image on as it is, with its alpha.
+class FrameList : public QListWidget {
+  public:
+    using QListWidget::QListWidget;
+
+  protected:
+    QMimeData* mimeData(const QList<QListWidgetItem*>& items) const override {
+        auto mime = std::make_unique<QMimeData>();
+        for (const QListWidgetItem* item : items) {
+            mime->setImageData(item->data(kImageRole));
+        }
+        return mime.release();
+    }
+    QStringList mimeTypes() const override { return {QStringLiteral("application/x-qt-image")}; }
+};
+
+// In the middle of a square of its own, no larger than it is, so that sizes can be compared.
+QIcon iconOf(const QImage& image, double screenRatio) {
+    QPixmap square(kIcon * screenRatio);
+    square.setDevicePixelRatio(screenRatio);
+    square.fill(Qt::transparent);
+    QSize size = image.size();
+    if (size.width() > kIcon.width() || size.height() > kIcon.height()) {
+        size.scale(kIcon, Qt::KeepAspectRatio);
+    }
+    QRect place(QPoint(0, 0), size.expandedTo({1, 1}));
+    place.moveCenter(QRect(QPoint(0, 0), kIcon).center());
+    QPainter painter(&square);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, size != image.size());
+    painter.drawImage(place, image);
+    painter.end();
+    QIcon icon(square);
+    icon.addPixmap(square, QIcon::Selected); // not tinted: colours are what is looked at
+    return icon;
+}
+
+QStringList linesOf(const picture::IconFrame& frame) {
+    QStringList lines{
+        QStringLiteral("%1 \u00d7 %2").arg(frame.size.width()).arg(frame.size.height()),
+        app::text(kBits).arg(frame.bitsPerPixel)};
+    if (frame.hotSpot) {
+        lines.append(app::text(kHotSpot).arg(frame.hotSpot->x()).arg(frame.hotSpot->y()));
+    }
+    if (frame.image.isNull()) {
+        lines.append(app::text(kBroken));
+    } else if (frame.isShown) {
+        lines.append(app::text(kThumbnail));
+    }
+    return lines;
+}
+
+} // namespace
+
+FrameStrip::FrameStrip(QWidget* parent)
+    : QGroupBox(app::text(kTitle), parent),
+      lvwBilder_(new FrameList(this)),
+      cmdKopieren_(app::makeNamed<QPushButton>("cmdKopieren", app::text(kCopy), this)) {
+    setObjectName(QStringLiteral("fraBilder"));
+    lvwBilder_->setObjectName(QStringLiteral("lvwBilder"));
+    lvwBilder_->setAccessibleName(app::text(kTitle));
+    lvwBilder_->setViewMode(QListView::IconMode);
+    lvwBilder_->setFlow(QListView::LeftToRight);
+    lvwBilder_->setWrapping(false);
+    lvwBilder_->setMovement(QListView::Static);
+    lvwBilder_->setDragEnabled(true);
+    lvwBilder_->setDragDropMode(QAbstractItemView::DragOnly);
+    lvwBilder_->setIconSize(kIcon);
+    lvwBilder_->setGridSize(kCell);
+    lvwBilder_->setFixedHeight(kCell.height() + kRoomForScrollBar);
+    auto* all = new QVBoxLayout(this);
+    all->addWidget(lvwBilder_);
+    all->addWidget(cmdKopieren_, 0, Qt::AlignRight);
+    connect(cmdKopieren_, &QPushButton::clicked, this, &FrameStrip::copy);
+    auto* keys = new QShortcut(QKeySequence::Copy, lvwBilder_);
+    keys->setContext(Qt::WidgetShortcut);
+    connect(keys, &QShortcut::activated, this, &FrameStrip::copy);
+    connect(&job_, &app::Job::done, this, &FrameStrip::take);
+    hide();
+}
+
+void FrameStrip::load(const store::Library& library, const store::GroupAddress& group,
+                      const store::PictureEntry& picture) {
+    clear();
+    setVisible(picture.record.type == "ICO" || picture.record.type == "CUR");
+    if (!isVisibleTo(parentWidget())) {
+        return;
+    }
+    job_.start([library, group, name = picture.name] {
+        try {
+            return picture::iconFrames(store::readPicture(library, group, name).bytes);
+        } catch (const std::exception&) {
+            return std::vector<picture::IconFrame>(); // the preview shows nothing either
+        }
+    });
+}
+
+void FrameStrip::clear() {
+    job_.drop();
+    lvwBilder_->clear();
+    cmdKopieren_->setEnabled(false);
+}
+
+void FrameStrip::take() {
+    const auto frames = std::exchange(job_.result(), {});
+    for (const picture::IconFrame& frame : frames) {
+        addFrame(frame);
+    }
+    setVisible(!frames.empty());
+    cmdKopieren_->setEnabled(lvwBilder_->currentItem() != nullptr);
+    emit loaded();
+}
+
+void FrameStrip::addFrame(const picture::IconFrame& frame) {
+    const QStringList lines = linesOf(frame);
+    auto* item = new QListWidgetItem(lines.join(u'\n'), lvwBilder_);
+    item->setTextAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    item->setData(Qt::AccessibleTextRole, lines.join(QStringLiteral(", ")));
+    if (frame.image.isNull()) {
+        item->setFlags(Qt::NoItemFlags);
+        return;
+    }
+    item->setData(kImageRole, frame.image);
+    item->setIcon(iconOf(frame.image, devicePixelRatioF()));
+    if (frame.isShown) {
+        QFont font = item->font();
+        font.setBold(true);
+        item->setFont(font);
+        lvwBilder_->setCurrentItem(item);
+    }
+}
+
+void FrameStrip::copy() {
+    if (const QListWidgetItem* item = lvwBilder_->currentItem()) {
+        QGuiApplication::clipboard()->setImage(item->data(kImageRole).value<QImage>());
+    }
+}
+
+} // namespace commands
