@@ -64,6 +64,7 @@ ExitStatus renderPicture(const Invocation& invocation);
 ExitStatus makeThumbnail(const Invocation& invocation);
 ExitStatus convertPicture(const Invocation& invocation);
 ExitStatus printCatalogue(const Invocation& invocation);
+ExitStatus listDuplicates(const Invocation& invocation);
 
 // Runs one command line (without the program's name). Everything that goes wrong is told on
 // console.err, naming the file and the cause; nothing is thrown.

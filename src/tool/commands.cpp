@@ -181,6 +181,13 @@ std::span<const Command> commands() {
          2,
          {Option::SubGroups, Option::Paper, Option::Replace},
          printCatalogue},
+        {"duplicates",
+         "[KEY]",
+         "list pictures that the library has twice, byte for byte: key, name, and the other's",
+         0,
+         1,
+         {},
+         listDuplicates},
     };
     return all;
 }

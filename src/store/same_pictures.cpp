@@ -1,0 +1,144 @@
+#include "store/same_pictures.h"
+
+#include "compound/error.h"
+#include "store/group_operations.h"
+#include "store/names.h"
+#include "store/picture_operations.h"
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string_view>
+
+namespace store {
+namespace {
+
+using compound::Error;
+using compound::ErrorCode;
+
+// What `read` gives; nothing when the file cannot be read.
+template <typename Read>
+auto ifReadable(Read read) -> std::optional<decltype(read())> {
+    try {
+        return read();
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+struct Known {
+    PictureAddress picture;
+    std::optional<std::size_t> hash = {}; // of its bytes, once they were wanted
+};
+
+std::size_t hashOf(const std::vector<std::byte>& bytes) {
+    return std::hash<std::string_view>()(
+        {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+class Search {
+  public:
+    Search(const Library& library, Progress& progress) : library_(library), progress_(progress) {}
+
+    // Calls `take` with every group that can be read.
+    void forEachGroup(const std::function<void(const GroupAddress&)>& take) {
+        const std::vector<FileName> files = groupFiles(library_);
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            if (progress_.isStopWanted()) {
+                throw Error(ErrorCode::Cancelled, library_.folder, "stopped");
+            }
+            progress_.report(i, files.size() + 1);
+            const LockBudget budget(library_.lockWait);
+            for (const GroupEntry& group : readGroupFile(library_, files[i], budget).groups) {
+                take(group.address);
+            }
+        }
+    }
+
+    // By size: whatever has another one is another picture.
+    void collect(const GroupAddress& group) {
+        const auto pictures = ifReadable([&] { return listPictures(library_, group); });
+        for (const PictureEntry& picture : pictures.value_or(std::vector<PictureEntry>())) {
+            bySize_[picture.bytes].push_back({{group, picture.name}, {}});
+        }
+    }
+
+    std::vector<PictureAddress> othersOf(const PictureAddress& picture) {
+        const auto entry =
+            ifReadable([&] { return describePicture(library_, picture.group, picture.name); });
+        std::vector<PictureAddress> others;
+        const auto found = entry ? bySize_.find(entry->bytes) : bySize_.end();
+        if (found == bySize_.end() || found->second.size() < 2) {
+            return others;
+        }
+        const auto bytes = bytesOf(picture);
+        for (Known& known : found->second) {
+            const bool isItself = known.picture.group == picture.group &&
+                                  sameName(known.picture.name.text, picture.name.text);
+            if (bytes && !isItself && hasBytes(known, *bytes)) {
+                others.push_back(known.picture);
+            }
+        }
+        return others;
+    }
+
+  private:
+    std::optional<std::vector<std::byte>> bytesOf(const PictureAddress& picture) {
+        return ifReadable([&] { return readPicture(library_, picture.group, picture.name).bytes; });
+    }
+
+    // Two pictures of one hash are nearly always the same, but only bytes tell.
+    bool hasBytes(Known& known, const std::vector<std::byte>& bytes) {
+        if (known.hash && *known.hash != hashOf(bytes)) {
+            return false;
+        }
+        const auto own = bytesOf(known.picture);
+        known.hash = own ? std::optional(hashOf(*own)) : std::nullopt;
+        return own == bytes;
+    }
+
+    const Library& library_;
+    Progress& progress_;
+    std::map<std::uint64_t, std::vector<Known>> bySize_;
+};
+
+} // namespace
+
+std::vector<SamePictures> findSamePictures(const Library& library,
+                                           std::span<const PictureAddress> pictures,
+                                           Progress& progress) {
+    Search search(library, progress);
+    search.forEachGroup([&](const GroupAddress& group) { search.collect(group); });
+    std::vector<SamePictures> result;
+    for (const PictureAddress& picture : pictures) {
+        if (progress.isStopWanted()) {
+            throw Error(ErrorCode::Cancelled, library.folder, "stopped");
+        }
+        SamePictures same{picture, search.othersOf(picture)};
+        if (!same.others.empty()) {
+            result.push_back(std::move(same));
+        }
+    }
+    return result;
+}
+
+std::vector<PictureAddress> allPictures(const Library& library,
+                                        const std::optional<GroupAddress>& group) {
+    std::vector<PictureAddress> pictures;
+    const auto add = [&](const GroupAddress& from, const std::vector<PictureEntry>& entries) {
+        for (const PictureEntry& entry : entries) {
+            pictures.push_back({from, entry.name});
+        }
+    };
+    if (group) {
+        add(*group, listPictures(library, *group));
+        return pictures;
+    }
+    Search(library, noProgress()).forEachGroup([&](const GroupAddress& each) {
+        const auto entries = ifReadable([&] { return listPictures(library, each); });
+        add(each, entries.value_or(std::vector<PictureEntry>()));
+    });
+    return pictures;
+}
+
+} // namespace store
