@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -20,13 +21,13 @@ namespace {
 constexpr app::TextPair kTitle{u"Bilder in der Datei:", u"Pictures in the file:"};
 constexpr app::TextPair kCopy{u"&Kopieren", u"&Copy"};
 constexpr app::TextPair kBits{u"%1 Bit", u"%1 bit"};
-constexpr app::TextPair kThumbnail{u"Vorschaubild", u"Thumbnail"};
+constexpr app::TextPair kThumbnail{u"Vorschau", u"Thumbnail"};
 constexpr app::TextPair kBroken{u"beschädigt", u"damaged"};
 constexpr app::TextPair kHotSpot{u"Punkt %1, %2", u"Spot %1, %2"};
 
 constexpr QSize kIcon{64, 64};
-constexpr QSize kCell{92, 136};
-constexpr int kRoomForScrollBar = 20;
+constexpr int kCellWidth = 84; // four of them are in sight
+constexpr int kCellMargin = 12;
 constexpr int kImageRole = Qt::UserRole;
 
 // A frame hands its image on as it is, with its alpha.
@@ -96,8 +97,6 @@ FrameStrip::FrameStrip(QWidget* parent)
     lvwBilder_->setDragEnabled(true);
     lvwBilder_->setDragDropMode(QAbstractItemView::DragOnly);
     lvwBilder_->setIconSize(kIcon);
-    lvwBilder_->setGridSize(kCell);
-    lvwBilder_->setFixedHeight(kCell.height() + kRoomForScrollBar);
     auto* all = new QVBoxLayout(this);
     all->addWidget(lvwBilder_);
     all->addWidget(cmdKopieren_, 0, Qt::AlignRight);
@@ -116,6 +115,7 @@ void FrameStrip::load(const store::Library& library, const store::GroupAddress& 
     if (!isVisibleTo(parentWidget())) {
         return;
     }
+    makeRoomFor(picture.record.type == "CUR" ? 4 : 3);
     job_.start([library, group, name = picture.name] {
         try {
             return picture::iconFrames(store::readPicture(library, group, name).bytes);
@@ -123,6 +123,13 @@ void FrameStrip::load(const store::Library& library, const store::GroupAddress& 
             return std::vector<picture::IconFrame>(); // the preview shows nothing either
         }
     });
+}
+
+void FrameStrip::makeRoomFor(int lines) {
+    const int height = kIcon.height() + kCellMargin + lines * lvwBilder_->fontMetrics().height();
+    lvwBilder_->setGridSize({kCellWidth, height});
+    lvwBilder_->setFixedHeight(height + style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
+                               2 * lvwBilder_->frameWidth());
 }
 
 void FrameStrip::clear() {

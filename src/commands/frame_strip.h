@@ -34,6 +34,7 @@ class FrameStrip : public QGroupBox {
     void loaded();
 
   private:
+    void makeRoomFor(int lines); // below each frame
     void take();
     void addFrame(const picture::IconFrame& frame);
     void copy();

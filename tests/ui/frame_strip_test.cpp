@@ -4,6 +4,7 @@
 #include "store/picture_operations.h"
 #include "ui/every_language.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QGroupBox>
 #include <QListWidget>
@@ -41,13 +42,14 @@ TEST_P(FrameStripTest, ShowsEveryFrameOfACursorAndCopiesTheChosenOne) {
                  ASSERT_TRUE(QTest::qWaitFor([&] { return list->count() == 2; }));
                  EXPECT_EQ(list->item(0)->text(),
                            say("1 \u00d7 1\n32 Bit\nPunkt 0, 0", "1 \u00d7 1\n32 bit\nSpot 0, 0"));
-                 EXPECT_EQ(list->item(1)->text(),
-                           say("2 \u00d7 1\n32 Bit\nPunkt 1, 0\nVorschaubild",
-                               "2 \u00d7 1\n32 bit\nSpot 1, 0\nThumbnail"));
+                 EXPECT_EQ(list->item(1)->text(), say("2 \u00d7 1\n32 Bit\nPunkt 1, 0\nVorschau",
+                                                      "2 \u00d7 1\n32 bit\nSpot 1, 0\nThumbnail"));
                  EXPECT_EQ(list->currentRow(), 1);
                  QTest::mouseClick(dialog.findChild<QPushButton*>("cmdKopieren"), Qt::LeftButton);
                  EXPECT_EQ(QGuiApplication::clipboard()->image().pixelColor(0, 0).alpha(), 0x80);
                  list->setCurrentRow(0);
+                 QApplication::setActiveWindow(&dialog);
+                 list->setFocus();
                  QTest::keyClick(list, Qt::Key_C, Qt::ControlModifier);
                  EXPECT_EQ(QGuiApplication::clipboard()->image().size(), QSize(1, 1));
                  const std::unique_ptr<QMimeData> dragged(
