@@ -187,9 +187,14 @@ void compactGroupFile(const Library& library, const std::filesystem::path& path,
                       Progress& progress) {
     StorageAccess old(library);
     old.openFile(path, Access::ReadWrite, library.lockWait);
-    NewGroupFile file(library, library.disk.resolved(path), NewGroupFile::Content::Copied);
+    NewGroupFile file(library, library.disk.resolved(path), NewGroupFile::Content::Copied,
+                      old.file().sectorSize());
     file.write([&](compound::CompoundFile& content) { copyTold(old.file(), content, progress); });
     file.takeAttributes(old.file().disk());
+    file.prepare();
+    if (file.size() > old.file().disk().size() && old.file().check().empty()) {
+        return; // another program's file, as dense as can be and without a reserve
+    }
     file.publishReplacing();
     old.file().disk().retire();
 }

@@ -94,7 +94,8 @@ struct GroupSize {
 };
 GroupSize readGroupSize(const Library& library, const GroupAddress& group);
 
-// Rewrites the group file densely: a complete new file, durable, takes the old one's place.
+// Rewrites the group file densely, with sectors of the same size: a complete new file, durable,
+// takes the old one's place. A sound file that would only become larger stays as it is.
 void compactGroupFile(const Library& library, const std::filesystem::path& path,
                       Progress& progress = noProgress());
 

@@ -13,17 +13,18 @@ using compound::ErrorCode;
 
 } // namespace
 
-NewGroupFile::NewGroupFile(const Library& library, std::filesystem::path target, Content content)
+NewGroupFile::NewGroupFile(const Library& library, std::filesystem::path target, Content content,
+                           compound::SectorSize sectorSize)
     : library_(library), target_(std::move(target)) {
-    tellOfTarget([&] { create(content); });
+    tellOfTarget([&] { create(content, sectorSize); });
 }
 
-void NewGroupFile::create(Content content) {
+void NewGroupFile::create(Content content, compound::SectorSize sectorSize) {
     const std::filesystem::path folder = folderOf(target_);
     removeUnfinishedFiles(library_, folder);
     std::unique_ptr<compound::DiskFile> disk = createLocked(folder, content);
     try {
-        file_.emplace(compound::CompoundFile::create(std::move(disk)));
+        file_.emplace(compound::CompoundFile::create(std::move(disk), sectorSize));
     } catch (...) {
         library_.disk.removeTemporary(temporary_);
         throw;

@@ -6,6 +6,7 @@
 #include "compound/compound_file.h"
 #include "store/library.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -20,7 +21,8 @@ class NewGroupFile {
 
     // Creates and locks the temporary file beside `target`, which is no link (Disk::resolved).
     // Temporary files that crashed programs have left in the folder are removed.
-    NewGroupFile(const Library& library, std::filesystem::path target, Content content);
+    NewGroupFile(const Library& library, std::filesystem::path target, Content content,
+                 compound::SectorSize sectorSize = compound::SectorSize::Bytes4096);
     ~NewGroupFile(); // removes the temporary file unless it was published
     NewGroupFile(const NewGroupFile&) = delete;
     NewGroupFile& operator=(const NewGroupFile&) = delete;
@@ -34,6 +36,9 @@ class NewGroupFile {
     // Makes the content durable under the temporary name.
     void prepare();
 
+    // Bytes of what was prepared.
+    std::uint64_t size() { return file_->disk().size(); }
+
     // Commits, and gives the file its name. Exists (and nothing changed) when the name is taken;
     // OutcomeUnknown when the file bears the name, but only until the next power cut perhaps.
     void publish();
@@ -44,7 +49,7 @@ class NewGroupFile {
     bool isPublished() const { return published_; }
 
   private:
-    void create(Content content);
+    void create(Content content, compound::SectorSize sectorSize);
     std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder,
                                                      Content content);
     void give(const std::function<void()>& rename);
