@@ -31,13 +31,97 @@ std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
     return kNone;
 }
 
-// Free sectors of a range that are left when one is taken for `purpose`.
-std::uint32_t AllocationTable::kept(Purpose purpose) const {
-    if (purpose == Purpose::Fat) {
-        return 0;
+// Free sectors that the chains find in their home range: see home(). The file keeps about as many
+// in any case, for deletions on a full disk.
+std::uint32_t AllocationTable::spareForChains() const {
+    constexpr std::uint32_t kLeast = 8;
+    constexpr std::uint32_t kPart = 128; // of the file
+    return std::min(std::max(kLeast, file_.count() / kPart), perSector_ / 4 * 3);
+}
+
+// Free sectors of a range that data leave alone. At the format's end, and on a full disk, all but
+// the FAT sector's are taken.
+std::uint32_t AllocationTable::keptFromData(std::uint32_t index) {
+    return canGrow() && index == home() ? spareForChains() : kKeptForFat;
+}
+
+// The range in which directory, mini stream and mini FAT find new places. It lasts for many
+// transactions, so that a change to these chains changes few FAT sectors and a walk through them
+// loads few. What tells it is the place of the directory's first page, which nearly every change
+// writes anew.
+std::uint32_t AllocationTable::home() {
+    if (!home_) {
+        const bool isThere = header_.firstDirectory < kMaximumSector;
+        home_ = isThere ? header_.firstDirectory / perSector_ : 0;
     }
-    const bool isFull = insideLimit_ != kMaximumSector;
-    return purpose == Purpose::Move || isFull ? kKeptForFat : kKeptForMoving;
+    return *home_;
+}
+
+// Where the chains go on when their home is full: the range with the most room among those in
+// memory, in which they lie, and the last ones, in which the reserve is; otherwise a run at the
+// file's end.
+void AllocationTable::moveHome() {
+    constexpr std::size_t kLast = 8;
+    const std::uint32_t spare = spareForChains();
+    const std::uint32_t enough = std::max<std::uint32_t>(spare / 8, 8);
+    std::uint32_t most = 0;
+    std::optional<std::uint32_t> best;
+    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+        if (!ranges_[index] && index + kLast < ranges_.size()) {
+            continue;
+        }
+        const std::uint32_t free = std::min(freeInside(index), spare);
+        if (free >= enough && free > most) {
+            most = free;
+            best = index;
+        }
+    }
+    if (best) {
+        beginRunIn(*best);
+    } else if (canGrow()) {
+        beginRunAtEnd(enough);
+    } else {
+        home_ = static_cast<std::uint32_t>(ranges_.size() - 1);
+    }
+}
+
+// Those of a range's free sectors that may be taken without lengthening the file.
+std::uint32_t AllocationTable::freeInside(std::uint32_t index) {
+    const std::uint64_t end = std::uint64_t{index + 1} * perSector_;
+    const std::uint64_t outside = end - std::min<std::uint64_t>(end, file_.count());
+    return freeIn(index) -
+           static_cast<std::uint32_t>(std::min<std::uint64_t>(freeIn(index), outside));
+}
+
+// A run of the range is for the chains: data leave it out.
+void AllocationTable::beginRunIn(std::uint32_t index) {
+    const Run run = runIn(index, spareForChains());
+    runStart_ = index * perSector_ + run.start;
+    runEnd_ = runStart_ + run.length;
+    load(index).next = run.start;
+    home_ = index;
+}
+
+// Lengthens the file by a run for the chains, which this transaction's data leave out.
+void AllocationTable::beginRunAtEnd(std::uint32_t enough) {
+    const auto endOfRanges = [&] { return std::uint64_t{ranges_.size()} * perSector_; };
+    if (file_.count() + std::uint64_t{enough} > endOfRanges()) {
+        addRange();
+    }
+    const auto last = static_cast<std::uint32_t>(ranges_.size() - 1);
+    const std::uint64_t end = std::min<std::uint64_t>(endOfRanges(), limit());
+    std::uint32_t start = std::max(file_.count(), last * perSector_);
+    if (start >= end) { // a crash has left a long tail, and the range is new
+        start = fatSectors_[last] + 1;
+    }
+    const auto length =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(spareForChains(), end - start));
+    markRangeLock(std::uint64_t{start} + length);
+    file_.extend(start + length);
+    runStart_ = start;
+    runEnd_ = start + length;
+    load(last).next = start % perSector_;
+    home_ = last;
 }
 
 std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
@@ -53,25 +137,23 @@ std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
 
 std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose) {
     loadDifat();
-    const std::uint32_t home = homeOf(near, purpose);
-    if (home < ranges_.size()) {
-        const std::uint32_t found = findFreeInRun(home, kept(purpose));
-        if (found != kNone) {
-            return takePlaced(found);
-        }
+    const std::uint32_t kept = purpose == Purpose::Fat ? 0 : kKeptForFat;
+    std::uint32_t found = findFreeIn(firstLook(near, purpose), kept);
+    if (found == kNone && purpose == Purpose::Chain && !freesMuch()) {
+        moveHome();
+        found = findFreeIn(home(), kept);
     }
-    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+    for (std::uint32_t index = 0; found == kNone && index < ranges_.size(); ++index) {
         // Only what is in memory anyway, and the last one, in which the file can grow.
-        if (!ranges_[index] && index + 1 != ranges_.size() && canGrow()) {
-            continue;
-        }
-        const std::uint32_t found = findFreeInRun(index, std::max(kept(purpose), kKeptForFat));
-        if (found != kNone) {
-            return takePlaced(found);
+        if (ranges_[index] || index + 1 == ranges_.size() || !canGrow()) {
+            found = findFreeInRun(index, kKeptForFat);
         }
     }
-    addRange();
-    return takePlaced(findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat));
+    if (found == kNone) {
+        addRange();
+        found = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat);
+    }
+    return takePlaced(found);
 }
 
 // A transaction that gives back a good deal: what it writes goes as far to the front as it can, so
@@ -81,17 +163,15 @@ bool AllocationTable::freesMuch() const {
 }
 
 // The range to look into first: a FAT sector stays in its own.
-std::uint32_t AllocationTable::homeOf(std::uint32_t near, Purpose purpose) {
-    if (purpose != Purpose::Fat && !freesMuch()) {
-        const auto count = static_cast<std::uint32_t>(ranges_.size());
-        for (std::uint32_t at = kFirstChainRange; at < count; at += kChainRangeStep) {
-            if (freeIn(at) > kKeptForMoving) {
-                return at;
-            }
-        }
+std::uint32_t AllocationTable::firstLook(std::uint32_t near, Purpose purpose) {
+    if (purpose == Purpose::Fat) {
+        return near / perSector_;
     }
-    return near < kMaximumSector && (purpose == Purpose::Fat || !freesMuch()) ? near / perSector_
-                                                                              : 0;
+    return freesMuch() ? 0 : home();
+}
+
+std::uint32_t AllocationTable::findFreeIn(std::uint32_t index, std::uint32_t kept) {
+    return index < ranges_.size() ? findFreeInRun(index, kept) : kNone;
 }
 
 bool AllocationTable::isFreeInside(std::uint32_t index, std::uint32_t at) {
@@ -100,21 +180,17 @@ bool AllocationTable::isFreeInside(std::uint32_t index, std::uint32_t at) {
            !pending_.contains(sector);
 }
 
-// The first entry of a run of free sectors inside the file that has room for what a small change
-// writes, or of the longest one; the range's first entry when there is none.
-std::uint32_t AllocationTable::startOfRun(std::uint32_t index) {
-    constexpr std::uint32_t kEnough = 8;
-    std::uint32_t start = 0;
-    std::uint32_t longest = 0;
+// A run of `enough` free sectors of the range inside the file, or the longest one.
+AllocationTable::Run AllocationTable::runIn(std::uint32_t index, std::uint32_t enough) {
+    Run longest;
     std::uint32_t length = 0;
-    for (std::uint32_t at = 0; at < perSector_ && longest < kEnough; ++at) {
+    for (std::uint32_t at = 0; at < perSector_ && longest.length < enough; ++at) {
         length = isFreeInside(index, at) ? length + 1 : 0;
-        if (length > longest) {
-            longest = length;
-            start = at + 1 - length;
+        if (length > longest.length) {
+            longest = {at + 1 - length, length};
         }
     }
-    return start;
+    return longest;
 }
 
 // A free sector of the range, kNone when no more than `reserve` are left. The sectors that one
@@ -125,7 +201,8 @@ std::uint32_t AllocationTable::findFreeInRun(std::uint32_t index, std::uint32_t 
     }
     std::optional<std::uint32_t>& next = load(index).next;
     if (!next) {
-        next = freesMuch() ? 0 : startOfRun(index);
+        constexpr std::uint32_t kSmallChange = 8; // sectors that it writes
+        next = freesMuch() ? 0 : runIn(index, kSmallChange).start;
     }
     for (std::uint32_t i = 0; i < perSector_; ++i) {
         const std::uint32_t at = (*next + i) % perSector_;
@@ -143,73 +220,64 @@ std::uint32_t AllocationTable::takePlaced(std::uint32_t sector) {
     return take(sector);
 }
 
-// Where a transaction begins to store data: a range with a good many free sectors among a few that
-// are looked at, different ones in each transaction; otherwise the last one.
-std::uint32_t AllocationTable::chooseDataRange() {
-    constexpr std::uint32_t kLooks = 4;
-    const auto count = static_cast<std::uint32_t>(ranges_.size());
-    for (std::uint32_t i = 0; i < std::min(kLooks, count - 1); ++i) {
-        const std::uint32_t index = (header_.transaction * kLooks + i) % (count - 1);
-        if (freeIn(index) > metadataEnd(index) + perSector_ / 16) {
-            return index;
+// Where `wanted` sectors of data go: into a range that has room for a good part of them, among a
+// few that are looked at, others in each transaction; otherwise to the last one. Small remains are
+// left alone: one picture that lies in many ranges costs as many FAT sectors.
+std::uint32_t AllocationTable::choosePlaceForData(std::size_t wanted) {
+    constexpr std::uint32_t kLooks = 8;
+    constexpr std::size_t kEnough = 8;
+    const auto last = static_cast<std::uint32_t>(ranges_.size() - 1);
+    const auto enough = static_cast<std::uint32_t>(std::min(wanted, kEnough));
+    for (std::uint32_t looks = 0; looks < kLooks && looked_ < last; ++looks) {
+        const std::uint32_t index = (header_.transaction * kLooks + looked_++) % last;
+        if (freeIn(index) >= keptFromData(index) + enough) {
+            return index * perSector_ + runIn(index, static_cast<std::uint32_t>(wanted)).start;
         }
     }
-    return count - 1;
+    return last * perSector_;
 }
 
-std::uint32_t AllocationTable::allocateData(std::uint32_t previous) {
+std::uint32_t AllocationTable::allocateData(std::uint32_t previous, std::size_t wanted) {
     loadDifat();
     if (ranges_.empty()) {
         addRange();
     }
     if (previous == kEndOfChain) {
-        previous = dataHint_ != kNone ? dataHint_ : chooseDataRange() * perSector_;
+        previous = dataHint_ != kNone ? dataHint_ : choosePlaceForData(wanted);
     }
-    const std::uint32_t index =
-        std::min(previous / perSector_, static_cast<std::uint32_t>(ranges_.size() - 1));
-    std::uint32_t found = findFreeForData(index, previous % perSector_);
+    std::uint32_t found = findFreeForData(previous);
     if (found == kNone) {
-        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
+        found = findFreeForData(choosePlaceForData(wanted));
+    }
+    if (found == kNone) {
+        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1) * perSector_);
     }
     for (; found == kNone && !canGrow() && scannedTo_ < ranges_.size(); ++scannedTo_) {
-        found = findFreeForData(scannedTo_, 0);
+        found = findFreeForData(scannedTo_ * perSector_);
         if (found != kNone) {
             break;
         }
     }
     while (found == kNone) {
         addRange();
-        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1), 0);
+        found = findFreeForData(static_cast<std::uint32_t>(ranges_.size() - 1) * perSector_);
     }
     dataHint_ = found;
     return take(found);
 }
 
-// As findFree, but leaves the sectors before metadataEnd() and a few more to the tables.
-std::uint32_t AllocationTable::findFreeForData(std::uint32_t index, std::uint32_t from) {
-    const std::uint32_t first = index * perSector_ + metadataEnd(index);
-    const std::uint32_t reserve = kept(Purpose::Growth);
-    std::uint32_t found = findFree(index, std::max(from, metadataEnd(index)), reserve);
-    if (found != kNone && found < first) { // the search has wrapped
-        found = findFree(index, metadataEnd(index), reserve);
+// A free sector of the range in which `at` lies, from there on if there is one.
+std::uint32_t AllocationTable::findFreeForData(std::uint32_t at) {
+    const std::uint32_t index = at / perSector_;
+    const std::uint32_t kept = keptFromData(index);
+    const auto isInRun = [&](std::uint32_t sector) {
+        return sector >= runStart_ && sector < runEnd_ && canGrow();
+    };
+    std::uint32_t found = findFree(index, at % perSector_, kept);
+    if (found != kNone && isInRun(found)) {
+        found = findFree(index, runEnd_ % perSector_, kept);
     }
-    return found != kNone && found < first ? kNone : found;
-}
-
-bool AllocationTable::isForChains(std::uint32_t index) {
-    return index >= kFirstChainRange && (index - kFirstChainRange) % kChainRangeStep == 0;
-}
-
-// So many of a range's first sectors are kept for directory, mini stream and mini FAT: see
-// kFirstChainRange. At the format's end everything is used.
-std::uint32_t AllocationTable::metadataEnd(std::uint32_t index) const {
-    if (index == 0 || !canGrow()) {
-        return 0;
-    }
-    if (index < kFirstChainRange) {
-        return perSector_ / 8;
-    }
-    return isForChains(index) ? perSector_ : 0;
+    return found != kNone && isInRun(found) ? kNone : found;
 }
 
 } // namespace compound

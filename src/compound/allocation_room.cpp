@@ -26,19 +26,17 @@ std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count
     return free > kKeptForFat ? free - kKeptForFat : 0;
 }
 
-// The same of all ranges, once `wanted` are found no more than that; what is in memory comes first,
-// and then those that data leave alone.
+// The same of several ranges, once `wanted` are found no more than that. Which ranges count follows
+// from the file alone, and not from what is in memory: what a commit keeps is what check() expects.
 std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count, Free which) {
+    constexpr std::size_t kCounted = 8;
     loadDifat();
-    std::vector<std::uint32_t> order[3];
-    for (auto index = static_cast<std::uint32_t>(ranges_.size()); index-- > 0;) {
-        order[ranges_[index] ? 0 : isForChains(index) ? 1 : 2].push_back(index);
-    }
-    std::uint64_t found = 0;
-    for (const std::vector<std::uint32_t>& indexes : order) {
-        for (std::size_t i = 0; i < indexes.size() && found < wanted; ++i) {
-            found += usableIn(indexes[i], count, which);
-        }
+    const std::size_t size = ranges_.size();
+    const std::size_t first = countsAll_ || !canGrow() || size <= kCounted ? 0 : size - kCounted;
+    const std::uint32_t atHome = header_.firstDirectory / perSector_;
+    std::uint64_t found = atHome < first ? usableIn(atHome, count, which) : 0;
+    for (std::size_t index = size; index-- > first && found < wanted;) {
+        found += usableIn(static_cast<std::uint32_t>(index), count, which);
     }
     return found;
 }
@@ -93,6 +91,7 @@ void AllocationTable::lengthenFreely(std::uint64_t sectors, std::uint64_t more) 
 void AllocationTable::provide(std::uint64_t wanted, Free which) {
     constexpr std::uint64_t kLongestStep = 1024;
     const bool isNow = which == Free::Now;
+    promised_ = isNow ? wanted : promised_;
     if (isNow && provided_ >= wanted) {
         return;
     }
@@ -105,7 +104,17 @@ void AllocationTable::provide(std::uint64_t wanted, Free which) {
         if (found >= wanted) {
             return;
         }
-        lengthen(wanted - found, isNow ? step_ : 0);
+        try {
+            lengthen(wanted - found, isNow ? step_ : 0);
+        } catch (const Error& error) {
+            const bool isFull =
+                error.code() == ErrorCode::NoSpace || error.code() == ErrorCode::TooLarge;
+            if (!isFull || countsAll_) {
+                throw;
+            }
+            countsAll_ = true; // there may be room further to the front
+            continue;
+        }
         step_ = std::min(kLongestStep, 2 * step_ + 16);
     }
 }

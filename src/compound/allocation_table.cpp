@@ -302,8 +302,7 @@ bool AllocationTable::moveDifat() {
         sectorsFor(std::min<std::size_t>(difatTouched_, fatSectors_.size()));
     for (; difatMoved_ < changed; ++difatMoved_, any = true) {
         const bool isNew = difatMoved_ >= difatSectors_.size();
-        const std::uint32_t place = isNew ? allocate(0, Purpose::Growth)
-                                          : allocate(difatSectors_[difatMoved_], Purpose::Move);
+        const std::uint32_t place = allocate(0, Purpose::Chain);
         markTable(place, kDifatSector);
         if (isNew) {
             difatSectors_.push_back(place);
@@ -403,8 +402,13 @@ void AllocationTable::committed() {
     difatMoved_ = 0;
     anyDirty_ = false;
     dataHint_ = kNone;
+    looked_ = 0;
+    home_.reset();
+    runStart_ = runEnd_ = 0;
+    countsAll_ = false;
     scannedTo_ = 0;
     provided_ = 0;
+    promised_ = 0;
     step_ = 0;
     setInsideLimit(kMaximumSector);
 }

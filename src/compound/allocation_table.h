@@ -39,19 +39,18 @@ class AllocationTable {
                    : static_cast<std::uint32_t>(format::kRangeLockOffset / file_.sectorSize()) - 1;
     }
 
-    // What a sector is wanted for: a page more, the new place of one that will be free after the
-    // commit, or that of a FAT sector. Growth leaves a few sectors of each range to moving, moving
-    // one to the FAT sector.
-    enum class Purpose { Growth, Move, Fat };
+    // What a sector is wanted for: a page of the directory, the mini stream, the mini FAT or the
+    // DIFAT, or a FAT sector. Only these take the last free sector of a range.
+    enum class Purpose { Chain, Fat };
 
-    // Takes a free sector, near `near` if there is one, and ends its chain with it. It has its
-    // place on the medium: on a full disk it is one inside the file. TooLarge when the format can
-    // number no more, NoSpace when nothing is left.
+    // Takes a free sector and ends its chain with it; a FAT sector's lies in the range of `near`,
+    // if that has one. It has its place on the medium: on a full disk it is one inside the file.
+    // TooLarge when the format can number no more, NoSpace when nothing is left.
     std::uint32_t allocate(std::uint32_t near, Purpose purpose);
 
     // Takes a free sector for data: anywhere, preferring the one behind `previous` (kEndOfChain for
-    // a chain's first).
-    std::uint32_t allocateData(std::uint32_t previous);
+    // a chain's first). `wanted`: how many the caller will take in a row, this one included.
+    std::uint32_t allocateData(std::uint32_t previous, std::size_t wanted);
 
     void link(std::uint32_t sector, std::uint32_t next);
 
@@ -82,12 +81,18 @@ class AllocationTable {
     enum class Free { Now, AfterCommit };
 
     // Whether `wanted` of the file's first `count` sectors are free, one of each range left to its
-    // FAT sector; otherwise how many are missing. Looks at what is in memory first.
+    // FAT sector; otherwise how many are missing. Only the home of the chains and the last ranges
+    // count, so that it costs the same in every file; all do once the disk is full.
     std::uint64_t missing(std::uint64_t wanted, std::uint32_t count, Free which);
 
     // Lengthens the file until `wanted` sectors inside it are free, and by some more where there is
     // room. NoSpace.
     void provide(std::uint64_t wanted, Free which);
+
+    // Whether `sectors` may be taken before they are needed: not of what was provided.
+    bool canSpare(std::uint64_t sectors) const {
+        return promised_ == 0 || provided_ >= promised_ + sectors;
+    }
 
     // Whether the transaction leaves fewer sectors free than it has found.
     bool takesMoreThanItFrees() const { return fresh_.size() > pending_.size(); }
@@ -108,16 +113,8 @@ class AllocationTable {
     const std::vector<std::uint32_t>& difatSectors();
 
   private:
-    // Free sectors that a range keeps: for moving the FAT sector that describes it, and for moving
-    // the directory and the tables, so that these stay near.
+    // Free sectors that a range keeps for moving the FAT sector that describes it.
     static constexpr std::uint32_t kKeptForFat = 1;
-    static constexpr std::uint32_t kKeptForMoving = 8;
-
-    // This range and every so many behind it hold no data: directory, mini stream and mini FAT lie
-    // together there, so that a change to them changes few FAT sectors. Smaller files could not
-    // spare a whole range; each of theirs begins with a few sectors for the same purpose.
-    static constexpr std::uint32_t kFirstChainRange = 4;
-    static constexpr std::uint32_t kChainRangeStep = 16;
 
     // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
@@ -133,6 +130,12 @@ class AllocationTable {
         }
     };
 
+    // Sectors of a range that lie in a row.
+    struct Run {
+        std::uint32_t start = 0; // entry of the first
+        std::uint32_t length = 0;
+    };
+
     Range& load(std::uint32_t index) {
         const bool isThere = index < ranges_.size() && ranges_[index]; // then the DIFAT is, too
         return isThere ? *ranges_[index] : loadFromFile(index);
@@ -146,19 +149,24 @@ class AllocationTable {
     bool canGrow() const;
     void dropEmptyRanges(std::uint64_t reserve);
     std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
-    std::uint32_t findFreeForData(std::uint32_t index, std::uint32_t from);
+    std::uint32_t findFreeForData(std::uint32_t at);
     std::uint32_t findFreeInRun(std::uint32_t index, std::uint32_t reserve);
+    std::uint32_t findFreeIn(std::uint32_t index, std::uint32_t kept);
     bool isFreeInside(std::uint32_t index, std::uint32_t at);
-    std::uint32_t startOfRun(std::uint32_t index);
+    Run runIn(std::uint32_t index, std::uint32_t enough);
+    std::uint32_t freeInside(std::uint32_t index);
     bool freesMuch() const;
-    std::uint32_t homeOf(std::uint32_t near, Purpose purpose);
-    static bool isForChains(std::uint32_t index);
-    std::uint32_t metadataEnd(std::uint32_t index) const;
+    std::uint32_t firstLook(std::uint32_t near, Purpose purpose);
+    std::uint32_t home();
+    void moveHome();
+    void beginRunIn(std::uint32_t index);
+    void beginRunAtEnd(std::uint32_t enough);
+    std::uint32_t spareForChains() const;
+    std::uint32_t keptFromData(std::uint32_t index);
     std::uint32_t take(std::uint32_t sector);
     std::uint32_t takePlaced(std::uint32_t sector);
     void markRangeLock(std::uint64_t end);
     std::uint32_t allocateOnce(std::uint32_t near, Purpose purpose);
-    std::uint32_t kept(Purpose purpose) const;
     std::uint64_t usableIn(std::uint32_t index, std::uint32_t count, Free which);
     std::uint64_t usable(std::uint64_t wanted, std::uint32_t count, Free which);
     void lengthen(std::uint64_t sectors, std::uint64_t more);
@@ -174,7 +182,7 @@ class AllocationTable {
     bool isUsable(std::uint32_t sector) const {
         return sector < limit() && sector != rangeLock() && !tables_.contains(sector);
     }
-    std::uint32_t chooseDataRange();
+    std::uint32_t choosePlaceForData(std::size_t wanted);
     void touchDifat(std::uint32_t fatIndex);
     void mark(std::uint32_t sector, std::uint32_t as);
     void markTable(std::uint32_t sector, std::uint32_t as);
@@ -198,9 +206,15 @@ class AllocationTable {
     std::uint32_t difatTouched_ = 0; // FAT sectors before this one have moved
     std::size_t difatMoved_ = 0;     // DIFAT sectors before this one have their new places
     std::uint32_t dataHint_ = format::kFreeSector;
+    std::uint32_t looked_ = 0;          // ranges that this transaction has looked at for data
+    std::optional<std::uint32_t> home_; // once asked for or moved: see home()
+    std::uint32_t runStart_ = 0; // of the sectors that moveHome() has added in this transaction
+    std::uint32_t runEnd_ = 0;
+    bool countsAll_ = false;                             // see missing(); the disk has proved full
     std::uint32_t insideLimit_ = format::kMaximumSector; // see stayInside()
     std::uint32_t scannedTo_ = 0; // ranges before it have nothing left for data
     std::uint64_t provided_ = 0;  // so many sectors at least may be taken inside the file
+    std::uint64_t promised_ = 0;  // what provide() was last asked for
     std::uint64_t step_ = 0;      // by which the file is lengthened next beyond what is wanted
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 namespace compound {
@@ -98,7 +99,7 @@ std::byte* SectorChain::write(std::uint32_t index) {
     if (!table_.isFresh(old)) {
         walkTo(index + 1);
         const bool last = index + 1 == sectors_.size();
-        const std::uint32_t moved = table_.allocate(old, AllocationTable::Purpose::Move);
+        const std::uint32_t moved = table_.allocate(old, AllocationTable::Purpose::Chain);
         table_.link(moved, last ? kEndOfChain : sectors_[index + 1]);
         if (index > 0) {
             table_.link(sectors_[index - 1], moved);
@@ -109,10 +110,27 @@ std::byte* SectorChain::write(std::uint32_t index) {
     return pages_[index].bytes;
 }
 
+// The sector of a new page. A transaction that adds many takes ever more at a time, so that the
+// pages of one chain lie in a row.
+std::uint32_t SectorChain::takeForAppending() {
+    constexpr std::uint32_t kMost = 16;
+    if (kept_.empty()) {
+        const std::uint32_t near = sectors_.empty() ? kEndOfChain : sectors_.back();
+        const std::uint32_t wanted = table_.canSpare(kMost) ? std::clamp(appended_, 1U, kMost) : 1;
+        for (std::uint32_t i = 0; i < wanted; ++i) {
+            kept_.push_back(table_.allocate(near, AllocationTable::Purpose::Chain));
+        }
+        std::sort(kept_.begin(), kept_.end(), std::greater<>());
+    }
+    ++appended_;
+    const std::uint32_t sector = kept_.back();
+    kept_.pop_back();
+    return sector;
+}
+
 std::uint32_t SectorChain::append(std::byte fill) {
     const std::uint32_t index = count();
-    const std::uint32_t sector = table_.allocate(sectors_.empty() ? kEndOfChain : sectors_.back(),
-                                                 AllocationTable::Purpose::Growth);
+    const std::uint32_t sector = takeForAppending();
     if (!sectors_.empty()) {
         table_.link(sectors_.back(), sector);
     }
@@ -128,6 +146,10 @@ void SectorChain::writeOut(SectorWrites& writes) {
     if (!anyDirty_) {
         return;
     }
+    for (; !kept_.empty(); kept_.pop_back()) {
+        table_.release(kept_.back());
+    }
+    appended_ = 0;
     for (std::uint32_t index = 0; index < pages_.size(); ++index) {
         if (pages_[index].dirty) {
             writes.add(sectors_[index], std::span(pages_[index].bytes, file_.sectorSize()));

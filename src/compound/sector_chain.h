@@ -59,6 +59,7 @@ class SectorChain {
         bool dirty = false;
     };
 
+    std::uint32_t takeForAppending();
     void walkTo(std::uint32_t index);
     const std::byte* load(std::uint32_t index);
     void loadPages(std::uint32_t index);
@@ -73,6 +74,8 @@ class SectorChain {
     std::size_t memory_ = 0;
     std::uint32_t loads_ = 0;
     std::vector<std::uint32_t> sectors_; // as far as the chain has been walked
+    std::vector<std::uint32_t> kept_;    // taken for the next pages, the next one last
+    std::uint32_t appended_ = 0;         // pages that this transaction has added
     std::vector<Page> pages_;
     std::vector<std::unique_ptr<std::byte[]>> blocks_; // pages read together lie in one
 };

@@ -108,7 +108,7 @@ void StreamContent::assign(EntryId id, std::span<const std::byte> bytes) {
 void StreamContent::extendChain(std::vector<std::uint32_t>& chain, std::size_t count) {
     for (; count > 0; --count) {
         const std::uint32_t previous = chain.empty() ? kEndOfChain : chain.back();
-        const std::uint32_t sector = table_.allocateData(previous);
+        const std::uint32_t sector = table_.allocateData(previous, count);
         if (previous != kEndOfChain) {
             table_.link(previous, sector);
         }
