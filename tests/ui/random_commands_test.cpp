@@ -4,6 +4,7 @@
 // Long runs by hand: TXS_COMMANDS_SEEDS (how many), TXS_COMMANDS_FIRST_SEED, TXS_COMMANDS_STEPS
 // (for each seed); TXS_COMMANDS_LOG=1 tells every step while it is done.
 #include "app/number_text.h"
+#include "app/patience.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "base/utf8.h"
@@ -114,7 +115,7 @@ void RandomCommands::addNote(const QString& more) {
 }
 
 void RandomCommands::quiesce() {
-    const QDeadlineTimer patience(20000);
+    const QDeadlineTimer patience(kPatienceMilliseconds);
     QAbstractEventDispatcher* events = QAbstractEventDispatcher::instance();
     while (!patience.hasExpired()) {
         const bool isSettled = window().isSettled();
@@ -135,7 +136,8 @@ void RandomCommands::run(const QString& action, Opens opens, const InDialog& inD
     QTimer looking; // again and again: a command may process events before it opens its dialog
     QObject::connect(&looking, &QTimer::timeout, [&] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (dialog == nullptr) {
+        // A slow machine shows how far an operation is, which is no dialog of the command's.
+        if (dialog == nullptr || dialog->objectName() == QLatin1String("frmFortschritt")) {
             return;
         }
         looking.stop();
