@@ -125,9 +125,10 @@ int main(int argc, char** argv) {
     std::vector<Ratio> ratios;
     for (std::size_t query = 0; query < kQueries.size(); ++query) {
         const std::string number = "/" + std::to_string(query);
+        using Search = std::pair<const char*, void (*)(benchmark::State&)>;
         for (const auto& [name, search] :
-             {std::pair{"index", findInIndex}, std::pair{"strings", findInStrings},
-              std::pair{"LIKE", findInTable}}) {
+             {Search("index", findInIndex), Search("strings", findInStrings),
+              Search("LIKE", findInTable)}) {
             benchmark::RegisterBenchmark(name, search)
                 ->Arg(static_cast<int>(query))
                 ->Repetitions(5)
