@@ -5,9 +5,10 @@
 #include "store/names.h"
 #include "store/picture_operations.h"
 
-#include <functional>
 #include <map>
 #include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 
 namespace store {
@@ -16,15 +17,7 @@ namespace {
 using compound::Error;
 using compound::ErrorCode;
 
-// What `read` gives; nothing when the file cannot be read.
-template <typename Read>
-auto ifReadable(Read read) -> std::optional<decltype(read())> {
-    try {
-        return read();
-    } catch (const Error&) {
-        return std::nullopt;
-    }
-}
+using TellUnread = std::function<void(const Error&)>;
 
 struct Known {
     PictureAddress picture;
@@ -38,7 +31,19 @@ std::size_t hashOf(const std::vector<std::byte>& bytes) {
 
 class Search {
   public:
-    Search(const Library& library, Progress& progress) : library_(library), progress_(progress) {}
+    Search(const Library& library, Progress& progress, TellUnread unread = {})
+        : library_(library), progress_(progress), unread_(std::move(unread)) {}
+
+    // What `read` gives; nothing when the file cannot be read.
+    template <typename Read>
+    auto ifReadable(Read read) -> std::optional<decltype(read())> {
+        try {
+            return read();
+        } catch (const Error& error) {
+            tell(error);
+            return std::nullopt;
+        }
+    }
 
     // Calls `take` with every group that can be read.
     void forEachGroup(const std::function<void(const GroupAddress&)>& take) {
@@ -49,7 +54,11 @@ class Search {
             }
             progress_.report(i, files.size() + 1);
             const LockBudget budget(library_.lockWait);
-            for (const GroupEntry& group : readGroupFile(library_, files[i], budget).groups) {
+            const GroupFileReading reading = readGroupFile(library_, files[i], budget);
+            if (reading.failure) {
+                tell(*reading.failure);
+            }
+            for (const GroupEntry& group : reading.groups) {
                 take(group.address);
             }
         }
@@ -83,6 +92,13 @@ class Search {
     }
 
   private:
+    // A picture is read as often as another has its size, and a group's file twice.
+    void tell(const Error& error) {
+        if (unread_ && told_.insert(error.what()).second) {
+            unread_(error);
+        }
+    }
+
     std::optional<std::vector<std::byte>> bytesOf(const PictureAddress& picture) {
         return ifReadable([&] { return readPicture(library_, picture.group, picture.name).bytes; });
     }
@@ -99,6 +115,8 @@ class Search {
 
     const Library& library_;
     Progress& progress_;
+    TellUnread unread_;
+    std::set<std::string> told_;
     std::map<std::uint64_t, std::vector<Known>> bySize_;
 };
 
@@ -106,8 +124,8 @@ class Search {
 
 std::vector<SamePictures> findSamePictures(const Library& library,
                                            std::span<const PictureAddress> pictures,
-                                           Progress& progress) {
-    Search search(library, progress);
+                                           Progress& progress, const TellUnread& unread) {
+    Search search(library, progress, unread);
     search.forEachGroup([&](const GroupAddress& group) { search.collect(group); });
     std::vector<SamePictures> result;
     for (const PictureAddress& picture : pictures) {
@@ -134,8 +152,9 @@ std::vector<PictureAddress> allPictures(const Library& library,
         add(*group, listPictures(library, *group));
         return pictures;
     }
-    Search(library, noProgress()).forEachGroup([&](const GroupAddress& each) {
-        const auto entries = ifReadable([&] { return listPictures(library, each); });
+    Search search(library, noProgress());
+    search.forEachGroup([&](const GroupAddress& each) {
+        const auto entries = search.ifReadable([&] { return listPictures(library, each); });
         add(each, entries.value_or(std::vector<PictureEntry>()));
     });
     return pictures;

@@ -1,9 +1,11 @@
 // Which pictures the library has twice, byte for byte.
 #pragma once
 
+#include "compound/error.h"
 #include "store/library.h"
 #include "store/progress.h"
 
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -24,12 +26,13 @@ struct SamePictures {
 // Those of the pictures that the library has elsewhere as well, in their order. Sizes are compared
 // first, so that of a library without duplicates hardly a picture is read. A picture that is not
 // there, and files and groups that cannot be read, are taken for having none: nobody must be kept
-// from working by them. No file is held between two pictures.
+// from working by them. `unread` is told each of them once. No file is held between two pictures.
 //
 // Reports group files; Cancelled when `progress` wants to stop.
-std::vector<SamePictures> findSamePictures(const Library& library,
-                                           std::span<const PictureAddress> pictures,
-                                           Progress& progress = noProgress());
+std::vector<SamePictures>
+findSamePictures(const Library& library, std::span<const PictureAddress> pictures,
+                 Progress& progress = noProgress(),
+                 const std::function<void(const compound::Error&)>& unread = {});
 
 // All pictures of the group, or without one of the library.
 std::vector<PictureAddress> allPictures(const Library& library,

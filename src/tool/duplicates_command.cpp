@@ -14,10 +14,12 @@ ExitStatus listDuplicates(const Invocation& invocation) {
         group = groupOf(library, invocation.argument(0));
     }
     Table table({"key", "name", "other key", "other name"});
+    std::vector<std::string> unread;
     {
         TerminalProgress progress(invocation.console, "comparing", TerminalProgress::Counts::Bytes);
-        for (const store::SamePictures& same :
-             store::findSamePictures(library, store::allPictures(library, group), progress)) {
+        for (const store::SamePictures& same : store::findSamePictures(
+                 library, store::allPictures(library, group), progress,
+                 [&](const compound::Error& error) { unread.emplace_back(error.what()); })) {
             for (const store::PictureAddress& other : same.others) {
                 table.addRow({Cell::text(store::keyOf(same.picture.group)),
                               Cell::text(same.picture.name.text),
@@ -26,7 +28,10 @@ ExitStatus listDuplicates(const Invocation& invocation) {
         }
     }
     table.print(invocation.console.out, invocation.arguments);
-    return ExitStatus::Done;
+    for (const std::string& failure : unread) {
+        complain(invocation.console, "not compared: " + failure);
+    }
+    return unread.empty() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 } // namespace tool
