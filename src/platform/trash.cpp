@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <cerrno>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -54,7 +55,7 @@ void moveTo(const std::filesystem::path& file, const std::filesystem::path& targ
 }
 
 // Moves `file` into `folder` under its own name, or that name and the first free number.
-void moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
+std::filesystem::path moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
     if (!QDir().mkpath(folder)) {
         throw Error(ErrorCode::Failed, toFilePath(folder), "the folder cannot be created");
     }
@@ -67,7 +68,7 @@ void moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
         try {
             moveTo(file, candidate);
             syncFolderEntries(target);
-            return;
+            return candidate;
         } catch (const Error& error) {
             if (error.code() != ErrorCode::Exists) {
                 throw;
@@ -77,30 +78,57 @@ void moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
     throw Error(ErrorCode::Failed, file, "the trash holds too many files of that name");
 }
 
-bool moveToDesktopTrash(const std::filesystem::path& file) {
+// Where the file lies then, as far as the desktop tells; nothing if it has none for it.
+std::optional<std::filesystem::path> moveToDesktopTrash(const std::filesystem::path& file) {
     const QString name = fromFilePath(file);
     QString trashed;
     if (!QFile::moveToTrash(name, &trashed)) {
-        return false;
+        return std::nullopt;
     }
     if (!trashed.isEmpty()) {
         syncFolderEntries(folderOf(toFilePath(trashed)));
     }
-    return !isThere(file);
+    if (isThere(file)) {
+        return std::nullopt;
+    }
+    return trashed.isEmpty() ? std::filesystem::path() : toFilePath(trashed);
+}
+
+// A desktop's trash keeps, beside its folder "files", a note on each of them in the folder "info".
+void forgetNote(const std::filesystem::path& trashed) {
+    const std::filesystem::path folder = folderOf(trashed);
+    if (folder.filename() == "files") {
+        std::filesystem::path note = folder.parent_path() / "info" / trashed.filename();
+        note.concat(".trashinfo");
+        ::unlink(note.c_str()); // one that stays names a file that is gone, which desktops ignore
+    }
 }
 
 } // namespace
 
-void moveToTrash(const std::filesystem::path& file) {
+std::filesystem::path moveToTrash(const std::filesystem::path& file) {
     if (!isThere(file)) {
         throw compound::systemError(ENOENT, file, "move to the trash");
     }
+    std::filesystem::path trashed;
     if (!trashFolder().isEmpty()) {
-        moveIntoFolder(file, trashFolder());
-    } else if (!moveToDesktopTrash(file)) {
-        moveIntoFolder(file, keptFolder());
+        trashed = moveIntoFolder(file, trashFolder());
+    } else if (const auto desktops = moveToDesktopTrash(file)) {
+        trashed = *desktops;
+    } else {
+        trashed = moveIntoFolder(file, keptFolder());
     }
     syncFolderEntries(folderOf(file));
+    return trashed;
+}
+
+void restoreFromTrash(const std::filesystem::path& trashed, const std::filesystem::path& to) {
+    if (!isThere(trashed)) {
+        throw Error(ErrorCode::NotFound, trashed, "the trash does not hold it any more");
+    }
+    moveTo(trashed, to);
+    syncFolderEntries(folderOf(to));
+    forgetNote(trashed);
 }
 
 } // namespace platform

@@ -42,19 +42,11 @@ lockReplaced(const Library& library, const std::filesystem::path& file, IfTaken 
 
 } // namespace
 
-void exportGroup(const Library& library, const GroupAddress& group,
-                 const std::filesystem::path& file, IfTaken ifTaken, Progress& progress) {
-    const std::u16string name = exportedName(file);
-    if (library.disk.isSameFile(pathOf(library, group.file), file)) {
-        throw Error(ErrorCode::SameFile, file, "it is the group's own file");
-    }
-    const auto replaced = lockReplaced(library, file, ifTaken);
-    StorageAccess access(library);
-    access.openGroup(group, Access::Read);
+void writeGroupInto(NewGroupFile& content, StorageAccess& access, const GroupAddress& group,
+                    const std::u16string& name, Progress& progress) {
     const auto top = access.root().find(group.storage.text); // as the file spells it
     const PassingGroups groups = passingGroups(access.root(), group.file, {top->name});
     ToldCopying copying(access.file(), progress);
-    NewGroupFile content(library, library.disk.resolved(file), NewGroupFile::Content::Fresh);
     content.write([&](compound::CompoundFile& to) {
         const auto passages =
             planPassages(groups, StorageHandle(to.root()), {name, std::u16string(kNoParent)});
@@ -66,6 +58,19 @@ void exportGroup(const Library& library, const GroupAddress& group,
         }
         copying.end();
     });
+}
+
+void exportGroup(const Library& library, const GroupAddress& group,
+                 const std::filesystem::path& file, IfTaken ifTaken, Progress& progress) {
+    const std::u16string name = exportedName(file);
+    if (library.disk.isSameFile(pathOf(library, group.file), file)) {
+        throw Error(ErrorCode::SameFile, file, "it is the group's own file");
+    }
+    const auto replaced = lockReplaced(library, file, ifTaken);
+    StorageAccess access(library);
+    access.openGroup(group, Access::Read);
+    NewGroupFile content(library, library.disk.resolved(file), NewGroupFile::Content::Fresh);
+    writeGroupInto(content, access, group, name, progress);
     if (replaced) {
         content.publishReplacing();
         replaced->retire();

@@ -5,6 +5,7 @@
 #include "store/group_operations.h"
 #include "store/storage_access.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,6 +37,15 @@ void writeGroupText(StorageHandle group, std::u16string_view stream, std::u16str
 // Creates the pair of storages S and S & "Info" with the two texts.
 void createGroupPair(StorageHandle root, const StorageName& storage, std::u16string_view parent,
                      std::u16string_view name);
+
+// Destroys a sub-group and all groups below it, as part of the file's transaction; their addresses,
+// the deepest first. InvalidName for a top-level group.
+std::vector<GroupAddress> destroyGroup(StorageAccess& access, const GroupAddress& group);
+
+// Has a top-level group's file moved to the trash; returns what `moveToTrash` does.
+std::filesystem::path
+throwAway(const Library& library, const FileName& file,
+          const std::function<std::filesystem::path(const std::filesystem::path&)>& moveToTrash);
 
 // The text that tells a group to lie below `parent`: the storage as the root spells it.
 // InvalidName, naming `file`, when the text code page cannot carry it.

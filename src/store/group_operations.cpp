@@ -72,11 +72,9 @@ StorageName readGroupParent(const Library& library, const GroupAddress& group) {
     return {access.groupStream()->GetText()};
 }
 
-std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress& group) {
-    StorageAccess access(library);
-    access.openGroup(group, Access::ReadWrite);
+std::vector<GroupAddress> destroyGroup(StorageAccess& access, const GroupAddress& group) {
     if (isTopLevel(group)) {
-        throw Error(ErrorCode::InvalidName, pathOf(library, group.file),
+        throw Error(ErrorCode::InvalidName, access.file().disk().path(),
                     "the top-level group goes with its file only");
     }
     const auto top = findTopLevelGroup(access.root(), group.file);
@@ -100,17 +98,27 @@ std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress
             access.root().DestroyElement(info->name);
         }
     }
+    return removed;
+}
+
+std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress& group) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    std::vector<GroupAddress> removed = destroyGroup(access, group);
     access.Commit();
     return removed;
 }
 
-void removeGroupFile(const Library& library, const FileName& file) {
+std::filesystem::path
+throwAway(const Library& library, const FileName& file,
+          const std::function<std::filesystem::path(const std::filesystem::path&)>& moveToTrash) {
     const std::filesystem::path path = pathOf(library, file);
     // Whoever works on the group right now finishes first.
     const FileTurns::Turn turn = library.turns->take(path);
     const auto locked = openLocked(library.disk, path, Access::Read, library.lockWait);
+    std::filesystem::path trashed;
     try {
-        library.disk.trash(path);
+        trashed = moveToTrash(path);
     } catch (const Error& error) {
         if (library.disk.exists(path)) {
             throw;
@@ -118,6 +126,14 @@ void removeGroupFile(const Library& library, const FileName& file) {
         throw Error(ErrorCode::OutcomeUnknown, path, error.cause());
     }
     syncPlaceOf(library, path);
+    return trashed;
+}
+
+void removeGroupFile(const Library& library, const FileName& file) {
+    throwAway(library, file, [&](const std::filesystem::path& path) {
+        library.disk.trash(path);
+        return std::filesystem::path();
+    });
 }
 
 GroupSize readGroupSize(const Library& library, const GroupAddress& group) {

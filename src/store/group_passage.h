@@ -3,6 +3,8 @@
 #pragma once
 
 #include "store/group_layout.h"
+#include "store/new_group_file.h"
+#include "store/progress.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -55,6 +57,11 @@ std::vector<Passage> planPassages(const PassingGroups& groups, const StorageHand
 // Copies everything, as part of the target's transaction.
 void copyPassages(const std::vector<Passage>& passages, compound::CompoundFile& source,
                   compound::CompoundFile& target, const compound::CopiedBytes& copied);
+
+// Writes a group of the open file, with all groups below it, as a group file of its own whose
+// top-level group is called `name`. Cancelled.
+void writeGroupInto(NewGroupFile& content, StorageAccess& access, const GroupAddress& group,
+                    const std::u16string& name, Progress& progress);
 
 // Gives the source the numbers of the target, with "Sib" before them, as part of its transaction.
 void renumberSource(const std::vector<Passage>& passages, StorageHandle source);

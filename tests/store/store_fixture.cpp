@@ -26,6 +26,28 @@ TwipSize measureText(std::span<const std::byte> bytes) {
     return size;
 }
 
+std::filesystem::path MemoryTrash::moveThere(const std::filesystem::path& file) {
+    const std::filesystem::path place =
+        "/trash/" + std::to_string(thrown_++) + "/" + file.filename().string();
+    disk_.makeFolder(place.parent_path());
+    disk_.renameWithoutReplacing(file, place);
+    files_.push_back(place);
+    return place;
+}
+
+void MemoryTrash::takeBack(const std::filesystem::path& trashed, const std::filesystem::path& to) {
+    disk_.renameWithoutReplacing(trashed, to);
+    files_.erase(std::remove(files_.begin(), files_.end(), trashed), files_.end());
+}
+
+std::vector<std::string> MemoryTrash::fileNames() const {
+    std::vector<std::string> names;
+    for (const std::filesystem::path& file : files_) {
+        names.push_back(file.filename().string());
+    }
+    return names;
+}
+
 StoreTest::StoreTest() {
     disk.makeFolder("/library");
     disk.makeFolder("/sources");

@@ -6,6 +6,7 @@
 #include "compound/compound_file.h"
 #include "compound/error.h"
 #include "compound/memory_disk.h"
+#include "compound/trash.h"
 #include "store/damaged_groups.h"
 #include "store/folder_disk.h"
 #include "store/group_operations.h"
@@ -20,6 +21,27 @@ namespace store::testing {
 
 // Measures our make-believe pictures: "PIC" HEIGHT " " WIDTH (twips), anything after them.
 TwipSize measureText(std::span<const std::byte> bytes);
+
+// A trash on the disk in memory.
+class MemoryTrash final : public compound::Trash {
+  public:
+    explicit MemoryTrash(MemoryDisk& disk) : disk_(disk) {
+        disk_.makeFolder("/staging");
+        disk_.makeFolder("/trash");
+    }
+
+    std::filesystem::path stagingFolder() const override { return "/staging"; }
+    std::filesystem::path moveThere(const std::filesystem::path& file) override;
+    void takeBack(const std::filesystem::path& trashed, const std::filesystem::path& to) override;
+
+    std::vector<std::string> fileNames() const;    // of what is in it, in the order of coming
+    std::size_t thrown() const { return thrown_; } // ever
+
+  private:
+    MemoryDisk& disk_;
+    std::size_t thrown_ = 0;
+    std::vector<std::filesystem::path> files_;
+};
 
 class StoreTest : public ::testing::Test {
   protected:
@@ -53,6 +75,7 @@ class StoreTest : public ::testing::Test {
 
     std::unique_ptr<MemoryDisk> owned = makeTestDisk();
     MemoryDisk& disk = *owned;
+    MemoryTrash trash{disk};
     Library library{disk, "/library", measureText, u'.', std::chrono::milliseconds{0}};
 };
 

@@ -1,0 +1,25 @@
+// The desktop's trash for what the library throws away.
+#pragma once
+
+#include "compound/trash.h"
+
+#include <QTemporaryDir>
+
+namespace platform {
+
+// See trash.h. Files on their way there lie on the volume of the user's data, so that they come to
+// the user's own trash whatever the library lies on.
+class DesktopTrash final : public compound::Trash {
+  public:
+    // Throws compound::Error naming the folder when no file could be written for it.
+    DesktopTrash();
+
+    std::filesystem::path stagingFolder() const override;
+    std::filesystem::path moveThere(const std::filesystem::path& file) override;
+    void takeBack(const std::filesystem::path& trashed, const std::filesystem::path& to) override;
+
+  private:
+    QTemporaryDir folder_; // goes with the object, with what is left in it
+};
+
+} // namespace platform

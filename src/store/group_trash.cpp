@@ -1,0 +1,141 @@
+#include "store/group_trash.h"
+
+#include "base/utf8.h"
+#include "compound/error.h"
+#include "store/damage.h"
+#include "store/fitting_names.h"
+#include "store/group_passage.h"
+#include "store/steps.h"
+#include "store/storage_access.h"
+#include "store/told_copying.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+namespace store {
+namespace {
+
+using compound::Access;
+using compound::Error;
+using compound::ErrorCode;
+
+constexpr std::chrono::milliseconds kCountingWait{300};
+
+// What the group is called in a file of its own: no name that one of the groups below it may bear.
+std::u16string nameInTrash(const GroupName& name) {
+    std::u16string fitting = fittingGroupName(name.text).text;
+    return storageNumber(fitting) > 0 ? fitting + u'_' : fitting;
+}
+
+StorageName parentOf(StorageAccess& access, const GroupAddress& group) {
+    const auto top = findTopLevelGroup(access.root(), group.file);
+    for (const GroupEntry& entry :
+         readGroups(access.root(), group.file, top.value_or(StorageName{group.file.text}))) {
+        if (sameName(entry.address.storage.text, group.storage.text)) {
+            return entry.parent;
+        }
+    }
+    return {group.file.text};
+}
+
+TrashedGroup trashSubGroup(const Library& library, const GroupAddress& group,
+                           compound::Trash& trash, Progress& progress) {
+    StorageAccess access(library);
+    access.openGroup(group, Access::ReadWrite);
+    TrashedGroup trashed{group, parentOf(access, group), {}, {}};
+    trashed.name.text =
+        readGroupText(access.groupStorage(), kNameStream).value_or(group.storage.text);
+    const std::u16string name = nameInTrash(trashed.name);
+    const std::filesystem::path file =
+        trash.stagingFolder() / base::toPath(name + std::u16string(kGroupFileSuffix));
+    // What is damaged cannot be kept, and must not keep the group either.
+    const auto isWritten = unlessDamaged([&] {
+        NewGroupFile content(library, file, NewGroupFile::Content::Fresh);
+        writeGroupInto(content, access, group, name, progress);
+        content.publish();
+        return true;
+    });
+    if (isWritten) {
+        trashed.file = trash.moveThere(file);
+    }
+    try {
+        destroyGroup(access, group);
+        access.Commit();
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::OutcomeUnknown && !trashed.file.empty()) {
+            removeFromTrash(library.disk, trash, trashed.file);
+        }
+        throw;
+    }
+    return trashed;
+}
+
+GroupAddress restoreGroupFile(const Library& library, const TrashedGroup& group,
+                              compound::Trash& trash) {
+    const GroupName name{group.address.file.text};
+    if (groupExistsIgnoringCase(library, name)) {
+        throw Error(ErrorCode::Exists, pathOf(library, group.address.file),
+                    "the group exists already");
+    }
+    trash.takeBack(group.file, plainPathOf(library, group.address.file));
+    return group.address;
+}
+
+// What the group's storage is called where it comes back to; another one if the old one is taken.
+std::u16string topOf(const std::vector<Passage>& passages, const StorageName& source) {
+    const auto found = std::find_if(passages.begin(), passages.end(), [&](const Passage& passage) {
+        return sameName(passage.element.name, source.text);
+    });
+    return found == passages.end() ? std::u16string() : found->name;
+}
+
+} // namespace
+
+std::size_t countGroupsBelow(const Library& library, const GroupAddress& group) {
+    const auto reading = readGroupFile(library, group.file, LockBudget(kCountingWait));
+    std::set<std::u16string, ByName> below{group.storage.text};
+    for (const GroupEntry& entry : reading.groups) {
+        if (below.contains(entry.parent.text)) {
+            below.insert(entry.address.storage.text);
+        }
+    }
+    return below.size() - 1;
+}
+
+TrashedGroup trashGroup(const Library& library, const GroupAddress& group, compound::Trash& trash,
+                        Progress& progress) {
+    if (isTopLevel(group)) {
+        return {group, {}, {group.file.text}, throwAway(library, group.file, [&](const auto& file) {
+                    return trash.moveThere(file);
+                })};
+    }
+    return trashSubGroup(library, group, trash, progress);
+}
+
+GroupAddress restoreGroup(const Library& library, const TrashedGroup& group, compound::Trash& trash,
+                          Progress& progress) {
+    if (isTopLevel(group.address)) {
+        return restoreGroupFile(library, group, trash);
+    }
+    StorageAccess into(library);
+    into.openGroup({group.address.file, group.parent}, Access::ReadWrite);
+    StorageAccess from(library);
+    from.openFile(group.file, Access::Read, library.lockWait);
+    const StorageName source{nameInTrash(group.name)};
+    const auto groups = passingGroups(from.root(), FileName{source.text}, source);
+    const std::u16string parent = parentText(into.root(), group.parent, into.file().disk().path());
+    const auto passages =
+        planPassages(groups, into.root(), {group.address.storage.text, parent, 0});
+    const std::u16string top = topOf(passages, source);
+    ToldCopying copying(from.file(), progress);
+    copyPassages(passages, from.file(), into.file(), copying.copied());
+    writeGroupText(into.root().OpenStorage(top), kNameStream, group.name.text);
+    copying.end();
+    into.Commit();
+    from.release();
+    removeFromTrash(library.disk, trash, group.file);
+    return {group.address.file, {top}};
+}
+
+} // namespace store

@@ -1,0 +1,201 @@
+// Pictures between groups, pictures that arrive, groups that come back.
+#include "store/arriving_pictures.h"
+#include "store/fitting_names.h"
+#include "store/group_trash.h"
+#include "store/names.h"
+#include "store/store_fixture.h"
+
+#include <gmock/gmock.h>
+#include <stdexcept>
+
+namespace store::testing {
+namespace {
+
+using compound::ErrorCode;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class PicturePassage : public StoreTest {
+  protected:
+    PicturePassage() {
+        pumps_ = topGroup(u"Pumps");
+        rotary_ = subGroup(pumps_, u"Rotary");
+        tanks_ = topGroup(u"Tanks");
+        add(pumps_, u"a", "of a");
+        add(pumps_, u"b", std::string(9000, 'b'));
+        add(tanks_, u"A", "of tanks");
+        add(rotary_, u"b", "of rotary");
+    }
+
+    std::string textOf(const GroupAddress& group, std::u16string_view name) {
+        const std::string bytes = bytesOf(group, name);
+        return bytes.substr(bytes.find("of "));
+    }
+
+    GroupAddress pumps_;
+    GroupAddress rotary_;
+    GroupAddress tanks_;
+};
+
+TEST_F(PicturePassage, CopiesAndMovesWithinAFileAndAcross) {
+    const std::vector<PassingPicture> both{
+        {{u"A"}, IfNameTaken::KeepBoth}, {{u"gone"}}, {{u"Name"}}, {{u"b"}, IfNameTaken::Skip}};
+    const auto copied = passPictures(library, pumps_, tanks_, both, PassageKind::Copy);
+    EXPECT_THAT(pictureNames(tanks_), ElementsAre("A", "b", "a (2)"));
+    EXPECT_EQ(textOf(tanks_, u"a (2)"), "of a");
+    EXPECT_EQ(readPictureType(library, tanks_, {u"a (2)"}), "BMP");
+    EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b"));
+    EXPECT_EQ(copied.gone.size(), 2U);
+
+    const std::vector<PassingPicture> replacing{{{u"b"}, IfNameTaken::Replace}};
+    passPictures(library, pumps_, rotary_, replacing, PassageKind::Move);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a"));
+    EXPECT_GT(bytesOf(rotary_, u"b").size(), 9000U);
+    passPictures(library, rotary_, tanks_, replacing, PassageKind::Move);
+    EXPECT_THAT(pictureNames(rotary_), IsEmpty());
+    EXPECT_GT(bytesOf(tanks_, u"b").size(), 9000U);
+    // And back under the old name.
+    passPictures(library, tanks_, pumps_, std::vector<PassingPicture>{{{u"A"}, {}, {u"tank"}}},
+                 PassageKind::Move);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "tank"));
+    expectSound(u"Pumps");
+    expectSound(u"Tanks");
+}
+
+TEST_F(PicturePassage, CopiesBesideThemselves) {
+    const std::vector<PassingPicture> one{{{u"a"}}};
+    passPictures(library, pumps_, pumps_, one, PassageKind::Copy);
+    passPictures(library, pumps_, pumps_, one, PassageKind::Copy);
+    passPictures(library, pumps_, pumps_, one, PassageKind::Move);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b", "a (2)", "a (3)"));
+    EXPECT_EQ(textOf(pumps_, u"a (3)"), "of a");
+}
+
+// Whatever call fails, each picture is in one of the groups or in both, and the files are sound.
+TEST_F(PicturePassage, IsInOneOfThemOrInBothWhateverFails) {
+    const std::vector<PassingPicture> all{{{u"a"}}, {{u"b"}}};
+    bool wasInBoth = false;
+    for (int failing = 0, calls = 1; failing < calls; ++failing) {
+        int call = 0;
+        bool hasFailed = false;
+        disk.setInterceptor([&](MemoryDisk::Call) {
+            if (call++ == failing) {
+                hasFailed = true;
+                throw compound::Error(ErrorCode::NoSpace, "/library/Pumps.stg", "told to fail");
+            }
+        });
+        PicturesPassed result;
+        bool isThrown = false;
+        try {
+            result = passPictures(library, pumps_, tanks_, all, PassageKind::Move);
+        } catch (const compound::Error&) {
+            isThrown = true;
+        }
+        disk.setInterceptor({});
+        const bool isAtSource = !pictureNames(pumps_).empty();
+        const bool isAtTarget = pictureNames(tanks_).size() > 1;
+        EXPECT_TRUE(isAtSource || isAtTarget) << failing;
+        EXPECT_EQ(isThrown, !isAtTarget) << failing;
+        EXPECT_EQ(result.sourceFailure.has_value(), isAtSource && isAtTarget) << failing;
+        wasInBoth = wasInBoth || (isAtSource && isAtTarget);
+        for (const PassedPicture& picture : result.passed) { // as before, for the next one
+            if (isAtSource) {
+                deletePicture(library, tanks_, picture.to);
+            } else {
+                passPictures(library, tanks_, pumps_,
+                             std::vector<PassingPicture>{{picture.to, {}, picture.from}},
+                             PassageKind::Move);
+            }
+        }
+        calls = hasFailed ? failing + 2 : 0;
+    }
+    EXPECT_TRUE(wasInBoth);
+}
+
+TEST_F(PicturePassage, ArrivalsKeepReplaceSkipAndAreNumbered) {
+    const auto file = [&](const std::string& name) { return source(name, 150, 150, "of " + name); };
+    const std::vector<ArrivingPicture> arriving{
+        {file("a.bmp"), {u"a"}, IfNameTaken::Replace},
+        {file("b.gif"), {u"B"}, IfNameTaken::KeepBoth},
+        {file("c.bmp"), {u"c"}, IfNameTaken::Replace},
+        {file("c.ico"), {u"C"}, IfNameTaken::Replace}, // beside the other arrival
+        {fileOf("broken.bmp", "no picture"), {u"broken"}},
+        {"/sources/memory",
+         {u"memory"},
+         {},
+         "BMP",
+         [&] { return readPictureFile(disk, "/sources/a.bmp"); }},
+        {"/sources/refused", {u"refused"}, {}, "BMP", []() -> std::vector<std::byte> {
+             throw std::runtime_error("cannot be converted");
+         }}};
+    const auto arrived = addArriving(library, pumps_, arriving);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b", "c", "B (2)", "C (2)", "memory"));
+    EXPECT_EQ(textOf(pumps_, u"a"), "of a.bmp");
+    EXPECT_EQ(readPictureType(library, pumps_, {u"C (2)"}), "ICO");
+    EXPECT_EQ(arrived.names.size(), 5U);
+    ASSERT_EQ(arrived.skipped.size(), 2U);
+    EXPECT_EQ(arrived.skipped[0].file, "/sources/broken.bmp");
+    EXPECT_EQ(arrived.skipped[1].failure.cause(), "cannot be converted");
+    expectSound(u"Pumps");
+}
+
+TEST(FittingNames, AreValidAndKeepWhatTheyCan) {
+    const auto picture = [](std::u16string_view text) { return fittingPictureName(text).text; };
+    EXPECT_EQ(picture(u"Pipe 1.2"), u"Pipe 1.2");
+    EXPECT_EQ(picture(u"a/b:c!"), u"a_b_c_");
+    EXPECT_EQ(picture(u"name"), u"name_");
+    EXPECT_EQ(picture(u".."), u".._");
+    EXPECT_EQ(picture(u""), u"_");
+    EXPECT_EQ(picture(std::u16string(40, u'x')), std::u16string(31, u'x'));
+    EXPECT_EQ(picture(std::u16string(30, u'x') + u"\U0001F600"), std::u16string(30, u'x'));
+    EXPECT_EQ(picture(std::u16string(1, char16_t(0xDC80)) + u"a"), u"_a");
+    int asked = 0;
+    const auto isTaken = [&](const PictureName&) { return ++asked < 10; };
+    EXPECT_EQ(freePictureName({std::u16string(31, u'x')}, isTaken).text,
+              std::u16string(26, u'x') + u" (10)");
+    for (const std::u16string_view text :
+         {u"", u" ", u"CON", u"None", u"a.b", u" x ", u"\u4E2D", u"what?", u"."}) {
+        EXPECT_TRUE(isValidGroupName(fittingGroupName(text).text, GroupLevel::TopLevel));
+    }
+}
+
+TEST_F(PicturePassage, GroupsComeBackWhereTheyWere) {
+    const GroupAddress steel = subGroup(rotary_, u"Sub9");
+    add(steel, u"bolt", "of steel");
+    const auto before = treeOf(u"Pumps");
+    EXPECT_EQ(countGroupsBelow(library, pumps_), 2U);
+    EXPECT_EQ(countGroupsBelow(library, steel), 0U);
+    const auto small = trashGroup(library, steel, trash);
+    const auto large = trashGroup(library, rotary_, trash);
+    EXPECT_THAT(treeOf(u"Pumps"), IsEmpty());
+    EXPECT_EQ(trash.fileNames().back(), "Rotary.stg");
+    EXPECT_EQ(restoreGroup(library, large, trash), rotary_);
+    EXPECT_EQ(restoreGroup(library, small, trash), steel);
+    EXPECT_EQ(treeOf(u"Pumps"), before);
+    EXPECT_EQ(textOf(steel, u"bolt"), "of steel");
+    EXPECT_EQ(textOf(rotary_, u"b"), "of rotary");
+    EXPECT_EQ(trash.fileNames().size(), 0U);
+    expectSound(u"Pumps");
+
+    // Another group has taken the place meanwhile.
+    const auto again = trashGroup(library, rotary_, trash);
+    const GroupAddress screw = subGroup(pumps_, u"Screw");
+    ASSERT_EQ(screw, rotary_);
+    const GroupAddress back = restoreGroup(library, again, trash);
+    EXPECT_NE(back, screw);
+    EXPECT_EQ(textOf(back, u"b"), "of rotary");
+    EXPECT_EQ(readGroupName(library, screw).text, u"Screw");
+    expectSound(u"Pumps");
+
+    const auto file = trashGroup(library, tanks_, trash);
+    EXPECT_EQ(file.address, tanks_);
+    topGroup(u"TANKS");
+    EXPECT_EQ(errorOf([&] { restoreGroup(library, file, trash); }), ErrorCode::Exists);
+    removeGroupFile(library, {u"TANKS"});
+    restoreGroup(library, file, trash);
+    EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
+}
+
+} // namespace
+} // namespace store::testing
