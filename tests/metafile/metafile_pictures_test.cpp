@@ -83,6 +83,16 @@ TEST(MetafilePictures, StripsOfAPictureMeetAtEverySize) {
             ASSERT_EQ(image.pixel(image.width() / 2, y), kRed) << scale << ' ' << y;
         }
     }
+    EmfFile beside(40, 40);
+    for (int strip = 0; strip < 8; ++strip) {
+        stretch(beside, {strip * 5, 0, 5, 40}, {0, 0, 1, 1}, {kRed}, 1);
+    }
+    for (const double scale : {0.37, 1.0, 2.71}) {
+        const QImage image = beside.drawn(scale);
+        for (int x = 0; x < image.width(); ++x) {
+            ASSERT_EQ(image.pixel(x, image.height() / 2), kRed) << scale << ' ' << x;
+        }
+    }
 }
 
 TEST(MetafilePictures, MaskAndPictureMakeATransparentOne) {
@@ -268,6 +278,10 @@ TEST(MetafileText, OpaqueRectanglesAndGlyphNumbersAndSymbolsAreUnderstood) {
     const QImage letter = lettered(-40, 0).text(20, 20, u"H", {}).drawn();
     const QImage glyph = lettered(-40, 0).text(20, 20, std::u16string(1, 43), {}, 0x10).drawn();
     EXPECT_EQ(letter, glyph);
+    const auto rising = [](std::u16string_view text, int options) {
+        return lettered(-20, 0).text(0, 100, text, {30, 50, 30, 0}, 0x2000 | options).drawn();
+    };
+    EXPECT_EQ(rising(u"HH", 0), rising(std::u16string(2, 43), 0x10)) << "in both directions";
 
     const auto sign = [](std::u16string_view family, std::u16string_view text, int set) {
         EmfFile file(200, 200);
@@ -277,6 +291,7 @@ TEST(MetafileText, OpaqueRectanglesAndGlyphNumbersAndSymbolsAreUnderstood) {
     EXPECT_EQ(sign(u"Symbol", u"a", 2), sign(u"Symbol", u"\uF061", 2));
     EXPECT_NE(sign(u"Symbol", u"a", 2), sign(u"Arial", u"a", 0));
     EXPECT_FALSE(inkOf(sign(u"Symbol", u"a", 2)).isNull());
+    EXPECT_EQ(sign(u"Arial", u"\uF061", 0), sign(u"Arial", u"a", 0)) << "a byte in disguise";
 }
 
 } // namespace

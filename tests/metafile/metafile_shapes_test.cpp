@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace metafile::testing {
 namespace {
@@ -422,6 +423,26 @@ TEST(MetafileShapes, PensAreDashedWideAndInsideTheirFrame) {
     EmfFile inside(40, 40);
     inside.stock(kNullBrush).pen(1, 6, 6, 0).rectangle(10, 10, 30, 30);
     EXPECT_EQ(inkOf(inside.drawn()), QRect(10, 10, 20, 20));
+}
+
+// The limit is told from a corner's tip to its inside, in widths of the line. Qt's usual corners
+// were cut there instead, which left broad stumps.
+TEST(MetafileShapes, SharpCornersArePointedUpToTheLimit) {
+    const auto tip = [](int halfOpening, std::optional<int> limit) {
+        EmfFile file(40, 40);
+        file.add(95, {1, 0, 0, 0, 0, 0x10000 | 0x2000, 4, 0, 0, 0, 0, 0}).add(37, {1});
+        if (limit) {
+            file.add(58, {*limit});
+        }
+        file.add(4, {0, 0, -1, -1, 3, 0, 20 - halfOpening, 20, 20, 0, 20 + halfOpening});
+        return inkOf(file.drawn()).right();
+    };
+    constexpr int kSharp = 3; // 6.7 widths long
+    constexpr int kBlunt = 8; // 2.7
+    EXPECT_NEAR(tip(kSharp, {}), 32, 2);
+    EXPECT_NEAR(tip(kSharp, 8), 32, 2);
+    EXPECT_NEAR(tip(kSharp, 4), 20, 1);
+    EXPECT_NEAR(tip(kBlunt, 4), 25, 1);
 }
 
 TEST(MetafileShapes, RegionsAreFilledFramedAndInverted) {

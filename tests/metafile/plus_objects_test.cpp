@@ -86,6 +86,24 @@ TEST(PlusObjects, SixteenBitPixelsHaveTheirAlpha) {
     EXPECT_EQ(image.pixel(36, 20), kWhite);
 }
 
+TEST(PlusObjects, PicturesFollowTheirCornersMirroredAndTurned) {
+    const auto drawn = [](const std::vector<float>& corners) {
+        PlusFile file; // red left, blue right
+        file.object(5, 1, bitmapImage(0x0026200A, 2, 8).words({0xFFFF0000, 0xFF0000FF}));
+        Data data = Data().words({0, 2}).reals({0, 0, 2, 1}).word(3).reals(corners);
+        return file.add(0x401B, 1, data).drawn();
+    };
+    const QImage upright = drawn({0, 0, 40, 0, 0, 40});
+    EXPECT_EQ(upright.pixel(3, 20), kRed);
+    EXPECT_EQ(upright.pixel(36, 20), kBlue);
+    const QImage mirrored = drawn({40, 0, 0, 0, 40, 40});
+    EXPECT_EQ(mirrored.pixel(3, 20), kBlue);
+    EXPECT_EQ(mirrored.pixel(36, 20), kRed);
+    const QImage turned = drawn({40, 0, 40, 40, 0, 0}); // with the clock
+    EXPECT_EQ(turned.pixel(20, 3), kRed);
+    EXPECT_EQ(turned.pixel(20, 36), kBlue);
+}
+
 TEST(PlusObjects, PlaceableMetafilesInsideArePaddedAndMayBeShownInPart) {
     WmfFile inner; // red left, blue right
     inner.window(0, 0, 40, 40).add(0x02FA, {5, 0, 0, 0, 0}).add(0x012D, {0});

@@ -119,6 +119,20 @@ TEST(PlusPens, DashesAreWidthsLong) {
     EXPECT_TRUE(isInk(lineFile(tiny, {0, 20, 40, 20}).drawn(), 10, 20));
 }
 
+TEST(PlusPens, CornersBeyondTheLimitAreCutOrBevelled) {
+    const auto drawn = [](std::uint32_t join, float limit) {
+        const Data corner = penWith(0x18, 4, kBlack, Data().word(join).reals({limit}));
+        return lineFile(corner, {0, 17, 20, 20, 0, 23}).drawn(); // 6.7 widths long
+    };
+    const std::vector<int> along{19, 24, 29};
+    EXPECT_EQ(row(drawn(0, 8), 20, along), "xxx");
+    EXPECT_EQ(row(drawn(0, 4), 20, along), "xx.");
+    EXPECT_EQ(row(drawn(3, 8), 20, along), "xxx");
+    EXPECT_EQ(row(drawn(3, 4), 20, along), "x..");
+    EXPECT_EQ(row(drawn(1, 8), 20, along), "x..");
+    EXPECT_EQ(row(drawn(9, 8), 20, along), "xxx") << "an unknown one";
+}
+
 TEST(PlusPens, LinesMayLieInsideOrBeSeveral) {
     PlusFile inside;
     inside.object(2, 1, penWith(0x200, 6, kBlack, Data().word(1)));

@@ -57,8 +57,7 @@ QPen painterPen(const DeviceContext& context) {
     const double width = cosmetic ? 1 : std::clamp(pen.width * context.scale(), 1.0, kWidest);
     constexpr double kThin = 1.5;
     QPen result(painterBrush(pen.brush, context), width, Qt::SolidLine, pen.cap, pen.join);
-    // Qt counts from the line's middle, in widths; others from tip to tip.
-    result.setMiterLimit(std::max(1.0, context.miterLimit / 2));
+    result.setMiterLimit(std::max(1.0, context.miterLimit));
     QList<qreal> pattern = dashes(pen.style, width < kThin);
     if (pen.style == PenStyle::UserDashes) {
         pattern = userDashes(pen, cosmetic ? 1 : context.scale(), width);

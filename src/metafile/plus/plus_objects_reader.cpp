@@ -4,6 +4,7 @@
 #include "metafile/plus/plus_images.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 
@@ -309,7 +310,8 @@ PlusPen readPen(PlusCursor in) {
     }
     if (has(Join)) {
         const std::uint32_t join = in.u32();
-        pen.join = join == 1 ? Qt::BevelJoin : join == 2 ? Qt::RoundJoin : Qt::MiterJoin;
+        constexpr std::array kJoins{Qt::MiterJoin, Qt::BevelJoin, Qt::RoundJoin, Qt::SvgMiterJoin};
+        pen.join = join < kJoins.size() ? kJoins[join] : Qt::MiterJoin;
     }
     if (has(MiterLimit)) {
         pen.miterLimit = in.real();

@@ -249,7 +249,10 @@ PlusLine plusLine(const QPainterPath& line, const PlusPen& pen, const QTransform
     const bool painterCaps = hasPainterCaps(pen);
     result.pen = QPen(brush, width, Qt::SolidLine,
                       painterCaps ? capStyle(pen.start.cap) : Qt::FlatCap, pen.join);
-    result.pen.setMiterLimit(std::max(1.0, pen.miterLimit / 2));
+    // Where corners are cut at the limit, Qt counts from the line's middle, and others from the tip
+    // to the inside.
+    const double limit = pen.join == Qt::MiterJoin ? pen.miterLimit / 2 : pen.miterLimit;
+    result.pen.setMiterLimit(std::max(1.0, limit));
     if (!painterCaps) {
         constexpr int kPointsAround = 20; // to widen a head's line
         budget.spendPoints(4 * static_cast<std::size_t>(line.elementCount()));

@@ -132,7 +132,7 @@ Qt::PenJoinStyle penJoinOf(std::uint32_t style) {
     case 0x1000:
         return Qt::BevelJoin;
     case 0x2000:
-        return Qt::MiterJoin;
+        return Qt::SvgMiterJoin; // bevelled beyond the limit, not cut at it
     default:
         return Qt::RoundJoin;
     }
