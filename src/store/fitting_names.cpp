@@ -62,7 +62,9 @@ GroupName fittingGroupName(std::u16string_view text) {
     constexpr std::size_t kLongest = kMaximumNameLength - kInfoSuffix.size();
     // What stands between two letters may be what cannot begin or end a name.
     std::u16string name = substituted(cutTo(text, kLongest), [](auto character) {
-        return isValidGroupName(u"a" + std::u16string(character) + u"a", GroupLevel::TopLevel);
+        std::u16string word = u"a"; // u"a" + ... is refused by GCC 12 at -O3, by mistake
+        word.append(character).append(u"a");
+        return isValidGroupName(word, GroupLevel::TopLevel);
     });
     if (!name.empty() && !isValidGroupName(name, GroupLevel::TopLevel)) {
         name.front() = name.front() == u' ' || name.front() == u'\u00A0' ? kSubstitute : name[0];
