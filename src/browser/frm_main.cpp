@@ -16,6 +16,7 @@
 #include "browser/main_menus.h"
 #include "browser/picture_clipboard.h"
 #include "browser/picture_panel.h"
+#include "browser/splitters.h"
 #include "browser/temporary_pictures.h"
 #include "browser/window_state.h"
 #include "commands/failure_report.h"
@@ -62,6 +63,7 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
       tree_(nullptr),
       panel_(nullptr),
       menus_(nullptr),
+      splitters_(nullptr),
       firstSteps_(nullptr),
       find_(nullptr),
       watch_(noticing) {
@@ -78,6 +80,7 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
     tree_ = new groups::GroupTree(surface_);
     panel_ = new PicturePanel(surface_);
     panel_->setTabOrderAfter(tree_);
+    splitters_ = new Splitters(surface_);
     firstSteps_ = new FirstSteps(surface_);
     firstSteps_->setTabOrderAfter(tree_);
     groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_, watch_);
@@ -127,6 +130,10 @@ void frmMain::connectPanel() {
     connect(panel_, &PicturePanel::editWantedByKey, this,
             [this] { menus_->trigger(commands::Command::EditPicture); });
     connect(panel_, &PicturePanel::renameFailed, this, &frmMain::tellRenameFailure);
+    connect(splitters_, &Splitters::moved, this, [this] {
+        placeParts();
+        panel_->layOutSoon();
+    });
 }
 
 void frmMain::connectWatch() {
@@ -196,6 +203,8 @@ void frmMain::load() {
     panel_->setCaptions();
     firstSteps_->setCaptions();
     find_->setCaptions();
+    splitters_->setCaptions();
+    splitters_->setColumns(readColumns());
     app::Settings& settings = app::settings();
     settings.readPaths();
     try {
@@ -276,6 +285,7 @@ void frmMain::saveSettings() {
         if (windowHandle() == nullptr || windowHandle()->parent() == nullptr) {
             saveWindowState(*this);
         }
+        writeColumns(splitters_->columns());
     } catch (const compound::Error& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, this);
     }
@@ -326,12 +336,14 @@ void frmMain::placeParts() {
     const int menuHeight = menuBar()->sizeHint().height();
     const int offset = app::toPixels(surfaceOffset(app::toTwips(menuHeight)));
     surface_->setGeometry(0, offset, width(), height() - menuHeight - offset);
-    const MainLayout layout = layoutFor(atLeastMinimum(twipsOf(size())));
+    const WindowSize window = atLeastMinimum(twipsOf(size()));
+    const MainLayout layout = layoutFor(window, splitters_->columns());
     tree_->setGeometry(app::toPixels(layout.tvwGruppen));
     panel_->place(layout);
     const QRect area = app::toPixels(layout.thumbnailArea);
     firstSteps_->setGeometry(area);
     find_->place(area, width());
+    splitters_->place(layout, window);
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

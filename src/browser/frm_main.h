@@ -26,6 +26,7 @@ class FirstSteps;
 class GroupBrowsing;
 class MainMenus;
 class PicturePanel;
+class Splitters;
 
 enum class StartMode {
     Standalone, // the user started the program; leaving the window ends it
@@ -132,6 +133,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     groups::GroupTree* tree_;
     PicturePanel* panel_;
     MainMenus* menus_;
+    Splitters* splitters_;
     FirstSteps* firstSteps_;
     FindPanel* find_;
     std::optional<store::Library> library_;

@@ -1,6 +1,8 @@
 // Where the parts of the main window stand. Pure arithmetic in twips, from the window's size W x H
 // (menu bar included); the positions are relative to the surface below the menu bar.
 //
+// The user may move the edge between the columns, and that between tree and preview.
+//
 // Left column: tree, large preview, label. Right column: either the picture list, or the thumbnail
 // area with the scroll bar inside its right edge.
 #pragma once
@@ -29,6 +31,14 @@ struct WindowSize {
     bool operator==(const WindowSize&) const = default;
 };
 
+// Where the two edges are that the user can move; at first where the design has them.
+struct Columns {
+    double leftWidth = kLeftColumnWidth;
+    double previewHeight = kPreviewHeight;
+
+    bool operator==(const Columns&) const = default;
+};
+
 struct MainLayout {
     app::TwipRect tvwGruppen;
     app::TwipRect imgVorschau;
@@ -36,12 +46,19 @@ struct MainLayout {
     app::TwipRect lvwInfo;
     app::TwipRect thumbnailArea;
     app::TwipRect imgScroll;
+    app::TwipRect betweenColumns; // the gaps in which the edges are taken
+    app::TwipRect abovePreview;
 };
 
 // Raises each dimension that is too small; the other one stays.
 WindowSize atLeastMinimum(const WindowSize& window);
 
-MainLayout layoutFor(const WindowSize& window);
+// What of the columns a window of that size has room for: as much of tree, preview and pictures as
+// the smallest window shows by the design, where they have as much at all.
+Columns boundedColumns(const Columns& columns, const WindowSize& window);
+
+// Takes of the columns what there is room for.
+MainLayout layoutFor(const WindowSize& window, const Columns& columns = {});
 
 // How far the surface is moved down so that the free space above and below its contents is the
 // same, for a menu bar of that height.

@@ -16,12 +16,21 @@ constexpr int kMostPixels = 100'000;
 constexpr int kTitleBar = 32; // pixels, as high as window managers commonly draw it
 const QString kSection = QStringLiteral("Software\\NORAVEX GmbH\\GraphicsLib\\Window");
 
+const QString kLeftWidth = QStringLiteral("LeftColumn");
+const QString kPreviewHeightName = QStringLiteral("PreviewHeight");
+
 QString read(const QString& name) {
     return platform::nativeSettings().read(platform::Hive::CurrentUser, kSection, name, {});
 }
 
 int areaOf(const QRect& rectangle) {
     return rectangle.isEmpty() ? 0 : rectangle.width() * rectangle.height();
+}
+
+double readLength(const QString& name, double otherwise) {
+    bool isNumber = false;
+    const double length = read(name).toDouble(&isNumber);
+    return isNumber && length > 0 && length < app::toTwips(kMostPixels) ? length : otherwise;
 }
 
 } // namespace
@@ -68,6 +77,17 @@ QRect placeOnScreens(const QRect& place, QSize minimum, const QList<QRect>& scre
     const int lowestTop = screen.bottom() + 1 - size.height();
     const int top = std::max(screen.top() + kTitleBar, std::min(place.top(), lowestTop));
     return {QPoint(left, top), size};
+}
+
+Columns readColumns() {
+    return {readLength(kLeftWidth, kLeftColumnWidth),
+            readLength(kPreviewHeightName, kPreviewHeight)};
+}
+
+void writeColumns(const Columns& columns) {
+    platform::SettingsBackend& settings = platform::nativeSettings();
+    settings.write(kSection, kLeftWidth, QString::number(columns.leftWidth));
+    settings.write(kSection, kPreviewHeightName, QString::number(columns.previewHeight));
 }
 
 void restoreWindowState(QWidget& window) {

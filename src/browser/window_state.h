@@ -1,6 +1,9 @@
 // Where the main window stands, how large it is and whether it is maximised, from one run to the
-// next: a settings section of its own, in device-independent pixels.
+// next, and where its inner edges are: a settings section of its own, in device-independent pixels,
+// the edges in twips.
 #pragma once
+
+#include "browser/main_layout.h"
 
 #include <QList>
 #include <QRect>
@@ -28,5 +31,9 @@ QRect placeOnScreens(const QRect& place, QSize minimum, const QList<QRect>& scre
 // Before the first showing and at the end.
 void restoreWindowState(QWidget& window);
 void saveWindowState(const QWidget& window);
+
+// Where the user has left the inner edges; the design's places when nothing sensible is remembered.
+Columns readColumns();
+void writeColumns(const Columns& columns); // throws as writeWindowState()
 
 } // namespace browser

@@ -31,6 +31,28 @@ TEST(MainLayout, FollowsTheWindowSize) {
               layout.lvwInfo.top + layout.lvwInfo.height);
 }
 
+TEST(MainLayout, KeepsItsPartsApartAndInSightWhereverTheirEdgesAreMoved) {
+    constexpr Columns kWanted[] = {{}, {-1e9, -1e9}, {1e9, 1e9}, {6000, 1200}, {1e9, 0}, {0, 1e9}};
+    for (const Columns& wanted : kWanted) {
+        for (const WindowSize& window : {WindowSize{4770, 4710}, {9000, 9000}, {30000, 20000}}) {
+            const MainLayout layout = layoutFor(window, wanted);
+            const TwipRect& tree = layout.tvwGruppen;
+            const TwipRect& preview = layout.imgVorschau;
+            EXPECT_GE(tree.height, 405);
+            EXPECT_GE(preview.height, 900);
+            EXPECT_GE(tree.width, 1305);
+            EXPECT_GE(layout.lvwInfo.width, 1305);
+            EXPECT_EQ(tree.top + tree.height, layout.abovePreview.top);
+            EXPECT_EQ(layout.abovePreview.top + layout.abovePreview.height, preview.top);
+            EXPECT_EQ(tree.left + tree.width, layout.betweenColumns.left);
+            EXPECT_EQ(layout.betweenColumns.left + 105, layout.thumbnailArea.left);
+            EXPECT_EQ(layout.lblAktuell.top + layout.lblAktuell.height,
+                      layout.lvwInfo.top + layout.lvwInfo.height);
+            EXPECT_EQ(layout.lvwInfo.left + layout.lvwInfo.width, window.width - 165);
+        }
+    }
+}
+
 TEST(MainLayout, RaisesOnlyTheDimensionThatIsTooSmall) {
     EXPECT_EQ(atLeastMinimum({4000, 9000}), (WindowSize{4770, 9000}));
     EXPECT_EQ(atLeastMinimum({9000, 4000}), (WindowSize{9000, 4710}));

@@ -3,8 +3,10 @@
 #include "platform/settings_backend.h"
 #include "ui/main_window_fixture.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QScreen>
+#include <QTest>
+#include <QTreeWidget>
 
 namespace {
 
@@ -68,6 +70,34 @@ TEST_F(WindowStateTest, GarbledValuesCountAsNone) {
         EXPECT_FALSE(browser::readWindowState().place.isValid()) << garbled;
         EXPECT_FALSE(browser::readWindowState().maximised) << garbled;
     }
+}
+
+TEST_F(WindowStateTest, KeepsTheEdgesThatWereMoved) {
+    makeGroup("Pumpen");
+    start();
+    const int width = tree()->width();
+    const int height = tree()->height();
+    const auto drag = [this](const char* name, QPoint by) {
+        auto* handle = find<QWidget>(name);
+        const QPoint from = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, {}, from);
+        QTest::mouseMove(handle, from + by);
+        QTest::mouseRelease(handle, Qt::LeftButton);
+    };
+    drag("splSpalten", {40, 7});
+    drag("splVorschau", {5, -30});
+    EXPECT_EQ(tree()->size(), QSize(width + 40, height - 30));
+    EXPECT_GT(find<QWidget>("imgVorschau")->width(), width);
+    settle();
+    restart();
+    EXPECT_EQ(tree()->size(), QSize(width + 40, height - 30));
+    QTest::mouseDClick(find<QWidget>("splSpalten"), Qt::LeftButton);
+    QTest::mouseDClick(find<QWidget>("splVorschau"), Qt::LeftButton);
+    EXPECT_EQ(tree()->size(), QSize(width, height));
+    QApplication::setActiveWindow(&window());
+    QTest::keyClick(tree(), Qt::Key_Right, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_EQ(tree()->width(), width + 20);
+    settle();
 }
 
 } // namespace
