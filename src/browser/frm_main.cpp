@@ -8,6 +8,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "browser/damaged_report.h"
+#include "browser/duplicate_watch.h"
 #include "browser/find_panel.h"
 #include "browser/first_steps.h"
 #include "browser/group_browsing.h"
@@ -17,6 +18,7 @@
 #include "browser/picture_clipboard.h"
 #include "browser/picture_panel.h"
 #include "browser/splitters.h"
+#include "browser/status_line.h"
 #include "browser/temporary_pictures.h"
 #include "browser/window_state.h"
 #include "commands/failure_report.h"
@@ -31,6 +33,7 @@
 #include <QWindow>
 
 #include <chrono>
+#include <utility>
 
 namespace browser {
 namespace {
@@ -64,6 +67,8 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
       panel_(nullptr),
       menus_(nullptr),
       splitters_(nullptr),
+      status_(nullptr),
+      duplicates_(nullptr),
       firstSteps_(nullptr),
       find_(nullptr),
       watch_(noticing) {
@@ -81,6 +86,8 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
     panel_ = new PicturePanel(surface_);
     panel_->setTabOrderAfter(tree_);
     splitters_ = new Splitters(surface_);
+    status_ = new StatusLine(surface_);
+    duplicates_ = new DuplicateWatch(this);
     firstSteps_ = new FirstSteps(surface_);
     firstSteps_->setTabOrderAfter(tree_);
     groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_, watch_);
@@ -101,6 +108,7 @@ frmMain::~frmMain() {
     watch_.stop();
     find_->stop();
     panel_->stopLoading();
+    duplicates_->stop();
     app::workers().finish();
 }
 
@@ -130,6 +138,10 @@ void frmMain::connectPanel() {
     connect(panel_, &PicturePanel::editWantedByKey, this,
             [this] { menus_->trigger(commands::Command::EditPicture); });
     connect(panel_, &PicturePanel::renameFailed, this, &frmMain::tellRenameFailure);
+    connect(panel_, &PicturePanel::pagesShown, status_, &StatusLine::showPages);
+    connect(panel_, &PicturePanel::nothingShown, status_, &StatusLine::showNoGroup);
+    connect(panel_, &PicturePanel::pictureDescribed, status_, &StatusLine::showSelection);
+    connect(duplicates_, &DuplicateWatch::looked, status_, &StatusLine::tell);
     connect(splitters_, &Splitters::moved, this, [this] {
         placeParts();
         panel_->layOutSoon();
@@ -242,7 +254,7 @@ void frmMain::activate() {
 }
 
 bool frmMain::isSettled() const {
-    return Activated_ && panel_->isSettled() && !watch_.isLooking();
+    return Activated_ && panel_->isSettled() && !watch_.isLooking() && !duplicates_->isBusy();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -263,6 +275,7 @@ void frmMain::unload() {
     watch_.stop();
     find_->stop();
     panel_->stopLoading();
+    duplicates_->stop();
     app::closeHelp();
     removeTemporaryPictures(app::settings().temporaryFolderPath());
     saveSettings();
@@ -289,6 +302,10 @@ void frmMain::saveSettings() {
     } catch (const compound::Error& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, this);
     }
+}
+
+void frmMain::PicturesArrived(std::function<std::vector<store::PictureAddress>()> arrived) {
+    duplicates_->look(*library_, std::move(arrived));
 }
 
 void frmMain::HandOver(const QString& path) {
@@ -344,6 +361,7 @@ void frmMain::placeParts() {
     firstSteps_->setGeometry(area);
     find_->place(area, width());
     splitters_->place(layout, window);
+    status_->setGeometry(app::toPixels(layout.statusLine));
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

@@ -24,9 +24,11 @@ namespace browser {
 class FindPanel;
 class FirstSteps;
 class GroupBrowsing;
+class DuplicateWatch;
 class MainMenus;
 class PicturePanel;
 class Splitters;
+class StatusLine;
 
 enum class StartMode {
     Standalone, // the user started the program; leaving the window ends it
@@ -66,6 +68,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     bool GraphicalPreview() const override;
     void VorschauAktiviert() override;
     void VorschauDeaktiviert() override;
+    void PicturesArrived(std::function<std::vector<store::PictureAddress>()> arrived) override;
     void HandOver(const QString& path) override;
     void Exit() override;
     void ExitAfterHandOver() override;
@@ -134,6 +137,8 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     PicturePanel* panel_;
     MainMenus* menus_;
     Splitters* splitters_;
+    StatusLine* status_;
+    DuplicateWatch* duplicates_;
     FirstSteps* firstSteps_;
     FindPanel* find_;
     std::optional<store::Library> library_;

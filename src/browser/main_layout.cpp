@@ -46,11 +46,12 @@ MainLayout layoutFor(const WindowSize& window, const Columns& columns) {
         .imgScroll = {w - 450, scrollTop, kScrollBarWidth, h - scrollTop - 795},
         .betweenColumns = {kMargin + leftWidth, kTopMargin, kGap, columnHeight},
         .abovePreview = {kMargin, kTopMargin + treeHeight, leftWidth, kGap},
+        .statusLine = {kMargin, kTopMargin + columnHeight + 45, w - 2 * kMargin, kStatusLineHeight},
     };
 }
 
 double surfaceOffset(double menuBarHeight) {
-    return std::max(0.0, (kBelowArea - menuBarHeight - kTopMargin) / 2);
+    return std::max(0.0, (kBelowArea - menuBarHeight - kTopMargin - kStatusLineHeight) / 2);
 }
 
 } // namespace browser

@@ -23,6 +23,7 @@ inline constexpr double kPreviewHeight = 3000;
 inline constexpr double kLabelHeight = 330;
 inline constexpr double kScrollBarWidth = 225;
 inline constexpr double kScrollBarInset = 60;
+inline constexpr double kStatusLineHeight = 270;
 
 struct WindowSize {
     double width = 0;
@@ -48,6 +49,7 @@ struct MainLayout {
     app::TwipRect imgScroll;
     app::TwipRect betweenColumns; // the gaps in which the edges are taken
     app::TwipRect abovePreview;
+    app::TwipRect statusLine; // in the free space below all
 };
 
 // Raises each dimension that is too small; the other one stays.
@@ -60,8 +62,8 @@ Columns boundedColumns(const Columns& columns, const WindowSize& window);
 // Takes of the columns what there is room for.
 MainLayout layoutFor(const WindowSize& window, const Columns& columns = {});
 
-// How far the surface is moved down so that the free space above and below its contents is the
-// same, for a menu bar of that height.
+// How far the surface is moved down so that the free space above its contents and around the status
+// line is the same, for a menu bar of that height.
 double surfaceOffset(double menuBarHeight);
 
 } // namespace browser

@@ -6,6 +6,7 @@
 #include "browser/picture_label.h"
 #include "browser/picture_list.h"
 #include "browser/picture_renaming.h"
+#include "browser/status_line.h"
 #include "browser/thumbnail_strip.h"
 #include "browser/thumbnail_tool_tip.h"
 #include "compound/error.h"
@@ -15,6 +16,7 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <cmath>
 
 namespace browser {
 namespace {
@@ -26,6 +28,20 @@ constexpr app::TextPair kPreviewName{u"Vorschau", u"Preview"};
 
 store::PictureName pictureNamed(const QString& name) {
     return {name.toStdU16String()};
+}
+
+// "640 × 480, 12 KB"; without the first part for a picture whose record is missing.
+QString sizesOf(const store::PictureEntry& picture) {
+    constexpr std::uint64_t kKilobyte = 1024;
+    const QString bytes = QStringLiteral("%1 KB").arg((picture.bytes + kKilobyte - 1) / kKilobyte);
+    const store::PictureRecord& record = picture.record;
+    if (!(record.width > 0) || !(record.height > 0)) {
+        return bytes;
+    }
+    return QStringLiteral("%1 \u00d7 %2, %3")
+        .arg(std::lround(record.width))
+        .arg(std::lround(record.height))
+        .arg(bytes);
 }
 
 } // namespace
@@ -196,6 +212,7 @@ void PicturePanel::MiniVorschau(std::size_t startIndex) {
         onScrollChanged();
         return;
     }
+    emit pagesShown({all.size(), imgScroll_->value(), imgScroll_->maximum()});
     if (isPastEnd) {
         ShowNoPicture();
         return;
@@ -279,6 +296,7 @@ void PicturePanel::showNothing() {
     SetImgScrollProperties();
     setShownPicture({});
     ClearVorschau();
+    emit nothingShown();
     emit menuStateWanted();
 }
 
@@ -373,6 +391,7 @@ void PicturePanel::FillListView(const store::GroupAddress& group) {
     listed_ = {}; // of the strip, and older
     lvwInfo_->fill(group, pictures);
     lvwInfo_->selectFirst();
+    emit pagesShown({pictures.size(), 1, 1});
 }
 
 void PicturePanel::showListRow() {
@@ -448,6 +467,7 @@ void PicturePanel::choose(const store::PictureName& picture) {
 
 void PicturePanel::showStored(const store::PictureEntry& picture) {
     shownType_ = QString::fromStdString(picture.record.type);
+    emit pictureDescribed(sizesOf(picture));
     imgVorschau_->load([library = *library_, group = *group_, name = picture.name] {
         return store::readPicture(library, group, name).bytes;
     });
@@ -468,6 +488,7 @@ QWidget* PicturePanel::list() const {
 void PicturePanel::ClearVorschau() {
     imgVorschau_->showNothing();
     shownType_.clear();
+    emit pictureDescribed({});
 }
 
 void PicturePanel::NoPictures() {

@@ -21,6 +21,8 @@ class QWidget;
 
 namespace browser {
 
+struct ShownPages;
+
 class LargePreview;
 class PictureLabel;
 class PictureList;
@@ -109,6 +111,9 @@ class PicturePanel : public QObject {
     void setTabOrderAfter(QWidget* before);
 
   signals:
+    void pagesShown(const browser::ShownPages& pages); // of the shown group
+    void nothingShown();                               // no group is shown
+    void pictureDescribed(const QString& sizes);       // of the shown picture; empty for none
     void menuStateWanted();
     void editItemWanted(commands::EditItemCause cause);
     void picturePopUpWanted(const QPoint& globalPosition);

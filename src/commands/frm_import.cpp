@@ -7,6 +7,7 @@
 #include "app/named_control.h"
 #include "app/texts.h"
 #include "app/twips.h"
+#include "catalogue/contents.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
@@ -168,6 +169,7 @@ void frmImport::importAsTopLevel(const std::filesystem::path& file) {
     view_.FillTreeView();
     view_.TreeViewSelectNode(group);
     view_.Aktualisieren();
+    tellArrival(group);
 }
 
 void frmImport::mergeBelow(const store::GroupAddress& parent, const std::filesystem::path& file) {
@@ -178,12 +180,26 @@ void frmImport::mergeBelow(const store::GroupAddress& parent, const std::filesys
         });
     view_.FillTreeView();
     view_.TreeViewSelectNode(parent); // unfolded, so that the new group can be seen
+    tellArrival(merged.group);
     tell(kReady);
     if (merged.sourceFailure) {
         app::msgBox(app::text(kSourceUnchanged) + QStringLiteral("\n\n") +
                         app::errorText(*merged.sourceFailure),
                     app::Buttons::Ok, app::text(kTitle), this);
     }
+}
+
+void frmImport::tellArrival(const store::GroupAddress& group) {
+    view_.PicturesArrived([library = view_.library(), group] {
+        std::vector<store::PictureAddress> pictures;
+        for (const auto& section :
+             catalogue::readContents(library, group, catalogue::SubGroups::Included)) {
+            for (const store::PictureEntry& picture : section.pictures) {
+                pictures.push_back({section.group, picture.name});
+            }
+        }
+        return pictures;
+    });
 }
 
 void frmImport::tellFailure(const std::exception& failure, const std::filesystem::path& file) {

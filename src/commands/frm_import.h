@@ -52,6 +52,7 @@ class frmImport : public QDialog {
     void importFile();
     void importAsTopLevel(const std::filesystem::path& file);
     void mergeBelow(const store::GroupAddress& parent, const std::filesystem::path& file);
+    void tellArrival(const store::GroupAddress& group);
     void tellFailure(const std::exception& failure, const std::filesystem::path& file);
     void tell(int textId);
 

@@ -6,9 +6,12 @@
 
 #include "commands/selection_context.h"
 #include "store/library.h"
+#include "store/same_pictures.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
+#include <vector>
 
 class QWidget;
 
@@ -62,6 +65,10 @@ class LibraryView {
     // anew.
     virtual void PictureDeleted(const store::GroupAddress& group,
                                 const std::optional<store::PictureName>& beside) = 0;
+
+    // Tells, some time later, how many pictures have come into the library and which of them it had
+    // already. `arrived` is called on a worker and may read files.
+    virtual void PicturesArrived(std::function<std::vector<store::PictureAddress>()> /*arrived*/) {}
 
     virtual void FillListView(const store::GroupAddress& group) = 0;
 

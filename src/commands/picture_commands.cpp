@@ -87,7 +87,12 @@ void addPicture(CommandCall& call) {
         keptDialog(call.dialogs.addPicture, view.owner(),
                    editing::frmOpen::Listener{
                        [&view] { view.Aktualisieren(); },
-                       [&view](const std::exception& error) { showWhatIsLeft(view, error); }});
+                       [&view](const std::exception& error) { showWhatIsLeft(view, error); },
+                       [&view](const store::GroupAddress& group, const store::PictureName& name) {
+                           view.PicturesArrived([group, name] {
+                               return std::vector<store::PictureAddress>{{group, name}};
+                           });
+                       }});
     dialog.openFor(view.library(), {call.selection.group(), call.selection.groupPath});
 }
 

@@ -349,6 +349,9 @@ void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureN
     app::runLong({app::text(kSaving)}, this, [&, path = pathOf(*filDatei_)](store::Progress&) {
         store::addPicture(*library_, group, name, path, ifExists);
     });
+    if (listener_.added) {
+        listener_.added(group, name);
+    }
 }
 
 void frmOpen::keyPressEvent(QKeyEvent* event) {

@@ -49,6 +49,7 @@ class frmOpen : public QDialog {
     struct Listener {
         std::function<void()> Aktualisieren;                   // the user goes back by button
         std::function<void(const std::exception&)> saveFailed; // after a box has told it
+        std::function<void(const store::GroupAddress&, const store::PictureName&)> added = {};
     };
     frmOpen(QWidget* owner, Listener listener);
     ~frmOpen() override;

@@ -1,0 +1,78 @@
+#include "browser/status_line.h"
+
+#include "app/named_control.h"
+#include "app/texts.h"
+
+#include <QHBoxLayout>
+
+namespace browser {
+namespace {
+
+constexpr app::TextPair kNone{u"Keine Bilder", u"No pictures"};
+constexpr app::TextPair kOne{u"1 Bild", u"1 picture"};
+constexpr app::TextPair kMany{u"%1 Bilder", u"%1 pictures"};
+constexpr app::TextPair kPage{u"Seite %1 von %2", u"Page %1 of %2"};
+constexpr int kSpacing = 16;
+
+} // namespace
+
+StatusLine::StatusLine(QWidget* parent)
+    : QWidget(parent),
+      lblErgebnis_(app::makePlainLabel("lblErgebnis", this)),
+      lblSeiten_(app::makePlainLabel("lblSeiten", this)) {
+    setObjectName(QStringLiteral("staZeile"));
+    lblErgebnis_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kSpacing);
+    row->addWidget(lblErgebnis_, 1);
+    row->addWidget(lblSeiten_);
+}
+
+void StatusLine::tell(const QString& result, const QString& details) {
+    result_ = result;
+    const QString all = details.isEmpty() ? result : result + u'\n' + details;
+    // A text that looks marked up would be shown so.
+    lblErgebnis_->setToolTip(QStringLiteral("<p style='white-space:pre'>") + all.toHtmlEscaped() +
+                             QStringLiteral("</p>"));
+    lblErgebnis_->setAccessibleDescription(all);
+    cut();
+}
+
+void StatusLine::cut() {
+    lblErgebnis_->setText(
+        lblErgebnis_->fontMetrics().elidedText(result_, Qt::ElideRight, lblErgebnis_->width()));
+}
+
+void StatusLine::showPages(const ShownPages& pages) {
+    QString text = pages.pictures == 0   ? app::text(kNone)
+                   : pages.pictures == 1 ? app::text(kOne)
+                                         : app::text(kMany).arg(pages.pictures);
+    if (pages.pages > 1) {
+        text += QStringLiteral(", ") + app::text(kPage).arg(pages.page).arg(pages.pages);
+    }
+    pages_ = text;
+    showNumbers();
+}
+
+void StatusLine::showNoGroup() {
+    pages_.clear();
+    showNumbers();
+}
+
+void StatusLine::showSelection(const QString& text) {
+    selection_ = text;
+    showNumbers();
+}
+
+void StatusLine::showNumbers() {
+    const bool both = !pages_.isEmpty() && !selection_.isEmpty();
+    lblSeiten_->setText(selection_ + (both ? QStringLiteral("   |   ") : QString()) + pages_);
+}
+
+void StatusLine::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    cut();
+}
+
+} // namespace browser

@@ -1,0 +1,47 @@
+// The line below the main window's parts: on its left what the last command has done, on its right
+// how many pictures the group has and which page of them is shown.
+#pragma once
+
+#include <QLabel>
+#include <QString>
+
+#include <cstddef>
+
+namespace browser {
+
+struct ShownPages {
+    std::size_t pictures = 0;
+    int page = 1;
+    int pages = 1;
+};
+
+class StatusLine : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit StatusLine(QWidget* parent);
+
+    // Stays until something else is told. What does not fit is cut; the tool tip has all of it, and
+    // `details`, lines of their own.
+    void tell(const QString& result, const QString& details = {});
+
+    void showPages(const ShownPages& pages);
+    // Of what is selected: sizes; empty for nothing.
+    void showSelection(const QString& text);
+    void showNoGroup();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void cut();
+    void showNumbers();
+
+    QLabel* lblErgebnis_;
+    QLabel* lblSeiten_;
+    QString result_;
+    QString pages_;
+    QString selection_;
+};
+
+} // namespace browser
