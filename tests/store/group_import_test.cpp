@@ -314,15 +314,13 @@ class RandomImport : public GroupImport {
 
     void fill(const GroupAddress& group, ModelGroup& model, int depth) {
         for (int i = pick(4); i > 0; --i) {
-            std::string name = "p"; // "p" + ... is refused by GCC 12 at -O3, by mistake
-            name += std::to_string(pick(1000));
+            const std::string name = "p" + std::to_string(pick(1000));
             const std::string rest = bytes();
             add(group, base::fromUtf8(name), rest);
             model.pictures[name] = "PIC480 480 " + rest;
         }
         for (int i = depth > 0 ? pick(4) : 0; i > 0; --i) {
-            std::string name = "g";
-            name += std::to_string(++groups_);
+            const std::string name = "g" + std::to_string(++groups_);
             model.groups.push_back({name, {}, {}});
             fill(subGroup(group, base::fromUtf8(name)), model.groups.back(), depth - 1);
         }
