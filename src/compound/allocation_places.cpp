@@ -153,13 +153,16 @@ std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose)
         addRange();
         found = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat);
     }
+    if (found == kNone) { // the format's last sectors
+        throwFull();
+    }
     return takePlaced(found);
 }
 
 // A transaction that gives back a good deal: what it writes goes as far to the front as it can, so
 // that the file can be cut.
 bool AllocationTable::freesMuch() const {
-    return pending_.size() > fresh_.size() + perSector_ / 16;
+    return leftEnd_ > 0 || pending_.size() > fresh_.size() + perSector_ / 16;
 }
 
 // The range to look into first: a FAT sector stays in its own.

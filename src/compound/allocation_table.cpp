@@ -405,6 +405,7 @@ void AllocationTable::committed() {
     looked_ = 0;
     home_.reset();
     runStart_ = runEnd_ = 0;
+    leftEnd_ = lastGaps_ = gapAt_ = 0;
     countsAll_ = false;
     scannedTo_ = 0;
     provided_ = 0;

@@ -58,6 +58,9 @@ class AllocationTable {
     // disk is full. False when that has been so already.
     bool stayInside();
 
+    // Whether that is so.
+    bool isFull() const { return insideLimit_ != format::kMaximumSector; }
+
     // Frees one sector; one that the committed state uses stays untouchable until the commit.
     void release(std::uint32_t sector);
 
@@ -93,6 +96,21 @@ class AllocationTable {
     bool canSpare(std::uint64_t sectors) const {
         return promised_ == 0 || provided_ >= promised_ + sectors;
     }
+
+    // Sectors before the last one in use that the transaction may take, beyond `reserve` and one of
+    // each range. Only estimated, from a few ranges of a large file, when that is not more than
+    // `allowed`.
+    std::uint64_t surplus(std::uint64_t reserve, std::uint64_t allowed);
+
+    // Sectors from `end` on that are in use, those of FAT and DIFAT apart.
+    std::uint64_t inChainsFrom(std::uint32_t end);
+
+    // What the transaction takes from now on lies before `end`, as long as there is room; FAT and
+    // DIFAT sectors behind it move.
+    void leave(std::uint32_t end);
+
+    // After leave(): takes a free sector before its end; kFreeSector when there is none.
+    std::uint32_t allocateGap();
 
     // Whether the transaction leaves fewer sectors free than it has found.
     bool takesMoreThanItFrees() const { return fresh_.size() > pending_.size(); }
@@ -210,7 +228,10 @@ class AllocationTable {
     std::optional<std::uint32_t> home_; // once asked for or moved: see home()
     std::uint32_t runStart_ = 0; // of the sectors that moveHome() has added in this transaction
     std::uint32_t runEnd_ = 0;
-    bool countsAll_ = false;                             // see missing(); the disk has proved full
+    std::uint32_t leftEnd_ = 0;  // see leave(); 0: it was not called
+    std::uint32_t lastGaps_ = 0; // that allocateGap() may take of the last range before it
+    std::uint32_t gapAt_ = 0;    // where allocateGap() looks next
+    bool countsAll_ = false;     // see missing(); the disk has proved full
     std::uint32_t insideLimit_ = format::kMaximumSector; // see stayInside()
     std::uint32_t scannedTo_ = 0; // ranges before it have nothing left for data
     std::uint64_t provided_ = 0;  // so many sectors at least may be taken inside the file

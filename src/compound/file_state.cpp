@@ -1,6 +1,7 @@
 #include "compound/file_state.h"
 
 #include "compound/error.h"
+#include "compound/gap_closing.h"
 
 #include <algorithm>
 #include <array>
@@ -157,6 +158,7 @@ void FileState::commit() {
     }
     requireWhole();
     inPieces_ = true;
+    closeGaps();
     SectorWrites writes;
     parts_->mini.writeOut(writes);
     header_.firstDirectory = parts_->directoryChain.first();
@@ -186,6 +188,16 @@ std::uint64_t FileState::reserve() {
     constexpr std::uint64_t kFew = 8;
     return kFew + parts_->directoryChain.count() + header_.miniFatSectors +
            parts_->table.difatSectors().size();
+}
+
+// Not on a full disk, where they are what changes live on.
+void FileState::closeGaps() {
+    if (!parts_->table.isFull()) {
+        Parts& parts = *parts_;
+        GapClosing(file_, parts.table, parts.directory, parts.directoryChain, parts.mini,
+                   parts.content)
+            .run(reserve());
+    }
 }
 
 void FileState::makeRoom(std::uint64_t bytes) {

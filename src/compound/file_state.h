@@ -93,6 +93,7 @@ class FileState {
     void startNewFile();
     std::uint64_t reserve();
     void keepReserve();
+    void closeGaps();
     void writeHeader();
     void putHeaderBack(const char* cause);
     void cutFreeTail() noexcept;

@@ -179,6 +179,17 @@ void MiniStream::releaseChain(std::uint32_t first) {
     exhausted_ = false;
 }
 
+std::uint64_t MiniStream::sectorsFrom(std::uint32_t end) {
+    load();
+    return table_->sectorsFrom(end) + data_->sectorsFrom(end);
+}
+
+void MiniStream::leave(std::uint32_t end) {
+    load();
+    table_->leave(end);
+    data_->leave(end);
+}
+
 void MiniStream::writeOut(SectorWrites& writes) {
     if (!data_) {
         return;

@@ -34,6 +34,10 @@ class MiniStream {
     // The mini sector behind `mini` in its chain, or kEndOfChain.
     std::uint32_t next(std::uint32_t mini);
 
+    // Of both chains, see SectorChain.
+    std::uint64_t sectorsFrom(std::uint32_t end);
+    void leave(std::uint32_t end);
+
     std::uint32_t entry(std::uint32_t mini); // as it stands in the mini FAT
     std::uint32_t count();                   // mini sectors that the mini stream holds
     std::size_t memory() const { return data_ ? table_->memory() + data_->memory() : 0; }

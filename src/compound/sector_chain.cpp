@@ -95,19 +95,23 @@ const std::byte* SectorChain::load(std::uint32_t index) {
 std::byte* SectorChain::write(std::uint32_t index) {
     read(index);
     pages_[index].dirty = anyDirty_ = true;
-    const std::uint32_t old = sectors_[index];
-    if (!table_.isFresh(old)) {
-        walkTo(index + 1);
-        const bool last = index + 1 == sectors_.size();
-        const std::uint32_t moved = table_.allocate(old, AllocationTable::Purpose::Chain);
-        table_.link(moved, last ? kEndOfChain : sectors_[index + 1]);
-        if (index > 0) {
-            table_.link(sectors_[index - 1], moved);
-        }
-        table_.release(old);
-        sectors_[index] = moved;
+    if (!table_.isFresh(sectors_[index])) {
+        move(index);
     }
     return pages_[index].bytes;
+}
+
+void SectorChain::move(std::uint32_t index) {
+    walkTo(index + 1);
+    const bool last = index + 1 == sectors_.size();
+    const std::uint32_t old = sectors_[index];
+    const std::uint32_t moved = table_.allocate(old, AllocationTable::Purpose::Chain);
+    table_.link(moved, last ? kEndOfChain : sectors_[index + 1]);
+    if (index > 0) {
+        table_.link(sectors_[index - 1], moved);
+    }
+    table_.release(old);
+    sectors_[index] = moved;
 }
 
 // The sector of a new page. A transaction that adds many takes ever more at a time, so that the
@@ -142,14 +146,41 @@ std::uint32_t SectorChain::append(std::byte fill) {
     return index;
 }
 
-void SectorChain::writeOut(SectorWrites& writes) {
-    if (!anyDirty_) {
-        return;
-    }
+void SectorChain::giveBackKept() {
     for (; !kept_.empty(); kept_.pop_back()) {
         table_.release(kept_.back());
     }
     appended_ = 0;
+}
+
+std::uint64_t SectorChain::sectorsFrom(std::uint32_t end) {
+    giveBackKept();
+    count();
+    return static_cast<std::uint64_t>(std::count_if(sectors_.begin(), sectors_.end(),
+                                                    [&](std::uint32_t at) { return at >= end; }));
+}
+
+void SectorChain::leave(std::uint32_t end) {
+    for (std::uint32_t index = 0; index < count(); ++index) {
+        if (sectors_[index] >= end && isReadable(index)) {
+            pages_[index].dirty = anyDirty_ = true;
+            move(index);
+        }
+    }
+}
+
+bool SectorChain::isReadable(std::uint32_t index) try {
+    read(index);
+    return true;
+} catch (const Error&) {
+    return false;
+}
+
+void SectorChain::writeOut(SectorWrites& writes) {
+    if (!anyDirty_) {
+        return;
+    }
+    giveBackKept();
     for (std::uint32_t index = 0; index < pages_.size(); ++index) {
         if (pages_[index].dirty) {
             writes.add(sectors_[index], std::span(pages_[index].bytes, file_.sectorSize()));

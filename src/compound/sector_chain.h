@@ -39,6 +39,11 @@ class SectorChain {
     // Adds a page of `fill` bytes; returns its index.
     std::uint32_t append(std::byte fill);
 
+    // How many of its sectors lie from sector `end` on, and the moving of their pages, which goes
+    // wherever the table puts it; one that cannot be read stays. Sectors taken for appending go.
+    std::uint64_t sectorsFrom(std::uint32_t end);
+    void leave(std::uint32_t end);
+
     // Pages known so far, without walking on.
     std::uint32_t walked() const { return static_cast<std::uint32_t>(sectors_.size()); }
 
@@ -60,6 +65,9 @@ class SectorChain {
     };
 
     std::uint32_t takeForAppending();
+    void giveBackKept();
+    void move(std::uint32_t index);
+    bool isReadable(std::uint32_t index);
     void walkTo(std::uint32_t index);
     const std::byte* load(std::uint32_t index);
     void loadPages(std::uint32_t index);

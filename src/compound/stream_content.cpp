@@ -191,4 +191,63 @@ void StreamContent::appendSectors(EntryId id, std::span<const std::byte> bytes) 
     cachedId_ = id;
 }
 
+std::uint64_t StreamContent::sectorsFrom(EntryId id, std::uint32_t end) {
+    const std::vector<std::uint32_t>& chain = chainOf(id);
+    return static_cast<std::uint64_t>(
+        std::count_if(chain.begin(), chain.end(), [&](std::uint32_t at) { return at >= end; }));
+}
+
+void StreamContent::leave(EntryId id, std::uint32_t end) {
+    const std::vector<std::uint32_t> before = chainOf(id);
+    std::vector<std::uint32_t> after = before;
+    for (std::uint32_t& sector : after) {
+        const std::uint32_t gap = sector < end ? kFreeSector : table_.allocateGap();
+        sector = gap == kFreeSector ? sector : gap;
+    }
+    const bool isCopied = copyMoved(before, after);
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        if (after[i] != before[i]) {
+            table_.release(isCopied ? before[i] : after[i]);
+        }
+    }
+    if (!isCopied) {
+        return;
+    }
+    cachedId_ = kNoEntry;
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        const bool isLast = i + 1 == after.size();
+        if (after[i] != before[i] || (!isLast && after[i + 1] != before[i + 1])) {
+            table_.link(after[i], isLast ? kEndOfChain : after[i + 1]);
+        }
+    }
+    if (after.front() != before.front()) {
+        directory_.setContent(id, after.front(), directory_.size(id));
+    }
+}
+
+// Copies the sectors of a chain that have got another place, those that lie in a row before and
+// after in one go. False when the medium will not have it: that one picture cannot be read must not
+// keep others from being changed.
+bool StreamContent::copyMoved(const std::vector<std::uint32_t>& before,
+                              const std::vector<std::uint32_t>& after) try {
+    constexpr std::size_t kMost = 256; // sectors in memory
+    std::vector<std::byte> bytes;
+    for (std::size_t from = 0, to = 0; from < after.size(); from = to) {
+        to = from + 1;
+        if (after[from] == before[from]) {
+            continue;
+        }
+        while (to < after.size() && to - from < kMost && before[to] == before[to - 1] + 1 &&
+               after[to] == after[to - 1] + 1) {
+            ++to;
+        }
+        bytes.resize((to - from) * file_.sectorSize());
+        file_.read(before[from], bytes);
+        file_.write(after[from], bytes);
+    }
+    return true;
+} catch (const Error&) {
+    return false;
+}
+
 } // namespace compound

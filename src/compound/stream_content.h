@@ -38,6 +38,11 @@ class StreamContent {
     // Frees what the stream occupies; the entry still names it.
     void release(EntryId id);
 
+    // For a stream of 4096 bytes and more: how many of its sectors lie from sector `end` on, and
+    // their moving into gaps before it, as long as there are any. One that cannot be copied stays.
+    std::uint64_t sectorsFrom(EntryId id, std::uint32_t end);
+    void leave(EntryId id, std::uint32_t end);
+
   private:
     bool isMini(std::uint64_t size) const { return size < format::kMiniStreamCutoff; }
     const std::vector<std::uint32_t>& chainOf(EntryId id);
@@ -46,6 +51,8 @@ class StreamContent {
     void store(std::span<const std::byte> bytes, std::vector<std::uint32_t>& chain);
     void extendChain(std::vector<std::uint32_t>& chain, std::size_t count);
     void writeSectors(std::span<const std::uint32_t> sectors, std::span<const std::byte> bytes);
+    bool copyMoved(const std::vector<std::uint32_t>& before,
+                   const std::vector<std::uint32_t>& after);
     void appendSectors(EntryId id, std::span<const std::byte> bytes);
 
     SectorFile& file_;

@@ -317,6 +317,39 @@ TEST_P(FailureTest, DroppedChangesLeaveNoTrace) {
     EXPECT_EQ(findingsOf(disk, kPath), "");
 }
 
+// One picture on a bad place of the medium keeps no other from being changed, though the room that
+// others have left cannot be filled with it.
+TEST_P(FailureTest, WhatCannotBeReadStaysWhereItIs) {
+    MemoryDisk disk;
+    disk.setContent(kPath, makeBase(GetParam(), 20));
+    CompoundFile file = openFile(disk, kPath);
+    auto pumps = file.root().openStorage(u"Pumps");
+    for (char16_t letter = u'a'; letter < u'i'; ++letter) {
+        pumps.destroy(u"picture" + std::u16string(1, letter));
+    }
+    file.commit();
+    EXPECT_TRUE(file.check().empty()); // and all but the pictures is in memory
+    const std::size_t size = disk.content(kPath).size();
+    disk.setInterceptor([](Call kind) {
+        if (kind == Call::Read) {
+            throw Error(ErrorCode::Failed, kPath, "a bad sector");
+        }
+    });
+    pumps.rename(u"picturek", u"other");
+    file.commit();
+    disk.setInterceptor({});
+    EXPECT_GT(disk.content(kPath).size() + 20000, size);
+    const Content before = contentOf(file);
+    pumps.rename(u"other", u"picturek");
+    file.commit();
+    EXPECT_LT(disk.content(kPath).size(), size - 20000);
+    Content after = contentOf(disk, kPath);
+    EXPECT_TRUE(after.at(u"Pumps/picturek") == before.at(u"Pumps/other"));
+    after[u"Pumps/other"] = after.extract(u"Pumps/picturek").mapped();
+    EXPECT_TRUE(after == before);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
 TEST(MessageTest, NamesAreShownAsTheyAreWritten) {
     MemoryDisk disk;
     CompoundFile file = CompoundFile::create(disk.create(kPath));

@@ -290,29 +290,71 @@ TEST_P(SpaceTest, ReserveStaysWhereverItLies) {
 }
 
 // Free sectors that a file may have: the reserve, one for each FAT sector, and `more`.
-std::uint32_t allowedFree(const RawFile& raw, std::uint32_t directoryPages, std::uint32_t more) {
+std::uint32_t allowedFree(const RawFile& raw, std::uint32_t more) {
     constexpr std::uint32_t kFew = 8;
+    std::uint32_t directoryPages = 0;
+    for (std::uint32_t at = raw.get(header::kFirstDirectoryAt); at != kEndOfChain;
+         at = raw.get(raw.fatEntry(at))) {
+        ++directoryPages;
+    }
     return kFew + directoryPages + raw.get(header::kMiniFatSectorsAt) +
            raw.get(header::kFatSectorsAt) + more;
 }
 
-// Streams of all sizes, added in one transaction.
-TEST_P(SpaceTest, LittleStandsFreeAfterABatch) {
-    constexpr std::uint32_t kStreams = 180;
+// Pictures of all sizes come, are replaced and go; their number stays about the same. A change can
+// fill what the ones before it have left, and not what it frees itself.
+TEST_P(SpaceTest, LittleStandsFreeAfterABatchAndAfterALongHistory) {
+    constexpr std::size_t kPictures = 180;
+    constexpr std::uint32_t kLargest = 64; // sectors of a picture
     MemoryDisk disk;
-    CompoundFile file = CompoundFile::create(disk.create(kPath), GetParam());
+    CompoundFile::create(disk.create(kPath), GetParam()).commit();
     std::mt19937 random(3);
-    for (std::uint32_t i = 0; i < kStreams; ++i) {
+    std::vector<std::size_t> present;
+    std::size_t added = 0;
+    const auto sizeOfNext = [&] {
         const double sectors = std::exp2(std::uniform_real_distribution<>(-3, 6)(random));
-        const auto size = static_cast<std::size_t>(sectors * static_cast<double>(GetParam()));
-        file.root().createStream(nameOf(u'p', i)).assign(patterned(size, 1));
-        file.root().createStream(nameOf(u'r', i)).assign(patterned(12, 2));
+        return static_cast<std::size_t>(sectors * static_cast<double>(GetParam()));
+    };
+    const auto change = [&](std::size_t adds, std::size_t replaces, std::size_t deletes) {
+        CompoundFile file = openFile(disk, kPath);
+        auto root = file.root();
+        for (; adds > 0; --adds, ++added) {
+            root.createStream(nameOf(u'p', added)).assign(patterned(sizeOfNext(), 1));
+            root.createStream(nameOf(u'r', added)).assign(patterned(12, 2));
+            present.push_back(added);
+        }
+        for (; replaces > 0; --replaces) {
+            const std::size_t number = present[random() % present.size()];
+            root.openStream(nameOf(u'p', number)).assign(patterned(sizeOfNext(), 3));
+        }
+        for (; deletes > 0; --deletes) {
+            std::swap(present[random() % present.size()], present.back());
+            root.destroy(nameOf(u'p', present.back()));
+            root.destroy(nameOf(u'r', present.back()));
+            present.pop_back();
+        }
+        file.commit();
+    };
+    const auto expectDense = [&](std::uint32_t more) {
+        const RawFile raw(disk.content(kPath));
+        EXPECT_LE(freeSectors(raw), allowedFree(raw, more)) << "of " << raw.sectors();
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+    };
+    const auto afterHistory = [&] {
+        const RawFile raw(disk.content(kPath));
+        return std::max(16U, raw.sectors() / 128) + kLargest;
+    };
+    change(kPictures, 0, 0);
+    expectDense(8);
+    for (int round = 0; round < 400; ++round) {
+        change(random() % 3, 1, present.size() > kPictures ? 2 : 0);
     }
-    file.commit();
-    const RawFile raw(disk.content(kPath));
-    const std::uint32_t pages = (2 * kStreams + 1) * 128 / static_cast<std::uint32_t>(GetParam());
-    EXPECT_LE(freeSectors(raw), allowedFree(raw, pages, 8)) << "of " << raw.sectors();
-    EXPECT_EQ(findingsOf(disk, kPath), "");
+    expectDense(afterHistory());
+    change(0, 0, present.size() - present.size() / 3); // in one go, and then one by one
+    for (int round = 0; round < 10; ++round) {
+        change(0, 0, 1);
+    }
+    expectDense(afterHistory());
 }
 
 std::uint64_t miniStreamSize(MemoryDisk& disk) {

@@ -300,6 +300,28 @@ std::vector<Scenario> pictureScenarios() {
     };
 }
 
+// Deletions that leave room behind; once it is a good deal, what lies at the end moves there.
+Scenario gapScenario() {
+    const auto remove = [](std::size_t number) {
+        return [number](const Library& library) {
+            store::deletePicture(library, kSteel, {numbered(u"panel ", number)});
+        };
+    };
+    Scenario scenario{"CloseGaps",
+                      {{"leave a gap", remove(0)},
+                       {"leave another one", remove(1)},
+                       {"close them with what lies at the end", remove(2)},
+                       {"close one of several with a part of a picture", remove(4)},
+                       {"add in what is left",
+                        [](const Library& library) { add(library, kSteel, u"after", 4097); }}}};
+    scenario.prepare = [](const Library& library) {
+        for (std::size_t i = 0; i < 8; ++i) {
+            add(library, kSteel, numbered(u"panel ", i), 30000);
+        }
+    };
+    return scenario;
+}
+
 // Past 109 allocation sectors of a file with 512-byte sectors, and past the first one of a file
 // with 4096-byte sectors.
 Scenario largeFileScenario() {
@@ -330,6 +352,7 @@ std::vector<Scenario> allScenarios() {
     for (Scenario& scenario : pictureScenarios()) {
         all.push_back(std::move(scenario));
     }
+    all.push_back(gapScenario());
     all.push_back(largeFileScenario());
     return all;
 }

@@ -1,0 +1,69 @@
+#include "compound/gap_closing.h"
+
+#include "compound/error.h"
+
+#include <algorithm>
+
+namespace compound {
+
+using namespace format;
+
+void GapClosing::run(std::uint64_t reserve) {
+    constexpr std::uint64_t kMostBytes = std::uint64_t{16} << 20U; // moved in one transaction
+    constexpr std::uint64_t kFew = 16;
+    constexpr std::uint32_t kPart = 128; // of the file
+    const std::uint32_t used = table_.usedEnd();
+    const std::uint64_t allowed = std::max<std::uint64_t>(kFew, used / kPart);
+    const std::uint64_t surplus = table_.surplus(reserve, allowed);
+    if (surplus <= allowed) {
+        return;
+    }
+    const std::uint64_t length = std::min(surplus, kMostBytes / file_.sectorSize());
+    if (length <= kFew || length >= used) {
+        return;
+    }
+    const auto tail = tailFrom(used - static_cast<std::uint32_t>(length));
+    if (!tail) {
+        return;
+    }
+    table_.leave(tail->end);
+    for (const EntryId stream : tail->streams) {
+        content_.leave(stream, tail->end);
+    }
+    mini_.leave(tail->end);
+    directoryChain_.leave(tail->end);
+}
+
+// Nothing when the sectors in use are more, or others, than the chains hold: another program's
+// mistake, which is none of a commit's business.
+std::optional<GapClosing::Tail> GapClosing::tailFrom(std::uint32_t end) {
+    Tail tail{end, {}, 0};
+    try {
+        addStreams(tail);
+        tail.sectors += mini_.sectorsFrom(end) + directoryChain_.sectorsFrom(end);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Damaged) {
+            throw;
+        }
+        return std::nullopt;
+    }
+    return tail.sectors == table_.inChainsFrom(end) ? std::optional(tail) : std::nullopt;
+}
+
+void GapClosing::addStreams(Tail& tail) {
+    const std::uint64_t count = directory_.count();
+    for (EntryId id = DirectoryEntries::kRoot + 1; id < count; ++id) {
+        const auto type = static_cast<EntryType>(
+            std::to_integer<std::uint8_t>(directory_.raw(id)[entry::kTypeAt]));
+        if (type != EntryType::Stream || directory_.size(id) < kMiniStreamCutoff) {
+            continue;
+        }
+        const std::uint64_t sectors = content_.sectorsFrom(id, tail.end);
+        if (sectors > 0) {
+            tail.sectors += sectors;
+            tail.streams.push_back(id);
+        }
+    }
+}
+
+} // namespace compound

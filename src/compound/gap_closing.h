@@ -1,0 +1,54 @@
+// Gives space back that deletions have left between what is in use: once a good deal of a file
+// stands free, what lies at its end moves into the gaps before, and the commit cuts the file.
+#pragma once
+
+#include "compound/allocation_table.h"
+#include "compound/directory_entries.h"
+#include "compound/mini_stream.h"
+#include "compound/sector_chain.h"
+#include "compound/sector_file.h"
+#include "compound/stream_content.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace compound {
+
+class GapClosing {
+  public:
+    // All parts of one file and its transaction.
+    GapClosing(SectorFile& file, AllocationTable& table, DirectoryEntries& directory,
+               SectorChain& directoryChain, MiniStream& mini, StreamContent& content)
+        : file_(file),
+          table_(table),
+          directory_(directory),
+          directoryChain_(directoryChain),
+          mini_(mini),
+          content_(content) {}
+
+    // Part of the transaction, before its chains are written out. Nothing happens as long as little
+    // more than `reserve` sectors stands free, or when the file's end holds what is in no sound
+    // chain; a large surplus goes in steps, one a transaction.
+    void run(std::uint64_t reserve);
+
+  private:
+    // What the sectors from `end` on hold: streams, in parts at least; how many sectors it is.
+    struct Tail {
+        std::uint32_t end = 0;
+        std::vector<EntryId> streams;
+        std::uint64_t sectors = 0;
+    };
+
+    std::optional<Tail> tailFrom(std::uint32_t end);
+    void addStreams(Tail& tail);
+
+    SectorFile& file_;
+    AllocationTable& table_;
+    DirectoryEntries& directory_;
+    SectorChain& directoryChain_;
+    MiniStream& mini_;
+    StreamContent& content_;
+};
+
+} // namespace compound
