@@ -29,13 +29,15 @@ std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count
 // The same of several ranges, once `wanted` are found no more than that. Which ranges count follows
 // from the file alone, and not from what is in memory: what a commit keeps is what check() expects.
 std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count, Free which) {
-    constexpr std::size_t kCounted = 8;
+    // At the least; a file of very many elements keeps more than so few can hold.
+    constexpr std::uint64_t kCounted = 8;
     loadDifat();
-    const std::size_t size = ranges_.size();
-    const std::size_t first = countsAll_ || !canGrow() || size <= kCounted ? 0 : size - kCounted;
+    const std::uint64_t size = ranges_.size();
+    const std::uint64_t counted = kCounted + 2 * wanted / perSector_;
+    const std::uint64_t first = countsAll_ || !canGrow() || size <= counted ? 0 : size - counted;
     const std::uint32_t atHome = header_.firstDirectory / perSector_;
     std::uint64_t found = atHome < first ? usableIn(atHome, count, which) : 0;
-    for (std::size_t index = size; index-- > first && found < wanted;) {
+    for (std::uint64_t index = size; index-- > first && found < wanted;) {
         found += usableIn(static_cast<std::uint32_t>(index), count, which);
     }
     return found;

@@ -289,6 +289,25 @@ TEST_P(SpaceTest, ReserveStaysWhereverItLies) {
     }
 }
 
+// As in a group of some hundred thousand pictures, in sectors of 4096 bytes.
+TEST(ReserveTest, MayBeLargerThanAFewRanges) {
+    constexpr std::size_t kElements = 6000;
+    constexpr std::size_t kSector = 512;
+    constexpr std::size_t kPages = kElements * 128 / kSector;
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+    for (std::size_t i = 0; i < kElements; ++i) {
+        file.root().createStream(nameOf(u'p', i));
+    }
+    file.commit();
+    file.makeRoom(100);
+    file.root().createStream(u"added").assign(patterned(100, 1));
+    file.commit();
+    EXPECT_GE(freeSectors(RawFile(disk.content(kPath))), kPages);
+    EXPECT_LT(disk.content(kPath).size(), 3 * kPages * kSector);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
 // Free sectors that a file may have: the reserve, one for each FAT sector, and `more`.
 std::uint32_t allowedFree(const RawFile& raw, std::uint32_t more) {
     constexpr std::uint32_t kFew = 8;
