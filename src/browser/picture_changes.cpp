@@ -57,7 +57,7 @@ bool PicturePanel::takeChanges(const groups::GroupContent& content) {
     return true;
 }
 
-// The page stays the same one as long as there is any picture on it.
+// What is on the screen stays as long as there is any picture on it.
 void PicturePanel::updatePage() {
     const std::size_t cells = strip_->cells();
     if (cells == 0) {
@@ -67,7 +67,7 @@ void PicturePanel::updatePage() {
         const QSignalBlocker quiet(imgScroll_);
         imgScroll_->setRange(1, lastPage(listed_.elements, cells));
     }
-    const std::size_t start = startIndexOf(imgScroll_->value(), cells);
+    const std::size_t start = pageStart();
     const auto first = std::lower_bound(listed_.elements.begin(), listed_.elements.end(), start);
     std::vector<QString> names;
     for (auto i = static_cast<std::size_t>(first - listed_.elements.begin());

@@ -81,8 +81,9 @@ void PicturePanel::connectStrip() {
     connect(strip_, &ThumbnailStrip::activatedByKey, this, &PicturePanel::editWantedByKey);
     connect(strip_, &ThumbnailStrip::popUpWanted, this, &PicturePanel::picturePopUpWanted);
     connect(strip_, &ThumbnailStrip::pointerOver, txtName_, &ThumbnailToolTip::pointerOver);
-    connect(strip_, &ThumbnailStrip::pagesWanted, this,
-            [this](int pages) { imgScroll_->setValue(imgScroll_->value() + pages); });
+    connect(strip_, &ThumbnailStrip::pagesWanted, this, &PicturePanel::turnPages);
+    connect(strip_, &ThumbnailStrip::rowsWanted, this, &PicturePanel::scrollRows);
+    connect(strip_, &ThumbnailStrip::pictureWanted, this, &PicturePanel::showPageOf);
 }
 
 void PicturePanel::connectList() {
@@ -142,98 +143,6 @@ void PicturePanel::stopLoading() {
     Timer1_->stop();
     loader_.stop();
     imgVorschau_->showNothing();
-}
-
-// --- Layout and pages
-
-void PicturePanel::layOutSoon() {
-    if (GraphicalPreview_) {
-        Timer1_->start();
-    }
-}
-
-void PicturePanel::layOutGrid() {
-    Timer1_->stop();
-    strip_->setGrid(gridFor(qRound(area_.width), qRound(area_.height)));
-}
-
-// The list may have become the view while the timer ran.
-void PicturePanel::onTimer() {
-    if (!GraphicalPreview_) {
-        return;
-    }
-    if (app::isLongOperationRunning()) { // which may hold the group's file until it ends
-        Timer1_->start();
-        return;
-    }
-    layOutGrid();
-    SetImgScrollProperties();
-    onScrollChanged();
-}
-
-store::PictureNames PicturePanel::readNames() const {
-    if (library_ == nullptr || !group_) {
-        return {};
-    }
-    try {
-        return store::listPictureNames(*library_, *group_);
-    } catch (const std::exception&) {
-        return {};
-    }
-}
-
-void PicturePanel::SetImgScrollProperties() {
-    const QSignalBlocker quiet(imgScroll_);
-    imgScroll_->setRange(1, lastPage(readNames().elements, strip_->cells()));
-}
-
-void PicturePanel::onScrollChanged() {
-    MiniVorschau(startIndexOf(imgScroll_->value(), strip_->cells()));
-}
-
-void PicturePanel::MiniVorschau(std::size_t startIndex) {
-    ++listing_;
-    loader_.stop();
-    strip_->clear();
-    hideToolTip(); // it names what was below the pointer until now
-    const std::size_t cells = strip_->cells();
-    if (!group_ || cells == 0 || !GraphicalPreview_) {
-        return;
-    }
-    {
-        const QSignalBlocker quiet(imgScroll_);
-        imgScroll_->setValue(static_cast<int>(startIndex / cells) + 1);
-    }
-    listed_ = readNames();
-    const std::vector<std::size_t>& all = listed_.elements;
-    const bool isPastEnd = all.empty() || all.back() < startIndex;
-    if (isPastEnd && !all.empty()) { // another program has removed what stood on that page
-        SetImgScrollProperties();
-        onScrollChanged();
-        return;
-    }
-    emit pagesShown({all.size(), imgScroll_->value(), imgScroll_->maximum()});
-    if (isPastEnd) {
-        ShowNoPicture();
-        return;
-    }
-    loadPage(startIndex);
-}
-
-// Cells that show their picture already keep it until it comes anew.
-void PicturePanel::loadPage(std::size_t startIndex) {
-    const std::size_t cells = strip_->cells();
-    const std::vector<std::size_t>& all = listed_.elements;
-    const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
-    const auto count =
-        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
-    const auto firstName = listed_.names.begin() + (first - all.begin());
-    strip_->expect(static_cast<int>(count), repeatedPictures(all, startIndex, cells));
-    loader_.start(*library_, {*group_,
-                              {firstName, firstName + count},
-                              listed_.stamp,
-                              ThumbnailStrip::pictureArea(),
-                              strip_->devicePixelRatioF()});
 }
 
 // --- The group's pictures
@@ -310,7 +219,7 @@ void PicturePanel::Aktualisieren() {
         return;
     }
     SetImgScrollProperties();
-    onScrollChanged();
+    showPageAgain();
     showAgain();
     emit menuStateWanted();
 }
@@ -347,7 +256,7 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
         return;
     }
     SetImgScrollProperties();
-    onScrollChanged();
+    showPageAgain();
 }
 
 void PicturePanel::PictureDeleted(const store::GroupAddress& group,
@@ -357,25 +266,6 @@ void PicturePanel::PictureDeleted(const store::GroupAddress& group,
         turnToShownPicture();
     }
     Aktualisieren();
-}
-
-// What a key acts on next must not stand on a page that nobody sees. The page is not filled yet.
-void PicturePanel::turnToShownPicture() {
-    const std::size_t cells = strip_->cells();
-    std::optional<store::PicturePlace> place;
-    try {
-        if (library_ != nullptr && group_ && shownPicture_.name()) {
-            place = store::placeOfPicture(*library_, *group_, *shownPicture_.name());
-        }
-    } catch (const std::exception&) {
-        place.reset();
-    }
-    const std::size_t start = startIndexOf(imgScroll_->value(), cells);
-    if (!place || cells == 0 || isOnPage(readNames().elements, start, cells, place->element)) {
-        return;
-    }
-    const QSignalBlocker quiet(imgScroll_);
-    imgScroll_->setValue(pageOf(place->element, cells));
 }
 
 void PicturePanel::FillListView(const store::GroupAddress& group) {
@@ -408,6 +298,7 @@ void PicturePanel::VorschauAktiviert() {
     lvwInfo_->hide();
     strip_->show();
     imgScroll_->show();
+    turnsToShown_ = true; // once it is known how many stand on a page
     Timer1_->start();
     strip_->setCellsVisible(true);
 }
@@ -418,7 +309,10 @@ void PicturePanel::VorschauDeaktiviert() {
     lvwInfo_->show();
     if (group_) {
         FillListView(*group_);
-        showListRow();
+        lvwInfo_->select(shownPicture_.nameText());
+        if (shownPicture_.isUnchosen() || lvwInfo_->selectedName() != shownPicture_.nameText()) {
+            showListRow();
+        }
     } else {
         lvwInfo_->fill(group_, {});
     }

@@ -126,6 +126,13 @@ class PicturePanel : public QObject {
     void connectList();
     void onScrollChanged();
     void onTimer();
+    std::size_t pageStart() const; // the element with which the screen begins
+    void showPage(int page);
+    void showPageAgain();
+    void showPageNumber();
+    void turnPages(int pages);
+    void scrollRows(int rows);
+    void showPageOf(int position);
     void choose(const store::PictureName& picture);
     void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);
@@ -150,6 +157,8 @@ class PicturePanel : public QObject {
     const store::Library* library_ = nullptr;
     std::optional<store::GroupAddress> group_;
     store::PictureNames listed_; // the group's pictures when they were shown last
+    std::size_t start_ = 0;      // with which the thumbnails began last
+    bool turnsToShown_ = false;  // when the thumbnails are laid out
     int listing_ = 0;            // counts how often they were
     int askedListing_ = -1;      // of the last look's question
     app::TwipRect area_;

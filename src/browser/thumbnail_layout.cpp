@@ -61,42 +61,39 @@ int lastPage(std::span<const std::size_t> pictureIndexes, std::size_t cells) {
     return pageOf(pictureIndexes.back(), cells);
 }
 
-int repeatedPictures(std::span<const std::size_t> pictureIndexes, std::size_t start,
-                     std::size_t cells) {
-    if (start < cells) {
+int moveFrom(int from, const ShownRange& shown, int columns, Step step) {
+    const int last = shown.all - 1;
+    if (step == Step::Last) {
+        return last;
+    }
+    if (step == Step::First) {
         return 0;
     }
-    const auto positionOf = [pictureIndexes](std::size_t element) {
-        return std::lower_bound(pictureIndexes.begin(), pictureIndexes.end(), element) -
-               pictureIndexes.begin();
-    };
-    const auto behindPageBefore = positionOf(start - cells) + static_cast<std::ptrdiff_t>(cells);
-    return static_cast<int>(std::max<std::ptrdiff_t>(0, behindPageBefore - positionOf(start)));
-}
-
-Move moveFrom(int cell, int filled, int columns, int cells, Step step) {
-    const int last = std::max(0, filled - 1);
-    if (step == Step::Last) {
-        return {last, 0};
-    }
-    if (step == Step::First || cell < 0) {
-        return {0, 0};
+    if (from < 0) {
+        return shown.first;
     }
     const bool backwards = step == Step::Left || step == Step::Up;
     const int distance = step == Step::Up || step == Step::Down ? std::max(1, columns) : 1;
-    const int target = backwards ? cell - distance : cell + distance;
+    const int target = backwards ? from - distance : from + distance;
     if (target < 0) {
-        return {step == Step::Left ? cells - 1 : target + cells, -1};
-    }
-    if (target >= cells) {
-        return {target - cells, 1};
+        return from;
     }
     if (target > last) {
         // The row below is shorter: its end is the nearest there is.
-        const bool hasRowBelow = step == Step::Down && last / columns > cell / columns;
-        return {hasRowBelow ? last : cell, 0};
+        const auto rowOf = [&](int position) { return (position - shown.first) / distance; };
+        return step == Step::Down && rowOf(last) > rowOf(from) ? last : from;
     }
-    return {target, 0};
+    return target;
+}
+
+int scrolledFirst(const ShownRange& shown, const GridSize& grid, int rows) {
+    const int columns = std::max(1, grid.columns);
+    const auto rowsOf = [columns](int pictures) {
+        return (std::max(0, pictures) + columns - 1) / columns;
+    };
+    const int below = rowsOf(shown.all - shown.first - shown.count);
+    const int above = rowsOf(shown.first);
+    return std::max(0, shown.first + std::clamp(rows, -above, below) * columns);
 }
 
 } // namespace browser

@@ -43,21 +43,22 @@ bool isOnPage(std::span<const std::size_t> pictureIndexes, std::size_t start, st
 // The last page on which some picture is shown; `pictureIndexes` ascending. At least 1.
 int lastPage(std::span<const std::size_t> pictureIndexes, std::size_t cells);
 
-// How many of the pictures at the beginning of the page from element `start` on stand at the end of
-// the page before as well: that one takes pictures until its cells are full, and so goes past its
-// own elements where some of them are no pictures.
-int repeatedPictures(std::span<const std::size_t> pictureIndexes, std::size_t start,
-                     std::size_t cells);
-
-// Where the selection moves within one page.
-enum class Step { Left, Right, Up, Down, First, Last };
-
-struct Move {
-    int cell = 0;
-    int pages = 0; // -1, 0 or 1: the page to which `cell` belongs, relative to the present one
+// What of the group's pictures is on the screen, by their positions in the group.
+struct ShownRange {
+    int first = 0;
+    int count = 0;
+    int all = 0;
 };
 
-// From `cell` (-1: none) on a page with `filled` cells in a grid of `columns`.
-Move moveFrom(int cell, int filled, int columns, int cells, Step step);
+// Where the selection moves.
+enum class Step { Left, Right, Up, Down, First, Last };
+
+// The position to go to from the picture at position `from` (-1: none that is shown), in a grid of
+// `columns`; it may not be on the screen. Something is shown.
+int moveFrom(int from, const ShownRange& shown, int columns, Step step);
+
+// The position of the first picture on the screen after scrolling by so many rows (up if negative),
+// as far as there is anything to be seen beyond.
+int scrolledFirst(const ShownRange& shown, const GridSize& grid, int rows);
 
 } // namespace browser

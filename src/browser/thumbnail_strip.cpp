@@ -112,17 +112,11 @@ void ThumbnailStrip::setGrid(const GridSize& grid) {
 }
 
 void ThumbnailStrip::clear() {
-    ++pageNumber_;
     chooseWhenShown_ = -1;
-    expect(0, 0);
+    expect({});
     for (ThumbnailCell* cell : cells_) {
         cell->clear();
     }
-}
-
-void ThumbnailStrip::expect(int pictures, int repeated) {
-    expected_ = pictures;
-    repeated_ = repeated;
 }
 
 void ThumbnailStrip::clearTags() {
@@ -202,23 +196,19 @@ void ThumbnailStrip::chooseSoon(int index) {
 }
 
 void ThumbnailStrip::step(Step wanted) {
-    if (expected_ == 0) {
+    if (shown_.count == 0) {
         return;
     }
-    const Move move =
-        moveFrom(markedCell(), expected_, grid_.columns, static_cast<int>(cells_.size()), wanted);
-    if (move.pages == 0) {
-        chooseSoon(move.cell);
-        return;
+    const int marked = markedCell();
+    const int target =
+        moveFrom(marked < 0 ? -1 : shown_.first + marked, shown_, grid_.columns, wanted);
+    if (target < shown_.first || target >= shown_.first + shown_.count) {
+        emit pictureWanted(target);
     }
-    const int repeatedHere = repeated_;
-    const int page = pageNumber_;
-    emit pagesWanted(move.pages);
-    if (page == pageNumber_) {
-        return; // there is no such page
+    // Others may have changed the group meanwhile.
+    if (shown_.count > 0) {
+        chooseSoon(std::clamp(target - shown_.first, 0, shown_.count - 1));
     }
-    const int cell = move.pages > 0 ? move.cell + repeated_ : move.cell - repeatedHere;
-    chooseSoon(std::clamp(cell, 0, std::max(0, expected_ - 1)));
 }
 
 void ThumbnailStrip::keyPressEvent(QKeyEvent* event) {
@@ -292,10 +282,10 @@ void ThumbnailStrip::contextMenuEvent(QContextMenuEvent* event) {
 void ThumbnailStrip::wheelEvent(QWheelEvent* event) {
     constexpr int kNotch = 120;
     wheelRest_ += event->angleDelta().y();
-    const int pages = -wheelRest_ / kNotch;
+    const int rows = -wheelRest_ / kNotch;
     wheelRest_ %= kNotch;
-    if (pages != 0) {
-        emit pagesWanted(pages);
+    if (rows != 0) {
+        emit rowsWanted(rows);
     }
     event->accept();
 }

@@ -65,9 +65,9 @@ class ThumbnailStrip : public QFrame {
 
     void setCellsVisible(bool visible);
 
-    // How many pictures the page will show once all of them are there, and how many of them, from
-    // the first one on, the page before shows as well. None after clear().
-    void expect(int pictures, int repeated);
+    // What the page shows once all of its pictures are there. Nothing after clear().
+    void expect(const ShownRange& shown) { shown_ = shown; }
+    const ShownRange& shown() const { return shown_; }
 
   signals:
     void chosen(const QString& name);
@@ -76,7 +76,9 @@ class ThumbnailStrip : public QFrame {
     void popUpWanted(const QPoint& globalPosition);
     // The pointer is over that picture; an empty name: over none.
     void pointerOver(const QString& name, const QPoint& globalPosition);
-    void pagesWanted(int pages); // forward, or backward if negative
+    void pagesWanted(int pages);      // forward, or backward if negative
+    void rowsWanted(int rows);        // the same
+    void pictureWanted(int position); // of the group's pictures: to be brought to the screen
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -101,9 +103,7 @@ class ThumbnailStrip : public QFrame {
     GridSize grid_;
     QString marked_;
     bool areCellsVisible_ = true;
-    int pageNumber_ = 0; // counts what was shown
-    int expected_ = 0;
-    int repeated_ = 0;
+    ShownRange shown_;
     int chooseWhenShown_ = -1;
     int wheelRest_ = 0;
 };

@@ -270,6 +270,12 @@ int Window::pageOf(const QString& name) const {
     return static_cast<int>(before) / cells + 1;
 }
 
+bool Window::isOnPage(const QString& name) const {
+    const std::vector<Row> shown = page();
+    return std::any_of(shown.begin(), shown.end(),
+                       [&name](const Row& row) { return row.name == name; });
+}
+
 int Window::lastPage() const {
     const Pictures pictures = library_.picturesOf(shown_);
     return pictures.empty() ? 1 : pageOf(pictures.rbegin()->first);
@@ -374,10 +380,7 @@ void Window::deletePicture() {
         label = (behind != before.end() ? behind : std::prev(found))->first;
     }
     library_.removePicture(*shown_, name);
-    const std::vector<Row> shown = page();
-    if (isStrip && before.size() > 1 &&
-        std::none_of(shown.begin(), shown.end(),
-                     [this](const Row& row) { return row.name == label; })) {
+    if (isStrip && before.size() > 1 && !isOnPage(label)) {
         page_ = pageOf(label);
     }
     refresh();
@@ -385,12 +388,16 @@ void Window::deletePicture() {
 
 void Window::toggleView() {
     isStrip = !isStrip;
+    const bool isChosen = library_.picturesOf(shown_).contains(label);
     if (isStrip) {
         page_ = std::min(page_, lastPage());
+        if (isChosen && !isOnPage(label)) {
+            page_ = pageOf(label);
+        }
         return;
     }
     fillRows();
-    if (shown_) {
+    if (shown_ && !isChosen) {
         showFirst();
     }
 }

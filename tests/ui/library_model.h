@@ -153,6 +153,7 @@ class Window {
     void showFirst();
     void fillRows();
     int pageOf(const QString& name) const;
+    bool isOnPage(const QString& name) const;
     std::vector<Row> shownPictures() const;
 
     Library& library_;

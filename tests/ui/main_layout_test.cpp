@@ -96,21 +96,32 @@ TEST(ThumbnailPages, LastPageIsTheLastThatShowsAPicture) {
     EXPECT_EQ(startIndexOf(3, 4), 8U);
 }
 
-TEST(ThumbnailMoves, StayOnThePageWhereTheyCan) {
-    const auto move = [](int from, int filled, Step step) {
-        const Move result = moveFrom(from, filled, 3, 9, step);
-        return std::pair(result.cell, result.pages);
-    };
-    EXPECT_EQ(move(-1, 9, Step::Down), std::pair(0, 0));
-    EXPECT_EQ(move(1, 9, Step::Down), std::pair(4, 0));
-    EXPECT_EQ(move(2, 4, Step::Down), std::pair(3, 0)); // the shorter row below
-    EXPECT_EQ(move(3, 4, Step::Down), std::pair(3, 0)); // nothing below
-    EXPECT_EQ(move(3, 4, Step::Right), std::pair(3, 0));
-    EXPECT_EQ(move(7, 9, Step::Down), std::pair(1, 1));
-    EXPECT_EQ(move(8, 9, Step::Right), std::pair(0, 1));
-    EXPECT_EQ(move(1, 9, Step::Up), std::pair(7, -1));
-    EXPECT_EQ(move(0, 9, Step::Left), std::pair(8, -1));
-    EXPECT_EQ(move(5, 7, Step::Last), std::pair(6, 0));
+TEST(ThumbnailMoves, GoThroughTheGroupAndStayWhereItEnds) {
+    // Three columns; the second of two pages, which begins with the sixth picture, has two rows.
+    constexpr ShownRange kShown{5, 4, 9};
+    const auto move = [&](int from, Step step) { return moveFrom(from, kShown, 3, step); };
+    EXPECT_EQ(move(-1, Step::Down), 5);
+    EXPECT_EQ(move(5, Step::Down), 8);
+    EXPECT_EQ(move(6, Step::Down), 8) << "the shorter row below";
+    EXPECT_EQ(move(8, Step::Down), 8);
+    EXPECT_EQ(move(8, Step::Right), 8);
+    EXPECT_EQ(move(5, Step::Left), 4);
+    EXPECT_EQ(move(6, Step::Up), 3);
+    EXPECT_EQ(move(2, Step::Up), 2);
+    EXPECT_EQ(move(-1, Step::First), 0);
+    EXPECT_EQ(move(-1, Step::Last), 8);
+    EXPECT_EQ(moveFrom(4, {0, 6, 8}, 3, Step::Down), 7);
+    EXPECT_EQ(moveFrom(5, {0, 6, 8}, 3, Step::Down), 7) << "the shorter row on the next page";
+}
+
+TEST(ThumbnailRows, ScrollAsFarAsThereIsAnythingToSee) {
+    constexpr GridSize kGrid{3, 2};
+    EXPECT_EQ(scrolledFirst({0, 6, 20}, kGrid, 1), 3);
+    EXPECT_EQ(scrolledFirst({0, 6, 20}, kGrid, 100), 15) << "the last row is short";
+    EXPECT_EQ(scrolledFirst({15, 5, 20}, kGrid, 1), 15);
+    EXPECT_EQ(scrolledFirst({4, 6, 20}, kGrid, -1), 1); // a page need not begin with a row
+    EXPECT_EQ(scrolledFirst({4, 6, 20}, kGrid, -100), 0);
+    EXPECT_EQ(scrolledFirst({0, 4, 4}, kGrid, 1), 0);
 }
 
 TEST(PictureListColumns, TakeTheirSharesOfTheWidth) {

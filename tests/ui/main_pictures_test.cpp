@@ -116,8 +116,7 @@ TEST_F(MainPictures, PagesAreCutByElementIndex) {
 
     scroll->setValue(1);
     settle();
-    pressInStrip(Qt::Key_End);
-    EXPECT_EQ(label(), pageNames(1, 3).last());
+    QTest::mouseClick(thumbnail(pageNames(1, 3).last()), Qt::LeftButton);
     pressInStrip(Qt::Key_Right); // on to the next page
     EXPECT_EQ(scroll->value(), 2);
     EXPECT_EQ(label(), pageNames(2, 3).first());
@@ -190,8 +189,7 @@ TEST_F(MainPictures, DownIntoAShorterPageChoosesItsLastPicture) {
     window().resize(window().minimumSize() + QSize(2 * 64, 0)); // three columns, three rows
     QTest::qWait(0);
     settle();
-    pressInStrip(Qt::Key_End);
-    ASSERT_EQ(label(), "A8");
+    QTest::mouseClick(thumbnail("A8"), Qt::LeftButton);
     pressInStrip(Qt::Key_Down);
     EXPECT_EQ(thumbnails(), QStringList{"A9"});
     EXPECT_EQ(label(), "A9");

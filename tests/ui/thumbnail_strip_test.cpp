@@ -1,4 +1,5 @@
 // The strip's own keys, its wheel, and what it shows between two groups.
+#include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
 #include <QApplication>
@@ -14,9 +15,9 @@ class Strip : public MainWindowTest {
     // A group with pictures A0, A1, ..., selected in a window with a grid of that many cells.
     void startWith(int pictures, const QSize& cells) {
         constexpr int kPitch = 64; // pixels
-        const auto group = makeGroup("Pumpen");
+        group_ = makeGroup("Pumpen");
         for (int i = 0; i < pictures; ++i) {
-            addPicture(group, QStringLiteral("A%1").arg(i));
+            addPicture(group_, QStringLiteral("A%1").arg(i));
         }
         addPicture(makeGroup("Tanks"), "T1");
         start();
@@ -36,15 +37,19 @@ class Strip : public MainWindowTest {
         return label();
     }
 
-    // Turns the wheel by that many eighths of a degree and returns the page.
-    int pageAfterTurning(int angle) {
+    // Turns the wheel by that many eighths of a degree and returns the first thumbnail.
+    QString firstAfterTurning(int angle) {
         const QPointF centre = strip()->rect().center();
         QWheelEvent turn(centre, strip()->mapToGlobal(centre), {}, {0, angle}, Qt::NoButton, {},
                          Qt::NoScrollPhase, false);
         QApplication::sendEvent(strip(), &turn);
         settle();
-        return find<QScrollBar>("imgScroll")->value();
+        return thumbnails().value(0);
     }
+
+    int page() { return find<QScrollBar>("imgScroll")->value(); }
+
+    store::GroupAddress group_;
 };
 
 TEST_F(Strip, DownAndUpStayWhereNoRowIsLeft) {
@@ -59,16 +64,61 @@ TEST_F(Strip, DownAndUpStayWhereNoRowIsLeft) {
 }
 
 // Touch pads and fine wheels turn by parts of a notch.
-TEST_F(Strip, TheWheelKeepsWhatIsNoWholeNotch) {
+TEST_F(Strip, ANotchOfTheWheelMovesARow) {
+    startWith(20, {1, 3}); // A0 to A9, A10 to A19
+    EXPECT_EQ(firstAfterTurning(-60), "A0");
+    EXPECT_EQ(firstAfterTurning(-60), "A1");
+    EXPECT_EQ(firstAfterTurning(-200), "A2"); // 80 are left
+    EXPECT_EQ(firstAfterTurning(-39), "A2");
+    EXPECT_EQ(firstAfterTurning(-1), "A3");
+    EXPECT_EQ(firstAfterTurning(60), "A3");
+    EXPECT_EQ(firstAfterTurning(60), "A2");
+    EXPECT_EQ(firstAfterTurning(240), "A0");
+    EXPECT_EQ(firstAfterTurning(-120 * 100), "A17");
+    EXPECT_EQ(page(), find<QScrollBar>("imgScroll")->maximum());
+    EXPECT_EQ(firstAfterTurning(-120), "A17") << "the end is in sight";
+}
+
+TEST_F(Strip, KeysAndChangesGoOnFromBetweenTwoPages) {
     startWith(20, {1, 3});
-    EXPECT_EQ(pageAfterTurning(-60), 1);
-    EXPECT_EQ(pageAfterTurning(-60), 2);
-    EXPECT_EQ(pageAfterTurning(-200), 3); // 80 are left
-    EXPECT_EQ(pageAfterTurning(-39), 3);
-    EXPECT_EQ(pageAfterTurning(-1), 4);
-    EXPECT_EQ(pageAfterTurning(60), 4);
-    EXPECT_EQ(pageAfterTurning(60), 3);
-    EXPECT_EQ(pageAfterTurning(240), 1);
+    ASSERT_EQ(firstAfterTurning(-240), "A2");
+    EXPECT_EQ(pressedFrom("A4", Qt::Key_Down), "A5");
+    EXPECT_TRUE(thumbnails().contains("A5"));
+    ASSERT_EQ(firstAfterTurning(-120 * 100), "A17");
+    ASSERT_EQ(firstAfterTurning(120), "A16");
+    store::deletePicture(library(), group_, {u"A3"});
+    window().lookForChanges();
+    settle();
+    EXPECT_EQ(thumbnails().size(), 3) << "what is on the screen stays full";
+}
+
+TEST_F(Strip, HomeAndEndReachTheEndsOfTheGroup) {
+    startWith(20, {2, 3});
+    EXPECT_EQ(pressedFrom("A2", Qt::Key_End), "A19");
+    EXPECT_EQ(page(), find<QScrollBar>("imgScroll")->maximum());
+    EXPECT_TRUE(thumbnails().contains("A19"));
+    EXPECT_EQ(pressedFrom("A19", Qt::Key_Home), "A0");
+    EXPECT_EQ(page(), 1);
+}
+
+TEST_F(Strip, TheSelectedPictureStaysSelectedInTheList) {
+    startWith(20, {2, 3});
+    EXPECT_EQ(pressedFrom("A2", Qt::Key_End), "A19");
+    trigger("Men_Extras_0");
+    settle();
+    auto* list = find<QTreeWidget>("lvwInfo");
+    EXPECT_EQ(label(), "A19");
+    EXPECT_EQ(list->currentItem()->text(0), "A19");
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Home);
+    EXPECT_EQ(label(), "A0");
+    QTest::keyClick(list, Qt::Key_End);
+    QTest::keyClick(list, Qt::Key_Up);
+    EXPECT_EQ(label(), "A18");
+    trigger("Men_Extras_0");
+    settle();
+    EXPECT_EQ(label(), "A18");
+    EXPECT_TRUE(thumbnails().contains("A18"));
 }
 
 // The next group's pictures come one by one; until then no cell shows, or takes a click for, one of

@@ -1,0 +1,185 @@
+// Which part of its group the picture panel shows as thumbnails: pages, and rows between them.
+//
+// The scroll bar counts pages. Whoever turns the wheel sees rows of two of them.
+#include "app/long_operation.h"
+#include "browser/picture_panel.h"
+#include "browser/status_line.h"
+#include "browser/thumbnail_layout.h"
+#include "browser/thumbnail_strip.h"
+
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+#include <utility>
+
+namespace browser {
+
+void PicturePanel::layOutSoon() {
+    if (GraphicalPreview_) {
+        Timer1_->start();
+    }
+}
+
+void PicturePanel::layOutGrid() {
+    Timer1_->stop();
+    strip_->setGrid(gridFor(qRound(area_.width), qRound(area_.height)));
+}
+
+// The list may have become the view while the timer ran.
+void PicturePanel::onTimer() {
+    if (!GraphicalPreview_) {
+        return;
+    }
+    if (app::isLongOperationRunning()) { // which may hold the group's file until it ends
+        Timer1_->start();
+        return;
+    }
+    layOutGrid();
+    SetImgScrollProperties();
+    if (std::exchange(turnsToShown_, false)) {
+        start_ = startIndexOf(imgScroll_->value(), strip_->cells());
+        turnToShownPicture();
+    }
+    onScrollChanged();
+}
+
+store::PictureNames PicturePanel::readNames() const {
+    if (library_ == nullptr || !group_) {
+        return {};
+    }
+    try {
+        return store::listPictureNames(*library_, *group_);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+void PicturePanel::SetImgScrollProperties() {
+    const QSignalBlocker quiet(imgScroll_);
+    imgScroll_->setRange(1, lastPage(readNames().elements, strip_->cells()));
+}
+
+void PicturePanel::onScrollChanged() {
+    MiniVorschau(startIndexOf(imgScroll_->value(), strip_->cells()));
+}
+
+std::size_t PicturePanel::pageStart() const {
+    const std::size_t cells = strip_->cells();
+    const bool isBetween = cells > 0 && start_ % cells != 0 && !listed_.elements.empty() &&
+                           start_ <= listed_.elements.back();
+    return isBetween ? start_ : startIndexOf(imgScroll_->value(), cells);
+}
+
+void PicturePanel::showPageAgain() {
+    MiniVorschau(pageStart());
+}
+
+void PicturePanel::showPage(int page) {
+    MiniVorschau(startIndexOf(std::clamp(page, 1, imgScroll_->maximum()), strip_->cells()));
+}
+
+// From between two pages the nearer one in that direction is the first to be turned to.
+void PicturePanel::turnPages(int pages) {
+    const std::size_t cells = strip_->cells();
+    if (cells == 0) {
+        return;
+    }
+    const std::size_t start = pageStart();
+    const int page = pageOf(start, cells);
+    const int target = page + pages + (pages < 0 && start % cells != 0 ? 1 : 0);
+    if (startIndexOf(std::clamp(target, 1, imgScroll_->maximum()), cells) != start) {
+        showPage(target);
+    }
+}
+
+void PicturePanel::scrollRows(int rows) {
+    const ShownRange& shown = strip_->shown();
+    const int first = scrolledFirst(shown, strip_->grid(), rows);
+    const auto& all = listed_.elements;
+    if (first != shown.first && first < static_cast<int>(all.size())) {
+        MiniVorschau(first == 0 ? 0 : all[static_cast<std::size_t>(first)]);
+    }
+}
+
+void PicturePanel::showPageOf(int position) {
+    const auto& all = listed_.elements;
+    if (position >= 0 && position < static_cast<int>(all.size())) {
+        showPage(pageOf(all[static_cast<std::size_t>(position)], strip_->cells()));
+    }
+}
+
+void PicturePanel::MiniVorschau(std::size_t startIndex) {
+    ++listing_;
+    loader_.stop();
+    strip_->clear();
+    hideToolTip(); // it names what was below the pointer until now
+    const std::size_t cells = strip_->cells();
+    if (!group_ || cells == 0 || !GraphicalPreview_) {
+        return;
+    }
+    start_ = startIndex;
+    listed_ = readNames();
+    showPageNumber();
+    const std::vector<std::size_t>& all = listed_.elements;
+    const bool isPastEnd = all.empty() || all.back() < startIndex;
+    if (isPastEnd && !all.empty()) { // another program has removed what stood on that page
+        SetImgScrollProperties();
+        onScrollChanged();
+        return;
+    }
+    emit pagesShown({all.size(), imgScroll_->value(), imgScroll_->maximum()});
+    if (isPastEnd) {
+        ShowNoPicture();
+        return;
+    }
+    loadPage(startIndex);
+}
+
+// Between two pages it is the one before, unless the end is in sight.
+void PicturePanel::showPageNumber() {
+    const std::size_t cells = strip_->cells();
+    const auto& all = listed_.elements;
+    const auto left = all.end() - std::lower_bound(all.begin(), all.end(), start_);
+    const bool isAtEnd = start_ % cells != 0 && left <= static_cast<std::ptrdiff_t>(cells);
+    const QSignalBlocker quiet(imgScroll_);
+    imgScroll_->setValue(isAtEnd ? imgScroll_->maximum() : pageOf(start_, cells));
+}
+
+// Cells that show their picture already keep it until it comes anew.
+void PicturePanel::loadPage(std::size_t startIndex) {
+    const std::size_t cells = strip_->cells();
+    const std::vector<std::size_t>& all = listed_.elements;
+    const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
+    const auto count =
+        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
+    const auto firstName = listed_.names.begin() + (first - all.begin());
+    strip_->expect({static_cast<int>(first - all.begin()), static_cast<int>(count),
+                    static_cast<int>(all.size())});
+    loader_.start(*library_, {*group_,
+                              {firstName, firstName + count},
+                              listed_.stamp,
+                              ThumbnailStrip::pictureArea(),
+                              strip_->devicePixelRatioF()});
+}
+
+// What a key acts on next must not stand on a page that nobody sees. The page is not filled yet.
+void PicturePanel::turnToShownPicture() {
+    const std::size_t cells = strip_->cells();
+    std::optional<store::PicturePlace> place;
+    try {
+        if (library_ != nullptr && group_ && shownPicture_.name()) {
+            place = store::placeOfPicture(*library_, *group_, *shownPicture_.name());
+        }
+    } catch (const std::exception&) {
+        place.reset();
+    }
+    if (!place || cells == 0 ||
+        isOnPage(readNames().elements, pageStart(), cells, place->element)) {
+        return;
+    }
+    start_ = startIndexOf(pageOf(place->element, cells), cells);
+    showPageNumber();
+}
+
+} // namespace browser
