@@ -20,6 +20,7 @@
 #include "browser/splitters.h"
 #include "browser/status_line.h"
 #include "browser/temporary_pictures.h"
+#include "browser/view_choices.h"
 #include "browser/window_state.h"
 #include "commands/failure_report.h"
 #include "compound/error.h"
@@ -213,6 +214,7 @@ void frmMain::load() {
     menus_->setCaptions();
     tree_->setAccessibleName(app::text(kTreeName));
     panel_->setCaptions();
+    panel_->setChoices(readViewChoices());
     firstSteps_->setCaptions();
     find_->setCaptions();
     splitters_->setCaptions();
@@ -299,6 +301,7 @@ void frmMain::saveSettings() {
             saveWindowState(*this);
         }
         writeColumns(splitters_->columns());
+        writeViewChoices(panel_->choices());
     } catch (const compound::Error& error) {
         app::msgBox(app::errorText(error), app::Buttons::Ok, app::kProgramTitle, this);
     }

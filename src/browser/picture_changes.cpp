@@ -28,7 +28,7 @@ std::optional<groups::ShownPictures> PicturePanel::shownPictures() {
     groups::ShownPictures shown{*group_, shownPicture_.name()};
     shown.want = GraphicalPreview_ ? Want::Names : Want::Entries;
     if (!GraphicalPreview_) {
-        shown.position = lvwInfo_->selectedRow();
+        shown.position = lvwInfo_->selectedPosition();
     } else if (shown.picture) {
         const auto& names = listed_.names;
         const auto found = std::find(names.begin(), names.end(), *shown.picture);

@@ -3,9 +3,11 @@
 #include "app/number_text.h"
 #include "app/texts.h"
 #include "app/twips.h"
+#include "browser/picture_row.h"
 #include "groups/plain_tool_tip.h"
 
 #include <QContextMenuEvent>
+#include <QHash>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -22,6 +24,7 @@ constexpr std::array<app::TextPair, kListColumns> kCaptions{{
     {u"Breite", u"Width"},
     {u"Typ", u"Type"},
 }};
+constexpr app::TextPair kSortHint{u"Sortieren: Strg+%1", u"Sort: Ctrl+%1"};
 
 // Edits names only, and leaves the row as it is: the store decides on the new name.
 class NameDelegate : public groups::ToolTipDelegate {
@@ -64,31 +67,6 @@ class NameDelegate : public groups::ToolTipDelegate {
     PictureList* list_;
 };
 
-// Nothing is told of a text that stays: its row would be painted anew, and its editor closed.
-void setText(QTreeWidgetItem& row, int column, const QString& text) {
-    if (row.text(column) != text) {
-        row.setText(column, text);
-    }
-}
-
-void describe(QTreeWidgetItem& row, const store::PictureEntry& picture) {
-    const store::PictureRecord& record = picture.record;
-    const bool hasRecord = !record.type.empty();
-    setText(row, 0, QString::fromStdU16String(picture.name.text));
-    setText(row, 1, kilobytesText(picture.bytes));
-    setText(row, 2, hasRecord ? app::numberText(record.height) : QString());
-    setText(row, 3, hasRecord ? app::numberText(record.width) : QString());
-    setText(row, 4, QString::fromStdString(record.type));
-    row.setToolTip(1, bytesText(picture.bytes));
-}
-
-QTreeWidgetItem* newRow(const store::PictureEntry& picture) {
-    auto* row = new QTreeWidgetItem;
-    describe(*row, picture);
-    row->setFlags(row->flags() | Qt::ItemIsEditable);
-    return row;
-}
-
 } // namespace
 
 std::array<double, kListColumns> columnWidths(double listWidth) {
@@ -114,6 +92,10 @@ PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
     header()->setStretchLastSection(false);
     header()->setSectionsMovable(false);
     header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    header()->setSectionsClickable(true);
+    header()->setSortIndicator(order_.column, order_.direction);
+    header()->setSortIndicatorShown(true);
+    header()->setSortIndicatorClearable(true);
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
@@ -122,6 +104,12 @@ PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
     setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
     setItemDelegate(new NameDelegate(this));
     setMouseTracking(true);
+    connect(header(), &QHeaderView::sortIndicatorChanged, this,
+            [this](int column, Qt::SortOrder direction) {
+                order_ = {column, direction};
+                sortRows();
+                scrollToItem(currentItem());
+            });
     connect(this, &QTreeWidget::itemSelectionChanged, this, [this] {
         if (!selectingByProgram_ && !selectedName().isEmpty()) {
             reportedDuringPress_ = true;
@@ -136,6 +124,41 @@ void PictureList::setCaptions() {
         captions.append(app::text(caption));
     }
     setHeaderLabels(captions);
+    for (int column = 0; column < captions.size(); ++column) {
+        headerItem()->setToolTip(column, app::text(kSortHint).arg(column + 1));
+    }
+    collator_ = nameCollator();
+}
+
+void PictureList::setOrder(const ListOrder& order) {
+    header()->setSortIndicator(order.column, order.direction);
+}
+
+// What a click on the column's header does.
+void PictureList::sortBy(int column) {
+    ListOrder order{column, Qt::AscendingOrder};
+    if (order_.column == column) {
+        order = order_.direction == Qt::AscendingOrder ? ListOrder{column, Qt::DescendingOrder}
+                                                       : ListOrder();
+    }
+    setOrder(order);
+}
+
+PictureRow* PictureList::row(int index) const {
+    return static_cast<PictureRow*>(topLevelItem(index)); // there are no others
+}
+
+void PictureList::sortRows() {
+    const auto isAbove = [this](int one, int other) {
+        return order_.direction == Qt::AscendingOrder ? *row(one) < *row(other)
+                                                      : *row(other) < *row(one);
+    };
+    for (int i = 1; i < topLevelItemCount(); ++i) {
+        if (isAbove(i, i - 1)) {
+            model()->sort(0, order_.direction); // the rows know by what
+            return;
+        }
+    }
 }
 
 void PictureList::fill(const std::optional<store::GroupAddress>& group,
@@ -150,35 +173,35 @@ void PictureList::fill(const std::optional<store::GroupAddress>& group,
     QList<QTreeWidgetItem*> rows;
     rows.reserve(static_cast<qsizetype>(pictures.size()));
     for (const store::PictureEntry& picture : pictures) {
-        rows.append(newRow(picture));
+        rows.append(new PictureRow(picture, static_cast<std::size_t>(rows.size())));
     }
     addTopLevelItems(rows);
+    sortRows();
 }
 
 void PictureList::update(std::span<const store::PictureEntry> pictures) {
     const QScopedValueRollback guard(selectingByProgram_, true);
-    QSet<QString> present;
-    for (const store::PictureEntry& picture : pictures) {
-        present.insert(QString::fromStdU16String(picture.name.text));
+    QHash<QString, std::size_t> unseen;
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+        unseen.insert(QString::fromStdU16String(pictures[i].name.text), i);
     }
     for (int i = topLevelItemCount() - 1; i >= 0; --i) {
-        if (!present.contains(topLevelItem(i)->text(0))) {
+        const auto found = unseen.constFind(row(i)->text(0));
+        if (found == unseen.constEnd()) {
             delete takeTopLevelItem(i);
-        }
-    }
-    int position = 0;
-    for (const store::PictureEntry& picture : pictures) {
-        QTreeWidgetItem* row = topLevelItem(position);
-        if (row == nullptr || row->text(0) != QString::fromStdU16String(picture.name.text)) {
-            insertTopLevelItem(position, newRow(picture));
         } else {
-            describe(*row, picture);
+            row(i)->describe(pictures[*found], *found);
+            unseen.erase(found);
         }
-        ++position;
     }
-    while (topLevelItemCount() > position) { // rows that stood in another order
-        delete takeTopLevelItem(position);
+    QList<QTreeWidgetItem*> rows;
+    for (std::size_t i = 0; i < pictures.size() && !unseen.isEmpty(); ++i) {
+        if (unseen.remove(QString::fromStdU16String(pictures[i].name.text)) > 0) {
+            rows.append(new PictureRow(pictures[i], i));
+        }
     }
+    addTopLevelItems(rows);
+    sortRows();
 }
 
 QString PictureList::selectFirst() {
@@ -200,9 +223,9 @@ void PictureList::select(const QString& name) {
     }
 }
 
-std::size_t PictureList::selectedRow() const {
+std::size_t PictureList::selectedPosition() const {
     const QList<QTreeWidgetItem*> rows = selectedItems();
-    return rows.isEmpty() ? 0 : static_cast<std::size_t>(indexOfTopLevelItem(rows.front()));
+    return rows.isEmpty() ? 0 : static_cast<const PictureRow*>(rows.front())->position();
 }
 
 QString PictureList::selectedName() const {
@@ -214,7 +237,9 @@ void PictureList::rename(const QString& from, const QString& to) {
     const QList<QTreeWidgetItem*> rows =
         findItems(from, Qt::MatchFixedString | Qt::MatchCaseSensitive);
     if (!rows.isEmpty()) {
-        rows.front()->setText(0, to);
+        static_cast<PictureRow*>(rows.front())->rename(to);
+        sortRows();
+        scrollToItem(currentItem());
     }
 }
 
@@ -251,6 +276,12 @@ void PictureList::keyPressEvent(QKeyEvent* event) {
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (isEnter && state() != QAbstractItemView::EditingState && !selectedName().isEmpty()) {
         emit activatedByKey(selectedName());
+        return;
+    }
+    const int column = event->key() - Qt::Key_1;
+    if (event->modifiers() == Qt::ControlModifier && column >= 0 &&
+        column < static_cast<int>(kListColumns)) {
+        sortBy(column);
         return;
     }
     QTreeWidget::keyPressEvent(event);

@@ -4,6 +4,7 @@
 
 #include "store/picture_operations.h"
 
+#include <QCollator>
 #include <QTreeWidget>
 
 #include <array>
@@ -23,6 +24,17 @@ QString kilobytesText(std::uint64_t bytes);
 // The same exactly, in the window's language.
 QString bytesText(std::uint64_t bytes);
 
+// By which column the rows stand, and which way round. Without a column they stand as the group
+// holds them.
+struct ListOrder {
+    int column = -1;
+    Qt::SortOrder direction = Qt::AscendingOrder;
+
+    bool operator==(const ListOrder&) const = default;
+};
+
+class PictureRow;
+
 class PictureList : public QTreeWidget {
     Q_OBJECT
 
@@ -31,8 +43,14 @@ class PictureList : public QTreeWidget {
 
     void setCaptions();
 
-    // Replaces all rows by the pictures of `group`, in the order given, and sets the columns'
-    // widths.
+    // The user changes it by a click on a column's header, or Ctrl and its number: ascending,
+    // descending, as the group holds them. Equal rows stand as the group holds them.
+    const ListOrder& order() const { return order_; }
+    void setOrder(const ListOrder& order);
+    const QCollator& collator() const { return collator_; } // for names
+
+    // Replaces all rows by the pictures of `group`, which come in the group's order, and sets the
+    // columns' widths.
     void fill(const std::optional<store::GroupAddress>& group,
               std::span<const store::PictureEntry> pictures);
 
@@ -51,8 +69,9 @@ class PictureList : public QTreeWidget {
     // Selects the row of that name, if there is one, without reporting it.
     void select(const QString& name);
 
-    QString selectedName() const;    // empty when no row is selected
-    std::size_t selectedRow() const; // 0 when none is
+    QString selectedName() const; // empty when no row is selected
+    // Where the group holds the selected picture; 0 when no row is selected.
+    std::size_t selectedPosition() const;
 
     // Gives the row of that name another one.
     void rename(const QString& from, const QString& to);
@@ -76,7 +95,13 @@ class PictureList : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    void sortBy(int column);
+    void sortRows();
+    PictureRow* row(int index) const;
+
     std::optional<store::GroupAddress> group_;
+    ListOrder order_;
+    QCollator collator_;
     bool selectingByProgram_ = false;
     bool reportedDuringPress_ = false;
 };

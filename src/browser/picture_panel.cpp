@@ -9,6 +9,7 @@
 #include "browser/status_line.h"
 #include "browser/thumbnail_strip.h"
 #include "browser/thumbnail_tool_tip.h"
+#include "browser/view_choices.h"
 #include "compound/error.h"
 #include "store/picture_operations.h"
 
@@ -118,6 +119,14 @@ void PicturePanel::setCaptions() {
     strip_->setAccessibleName(app::text(kPicturesName));
     imgScroll_->setAccessibleName(app::text(kPageName));
     imgVorschau_->setAccessibleName(app::text(kPreviewName));
+}
+
+void PicturePanel::setChoices(const ViewChoices& choices) {
+    lvwInfo_->setOrder(choices.order);
+}
+
+ViewChoices PicturePanel::choices() const {
+    return {lvwInfo_->order()};
 }
 
 void PicturePanel::place(const MainLayout& layout) {

@@ -28,6 +28,7 @@ class PictureLabel;
 class PictureList;
 class ThumbnailStrip;
 class ThumbnailToolTip;
+struct ViewChoices;
 
 class PicturePanel : public QObject {
     Q_OBJECT
@@ -41,6 +42,9 @@ class PicturePanel : public QObject {
 
     // Sets what depends on the language.
     void setCaptions();
+
+    void setChoices(const ViewChoices& choices);
+    ViewChoices choices() const;
 
     void place(const MainLayout& layout);
 
