@@ -52,6 +52,46 @@ TEST_F(PictureTest, APictureIsItsBytesAndARecord) {
     expectSound(u"Plant");
 }
 
+// Only damage may cost a picture its record; a disk that fails must be told of.
+TEST_F(PictureTest, AReadThatFailsHidesNothing) {
+    add(group, u"drain");
+    add(group, u"pump", std::string(9000, 'p'));
+    const auto readAll = [&] {
+        const Library fresh{disk, library.folder, measureText, u'.', std::chrono::milliseconds{0}};
+        std::string all;
+        for (const PictureEntry& entry : listPictures(fresh, group)) {
+            const StoredPicture picture = readPicture(fresh, group, entry.name);
+            all += entry.record.type + picture.record.type + std::to_string(entry.bytes) + " " +
+                   std::to_string(picture.bytes.size()) + "\n";
+        }
+        return all;
+    };
+    const std::string whole = readAll();
+    ASSERT_EQ(whole, "BMPBMP9011 9011\nBMPBMP11 11\n");
+    int calls = 0;
+    int failing = 0;
+    disk.setInterceptor([&](MemoryDisk::Call) {
+        if (calls++ == failing) {
+            throw compound::Error(ErrorCode::Failed, "/library/Plant.stg", "told to fail");
+        }
+    });
+    int failures = 0;
+    for (; calls = 0, failing < 1000; ++failing) {
+        try {
+            const std::string read = readAll();
+            if (calls <= failing) {
+                break; // it makes fewer calls
+            }
+            EXPECT_EQ(read, whole) << "call " << failing;
+        } catch (const compound::Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::Failed) << "call " << failing;
+            ++failures;
+        }
+    }
+    disk.setInterceptor({});
+    EXPECT_GT(failures, 8);
+}
+
 TEST_F(PictureTest, APicturesPlaceCountsElementsAndNamesThePictureBesideIt) {
     EXPECT_FALSE(placeOfPicture(library, group, {u"a"}));
     for (const char16_t* name : {u"a", u"Logo", u"Pumps"}) { // `Name` stands behind Logo
