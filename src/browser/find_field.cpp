@@ -1,8 +1,10 @@
 #include "browser/find_field.h"
 
 #include "app/texts.h"
+#include "browser/main_layout.h"
 
 #include <QAction>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenuBar>
 
@@ -20,7 +22,10 @@ constexpr int kFrame = 2;        // above and below the field's words
 
 } // namespace
 
-FindField::FindField(QMenuBar* bar) : QLineEdit(bar), bar_(bar) {
+FindField::FindField(QMenuBar* bar) : bar_(bar), corner_(new QWidget(bar)) {
+    auto* beside = new QHBoxLayout(corner_);
+    beside->setContentsMargins(0, 0, app::toPixels(kMargin), 0);
+    beside->addWidget(this);
     setObjectName(QStringLiteral("txtFind"));
     setClearButtonEnabled(true);
     setFocusPolicy(Qt::ClickFocus); // beside its key: Tab goes round in the window as ever
@@ -37,13 +42,15 @@ void FindField::fit(int barWidth) {
     for (const QAction* menu : bar_->actions()) {
         menus += bar_->fontMetrics().horizontalAdvance(menu->text()) + kBesideTitle;
     }
-    const QSize fitting(std::clamp(barWidth - menus, kNarrowest, kWidest),
+    const int margin = app::toPixels(kMargin);
+    const QSize fitting(std::clamp(barWidth - menus - margin, kNarrowest, kWidest),
                         fontMetrics().height() + 2 * kFrame);
     if (fitting != size_) {
         size_ = fitting;
         setFixedSize(fitting);
+        corner_->layout()->activate();
         // Else the bar keeps the place for the former size.
-        bar_->setCornerWidget(this, Qt::TopRightCorner);
+        bar_->setCornerWidget(corner_, Qt::TopRightCorner);
     }
 }
 

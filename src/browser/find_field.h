@@ -11,7 +11,8 @@ class FindField : public QLineEdit {
     Q_OBJECT
 
   public:
-    // Becomes the bar's corner. The bar stays as high as it was.
+    // Stands in the bar's corner, as far from the window's edge as everything below it. The bar
+    // stays as high as it was.
     explicit FindField(QMenuBar* bar);
 
     void setCaptions();
@@ -32,6 +33,7 @@ class FindField : public QLineEdit {
 
   private:
     QMenuBar* bar_;
+    QWidget* corner_; // the field, and the window's margin beside it
     QSize size_;
 };
 

@@ -196,7 +196,7 @@ TEST_F(Finding, WhatOthersAndTheWindowChangeIsFound) {
     EXPECT_EQ(results(), QStringList{"Neues Ventil, Ventile"});
 }
 
-TEST_F(Finding, TheMenuBarIsAsHighAsWithoutTheField) {
+TEST_F(Finding, TheMenuBarIsAsHighAsWithoutTheFieldWhichEndsWithThePictures) {
     start();
     auto* bar = window().menuBar();
     const int height = bar->sizeHint().height();
@@ -204,7 +204,9 @@ TEST_F(Finding, TheMenuBarIsAsHighAsWithoutTheField) {
         window().resize(width, 640);
         settle();
         EXPECT_EQ(bar->sizeHint().height(), height);
-        EXPECT_LT(bar->actionGeometry(bar->actions().last()).right(), field()->x());
+        const QRect place(field()->mapTo(bar, QPoint()), field()->size());
+        EXPECT_LT(bar->actionGeometry(bar->actions().last()).right(), place.left());
+        EXPECT_EQ(place.right(), find<QWidget>("shpVorschau")->geometry().right());
     }
     bar->setCornerWidget(nullptr);
     EXPECT_EQ(bar->sizeHint().height(), height);
