@@ -19,6 +19,7 @@
 #include "editing/frame_content.h"
 #include "editing/screen_place.h"
 #include "platform/paths.h"
+#include "store/same_pictures.h"
 
 #include <QGroupBox>
 #include <QLabel>
@@ -310,6 +311,8 @@ void frmCreate::showInLibrary(const store::GroupAddress& group) {
         view_.TreeViewSelectNode(group);
     }
     view_.Aktualisieren();
+    view_.PicturesArrived(
+        [library = view_.library(), group] { return store::allPictures(library, group); });
 }
 
 // A group beside the selected one has nothing to do with it. A parent that has vanished is offered

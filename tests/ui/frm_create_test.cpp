@@ -91,6 +91,8 @@ TEST_P(FrmCreateTest, MakesATopLevelGroupOfAllPicturesAndShowsIt) {
     makeFile("pump.bmp", Qt::blue);
     makeFile("pump.gif", Qt::yellow); // replaces the one before
     home_.write("pictures/note.txt", "no picture");
+    store::addPicture(library(), makeGroup("Alt"), {u"Rot"},
+                      platform::toFilePath(home_.at("pictures/a.bmp")));
     startAt("pictures");
     inDialog([&] { trigger("gCreate"); },
              [&](QDialog& dialog) {
@@ -113,6 +115,9 @@ TEST_P(FrmCreateTest, MakesATopLevelGroupOfAllPicturesAndShowsIt) {
     EXPECT_EQ(stored(store::topLevelAddress(u"Pumpen"), u"pump"), home_.read("pictures/pump.gif"));
     EXPECT_EQ(stored(store::topLevelAddress(u"Pumpen"), u"Picture1"),
               home_.read("pictures/Name.bmp"));
+    EXPECT_EQ(find<QLabel>("lblErgebnis")->text(),
+              say("3 Bilder hinzugefügt; schon vorhanden: a = Alt / Rot",
+                  "3 pictures added; already there: a = Alt / Rot"));
 }
 
 TEST_P(FrmCreateTest, PresetsThePlaceByWhatIsSelectedAndWhereTheCommandWasChosen) {
