@@ -98,8 +98,7 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
     connectPanel();
     connectWatch();
     connectFinding();
-    bindKeys(*this, {tree_, panel_->strip(), panel_->list(), menus_, [this] { copyPicture(); },
-                     [this] { refresh(); }, [this] { find_->start(); }});
+    bindKeys(*this, {tree_, panel_->strip(), panel_->list(), menus_, [this] { copyPicture(); }});
     setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));
     resize(kInitialSize);
 }
@@ -132,6 +131,8 @@ void frmMain::connectTree() {
 void frmMain::connectPanel() {
     connect(panel_, &PicturePanel::menuStateWanted, this, &frmMain::updateMenuState);
     connect(panel_, &PicturePanel::editItemWanted, this, &frmMain::updateEditItem);
+    connect(panel_, &PicturePanel::thumbnailsChanged, this,
+            [this] { menus_->setThumbnails(panel_->choices(), panel_->GraphicalPreview()); });
     connect(panel_, &PicturePanel::picturePopUpWanted, this,
             [this](const QPoint& position) { menus_->popUp(commands::BandId::Picture, position); });
     connect(panel_, &PicturePanel::editWanted, this,
@@ -309,6 +310,16 @@ void frmMain::saveSettings() {
 
 void frmMain::PicturesArrived(std::function<std::vector<store::PictureAddress>()> arrived) {
     duplicates_->look(*library_, std::move(arrived));
+}
+
+void frmMain::changeView(commands::ViewChange change) {
+    if (change == commands::ViewChange::Find) {
+        find_->start();
+    } else if (change == commands::ViewChange::ReadAgain) {
+        refresh();
+    } else {
+        panel_->changeThumbnails(change);
+    }
 }
 
 void frmMain::HandOver(const QString& path) {

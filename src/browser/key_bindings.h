@@ -1,11 +1,12 @@
-// The keys of the main window. Each runs the command that menu and band run, and does nothing while
-// that one is disabled. What else a view does with keys is its own matter.
+// The keys of the main window, as its menus show them. Each runs the menu's item, and does nothing
+// while that one is disabled. What else a view does with keys is its own matter.
 //
 //   F2       renames: the group in the tree, the picture in the thumbnails (a list edits in place)
 //   Delete   deletes: the group in the tree, the picture in thumbnails and list
 //   Ctrl+C   copies the shown picture to the clipboard
 //   Ctrl+F   goes to the field for finding pictures and groups
 //   F5       reads the library again
+//   Ctrl++   Ctrl+-   Ctrl+0   larger, smaller thumbnails, and of the size that they have at first
 #pragma once
 
 #include <QObject>
@@ -25,8 +26,6 @@ struct KeyTargets {
     QWidget* list = nullptr;
     MainMenus* menus = nullptr;
     std::function<void()> copy;
-    std::function<void()> refresh;
-    std::function<void()> find;
 };
 
 // Binds the keys; what the targets name must live as long as the window.

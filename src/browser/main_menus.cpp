@@ -3,6 +3,7 @@
 #include "app/texts.h"
 
 #include <QAction>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -46,6 +47,7 @@ MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* o
     itemOf(Command::Help)->setShortcut(QKeySequence::HelpContents);
     itemOf(Command::PrintCatalogue)->setShortcut(QKeySequence::Print);
     setState(selection_);
+    bar->installEventFilter(this);
 }
 
 QAction* MainMenus::itemOf(Command command) const {
@@ -69,10 +71,9 @@ void MainMenus::buildMenu(QMenuBar* bar, const Menu& menu) {
         auto* action = new QAction(popUp);
         action->setObjectName(actionName(menu, item.index));
         action->setVisible(item.textId != commands::kNoTextId || item.caption.german != nullptr);
-        if (item.command == Command::GraphicalPreview) {
-            action->setCheckable(true);
-            action->setChecked(true);
-        }
+        action->setCheckable(item.command == Command::GraphicalPreview ||
+                             item.command == Command::ThumbnailNames);
+        action->setChecked(item.command == Command::GraphicalPreview);
         connect(action, &QAction::triggered, this,
                 [this, id = menu.id, index = item.index] { dispatcher_.menuClick(id, index); });
         popUp->addAction(action);
@@ -125,6 +126,7 @@ void MainMenus::setState(commands::Selection selection) {
         }
     }
     updateEditItem();
+    updateThumbnailItems();
 }
 
 void MainMenus::setEditItem(bool allowed) {
@@ -139,6 +141,49 @@ void MainMenus::updateEditItem() {
 
 void MainMenus::setGraphicalPreview(bool on) {
     itemOf(Command::GraphicalPreview)->setChecked(on);
+}
+
+void MainMenus::setThumbnails(const ViewChoices& choices, bool areShown) {
+    choices_ = choices;
+    areThumbnailsShown_ = areShown;
+    updateThumbnailItems();
+}
+
+void MainMenus::updateThumbnailItems() {
+    const int side = choices_.thumbnailSide;
+    itemOf(Command::ThumbnailNames)->setChecked(choices_.hasNames);
+    itemOf(Command::ThumbnailNames)->setEnabled(areThumbnailsShown_);
+    itemOf(Command::LargerThumbnails)
+        ->setEnabled(areThumbnailsShown_ && side != kThumbnailSides.back());
+    itemOf(Command::SmallerThumbnails)
+        ->setEnabled(areThumbnailsShown_ && side != kThumbnailSides.front());
+    itemOf(Command::NormalThumbnails)
+        ->setEnabled(areThumbnailsShown_ && side != kDefaultThumbnailSide);
+}
+
+void MainMenus::setKeys(Command command, const QList<QKeySequence>& keys,
+                        const QList<QWidget*>& widgets) {
+    QAction* item = itemOf(command);
+    item->setShortcuts(keys);
+    item->setShortcutContext(Qt::WidgetShortcut);
+    keysOfViews_.append(keys);
+    for (QWidget* widget : widgets) {
+        widget->addAction(item);
+    }
+}
+
+void MainMenus::setKeys(Command command, const QList<QKeySequence>& keys) {
+    itemOf(command)->setShortcuts(keys);
+}
+
+// Whoever has gone to the menu bar by Alt opens a menu by Enter, and does not edit a picture.
+bool MainMenus::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride &&
+        keysOfViews_.contains(static_cast<QKeyEvent*>(event)->keyCombination())) {
+        event->accept();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void MainMenus::trigger(Command command) {

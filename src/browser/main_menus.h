@@ -5,9 +5,12 @@
 // ..., the bands Band1 and Band2.
 #pragma once
 
+#include "browser/view_choices.h"
 #include "commands/dispatcher.h"
 #include "commands/enabling.h"
 
+#include <QKeySequence>
+#include <QList>
 #include <QObject>
 
 #include <map>
@@ -38,17 +41,31 @@ class MainMenus : public QObject {
 
     void setGraphicalPreview(bool on);
 
+    // What can be done about the thumbnails: nothing while there are none.
+    void setThumbnails(const ViewChoices& choices, bool areShown);
+
+    // The menu's item shows the keys. They count while one of the widgets has the focus itself: a
+    // field that edits in place has its own. Without widgets the item only shows the first of them.
+    void setKeys(commands::Command command, const QList<QKeySequence>& keys,
+                 const QList<QWidget*>& widgets);
+    // The same with keys that count in the whole window.
+    void setKeys(commands::Command command, const QList<QKeySequence>& keys);
+
     // Chooses the menu's item of that command; nothing while it is disabled.
     void trigger(commands::Command command);
 
     // Shows a band at that place of the screen.
     void popUp(commands::BandId band, const QPoint& globalPosition);
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     void buildMenu(QMenuBar* bar, const commands::Menu& menu);
     QAction* buildTool(std::string_view key, std::u16string_view caption, QObject* owner);
     void buildBand(const commands::Band& band, QWidget* owner);
     void updateEditItem();
+    void updateThumbnailItems();
     QAction* itemOf(commands::Command command) const; // there must be one
     QAction* toolOf(commands::Command command) const;
 
@@ -59,6 +76,9 @@ class MainMenus : public QObject {
     std::map<commands::Command, QAction*> bandActions_; // and one tool at most
     commands::Selection selection_ = commands::Selection::None;
     bool isEditingAllowed_ = true;
+    QList<QKeySequence> keysOfViews_;
+    ViewChoices choices_;
+    bool areThumbnailsShown_ = true;
 };
 
 } // namespace browser

@@ -11,6 +11,7 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace browser {
@@ -23,7 +24,52 @@ void PicturePanel::layOutSoon() {
 
 void PicturePanel::layOutGrid() {
     Timer1_->stop();
-    strip_->setGrid(gridFor(qRound(area_.width), qRound(area_.height)));
+    const double width = qRound(area_.width);
+    const double height = qRound(area_.height);
+    const CellSize wanted{app::toTwips(choices_.thumbnailSide),
+                          choices_.hasNames ? strip_->nameHeight() : 0};
+    const CellSize cell = fittingCell(wanted, width, height);
+    strip_->setGrid(gridFor(width, height, cell), cell);
+}
+
+void PicturePanel::changeThumbnails(commands::ViewChange change) {
+    using commands::ViewChange;
+    if (change == ViewChange::ThumbnailNames) {
+        choices_.hasNames = !choices_.hasNames;
+        layOutAgain();
+    } else if (change == ViewChange::NormalThumbnails) {
+        resizeThumbnails(0);
+    } else {
+        resizeThumbnails(change == ViewChange::LargerThumbnails ? 1 : -1);
+    }
+}
+
+// Larger by so many steps, smaller if negative; 0: as at first.
+void PicturePanel::resizeThumbnails(int steps) {
+    const int side = steps == 0 ? kDefaultThumbnailSide : sideBeside(choices_.thumbnailSide, steps);
+    if (side != choices_.thumbnailSide) {
+        choices_.thumbnailSide = side;
+        layOutAgain();
+    }
+}
+
+void PicturePanel::layOutAgain() {
+    const auto first = static_cast<std::size_t>(strip_->shown().first);
+    turnsToShown_ = isShownPictureInSight() || first >= listed_.elements.size();
+    keptInSight_.reset();
+    if (!turnsToShown_) {
+        keptInSight_ = listed_.elements[first];
+    }
+    layOutSoon();
+    emit thumbnailsChanged();
+}
+
+bool PicturePanel::isShownPictureInSight() const {
+    const ShownRange& shown = strip_->shown();
+    const auto begin = listed_.names.begin();
+    const auto end = std::min(listed_.names.end(), begin + shown.first + shown.count);
+    return shownPicture_.name() &&
+           std::find(std::min(end, begin + shown.first), end, *shownPicture_.name()) != end;
 }
 
 // The list may have become the view while the timer ran.
@@ -37,6 +83,10 @@ void PicturePanel::onTimer() {
     }
     layOutGrid();
     SetImgScrollProperties();
+    if (const auto kept = std::exchange(keptInSight_, {})) {
+        MiniVorschau(*kept);
+        return;
+    }
     if (std::exchange(turnsToShown_, false)) {
         start_ = startIndexOf(imgScroll_->value(), strip_->cells());
         turnToShownPicture();
@@ -159,7 +209,7 @@ void PicturePanel::loadPage(std::size_t startIndex) {
     loader_.start(*library_, {*group_,
                               {firstName, firstName + count},
                               listed_.stamp,
-                              ThumbnailStrip::pictureArea(),
+                              strip_->shownPictureArea(),
                               strip_->devicePixelRatioF()});
 }
 

@@ -4,6 +4,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QTextLayout>
 
 #include <algorithm>
 
@@ -42,6 +43,27 @@ void paintCentred(QPainter& painter, const QImage& image, const QRectF& area,
         painter.fillRect(target.adjusted(-2, -2, 2, 2), app::paperColor(palette));
     }
     painter.drawImage(target, image);
+}
+
+void paintName(QPainter& painter, const QRectF& area, const QString& name) {
+    QTextLayout layout(name, painter.font());
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    if (line.isValid()) {
+        line.setLineWidth(area.width());
+    }
+    layout.endLayout();
+    const int cut = line.isValid() ? line.textLength() : 0;
+    const QFontMetricsF metrics(painter.font());
+    QRectF place(area.left(), area.top(), area.width(), metrics.lineSpacing());
+    constexpr int kOneLine = Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextSingleLine;
+    painter.drawText(place, kOneLine, name.left(cut).trimmed());
+    place.translate(0, metrics.lineSpacing());
+    painter.drawText(place, kOneLine,
+                     metrics.elidedText(name.mid(cut).trimmed(), Qt::ElideMiddle, area.width()));
 }
 
 void paintUndecodable(QPainter& painter, const QRectF& area, const QPalette& palette) {

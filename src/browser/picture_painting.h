@@ -20,6 +20,11 @@ QImage fitted(const picture::Picture& picture, const QSizeF& area, double screen
 void paintCentred(QPainter& painter, const QImage& image, const QRectF& area,
                   const QPalette& palette);
 
+// The picture's name in as many lines as paintName() has, centred from the area's top on; what does
+// not fit is cut in its middle.
+inline constexpr int kNameLines = 2;
+void paintName(QPainter& painter, const QRectF& area, const QString& name);
+
 // The sign for a picture that cannot be decoded: a torn picture, centred in `area`.
 void paintUndecodable(QPainter& painter, const QRectF& area, const QPalette& palette);
 

@@ -9,7 +9,6 @@
 #include "browser/status_line.h"
 #include "browser/thumbnail_strip.h"
 #include "browser/thumbnail_tool_tip.h"
-#include "browser/view_choices.h"
 #include "compound/error.h"
 #include "store/picture_operations.h"
 
@@ -83,6 +82,7 @@ void PicturePanel::connectStrip() {
     connect(strip_, &ThumbnailStrip::popUpWanted, this, &PicturePanel::picturePopUpWanted);
     connect(strip_, &ThumbnailStrip::pointerOver, txtName_, &ThumbnailToolTip::pointerOver);
     connect(strip_, &ThumbnailStrip::pagesWanted, this, &PicturePanel::turnPages);
+    connect(strip_, &ThumbnailStrip::sizesWanted, this, &PicturePanel::resizeThumbnails);
     connect(strip_, &ThumbnailStrip::rowsWanted, this, &PicturePanel::scrollRows);
     connect(strip_, &ThumbnailStrip::pictureWanted, this, &PicturePanel::showPageOf);
 }
@@ -122,11 +122,15 @@ void PicturePanel::setCaptions() {
 }
 
 void PicturePanel::setChoices(const ViewChoices& choices) {
+    choices_ = choices;
     lvwInfo_->setOrder(choices.order);
+    emit thumbnailsChanged();
 }
 
 ViewChoices PicturePanel::choices() const {
-    return {lvwInfo_->order()};
+    ViewChoices choices = choices_;
+    choices.order = lvwInfo_->order();
+    return choices;
 }
 
 void PicturePanel::place(const MainLayout& layout) {
@@ -310,6 +314,7 @@ void PicturePanel::VorschauAktiviert() {
     turnsToShown_ = true; // once it is known how many stand on a page
     Timer1_->start();
     strip_->setCellsVisible(true);
+    emit thumbnailsChanged();
 }
 
 void PicturePanel::VorschauDeaktiviert() {
@@ -328,6 +333,7 @@ void PicturePanel::VorschauDeaktiviert() {
     loader_.stop();
     strip_->setCellsVisible(false);
     strip_->hide();
+    emit thumbnailsChanged();
 }
 
 // --- The shown picture

@@ -6,7 +6,9 @@
 
 #include "browser/main_layout.h"
 #include "browser/thumbnail_loader.h"
+#include "browser/view_choices.h"
 #include "commands/enabling.h"
+#include "commands/library_view.h"
 #include "commands/shown_picture.h"
 #include "groups/library_changes.h"
 #include "store/library.h"
@@ -28,7 +30,6 @@ class PictureLabel;
 class PictureList;
 class ThumbnailStrip;
 class ThumbnailToolTip;
-struct ViewChoices;
 
 class PicturePanel : public QObject {
     Q_OBJECT
@@ -45,6 +46,10 @@ class PicturePanel : public QObject {
 
     void setChoices(const ViewChoices& choices);
     ViewChoices choices() const;
+
+    // Changes the thumbnails' size, as far as there is another, or shows or hides their names. What
+    // is selected stays in sight, or else what comes first there.
+    void changeThumbnails(commands::ViewChange change);
 
     void place(const MainLayout& layout);
 
@@ -118,6 +123,7 @@ class PicturePanel : public QObject {
     void pagesShown(const browser::ShownPages& pages); // of the shown group
     void nothingShown();                               // no group is shown
     void pictureDescribed(const QString& sizes);       // of the shown picture; empty for none
+    void thumbnailsChanged(); // their size or names, or whether there are any
     void menuStateWanted();
     void editItemWanted(commands::EditItemCause cause);
     void picturePopUpWanted(const QPoint& globalPosition);
@@ -135,6 +141,9 @@ class PicturePanel : public QObject {
     void showPageAgain();
     void showPageNumber();
     void turnPages(int pages);
+    void resizeThumbnails(int steps);
+    void layOutAgain();
+    bool isShownPictureInSight() const;
     void scrollRows(int rows);
     void showPageOf(int position);
     void choose(const store::PictureName& picture);
@@ -166,6 +175,8 @@ class PicturePanel : public QObject {
     int listing_ = 0;            // counts how often they were
     int askedListing_ = -1;      // of the last look's question
     app::TwipRect area_;
+    std::optional<std::size_t> keptInSight_; // the element to begin with when they are laid out
+    ViewChoices choices_;                    // but for the list's order
     commands::ShownPicture shownPicture_;
     QString shownType_;
     bool GraphicalPreview_ = true;

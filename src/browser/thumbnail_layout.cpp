@@ -6,11 +6,14 @@
 namespace browser {
 namespace {
 
+constexpr double kColumnBound = 285;
+constexpr double kRowBound = 15;
+
 // Steps that fit into `length` while at least `bound` is left, the first in any case, less one.
-int cellsAlong(double length, double bound) {
+int cellsAlong(double length, double pitch, double bound) {
     int steps = 0;
     do {
-        length -= kCellPitch;
+        length -= pitch;
         ++steps;
     } while (length >= bound);
     return steps - 1;
@@ -23,19 +26,26 @@ std::int16_t thumbnailCount(const GridSize& grid) {
     return static_cast<std::int16_t>(cells - 1);
 }
 
-GridSize gridFor(double areaWidth, double areaHeight) {
-    constexpr double kColumnBound = 285;
-    constexpr double kRowBound = 15;
-    return {cellsAlong(areaWidth - kGridInset, kColumnBound),
-            cellsAlong(areaHeight - kGridInset, kRowBound)};
+GridSize gridFor(double areaWidth, double areaHeight, const CellSize& cell) {
+    return {cellsAlong(areaWidth - kGridInset, cell.side + kCellGap, kColumnBound),
+            cellsAlong(areaHeight - kGridInset, cell.side + cell.nameHeight + kCellGap, kRowBound)};
 }
 
-app::TwipRect cellRect(const app::TwipRect& area, const GridSize& grid, int index) {
+CellSize fittingCell(const CellSize& wanted, double areaWidth, double areaHeight) {
+    const double widest = areaWidth - kGridInset - kCellGap - kColumnBound;
+    const double highest = areaHeight - kGridInset - kCellGap - kRowBound - wanted.nameHeight;
+    const double least = std::min(wanted.side, kCellSide);
+    return {std::max(least, std::min({wanted.side, widest, highest})), wanted.nameHeight};
+}
+
+app::TwipRect cellRect(const app::TwipRect& area, const GridSize& grid, int index,
+                       const CellSize& cell) {
     const int columns = std::max(1, grid.columns);
     const int row = index / columns;
     const int column = index % columns;
-    return {area.left + kGridInset + kCellPitch * column, area.top + kGridInset + kCellPitch * row,
-            kCellSide, kCellSide};
+    const double height = cell.side + cell.nameHeight;
+    return {area.left + kGridInset + (cell.side + kCellGap) * column,
+            area.top + kGridInset + (height + kCellGap) * row, cell.side, height};
 }
 
 std::size_t startIndexOf(int page, std::size_t cells) {

@@ -9,9 +9,17 @@
 
 namespace browser {
 
-inline constexpr double kCellPitch = 960; // from one cell's left or upper edge to the next one's
-inline constexpr double kCellSide = 900;
+inline constexpr double kCellSide = 900; // of a cell, as long as nobody wants another size
+inline constexpr double kCellGap = 60;   // between two cells
 inline constexpr double kGridInset = 60; // of the first cell from the area's corner
+
+// A cell holds a square for the picture and below it, if wished, its name.
+struct CellSize {
+    double side = kCellSide;
+    double nameHeight = 0;
+
+    bool operator==(const CellSize&) const = default;
+};
 
 struct GridSize {
     int columns = 0;
@@ -24,10 +32,14 @@ struct GridSize {
 std::int16_t thumbnailCount(const GridSize& grid);
 
 // The grid that an area of that size holds. Space for the scroll bar is kept free at the right.
-GridSize gridFor(double areaWidth, double areaHeight);
+GridSize gridFor(double areaWidth, double areaHeight, const CellSize& cell = {});
+
+// The same cell, or as large a one as the area has room for.
+CellSize fittingCell(const CellSize& wanted, double areaWidth, double areaHeight);
 
 // Where a cell stands, relative to what the area's left and top are relative to.
-app::TwipRect cellRect(const app::TwipRect& area, const GridSize& grid, int index);
+app::TwipRect cellRect(const app::TwipRect& area, const GridSize& grid, int index,
+                       const CellSize& cell = {});
 
 // Pages are cut by element index: a group's own two streams count, though they are not shown.
 // Page 1 is the first.

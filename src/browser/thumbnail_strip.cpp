@@ -16,6 +16,7 @@ namespace {
 
 constexpr double kPadding = 5; // pixels between a cell's edge and its picture
 constexpr double kCorner = 4;
+constexpr double kNamePadding = 3;
 
 } // namespace
 
@@ -52,6 +53,13 @@ void ThumbnailCell::setEmphasis(Emphasis emphasis) {
     }
 }
 
+void ThumbnailCell::setNameHeight(int height) {
+    if (nameHeight_ != height) {
+        nameHeight_ = height;
+        update();
+    }
+}
+
 void ThumbnailCell::paintEvent(QPaintEvent*) {
     if (!isFilled_) {
         return;
@@ -73,7 +81,14 @@ void ThumbnailCell::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(border, pen));
     painter.setBrush(fill);
     painter.drawRoundedRect(frame, kCorner, kCorner);
-    const QRectF area = QRectF(rect()).adjusted(kPadding, kPadding, -kPadding, -kPadding);
+    const QRectF area =
+        QRectF(rect()).adjusted(kPadding, kPadding, -kPadding, -kPadding - nameHeight_);
+    if (nameHeight_ > 0) {
+        const QRectF below(kNamePadding, height() - nameHeight_, width() - 2 * kNamePadding,
+                           nameHeight_);
+        painter.setPen(palette().color(QPalette::Text));
+        paintName(painter, below, tag_);
+    }
     if (image_.isNull()) {
         paintUndecodable(painter, area, palette());
     } else {
@@ -90,13 +105,18 @@ ThumbnailStrip::ThumbnailStrip(QWidget* parent) : QFrame(parent) {
     setMouseTracking(true);
 }
 
-QSizeF ThumbnailStrip::pictureArea() {
-    const double side = app::toPixels(kCellSide) - 2 * kPadding;
-    return {side, side};
+QSizeF ThumbnailStrip::pictureArea(double side) {
+    const double inner = app::toPixels(side) - 2 * kPadding;
+    return {inner, inner};
 }
 
-void ThumbnailStrip::setGrid(const GridSize& grid) {
+double ThumbnailStrip::nameHeight() const {
+    return app::toTwips(kNameLines * fontMetrics().lineSpacing() + kNamePadding);
+}
+
+void ThumbnailStrip::setGrid(const GridSize& grid, const CellSize& cell) {
     grid_ = grid;
+    cell_ = cell;
     const auto wanted = static_cast<std::size_t>(thumbnailCount(grid) + 1);
     while (cells_.size() > wanted) {
         delete cells_.back();
@@ -107,7 +127,8 @@ void ThumbnailStrip::setGrid(const GridSize& grid) {
         cells_.back()->setVisible(areCellsVisible_);
     }
     for (std::size_t i = 0; i < cells_.size(); ++i) {
-        cells_[i]->setGeometry(app::toPixels(cellRect({}, grid, static_cast<int>(i))));
+        cells_[i]->setGeometry(app::toPixels(cellRect({}, grid, static_cast<int>(i), cell)));
+        cells_[i]->setNameHeight(app::toPixels(cell.nameHeight));
     }
 }
 
@@ -282,10 +303,12 @@ void ThumbnailStrip::contextMenuEvent(QContextMenuEvent* event) {
 void ThumbnailStrip::wheelEvent(QWheelEvent* event) {
     constexpr int kNotch = 120;
     wheelRest_ += event->angleDelta().y();
-    const int rows = -wheelRest_ / kNotch;
+    const int notches = wheelRest_ / kNotch;
     wheelRest_ %= kNotch;
-    if (rows != 0) {
-        emit rowsWanted(rows);
+    if (notches != 0 && event->modifiers().testFlag(Qt::ControlModifier)) {
+        emit sizesWanted(notches);
+    } else if (notches != 0) {
+        emit rowsWanted(-notches);
     }
     event->accept();
 }

@@ -24,6 +24,9 @@ class ThumbnailCell : public QWidget {
     void clear();
     void setEmphasis(Emphasis emphasis);
 
+    // Of the name below the picture, in pixels; none at 0.
+    void setNameHeight(int height);
+
     // The name of the shown picture; empty for an empty cell.
     const QString& tag() const { return tag_; }
     void clearTag();
@@ -34,6 +37,7 @@ class ThumbnailCell : public QWidget {
   private:
     QString tag_;
     QImage image_;
+    int nameHeight_ = 0;
     bool isFilled_ = false;
     Emphasis emphasis_ = Emphasis::None;
 };
@@ -45,13 +49,16 @@ class ThumbnailStrip : public QFrame {
     explicit ThumbnailStrip(QWidget* parent = nullptr);
 
     // Makes or removes cells, from the highest index down, until the grid is complete.
-    void setGrid(const GridSize& grid);
+    void setGrid(const GridSize& grid, const CellSize& cell);
     const GridSize& grid() const { return grid_; }
     std::size_t cells() const { return cells_.size(); }
     const ThumbnailCell& cell(std::size_t index) const { return *cells_[index]; }
 
-    // The size of the picture in a cell, device-independent pixels.
-    static QSizeF pictureArea();
+    // The size of the picture in a cell with such a side, device-independent pixels.
+    static QSizeF pictureArea(double side = kCellSide);
+    QSizeF shownPictureArea() const { return pictureArea(cell_.side); }
+
+    double nameHeight() const; // of the names below the pictures, twips
 
     void clear();
     void clearTags();
@@ -78,6 +85,7 @@ class ThumbnailStrip : public QFrame {
     void pointerOver(const QString& name, const QPoint& globalPosition);
     void pagesWanted(int pages);      // forward, or backward if negative
     void rowsWanted(int rows);        // the same
+    void sizesWanted(int steps);      // larger, or smaller if negative
     void pictureWanted(int position); // of the group's pictures: to be brought to the screen
 
   protected:
@@ -101,6 +109,7 @@ class ThumbnailStrip : public QFrame {
 
     std::vector<ThumbnailCell*> cells_;
     GridSize grid_;
+    CellSize cell_;
     QString marked_;
     bool areCellsVisible_ = true;
     ShownRange shown_;

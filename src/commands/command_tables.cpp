@@ -60,6 +60,22 @@ constexpr std::array kEditItems{
 constexpr std::array kExtrasItems{
     MenuItem{0, 220, Command::GraphicalPreview},
     MenuItem{1, kNoTextId, Command::EditorOptions, {u"&Editoroptionen...", u"&Editor options..."}},
+    MenuItem{3,
+             kNoTextId,
+             Command::ThumbnailNames,
+             {u"&Namen unter den Miniaturen", u"&Names below the thumbnails"}},
+    MenuItem{
+        4, kNoTextId, Command::LargerThumbnails, {u"G&rößere Miniaturen", u"&Larger thumbnails"}},
+    MenuItem{5,
+             kNoTextId,
+             Command::SmallerThumbnails,
+             {u"&Kleinere Miniaturen", u"&Smaller thumbnails"}},
+    MenuItem{6,
+             kNoTextId,
+             Command::NormalThumbnails,
+             {u"Miniaturen in n&ormaler Größe", u"Thumbnails in n&ormal size"}},
+    MenuItem{8, kNoTextId, Command::Find, {u"&Suchen", u"&Find"}},
+    MenuItem{9, kNoTextId, Command::Refresh, {u"&Aktualisieren", u"&Refresh"}},
 };
 
 constexpr std::array kHelpItems{

@@ -34,6 +34,11 @@ struct Binding {
     Handler handler;
 };
 
+template <ViewChange change>
+void changeView(CommandCall& call) {
+    call.view.changeView(change);
+}
+
 constexpr std::array kBindings{
     Binding{Command::NewGroup, newGroup},
     Binding{Command::GroupFromFolder, createGroupFromFolder},
@@ -51,6 +56,12 @@ constexpr std::array kBindings{
     Binding{Command::HandOverAndClose, handOverAndClose},
     Binding{Command::GraphicalPreview, toggleGraphicalPreview},
     Binding{Command::EditorOptions, showEditorOptions},
+    Binding{Command::ThumbnailNames, changeView<ViewChange::ThumbnailNames>},
+    Binding{Command::LargerThumbnails, changeView<ViewChange::LargerThumbnails>},
+    Binding{Command::SmallerThumbnails, changeView<ViewChange::SmallerThumbnails>},
+    Binding{Command::NormalThumbnails, changeView<ViewChange::NormalThumbnails>},
+    Binding{Command::Find, changeView<ViewChange::Find>},
+    Binding{Command::Refresh, changeView<ViewChange::ReadAgain>},
     Binding{Command::Exit, exitProgram},
     Binding{Command::PrintCatalogue, printCatalogue},
     Binding{Command::Help, showMainHelp},

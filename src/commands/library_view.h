@@ -17,6 +17,16 @@ class QWidget;
 
 namespace commands {
 
+// What the user can change of the window that is no command on groups and pictures.
+enum class ViewChange {
+    ThumbnailNames, // shown or not
+    LargerThumbnails,
+    SmallerThumbnails,
+    NormalThumbnails,
+    Find,      // goes to the field for finding
+    ReadAgain, // the library
+};
+
 class LibraryView {
   public:
     virtual ~LibraryView() = default;
@@ -89,6 +99,8 @@ class LibraryView {
 
     virtual void VorschauAktiviert() = 0;
     virtual void VorschauDeaktiviert() = 0;
+
+    virtual void changeView(ViewChange /*change*/) {}
 
     // Keeps the path of a copied picture as the hand-over value and lets whoever drives the program
     // know; started alone, nobody does.

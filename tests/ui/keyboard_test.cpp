@@ -6,10 +6,12 @@
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QFile>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
@@ -217,6 +219,40 @@ TEST_F(Keyboard, RefreshComesBackToAGroupThatWasLocked) {
     held.reset();
     start();
     EXPECT_EQ(selectedNode(), "Kreisel");
+}
+
+// A key that a menu shows runs the item beside it.
+TEST_F(Keyboard, EveryKeyStandsInAMenuOnce) {
+    startTwoDeep({"P1"});
+    const auto keyOf = [this](const char* item) {
+        return find<QAction>(item)->shortcut().toString(QKeySequence::PortableText);
+    };
+    EXPECT_EQ(keyOf("Men_Bearbeiten_1"), "F2");
+    EXPECT_EQ(keyOf("Men_Bearbeiten_3"), "Del");
+    EXPECT_EQ(keyOf("Men_Bearbeiten_7"), "F2");
+    EXPECT_EQ(keyOf("Men_Extras_9"), "F5");
+    EXPECT_EQ(keyOf("Men_Extras_4"), "Ctrl++");
+    press(strip(), Qt::Key_F, Qt::ControlModifier);
+    EXPECT_TRUE(find<QLineEdit>("txtFind")->hasFocus());
+}
+
+// What tree and pictures do with a key is not meant by whoever has gone to the menu bar with Alt.
+TEST_F(Keyboard, KeysOfTheViewsDoNothingInTheMenuBar) {
+    startTwoDeep({"P1"});
+    MessageBoxScript yes({}, app::kAnswerYes);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_F2, Qt::Key_Delete}) {
+        SCOPED_TRACE(key);
+        strip()->setFocus();
+        QTest::keyClick(strip(), Qt::Key_Alt);
+        ASSERT_EQ(QApplication::focusWidget(), window().menuBar());
+        QTest::keyClick(window().menuBar(), key);
+        EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+        while (QWidget* menu = QApplication::activePopupWidget()) {
+            QTest::keyClick(menu, Qt::Key_Escape);
+        }
+        QTest::keyClick(window().menuBar(), Qt::Key_Escape);
+    }
+    EXPECT_TRUE(yes.take().isEmpty());
 }
 
 } // namespace

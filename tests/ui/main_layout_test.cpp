@@ -75,6 +75,22 @@ TEST(ThumbnailGrid, CountsColumnsAndRowsByTheirBounds) {
     EXPECT_EQ(thumbnailCount({3, 4}), 11);
 }
 
+TEST(ThumbnailGrid, CellsOfAnySizeFillTheAreaAndStayInIt) {
+    EXPECT_EQ(gridFor(4000, 4000, {450, 0}), (GridSize{7, 7}));
+    EXPECT_EQ(gridFor(4000, 4000, {900, 500}).rows, 2);
+    for (const WindowSize& window : {WindowSize{4770, 4710}, {9000, 9000}, {30000, 20000}}) {
+        const TwipRect area = layoutFor(window).thumbnailArea;
+        for (const CellSize& wanted : {CellSize{600, 0}, {900, 510}, {2250, 510}, {3840, 600}}) {
+            const CellSize cell = fittingCell(wanted, area.width, area.height);
+            const GridSize grid = gridFor(area.width, area.height, cell);
+            ASSERT_GT(grid.columns * grid.rows, 0) << window.width << ' ' << wanted.side;
+            const TwipRect last = cellRect({}, grid, grid.columns * grid.rows - 1, cell);
+            EXPECT_LE(last.left + last.width, area.width - kScrollBarWidth - kScrollBarInset);
+            EXPECT_LE(last.top + last.height, area.height);
+        }
+    }
+}
+
 TEST(ThumbnailGrid, CellsStandInRowsFromTheAreasCorner) {
     const TwipRect area{3300, 90, 4000, 4000};
     EXPECT_EQ(cellRect(area, {3, 4}, 0), (TwipRect{3360, 150, 900, 900}));

@@ -1,8 +1,11 @@
 // The strip's own keys, its wheel, and what it shows between two groups.
+#include "browser/picture_painting.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QPainter>
 #include <QScrollBar>
 #include <QTest>
 #include <QTreeWidget>
@@ -38,9 +41,9 @@ class Strip : public MainWindowTest {
     }
 
     // Turns the wheel by that many eighths of a degree and returns the first thumbnail.
-    QString firstAfterTurning(int angle) {
+    QString firstAfterTurning(int angle, Qt::KeyboardModifiers keys = {}) {
         const QPointF centre = strip()->rect().center();
-        QWheelEvent turn(centre, strip()->mapToGlobal(centre), {}, {0, angle}, Qt::NoButton, {},
+        QWheelEvent turn(centre, strip()->mapToGlobal(centre), {}, {0, angle}, Qt::NoButton, keys,
                          Qt::NoScrollPhase, false);
         QApplication::sendEvent(strip(), &turn);
         settle();
@@ -119,6 +122,105 @@ TEST_F(Strip, TheSelectedPictureStaysSelectedInTheList) {
     settle();
     EXPECT_EQ(label(), "A18");
     EXPECT_TRUE(thumbnails().contains("A18"));
+}
+
+TEST_F(Strip, SizesAndNamesAreChosenByKeysWheelAndMenuAndRemembered) {
+    startWith(20, {4, 4});
+    QApplication::setActiveWindow(&window());
+    strip()->setFocus();
+    const QSize first = thumbnail("A0")->size();
+    EXPECT_EQ(first, QSize(60, 60));
+    EXPECT_EQ(pressedFrom("A7", Qt::Key_End), "A19");
+    const auto sizeAfter = [&](Qt::Key key) {
+        QTest::keyClick(strip(), key, Qt::ControlModifier);
+        settle();
+        EXPECT_TRUE(thumbnails().contains("A19")) << "the selected picture stays in sight";
+        return thumbnail("A19")->size();
+    };
+    EXPECT_EQ(sizeAfter(Qt::Key_Plus), QSize(80, 80));
+    EXPECT_EQ(sizeAfter(Qt::Key_Minus), first);
+    EXPECT_EQ(sizeAfter(Qt::Key_Minus), QSize(40, 40));
+    EXPECT_EQ(sizeAfter(Qt::Key_Minus), QSize(40, 40));
+    EXPECT_EQ(sizeAfter(Qt::Key_0), first);
+    firstAfterTurning(240, Qt::ControlModifier);
+    EXPECT_EQ(thumbnail("A19")->width(), 110);
+    trigger("Men_Extras_3");
+    settle();
+    EXPECT_EQ(thumbnail("A19")->width(), 110);
+    EXPECT_GT(thumbnail("A19")->height(), 120);
+    restart();
+    EXPECT_EQ(thumbnail("A0")->width(), 110);
+    EXPECT_GT(thumbnail("A0")->height(), 120);
+    EXPECT_TRUE(find<QAction>("Men_Extras_3")->isChecked());
+    trigger("Men_Extras_3");
+    trigger("Men_Extras_6");
+    settle();
+    EXPECT_EQ(thumbnail("A0")->size(), first);
+}
+
+TEST_F(Strip, TheMenuOffersWhatChangesTheThumbnails) {
+    startWith(5, {3, 3});
+    const auto offered = [this] {
+        QString items;
+        for (const char* item : {"3", "4", "5", "6"}) {
+            items += find<QAction>(QString("Men_Extras_%1").arg(item))->isEnabled() ? item : "-";
+        }
+        return items;
+    };
+    EXPECT_EQ(offered(), "345-");
+    firstAfterTurning(-120, Qt::ControlModifier);
+    EXPECT_EQ(offered(), "34-6");
+    firstAfterTurning(120 * 20, Qt::ControlModifier);
+    EXPECT_EQ(offered(), "3-56");
+    trigger("Men_Extras_0");
+    settle();
+    EXPECT_EQ(offered(), "----") << "a list has none";
+    clickNode("Tanks");
+    EXPECT_EQ(offered(), "----");
+    trigger("Men_Extras_0");
+    settle();
+    EXPECT_EQ(offered(), "3-56");
+}
+
+TEST_F(Strip, WhatIsLookedAtStaysInSightWhenTheSizeChanges) {
+    startWith(90, {3, 3});
+    ASSERT_EQ(label(), "A0");
+    QTest::keyClick(strip(), Qt::Key_PageDown);
+    QTest::keyClick(strip(), Qt::Key_PageDown);
+    QTest::keyClick(strip(), Qt::Key_PageDown);
+    settle();
+    const QString seen = thumbnails().front();
+    for (const int angle : {120, 120, -360, 120}) {
+        firstAfterTurning(angle, Qt::ControlModifier);
+        EXPECT_TRUE(thumbnails().contains(seen))
+            << angle << ' ' << seen.toStdString() << ' ' << thumbnails().join(' ').toStdString();
+        EXPECT_EQ(label(), "A0");
+    }
+}
+
+// A name is as wide as its thumbnail at most, whatever it consists of.
+TEST(ThumbnailName, StaysInItsArea) {
+    for (const char* name : {"P1", "Kreiselpumpe mit Motor und Getriebe, dreistufig",
+                             "MMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMMM", "pump\nhouse", ""}) {
+        for (const int width : {34, 74, 250}) {
+            QImage image(width + 40, 80, QImage::Format_RGB32);
+            image.fill(Qt::white);
+            const QRect area(20, 10, width, 60);
+            QPainter painter(&image);
+            browser::paintName(painter, area, name);
+            painter.end();
+            int inside = 0;
+            int outside = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const bool isInk = image.pixelColor(x, y) != QColor(Qt::white);
+                    (area.adjusted(-1, 0, 1, 0).contains(x, y) ? inside : outside) += isInk;
+                }
+            }
+            EXPECT_EQ(outside, 0) << name << ' ' << width;
+            EXPECT_EQ(inside > 0, *name != 0) << name << ' ' << width;
+        }
+    }
 }
 
 // The next group's pictures come one by one; until then no cell shows, or takes a click for, one of
