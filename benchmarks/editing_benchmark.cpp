@@ -174,7 +174,7 @@ int hueLevel(int level) {
 }
 
 int saturationLevel(int level) {
-    return std::min(255, static_cast<int>(level * kSlope + 0.5));
+    return std::min(255, static_cast<int>(std::lround(level * kSlope)));
 }
 
 // To HSL and back with a table in between.
@@ -301,7 +301,7 @@ VipsPicture linear(const VipsPicture& image, double slope, double offset) {
 
 // To HSV (it knows no HSL) and back with a table in between.
 void throughHsv(benchmark::State& state, int channel, int (*value)(int)) {
-    std::array<unsigned char, 256 * 4> table{};
+    std::array<unsigned char, std::size_t{256} * 4> table{};
     for (int i = 0; i < 256 * 4; ++i) {
         table[static_cast<std::size_t>(i)] =
             static_cast<unsigned char>(i % 4 == channel ? value(i / 4) : i / 4);

@@ -104,6 +104,7 @@ QImage reducedByPeer(const QImage& image) {
     liq_set_dithering_level(result.get(), 1);
     std::vector<uchar*> rows;
     QImage indexes(image.size(), QImage::Format_Indexed8);
+    rows.reserve(static_cast<std::size_t>(indexes.height()));
     for (int y = 0; y < indexes.height(); ++y) {
         rows.push_back(indexes.scanLine(y));
     }

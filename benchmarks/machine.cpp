@@ -35,7 +35,8 @@ std::string mountOf(const std::filesystem::path& folder) {
         const std::string prefix = place == "/" ? place : place + "/";
         if (wanted.starts_with(prefix) && prefix.size() >= longest) {
             longest = prefix.size();
-            found = type + " on " + device + " (" + options + ")";
+            found = type;
+            found.append(" on ").append(device).append(" (").append(options).append(")");
         }
     }
     return found;
