@@ -276,7 +276,7 @@ std::array<double, kContenders> Population::space() {
 double Population::leastSpace() {
     constexpr std::uint64_t kSector = 4096;
     constexpr std::uint64_t kMiniSector = 64;
-    constexpr std::uint64_t kEntries = 2 * 128; // of the picture and its record
+    constexpr std::uint64_t kEntries = std::uint64_t{2} * 128; // of the picture and its record
     const auto rounded = [](std::uint64_t bytes, std::uint64_t to) {
         return (bytes + to - 1) / to * to;
     };
