@@ -91,6 +91,7 @@ class NativeFile final : public DiskFile {
 
   private:
     void find();
+    void startSending(std::uint64_t offset, std::size_t length) noexcept;
     bool tryLock();
     bool waitForLock(std::chrono::milliseconds wait);
 
@@ -102,6 +103,8 @@ class NativeFile final : public DiskFile {
     bool isShared_;
     bool isGone_ = false; // found out in locking
     bool hasNewAttributes_ = false;
+    std::uint64_t unsentFrom_ = 0; // written one after the other, see startSending()
+    std::uint64_t unsentTo_ = 0;
 };
 
 std::size_t NativeFile::read(std::uint64_t offset, std::span<std::byte> into) {
@@ -130,6 +133,23 @@ void NativeFile::write(std::uint64_t offset, std::span<const std::byte> bytes) {
         }
         done += count < 0 ? 0 : static_cast<std::size_t>(count);
     }
+    startSending(offset, bytes.size());
+}
+
+// The medium is given what was written as soon as that is a good deal, and works while the next
+// pictures are read: the system would have it idle until the sync. A hint, no more; the sync tells
+// whether everything has arrived.
+void NativeFile::startSending(std::uint64_t offset, std::size_t length) noexcept {
+    constexpr std::uint64_t kGoodDeal = std::uint64_t{1} << 20U;
+    if (offset != unsentTo_) {
+        unsentFrom_ = offset;
+    }
+    unsentTo_ = offset + length;
+    if (unsentTo_ - unsentFrom_ >= kGoodDeal && !isShared_) {
+        (void)::sync_file_range(descriptor(), static_cast<off_t>(unsentFrom_),
+                                static_cast<off_t>(unsentTo_ - unsentFrom_), SYNC_FILE_RANGE_WRITE);
+        unsentFrom_ = unsentTo_;
+    }
 }
 
 void NativeFile::sync() {
@@ -156,6 +176,7 @@ void NativeFile::writeParts(std::uint64_t offset,
         if (written < 0 || static_cast<std::size_t>(written) != wanted) {
             return DiskFile::writeParts(offset, parts); // one by one, with its errors
         }
+        startSending(offset, wanted);
         offset += wanted;
         parts = parts.subspan(count);
     }
