@@ -47,8 +47,10 @@ QImage sampled(QSize size, const QTransform& toDrawing) {
         for (int x = 0; x < size.width(); ++x) {
             Colour sum{};
             for (int i = 0; i < kSamples * kSamples; ++i) {
-                const QPointF place = toDrawing.map(QPointF(x + (i % kSamples + 0.5) / kSamples,
-                                                            y + (i / kSamples + 0.5) / kSamples));
+                const int column = i % kSamples;
+                const int row = i / kSamples;
+                const QPointF place = toDrawing.map(
+                    QPointF(x + (column + 0.5) / kSamples, y + (row + 0.5) / kSamples));
                 const Colour colour = drawingAt(place.x(), place.y());
                 for (std::size_t c = 0; c < 3; ++c) {
                     sum[c] += colour[c] / (kSamples * kSamples);

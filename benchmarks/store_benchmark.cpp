@@ -59,12 +59,14 @@ Row timeRow(std::string operation, std::size_t pictures, const std::vector<Secon
     Row row{std::move(operation), pictures, {}, 0, goal, 1};
     for (std::size_t index = 0; index < kContenders; ++index) {
         std::vector<double> values;
+        values.reserve(rounds.size());
         for (const Seconds& seconds : rounds) {
             values.push_back(1e6 * seconds[index] / operations);
         }
         row.values[index] = medianOf(values);
     }
     std::vector<double> ratios;
+    ratios.reserve(rounds.size());
     for (const Seconds& seconds : rounds) {
         ratios.push_back(seconds[0] / seconds[1]);
     }
@@ -204,6 +206,7 @@ class Run {
         const auto samples = static_cast<double>(options_.samples);
         const auto row = [&](const char* operation, Seconds Population::Round::*part, double goal) {
             std::vector<Seconds> seconds;
+            seconds.reserve(rounds.size());
             for (const Population::Round& round : rounds) {
                 seconds.push_back(round.*part);
             }
