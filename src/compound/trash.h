@@ -1,9 +1,18 @@
 // The trash as store/ sees it; platform/ implements it with the desktop's.
 #pragma once
 
+#include "compound/error.h"
+
 #include <filesystem>
 
 namespace compound {
+
+// Why a file does not come to the trash. What it was to be kept of is still where it was, and can
+// go without.
+class TrashFailure : public Error {
+  public:
+    explicit TrashFailure(const Error& cause) : Error(cause) {}
+};
 
 class Trash {
   public:

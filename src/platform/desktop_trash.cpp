@@ -17,15 +17,16 @@ QString pattern() {
 
 } // namespace
 
-DesktopTrash::DesktopTrash() : folder_(pattern()) {
-    if (!folder_.isValid()) {
-        throw compound::Error(compound::ErrorCode::Failed, toFilePath(dataFolder()),
-                              folder_.errorString().toStdString());
-    }
-}
-
 std::filesystem::path DesktopTrash::stagingFolder() const {
-    return toFilePath(folder_.path());
+    if (!folder_) {
+        folder_.emplace(pattern());
+    }
+    if (!folder_->isValid()) {
+        throw compound::TrashFailure(compound::Error(compound::ErrorCode::Failed,
+                                                     toFilePath(dataFolder()),
+                                                     folder_->errorString().toStdString()));
+    }
+    return toFilePath(folder_->path());
 }
 
 std::filesystem::path DesktopTrash::moveThere(const std::filesystem::path& file) {

@@ -5,21 +5,21 @@
 
 #include <QTemporaryDir>
 
+#include <optional>
+
 namespace platform {
 
 // See trash.h. Files on their way there lie on the volume of the user's data, so that they come to
 // the user's own trash whatever the library lies on.
 class DesktopTrash final : public compound::Trash {
   public:
-    // Throws compound::Error naming the folder when no file could be written for it.
-    DesktopTrash();
-
+    // Made when it is first asked for; a TrashFailure names the folder that cannot hold it.
     std::filesystem::path stagingFolder() const override;
     std::filesystem::path moveThere(const std::filesystem::path& file) override;
     void takeBack(const std::filesystem::path& trashed, const std::filesystem::path& to) override;
 
   private:
-    QTemporaryDir folder_; // goes with the object, with what is left in it
+    mutable std::optional<QTemporaryDir> folder_; // goes with the object, with what is left in it
 };
 
 } // namespace platform

@@ -39,6 +39,31 @@ StorageName parentOf(StorageAccess& access, const GroupAddress& group) {
     return {group.file.text};
 }
 
+// Writes the group as a file of its own and moves it to the trash; an empty path when the trash
+// does not tell where it is, or the group is damaged: what cannot be kept must not keep the group.
+std::filesystem::path fileInTrash(const Library& library, StorageAccess& access,
+                                  const GroupAddress& group, const GroupName& groupName,
+                                  compound::Trash& trash, Progress& progress) {
+    const std::u16string name = nameInTrash(groupName);
+    const std::filesystem::path file =
+        trash.stagingFolder() / base::toPath(name + std::u16string(kGroupFileSuffix));
+    try {
+        const auto isWritten = unlessDamaged([&] {
+            NewGroupFile content(library, file, NewGroupFile::Content::Fresh);
+            writeGroupInto(content, access, group, name, progress);
+            content.publish();
+            return true;
+        });
+        return isWritten ? trash.moveThere(file) : std::filesystem::path();
+    } catch (const Error& failure) {
+        const bool isOfGroup = failure.file() == access.file().disk().path();
+        if (isOfGroup || failure.code() == ErrorCode::Cancelled) {
+            throw;
+        }
+        throw compound::TrashFailure(failure);
+    }
+}
+
 TrashedGroup trashSubGroup(const Library& library, const GroupAddress& group,
                            compound::Trash& trash, Progress& progress) {
     StorageAccess access(library);
@@ -46,19 +71,7 @@ TrashedGroup trashSubGroup(const Library& library, const GroupAddress& group,
     TrashedGroup trashed{group, parentOf(access, group), {}, {}};
     trashed.name.text =
         readGroupText(access.groupStorage(), kNameStream).value_or(group.storage.text);
-    const std::u16string name = nameInTrash(trashed.name);
-    const std::filesystem::path file =
-        trash.stagingFolder() / base::toPath(name + std::u16string(kGroupFileSuffix));
-    // What is damaged cannot be kept, and must not keep the group either.
-    const auto isWritten = unlessDamaged([&] {
-        NewGroupFile content(library, file, NewGroupFile::Content::Fresh);
-        writeGroupInto(content, access, group, name, progress);
-        content.publish();
-        return true;
-    });
-    if (isWritten) {
-        trashed.file = trash.moveThere(file);
-    }
+    trashed.file = fileInTrash(library, access, group, trashed.name, trash, progress);
     try {
         destroyGroup(access, group);
         access.Commit();

@@ -22,7 +22,8 @@ std::size_t countGroupsBelow(const Library& library, const GroupAddress& group);
 // Takes a group out of the library. A top-level group's file goes to the trash. A sub-group is
 // written with all groups below it as a group file of its own, which goes to the trash, and the
 // groups go from their file, in one transaction. Stopping (Cancelled) and every failure leave the
-// groups as they were.
+// groups as they were; when it was a sub-group's way to the trash that failed (TrashFailure),
+// deleteGroup does without.
 TrashedGroup trashGroup(const Library& library, const GroupAddress& group, compound::Trash& trash,
                         Progress& progress = noProgress());
 

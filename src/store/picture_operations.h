@@ -26,7 +26,8 @@ enum class IfPictureExists { Refuse, Replace };
 // 40 million pixels of 32 bits, takes less.
 inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{168} << 20U;
 
-// The whole content of a picture file. TooLarge.
+// The whole content of a picture file. TooLarge; Failed for one that grows or shrinks meanwhile,
+// since another program is still writing it.
 std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path);
 
 // Writes a picture file that windows hand to each other: an earlier file of that name is replaced,

@@ -7,6 +7,7 @@
 #include "store/steps.h"
 #include "store/storage_access.h"
 
+#include <set>
 #include <utility>
 
 namespace store {
@@ -33,6 +34,7 @@ class Passing {
     Passing(const Library& library, const GroupAddress& from, const GroupAddress& to,
             PassageKind kind)
         : isOneFile_(pathOf(library, from.file) == pathOf(library, to.file)),
+          isOneGroup_(isOneFile_ && sameName(from.storage.text, to.storage.text)),
           kind_(kind),
           first_(library),
           second_(library) {
@@ -100,7 +102,7 @@ class Passing {
             if (picture.ifTaken == IfNameTaken::Skip) {
                 return;
             }
-            if (picture.ifTaken == IfNameTaken::KeepBoth) {
+            if (picture.ifTaken == IfNameTaken::KeepBoth || !isReplaceable(name)) {
                 name = freePictureName(name, isTaken);
             }
         }
@@ -112,9 +114,15 @@ class Passing {
             to_->info->DestroyElement(name.text); // it would be another picture's
         }
         result.passed.push_back({{element->name}, name});
+        arrived_.insert(name.text);
         if (isOneFile_ && kind_ == PassageKind::Move) {
             destroy(*from_, result.passed.back().from);
         }
+    }
+
+    // Neither what is on its way nor what has just come.
+    bool isReplaceable(const PictureName& name) const {
+        return !isOneGroup_ && !arrived_.contains(name.text);
     }
 
     void copy(const StorageHandle& from, const Element& element, StorageHandle to,
@@ -123,7 +131,8 @@ class Passing {
             throw Error(ErrorCode::TooLarge, path(),
                         "\"" + base::toUtf8(element.name) + "\" is too large for a picture");
         }
-        to.CreateStream(name.text).Put(from.OpenStream(element).Get());
+        const std::vector<std::byte> bytes = from.OpenStream(element).Get();
+        to.CreateStream(name.text).Put(bytes);
     }
 
     static void destroy(Place& place, const PictureName& name) {
@@ -148,7 +157,9 @@ class Passing {
     }
 
     bool isOneFile_;
+    bool isOneGroup_;
     PassageKind kind_;
+    std::set<std::u16string, ByName> arrived_;
     StorageAccess first_;  // of the source, if it is another file
     StorageAccess second_; // of the target
     std::optional<Place> from_;

@@ -11,7 +11,7 @@ namespace store {
 
 // What becomes of a picture whose name is taken where it goes.
 enum class IfNameTaken {
-    Replace,  // it takes the other one's place
+    Replace,  // it takes the other one's place; what came with it, or is itself, is kept
     KeepBoth, // it gets a number behind its name
     Skip,     // it stays away
 };

@@ -19,7 +19,10 @@ std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesyst
         throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
     }
     std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    bytes.resize(file->read(0, bytes));
+    const std::size_t read = file->read(0, bytes);
+    if (read != size || file->size() != size) {
+        throw Error(ErrorCode::Failed, path, "the file changes while it is read");
+    }
     return bytes;
 }
 

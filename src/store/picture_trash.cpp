@@ -22,33 +22,43 @@ using compound::ErrorCode;
 // The files in the trash, which go out of it again unless the deletion was done.
 class Trashing {
   public:
-    Trashing(compound::Disk& disk, compound::Trash& trash) : disk_(disk), trash_(trash) {}
+    Trashing(compound::Disk& disk, compound::Trash* trash) : disk_(disk), trash_(trash) {}
     Trashing(const Trashing&) = delete;
     Trashing& operator=(const Trashing&) = delete;
 
     ~Trashing() {
         for (const std::filesystem::path& file : files_) {
-            removeFromTrash(disk_, trash_, file);
+            removeFromTrash(disk_, *trash_, file);
         }
     }
 
+    bool isThere() const { return trash_ != nullptr; }
+
     std::filesystem::path add(const std::string& fileName, std::span<const std::byte> bytes) {
-        const std::filesystem::path path =
-            trash_.stagingFolder() / base::toPath(base::fromUtf8(fileName));
-        writePictureFile(disk_, path, bytes);
-        disk_.open(path, Access::ReadWrite)->sync();
-        std::filesystem::path trashed = trash_.moveThere(path);
-        if (!trashed.empty()) {
-            files_.push_back(trashed);
+        try {
+            std::filesystem::path trashed = move(fileName, bytes);
+            if (!trashed.empty()) {
+                files_.push_back(trashed);
+            }
+            return trashed;
+        } catch (const Error& failure) {
+            throw compound::TrashFailure(failure);
         }
-        return trashed;
     }
 
     void keep() { files_.clear(); }
 
   private:
+    std::filesystem::path move(const std::string& fileName, std::span<const std::byte> bytes) {
+        const std::filesystem::path path =
+            trash_->stagingFolder() / base::toPath(base::fromUtf8(fileName));
+        writePictureFile(disk_, path, bytes);
+        disk_.open(path, Access::ReadWrite)->sync();
+        return trash_->moveThere(path);
+    }
+
     compound::Disk& disk_;
-    compound::Trash& trash_;
+    compound::Trash* trash_; // nullptr: there is none
     std::vector<std::filesystem::path> files_;
 };
 
@@ -63,6 +73,9 @@ std::optional<Element> findPicture(StorageAccess& access, const PictureName& nam
 TrashedPicture trashPicture(StorageAccess& access, bool hasInfo, const Element& element,
                             Trashing& trash) {
     TrashedPicture picture{{element.name}, {}, {}};
+    if (!trash.isThere()) {
+        return picture;
+    }
     const auto record = hasInfo ? access.infoStorage().find(element.name) : std::nullopt;
     if (record && record->kind == ElementKind::Stream) {
         picture.record = unlessDamaged([&] {
@@ -95,7 +108,7 @@ void destroyPicture(StorageAccess& access, bool hasInfo, const PictureName& name
 
 std::vector<TrashedPicture> deletePictures(const Library& library, const GroupAddress& group,
                                            std::span<const PictureName> names,
-                                           compound::Trash& trash, Progress& progress) {
+                                           compound::Trash* trash, Progress& progress) {
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     const bool hasInfo = access.openInfo(group);
@@ -139,6 +152,11 @@ RestoredPictures restorePictures(const Library& library, const GroupAddress& gro
         const TrashedPicture& picture = pictures[i];
         std::vector<std::byte> bytes;
         try {
+            if (picture.file.empty()) {
+                throw Error(ErrorCode::NotFound, file,
+                            "no file of \"" + base::toUtf8(picture.name.text) +
+                                "\" came to the trash");
+            }
             bytes = readPictureFile(library.disk, picture.file);
         } catch (const Error& error) {
             restored.missing.push_back(error);

@@ -21,14 +21,15 @@ struct TrashedPicture {
 
 // Removes the pictures from the group in one transaction. Before that a file of each, called like
 // the picture and ending in its type, goes to the trash; a picture that is damaged or larger than
-// any picture may be goes without. Names that the group does not hold are passed over.
+// any picture may be goes without, and so do all of them without a trash (nullptr). Names that the
+// group does not hold are passed over. What keeps a file from the trash is a TrashFailure.
 //
 // `progress` counts pictures. Stopping (Cancelled) and every failure leave the group as it was, and
 // take the files out of the trash again, unless it is not known whether the pictures are gone
 // (OutcomeUnknown).
 std::vector<TrashedPicture> deletePictures(const Library& library, const GroupAddress& group,
                                            std::span<const PictureName> names,
-                                           compound::Trash& trash,
+                                           compound::Trash* trash,
                                            Progress& progress = noProgress());
 
 struct RestoredPictures {

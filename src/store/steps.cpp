@@ -17,8 +17,8 @@ void goOn(const std::filesystem::path& file, Progress& progress, std::size_t don
 
 void removeFromTrash(compound::Disk& disk, compound::Trash& trash,
                      const std::filesystem::path& trashed) {
-    const std::filesystem::path back = trash.stagingFolder() / trashed.filename();
     try {
+        const std::filesystem::path back = trash.stagingFolder() / trashed.filename();
         trash.takeBack(trashed, back);
         disk.removeTemporary(back);
     } catch (const Error&) {

@@ -14,6 +14,7 @@ namespace {
 using compound::ErrorCode;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 class PicturePassage : public StoreTest {
   protected:
@@ -70,6 +71,17 @@ TEST_F(PicturePassage, CopiesBesideThemselves) {
     passPictures(library, pumps_, pumps_, one, PassageKind::Move);
     EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b", "a (2)", "a (3)"));
     EXPECT_EQ(textOf(pumps_, u"a (3)"), "of a");
+    // No picture takes the place of itself, nor of another that came with it.
+    const std::vector<PassingPicture> replacing{{{u"A"}, IfNameTaken::Replace},
+                                                {{u"a (2)"}, IfNameTaken::Replace, {u"a"}}};
+    passPictures(library, pumps_, pumps_, replacing, PassageKind::Copy);
+    EXPECT_THAT(pictureNames(pumps_), SizeIs(6));
+    EXPECT_EQ(textOf(pumps_, u"a"), "of a");
+    const std::vector<PassingPicture> asOne{{{u"a"}, IfNameTaken::Replace, {u"one"}},
+                                            {{u"b"}, IfNameTaken::Replace, {u"one"}}};
+    passPictures(library, pumps_, tanks_, asOne, PassageKind::Move);
+    EXPECT_EQ(textOf(tanks_, u"one"), "of a");
+    EXPECT_GT(bytesOf(tanks_, u"one (2)").size(), 9000U);
 }
 
 // Whatever call fails, each picture is in one of the groups or in both, and the files are sound.
@@ -138,6 +150,23 @@ TEST_F(PicturePassage, ArrivalsKeepReplaceSkipAndAreNumbered) {
     EXPECT_EQ(arrived.skipped[0].file, "/sources/broken.bmp");
     EXPECT_EQ(arrived.skipped[1].failure.cause(), "cannot be converted");
     expectSound(u"Pumps");
+}
+
+// Another program is still writing it: half a picture is none.
+TEST_F(PicturePassage, AFileThatGrowsIsLeftOut) {
+    const std::filesystem::path growing = source("growing.bmp", 150, 150);
+    const auto writer = disk.open(growing, compound::Access::ReadWrite);
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Read) {
+            writer->write(writer->size(), std::vector<std::byte>(1));
+        }
+    });
+    const std::vector<ArrivingPicture> arriving{{growing, {u"growing"}}};
+    const auto arrived = addArriving(library, pumps_, arriving);
+    disk.setInterceptor({});
+    ASSERT_EQ(arrived.skipped.size(), 1U);
+    EXPECT_EQ(arrived.skipped[0].failure.file(), growing);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b"));
 }
 
 TEST(FittingNames, AreValidAndKeepWhatTheyCan) {

@@ -1,4 +1,5 @@
 // Deleting several pictures and bringing them back.
+#include "store/group_trash.h"
 #include "store/picture_trash.h"
 #include "store/store_fixture.h"
 
@@ -54,7 +55,7 @@ TEST_F(PictureTrash, TakesWholeFilesAndGivesThemBack) {
         raw.commit();
     }
     const auto deleted =
-        deletePictures(library, pumps_, named({u"A", u"gone", u"b", u"Name", u".."}), trash);
+        deletePictures(library, pumps_, named({u"A", u"gone", u"b", u"Name", u".."}), &trash);
     EXPECT_THAT(pictureNames(pumps_), ElementsAre("Pipe 1.2"));
     EXPECT_THAT(trash.fileNames(), ElementsAre("a.BMP", "b.BMP", "_...JPG"));
     EXPECT_THAT(disk.list("/staging"), IsEmpty());
@@ -75,7 +76,7 @@ TEST_F(PictureTrash, TakesWholeFilesAndGivesThemBack) {
 }
 
 TEST_F(PictureTrash, GivesBackBesideWhatHasTheNameNow) {
-    const auto deleted = deletePictures(library, pumps_, named({u"a", u"b"}), trash);
+    const auto deleted = deletePictures(library, pumps_, named({u"a", u"b"}), &trash);
     add(pumps_, u"A", "of another");
     trash.takeBack(deleted[1].file, "/staging/taken.bmp"); // the user has emptied the trash
     const auto restored = restorePictures(library, pumps_, deleted, trash);
@@ -90,7 +91,7 @@ TEST_F(PictureTrash, LeavesNoTraceWhenStoppedOrFailing) {
     const auto everything = disk.content("/library/Pumps.stg");
     for (std::uint64_t piece = 0; piece <= names.size(); ++piece) {
         StopAt progress(piece);
-        EXPECT_EQ(errorOf([&] { deletePictures(library, pumps_, names, trash, progress); }),
+        EXPECT_EQ(errorOf([&] { deletePictures(library, pumps_, names, &trash, progress); }),
                   ErrorCode::Cancelled);
         EXPECT_EQ(disk.content("/library/Pumps.stg"), everything);
     }
@@ -105,7 +106,7 @@ TEST_F(PictureTrash, LeavesNoTraceWhenStoppedOrFailing) {
         });
         bool isDone = true;
         try {
-            deletePictures(library, pumps_, names, trash);
+            deletePictures(library, pumps_, names, &trash);
         } catch (const compound::Error&) {
             isDone = false;
         }
@@ -117,6 +118,23 @@ TEST_F(PictureTrash, LeavesNoTraceWhenStoppedOrFailing) {
     expectSound(u"Pumps");
     EXPECT_GT(trash.thrown(), thrown);
     EXPECT_EQ(trash.fileNames().size(), names.size()) << "copies of what is still there";
+}
+
+// The trash cannot take a copy then, the pictures can go all the same.
+TEST_F(PictureTrash, GoWithoutTheTrashOnAFullDisk) {
+    const GroupAddress rotary = subGroup(pumps_, u"Rotary");
+    add(rotary, u"wheel", std::string(9000, 'w'));
+    const auto names = named({u"a", u"b"});
+    disk.setCapacity(disk.placed());
+    EXPECT_THROW(deletePictures(library, pumps_, names, &trash), compound::TrashFailure);
+    EXPECT_THROW(trashGroup(library, rotary, trash), compound::TrashFailure);
+    EXPECT_EQ(pictureNames(pumps_), before_);
+    const auto deleted = deletePictures(library, pumps_, names, nullptr);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("Pipe 1.2"));
+    deleteGroup(library, rotary);
+    disk.setCapacity(std::nullopt);
+    expectSound(u"Pumps");
+    EXPECT_EQ(restorePictures(library, pumps_, deleted, trash).missing.size(), 2U);
 }
 
 } // namespace
