@@ -10,6 +10,7 @@
 #include "store/group_layout.h"
 #include "store/group_operations.h"
 #include "store/picture_operations.h"
+#include "store/picture_passage.h"
 #include "store/pictures_from_files.h"
 
 #include <algorithm>
@@ -264,6 +265,51 @@ std::vector<Scenario> otherScenarios() {
                }}}}};
 }
 
+// Gives nothing back.
+class TrashOfDisk final : public compound::Trash {
+  public:
+    explicit TrashOfDisk(compound::Disk& disk) : disk_(disk) {}
+    std::filesystem::path stagingFolder() const override { return kSourceFolder; }
+    std::filesystem::path moveThere(const std::filesystem::path& file) override {
+        disk_.trash(file);
+        return {};
+    }
+    void takeBack(const std::filesystem::path& trashed, const std::filesystem::path&) override {
+        throw compound::Error(compound::ErrorCode::NotFound, trashed, "nobody knows where it is");
+    }
+
+  private:
+    compound::Disk& disk_;
+};
+
+const std::vector<store::PassingPicture> kPassing{{{u"pump"}}, {{u"drawing"}}, {{u"sheet"}}};
+
+// A picture on its way to another file is in the first one, in the other one or in both.
+Scenario passageScenario() {
+    const GroupAddress valves = store::topLevelAddress(u"Valves");
+    return {"PicturesBetweenGroups",
+            {{"copy to another file",
+              [valves](const Library& library) {
+                  store::passPictures(library, kPumps, valves, kPassing, store::PassageKind::Copy);
+              }},
+             {"move within a file",
+              [](const Library& library) {
+                  store::passPictures(library, kSteel, kRotary, kPassing, store::PassageKind::Move);
+              }},
+             {"move to another file",
+              [valves](const Library& library) {
+                  store::passPictures(library, kPumps, valves, kPassing, store::PassageKind::Move);
+              },
+              Outcome::OldOrNew,
+              {"Valves.stg", "Pumps.stg"},
+              true},
+             {"delete several", [valves](const Library& library) {
+                  TrashOfDisk trash(library.disk);
+                  const std::vector<store::PictureName> names{{u"pump"}, {u"ball valve"}};
+                  store::deletePictures(library, valves, names, &trash);
+              }}}};
+}
+
 std::vector<Scenario> pictureScenarios() {
     return {
         {"AddPictures",
@@ -349,6 +395,7 @@ std::vector<Scenario> allScenarios() {
     for (Scenario& scenario : otherScenarios()) {
         all.push_back(std::move(scenario));
     }
+    all.push_back(passageScenario());
     for (Scenario& scenario : pictureScenarios()) {
         all.push_back(std::move(scenario));
     }
