@@ -80,7 +80,10 @@ void waitLooking(QEventLoop& loop, const SharedProgress& progress, const Look& l
 void waitWithWindow(QEventLoop& loop, const LongOperation& operation, QWidget* owner,
                     SharedProgress& progress) {
     const bool canStop = operation.stopping == LongOperation::Stopping::Offered;
-    ProgressWindow window(operation.what, canStop, owner);
+    const bool countsBytes = operation.counting == LongOperation::Counting::Bytes;
+    ProgressWindow window(
+        operation.what, canStop,
+        countsBytes ? ProgressWindow::Amounts::Megabytes : ProgressWindow::Amounts::Pieces, owner);
     QObject::connect(&window, &ProgressWindow::stopWanted, &window, [&] { progress.stop(); });
     window.show();
     waitLooking(loop, progress,

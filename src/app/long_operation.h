@@ -22,9 +22,11 @@ namespace app {
 
 struct LongOperation {
     enum class Stopping { Offered, NotOffered };
+    enum class Counting { Bytes, Pieces }; // what the work reports
 
     QString what; // a sentence without a full stop: "Die Gruppe wird umbenannt"
     Stopping stopping = Stopping::NotOffered;
+    Counting counting = Counting::Bytes;
     std::chrono::milliseconds patience{400}; // before the window is shown
 };
 

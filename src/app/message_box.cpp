@@ -32,12 +32,13 @@ constexpr std::array<ButtonKind, 5> kButtonKinds = {{
     {kAnswerNo, QMessageBox::No, {u"&Nein", u"&No"}},
 }};
 
-// The first answer is Enter's, the last one Escape's.
+// The last answer is Escape's, the first one Enter's unless care is wanted.
 std::vector<Answer> answersOf(Buttons buttons) {
     switch (buttons) {
     case Buttons::OkCancel:
         return {kAnswerOk, kAnswerCancel};
     case Buttons::YesNo:
+    case Buttons::YesNoWithCare:
         return {kAnswerYes, kAnswerNo};
     case Buttons::RetryCancel:
         return {kAnswerRetry, kAnswerCancel};
@@ -78,7 +79,8 @@ int showBox(const QString& text, Buttons buttons, const QString& title, QWidget*
         button->setText(app::text(kind.caption));
         button->setIcon({}); // as in the dialogs
     }
-    box.setDefaultButton(kindOf(answers.front()).standard);
+    const bool isCareful = buttons == Buttons::YesNoWithCare;
+    box.setDefaultButton(kindOf(isCareful ? answers.back() : answers.front()).standard);
     box.setEscapeButton(kindOf(answers.back()).standard);
     leaveRoomForTitle(box);
     box.exec();

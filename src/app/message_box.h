@@ -17,7 +17,13 @@ class Error;
 namespace app {
 
 // Button codes.
-enum class Buttons { Ok = 0, OkCancel = 1, YesNo = 4, RetryCancel = 5 };
+enum class Buttons {
+    Ok = 0,
+    OkCancel = 1,
+    YesNo = 4,
+    RetryCancel = 5,
+    YesNoWithCare = 4 + 256, // Enter answers No
+};
 
 // Answer codes, the values of msgBox().
 enum Answer : int {
@@ -29,7 +35,7 @@ enum Answer : int {
 };
 
 // Shows the box and returns an Answer. Escape or the close box answer Cancel, in a Yes/No box No,
-// in a box with OK alone OK. Enter presses the first button.
+// in a box with OK alone OK. Enter presses the first button unless the buttons say otherwise.
 int msgBox(const QString& text, Buttons buttons, const QString& title, QWidget* owner);
 
 // What a box says about a failed operation: the file, the kind of failure in the program's

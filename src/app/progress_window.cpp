@@ -14,6 +14,7 @@ constexpr int kAbort = 103;
 constexpr int kSteps = 1000; // of the bar
 constexpr int kBarWidth = 308;
 constexpr TextPair kAmount{u"%1 von %2 MB", u"%1 of %2 MB"};
+constexpr TextPair kPieces{u"%1 von %2", u"%1 of %2"};
 constexpr TextPair kFinishing{u"Wird abgeschlossen", u"Finishing"};
 constexpr TextPair kStops{u"Wird abgebrochen", u"Stopping"};
 
@@ -23,8 +24,11 @@ QString megabytes(std::uint64_t bytes) {
 
 } // namespace
 
-ProgressWindow::ProgressWindow(const QString& what, bool canStop, QWidget* owner)
-    : QDialog(owner), prgFortschritt_(new QProgressBar(this)), lblMenge_(new QLabel(this)) {
+ProgressWindow::ProgressWindow(const QString& what, bool canStop, Amounts amounts, QWidget* owner)
+    : QDialog(owner),
+      amounts_(amounts),
+      prgFortschritt_(new QProgressBar(this)),
+      lblMenge_(new QLabel(this)) {
     setObjectName(QStringLiteral("frmFortschritt"));
     setWindowTitle(kProgramTitle);
     setModal(true);
@@ -52,6 +56,11 @@ ProgressWindow::ProgressWindow(const QString& what, bool canStop, QWidget* owner
     all->setSizeConstraint(QLayout::SetFixedSize);
 }
 
+QString ProgressWindow::amountText(std::uint64_t done, std::uint64_t total) const {
+    return amounts_ == Amounts::Megabytes ? text(kAmount).arg(megabytes(done), megabytes(total))
+                                          : text(kPieces).arg(done).arg(total);
+}
+
 void ProgressWindow::showProgress(std::uint64_t done, std::uint64_t total) {
     const bool isCounting = total > 0 && done < total;
     prgFortschritt_->setRange(0, isCounting ? kSteps : 0); // without a range it only moves
@@ -61,7 +70,7 @@ void ProgressWindow::showProgress(std::uint64_t done, std::uint64_t total) {
     }
     const bool isStopping = cmdAbbruch_ != nullptr && !cmdAbbruch_->isEnabled() && isCounting;
     if (!isStopping) {
-        lblMenge_->setText(isCounting  ? text(kAmount).arg(megabytes(done), megabytes(total))
+        lblMenge_->setText(isCounting  ? amountText(done, total)
                            : total > 0 ? text(kFinishing)
                                        : QString());
     }

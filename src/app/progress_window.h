@@ -16,9 +16,12 @@ class ProgressWindow : public QDialog {
     Q_OBJECT
 
   public:
-    ProgressWindow(const QString& what, bool canStop, QWidget* owner);
+    enum class Amounts { Megabytes, Pieces };
 
-    // In bytes. A total of 0: nobody knows. Once all is done what is left cannot be stopped.
+    ProgressWindow(const QString& what, bool canStop, Amounts amounts, QWidget* owner);
+
+    // In bytes or pieces. A total of 0: nobody knows. Once all is done what is left cannot be
+    // stopped.
     void showProgress(std::uint64_t done, std::uint64_t total);
 
     // The close box and Escape ask to stop, like the button; the operation closes the window.
@@ -28,6 +31,9 @@ class ProgressWindow : public QDialog {
     void stopWanted();
 
   private:
+    QString amountText(std::uint64_t done, std::uint64_t total) const;
+
+    Amounts amounts_;
     QProgressBar* prgFortschritt_;
     QLabel* lblMenge_;
     QPushButton* cmdAbbruch_ = nullptr; // null if stopping is not offered

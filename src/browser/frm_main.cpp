@@ -15,7 +15,7 @@
 #include "browser/key_bindings.h"
 #include "browser/main_layout.h"
 #include "browser/main_menus.h"
-#include "browser/picture_clipboard.h"
+#include "browser/picture_carrying.h"
 #include "browser/picture_panel.h"
 #include "browser/splitters.h"
 #include "browser/status_line.h"
@@ -23,10 +23,12 @@
 #include "browser/view_choices.h"
 #include "browser/window_state.h"
 #include "commands/failure_report.h"
+#include "commands/undo_steps.h"
 #include "compound/error.h"
 #include "groups/group_icons.h"
 #include "groups/group_tree.h"
 #include "picture/picture.h"
+#include "platform/desktop_trash.h"
 #include "platform/native_disk.h"
 
 #include <QCloseEvent>
@@ -72,6 +74,7 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
       duplicates_(nullptr),
       firstSteps_(nullptr),
       find_(nullptr),
+      carrying_(nullptr),
       watch_(noticing) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(app::kProgramTitle);
@@ -94,11 +97,13 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
     groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_, watch_);
     menus_ = new MainMenus(menuBar(), dispatcher_, this);
     find_ = new FindPanel(menuBar(), surface_);
+    history_.availabilityChanged = [this](bool any) { menus_->setUndoable(any); };
     connectTree();
     connectPanel();
     connectWatch();
     connectFinding();
-    bindKeys(*this, {tree_, panel_->strip(), panel_->list(), menus_, [this] { copyPicture(); }});
+    carrying_ = new PictureCarrying(*this, *tree_, *panel_, this);
+    bindKeys({tree_, panel_->strip(), panel_->list(), menus_});
     setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));
     resize(kInitialSize);
 }
@@ -139,6 +144,11 @@ void frmMain::connectPanel() {
             [this] { dispatcher_.run(commands::Command::EditPicture, commands::Origin::Menu); });
     connect(panel_, &PicturePanel::editWantedByKey, this,
             [this] { menus_->trigger(commands::Command::EditPicture); });
+    connect(panel_, &PicturePanel::pictureRenamed, this,
+            [this](const store::GroupAddress& group, const store::PictureName& from,
+                   const store::PictureName& to) {
+                history_.add(commands::pictureRenamed(group, from, to));
+            });
     connect(panel_, &PicturePanel::renameFailed, this, &frmMain::tellRenameFailure);
     connect(panel_, &PicturePanel::pagesShown, status_, &StatusLine::showPages);
     connect(panel_, &PicturePanel::nothingShown, status_, &StatusLine::showNoGroup);
@@ -439,19 +449,16 @@ void frmMain::refresh() {
     }
 }
 
-void frmMain::copyPicture() {
-    const commands::SelectionContext selection =
-        commands::contextOf(selectedGroup(), shownPicture());
-    const auto picture = selection.pictureInGroup();
-    if (!picture) {
-        return;
-    }
-    try {
-        copyToClipboard(*library_, picture->group, picture->name,
-                        app::settings().restoredTemporaryFolderPath(), this);
-    } catch (const std::exception& error) {
-        commands::reportFailure(*this, selection, error, app::kProgramTitle, this);
-    }
+void frmMain::copyPictures() {
+    carrying_->copy(Carrying::ToCopy);
+}
+
+void frmMain::cutPictures() {
+    carrying_->copy(Carrying::ToMove);
+}
+
+void frmMain::pastePictures() {
+    carrying_->paste();
 }
 
 void frmMain::tellRenameFailure(const store::GroupAddress& group, const std::exception& failure) {
@@ -482,6 +489,32 @@ void frmMain::updateEditItem(commands::EditItemCause cause) {
 
 const commands::ShownPicture& frmMain::shownPicture() const {
     return panel_->shownPicture();
+}
+
+std::unique_ptr<compound::Trash> frmMain::makeTrash() const {
+    return std::make_unique<platform::DesktopTrash>();
+}
+
+std::vector<store::PictureName> frmMain::selectedPictures() const {
+    const auto group = selectedGroup();
+    if (!group || panel_->group() != group->address) {
+        return {};
+    }
+    return panel_->selectedPictures();
+}
+
+void frmMain::selectAll() {
+    panel_->selectAll();
+}
+
+void frmMain::ShowPictures(const store::GroupAddress& group,
+                           const std::vector<store::PictureName>& pictures) {
+    if (!tree_->selected() || tree_->selected()->address != group || panel_->group() != group) {
+        TreeViewSelectNode(group);
+        panel_->showGroupAnew();
+    }
+    panel_->select(pictures);
+    updateMenuState();
 }
 
 void frmMain::Aktualisieren() {

@@ -9,6 +9,7 @@
 #include "commands/dispatcher.h"
 #include "commands/enabling.h"
 #include "commands/library_view.h"
+#include "commands/undo_history.h"
 
 #include <QMainWindow>
 
@@ -26,6 +27,7 @@ class FirstSteps;
 class GroupBrowsing;
 class DuplicateWatch;
 class MainMenus;
+class PictureCarrying;
 class PicturePanel;
 class Splitters;
 class StatusLine;
@@ -48,8 +50,17 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     // LibraryView
     QWidget* owner() override { return this; }
     const store::Library& library() const override { return *library_; }
+    std::unique_ptr<compound::Trash> makeTrash() const override;
+    commands::UndoHistory& history() override { return history_; }
     std::optional<commands::SelectedGroup> selectedGroup() const override;
     const commands::ShownPicture& shownPicture() const override;
+    std::vector<store::PictureName> selectedPictures() const override;
+    void selectAll() override;
+    void copyPictures() override;
+    void cutPictures() override;
+    void pastePictures() override;
+    void ShowPictures(const store::GroupAddress& group,
+                      const std::vector<store::PictureName>& pictures) override;
     void FillTreeView() override;
     void SetCurrentGroup(const store::GroupAddress& group) override;
     void TreeViewSelectNode(const store::GroupAddress& group) override;
@@ -96,9 +107,6 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     // window was shown. A failure is told in a box.
     void saveSettings();
 
-    // Puts the shown picture on the clipboard; nothing without one.
-    void copyPicture();
-
     // The number, from 1, of the first node with that text; 0 if there is none.
     int GetNodeIndex(const QString& text) const;
 
@@ -132,6 +140,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void tellRenameFailure(const store::GroupAddress& group, const std::exception& failure);
 
     StartMode mode_;
+    commands::UndoHistory history_;
     commands::Dispatcher dispatcher_;
     QWidget* surface_;
     groups::GroupTree* tree_;
@@ -142,6 +151,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     DuplicateWatch* duplicates_;
     FirstSteps* firstSteps_;
     FindPanel* find_;
+    PictureCarrying* carrying_;
     std::optional<store::Library> library_;
     LibraryWatch watch_;
     std::unique_ptr<GroupBrowsing> groups_;

@@ -3,17 +3,14 @@
 //
 //   F2       renames: the group in the tree, the picture in the thumbnails (a list edits in place)
 //   Delete   deletes: the group in the tree, the picture in thumbnails and list
-//   Ctrl+C   copies the shown picture to the clipboard
+//   Ctrl+Z   takes the last change back
+//   Ctrl+X   Ctrl+C   Ctrl+V   the clipboard
+//   Ctrl+A   selects all pictures of the group
 //   Ctrl+F   goes to the field for finding pictures and groups
 //   F5       reads the library again
 //   Ctrl++   Ctrl+-   Ctrl+0   larger, smaller thumbnails, and of the size that they have at first
 #pragma once
 
-#include <QObject>
-
-#include <functional>
-
-class QMainWindow;
 class QWidget;
 
 namespace browser {
@@ -25,10 +22,9 @@ struct KeyTargets {
     QWidget* strip = nullptr;
     QWidget* list = nullptr;
     MainMenus* menus = nullptr;
-    std::function<void()> copy;
 };
 
-// Binds the keys; what the targets name must live as long as the window.
-void bindKeys(QMainWindow& window, const KeyTargets& targets);
+// Binds the keys; what the targets name must live as long as the menus.
+void bindKeys(const KeyTargets& targets);
 
 } // namespace browser

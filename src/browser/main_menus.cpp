@@ -127,6 +127,7 @@ void MainMenus::setState(commands::Selection selection) {
     }
     updateEditItem();
     updateThumbnailItems();
+    setUndoable(isUndoable_);
 }
 
 void MainMenus::setEditItem(bool allowed) {
@@ -137,6 +138,11 @@ void MainMenus::setEditItem(bool allowed) {
 void MainMenus::updateEditItem() {
     itemOf(Command::EditPicture)
         ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, selection_));
+}
+
+void MainMenus::setUndoable(bool any) {
+    isUndoable_ = any;
+    itemOf(Command::Undo)->setEnabled(any);
 }
 
 void MainMenus::setGraphicalPreview(bool on) {

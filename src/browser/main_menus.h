@@ -41,6 +41,9 @@ class MainMenus : public QObject {
 
     void setGraphicalPreview(bool on);
 
+    // Whether there is something that can be taken back.
+    void setUndoable(bool any);
+
     // What can be done about the thumbnails: nothing while there are none.
     void setThumbnails(const ViewChoices& choices, bool areShown);
 
@@ -76,6 +79,7 @@ class MainMenus : public QObject {
     std::map<commands::Command, QAction*> bandActions_; // and one tool at most
     commands::Selection selection_ = commands::Selection::None;
     bool isEditingAllowed_ = true;
+    bool isUndoable_ = false;
     QList<QKeySequence> keysOfViews_;
     ViewChoices choices_;
     bool areThumbnailsShown_ = true;

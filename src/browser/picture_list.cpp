@@ -13,6 +13,8 @@
 #include <QLineEdit>
 #include <QScopedValueRollback>
 
+#include <algorithm>
+
 namespace browser {
 namespace {
 
@@ -100,7 +102,8 @@ PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
     setAlternatingRowColors(true);
-    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setDragEnabled(true);
     setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
     setItemDelegate(new NameDelegate(this));
     setMouseTracking(true);
@@ -223,14 +226,59 @@ void PictureList::select(const QString& name) {
     }
 }
 
-std::size_t PictureList::selectedPosition() const {
-    const QList<QTreeWidgetItem*> rows = selectedItems();
-    return rows.isEmpty() ? 0 : static_cast<const PictureRow*>(rows.front())->position();
+void PictureList::select(const QStringList& names) {
+    select(names.first());
+    const QScopedValueRollback guard(selectingByProgram_, true);
+    const QSet<QString> wanted(names.begin(), names.end());
+    QItemSelection rows; // of neighbours together: what it costs grows with their square
+    const auto isWanted = [&](int row) { return wanted.contains(topLevelItem(row)->text(0)); };
+    for (int first = 0; first < topLevelItemCount(); ++first) {
+        int end = first;
+        while (end < topLevelItemCount() && isWanted(end)) {
+            ++end;
+        }
+        if (end > first) {
+            rows.append(QItemSelectionRange(indexFromItem(topLevelItem(first)),
+                                            indexFromItem(topLevelItem(end - 1))));
+            first = end;
+        }
+    }
+    selectionModel()->select(rows, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+}
+
+const QTreeWidgetItem* PictureList::selectedRow() const {
+    const QTreeWidgetItem* current = currentItem();
+    if (current != nullptr && current->isSelected()) {
+        return current;
+    }
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    const auto first = std::min_element(rows.begin(), rows.end());
+    return first == rows.end() ? nullptr : itemFromIndex(*first);
 }
 
 QString PictureList::selectedName() const {
-    const QList<QTreeWidgetItem*> rows = selectedItems();
-    return rows.isEmpty() ? QString() : rows.front()->text(0);
+    const QTreeWidgetItem* row = selectedRow();
+    return row == nullptr ? QString() : row->text(0);
+}
+
+std::size_t PictureList::selectedPosition() const {
+    const QTreeWidgetItem* row = selectedRow();
+    return row == nullptr ? 0 : static_cast<const PictureRow*>(row)->position();
+}
+
+QStringList PictureList::selectedNames() const {
+    QModelIndexList rows = selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    QStringList names;
+    for (const QModelIndex& row : rows) {
+        names.append(row.data().toString());
+    }
+    return names;
+}
+
+void PictureList::startDrag(Qt::DropActions) {
+    deselectAtRelease_ = QModelIndex();
+    emit dragWanted();
 }
 
 void PictureList::rename(const QString& from, const QString& to) {
@@ -245,6 +293,11 @@ void PictureList::rename(const QString& from, const QString& to) {
 
 void PictureList::mousePressEvent(QMouseEvent* event) {
     reportedDuringPress_ = false;
+    const QModelIndex pressed = indexAt(event->position().toPoint());
+    const bool isCtrlClick =
+        event->button() == Qt::LeftButton && event->modifiers() == Qt::ControlModifier;
+    deselectAtRelease_ =
+        isCtrlClick && selectionModel()->isSelected(pressed) ? pressed : QModelIndex();
     QTreeWidget::mousePressEvent(event);
     const QTreeWidgetItem* row = itemAt(event->position().toPoint());
     if (!reportedDuringPress_ && row != nullptr && row->isSelected()) {
@@ -254,6 +307,11 @@ void PictureList::mousePressEvent(QMouseEvent* event) {
 
 void PictureList::mouseReleaseEvent(QMouseEvent* event) {
     QTreeWidget::mouseReleaseEvent(event);
+    if (deselectAtRelease_.isValid() && selectedNames().size() > 1) {
+        selectionModel()->select(deselectAtRelease_,
+                                 QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+    }
+    deselectAtRelease_ = QModelIndex();
     emit mouseReleased(event->button(), event->globalPosition().toPoint());
 }
 
@@ -267,8 +325,11 @@ void PictureList::contextMenuEvent(QContextMenuEvent* event) {
     if (event->reason() == QContextMenuEvent::Mouse || selectedItems().isEmpty()) {
         return;
     }
-    scrollToItem(selectedItems().front()); // the band stands below its row, not beside the list
-    const QRect row = visualItemRect(selectedItems().front());
+    const QTreeWidgetItem* shown = currentItem() != nullptr && currentItem()->isSelected()
+                                       ? currentItem()
+                                       : selectedItems().front();
+    scrollToItem(shown); // the band stands below its row, not beside the list
+    const QRect row = visualItemRect(shown);
     emit mouseReleased(Qt::RightButton, viewport()->mapToGlobal(row.bottomLeft()));
 }
 

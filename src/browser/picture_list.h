@@ -5,6 +5,7 @@
 #include "store/picture_operations.h"
 
 #include <QCollator>
+#include <QPersistentModelIndex>
 #include <QTreeWidget>
 
 #include <array>
@@ -69,9 +70,15 @@ class PictureList : public QTreeWidget {
     // Selects the row of that name, if there is one, without reporting it.
     void select(const QString& name);
 
-    QString selectedName() const; // empty when no row is selected
-    // Where the group holds the selected picture; 0 when no row is selected.
+    // The same for several; the first one becomes current.
+    void select(const QStringList& names);
+
+    // The current row's name if it is selected, else that of the first selected one; empty when no
+    // row is selected.
+    QString selectedName() const;
+    // Where the group holds that picture; 0 when no row is selected.
     std::size_t selectedPosition() const;
+    QStringList selectedNames() const; // from the top
 
     // Gives the row of that name another one.
     void rename(const QString& from, const QString& to);
@@ -86,8 +93,10 @@ class PictureList : public QTreeWidget {
     void renameWanted(const store::GroupAddress& group, const QString& from, const QString& to);
     void activatedByKey(const QString& name); // Enter
     void pointerMoved();
+    void dragWanted(); // of the selected rows
 
   protected:
+    void startDrag(Qt::DropActions actions) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -98,10 +107,12 @@ class PictureList : public QTreeWidget {
     void sortBy(int column);
     void sortRows();
     PictureRow* row(int index) const;
+    const QTreeWidgetItem* selectedRow() const; // none: null
 
     std::optional<store::GroupAddress> group_;
     ListOrder order_;
     QCollator collator_;
+    QPersistentModelIndex deselectAtRelease_; // pressed with Ctrl; it may become a drag
     bool selectingByProgram_ = false;
     bool reportedDuringPress_ = false;
 };

@@ -26,10 +26,6 @@ constexpr app::TextPair kPicturesName{u"Bilder", u"Pictures"};
 constexpr app::TextPair kPageName{u"Seite", u"Page"};
 constexpr app::TextPair kPreviewName{u"Vorschau", u"Preview"};
 
-store::PictureName pictureNamed(const QString& name) {
-    return {name.toStdU16String()};
-}
-
 // "640 × 480, 12 KB"; without the first part for a picture whose record is missing.
 QString sizesOf(const store::PictureEntry& picture) {
     constexpr std::uint64_t kKilobyte = 1024;
@@ -73,10 +69,9 @@ PicturePanel::PicturePanel(QWidget* surface)
 }
 
 void PicturePanel::connectStrip() {
-    connect(strip_, &ThumbnailStrip::chosen, this, [this](const QString& name) {
-        choose(pictureNamed(name));
-        emit editItemWanted(commands::EditItemCause::Thumbnail);
-    });
+    connect(strip_, &ThumbnailStrip::chosen, this, &PicturePanel::chosenInStrip);
+    connect(strip_, &ThumbnailStrip::banded, this, &PicturePanel::banded);
+    connect(strip_, &ThumbnailStrip::dragWanted, this, &PicturePanel::dragWanted);
     connect(strip_, &ThumbnailStrip::activated, this, &PicturePanel::editWanted);
     connect(strip_, &ThumbnailStrip::activatedByKey, this, &PicturePanel::editWantedByKey);
     connect(strip_, &ThumbnailStrip::popUpWanted, this, &PicturePanel::picturePopUpWanted);
@@ -104,6 +99,7 @@ void PicturePanel::connectList() {
                     emit picturePopUpWanted(position);
                 }
             });
+    connect(lvwInfo_, &PictureList::dragWanted, this, &PicturePanel::dragWanted);
     connect(lvwInfo_, &PictureList::activatedByKey, this, &PicturePanel::editWantedByKey);
     connect(lvwInfo_, &PictureList::renameWanted, this, &PicturePanel::renamed);
     connect(lvwInfo_, &PictureList::pointerMoved, this, &PicturePanel::hideToolTip);
@@ -262,6 +258,7 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
     if (group_ != group) {
         return;
     }
+    selection_.rename(shownPicture_.nameText(), name);
     setShownPicture(commands::ShownPicture(pictureNamed(name)));
     if (!GraphicalPreview_) {
         FillListView(group);
@@ -341,11 +338,13 @@ void PicturePanel::VorschauDeaktiviert() {
 void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
     shownPicture_ = picture;
     lblAktuell_->setText(picture.caption());
-    strip_->mark(picture.nameText());
+    selection_.setCurrent(picture.nameText());
+    strip_->mark(selection_.current(), selection_.all());
     strip_->setAccessibleDescription(picture.caption());
 }
 
 void PicturePanel::SelectPicture() {
+    selection_.chooseAlone({});
     std::optional<store::PictureEntry> first;
     try {
         if (library_ != nullptr && group_) {
@@ -394,6 +393,10 @@ QWidget* PicturePanel::list() const {
     return lvwInfo_;
 }
 
+QWidget* PicturePanel::listArea() const {
+    return lvwInfo_->viewport();
+}
+
 void PicturePanel::ClearVorschau() {
     imgVorschau_->showNothing();
     shownType_.clear();
@@ -422,6 +425,9 @@ void PicturePanel::renamed(const store::GroupAddress& group, const QString& from
     }
     try {
         const bool isRenamed = renameInPlace(*library_, group, from, to, surface_->window());
+        if (isRenamed) {
+            emit pictureRenamed(group, pictureNamed(from), pictureNamed(to));
+        }
         if (isRenamed && group_ == group) { // not if a click on another group ended the editing
             ++listing_;
             lvwInfo_->rename(from, to);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "browser/main_layout.h"
+#include "browser/picture_selection.h"
 #include "browser/thumbnail_loader.h"
 #include "browser/view_choices.h"
 #include "commands/enabling.h"
@@ -79,6 +80,12 @@ class PicturePanel : public QObject {
     const commands::ShownPicture& shownPicture() const { return shownPicture_; }
     const QString& shownType() const { return shownType_; } // of the picture; may be empty
 
+    // The selected pictures that the group holds, in its order; the shown one is among them.
+    std::vector<store::PictureName> selectedPictures() const;
+    void selectAll();
+    // Shows the group's pictures anew, with these selected; the first of them is the shown one.
+    void select(const std::vector<store::PictureName>& pictures);
+
     bool GraphicalPreview() const { return GraphicalPreview_; }
     void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
     bool isSettled() const; // nothing is being laid out or loaded
@@ -115,6 +122,7 @@ class PicturePanel : public QObject {
     QWidget* pictures() const; // the view that is shown
     QWidget* strip() const;
     QWidget* list() const;
+    QWidget* listArea() const; // on which its rows stand
 
     // Tab order: what comes before and after.
     void setTabOrderAfter(QWidget* before);
@@ -129,6 +137,9 @@ class PicturePanel : public QObject {
     void picturePopUpWanted(const QPoint& globalPosition);
     void editWanted();      // a picture was double-clicked
     void editWantedByKey(); // Enter was pressed on one
+    void dragWanted();      // of the selected pictures
+    void pictureRenamed(const store::GroupAddress& group, const store::PictureName& from,
+                        const store::PictureName& to); // by editing it in place
     void renameFailed(const store::GroupAddress& group, const std::exception& failure);
 
   private:
@@ -147,6 +158,9 @@ class PicturePanel : public QObject {
     void scrollRows(int rows);
     void showPageOf(int position);
     void choose(const store::PictureName& picture);
+    void chosenInStrip(const QString& name, Selecting how);
+    void banded(const QStringList& covered, const QSet<QString>& before);
+    QStringList order() const; // of the group's pictures
     void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
@@ -178,6 +192,7 @@ class PicturePanel : public QObject {
     std::optional<std::size_t> keptInSight_; // the element to begin with when they are laid out
     ViewChoices choices_;                    // but for the list's order
     commands::ShownPicture shownPicture_;
+    PictureSelection selection_; // among the thumbnails
     QString shownType_;
     bool GraphicalPreview_ = true;
 };

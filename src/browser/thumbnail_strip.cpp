@@ -2,6 +2,7 @@
 
 #include "app/colours.h"
 #include "browser/picture_painting.h"
+#include "browser/strip_mouse.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -9,6 +10,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <map>
 #include <optional>
 
 namespace browser {
@@ -72,11 +74,12 @@ void ThumbnailCell::paintEvent(QPaintEvent*) {
     QColor border = app::between(palette().color(QPalette::Text), base, 0.78);
     QColor fill = base;
     if (emphasis_ != Emphasis::None) {
-        border = emphasis_ == Emphasis::SelectedWithFocus ? highlight
-                                                          : app::between(highlight, base, 0.35);
-        fill = app::between(highlight, base, 0.8);
+        border = emphasis_ == Emphasis::CurrentWithFocus ? highlight
+                                                         : app::between(highlight, base, 0.35);
+        fill = app::between(highlight, base, emphasis_ == Emphasis::Selected ? 0.7 : 0.8);
     }
-    const double pen = emphasis_ == Emphasis::None ? 1 : 2;
+    const double pen =
+        emphasis_ == Emphasis::Current || emphasis_ == Emphasis::CurrentWithFocus ? 2 : 1;
     const QRectF frame = QRectF(rect()).adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2);
     painter.setPen(QPen(border, pen));
     painter.setBrush(fill);
@@ -96,13 +99,19 @@ void ThumbnailCell::paintEvent(QPaintEvent*) {
     }
 }
 
-ThumbnailStrip::ThumbnailStrip(QWidget* parent) : QFrame(parent) {
+ThumbnailStrip::ThumbnailStrip(QWidget* parent) : QFrame(parent), mouse_(new StripMouse(*this)) {
     setObjectName(QStringLiteral("shpVorschau"));
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
+    connect(mouse_, &StripMouse::chosen, this, [this](const QString& name, Selecting how) {
+        chooseWhenShown_ = -1;
+        emit chosen(name, how);
+    });
+    connect(mouse_, &StripMouse::banded, this, &ThumbnailStrip::banded);
+    connect(mouse_, &StripMouse::dragWanted, this, &ThumbnailStrip::dragWanted);
 }
 
 QSizeF ThumbnailStrip::pictureArea(double side) {
@@ -134,6 +143,7 @@ void ThumbnailStrip::setGrid(const GridSize& grid, const CellSize& cell) {
 
 void ThumbnailStrip::clear() {
     chooseWhenShown_ = -1;
+    mouse_->forget();
     expect({});
     for (ThumbnailCell* cell : cells_) {
         cell->clear();
@@ -153,7 +163,7 @@ void ThumbnailStrip::showPicture(int index, const QString& name, const QImage& i
     cells_[static_cast<std::size_t>(index)]->showPicture(name, image);
     refreshEmphasis();
     if (chooseWhenShown_ == index) {
-        choose(index);
+        choose(index, howWhenShown_);
     }
 }
 
@@ -166,18 +176,19 @@ void ThumbnailStrip::keep(std::span<const QString> names) {
     refreshEmphasis();
 }
 
-void ThumbnailStrip::mark(const QString& name) {
-    marked_ = name;
+void ThumbnailStrip::mark(const QString& current, const QSet<QString>& selected) {
+    marked_ = current;
+    selected_ = selected;
     refreshEmphasis();
 }
 
 void ThumbnailStrip::refreshEmphasis() {
     using Emphasis = ThumbnailCell::Emphasis;
     for (ThumbnailCell* cell : cells_) {
-        const bool isMarked = !marked_.isEmpty() && cell->tag() == marked_;
-        cell->setEmphasis(!isMarked    ? Emphasis::None
-                          : hasFocus() ? Emphasis::SelectedWithFocus
-                                       : Emphasis::Selected);
+        const bool isCurrent = !marked_.isEmpty() && cell->tag() == marked_;
+        cell->setEmphasis(isCurrent ? hasFocus() ? Emphasis::CurrentWithFocus : Emphasis::Current
+                          : selected_.contains(cell->tag()) ? Emphasis::Selected
+                                                            : Emphasis::None);
     }
 }
 
@@ -195,6 +206,21 @@ int ThumbnailStrip::cellAt(const QPoint& position) const {
     return found == cells_.end() ? -1 : static_cast<int>(found - cells_.begin());
 }
 
+QString ThumbnailStrip::nameAt(const QPoint& position) const {
+    const int index = cellAt(position);
+    return index < 0 ? QString() : cells_[static_cast<std::size_t>(index)]->tag();
+}
+
+QStringList ThumbnailStrip::namesIn(const QRect& area) const {
+    QStringList names;
+    for (const ThumbnailCell* cell : cells_) {
+        if (!cell->tag().isEmpty() && cell->geometry().intersects(area)) {
+            names.append(cell->tag());
+        }
+    }
+    return names;
+}
+
 int ThumbnailStrip::markedCell() const {
     const auto found = std::find_if(cells_.begin(), cells_.end(), [&](const ThumbnailCell* cell) {
         return !marked_.isEmpty() && cell->tag() == marked_;
@@ -202,21 +228,22 @@ int ThumbnailStrip::markedCell() const {
     return found == cells_.end() ? -1 : static_cast<int>(found - cells_.begin());
 }
 
-void ThumbnailStrip::choose(int index) {
+void ThumbnailStrip::choose(int index, Selecting how) {
     chooseWhenShown_ = -1;
-    emit chosen(cells_[static_cast<std::size_t>(index)]->tag());
+    emit chosen(cells_[static_cast<std::size_t>(index)]->tag(), how);
 }
 
-void ThumbnailStrip::chooseSoon(int index) {
+void ThumbnailStrip::chooseSoon(int index, Selecting how) {
     const bool isThere = index >= 0 && !cells_[static_cast<std::size_t>(index)]->tag().isEmpty();
     if (isThere) {
-        choose(index);
+        choose(index, how);
     } else {
         chooseWhenShown_ = index;
+        howWhenShown_ = how;
     }
 }
 
-void ThumbnailStrip::step(Step wanted) {
+void ThumbnailStrip::step(Step wanted, Selecting how) {
     if (shown_.count == 0) {
         return;
     }
@@ -228,24 +255,35 @@ void ThumbnailStrip::step(Step wanted) {
     }
     // Others may have changed the group meanwhile.
     if (shown_.count > 0) {
-        chooseSoon(std::clamp(target - shown_.first, 0, shown_.count - 1));
+        chooseSoon(std::clamp(target - shown_.first, 0, shown_.count - 1), how);
     }
 }
 
+// With Shift a range is selected, with Ctrl the current one moves while what is selected stays.
+bool ThumbnailStrip::stepByKey(const QKeyEvent& event) {
+    static const std::map<int, Step> kSteps{
+        {Qt::Key_Left, Step::Left}, {Qt::Key_Right, Step::Right}, {Qt::Key_Up, Step::Up},
+        {Qt::Key_Down, Step::Down}, {Qt::Key_Home, Step::First},  {Qt::Key_End, Step::Last},
+    };
+    const auto found = kSteps.find(event.key());
+    if (found == kSteps.end()) {
+        return false;
+    }
+    const Selecting how = selectingFor(event.modifiers());
+    step(found->second, how == Selecting::Toggle ? Selecting::Beside : how);
+    return true;
+}
+
 void ThumbnailStrip::keyPressEvent(QKeyEvent* event) {
+    if (stepByKey(*event)) {
+        return;
+    }
     switch (event->key()) {
-    case Qt::Key_Left:
-        return step(Step::Left);
-    case Qt::Key_Right:
-        return step(Step::Right);
-    case Qt::Key_Up:
-        return step(Step::Up);
-    case Qt::Key_Down:
-        return step(Step::Down);
-    case Qt::Key_Home:
-        return step(Step::First);
-    case Qt::Key_End:
-        return step(Step::Last);
+    case Qt::Key_Space:
+        if (markedCell() >= 0) {
+            choose(markedCell(), Selecting::Toggle);
+        }
+        return;
     case Qt::Key_PageUp:
         emit pagesWanted(-1);
         return;
@@ -264,11 +302,12 @@ void ThumbnailStrip::keyPressEvent(QKeyEvent* event) {
 }
 
 void ThumbnailStrip::mousePressEvent(QMouseEvent* event) {
-    const int index = cellAt(event->position().toPoint());
     setFocus(Qt::MouseFocusReason);
-    if (index >= 0) {
-        choose(index);
-    }
+    mouse_->pressed(*event);
+}
+
+void ThumbnailStrip::mouseReleaseEvent(QMouseEvent* event) {
+    mouse_->released(*event);
 }
 
 void ThumbnailStrip::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -279,9 +318,8 @@ void ThumbnailStrip::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ThumbnailStrip::mouseMoveEvent(QMouseEvent* event) {
-    const int index = cellAt(event->position().toPoint());
-    emit pointerOver(index < 0 ? QString() : cells_[static_cast<std::size_t>(index)]->tag(),
-                     event->globalPosition().toPoint());
+    emit pointerOver(nameAt(event->position().toPoint()), event->globalPosition().toPoint());
+    mouse_->moved(*event);
 }
 
 void ThumbnailStrip::leaveEvent(QEvent* event) {

@@ -2,6 +2,7 @@
 // the small image of one picture. The strip knows cells and names, but no files.
 #pragma once
 
+#include "browser/picture_selection.h"
 #include "browser/thumbnail_layout.h"
 
 #include <QFrame>
@@ -18,7 +19,7 @@ class ThumbnailCell : public QWidget {
   public:
     ThumbnailCell(int index, QWidget* parent);
 
-    enum class Emphasis { None, Selected, SelectedWithFocus };
+    enum class Emphasis { None, Selected, Current, CurrentWithFocus };
 
     void showPicture(const QString& name, const QImage& image);
     void clear();
@@ -41,6 +42,8 @@ class ThumbnailCell : public QWidget {
     bool isFilled_ = false;
     Emphasis emphasis_ = Emphasis::None;
 };
+
+class StripMouse;
 
 class ThumbnailStrip : public QFrame {
     Q_OBJECT
@@ -67,8 +70,13 @@ class ThumbnailStrip : public QFrame {
     // Empties the cells that show another picture than the one that belongs there now.
     void keep(std::span<const QString> names);
 
-    // Marks the cell of that picture; none if it is not on the page.
-    void mark(const QString& name);
+    // Marks the cells of the selected pictures, as far as they are on the page; one of them is the
+    // current one.
+    void mark(const QString& current, const QSet<QString>& selected);
+    const QSet<QString>& selected() const { return selected_; }
+
+    QString nameAt(const QPoint& position) const; // empty for none
+    QStringList namesIn(const QRect& area) const; // of the cells that it touches
 
     void setCellsVisible(bool visible);
 
@@ -77,7 +85,9 @@ class ThumbnailStrip : public QFrame {
     const ShownRange& shown() const { return shown_; }
 
   signals:
-    void chosen(const QString& name);
+    void chosen(const QString& name, Selecting how);
+    void banded(const QStringList& covered, const QSet<QString>& before); // by a rubber band
+    void dragWanted();                        // of the selected pictures
     void activated(const QString& name);      // double click
     void activatedByKey(const QString& name); // Enter
     void popUpWanted(const QPoint& globalPosition);
@@ -91,6 +101,7 @@ class ThumbnailStrip : public QFrame {
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
@@ -102,18 +113,22 @@ class ThumbnailStrip : public QFrame {
   private:
     int cellAt(const QPoint& position) const; // -1 for none that shows a picture
     int markedCell() const;                   // -1 for none
-    void choose(int index);
-    void chooseSoon(int index); // at once, or as soon as its picture is there
-    void step(Step step);
+    void choose(int index, Selecting how);
+    void chooseSoon(int index, Selecting how); // at once, or as soon as its picture is there
+    void step(Step step, Selecting how);
+    bool stepByKey(const QKeyEvent& event);
     void refreshEmphasis();
 
     std::vector<ThumbnailCell*> cells_;
     GridSize grid_;
     CellSize cell_;
-    QString marked_;
+    StripMouse* mouse_;
+    QString marked_; // the current one
+    QSet<QString> selected_;
     bool areCellsVisible_ = true;
     ShownRange shown_;
     int chooseWhenShown_ = -1;
+    Selecting howWhenShown_ = Selecting::Alone;
     int wheelRest_ = 0;
 };
 

@@ -50,11 +50,20 @@ constexpr std::array kFileItems{
 };
 
 constexpr std::array kEditItems{
-    MenuItem{0, kNoTextId, Command::ReadPicture}, MenuItem{1, 210, Command::RenamePicture},
-    MenuItem{2, 211, Command::EditPicture},       MenuItem{3, 212, Command::DeletePicture},
-    MenuItem{4, 213, Command::PictureInfo},       MenuItem{6, 214, Command::AddPicture},
-    MenuItem{7, 215, Command::RenameGroup},       MenuItem{8, 216, Command::DeleteGroup},
+    MenuItem{0, kNoTextId, Command::ReadPicture},
+    MenuItem{1, 210, Command::RenamePicture},
+    MenuItem{2, 211, Command::EditPicture},
+    MenuItem{3, 212, Command::DeletePicture},
+    MenuItem{4, 213, Command::PictureInfo},
+    MenuItem{6, 214, Command::AddPicture},
+    MenuItem{7, 215, Command::RenameGroup},
+    MenuItem{8, 216, Command::DeleteGroup},
     MenuItem{9, 217, Command::GroupInfo},
+    MenuItem{11, kNoTextId, Command::Undo, {u"&Rückgängig", u"&Undo"}},
+    MenuItem{12, kNoTextId, Command::CutPictures, {u"Auss&chneiden", u"Cu&t"}},
+    MenuItem{13, kNoTextId, Command::CopyPictures, {u"&Kopieren", u"&Copy"}},
+    MenuItem{14, kNoTextId, Command::PastePictures, {u"&Einfügen", u"&Paste"}},
+    MenuItem{15, kNoTextId, Command::SelectAll, {u"&Alles auswählen", u"&Select all"}},
 };
 
 constexpr std::array kExtrasItems{

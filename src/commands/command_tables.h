@@ -38,6 +38,11 @@ enum class Command {
     SearchHelp,
     LibraryInfo,
     OpenSamples, // offered by an empty library only
+    Undo,
+    CutPictures,
+    CopyPictures,
+    PastePictures,
+    SelectAll,
 };
 
 inline constexpr int kNoTextId = -1;

@@ -1,6 +1,7 @@
 #include "commands/dispatcher.h"
 
 #include "app/message_box.h"
+#include "commands/delete_pictures.h"
 #include "commands/edit_picture.h"
 #include "commands/frm_create.h"
 #include "commands/frm_edit_gruppe.h"
@@ -62,6 +63,11 @@ constexpr std::array kBindings{
     Binding{Command::NormalThumbnails, changeView<ViewChange::NormalThumbnails>},
     Binding{Command::Find, changeView<ViewChange::Find>},
     Binding{Command::Refresh, changeView<ViewChange::ReadAgain>},
+    Binding{Command::Undo, undo},
+    Binding{Command::CutPictures, cutPictures},
+    Binding{Command::CopyPictures, copyPictures},
+    Binding{Command::PastePictures, pastePictures},
+    Binding{Command::SelectAll, selectAll},
     Binding{Command::Exit, exitProgram},
     Binding{Command::PrintCatalogue, printCatalogue},
     Binding{Command::Help, showMainHelp},

@@ -15,6 +15,9 @@ bool needsGroup(Command command) {
     case Command::AddPicture:
     case Command::DeleteGroup:
     case Command::PrintCatalogue:
+    case Command::CutPictures:
+    case Command::CopyPictures:
+    case Command::PastePictures:
         return true;
     default:
         return false;

@@ -1,6 +1,7 @@
 #include "commands/failure_report.h"
 
 #include "app/message_box.h"
+#include "app/texts.h"
 #include "commands/library_view.h"
 #include "compound/error.h"
 
@@ -19,6 +20,14 @@ void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
         view.TreeViewSelectNode(selected->address);
     }
     view.Aktualisieren();
+}
+
+bool isDeletionForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner) {
+    constexpr app::TextPair kQuestion{
+        u"In den Papierkorb kann nichts gelegt werden:\n%1\n\nEndgültig löschen?",
+        u"Nothing can be put into the trash:\n%1\n\nDelete for good?"};
+    return app::msgBox(app::text(kQuestion).arg(app::errorText(failure)),
+                       app::Buttons::YesNoWithCare, app::kProgramTitle, owner) == app::kAnswerYes;
 }
 
 void reportFailure(LibraryView& view, const SelectionContext& selection,

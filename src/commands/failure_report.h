@@ -2,6 +2,7 @@
 #pragma once
 
 #include "commands/selection_context.h"
+#include "compound/trash.h"
 
 #include <exception>
 
@@ -14,6 +15,9 @@ class LibraryView;
 // Brings the window up to date after a failure that says that it shows what is not there any more,
 // or perhaps not yet what is there now.
 void showWhatIsLeft(LibraryView& view, const std::exception& failure);
+
+// Asks whether what the trash cannot take is to be deleted for good.
+bool isDeletionForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner);
 
 // Shows a box with the path of the selection's group and the cause, then what is left. Tells
 // nothing of what the user has stopped.

@@ -8,6 +8,7 @@
 #include "commands/dialog_layout.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
+#include "commands/undo_steps.h"
 #include "store/group_operations.h"
 
 #include <QLabel>
@@ -122,6 +123,8 @@ void frmEditGruppe::rename() {
         closeIfGroupIsGone();
         return;
     }
+    view_.history().add(groupRenamed({context_.CurrentGroup, context_.CurrentStorage},
+                                     {context_.groupName.toStdU16String()}, renamedTo(name)));
     app::msgBox(app::text(kTheGroup) + context_.groupName + app::text(kWasRenamed) +
                     QString::fromStdU16String(name.text) + app::text(kRenamedAfter),
                 app::Buttons::Ok, app::text(kCaption), this);
@@ -139,11 +142,14 @@ void frmEditGruppe::closeIfGroupIsGone() {
 }
 
 // A sub-group keeps its address; a top-level group has moved to another file.
+store::GroupAddress frmEditGruppe::renamedTo(const store::GroupName& name) const {
+    return context_.TopLevelSelected
+               ? store::topLevelAddress(name.text)
+               : store::GroupAddress{context_.CurrentGroup, context_.CurrentStorage};
+}
+
 void frmEditGruppe::showInLibrary(const store::GroupName& name) {
-    const store::GroupAddress group =
-        context_.TopLevelSelected
-            ? store::topLevelAddress(name.text)
-            : store::GroupAddress{context_.CurrentGroup, context_.CurrentStorage};
+    const store::GroupAddress group = renamedTo(name);
     view_.SetCurrentGroup(group);
     view_.FillTreeView();
     view_.Aktualisieren();

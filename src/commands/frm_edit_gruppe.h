@@ -34,6 +34,7 @@ class frmEditGruppe : public QDialog {
     bool isTaken(const store::GroupName& name) const;
     bool isValid(const store::GroupName& name) const;
     void closeIfGroupIsGone();
+    store::GroupAddress renamedTo(const store::GroupName& name) const;
     void showInLibrary(const store::GroupName& name);
 
     LibraryView& view_;

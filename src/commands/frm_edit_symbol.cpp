@@ -8,6 +8,7 @@
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "commands/picture_renaming.h"
+#include "commands/undo_steps.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 
@@ -108,6 +109,7 @@ QString frmEditSymbol::renameOrRefuse(const QString& name) {
     }
     refusal = commands::renameOrRefuse(view_.library(), picture->group, picture->name, name);
     if (refusal.isEmpty()) {
+        view_.history().add(pictureRenamed(picture->group, picture->name, {name.toStdU16String()}));
         view_.PictureRenamed(picture->group, name);
     }
     return refusal;

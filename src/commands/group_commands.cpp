@@ -12,7 +12,10 @@
 #include "commands/frm_katalog.h"
 #include "commands/frm_neue_gruppe.h"
 #include "commands/library_view.h"
-#include "store/group_operations.h"
+#include "commands/undo_steps.h"
+#include "store/group_trash.h"
+
+#include <utility>
 
 namespace commands {
 namespace {
@@ -20,17 +23,57 @@ namespace {
 constexpr int kDeleteBefore = 304;
 constexpr int kDeleteAfter = 305;
 constexpr int kNoGroup = 306;
+constexpr app::TextPair kLooking{u"Die Gruppe wird angesehen", u"The group is being looked at"};
+constexpr app::TextPair kOneBelow{u"Ihre Untergruppe wird mitgelöscht.",
+                                  u"Its sub-group is deleted as well."};
+constexpr app::TextPair kManyBelow{u"Ihre %1 Untergruppen werden mitgelöscht.",
+                                   u"Its %1 sub-groups are deleted as well."};
 constexpr app::TextPair kDeleting{u"Die Gruppe wird gelöscht", u"The group is being deleted"};
 
 void sayThatNoGroupIsSelected(const CommandCall& call) {
     app::msgBox(app::text(kNoGroup), app::Buttons::Ok, app::kProgramTitle, call.view.owner());
 }
 
-bool isDeletionConfirmed(const CommandCall& call) {
-    const QString question =
-        app::text(kDeleteBefore) + call.selection.groupName + app::text(kDeleteAfter);
+// Says what goes along; nothing for a group alone.
+QString subGroupsText(const CommandCall& call, const store::GroupAddress& group) {
+    const auto count = app::resultOfLong<std::size_t>(
+        {app::text(kLooking)}, call.view.owner(),
+        [&](store::Progress&) { return store::countGroupsBelow(call.view.library(), group); });
+    return count == 0   ? QString()
+           : count == 1 ? QStringLiteral("\n\n") + app::text(kOneBelow)
+                        : QStringLiteral("\n\n") + app::text(kManyBelow).arg(count);
+}
+
+bool isDeletionConfirmed(const CommandCall& call, const store::GroupAddress& group) {
+    const QString question = app::text(kDeleteBefore) + call.selection.groupName +
+                             app::text(kDeleteAfter) + subGroupsText(call, group);
     return app::msgBox(question, app::Buttons::YesNo, app::kProgramTitle, call.view.owner()) ==
            app::kAnswerYes;
+}
+
+void deleteConfirmed(const CommandCall& call, const store::GroupAddress& group) {
+    const store::Library& library = call.view.library();
+    try {
+        auto deleted = app::resultOfLong<store::TrashedGroup>(
+            {app::text(kDeleting)}, call.view.owner(), [&](store::Progress& progress) {
+                const auto trash = call.view.makeTrash();
+                return store::trashGroup(library, group, *trash, progress);
+            });
+        if (!deleted.file.empty()) {
+            call.view.history().add(groupDeleted(std::move(deleted)));
+        }
+    } catch (const compound::TrashFailure& failure) {
+        if (store::isTopLevel(group)) {
+            throw;
+        }
+        if (!isDeletionForGoodConfirmed(failure, call.view.owner())) {
+            return;
+        }
+        app::runLong({app::text(kDeleting)}, call.view.owner(),
+                     [&](store::Progress&) { store::deleteGroup(library, group); });
+    }
+    call.view.TreeViewRemove(group);
+    call.view.SelectFirstGroup();
 }
 
 // From the menu a folder becomes a group below whatever group is selected.
@@ -64,23 +107,13 @@ void deleteGroup(CommandCall& call) {
         sayThatNoGroupIsSelected(call);
         return;
     }
-    if (!isDeletionConfirmed(call)) {
-        return;
-    }
     try {
-        app::runLong({app::text(kDeleting)}, call.view.owner(), [&](store::Progress&) {
-            if (call.selection.TopLevelSelected) {
-                store::removeGroupFile(call.view.library(), group->file);
-            } else {
-                store::deleteGroup(call.view.library(), *group);
-            }
-        });
+        if (isDeletionConfirmed(call, *group)) {
+            deleteConfirmed(call, *group);
+        }
     } catch (const std::exception& error) {
         reportFailure(call.view, call.selection, error, app::kProgramTitle, call.view.owner());
-        return;
     }
-    call.view.TreeViewRemove(*group);
-    call.view.SelectFirstGroup();
 }
 
 void showGroupInfo(CommandCall& call) {

@@ -5,17 +5,21 @@
 #pragma once
 
 #include "commands/selection_context.h"
+#include "compound/trash.h"
 #include "store/library.h"
 #include "store/same_pictures.h"
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
 class QWidget;
 
 namespace commands {
+
+class UndoHistory;
 
 // What the user can change of the window that is no command on groups and pictures.
 enum class ViewChange {
@@ -39,9 +43,28 @@ class LibraryView {
     // Valid from the first showing of the window on.
     virtual const store::Library& library() const = 0;
 
+    // Where deleted things go.
+    virtual std::unique_ptr<compound::Trash> makeTrash() const = 0;
+
+    // What can be taken back.
+    virtual UndoHistory& history() = 0;
+
     virtual std::optional<SelectedGroup> selectedGroup() const = 0;
 
     virtual const ShownPicture& shownPicture() const = 0;
+
+    // The selected pictures of the selected group, in its order; the shown one is among them.
+    virtual std::vector<store::PictureName> selectedPictures() const = 0;
+    virtual void selectAll() = 0;
+
+    // Clipboard: the selected pictures go there, or come to the selected group from there.
+    virtual void copyPictures() = 0;
+    virtual void cutPictures() = 0; // pasting moves them
+    virtual void pastePictures() = 0;
+
+    // Shows the group, as when its node is chosen, with these of its pictures selected.
+    virtual void ShowPictures(const store::GroupAddress& group,
+                              const std::vector<store::PictureName>& pictures) = 0;
 
     // Reads all group files and rebuilds the tree. Nothing is selected afterwards.
     virtual void FillTreeView() = 0;

@@ -9,6 +9,7 @@
 #include "commands/frm_edit_symbol.h"
 #include "commands/frm_infos.h"
 #include "commands/library_view.h"
+#include "commands/picture_arrival.h"
 #include "editing/frm_open.h"
 #include "platform/paths.h"
 #include "store/picture_operations.h"
@@ -18,12 +19,8 @@
 namespace commands {
 namespace {
 
-constexpr int kDeleteBefore = 300;
-constexpr int kDeleteBetween = 301;
-constexpr int kDeleteAfter = 302;
 constexpr int kNothingChosen = 303;
 constexpr app::TextPair kCopying{u"Das Bild wird kopiert", u"The picture is being copied"};
-constexpr app::TextPair kDeleting{u"Das Bild wird gelöscht", u"The picture is being deleted"};
 
 const std::string kReadName = "Picture";
 const std::string kHandOverName = "CopiedPicture";
@@ -71,28 +68,23 @@ void handOverShownPicture(const CommandCall& call) {
     }
 }
 
-bool isDeletionConfirmed(const CommandCall& call) {
-    const QString question = app::text(kDeleteBefore) + call.selection.picture.nameText() +
-                             app::text(kDeleteBetween) + call.selection.groupName +
-                             app::text(kDeleteAfter);
-    return app::msgBox(question, app::Buttons::YesNo, app::kProgramTitle, call.view.owner()) ==
-           app::kAnswerYes;
-}
-
 } // namespace
 
 void addPicture(CommandCall& call) {
     LibraryView& view = call.view;
-    editing::frmOpen& dialog =
-        keptDialog(call.dialogs.addPicture, view.owner(),
-                   editing::frmOpen::Listener{
-                       [&view] { view.Aktualisieren(); },
-                       [&view](const std::exception& error) { showWhatIsLeft(view, error); },
-                       [&view](const store::GroupAddress& group, const store::PictureName& name) {
-                           view.PicturesArrived([group, name] {
-                               return std::vector<store::PictureAddress>{{group, name}};
-                           });
-                       }});
+    editing::frmOpen& dialog = keptDialog(
+        call.dialogs.addPicture, view.owner(),
+        editing::frmOpen::Listener{
+            [&view] { view.Aktualisieren(); },
+            [&view](const std::exception& error) { showWhatIsLeft(view, error); },
+            [&view](const store::GroupAddress& group, const store::PictureName& name) {
+                tellArrived(view, group, {name});
+            },
+            [&view](const editing::TargetGroup& target, const auto& files, QWidget* owner) {
+                const auto names = takeIncoming(view.library(), {*target.address, target.path},
+                                                {files, {}, {}}, owner);
+                tellArrived(view, *target.address, names);
+            }});
     dialog.openFor(view.library(), {call.selection.group(), call.selection.groupPath});
 }
 
@@ -119,23 +111,6 @@ void renamePicture(CommandCall& call) {
         return;
     }
     keptDialog(call.dialogs.renamePicture, call.view, call.view.owner()).openFor(call.selection);
-}
-
-void deletePicture(CommandCall& call) {
-    if (call.origin == Origin::Menu && call.selection.picture.isNone()) {
-        return;
-    }
-    withGroupNamed(call, [&call] {
-        const auto picture = storedPicture(call);
-        if (picture && isDeletionConfirmed(call)) {
-            const store::Library& library = call.view.library();
-            const auto place = store::placeOfPicture(library, picture->group, picture->name);
-            app::runLong({app::text(kDeleting)}, call.view.owner(), [&](store::Progress&) {
-                store::deletePicture(library, picture->group, picture->name);
-            });
-            call.view.PictureDeleted(picture->group, place ? place->beside : std::nullopt);
-        }
-    });
 }
 
 void showPictureInfo(CommandCall& call) {

@@ -23,9 +23,6 @@ void handOverAndClose(CommandCall& call);
 // Opens the dialog that gives the shown picture another name.
 void renamePicture(CommandCall& call);
 
-// Asks, and removes the shown picture from its group for good.
-void deletePicture(CommandCall& call);
-
 // Opens the dialog with the shown picture's facts.
 void showPictureInfo(CommandCall& call);
 

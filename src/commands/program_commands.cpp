@@ -7,6 +7,7 @@
 #include "commands/frm_editor_optionen.h"
 #include "commands/frm_info.h"
 #include "commands/library_view.h"
+#include "commands/undo_history.h"
 
 namespace commands {
 
@@ -16,6 +17,26 @@ void toggleGraphicalPreview(CommandCall& call) {
     } else {
         call.view.VorschauAktiviert();
     }
+}
+
+void undo(CommandCall& call) {
+    call.view.history().undoLast(call.view);
+}
+
+void cutPictures(CommandCall& call) {
+    call.view.cutPictures();
+}
+
+void copyPictures(CommandCall& call) {
+    call.view.copyPictures();
+}
+
+void pastePictures(CommandCall& call) {
+    call.view.pastePictures();
+}
+
+void selectAll(CommandCall& call) {
+    call.view.selectAll();
 }
 
 void showEditorOptions(CommandCall& call) {

@@ -8,6 +8,17 @@ struct CommandCall;
 // Changes between thumbnails and list.
 void toggleGraphicalPreview(CommandCall& call);
 
+// Takes the last deletion, renaming or move back.
+void undo(CommandCall& call);
+
+// The selected pictures go to the clipboard, or come to the selected group from there.
+void cutPictures(CommandCall& call);
+void copyPictures(CommandCall& call);
+void pastePictures(CommandCall& call);
+
+// Selects all pictures of the shown group.
+void selectAll(CommandCall& call);
+
 void showEditorOptions(CommandCall& call);
 
 void exitProgram(CommandCall& call);

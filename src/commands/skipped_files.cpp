@@ -34,6 +34,14 @@ void showSkippedFiles(std::span<const store::SkippedFile> files, QWidget* owner)
     showSummary(captionFor(files.size()), entries, owner);
 }
 
+void showFailures(std::span<const compound::Error> failures, QWidget* owner) {
+    QStringList entries;
+    for (const compound::Error& failure : failures) {
+        entries.append(app::errorText(failure));
+    }
+    showSummary(captionFor(failures.size()), entries, owner);
+}
+
 void showSummary(const QString& text, const QStringList& entries, QWidget* owner) {
     if (entries.empty()) {
         return;

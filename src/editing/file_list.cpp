@@ -116,8 +116,21 @@ QStringList FileList::fileNames() const {
 }
 
 QString FileList::fileName() const {
-    const QList<QListWidgetItem*> selected = selectedItems();
-    return selected.isEmpty() ? QString() : selected.first()->text();
+    if (currentItem() != nullptr && currentItem()->isSelected()) {
+        return currentItem()->text();
+    }
+    const QStringList selected = selectedFileNames();
+    return selected.isEmpty() ? QString() : selected.first();
+}
+
+QStringList FileList::selectedFileNames() const {
+    QStringList names;
+    for (int row = 0; row < count(); ++row) {
+        if (item(row)->isSelected()) {
+            names += item(row)->text();
+        }
+    }
+    return names;
 }
 
 void FileList::mousePressEvent(QMouseEvent* event) {

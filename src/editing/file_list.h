@@ -37,8 +37,13 @@ class FileList : public QListWidget {
 
     QStringList fileNames() const;
 
-    // The selected file's name without its folder; empty for none.
+    // The selected file's name without its folder; of several that of the current one, or of the
+    // first; empty for none.
     QString fileName() const;
+
+    // Lets the user select several files, which only their window can make something of.
+    void allowSeveral() { setSelectionMode(QAbstractItemView::ExtendedSelection); }
+    QStringList selectedFileNames() const; // from the top
 
   signals:
     // The user chose a file by mouse or keyboard; a click on the chosen one counts too.

@@ -53,6 +53,7 @@ constexpr int kTextDriveBefore = 955;
 constexpr int kTextDriveAfter = 956;
 constexpr int kTextUnreadable = 957;
 
+constexpr app::TextPair kSeveral = {u"%1 Dateien", u"%1 files"};
 constexpr app::TextPair kSaving = {u"Das Bild wird gespeichert", u"The picture is being saved"};
 
 constexpr double kWidth = 7140;
@@ -161,6 +162,7 @@ void frmOpen::makeControls() {
     cmdOK_ = app::makeNamed<QPushButton>("cmdOK", this);
     cmdAbbruch_ = app::makeNamed<QPushButton>("cmdAbbruch", this);
     cmdHilfe_ = app::makeNamed<QPushButton>("cmdHilfe", this);
+    filDatei_->allowSeveral();
     lblName_->setTextFormat(Qt::PlainText);
     lblName_->setBuddy(txtName_);
     cmdOK_->setDefault(true);
@@ -189,6 +191,7 @@ void frmOpen::placeControls() {
 
 void frmOpen::connectControls() {
     connect(filDatei_, &FileList::fileClicked, this, &frmOpen::openFile);
+    connect(filDatei_, &QListWidget::itemSelectionChanged, this, &frmOpen::showCount);
     connect(imgVorschau_, &PictureBox::loaded, this, &frmOpen::showPicture);
     connect(imgVorschau_, &PictureBox::failed, this, &frmOpen::refusePicture);
     connect(this, &QDialog::finished, imgVorschau_, &PictureBox::clear);
@@ -273,7 +276,7 @@ void frmOpen::showPicture(const picture::PictureFacts& facts) {
     picBild_->resize(pixelsOf(facts));
     VorschauAnpassen();
     const QString fileName = filDatei_->fileName();
-    if (!isNameTyped_) {
+    if (!isNameTyped_ && txtName_->isEnabled()) {
         txtName_->setText(fileName.left(fileName.indexOf(u'.')));
     }
     if (std::exchange(savesWhenLoaded_, false)) {
@@ -286,6 +289,9 @@ void frmOpen::refusePicture() {
     unsetCursor();
     isInvalidPicture_ = true;
     savesWhenLoaded_ = false;
+    if (filDatei_->selectedFileNames().size() > 1) {
+        return; // it is told when they are stored
+    }
     tell(kTextUnreadable);
 }
 
@@ -314,7 +320,38 @@ std::optional<int> frmOpen::refusal() const {
     return std::nullopt;
 }
 
+// Several files are called as they are.
+void frmOpen::showCount() {
+    const auto count = filDatei_->selectedFileNames().size();
+    const bool isOne = count <= 1;
+    if (!isOne && txtName_->isEnabled()) {
+        txtName_->clear();
+    }
+    txtName_->setPlaceholderText(isOne ? QString() : app::text(kSeveral).arg(count));
+    txtName_->setEnabled(isOne);
+}
+
+void frmOpen::saveSeveral() {
+    if (!target_.address) {
+        tell(kTextNoGroup);
+        return;
+    }
+    std::vector<std::filesystem::path> files;
+    for (const QString& name : filDatei_->selectedFileNames()) {
+        files.push_back(platform::toFilePath(platform::joinPath(filDatei_->folder(), name)));
+    }
+    try {
+        listener_.takeSeveral(target_, files, this);
+    } catch (const std::exception& error) {
+        tellFailure(error);
+    }
+}
+
 void frmOpen::save() {
+    if (filDatei_->selectedFileNames().size() > 1 && listener_.takeSeveral) {
+        saveSeveral();
+        return;
+    }
     if (imgVorschau_->isBusy()) { // only then it is known what will be saved, and under which name
         savesWhenLoaded_ = true;
         return;
@@ -326,11 +363,15 @@ void frmOpen::save() {
     try {
         addToGroup(*target_.address, {txtName_->text().toStdU16String()});
     } catch (const std::exception& error) {
-        app::msgBox(app::groupFailureText(target_.path, error), app::Buttons::Ok,
-                    app::text(kTextTitle), this);
-        if (listener_.saveFailed) {
-            listener_.saveFailed(error);
-        }
+        tellFailure(error);
+    }
+}
+
+void frmOpen::tellFailure(const std::exception& error) {
+    app::msgBox(app::groupFailureText(target_.path, error), app::Buttons::Ok, app::text(kTextTitle),
+                this);
+    if (listener_.saveFailed) {
+        listener_.saveFailed(error);
     }
 }
 

@@ -8,8 +8,10 @@
 #include <QDialog>
 #include <QString>
 
+#include <filesystem>
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace imaging {
 struct PictureFacts;
@@ -50,6 +52,10 @@ class frmOpen : public QDialog {
         std::function<void()> Aktualisieren;                   // the user goes back by button
         std::function<void(const std::exception&)> saveFailed; // after a box has told it
         std::function<void(const store::GroupAddress&, const store::PictureName&)> added = {};
+        // Stores several files in the target's group, and tells what comes of it. The window is
+        // the owner of what is shown meanwhile.
+        std::function<void(const TargetGroup&, const std::vector<std::filesystem::path>&, QWidget*)>
+            takeSeveral = {};
     };
     frmOpen(QWidget* owner, Listener listener);
     ~frmOpen() override;
@@ -83,11 +89,14 @@ class frmOpen : public QDialog {
     void showPicture(const imaging::PictureFacts& facts);
     void refusePicture();
     void VorschauAnpassen();
+    void showCount();
+    void saveSeveral();
     void save();
     std::optional<int> refusal() const;
     void addToGroup(const store::GroupAddress& group, const store::PictureName& name);
     void goBack();
     void tell(int textId);
+    void tellFailure(const std::exception& error);
 
     Listener listener_;
     std::optional<store::Library> library_;

@@ -400,6 +400,39 @@ std::optional<SelectedGroup> GroupTree::selected() const {
     return groupOf(selectedItem());
 }
 
+std::optional<SelectedGroup> GroupTree::groupAt(const QPoint& position) const {
+    return groupOf(itemAt(position));
+}
+
+void GroupTree::showDropAt(const std::optional<QPoint>& position) {
+    constexpr int kEdge = 16; // pixels
+    constexpr float kStrength = 0.35F;
+    if (position) {
+        const int below = viewport()->height() - kEdge;
+        QScrollBar* bar = verticalScrollBar();
+        bar->setValue(bar->value() + (position->y() > below ? 1 : position->y() < kEdge ? -1 : 0));
+    }
+    const QModelIndex index = position ? indexAt(*position) : QModelIndex();
+    if (dropIndex_ == index) {
+        return;
+    }
+    if (dropIndex_.isValid()) {
+        model()->setData(dropIndex_, QVariant(), Qt::BackgroundRole);
+    }
+    dropIndex_ = index;
+    if (index.isValid()) {
+        QColor colour = palette().color(QPalette::Highlight);
+        colour.setAlphaF(kStrength);
+        model()->setData(index, QBrush(colour), Qt::BackgroundRole);
+    }
+}
+
+void GroupTree::unfoldAt(const QPoint& position) {
+    if (QTreeWidgetItem* item = itemAt(position)) {
+        item->setExpanded(true);
+    }
+}
+
 std::optional<SelectedGroup> GroupTree::find(const store::GroupAddress& address) const {
     return groupOf(itemOf(address));
 }

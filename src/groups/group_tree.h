@@ -8,6 +8,7 @@
 #include "groups/library_reading.h"
 #include "groups/selected_group.h"
 
+#include <QPersistentModelIndex>
 #include <QSet>
 #include <QTreeWidget>
 
@@ -59,6 +60,16 @@ class GroupTree : public QTreeWidget {
     void selectFirst(Reveal reveal = Reveal::Unfold);
 
     std::optional<SelectedGroup> selected() const;
+    // The group of the node at that place of the viewport.
+    std::optional<SelectedGroup> groupAt(const QPoint& position) const;
+
+    // Marks the node at that place as the one that would take what is dropped there, and scrolls on
+    // near the upper and the lower edge; nothing: no node is marked any more.
+    void showDropAt(const std::optional<QPoint>& position);
+
+    // Unfolds the node at that place.
+    void unfoldAt(const QPoint& position);
+
     std::optional<SelectedGroup> find(const store::GroupAddress& address) const;
     QString selectedKey() const; // empty when nothing is selected
     QString firstNodeText() const;
@@ -99,6 +110,7 @@ class GroupTree : public QTreeWidget {
     QSet<QString> unfoldedKeys() const;
     void onSelectionChanged();
 
+    QPersistentModelIndex dropIndex_;
     bool selectingByProgram_ = false;
     bool reportedDuringPress_ = false;
 };

@@ -5,6 +5,7 @@
 #include "app/texts.h"
 #include "commands/dispatcher.h"
 #include "commands/library_view.h"
+#include "commands/undo_history.h"
 #include "compound/error.h"
 #include "compound/memory_disk.h"
 #include "store/group_operations.h"
@@ -14,16 +15,53 @@
 #include <gtest/gtest.h>
 #include <ostream>
 
+// The trash of a disk in memory, which gives nothing back, and takes nothing when told to fail.
+class TrashInMemory final : public compound::Trash {
+  public:
+    TrashInMemory(compound::Disk& disk, std::optional<compound::ErrorCode> failure)
+        : disk_(disk), failure_(failure) {}
+    std::filesystem::path stagingFolder() const override { return "/staging"; }
+    std::filesystem::path moveThere(const std::filesystem::path& file) override {
+        if (failure_) {
+            throw compound::Error(*failure_, file, "told to fail");
+        }
+        disk_.trash(file);
+        return {};
+    }
+    void takeBack(const std::filesystem::path& trashed, const std::filesystem::path&) override {
+        throw compound::Error(compound::ErrorCode::NotFound, trashed, "gone");
+    }
+
+  private:
+    compound::Disk& disk_;
+    std::optional<compound::ErrorCode> failure_;
+};
+
 // A main window that shows the picture P1 of a library in memory, and counts what it is told after
 // a change.
 class ViewInMemory : public commands::LibraryView {
   public:
-    ViewInMemory() { disk.makeFolder("/library"); }
+    ViewInMemory() {
+        disk.makeFolder("/library");
+        disk.makeFolder("/staging");
+    }
 
     QWidget* owner() override { return nullptr; }
     const store::Library& library() const override { return library_; }
+    std::unique_ptr<compound::Trash> makeTrash() const override {
+        return std::make_unique<TrashInMemory>(library_.disk, trashFailure);
+    }
+    commands::UndoHistory& history() override { return history_; }
     std::optional<commands::SelectedGroup> selectedGroup() const override { return selected; }
     const commands::ShownPicture& shownPicture() const override { return shown_; }
+    std::vector<store::PictureName> selectedPictures() const override { return {*shown_.name()}; }
+    void selectAll() override {}
+    void copyPictures() override {}
+    void cutPictures() override {}
+    void pastePictures() override {}
+    void ShowPictures(const store::GroupAddress&, const std::vector<store::PictureName>&) override {
+        ++refreshes;
+    }
     void Aktualisieren() override { ++refreshes; }
     void PictureRenamed(const store::GroupAddress&, const QString&) override { ++refreshes; }
     void PictureDeleted(const store::GroupAddress&,
@@ -49,10 +87,12 @@ class ViewInMemory : public commands::LibraryView {
     void ExitAfterHandOver() override {}
 
     MemoryDisk disk;
+    std::optional<compound::ErrorCode> trashFailure;
     commands::SelectedGroup selected;
     int refreshes = 0;
 
   private:
+    commands::UndoHistory history_;
     commands::ShownPicture shown_{store::PictureName{u"P1"}};
     store::Library library_{disk, "/library",
                             [](std::span<const std::byte>) {
@@ -106,6 +146,11 @@ class FailingDiskTest : public testing::TestWithParam<DiskFailure> {
         EXPECT_EQ(box.title, title);
         EXPECT_EQ(view_.disk.content("/library/Pumpen.stg"), before_);
         EXPECT_EQ(view_.refreshes, 0);
+    }
+
+    void failAtTrashOnly() {
+        view_.disk.setInterceptor({});
+        view_.trashFailure = GetParam().code;
     }
 
     void setGerman(bool isGerman) {

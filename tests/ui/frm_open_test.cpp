@@ -117,8 +117,18 @@ class FrmOpenTest : public testing::Test {
                             std::chrono::milliseconds(0)};
     int refreshed_ = 0;
     int failed_ = 0;
+    QStringList taken_;
     frmOpen window_{nullptr,
-                    {[this] { ++refreshed_; }, [this](const std::exception&) { ++failed_; }}};
+                    {[this] { ++refreshed_; },
+                     [this](const std::exception&) { ++failed_; },
+                     {},
+                     [this](const editing::TargetGroup&,
+                            const std::vector<std::filesystem::path>& files, QWidget*) {
+                         taken_.clear();
+                         for (const std::filesystem::path& file : files) {
+                             taken_.append(platform::fromFilePath(file.filename()));
+                         }
+                     }}};
 
   private:
     std::filesystem::path makeLibraryFolder() const {
@@ -300,6 +310,29 @@ TEST_F(FrmOpenTest, refusesTheNoPictureTextOfItsOwnLanguageOnly) {
     press("cmdOK");
     EXPECT_TRUE(boxes.take().isEmpty());
     EXPECT_EQ(store::listPictures(library_, group).size(), 1U);
+}
+
+TEST_F(FrmOpenTest, takesSeveralFilesUnderTheirOwnNames) {
+    makePicture("a.bmp", "BMP");
+    home_.write("pictures/b.bmp", "no picture");
+    makePicture("c.bmp", "BMP");
+    open(makeGroup());
+    clickFile("a.bmp");
+    MessageBoxScript boxes;
+    QTest::keyClick(files(), Qt::Key_Down, Qt::ShiftModifier);
+    settle();
+    EXPECT_FALSE(name()->isEnabled());
+    EXPECT_EQ(name()->placeholderText(), "2 Dateien");
+    press("cmdOK");
+    EXPECT_EQ(taken_, QStringList({"a.bmp", "b.bmp"}));
+    EXPECT_TRUE(boxes.take().isEmpty()) << "what is no picture is told when it is stored";
+    EXPECT_TRUE(window_.isVisible());
+    clickFile("c.bmp");
+    EXPECT_TRUE(name()->isEnabled());
+    EXPECT_EQ(name()->text(), "c");
+    QTest::keyClick(files(), Qt::Key_A, Qt::ControlModifier);
+    press("cmdOK");
+    EXPECT_EQ(taken_, QStringList({"a.bmp", "b.bmp", "c.bmp"}));
 }
 
 TEST_F(FrmOpenTest, saysThatThereIsNoGroup) {

@@ -49,11 +49,24 @@ TEST_P(GroupsOnFailingDisk, KeepTheDialogsOpenAndNameTheGroup) {
 }
 
 TEST_P(GroupsOnFailingDisk, KeepTheSubGroupThatWasToBeDeleted) {
+    failAtTrashOnly();
+    MessageBoxScript notForGood({app::kAnswerYes, app::kAnswerNo});
+    commands::Dispatcher(view_).toolClick("gDelete");
+    const auto boxes = notForGood.take();
+    ASSERT_EQ(boxes.size(), 2);
+    EXPECT_EQ(boxes[1].buttons, app::Buttons::YesNoWithCare);
+    EXPECT_TRUE(boxes[1].text.startsWith("In den Papierkorb")) << boxes[1].text.toStdString();
+    EXPECT_TRUE(boxes[1].text.contains(GetParam().german)) << boxes[1].text.toStdString();
+    EXPECT_EQ(view_.disk.content("/library/Pumpen.stg"), before_);
+    EXPECT_EQ(view_.refreshes, 0);
+
     MessageBoxScript yes({}, app::kAnswerYes);
     commands::Dispatcher(view_).toolClick("gDelete");
-    const auto boxes = yes.take();
-    ASSERT_EQ(boxes.size(), 2); // the question comes first
-    expectFailureTold(boxes[1], "TXSGraphicsLib");
+    EXPECT_EQ(yes.take().size(), 2);
+    EXPECT_GT(view_.refreshes, 0);
+    EXPECT_FALSE(
+        store::subGroupExists(view_.library(), store::topLevelAddress(u"Pumpen"), {u"Kreisel"}));
+    EXPECT_TRUE(view_.history().isEmpty());
 }
 
 TEST_P(GroupsOnFailingDisk, KeepATopLevelGroupUnderItsName) {

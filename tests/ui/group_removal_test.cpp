@@ -37,6 +37,12 @@ class GroupRemoval : public GroupDialogsTest {
             .arg(name);
     }
 
+    // The same where a group goes along that lies below.
+    QString questionWithOneBelow(const QString& name) {
+        return question(name) + say("\n\nIhre Untergruppe wird mitgelöscht.",
+                                    "\n\nIts sub-group is deleted as well.");
+    }
+
     QString noGroup() {
         return say("Es wurde noch keine Gruppe ausgewählt!", "No group selected!");
     }
@@ -61,12 +67,12 @@ TEST_P(GroupRemoval, ATopLevelGroupGoesToTheTrashAfterAYes) {
     start();
     clickNode("Pumpen");
     const QByteArray content = bytesOf("Pumpen.stg");
-    EXPECT_EQ(askedBy("Men_Bearbeiten_8", app::kAnswerNo), question("Pumpen"));
+    EXPECT_EQ(askedBy("Men_Bearbeiten_8", app::kAnswerNo), questionWithOneBelow("Pumpen"));
     EXPECT_EQ(selectedNode(), "Pumpen");
     EXPECT_EQ(label(), "P1");
     EXPECT_EQ(storagesFolder(), (QStringList{"Armaturen.stg", "Pumpen.stg"}));
 
-    EXPECT_EQ(askedBy("gDelete", app::kAnswerYes), question("Pumpen"));
+    EXPECT_EQ(askedBy("gDelete", app::kAnswerYes), questionWithOneBelow("Pumpen"));
     EXPECT_EQ(node("Pumpen"), nullptr);
     EXPECT_EQ(storagesFolder(), QStringList{"Armaturen.stg"});
     const QStringList kept = filesOfHomeNamed("Pumpen*");
@@ -87,7 +93,7 @@ TEST_P(GroupRemoval, ASubGroupGoesWithThoseBelowItAndNoOther) {
     addPicture(pumps, "P1");
     start();
     clickNode("Pumpen/Kreisel");
-    EXPECT_EQ(askedBy("gDelete", app::kAnswerYes), question("Kreisel"));
+    EXPECT_EQ(askedBy("gDelete", app::kAnswerYes), questionWithOneBelow("Kreisel"));
     EXPECT_EQ(node("Pumpen/Kreisel"), nullptr);
     EXPECT_NE(node("Armaturen/Kreisel"), nullptr);
     EXPECT_EQ(selectedNode(), "Armaturen");

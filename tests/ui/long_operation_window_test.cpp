@@ -13,7 +13,8 @@ namespace {
 
 using app::LongOperation;
 
-const LongOperation kUnseen{"Waiting", LongOperation::Stopping::Offered, std::chrono::hours(1)};
+const LongOperation kUnseen{"Waiting", LongOperation::Stopping::Offered,
+                            LongOperation::Counting::Bytes, std::chrono::hours(1)};
 
 using WindowInLongOperation = MainWindowTest;
 

@@ -1,4 +1,4 @@
-#include <QApplication>
+#include "ui/event_meter.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen"); // also while CTest asks for the list of tests
     }
-    const QApplication application(argc, argv);
+    const EventMeter application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -83,9 +83,18 @@ TEST_P(PicturesOnFailingDisk, LeavesThePictureThatWasToBeDeleted) {
         MessageBoxScript yes({}, app::kAnswerYes);
         commands::Dispatcher(view_).toolClick("bDelete");
         const auto boxes = yes.take();
-        ASSERT_EQ(boxes.size(), 2); // the question comes first
-        expectFailureTold(boxes[1], "TXSGraphicsLib");
+        ASSERT_EQ(boxes.size(), 3); // the questions come first
+        EXPECT_TRUE(boxes[1].text.contains(isGerman ? GetParam().german : GetParam().english));
+        expectFailureTold(boxes[2], "TXSGraphicsLib");
     }
+    failAtTrashOnly();
+    MessageBoxScript notForGood({app::kAnswerYes, app::kAnswerNo});
+    commands::Dispatcher(view_).toolClick("bDelete");
+    EXPECT_EQ(view_.disk.content("/library/Pumpen.stg"), before_);
+    MessageBoxScript yes({}, app::kAnswerYes);
+    commands::Dispatcher(view_).toolClick("bDelete");
+    EXPECT_EQ(yes.take().size(), 2);
+    EXPECT_TRUE(store::listPictures(view_.library(), view_.selected.address).empty());
 }
 
 TEST_P(PicturesOnFailingDisk, KeepsTheRenameDialogOpen) {

@@ -73,6 +73,7 @@ class RandomCommands : private TemporaryFoldersInMemory,
     void newGroup();
     void renameGroup();
     void deleteGroup();
+    QString groupsBelowText() const;
     void showGroupInfo();
     void addPictures();
     void renamePicture();

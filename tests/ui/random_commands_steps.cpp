@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QScrollBar>
+#include <QSet>
 #include <QTest>
 
 using library_model::Address;
@@ -137,6 +138,29 @@ void RandomCommands::renameGroup() {
     });
 }
 
+// What the question says of the groups that go along.
+QString RandomCommands::groupsBelowText() const {
+    const library_model::Address& group = *screen_.selected;
+    QSet<QString> below{group.storage};
+    for (const library_model::Address& other : model_.groupsOf(group.file)) {
+        if (below.contains(model_.find(other)->parent)) {
+            below.insert(other.storage);
+        }
+    }
+    const bool isGerman = app::languageCode() == app::kGermanLocale;
+    switch (below.size()) {
+    case 1:
+        return {};
+    case 2:
+        return isGerman ? QStringLiteral("\n\nIhre Untergruppe wird mitgelöscht.")
+                        : QStringLiteral("\n\nIts sub-group is deleted as well.");
+    default:
+        return (isGerman ? QStringLiteral("\n\nIhre %1 Untergruppen werden mitgelöscht.")
+                         : QStringLiteral("\n\nIts %1 sub-groups are deleted as well."))
+            .arg(below.size() - 1);
+    }
+}
+
 void RandomCommands::deleteGroup() {
     const QString action = anyOfThese({"Men_Bearbeiten_8", "gDelete", "Del on tvwGruppen"});
     const Answer answer = anyAnswer();
@@ -145,7 +169,7 @@ void RandomCommands::deleteGroup() {
             expectBox(app::text(306));
         }
     } else {
-        expectBox(app::text(304) + groupText() + app::text(305));
+        expectBox(app::text(304) + groupText() + app::text(305) + groupsBelowText());
         if (answer == Answer::Yes) {
             model_.removeGroup(*screen_.selected);
             screen_.groupRemoved();
@@ -349,7 +373,7 @@ void RandomCommands::renameInPlace() {
     MessageBoxScript script;
     script_ = &script;
     list()->setFocus();
-    list()->setCurrentItem(row);
+    list()->setCurrentItem(row, 0, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     list()->editItem(row, 0);
     auto* editor = list()->viewport()->findChild<QLineEdit*>();
     ASSERT_NE(editor, nullptr);
@@ -435,7 +459,8 @@ void RandomCommands::copyPicture() {
     if (source != nullptr) {
         const QString path =
             QGuiApplication::clipboard()->mimeData()->urls().value(0).toLocalFile();
-        expectCopy(path, "Clipboard/" + QFileInfo(path).fileName());
+        const QFileInfo file(path);
+        expectCopy(path, "Clipboard/" + file.dir().dirName() + u'/' + file.fileName());
     }
 }
 

@@ -1,0 +1,162 @@
+#include "browser/picture_carrying.h"
+
+#include "app/long_operation.h"
+#include "app/message_box.h"
+#include "app/settings.h"
+#include "app/texts.h"
+#include "browser/picture_panel.h"
+#include "commands/failure_report.h"
+#include "commands/library_view.h"
+#include "groups/group_tree.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDrag>
+
+namespace browser {
+namespace {
+
+using commands::ArrivalTarget;
+using commands::PicturesOfGroup;
+using groups::SelectedGroup;
+
+store::PassageKind passageFor(Carrying carrying) {
+    return carrying == Carrying::ToMove ? store::PassageKind::Move : store::PassageKind::Copy;
+}
+
+} // namespace
+
+PictureCarrying::PictureCarrying(commands::LibraryView& view, groups::GroupTree& tree,
+                                 PicturePanel& panel, QWidget* owner)
+    : QObject(owner), view_(view), tree_(tree), panel_(panel) {
+    connect(&panel_, &PicturePanel::dragWanted, this, &PictureCarrying::drag);
+    watchTree();
+    watchPictures(panel_.strip());
+    watchPictures(panel_.listArea());
+}
+
+void PictureCarrying::watchTree() {
+    auto* target = new DropTarget(
+        *tree_.viewport(), {[this](const QPoint& at) { return tree_.groupAt(at).has_value(); },
+                            [this](const QPoint& at) { tree_.showDropAt(at); },
+                            [this](const QPoint& at) { tree_.unfoldAt(at); },
+                            [this] { tree_.showDropAt(std::nullopt); }});
+    connect(target, &DropTarget::dropped, this,
+            [this](const QPoint& at, const QMimeData* data, DropKind kind) {
+                if (const auto group = tree_.groupAt(at)) {
+                    takeSoon(*group, *data, kind);
+                }
+            });
+}
+
+void PictureCarrying::watchPictures(QWidget* widget) {
+    const auto isGroupShown = [this](const QPoint&) {
+        return panel_.group() && tree_.find(*panel_.group());
+    };
+    const auto nothing = [](const QPoint&) {};
+    auto* target = new DropTarget(*widget, {isGroupShown, nothing, nothing, [] {}});
+    connect(target, &DropTarget::dropped, this,
+            [this](const QPoint&, const QMimeData* data, DropKind kind) {
+                takeSoon(*tree_.find(*panel_.group()), *data, kind);
+            });
+}
+
+PicturesOfGroup PictureCarrying::selected() const {
+    PicturesOfGroup pictures;
+    if (const auto group = view_.selectedGroup()) {
+        pictures = {group->address, view_.selectedPictures()};
+        if (pictures.names.empty() && view_.shownPicture().name()) {
+            pictures.names.push_back(*view_.shownPicture().name());
+        }
+    }
+    return pictures;
+}
+
+void PictureCarrying::copy(Carrying carrying) {
+    const PicturesOfGroup pictures = selected();
+    if (pictures.names.empty()) {
+        return;
+    }
+    try {
+        QGuiApplication::clipboard()->setMimeData(
+            carry(view_.library(), pictures, carrying,
+                  app::settings().restoredTemporaryFolderPath(), view_.owner())
+                .release());
+    } catch (const std::exception& failure) {
+        commands::reportFailure(view_,
+                                commands::contextOf(view_.selectedGroup(), view_.shownPicture()),
+                                failure, app::kProgramTitle, view_.owner());
+    }
+}
+
+void PictureCarrying::drag() {
+    const PicturesOfGroup pictures = selected();
+    if (pictures.names.empty() || app::isLongOperationRunning()) {
+        return;
+    }
+    try {
+        auto data = carry(view_.library(), pictures, Carrying::ToCopy,
+                          app::settings().restoredTemporaryFolderPath(), view_.owner());
+        if (!QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+            return; // let go while the files were written
+        }
+        auto* drag = new QDrag(panel_.strip()); // which deletes itself
+        drag->setMimeData(data.release());
+        drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
+    } catch (const std::exception& failure) {
+        commands::reportFailure(view_,
+                                commands::contextOf(view_.selectedGroup(), view_.shownPicture()),
+                                failure, app::kProgramTitle, view_.owner());
+    }
+}
+
+void PictureCarrying::paste() {
+    const auto target = view_.selectedGroup();
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    if (!target || data == nullptr || !mayHoldPictures(*data)) {
+        return;
+    }
+    const OfferedPictures offered = picturesIn(*data, view_.library());
+    take(*target, offered, passageFor(offered.carrying));
+    if (offered.ours && offered.carrying == Carrying::ToMove) {
+        QGuiApplication::clipboard()->clear(); // they are not where they were any more
+    }
+}
+
+void PictureCarrying::takeSoon(const SelectedGroup& target, const QMimeData& data, DropKind kind) {
+    const OfferedPictures offered = picturesIn(data, view_.library());
+    if (offered.ours && offered.ours->group == target.address) {
+        return; // let go where they were taken
+    }
+    const auto passage =
+        kind == DropKind::Move ? store::PassageKind::Move : store::PassageKind::Copy;
+    QMetaObject::invokeMethod(
+        this, [this, target, offered, passage] { take(target, offered, passage); },
+        Qt::QueuedConnection);
+}
+
+void PictureCarrying::take(const SelectedGroup& target, const OfferedPictures& offered,
+                           store::PassageKind kind) {
+    if (app::isLongOperationRunning()) {
+        return;
+    }
+    const ArrivalTarget arrival{target.address, target.name};
+    if (offered.ours) {
+        commands::transferPictures(view_, *offered.ours, arrival, kind);
+        return;
+    }
+    try {
+        const auto names =
+            commands::takeIncoming(view_.library(), arrival, offered.incoming, view_.owner());
+        const auto selected = view_.selectedGroup();
+        if (!names.empty() && selected && selected->address == target.address) {
+            view_.ShowPictures(target.address, names);
+        }
+        commands::tellArrived(view_, target.address, names);
+    } catch (const std::exception& failure) {
+        commands::reportFailure(view_, commands::contextOf(target, {}), failure, app::kProgramTitle,
+                                view_.owner());
+    }
+}
+
+} // namespace browser

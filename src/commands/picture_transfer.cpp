@@ -1,0 +1,182 @@
+#include "commands/picture_transfer.h"
+
+#include "app/long_operation.h"
+#include "app/message_box.h"
+#include "app/texts.h"
+#include "commands/failure_report.h"
+#include "commands/library_view.h"
+#include "commands/name_conflicts.h"
+#include "commands/skipped_files.h"
+#include "commands/undo_history.h"
+#include "compound/error.h"
+#include "store/names.h"
+
+#include <set>
+
+namespace commands {
+namespace {
+
+using store::PassageKind;
+
+constexpr app::TextPair kLooking{u"Die Gruppe wird angesehen", u"The group is being looked at"};
+constexpr app::TextPair kCopying{u"Die Bilder werden kopiert", u"The pictures are being copied"};
+constexpr app::TextPair kMoving{u"Die Bilder werden verschoben", u"The pictures are being moved"};
+constexpr app::TextPair kStepOne{u"Bild \"%1\" verschieben", u"move picture \"%1\""};
+constexpr app::TextPair kStepMany{u"%1 Bilder verschieben", u"move %1 pictures"};
+constexpr app::TextPair kGone{u"Das Bild \"%1\" war nicht mehr da.",
+                              u"The picture \"%1\" was not there any more."};
+constexpr app::TextPair kInBoth{u"Die Bilder sind jetzt in beiden Gruppen:",
+                                u"The pictures are in both groups now:"};
+constexpr app::TextPair kLeft{u"Nicht alle Bilder konnten übertragen werden:",
+                              u"Not all pictures could be transferred:"};
+
+QString textOf(const store::PictureName& name) {
+    return QString::fromStdU16String(name.text);
+}
+
+std::vector<store::PictureName> newNames(const store::PicturesPassed& result) {
+    std::vector<store::PictureName> names;
+    for (const store::PassedPicture& picture : result.passed) {
+        names.push_back(picture.to);
+    }
+    return names;
+}
+
+void bringUpToDate(LibraryView& view, const store::GroupAddress& target,
+                   const std::vector<store::PictureName>& names) {
+    const auto selected = view.selectedGroup();
+    if (selected && selected->address == target && !names.empty()) {
+        view.ShowPictures(target, names);
+    } else {
+        view.Aktualisieren();
+    }
+}
+
+UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to,
+                  const std::vector<store::PassedPicture>& passed) {
+    std::vector<store::PassingPicture> back;
+    for (const store::PassedPicture& picture : passed) {
+        back.push_back({picture.to, store::IfNameTaken::KeepBoth, picture.from});
+    }
+    const QString what = passed.size() == 1 ? app::text(kStepOne).arg(textOf(passed[0].from))
+                                            : app::text(kStepMany).arg(passed.size());
+    return {what,
+            [from, to, back = std::move(back)](const store::Library& library,
+                                               store::Progress& progress) -> UndoStep::Show {
+                const auto result =
+                    store::passPictures(library, to, from, back, PassageKind::Move, progress);
+                if (result.sourceFailure) {
+                    throw compound::Error(*result.sourceFailure);
+                }
+                return [from, names = newNames(result)](LibraryView& view) {
+                    view.ShowPictures(from, names);
+                };
+            }};
+}
+
+class Transfer {
+  public:
+    Transfer(LibraryView& view, const PicturesOfGroup& pictures, const ArrivalTarget& target,
+             PassageKind kind)
+        : view_(view), pictures_(pictures), target_(target), kind_(kind) {}
+
+    void run() {
+        auto passing = askForNames();
+        if (!passing || passing->empty()) {
+            return;
+        }
+        const auto result = app::resultOfLong<store::PicturesPassed>(
+            {app::text(kind_ == PassageKind::Move ? kMoving : kCopying),
+             app::LongOperation::Stopping::Offered, app::LongOperation::Counting::Pieces},
+            view_.owner(), [&](store::Progress& progress) {
+                return store::passPictures(view_.library(), pictures_.group, target_.group,
+                                           *passing, kind_, progress);
+            });
+        if (kind_ == PassageKind::Move && !result.passed.empty() && !result.sourceFailure) {
+            view_.history().add(stepBack(pictures_.group, target_.group, result.passed));
+        }
+        bringUpToDate(view_, target_.group, newNames(result));
+        tell(result);
+    }
+
+  private:
+    // Whether each picture's name is taken in the target by another one.
+    std::vector<bool> lookForNames() const {
+        if (pictures_.group == target_.group) {
+            return std::vector<bool>(pictures_.names.size());
+        }
+        return app::resultOfLong<std::vector<bool>>(
+            {app::text(kLooking)}, view_.owner(), [this](store::Progress&) {
+                std::set<std::u16string, store::ByName> taken;
+                for (auto& name : store::listPictureNames(view_.library(), target_.group).names) {
+                    taken.insert(std::move(name.text));
+                }
+                std::vector<bool> isTaken;
+                for (const store::PictureName& name : pictures_.names) {
+                    isTaken.push_back(taken.contains(name.text));
+                }
+                return isTaken;
+            });
+    }
+
+    // Nothing when the user wants nothing of it.
+    std::optional<std::vector<store::PassingPicture>> askForNames() const {
+        const std::vector<bool> isTaken = lookForNames();
+        std::vector<store::PictureName> conflicts;
+        for (std::size_t i = 0; i < isTaken.size(); ++i) {
+            if (isTaken[i]) {
+                conflicts.push_back(pictures_.names[i]);
+            }
+        }
+        const auto answers = askForTakenNames(conflicts, target_.name, view_.owner());
+        if (!answers) {
+            return std::nullopt;
+        }
+        std::vector<store::PassingPicture> passing;
+        auto answer = answers->begin();
+        for (std::size_t i = 0; i < isTaken.size(); ++i) {
+            const auto ifTaken = isTaken[i] ? *answer++ : store::IfNameTaken::KeepBoth;
+            if (ifTaken != store::IfNameTaken::Skip) {
+                passing.push_back({pictures_.names[i], ifTaken});
+            }
+        }
+        return passing;
+    }
+
+    void tell(const store::PicturesPassed& result) const {
+        QStringList lines;
+        for (const store::PictureName& name : result.gone) {
+            lines.append(app::text(kGone).arg(textOf(name)));
+        }
+        showSummary(app::text(kLeft), lines, view_.owner());
+        if (result.sourceFailure) {
+            showSummary(app::text(kInBoth), {app::errorText(*result.sourceFailure)}, view_.owner());
+        }
+    }
+
+    LibraryView& view_;
+    const PicturesOfGroup& pictures_;
+    const ArrivalTarget& target_;
+    PassageKind kind_;
+};
+
+} // namespace
+
+void transferPictures(LibraryView& view, const PicturesOfGroup& pictures,
+                      const ArrivalTarget& target, PassageKind kind) {
+    if (pictures.group == target.group && kind == PassageKind::Move) {
+        return;
+    }
+    try {
+        Transfer(view, pictures, target, kind).run();
+    } catch (const std::exception& failure) {
+        const auto* error = dynamic_cast<const compound::Error*>(&failure);
+        if (error == nullptr || error->code() != compound::ErrorCode::Cancelled) {
+            app::msgBox(app::errorText(failure), app::Buttons::Ok, app::kProgramTitle,
+                        view.owner());
+            showWhatIsLeft(view, failure);
+        }
+    }
+}
+
+} // namespace commands

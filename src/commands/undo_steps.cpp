@@ -1,0 +1,81 @@
+#include "commands/undo_steps.h"
+
+#include "app/texts.h"
+#include "commands/library_view.h"
+#include "commands/skipped_files.h"
+#include "compound/error.h"
+#include "platform/desktop_trash.h"
+
+#include <utility>
+
+namespace commands {
+namespace {
+
+constexpr app::TextPair kDeletePicture{u"Bild \"%1\" löschen", u"delete picture \"%1\""};
+constexpr app::TextPair kDeletePictures{u"%1 Bilder löschen", u"delete %1 pictures"};
+constexpr app::TextPair kRenamePicture{u"Bild \"%1\" umbenennen", u"rename picture \"%1\""};
+constexpr app::TextPair kDeleteGroup{u"Gruppe \"%1\" löschen", u"delete group \"%1\""};
+constexpr app::TextPair kRenameGroup{u"Gruppe \"%1\" umbenennen", u"rename group \"%1\""};
+
+QString textOf(const std::u16string& text) {
+    return QString::fromStdU16String(text);
+}
+
+UndoStep::Show showGroup(const store::GroupAddress& group) {
+    return [group](LibraryView& view) {
+        view.FillTreeView();
+        view.TreeViewSelectNode(group);
+        view.Aktualisieren();
+    };
+}
+
+} // namespace
+
+UndoStep picturesDeleted(const store::GroupAddress& group,
+                         std::vector<store::TrashedPicture> deleted) {
+    const QString what = deleted.size() == 1
+                             ? app::text(kDeletePicture).arg(textOf(deleted[0].name.text))
+                             : app::text(kDeletePictures).arg(deleted.size());
+    return {what,
+            [group, deleted = std::move(deleted)](const store::Library& library,
+                                                  store::Progress& progress) -> UndoStep::Show {
+                platform::DesktopTrash trash;
+                auto restored = store::restorePictures(library, group, deleted, trash, progress);
+                if (restored.names.empty() && !restored.missing.empty()) {
+                    throw compound::Error(restored.missing.front());
+                }
+                return [group, restored = std::move(restored)](LibraryView& view) {
+                    view.ShowPictures(group, restored.names);
+                    showFailures(restored.missing, view.owner());
+                };
+            }};
+}
+
+UndoStep pictureRenamed(const store::GroupAddress& group, const store::PictureName& from,
+                        const store::PictureName& to) {
+    return {app::text(kRenamePicture).arg(textOf(from.text)),
+            [=](const store::Library& library, store::Progress&) -> UndoStep::Show {
+                store::renamePicture(library, group, to, from);
+                return [=](LibraryView& view) { view.ShowPictures(group, {from}); };
+            }};
+}
+
+UndoStep groupDeleted(store::TrashedGroup deleted) {
+    return {app::text(kDeleteGroup).arg(textOf(deleted.name.text)),
+            [deleted = std::move(deleted)](const store::Library& library,
+                                           store::Progress& progress) -> UndoStep::Show {
+                platform::DesktopTrash trash;
+                return showGroup(store::restoreGroup(library, deleted, trash, progress));
+            }};
+}
+
+UndoStep groupRenamed(const store::GroupAddress& before, const store::GroupName& from,
+                      const store::GroupAddress& after) {
+    return {app::text(kRenameGroup).arg(textOf(from.text)),
+            [=](const store::Library& library, store::Progress& progress) -> UndoStep::Show {
+                store::renameGroup(library, after, from, progress);
+                return showGroup(before);
+            }};
+}
+
+} // namespace commands

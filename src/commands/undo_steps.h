@@ -1,0 +1,22 @@
+// The changes that commands let the user take back.
+#pragma once
+
+#include "commands/undo_history.h"
+#include "store/group_trash.h"
+#include "store/picture_trash.h"
+
+#include <vector>
+
+namespace commands {
+
+UndoStep picturesDeleted(const store::GroupAddress& group,
+                         std::vector<store::TrashedPicture> deleted);
+UndoStep pictureRenamed(const store::GroupAddress& group, const store::PictureName& from,
+                        const store::PictureName& to);
+UndoStep groupDeleted(store::TrashedGroup deleted);
+
+// `before` and `after` are the group's addresses.
+UndoStep groupRenamed(const store::GroupAddress& before, const store::GroupName& from,
+                      const store::GroupAddress& after);
+
+} // namespace commands
