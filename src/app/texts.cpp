@@ -58,4 +58,8 @@ QString text(const TextPair& pair) {
     return QString::fromUtf16(languageOffset() == 0 ? pair.german : pair.english);
 }
 
+QString counted(std::size_t count, const TextPair& one, const TextPair& many) {
+    return count == 1 ? text(one) : text(many).arg(count);
+}
+
 } // namespace app

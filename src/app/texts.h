@@ -8,6 +8,7 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace app {
@@ -34,6 +35,9 @@ struct TextPair {
     const char16_t* english;
 };
 QString text(const TextPair& pair);
+
+// "1 picture", "25 pictures": `many` with the count at its %1, or `one` as it stands.
+QString counted(std::size_t count, const TextPair& one, const TextPair& many);
 
 // Text ids that several windows use; each window names its own ones itself.
 inline constexpr int kTextNoPicture = 7;

@@ -105,8 +105,7 @@ void DuplicateWatch::take() {
     if (found.arrived == 0) {
         return;
     }
-    QString result =
-        found.arrived == 1 ? app::text(kOneAdded) : app::text(kManyAdded).arg(found.arrived);
+    QString result = app::counted(found.arrived, kOneAdded, kManyAdded);
     if (!found.same.isEmpty()) {
         result += QStringLiteral("; ") + (found.same.size() == 1
                                               ? app::text(kOneSame).arg(found.same.front())

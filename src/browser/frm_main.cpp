@@ -97,12 +97,16 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
     groups_ = std::make_unique<GroupBrowsing>(*tree_, *panel_, watch_);
     menus_ = new MainMenus(menuBar(), dispatcher_, this);
     find_ = new FindPanel(menuBar(), surface_);
-    history_.availabilityChanged = [this](bool any) { menus_->setUndoable(any); };
+    menus_->setPossible(commands::Command::Undo, false);
+    history_.availabilityChanged = [this](bool any) {
+        menus_->setPossible(commands::Command::Undo, any);
+    };
     connectTree();
     connectPanel();
     connectWatch();
     connectFinding();
     carrying_ = new PictureCarrying(*this, *tree_, *panel_, this);
+    carrying_->offerIn(*menus_);
     bindKeys({tree_, panel_->strip(), panel_->list(), menus_});
     setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));
     resize(kInitialSize);
@@ -322,6 +326,10 @@ void frmMain::PicturesArrived(std::function<std::vector<store::PictureAddress>()
     duplicates_->look(*library_, std::move(arrived));
 }
 
+void frmMain::TellResult(const QString& result) {
+    status_->tell(result, {});
+}
+
 void frmMain::changeView(commands::ViewChange change) {
     if (change == commands::ViewChange::Find) {
         find_->start();
@@ -474,14 +482,16 @@ int frmMain::GetNodeIndex(const QString& text) const {
 
 void frmMain::updateMenuState() {
     menus_->setState(selectedGroup() ? commands::Selection::Group : commands::Selection::None);
-    menus_->setEditItem(
+    menus_->setPossible(
+        commands::Command::EditPicture,
         !shownPicture().isNone() &&
-        commands::allowsEditing(panel_->shownType(), commands::EditItemCause::Group));
+            commands::allowsEditing(panel_->shownType(), commands::EditItemCause::Group));
 }
 
 void frmMain::updateEditItem(commands::EditItemCause cause) {
     if (!shownPicture().isNone()) {
-        menus_->setEditItem(commands::allowsEditing(panel_->shownType(), cause));
+        menus_->setPossible(commands::Command::EditPicture,
+                            commands::allowsEditing(panel_->shownType(), cause));
     }
 }
 

@@ -80,6 +80,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void VorschauAktiviert() override;
     void VorschauDeaktiviert() override;
     void PicturesArrived(std::function<std::vector<store::PictureAddress>()> arrived) override;
+    void TellResult(const QString& result) override;
     void changeView(commands::ViewChange change) override;
     void HandOver(const QString& path) override;
     void Exit() override;

@@ -48,6 +48,9 @@ MainMenus::MainMenus(QMenuBar* bar, commands::Dispatcher& dispatcher, QWidget* o
     itemOf(Command::PrintCatalogue)->setShortcut(QKeySequence::Print);
     setState(selection_);
     bar->installEventFilter(this);
+    const QMenu* edit = menus_.at(MenuId::Bearbeiten);
+    connect(edit, &QMenu::aboutToShow, this, &MainMenus::editMenuOpens);
+    connect(edit, &QMenu::aboutToHide, this, &MainMenus::editMenuCloses);
 }
 
 QAction* MainMenus::itemOf(Command command) const {
@@ -120,29 +123,23 @@ void MainMenus::setCaptions() {
 
 void MainMenus::setState(commands::Selection selection) {
     selection_ = selection;
-    for (const Menu& menu : commands::menus()) {
-        for (const MenuItem& item : menu.items) {
-            itemOf(item.command)->setEnabled(commands::isOffered(item.command, selection));
-        }
+    for (const auto& [command, item] : menuActions_) {
+        updateItem(command);
     }
-    updateEditItem();
-    updateThumbnailItems();
-    setUndoable(isUndoable_);
 }
 
-void MainMenus::setEditItem(bool allowed) {
-    isEditingAllowed_ = allowed;
-    updateEditItem();
+void MainMenus::setPossible(Command command, bool isPossible) {
+    if (isPossible) {
+        impossible_.erase(command);
+    } else {
+        impossible_.insert(command);
+    }
+    updateItem(command);
 }
 
-void MainMenus::updateEditItem() {
-    itemOf(Command::EditPicture)
-        ->setEnabled(isEditingAllowed_ && commands::isOffered(Command::EditPicture, selection_));
-}
-
-void MainMenus::setUndoable(bool any) {
-    isUndoable_ = any;
-    itemOf(Command::Undo)->setEnabled(any);
+void MainMenus::updateItem(Command command) {
+    itemOf(command)->setEnabled(!impossible_.contains(command) &&
+                                commands::isOffered(command, selection_));
 }
 
 void MainMenus::setGraphicalPreview(bool on) {
@@ -150,21 +147,12 @@ void MainMenus::setGraphicalPreview(bool on) {
 }
 
 void MainMenus::setThumbnails(const ViewChoices& choices, bool areShown) {
-    choices_ = choices;
-    areThumbnailsShown_ = areShown;
-    updateThumbnailItems();
-}
-
-void MainMenus::updateThumbnailItems() {
-    const int side = choices_.thumbnailSide;
-    itemOf(Command::ThumbnailNames)->setChecked(choices_.hasNames);
-    itemOf(Command::ThumbnailNames)->setEnabled(areThumbnailsShown_);
-    itemOf(Command::LargerThumbnails)
-        ->setEnabled(areThumbnailsShown_ && side != kThumbnailSides.back());
-    itemOf(Command::SmallerThumbnails)
-        ->setEnabled(areThumbnailsShown_ && side != kThumbnailSides.front());
-    itemOf(Command::NormalThumbnails)
-        ->setEnabled(areThumbnailsShown_ && side != kDefaultThumbnailSide);
+    const int side = choices.thumbnailSide;
+    itemOf(Command::ThumbnailNames)->setChecked(choices.hasNames);
+    setPossible(Command::ThumbnailNames, areShown);
+    setPossible(Command::LargerThumbnails, areShown && side != kThumbnailSides.back());
+    setPossible(Command::SmallerThumbnails, areShown && side != kThumbnailSides.front());
+    setPossible(Command::NormalThumbnails, areShown && side != kDefaultThumbnailSide);
 }
 
 void MainMenus::setKeys(Command command, const QList<QKeySequence>& keys,

@@ -14,6 +14,7 @@
 #include <QObject>
 
 #include <map>
+#include <set>
 #include <string_view>
 
 class QAction;
@@ -36,13 +37,11 @@ class MainMenus : public QObject {
     // Enables the items for such a selection.
     void setState(commands::Selection selection);
 
-    // Whether the shown picture can be edited from the menu.
-    void setEditItem(bool allowed);
+    // Whether the command could do anything at present. At first it could, in the eyes of the
+    // menus.
+    void setPossible(commands::Command command, bool isPossible);
 
     void setGraphicalPreview(bool on);
-
-    // Whether there is something that can be taken back.
-    void setUndoable(bool any);
 
     // What can be done about the thumbnails: nothing while there are none.
     void setThumbnails(const ViewChoices& choices, bool areShown);
@@ -60,6 +59,10 @@ class MainMenus : public QObject {
     // Shows a band at that place of the screen.
     void popUp(commands::BandId band, const QPoint& globalPosition);
 
+  signals:
+    void editMenuOpens();
+    void editMenuCloses();
+
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -67,8 +70,7 @@ class MainMenus : public QObject {
     void buildMenu(QMenuBar* bar, const commands::Menu& menu);
     QAction* buildTool(std::string_view key, std::u16string_view caption, QObject* owner);
     void buildBand(const commands::Band& band, QWidget* owner);
-    void updateEditItem();
-    void updateThumbnailItems();
+    void updateItem(commands::Command command);
     QAction* itemOf(commands::Command command) const; // there must be one
     QAction* toolOf(commands::Command command) const;
 
@@ -78,11 +80,8 @@ class MainMenus : public QObject {
     std::map<commands::Command, QAction*> menuActions_; // a command has one item at most
     std::map<commands::Command, QAction*> bandActions_; // and one tool at most
     commands::Selection selection_ = commands::Selection::None;
-    bool isEditingAllowed_ = true;
-    bool isUndoable_ = false;
+    std::set<commands::Command> impossible_;
     QList<QKeySequence> keysOfViews_;
-    ViewChoices choices_;
-    bool areThumbnailsShown_ = true;
 };
 
 } // namespace browser

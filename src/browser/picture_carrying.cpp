@@ -4,7 +4,9 @@
 #include "app/message_box.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "browser/main_menus.h"
 #include "browser/picture_panel.h"
+#include "browser/status_line.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "groups/group_tree.h"
@@ -20,6 +22,11 @@ using commands::ArrivalTarget;
 using commands::PicturesOfGroup;
 using groups::SelectedGroup;
 
+constexpr app::TextPair kOneOnClipboard{u"1 Bild in der Zwischenablage",
+                                        u"1 picture on the clipboard"};
+constexpr app::TextPair kManyOnClipboard{u"%1 Bilder in der Zwischenablage",
+                                         u"%1 pictures on the clipboard"};
+
 store::PassageKind passageFor(Carrying carrying) {
     return carrying == Carrying::ToMove ? store::PassageKind::Move : store::PassageKind::Copy;
 }
@@ -33,6 +40,29 @@ PictureCarrying::PictureCarrying(commands::LibraryView& view, groups::GroupTree&
     watchTree();
     watchPictures(panel_.strip());
     watchPictures(panel_.listArea());
+}
+
+void PictureCarrying::offerIn(MainMenus& menus) {
+    using commands::Command;
+    const auto offerPicture = [&menus](bool any) {
+        menus.setPossible(Command::CutPictures, any);
+        menus.setPossible(Command::CopyPictures, any);
+    };
+    const auto offerAll = [&menus](bool any) { menus.setPossible(Command::SelectAll, any); };
+    offerPicture(false);
+    offerAll(false);
+    connect(&panel_, &PicturePanel::pictureShown, &menus, offerPicture);
+    connect(&panel_, &PicturePanel::pagesShown, &menus,
+            [offerAll](const ShownPages& pages) { offerAll(pages.pictures > 0); });
+    connect(&panel_, &PicturePanel::nothingShown, &menus, [offerAll] { offerAll(false); });
+    // What is on the clipboard is another program's matter, which may take its time to answer: it
+    // is asked when the user looks. The key does not wait for that.
+    connect(&menus, &MainMenus::editMenuOpens, &menus, [&menus] {
+        const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+        menus.setPossible(Command::PastePictures, data != nullptr && mayHoldPictures(*data));
+    });
+    connect(&menus, &MainMenus::editMenuCloses, &menus,
+            [&menus] { menus.setPossible(Command::PastePictures, true); });
 }
 
 void PictureCarrying::watchTree() {
@@ -82,6 +112,7 @@ void PictureCarrying::copy(Carrying carrying) {
             carry(view_.library(), pictures, carrying,
                   app::settings().restoredTemporaryFolderPath(), view_.owner())
                 .release());
+        view_.TellResult(app::counted(pictures.names.size(), kOneOnClipboard, kManyOnClipboard));
     } catch (const std::exception& failure) {
         commands::reportFailure(view_,
                                 commands::contextOf(view_.selectedGroup(), view_.shownPicture()),

@@ -17,6 +17,7 @@ struct SelectedGroup;
 
 namespace browser {
 
+class MainMenus;
 class PicturePanel;
 
 class PictureCarrying : public QObject {
@@ -26,6 +27,9 @@ class PictureCarrying : public QObject {
     // All must outlive it.
     PictureCarrying(commands::LibraryView& view, groups::GroupTree& tree, PicturePanel& panel,
                     QWidget* owner);
+
+    // Offers in the menus what can be done, from now on.
+    void offerIn(MainMenus& menus);
 
     // The selected pictures, or the shown one, go to the clipboard; nothing without any. With
     // ToMove pasting takes them away from their group.

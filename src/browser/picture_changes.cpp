@@ -2,6 +2,7 @@
 #include "browser/large_preview.h"
 #include "browser/picture_list.h"
 #include "browser/picture_panel.h"
+#include "browser/status_line.h"
 #include "browser/thumbnail_layout.h"
 #include "browser/thumbnail_strip.h"
 
@@ -53,6 +54,8 @@ bool PicturePanel::takeChanges(const groups::GroupContent& content) {
         lvwInfo_->update(content.entries);
     }
     takeSelected(content.selected);
+    emit pagesShown({listed_.names.size(), GraphicalPreview_ ? imgScroll_->value() : 1,
+                     GraphicalPreview_ ? imgScroll_->maximum() : 1});
     emit menuStateWanted();
     return true;
 }

@@ -341,6 +341,7 @@ void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
     selection_.setCurrent(picture.nameText());
     strip_->mark(selection_.current(), selection_.all());
     strip_->setAccessibleDescription(picture.caption());
+    emit pictureShown(picture.name().has_value());
 }
 
 void PicturePanel::SelectPicture() {

@@ -130,6 +130,7 @@ class PicturePanel : public QObject {
   signals:
     void pagesShown(const browser::ShownPages& pages); // of the shown group
     void nothingShown();                               // no group is shown
+    void pictureShown(bool any);                       // another one, or none
     void pictureDescribed(const QString& sizes);       // of the shown picture; empty for none
     void thumbnailsChanged(); // their size or names, or whether there are any
     void menuStateWanted();

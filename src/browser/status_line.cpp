@@ -45,9 +45,8 @@ void StatusLine::cut() {
 }
 
 void StatusLine::showPages(const ShownPages& pages) {
-    QString text = pages.pictures == 0   ? app::text(kNone)
-                   : pages.pictures == 1 ? app::text(kOne)
-                                         : app::text(kMany).arg(pages.pictures);
+    QString text =
+        pages.pictures == 0 ? app::text(kNone) : app::counted(pages.pictures, kOne, kMany);
     if (pages.pages > 1) {
         text += QStringLiteral(", ") + app::text(kPage).arg(pages.page).arg(pages.pages);
     }

@@ -25,6 +25,8 @@ constexpr app::TextPair kDeleteMany{
 constexpr app::TextPair kDeletingOne{u"Das Bild wird gelöscht", u"The picture is being deleted"};
 constexpr app::TextPair kDeletingMany{u"Die Bilder werden gelöscht",
                                       u"The pictures are being deleted"};
+constexpr app::TextPair kDeletedOne{u"1 Bild gelöscht", u"1 picture deleted"};
+constexpr app::TextPair kDeletedMany{u"%1 Bilder gelöscht", u"%1 pictures deleted"};
 
 using Names = std::vector<store::PictureName>;
 
@@ -102,11 +104,13 @@ void deleteConfirmed(const CommandCall& call, const store::GroupAddress& group,
         }
         deletion = deleteBeside(call, group, pictures, Trash::LeftAlone);
     }
+    const std::size_t count = deletion.deleted.size();
     const auto isKept = [](const store::TrashedPicture& picture) { return !picture.file.empty(); };
     if (std::any_of(deletion.deleted.begin(), deletion.deleted.end(), isKept)) {
         call.view.history().add(picturesDeleted(group, std::move(deletion.deleted)));
     }
     call.view.PictureDeleted(group, deletion.beside);
+    call.view.TellResult(app::counted(count, kDeletedOne, kDeletedMany));
 }
 
 // The selected pictures that are there; one that went behind the window's back is taken off the

@@ -28,6 +28,7 @@ constexpr app::TextPair kOneBelow{u"Ihre Untergruppe wird mitgelöscht.",
                                   u"Its sub-group is deleted as well."};
 constexpr app::TextPair kManyBelow{u"Ihre %1 Untergruppen werden mitgelöscht.",
                                    u"Its %1 sub-groups are deleted as well."};
+constexpr app::TextPair kDeleted{u"Gruppe %1 gelöscht", u"Group %1 deleted"};
 constexpr app::TextPair kDeleting{u"Die Gruppe wird gelöscht", u"The group is being deleted"};
 
 void sayThatNoGroupIsSelected(const CommandCall& call) {
@@ -74,6 +75,7 @@ void deleteConfirmed(const CommandCall& call, const store::GroupAddress& group) 
     }
     call.view.TreeViewRemove(group);
     call.view.SelectFirstGroup();
+    call.view.TellResult(app::text(kDeleted).arg(call.selection.groupName));
 }
 
 // From the menu a folder becomes a group below whatever group is selected.

@@ -123,6 +123,9 @@ class LibraryView {
     virtual void VorschauAktiviert() = 0;
     virtual void VorschauDeaktiviert() = 0;
 
+    // Says in a line of the window, to whoever looks there, what a command has done.
+    virtual void TellResult(const QString& /*result*/) {}
+
     virtual void changeView(ViewChange /*change*/) {}
 
     // Keeps the path of a copied picture as the hand-over value and lets whoever drives the program

@@ -23,6 +23,10 @@ constexpr app::TextPair kCopying{u"Die Bilder werden kopiert", u"The pictures ar
 constexpr app::TextPair kMoving{u"Die Bilder werden verschoben", u"The pictures are being moved"};
 constexpr app::TextPair kStepOne{u"Bild \"%1\" verschieben", u"move picture \"%1\""};
 constexpr app::TextPair kStepMany{u"%1 Bilder verschieben", u"move %1 pictures"};
+constexpr app::TextPair kCopiedOne{u"1 Bild nach %1 kopiert", u"1 picture copied to %1"};
+constexpr app::TextPair kCopiedMany{u"%1 Bilder nach %2 kopiert", u"%1 pictures copied to %2"};
+constexpr app::TextPair kMovedOne{u"1 Bild nach %1 verschoben", u"1 picture moved to %1"};
+constexpr app::TextPair kMovedMany{u"%1 Bilder nach %2 verschoben", u"%1 pictures moved to %2"};
 constexpr app::TextPair kGone{u"Das Bild \"%1\" war nicht mehr da.",
                               u"The picture \"%1\" was not there any more."};
 constexpr app::TextPair kInBoth{u"Die Bilder sind jetzt in beiden Gruppen:",
@@ -96,6 +100,12 @@ class Transfer {
             view_.history().add(stepBack(pictures_.group, target_.group, result.passed));
         }
         bringUpToDate(view_, target_.group, newNames(result));
+        if (!result.passed.empty() && !result.sourceFailure) {
+            const bool isMove = kind_ == PassageKind::Move;
+            view_.TellResult(app::counted(result.passed.size(), isMove ? kMovedOne : kCopiedOne,
+                                          isMove ? kMovedMany : kCopiedMany)
+                                 .arg(target_.name));
+        }
         tell(result);
     }
 

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t kMostSteps = 100;
 constexpr app::TextPair kUndoing{u"Wird rückgängig gemacht: %1", u"Undoing: %1"};
+constexpr app::TextPair kUndone{u"Rückgängig gemacht: %1", u"Undone: %1"};
 constexpr app::TextPair kFailed{u"%1 kann nicht rückgängig gemacht werden.", u"Cannot undo: %1."};
 
 bool maySucceedLater(const std::exception& failure) {
@@ -69,10 +70,12 @@ void UndoHistory::undoLast(LibraryView& view) {
         }
         return;
     }
+    const QString what = step.what;
     drop();
     if (show) {
         show(view);
     }
+    view.TellResult(app::text(kUndone).arg(what));
 }
 
 } // namespace commands

@@ -236,6 +236,45 @@ TEST_F(Keyboard, EveryKeyStandsInAMenuOnce) {
     EXPECT_TRUE(find<QLineEdit>("txtFind")->hasFocus());
 }
 
+// In the menus Undo, Cut, Copy, Paste and Select all.
+TEST_F(Keyboard, TheEditMenuOffersWhatCanBeDone) {
+    makeGroup("Leer");
+    startTwoDeep({"P1", "P2"});
+    QGuiApplication::clipboard()->setText("no picture");
+    const auto offered = [this] {
+        auto* menu = find<QMenu>("Men_Bearbeiten");
+        menu->popup({});
+        QString letters;
+        for (const auto& [index, letter] :
+             {std::pair{11, 'u'}, {12, 'x'}, {13, 'c'}, {14, 'v'}, {15, 'a'}}) {
+            const auto* item = find<QAction>(QString("Men_Bearbeiten_%1").arg(index));
+            EXPECT_FALSE(item->shortcut().isEmpty());
+            letters += item->isEnabled() ? letter : '-';
+        }
+        menu->close();
+        return letters;
+    };
+    EXPECT_EQ(offered(), "-xc-a");
+    press(strip(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(offered(), "-xcva");
+    clickNode("Leer");
+    EXPECT_EQ(offered(), "---v-");
+    press(tree(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(label(), "P1");
+    EXPECT_EQ(offered(), "-xcva");
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    press(strip(), Qt::Key_Delete);
+    EXPECT_EQ(offered(), "u--v-");
+    press(strip(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(offered(), "-xcva");
+    QGuiApplication::clipboard()->clear();
+    store::removeGroupFile(library(), {u"Leer"});
+    store::removeGroupFile(library(), {u"Pumpen"});
+    window().lookForChanges();
+    settle();
+    EXPECT_EQ(offered(), "-----");
+}
+
 // What tree and pictures do with a key is not meant by whoever has gone to the menu bar with Alt.
 TEST_F(Keyboard, KeysOfTheViewsDoNothingInTheMenuBar) {
     startTwoDeep({"P1"});

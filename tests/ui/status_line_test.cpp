@@ -45,6 +45,54 @@ TEST_P(StatusLineTest, CountsTheShownGroupsPicturesInBothViews) {
     EXPECT_EQ(numbers(), three);
 }
 
+TEST_P(StatusLineTest, CountsWhatOthersAdd) {
+    const auto group = makeGroup("Pumpen");
+    addPicture(group, "P1");
+    start();
+    clickNode("Pumpen");
+    for (const bool isList : {false, true}) {
+        addPicture(group, isList ? "P3" : "P2");
+        window().lookForChanges();
+        settle();
+        EXPECT_TRUE(numbers().endsWith(isList ? say("3 Bilder", "3 pictures")
+                                              : say("2 Bilder", "2 pictures")));
+        trigger("Men_Extras_0");
+        settle();
+    }
+}
+
+TEST_P(StatusLineTest, TellsWhatACommandHasDone) {
+    const auto group = makeGroup("Pumpen");
+    const auto other = makeGroup("Ventile");
+    addPicture(group, "P1");
+    addPicture(group, "P2");
+    start();
+    clickNode("Pumpen");
+    const auto after = [this](const char* item) {
+        trigger(item);
+        settle();
+        return result();
+    };
+    trigger("Men_Bearbeiten_15");
+    EXPECT_EQ(after("Men_Bearbeiten_13"),
+              say("2 Bilder in der Zwischenablage", "2 pictures on the clipboard"));
+    clickNode("Ventile");
+    EXPECT_EQ(after("Men_Bearbeiten_14"),
+              say("2 Bilder nach Ventile kopiert", "2 pictures copied to Ventile"));
+    const MessageBoxScript yes({}, app::kAnswerYes);
+    EXPECT_EQ(after("Men_Bearbeiten_3"), say("2 Bilder gelöscht", "2 pictures deleted"));
+    EXPECT_EQ(after("Men_Bearbeiten_11"),
+              say("Rückgängig gemacht: 2 Bilder löschen", "Undone: delete 2 pictures"));
+    clickNode("Pumpen");
+    after("Men_Bearbeiten_12");
+    clickNode("Ventile");
+    store::deletePicture(library(), other, {u"P1"});
+    store::deletePicture(library(), other, {u"P2"});
+    EXPECT_EQ(after("Men_Bearbeiten_14"),
+              say("1 Bild nach Ventile verschoben", "1 picture moved to Ventile"));
+    EXPECT_EQ(after("Men_Bearbeiten_8"), say("Gruppe Ventile gelöscht", "Group Ventile deleted"));
+}
+
 TEST_P(StatusLineTest, TellsWhatHasComeAndWhereItWasAlready) {
     const auto group = makeGroup("Pumpen");
     const auto other = makeGroup("Ventile");
