@@ -1,5 +1,6 @@
 #include "browser/find_field.h"
 
+#include "app/colours.h"
 #include "app/texts.h"
 #include "browser/main_layout.h"
 
@@ -29,6 +30,7 @@ FindField::FindField(QMenuBar* bar) : bar_(bar), corner_(new QWidget(bar)) {
     setObjectName(QStringLiteral("txtFind"));
     setClearButtonEnabled(true);
     setFocusPolicy(Qt::ClickFocus); // beside its key: Tab goes round in the window as ever
+    colourHint();
     fit(bar->width());
 }
 
@@ -51,6 +53,24 @@ void FindField::fit(int barWidth) {
         corner_->layout()->activate();
         // Else the bar keeps the place for the former size.
         bar_->setCornerWidget(corner_, Qt::TopRightCorner);
+    }
+}
+
+// Not every theme chooses a colour for such hints that stands out from a dark field.
+void FindField::changeEvent(QEvent* event) {
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        colourHint();
+    }
+}
+
+void FindField::colourHint() {
+    QPalette colours = palette();
+    const QColor hint =
+        app::between(colours.color(QPalette::Text), colours.color(QPalette::Base), 0.4);
+    if (colours.color(QPalette::PlaceholderText) != hint) {
+        colours.setColor(QPalette::PlaceholderText, hint);
+        setPalette(colours);
     }
 }
 

@@ -30,8 +30,11 @@ class FindField : public QLineEdit {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
+    void colourHint();
+
     QMenuBar* bar_;
     QWidget* corner_; // the field, and the window's margin beside it
     QSize size_;

@@ -70,7 +70,8 @@ class FindResults::Model : public QAbstractListModel {
         const finding::Match& found = match(index.row());
         switch (role) {
         case Qt::DisplayRole:
-            return QString(found.name + u'\n' + found.path);
+            return QString(cut(found.name, Qt::ElideMiddle) + u'\n' +
+                           cut(found.path, Qt::ElideLeft)); // its end is the group's name
         case Qt::ToolTipRole:
         case Qt::AccessibleTextRole:
             return QString(found.name + QLatin1String(", ") + found.path);
@@ -84,6 +85,10 @@ class FindResults::Model : public QAbstractListModel {
     }
 
   private:
+    QString cut(const QString& line, Qt::TextElideMode mode) const {
+        return results_->list_->fontMetrics().elidedText(line, mode, kTextWidth - 2 * kPadding);
+    }
+
     QVariant decorationOf(const finding::Match& found) const {
         if (!found.picture) {
             return groups::groupIcon(groups::GroupMark::None);
@@ -129,7 +134,6 @@ FindResults::FindResults(QWidget* parent)
     list_->setMovement(QListView::Static);
     list_->setResizeMode(QListView::Adjust);
     list_->setUniformItemSizes(true);
-    list_->setTextElideMode(Qt::ElideRight);
     const QSize side = ThumbnailStrip::pictureArea().toSize();
     list_->setIconSize(side);
     list_->setGridSize(
@@ -186,7 +190,7 @@ void FindResults::updateStatus() {
     if (result.total > shown) {
         text = app::text(kFirst).arg(shown).arg(result.total);
     } else if (shown > 0) {
-        text = shown == 1 ? app::text(kOne) : app::text(kSeveral).arg(shown);
+        text = app::counted(shown, kOne, kSeveral);
     }
     if (progress_.isReading) {
         text += app::text(kReading).arg(progress_.read).arg(progress_.all);
