@@ -60,7 +60,9 @@ struct Findings {
 bool isNamedAsPicture(const std::filesystem::path& file) {
     const std::u16string name = base::fromPath(file.filename());
     const auto endsIn = [&](std::string_view ending) {
-        return store::endsWithIgnoringCase(name, u"." + base::fromUtf8(ending));
+        std::u16string suffix = base::fromUtf8(ending);
+        suffix.insert(suffix.begin(), u'.');
+        return store::endsWithIgnoringCase(name, suffix);
     };
     return std::any_of(base::kTypeCodes.begin(), base::kTypeCodes.end(), endsIn) || endsIn("jpeg");
 }
