@@ -187,8 +187,10 @@ bool AllocationTable::isFreeInside(std::uint32_t index, std::uint32_t at) {
 AllocationTable::Run AllocationTable::runIn(std::uint32_t index, std::uint32_t enough) {
     Run longest;
     std::uint32_t length = 0;
+    const Range& range = load(index);
     for (std::uint32_t at = 0; at < perSector_ && longest.length < enough; ++at) {
-        length = isFreeInside(index, at) ? length + 1 : 0;
+        const bool isFree = range.at(at) == kFreeSector && isFreeInside(index, at);
+        length = isFree ? length + 1 : 0;
         if (length > longest.length) {
             longest = {at + 1 - length, length};
         }

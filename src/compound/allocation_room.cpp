@@ -16,9 +16,8 @@ std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count
         free = freeIn(index) + (which == Free::AfterCommit ? range.pending : 0);
         return free > kKeptForFat ? free - kKeptForFat : 0;
     }
-    for (std::uint32_t at = 0; at < perSector_; ++at) {
-        const std::uint32_t sector = index * perSector_ + at;
-        if (range.at(at) == kFreeSector && sector < count && isUsable(sector) &&
+    for (std::uint32_t at = 0, sector = index * perSector_; sector < count; ++at, ++sector) {
+        if (range.at(at) == kFreeSector && isUsable(sector) &&
             (which == Free::AfterCommit || !pending_.contains(sector))) {
             ++free;
         }

@@ -91,6 +91,7 @@ class NativeFile final : public DiskFile {
 
   private:
     void find();
+    bool reserve(std::uint64_t from, std::uint64_t to);
     void startSending(std::uint64_t offset, std::size_t length) noexcept;
     bool tryLock();
     bool waitForLock(std::chrono::milliseconds wait);
@@ -200,22 +201,38 @@ std::uint64_t NativeFile::size() {
     return static_cast<std::uint64_t>(status.st_size);
 }
 
+// A little is written as zeros: what is put there soon lies in one piece with what stands before it
+// then, while the system keeps a place that was only reserved as a piece of its own.
 void NativeFile::extend(std::uint64_t to) {
+    constexpr std::uint64_t kLittle = std::uint64_t{64} << 10U;
     const std::uint64_t from = size();
-    while (to > from && ::fallocate(descriptor(), 0, static_cast<off_t>(from),
-                                    static_cast<off_t>(to - from)) != 0) {
-        const int cause = errno;
-        if (cause == EINTR) {
-            continue;
+    if (to <= from) {
+        return;
+    }
+    try {
+        if (to - from <= kLittle || !reserve(from, to)) {
+            DiskFile::extend(to);
         }
+    } catch (...) {
         if (size() > from) { // a part of it was given
             truncate(from);
         }
-        if (cause == EOPNOTSUPP) {
-            return DiskFile::extend(to);
-        }
-        throw systemError(cause, path_, "write");
+        throw;
     }
+}
+
+// False where the file system cannot.
+bool NativeFile::reserve(std::uint64_t from, std::uint64_t to) {
+    while (::fallocate(descriptor(), 0, static_cast<off_t>(from), static_cast<off_t>(to - from)) !=
+           0) {
+        if (errno == EOPNOTSUPP) {
+            return false;
+        }
+        if (errno != EINTR) {
+            throw systemError(errno, path_, "write");
+        }
+    }
+    return true;
 }
 
 bool NativeFile::tryLock() {

@@ -61,6 +61,13 @@ void storePicture(const Library& library, StorageAccess& access, const GroupAddr
     putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
 }
 
+// Looks for the file only when an error has to name it.
+void requireValidName(const Library& library, const GroupAddress& group, const PictureName& name) {
+    if (!isValidPictureName(name.text)) {
+        requireValidPictureName(pathOf(library, group.file), name);
+    }
+}
+
 void refuseExisting(StorageAccess& access, const PictureName& name, IfPictureExists ifExists) {
     if (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text)) {
         throw Error(ErrorCode::Exists, access.file().disk().path(),
@@ -113,7 +120,7 @@ void PictureBatch::commit() {
 
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,
                 const std::filesystem::path& source, IfPictureExists ifExists) {
-    requireValidPictureName(pathOf(library, group.file), name);
+    requireValidName(library, group, name);
     const PictureSource read = readPictureSource(library, source);
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
@@ -180,7 +187,7 @@ std::string readPictureType(const Library& library, const GroupAddress& group,
 
 void renamePicture(const Library& library, const GroupAddress& group, const PictureName& from,
                    const PictureName& to) {
-    requireValidPictureName(pathOf(library, group.file), to);
+    requireValidName(library, group, to);
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     const Element picture = requirePicture(access, from);

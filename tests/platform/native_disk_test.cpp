@@ -296,6 +296,56 @@ TEST_F(NativeDiskTest, tellsOfAFileThatGrowsPastTheLimit) {
     EXPECT_EQ(code, ErrorCode::TooLarge);
 }
 
+// Little and much go different ways.
+TEST_F(NativeDiskTest, lengthensAFileByZerosThatHaveTheirPlace) {
+    const auto file = nativeDisk().create(at("a"));
+    file->write(0, bytesOf("head"));
+    for (const std::uint64_t size :
+         {4096ULL, 12288ULL, 77824ULL, 143361ULL, 5000000ULL, 5000001ULL}) {
+        file->extend(size);
+        ASSERT_EQ(file->size(), size);
+        file->sync();
+        struct stat status {};
+        ASSERT_EQ(::stat(at("a").c_str(), &status), 0);
+        EXPECT_GE(static_cast<std::uint64_t>(status.st_blocks) * 512, size);
+    }
+    file->extend(100);
+    EXPECT_EQ(file->size(), 5000001U);
+    EXPECT_EQ(read("a"), "head" + std::string(5000001 - 4, '\0'));
+}
+
+TEST_F(NativeDiskTest, leavesAFileThatCannotBeLengthenedAsItWas) {
+    const auto file = nativeDisk().create(at("a"));
+    file->write(0, bytesOf("head"));
+    struct rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const struct rlimit small { 4096, before.rlim_max };
+    for (const std::uint64_t size : {8192ULL, 5000000ULL}) {
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+        const ErrorCode code = codeOf([&] { file->extend(size); });
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_EQ(code, ErrorCode::TooLarge);
+        EXPECT_EQ(read("a"), "head");
+    }
+}
+
+// As a batch writes them: enough in a row to be handed to the medium on the way, back and forth.
+TEST_F(NativeDiskTest, keepsWhatIsWrittenInARow) {
+    constexpr std::size_t kPart = 300000;
+    constexpr std::size_t kParts = 12;
+    const auto file = nativeDisk().create(at("a"));
+    std::string expected(kParts * kPart, '-');
+    file->write(0, bytesOf(expected));
+    for (std::size_t i = 0; i < kParts; ++i) {
+        const std::size_t part = i < kParts / 2 ? i : kParts + kParts / 2 - 1 - i;
+        const std::string text(kPart, static_cast<char>('a' + i));
+        file->write(part * kPart, bytesOf(text));
+        expected.replace(part * kPart, kPart, text);
+    }
+    file->sync();
+    EXPECT_EQ(read("a"), expected);
+}
+
 TEST_F(NativeDiskTest, writesPartsOneBehindTheOther) {
     const auto file = nativeDisk().create(at("a"));
     std::vector<std::string> texts;
