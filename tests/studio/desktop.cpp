@@ -218,9 +218,21 @@ bool Desktop::hasKeyboard(std::uint32_t window) const {
 }
 
 void Desktop::click(std::uint32_t window, QPoint position) const {
+    point(window, position);
+    run("xdotool", {"click", "1"});
+}
+
+void Desktop::point(std::uint32_t window, QPoint position) const {
     const QPoint place = placeOf(window).topLeft() + position;
-    run("xdotool",
-        {"mousemove", QString::number(place.x()), QString::number(place.y()), "click", "1"});
+    run("xdotool", {"mousemove", QString::number(place.x()), QString::number(place.y())});
+}
+
+void Desktop::hold() const {
+    run("xdotool", {"mousedown", "1"});
+}
+
+void Desktop::letGo() const {
+    run("xdotool", {"mouseup", "1"});
 }
 
 void Desktop::press(const QStringList& keys) const {

@@ -46,6 +46,9 @@ class Desktop {
 
     // --- The user's hands
     void click(std::uint32_t window, QPoint position) const;
+    void point(std::uint32_t window, QPoint position) const; // moves the mouse there
+    void hold() const;                                       // its left button down
+    void letGo() const;
     void press(const QStringList& keys) const;
 
   private:
