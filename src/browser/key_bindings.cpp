@@ -14,7 +14,7 @@ void bindKeys(const KeyTargets& targets) {
     menus.setKeys(Command::DeleteGroup, {Qt::Key_Delete}, {targets.tree});
     menus.setKeys(Command::RenamePicture, {Qt::Key_F2}, {targets.strip});
     menus.setKeys(Command::DeletePicture, {Qt::Key_Delete}, {targets.strip, targets.list});
-    menus.setKeys(Command::EditPicture, {Qt::Key_Return}, {}); // the views know of what
+    menus.setKeys(Command::EditPicture, {Qt::Key_Enter, Qt::Key_Return}, {}); // the views do it
     menus.setKeys(Command::Undo, QKeySequence::keyBindings(QKeySequence::Undo));
     menus.setKeys(Command::CutPictures, QKeySequence::keyBindings(QKeySequence::Cut));
     menus.setKeys(Command::CopyPictures, QKeySequence::keyBindings(QKeySequence::Copy));

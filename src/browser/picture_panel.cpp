@@ -28,8 +28,7 @@ constexpr app::TextPair kPreviewName{u"Vorschau", u"Preview"};
 
 // "640 × 480, 12 KB"; without the first part for a picture whose record is missing.
 QString sizesOf(const store::PictureEntry& picture) {
-    constexpr std::uint64_t kKilobyte = 1024;
-    const QString bytes = QStringLiteral("%1 KB").arg((picture.bytes + kKilobyte - 1) / kKilobyte);
+    const QString bytes = kilobytesRoundedUp(picture.bytes);
     const store::PictureRecord& record = picture.record;
     if (!(record.width > 0) || !(record.height > 0)) {
         return bytes;
@@ -99,6 +98,8 @@ void PicturePanel::connectList() {
                     emit picturePopUpWanted(position);
                 }
             });
+    connect(lvwInfo_, &PictureList::itemSelectionChanged, this, &PicturePanel::describeSelection);
+    connect(&selectedBytes_, &app::Job::done, this, &PicturePanel::describeSelectedBytes);
     connect(lvwInfo_, &PictureList::dragWanted, this, &PicturePanel::dragWanted);
     connect(lvwInfo_, &PictureList::activatedByKey, this, &PicturePanel::editWantedByKey);
     connect(lvwInfo_, &PictureList::renameWanted, this, &PicturePanel::renamed);
@@ -145,12 +146,14 @@ void PicturePanel::setTabOrderAfter(QWidget* before) {
 }
 
 bool PicturePanel::isSettled() const {
-    return !Timer1_->isActive() && !loader_.isBusy() && !imgVorschau_->isBusy();
+    return !Timer1_->isActive() && !loader_.isBusy() && !imgVorschau_->isBusy() &&
+           !selectedBytes_.isBusy();
 }
 
 void PicturePanel::stopLoading() {
     Timer1_->stop();
     loader_.stop();
+    selectedBytes_.drop();
     imgVorschau_->showNothing();
 }
 
@@ -370,13 +373,16 @@ void PicturePanel::choose(const store::PictureName& picture) {
             showStored(store::describePicture(*library_, *group_, picture));
         }
     } catch (const std::exception&) {
+        shownSizes_.clear();
+        describeSelection();
         imgVorschau_->showUndecodable();
     }
 }
 
 void PicturePanel::showStored(const store::PictureEntry& picture) {
     shownType_ = QString::fromStdString(picture.record.type);
-    emit pictureDescribed(sizesOf(picture));
+    shownSizes_ = sizesOf(picture);
+    describeSelection();
     imgVorschau_->load([library = *library_, group = *group_, name = picture.name] {
         return store::readPicture(library, group, name).bytes;
     });
@@ -401,7 +407,8 @@ QWidget* PicturePanel::listArea() const {
 void PicturePanel::ClearVorschau() {
     imgVorschau_->showNothing();
     shownType_.clear();
-    emit pictureDescribed({});
+    shownSizes_.clear();
+    describeSelection();
 }
 
 void PicturePanel::NoPictures() {

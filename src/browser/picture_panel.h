@@ -4,6 +4,7 @@
 // Reading is silent: a group or picture that cannot be read leaves its view empty.
 #pragma once
 
+#include "app/job.h"
 #include "browser/main_layout.h"
 #include "browser/picture_selection.h"
 #include "browser/thumbnail_loader.h"
@@ -131,7 +132,7 @@ class PicturePanel : public QObject {
     void pagesShown(const browser::ShownPages& pages); // of the shown group
     void nothingShown();                               // no group is shown
     void pictureShown(bool any);                       // another one, or none
-    void pictureDescribed(const QString& sizes);       // of the shown picture; empty for none
+    void pictureDescribed(const QString& sizes);       // of what is selected; empty for nothing
     void thumbnailsChanged(); // their size or names, or whether there are any
     void menuStateWanted();
     void editItemWanted(commands::EditItemCause cause);
@@ -165,6 +166,9 @@ class PicturePanel : public QObject {
     void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
+    QStringList selectedNames() const; // as far as they are listed
+    void describeSelection();
+    void describeSelectedBytes();
     void showAgain();
     void turnToShownPicture();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
@@ -195,6 +199,8 @@ class PicturePanel : public QObject {
     commands::ShownPicture shownPicture_;
     PictureSelection selection_; // among the thumbnails
     QString shownType_;
+    QString shownSizes_;
+    app::JobFor<std::uint64_t> selectedBytes_; // of several pictures; 0 if that is not to be found
     bool GraphicalPreview_ = true;
 };
 

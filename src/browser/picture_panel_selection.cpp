@@ -1,9 +1,19 @@
 // The panel's part that deals with several selected pictures.
+#include "app/texts.h"
 #include "browser/picture_list.h"
 #include "browser/picture_panel.h"
+#include "browser/status_line.h"
 #include "browser/thumbnail_strip.h"
+#include "store/picture_operations.h"
+
+#include <set>
 
 namespace browser {
+namespace {
+
+constexpr app::TextPair kSelected{u"%1 ausgewählt", u"%1 selected"};
+
+} // namespace
 
 QStringList PicturePanel::order() const {
     QStringList names;
@@ -26,6 +36,7 @@ void PicturePanel::banded(const QStringList& covered, const QSet<QString>& befor
         emit editItemWanted(commands::EditItemCause::Thumbnail);
     } else {
         strip_->mark(selection_.current(), selection_.all());
+        describeSelection();
     }
 }
 
@@ -46,6 +57,7 @@ void PicturePanel::selectAll() {
     }
     selection_.chooseAll(order());
     strip_->mark(selection_.current(), selection_.all());
+    describeSelection();
 }
 
 void PicturePanel::select(const std::vector<store::PictureName>& pictures) {
@@ -68,6 +80,51 @@ void PicturePanel::select(const std::vector<store::PictureName>& pictures) {
         FillListView(*group_);
         lvwInfo_->select(names);
         choose(pictures.front());
+    }
+}
+
+QStringList PicturePanel::selectedNames() const {
+    if (!GraphicalPreview_) {
+        return lvwInfo_->selectedNames();
+    }
+    if (selection_.all().size() < 2) {
+        return {selection_.current()};
+    }
+    QStringList names;
+    for (const store::PictureName& name : listed_.names) {
+        names.append(QString::fromStdU16String(name.text));
+    }
+    return selection_.among(names);
+}
+
+void PicturePanel::describeSelection() {
+    selectedBytes_.drop();
+    const QStringList names = selectedNames();
+    if (names.size() < 2 || library_ == nullptr || !group_) {
+        emit pictureDescribed(shownSizes_);
+        return;
+    }
+    emit pictureDescribed(app::text(kSelected).arg(names.size()));
+    selectedBytes_.start([library = *library_, group = *group_,
+                          selected = std::set<QString>(names.begin(), names.end())] {
+        std::uint64_t bytes = 0;
+        try {
+            for (const store::PictureEntry& picture : store::listPictures(library, group)) {
+                const bool isSelected =
+                    selected.contains(QString::fromStdU16String(picture.name.text));
+                bytes += isSelected ? picture.bytes : 0;
+            }
+        } catch (const std::exception&) {
+            bytes = 0;
+        }
+        return bytes;
+    });
+}
+
+void PicturePanel::describeSelectedBytes() {
+    if (const std::uint64_t bytes = selectedBytes_.result(); bytes > 0) {
+        emit pictureDescribed(app::text(kSelected).arg(selectedNames().size()) +
+                              QStringLiteral(", ") + kilobytesRoundedUp(bytes));
     }
 }
 

@@ -16,6 +16,11 @@ constexpr int kSpacing = 16;
 
 } // namespace
 
+QString kilobytesRoundedUp(std::uint64_t bytes) {
+    constexpr std::uint64_t kKilobyte = 1024;
+    return QStringLiteral("%1 KB").arg((bytes + kKilobyte - 1) / kKilobyte);
+}
+
 StatusLine::StatusLine(QWidget* parent)
     : QWidget(parent),
       lblErgebnis_(app::makePlainLabel("lblErgebnis", this)),

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <cstdint>
 
 namespace browser {
 
@@ -14,6 +15,8 @@ struct ShownPages {
     int page = 1;
     int pages = 1;
 };
+
+QString kilobytesRoundedUp(std::uint64_t bytes); // "12 KB"
 
 class StatusLine : public QWidget {
     Q_OBJECT

@@ -61,6 +61,42 @@ TEST_P(StatusLineTest, CountsWhatOthersAdd) {
     }
 }
 
+TEST_P(StatusLineTest, AddsUpWhatIsSelected) {
+    const auto group = makeGroup("Pumpen");
+    for (int i = 0; i < 5; ++i) {
+        addPicture(group, QStringLiteral("P%1").arg(i));
+    }
+    std::uint64_t all = 0;
+    for (const auto& picture : store::listPictures(library(), group)) {
+        all += picture.bytes;
+    }
+    start();
+    clickNode("Pumpen");
+    const QString one = numbers();
+    const auto selected = [this](int count, std::uint64_t bytes) {
+        return say("%1 ausgewählt, %2 KB   |   5 Bilder", "%1 selected, %2 KB   |   5 pictures")
+            .arg(count)
+            .arg((bytes + 1023) / 1024);
+    };
+    for (const char* view : {"strip", "list"}) {
+        SCOPED_TRACE(view);
+        trigger("Men_Bearbeiten_15");
+        settle();
+        EXPECT_EQ(numbers(), selected(5, all));
+        if (*view == 's') {
+            QTest::mouseClick(thumbnail("P0"), Qt::LeftButton, Qt::ControlModifier);
+            settle();
+            EXPECT_EQ(numbers(), selected(4, all / 5 * 4));
+            QTest::mouseClick(thumbnail("P0"), Qt::LeftButton);
+            settle();
+            EXPECT_EQ(numbers(), one);
+            trigger("Men_Extras_0");
+            settle();
+            EXPECT_EQ(numbers(), one);
+        }
+    }
+}
+
 TEST_P(StatusLineTest, TellsWhatACommandHasDone) {
     const auto group = makeGroup("Pumpen");
     const auto other = makeGroup("Ventile");
