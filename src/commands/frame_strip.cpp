@@ -1,7 +1,10 @@
 #include "commands/frame_strip.h"
 
 #include "app/named_control.h"
+#include "app/settings.h"
 #include "app/texts.h"
+#include "platform/paths.h"
+#include "store/fitting_names.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -11,8 +14,11 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QStyle>
+#include <QUrl>
 #include <QVBoxLayout>
 
+#include <filesystem>
+#include <string>
 #include <utility>
 
 namespace commands {
@@ -30,21 +36,53 @@ constexpr int kCellWidth = 84; // four of them are in sight
 constexpr int kCellMargin = 12;
 constexpr int kImageRole = Qt::UserRole;
 
+// For programs that take files, in a folder that nothing was handed out from yet: whoever took an
+// earlier one may still read it. Empty when it cannot be written.
+QString fileOf(const QImage& image, const QString& baseName) {
+    static int number = 0; // of the window's thread
+    try {
+        const std::filesystem::path folder =
+            app::settings().restoredTemporaryFolderPath() / "Frames" / std::to_string(++number);
+        std::filesystem::create_directories(folder);
+        const QString file =
+            platform::fromFilePath(folder) +
+            QStringLiteral("/%1 %2 x %3.png").arg(baseName).arg(image.width()).arg(image.height());
+        return image.save(file) ? file : QString();
+    } catch (const std::exception&) {
+        return {}; // most programs take the image
+    }
+}
+
+} // namespace
+
 // A frame hands its image on as it is, with its alpha.
-class FrameList : public QListWidget {
+class FrameStrip::FrameList : public QListWidget {
   public:
     using QListWidget::QListWidget;
+
+    void setFileBaseName(const QString& name) { fileBaseName_ = name; }
 
   protected:
     QMimeData* mimeData(const QList<QListWidgetItem*>& items) const override {
         auto mime = std::make_unique<QMimeData>();
         for (const QListWidgetItem* item : items) {
-            mime->setImageData(item->data(kImageRole));
+            const auto image = item->data(kImageRole).value<QImage>();
+            mime->setImageData(image);
+            if (const QString file = fileOf(image, fileBaseName_); !file.isEmpty()) {
+                mime->setUrls({QUrl::fromLocalFile(file)});
+            }
         }
         return mime.release();
     }
-    QStringList mimeTypes() const override { return {QStringLiteral("application/x-qt-image")}; }
+    QStringList mimeTypes() const override {
+        return {QStringLiteral("application/x-qt-image"), QStringLiteral("text/uri-list")};
+    }
+
+  private:
+    QString fileBaseName_;
 };
+
+namespace {
 
 // In the middle of a square of its own, no larger than it is, so that sizes can be compared.
 QIcon iconOf(const QImage& image, double screenRatio) {
@@ -115,6 +153,7 @@ void FrameStrip::load(const store::Library& library, const store::GroupAddress& 
     if (!isVisibleTo(parentWidget())) {
         return;
     }
+    lvwBilder_->setFileBaseName(QString::fromStdString(store::fileBaseNameFor(picture.name)));
     makeRoomFor(picture.record.type == "CUR" ? 4 : 3);
     job_.start([library, group, name = picture.name] {
         try {

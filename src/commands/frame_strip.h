@@ -1,5 +1,6 @@
 // The pictures in an icon or cursor file, side by side: with their sizes, depths and hot spots; the
-// one that thumbnails show is marked. Each can be copied, or dragged into another program.
+// one that thumbnails show is marked. Each can be copied as an image, or dragged into another
+// program, then as a PNG file too.
 #pragma once
 
 #include "app/job.h"
@@ -8,7 +9,6 @@
 
 #include <QGroupBox>
 
-class QListWidget;
 class QPushButton;
 
 namespace commands {
@@ -34,12 +34,14 @@ class FrameStrip : public QGroupBox {
     void loaded();
 
   private:
+    class FrameList;
+
     void makeRoomFor(int lines); // below each frame
     void take();
     void addFrame(const picture::IconFrame& frame);
     void copy();
 
-    QListWidget* lvwBilder_;
+    FrameList* lvwBilder_;
     QPushButton* cmdKopieren_;
     app::JobFor<std::vector<picture::IconFrame>> job_;
 };

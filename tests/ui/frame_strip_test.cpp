@@ -11,6 +11,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <QUrl>
 
 namespace {
 
@@ -55,6 +56,10 @@ TEST_P(FrameStripTest, ShowsEveryFrameOfACursorAndCopiesTheChosenOne) {
                  const std::unique_ptr<QMimeData> dragged(
                      list->model()->mimeData({list->model()->index(1, 0)}));
                  EXPECT_EQ(dragged->imageData().value<QImage>().size(), QSize(2, 1));
+                 ASSERT_EQ(dragged->urls().size(), 1);
+                 const QString file = dragged->urls().front().toLocalFile();
+                 EXPECT_TRUE(file.endsWith("/Arrow 2 x 1.png")) << file.toStdString();
+                 EXPECT_EQ(QImage(file).pixelColor(0, 0).alpha(), 0x80);
              });
 }
 
