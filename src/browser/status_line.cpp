@@ -3,7 +3,11 @@
 #include "app/named_control.h"
 #include "app/texts.h"
 
+#include <QFocusEvent>
 #include <QHBoxLayout>
+#include <QPainter>
+#include <QStyleOptionFocusRect>
+#include <QToolTip>
 
 namespace browser {
 namespace {
@@ -11,10 +15,49 @@ namespace {
 constexpr app::TextPair kNone{u"Keine Bilder", u"No pictures"};
 constexpr app::TextPair kOne{u"1 Bild", u"1 picture"};
 constexpr app::TextPair kMany{u"%1 Bilder", u"%1 pictures"};
-constexpr app::TextPair kPage{u"Seite %1 von %2", u"Page %1 of %2"};
+constexpr app::TextPair kPage{u"Seite %1 von %2", u"page %1 of %2"};
 constexpr int kSpacing = 16;
 
 } // namespace
+
+// The result, with a place among what Tab goes to while there is more of it than fits.
+class StatusLine::ResultLabel : public QLabel {
+  public:
+    using QLabel::QLabel;
+
+    void showAll() { QToolTip::showText(mapToGlobal(QPoint(0, 0)), toolTip(), this); }
+
+  protected:
+    void focusInEvent(QFocusEvent* event) override {
+        QLabel::focusInEvent(event);
+        if (event->reason() != Qt::ActiveWindowFocusReason) {
+            showAll();
+        }
+        update();
+    }
+
+    void focusOutEvent(QFocusEvent* event) override {
+        QLabel::focusOutEvent(event);
+        QToolTip::hideText();
+        update();
+    }
+
+    void mousePressEvent(QMouseEvent*) override {
+        if (focusPolicy() != Qt::NoFocus) {
+            showAll();
+        }
+    }
+
+    void paintEvent(QPaintEvent* event) override {
+        QLabel::paintEvent(event);
+        if (hasFocus()) {
+            QStyleOptionFocusRect option;
+            option.initFrom(this);
+            QPainter painter(this);
+            style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+        }
+    }
+};
 
 QString kilobytesRoundedUp(std::uint64_t bytes) {
     constexpr std::uint64_t kKilobyte = 1024;
@@ -23,9 +66,11 @@ QString kilobytesRoundedUp(std::uint64_t bytes) {
 
 StatusLine::StatusLine(QWidget* parent)
     : QWidget(parent),
-      lblErgebnis_(app::makePlainLabel("lblErgebnis", this)),
+      lblErgebnis_(new ResultLabel(this)),
       lblSeiten_(app::makePlainLabel("lblSeiten", this)) {
     setObjectName(QStringLiteral("staZeile"));
+    lblErgebnis_->setObjectName(QStringLiteral("lblErgebnis"));
+    lblErgebnis_->setTextFormat(Qt::PlainText);
     lblErgebnis_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -36,6 +81,7 @@ StatusLine::StatusLine(QWidget* parent)
 
 void StatusLine::tell(const QString& result, const QString& details) {
     result_ = result;
+    hasDetails_ = !details.isEmpty();
     const QString all = details.isEmpty() ? result : result + u'\n' + details;
     // A text that looks marked up would be shown so.
     lblErgebnis_->setToolTip(QStringLiteral("<p style='white-space:pre'>") + all.toHtmlEscaped() +
@@ -47,6 +93,8 @@ void StatusLine::tell(const QString& result, const QString& details) {
 void StatusLine::cut() {
     lblErgebnis_->setText(
         lblErgebnis_->fontMetrics().elidedText(result_, Qt::ElideRight, lblErgebnis_->width()));
+    const bool isAllSeen = !hasDetails_ && lblErgebnis_->text() == result_;
+    lblErgebnis_->setFocusPolicy(isAllSeen ? Qt::NoFocus : Qt::TabFocus);
 }
 
 void StatusLine::showPages(const ShownPages& pages) {

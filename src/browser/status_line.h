@@ -24,8 +24,8 @@ class StatusLine : public QWidget {
   public:
     explicit StatusLine(QWidget* parent);
 
-    // Stays until something else is told. What does not fit is cut; the tool tip has all of it, and
-    // `details`, lines of their own.
+    // Stays until something else is told. What does not fit is cut; the tool tip, which Tab brings
+    // up as well, has all of it, and `details`, lines of their own.
     void tell(const QString& result, const QString& details = {});
 
     void showPages(const ShownPages& pages);
@@ -37,12 +37,15 @@ class StatusLine : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
+    class ResultLabel;
+
     void cut();
     void showNumbers();
 
-    QLabel* lblErgebnis_;
+    ResultLabel* lblErgebnis_;
     QLabel* lblSeiten_;
     QString result_;
+    bool hasDetails_ = false;
     QString pages_;
     QString selection_;
 };

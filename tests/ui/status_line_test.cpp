@@ -4,12 +4,15 @@
 #include "ui/every_language.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
+#include <QToolTip>
+#include <QTreeWidget>
 
 namespace {
 
@@ -154,6 +157,18 @@ TEST_P(StatusLineTest, TellsWhatHasComeAndWhereItWasAlready) {
     EXPECT_TRUE(all.endsWith("\nRot = Pumpen / Alt, Ventile / Neu\nZwei = Ventile / Blau"))
         << all.toStdString();
     EXPECT_TRUE(find<QLabel>("lblErgebnis")->toolTip().contains("Zwei = Ventile / Blau"));
+    // Without the mouse, too, and only as long as there is more to be read than what is seen.
+    QApplication::setActiveWindow(&window());
+    find<QWidget>("imgScroll")->setFocus();
+    QTest::keyClick(find<QWidget>("imgScroll"), Qt::Key_Tab);
+    EXPECT_TRUE(find<QLabel>("lblErgebnis")->hasFocus());
+    EXPECT_TRUE(QToolTip::text().contains("Zwei = Ventile / Blau"));
+    QTest::keyClick(find<QWidget>("lblErgebnis"), Qt::Key_Tab);
+    EXPECT_TRUE(tree()->hasFocus());
+    window().TellResult("Kurz");
+    find<QWidget>("imgScroll")->setFocus();
+    QTest::keyClick(find<QWidget>("imgScroll"), Qt::Key_Tab);
+    EXPECT_TRUE(tree()->hasFocus());
 }
 
 } // namespace
