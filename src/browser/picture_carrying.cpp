@@ -177,8 +177,7 @@ void PictureCarrying::take(const SelectedGroup& target, const OfferedPictures& o
         return;
     }
     try {
-        const auto names =
-            commands::takeIncoming(view_.library(), arrival, offered.incoming, view_.owner());
+        const auto names = commands::takeIncoming(view_, arrival, offered.incoming, view_.owner());
         const auto selected = view_.selectedGroup();
         if (!names.empty() && selected && selected->address == target.address) {
             view_.ShowPictures(target.address, names);

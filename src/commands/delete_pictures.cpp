@@ -6,12 +6,10 @@
 #include "commands/command_call.h"
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
+#include "commands/picture_beside.h"
+#include "commands/replaced_pictures.h"
 #include "commands/undo_steps.h"
-#include "store/names.h"
 #include "store/picture_trash.h"
-
-#include <algorithm>
-#include <set>
 
 namespace commands {
 namespace {
@@ -43,30 +41,6 @@ bool isDeletionConfirmed(const CommandCall& call, const Names& pictures) {
                   .arg(QString::number(pictures.size()), call.selection.groupName);
     return app::msgBox(question, app::Buttons::YesNo, app::kProgramTitle, call.view.owner()) ==
            app::kAnswerYes;
-}
-
-// The picture that is shown when these are gone: the next one behind the shown one, or else the
-// last one before it.
-std::optional<store::PictureName> besideThese(const store::Library& library,
-                                              const store::GroupAddress& group, const Names& gone,
-                                              const store::PictureName& shown) {
-    std::set<std::u16string, store::ByName> goneNames;
-    for (const store::PictureName& name : gone) {
-        goneNames.insert(name.text);
-    }
-    std::optional<store::PictureName> before;
-    bool isBehind = false;
-    for (const store::PictureName& name : store::listPictureNames(library, group).names) {
-        isBehind = isBehind || store::sameName(name.text, shown.text);
-        if (goneNames.contains(name.text)) {
-            continue;
-        }
-        if (isBehind) {
-            return name;
-        }
-        before = name;
-    }
-    return before;
 }
 
 enum class Trash { Used, LeftAlone };
@@ -105,8 +79,7 @@ void deleteConfirmed(const CommandCall& call, const store::GroupAddress& group,
         deletion = deleteBeside(call, group, pictures, Trash::LeftAlone);
     }
     const std::size_t count = deletion.deleted.size();
-    const auto isKept = [](const store::TrashedPicture& picture) { return !picture.file.empty(); };
-    if (std::any_of(deletion.deleted.begin(), deletion.deleted.end(), isKept)) {
+    if (isAnyKept(deletion.deleted)) {
         call.view.history().add(picturesDeleted(group, std::move(deletion.deleted)));
     }
     call.view.PictureDeleted(group, deletion.beside);

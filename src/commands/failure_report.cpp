@@ -6,6 +6,22 @@
 #include "compound/error.h"
 
 namespace commands {
+namespace {
+
+constexpr app::TextPair kDelete{
+    u"In den Papierkorb kann nichts gelegt werden:\n%1\n\nEndgültig löschen?",
+    u"Nothing can be put into the trash:\n%1\n\nDelete for good?"};
+constexpr app::TextPair kReplace{
+    u"In den Papierkorb kann nichts gelegt werden:\n%1\n\nEndgültig ersetzen?",
+    u"Nothing can be put into the trash:\n%1\n\nReplace for good?"};
+
+bool isConfirmed(const app::TextPair& question, const compound::TrashFailure& failure,
+                 QWidget* owner) {
+    return app::msgBox(app::text(question).arg(app::errorText(failure)),
+                       app::Buttons::YesNoWithCare, app::kProgramTitle, owner) == app::kAnswerYes;
+}
+
+} // namespace
 
 // A locked file stays on the screen: reading it now would only show its group empty.
 void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
@@ -23,11 +39,11 @@ void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
 }
 
 bool isDeletionForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner) {
-    constexpr app::TextPair kQuestion{
-        u"In den Papierkorb kann nichts gelegt werden:\n%1\n\nEndgültig löschen?",
-        u"Nothing can be put into the trash:\n%1\n\nDelete for good?"};
-    return app::msgBox(app::text(kQuestion).arg(app::errorText(failure)),
-                       app::Buttons::YesNoWithCare, app::kProgramTitle, owner) == app::kAnswerYes;
+    return isConfirmed(kDelete, failure, owner);
+}
+
+bool isReplacingForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner) {
+    return isConfirmed(kReplace, failure, owner);
 }
 
 void reportFailure(LibraryView& view, const SelectionContext& selection,

@@ -16,8 +16,9 @@ class LibraryView;
 // or perhaps not yet what is there now.
 void showWhatIsLeft(LibraryView& view, const std::exception& failure);
 
-// Asks whether what the trash cannot take is to be deleted for good.
+// Asks whether what the trash cannot take is to be deleted, or replaced, for good.
 bool isDeletionForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner);
+bool isReplacingForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner);
 
 // Shows a box with the path of the selection's group and the cause, then what is left. Tells
 // nothing of what the user has stopped.

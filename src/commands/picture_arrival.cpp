@@ -7,7 +7,9 @@
 #include "base/utf8.h"
 #include "commands/library_view.h"
 #include "commands/name_conflicts.h"
+#include "commands/replaced_pictures.h"
 #include "commands/skipped_files.h"
+#include "commands/undo_steps.h"
 #include "commands/vector_size.h"
 #include "compound/error.h"
 #include "editing/foreign_pictures.h"
@@ -91,9 +93,13 @@ Inspected inspect(const store::Library& library, const std::filesystem::path& fi
 
 class Arrival {
   public:
-    Arrival(const store::Library& library, const ArrivalTarget& target,
-            const IncomingPictures& incoming, QWidget* owner)
-        : library_(library), target_(target), incoming_(incoming), owner_(owner) {}
+    Arrival(LibraryView& view, const ArrivalTarget& target, const IncomingPictures& incoming,
+            QWidget* owner)
+        : view_(view),
+          library_(view.library()),
+          target_(target),
+          incoming_(incoming),
+          owner_(owner) {}
 
     std::vector<store::PictureName> run() {
         findings_ = look();
@@ -104,10 +110,16 @@ class Arrival {
         if (!askForNames()) {
             return {};
         }
-        const store::PicturesArrived arrived = storeAll();
-        summarise(arrived);
+        const std::optional<store::PicturesArrived> arrived = storeAll();
+        if (!arrived) {
+            return {};
+        }
+        if (isAnyKept(arrived->replaced)) {
+            view_.history().add(picturesReplaced(target_.group, arrived->replaced));
+        }
+        summarise(*arrived);
         std::vector<store::PictureName> names;
-        for (const store::PassedPicture& picture : arrived.names) {
+        for (const store::PassedPicture& picture : arrived->names) {
             names.push_back(picture.to);
         }
         return names;
@@ -221,7 +233,8 @@ class Arrival {
         return answers.has_value();
     }
 
-    store::PicturesArrived storeAll() {
+    // Nothing when the user does not want it without the trash.
+    std::optional<store::PicturesArrived> storeAll() {
         std::vector<store::ArrivingPicture> coming;
         for (const store::ArrivingPicture& picture : pictures_) {
             if (picture.ifTaken != store::IfNameTaken::Skip) {
@@ -229,13 +242,18 @@ class Arrival {
             }
         }
         if (coming.empty()) {
-            return {};
+            return store::PicturesArrived();
         }
-        return app::resultOfLong<store::PicturesArrived>(
-            {app::text(kAdding), Stopping::Offered, Counting::Pieces}, owner_,
-            [&](store::Progress& progress) {
-                return store::addArriving(library_, target_.group, coming, progress);
-            });
+        const auto run = [&](KeepReplaced keep) {
+            return app::resultOfLong<store::PicturesArrived>(
+                {app::text(kAdding), Stopping::Offered, Counting::Pieces}, owner_,
+                [&](store::Progress& progress) {
+                    const auto trash = keep == KeepReplaced::InTrash ? view_.makeTrash() : nullptr;
+                    return store::addArriving(library_, target_.group, coming, progress,
+                                              trash.get());
+                });
+        };
+        return keepingReplaced<store::PicturesArrived>(run, owner_);
     }
 
     // What is called otherwise than its file, unless the user has just chosen that.
@@ -268,6 +286,7 @@ class Arrival {
         showSummary(app::text(kSummary).arg(arrived.names.size()).arg(all), lines_, owner_);
     }
 
+    LibraryView& view_;
     const store::Library& library_;
     const ArrivalTarget& target_;
     const IncomingPictures& incoming_;
@@ -282,11 +301,10 @@ class Arrival {
 
 } // namespace
 
-std::vector<store::PictureName> takeIncoming(const store::Library& library,
-                                             const ArrivalTarget& target,
+std::vector<store::PictureName> takeIncoming(LibraryView& view, const ArrivalTarget& target,
                                              const IncomingPictures& incoming, QWidget* owner) {
     try {
-        return Arrival(library, target, incoming, owner).run();
+        return Arrival(view, target, incoming, owner).run();
     } catch (const Error& error) {
         if (error.code() != ErrorCode::Cancelled) {
             throw;

@@ -32,10 +32,9 @@ struct ArrivalTarget {
 // before: whether pictures of other types are to be taken as BMP, how large one without a size is
 // to be, and what becomes of names that are taken. Tells afterwards, in one window, what was left
 // out and why, and which pictures are called otherwise than their files. Returns what the pictures
-// that came are called now. Throws what concerns the group as a whole; then, and when the user
-// stops it, nothing has changed.
-std::vector<store::PictureName> takeIncoming(const store::Library& library,
-                                             const ArrivalTarget& target,
+// that came are called now. What they replaced can be taken back. Throws what concerns the group as
+// a whole; then, and when the user stops it, nothing has changed.
+std::vector<store::PictureName> takeIncoming(LibraryView& view, const ArrivalTarget& target,
                                              const IncomingPictures& incoming, QWidget* owner);
 
 // Has the window tell, some time later, of pictures that came.

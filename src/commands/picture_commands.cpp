@@ -81,8 +81,8 @@ void addPicture(CommandCall& call) {
                 tellArrived(view, group, {name});
             },
             [&view](const editing::TargetGroup& target, const auto& files, QWidget* owner) {
-                const auto names = takeIncoming(view.library(), {*target.address, target.path},
-                                                {files, {}, {}}, owner);
+                const auto names =
+                    takeIncoming(view, {*target.address, target.path}, {files, {}, {}}, owner);
                 tellArrived(view, *target.address, names);
             }});
     dialog.openFor(view.library(), {call.selection.group(), call.selection.groupPath});

@@ -6,9 +6,12 @@
 #include "commands/failure_report.h"
 #include "commands/library_view.h"
 #include "commands/name_conflicts.h"
+#include "commands/picture_beside.h"
+#include "commands/replaced_pictures.h"
 #include "commands/skipped_files.h"
-#include "commands/undo_history.h"
+#include "commands/undo_steps.h"
 #include "compound/error.h"
+#include "platform/desktop_trash.h"
 #include "store/names.h"
 
 #include <set>
@@ -46,18 +49,33 @@ std::vector<store::PictureName> newNames(const store::PicturesPassed& result) {
     return names;
 }
 
-void bringUpToDate(LibraryView& view, const store::GroupAddress& target,
-                   const std::vector<store::PictureName>& names) {
-    const auto selected = view.selectedGroup();
-    if (selected && selected->address == target && !names.empty()) {
-        view.ShowPictures(target, names);
-    } else {
-        view.Aktualisieren();
+std::vector<store::PictureName> namesOf(const std::vector<store::PassingPicture>& passing) {
+    std::vector<store::PictureName> names;
+    for (const store::PassingPicture& picture : passing) {
+        names.push_back(picture.name);
+    }
+    return names;
+}
+
+// What had been in the way of pictures that have just gone back. It may not be stopped any more,
+// and what fails undoes nothing.
+std::vector<compound::Error> bringBackReplaced(const store::Library& library,
+                                               const store::GroupAddress& group,
+                                               const std::vector<store::TrashedPicture>& replaced) {
+    if (!isAnyKept(replaced)) {
+        return {};
+    }
+    try {
+        platform::DesktopTrash trash;
+        return store::restorePictures(library, group, replaced, trash).missing;
+    } catch (const compound::Error& failure) {
+        return {failure};
     }
 }
 
 UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to,
-                  const std::vector<store::PassedPicture>& passed) {
+                  const store::PicturesPassed& moved) {
+    const std::vector<store::PassedPicture>& passed = moved.passed;
     std::vector<store::PassingPicture> back;
     for (const store::PassedPicture& picture : passed) {
         back.push_back({picture.to, store::IfNameTaken::KeepBoth, picture.from});
@@ -65,15 +83,18 @@ UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to
     const QString what = passed.size() == 1 ? app::text(kStepOne).arg(textOf(passed[0].from))
                                             : app::text(kStepMany).arg(passed.size());
     return {what,
-            [from, to, back = std::move(back)](const store::Library& library,
-                                               store::Progress& progress) -> UndoStep::Show {
+            [from, to, back = std::move(back), replaced = moved.replaced](
+                const store::Library& library, store::Progress& progress) -> UndoStep::Show {
                 const auto result =
                     store::passPictures(library, to, from, back, PassageKind::Move, progress);
                 if (result.sourceFailure) {
                     throw compound::Error(*result.sourceFailure);
                 }
-                return [from, names = newNames(result)](LibraryView& view) {
+                auto missing = bringBackReplaced(library, to, replaced);
+                return [from, names = newNames(result),
+                        missing = std::move(missing)](LibraryView& view) {
                     view.ShowPictures(from, names);
+                    showFailures(missing, view.owner());
                 };
             }};
 }
@@ -89,27 +110,63 @@ class Transfer {
         if (!passing || passing->empty()) {
             return;
         }
-        const auto result = app::resultOfLong<store::PicturesPassed>(
-            {app::text(kind_ == PassageKind::Move ? kMoving : kCopying),
-             app::LongOperation::Stopping::Offered, app::LongOperation::Counting::Pieces},
-            view_.owner(), [&](store::Progress& progress) {
-                return store::passPictures(view_.library(), pictures_.group, target_.group,
-                                           *passing, kind_, progress);
-            });
-        if (kind_ == PassageKind::Move && !result.passed.empty() && !result.sourceFailure) {
-            view_.history().add(stepBack(pictures_.group, target_.group, result.passed));
+        std::optional<store::PictureName> beside; // what is moved
+        const auto result = pass(*passing, beside);
+        if (!result) {
+            return;
         }
-        bringUpToDate(view_, target_.group, newNames(result));
-        if (!result.passed.empty() && !result.sourceFailure) {
+        remember(*result);
+        bringUpToDate(newNames(*result), beside);
+        if (!result->passed.empty() && !result->sourceFailure) {
             const bool isMove = kind_ == PassageKind::Move;
-            view_.TellResult(app::counted(result.passed.size(), isMove ? kMovedOne : kCopiedOne,
+            view_.TellResult(app::counted(result->passed.size(), isMove ? kMovedOne : kCopiedOne,
                                           isMove ? kMovedMany : kCopiedMany)
                                  .arg(target_.name));
         }
-        tell(result);
+        tell(*result);
     }
 
   private:
+    // Nothing when the user does not want it without the trash.
+    std::optional<store::PicturesPassed> pass(const std::vector<store::PassingPicture>& passing,
+                                              std::optional<store::PictureName>& beside) const {
+        const store::PictureName shown =
+            view_.shownPicture().name().value_or(pictures_.names.front());
+        const auto run = [&](KeepReplaced keep) {
+            return app::resultOfLong<store::PicturesPassed>(
+                {app::text(kind_ == PassageKind::Move ? kMoving : kCopying),
+                 app::LongOperation::Stopping::Offered, app::LongOperation::Counting::Pieces},
+                view_.owner(), [&](store::Progress& progress) {
+                    const auto trash = keep == KeepReplaced::InTrash ? view_.makeTrash() : nullptr;
+                    if (kind_ == PassageKind::Move) {
+                        beside =
+                            besideThese(view_.library(), pictures_.group, namesOf(passing), shown);
+                    }
+                    return store::passPictures(view_.library(), pictures_.group, target_.group,
+                                               passing, kind_, progress, trash.get());
+                });
+        };
+        return keepingReplaced<store::PicturesPassed>(run, view_.owner());
+    }
+
+    void bringUpToDate(const std::vector<store::PictureName>& names,
+                       const std::optional<store::PictureName>& beside) const {
+        const auto selected = view_.selectedGroup();
+        if (selected && selected->address == target_.group && !names.empty()) {
+            view_.ShowPictures(target_.group, names);
+        } else if (kind_ == PassageKind::Move) {
+            view_.PictureDeleted(pictures_.group, beside);
+        }
+    }
+
+    void remember(const store::PicturesPassed& result) const {
+        if (kind_ == PassageKind::Move && !result.passed.empty() && !result.sourceFailure) {
+            view_.history().add(stepBack(pictures_.group, target_.group, result));
+        } else if (isAnyKept(result.replaced)) {
+            view_.history().add(picturesReplaced(target_.group, result.replaced));
+        }
+    }
+
     // Whether each picture's name is taken in the target by another one.
     std::vector<bool> lookForNames() const {
         if (pictures_.group == target_.group) {

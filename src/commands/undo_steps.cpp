@@ -13,6 +13,8 @@ namespace {
 
 constexpr app::TextPair kDeletePicture{u"Bild \"%1\" löschen", u"delete picture \"%1\""};
 constexpr app::TextPair kDeletePictures{u"%1 Bilder löschen", u"delete %1 pictures"};
+constexpr app::TextPair kReplacePicture{u"Bild \"%1\" ersetzen", u"replace picture \"%1\""};
+constexpr app::TextPair kReplacePictures{u"%1 Bilder ersetzen", u"replace %1 pictures"};
 constexpr app::TextPair kRenamePicture{u"Bild \"%1\" umbenennen", u"rename picture \"%1\""};
 constexpr app::TextPair kDeleteGroup{u"Gruppe \"%1\" löschen", u"delete group \"%1\""};
 constexpr app::TextPair kRenameGroup{u"Gruppe \"%1\" umbenennen", u"rename group \"%1\""};
@@ -29,26 +31,41 @@ UndoStep::Show showGroup(const store::GroupAddress& group) {
     };
 }
 
+QString nameOrCount(const std::vector<store::TrashedPicture>& pictures, const app::TextPair& one,
+                    const app::TextPair& many) {
+    return pictures.size() == 1 ? app::text(one).arg(textOf(pictures[0].name.text))
+                                : app::text(many).arg(pictures.size());
+}
+
+std::function<UndoStep::Show(const store::Library&, store::Progress&)>
+restoring(const store::GroupAddress& group, std::vector<store::TrashedPicture> pictures,
+          store::IfNameTaken ifTaken) {
+    return [group, ifTaken, pictures = std::move(pictures)](
+               const store::Library& library, store::Progress& progress) -> UndoStep::Show {
+        platform::DesktopTrash trash;
+        auto restored = store::restorePictures(library, group, pictures, trash, ifTaken, progress);
+        if (restored.names.empty() && !restored.missing.empty()) {
+            throw compound::Error(restored.missing.front());
+        }
+        return [group, restored = std::move(restored)](LibraryView& view) {
+            view.ShowPictures(group, restored.names);
+            showFailures(restored.missing, view.owner());
+        };
+    };
+}
+
 } // namespace
 
 UndoStep picturesDeleted(const store::GroupAddress& group,
                          std::vector<store::TrashedPicture> deleted) {
-    const QString what = deleted.size() == 1
-                             ? app::text(kDeletePicture).arg(textOf(deleted[0].name.text))
-                             : app::text(kDeletePictures).arg(deleted.size());
-    return {what,
-            [group, deleted = std::move(deleted)](const store::Library& library,
-                                                  store::Progress& progress) -> UndoStep::Show {
-                platform::DesktopTrash trash;
-                auto restored = store::restorePictures(library, group, deleted, trash, progress);
-                if (restored.names.empty() && !restored.missing.empty()) {
-                    throw compound::Error(restored.missing.front());
-                }
-                return [group, restored = std::move(restored)](LibraryView& view) {
-                    view.ShowPictures(group, restored.names);
-                    showFailures(restored.missing, view.owner());
-                };
-            }};
+    const QString what = nameOrCount(deleted, kDeletePicture, kDeletePictures);
+    return {what, restoring(group, std::move(deleted), store::IfNameTaken::KeepBoth)};
+}
+
+UndoStep picturesReplaced(const store::GroupAddress& group,
+                          std::vector<store::TrashedPicture> replaced) {
+    const QString what = nameOrCount(replaced, kReplacePicture, kReplacePictures);
+    return {what, restoring(group, std::move(replaced), store::IfNameTaken::Replace)};
 }
 
 UndoStep pictureRenamed(const store::GroupAddress& group, const store::PictureName& from,

@@ -11,6 +11,9 @@ namespace commands {
 
 UndoStep picturesDeleted(const store::GroupAddress& group,
                          std::vector<store::TrashedPicture> deleted);
+// What has taken their places goes to the trash when they come back.
+UndoStep picturesReplaced(const store::GroupAddress& group,
+                          std::vector<store::TrashedPicture> replaced);
 UndoStep pictureRenamed(const store::GroupAddress& group, const store::PictureName& from,
                         const store::PictureName& to);
 UndoStep groupDeleted(store::TrashedGroup deleted);

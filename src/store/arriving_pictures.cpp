@@ -7,6 +7,7 @@
 #include "store/picture_source.h"
 #include "store/steps.h"
 #include "store/storage_access.h"
+#include "store/trashing.h"
 
 #include <exception>
 #include <set>
@@ -36,8 +37,8 @@ PictureSource sourceOf(const Library& library, const ArrivingPicture& picture) {
 
 class Arrival {
   public:
-    Arrival(const Library& library, const GroupAddress& group)
-        : library_(library), access_(library) {
+    Arrival(const Library& library, const GroupAddress& group, compound::Trash* trash)
+        : library_(library), trashing_(library.disk, trash), access_(library) {
         access_.openGroup(group, compound::Access::ReadWrite);
         access_.openOrCreateInfo(group);
     }
@@ -48,7 +49,7 @@ class Arrival {
             add(pictures[i]);
         }
         goOn(access_.file().disk().path(), progress, pictures.size(), pictures.size());
-        access_.Commit();
+        trashing_.commit(access_);
         return std::move(arrived_);
     }
 
@@ -71,6 +72,11 @@ class Arrival {
             arrived_.skipped.push_back({picture.source, error});
             return;
         }
+        const auto present = access_.groupStorage().find(name.text);
+        if (present && present->kind == compound::ElementKind::Stream && trashing_.isThere()) {
+            arrived_.replaced.push_back(
+                trashing_.add(access_.groupStorage(), access_.infoStorage(), *present));
+        }
         putPicture(library_, access_.groupStorage(), access_.infoStorage(), name, *source);
         added_.insert(name.text);
         arrived_.names.push_back({picture.name, name});
@@ -81,6 +87,7 @@ class Arrival {
     }
 
     const Library& library_;
+    Trashing trashing_;
     StorageAccess access_;
     std::set<std::u16string, ByName> added_;
     PicturesArrived arrived_;
@@ -89,8 +96,9 @@ class Arrival {
 } // namespace
 
 PicturesArrived addArriving(const Library& library, const GroupAddress& group,
-                            std::span<const ArrivingPicture> pictures, Progress& progress) {
-    return Arrival(library, group).run(pictures, progress);
+                            std::span<const ArrivingPicture> pictures, Progress& progress,
+                            compound::Trash* trash) {
+    return Arrival(library, group, trash).run(pictures, progress);
 }
 
 } // namespace store

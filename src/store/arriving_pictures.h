@@ -20,16 +20,17 @@ struct ArrivingPicture {
 };
 
 struct PicturesArrived {
-    std::vector<PassedPicture> names; // of those that came, and what they are called now
-    std::vector<SkippedFile> skipped; // in the list's order
+    std::vector<PassedPicture> names;     // of those that came, and what they are called now
+    std::vector<SkippedFile> skipped;     // in the list's order
+    std::vector<TrashedPicture> replaced; // with a trash
 };
 
 // Stores all that can be read and measured, in one transaction; what cannot is skipped. Of two
 // arriving pictures with one name the later one gets a number, whatever its `ifTaken`. `progress`
 // counts pictures. Stopping (Cancelled), and every failure that is not one picture's, leaves the
-// group as it was.
+// group as it was. What they replace goes to the trash as with passPictures().
 PicturesArrived addArriving(const Library& library, const GroupAddress& group,
                             std::span<const ArrivingPicture> pictures,
-                            Progress& progress = noProgress());
+                            Progress& progress = noProgress(), compound::Trash* trash = nullptr);
 
 } // namespace store

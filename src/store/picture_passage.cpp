@@ -6,6 +6,7 @@
 #include "store/names.h"
 #include "store/steps.h"
 #include "store/storage_access.h"
+#include "store/trashing.h"
 
 #include <set>
 #include <utility>
@@ -32,10 +33,11 @@ std::optional<StorageHandle> infoOf(StorageAccess& access, const GroupAddress& g
 class Passing {
   public:
     Passing(const Library& library, const GroupAddress& from, const GroupAddress& to,
-            PassageKind kind)
+            PassageKind kind, compound::Trash* trash)
         : isOneFile_(pathOf(library, from.file) == pathOf(library, to.file)),
           isOneGroup_(isOneFile_ && sameName(from.storage.text, to.storage.text)),
           kind_(kind),
+          trashing_(library.disk, trash),
           first_(library),
           second_(library) {
         open(library, from, to);
@@ -48,7 +50,7 @@ class Passing {
             pass(pictures[i], result);
         }
         goOn(path(), progress, pictures.size(), pictures.size());
-        target().Commit();
+        trashing_.commit(target());
         if (!isOneFile_ && kind_ == PassageKind::Move) {
             removeFromSource(result);
         }
@@ -104,6 +106,8 @@ class Passing {
             }
             if (picture.ifTaken == IfNameTaken::KeepBoth || !isReplaceable(name)) {
                 name = freePictureName(name, isTaken);
+            } else {
+                trash(name, result);
             }
         }
         copy(from_->group, *element, to_->group, name);
@@ -117,6 +121,13 @@ class Passing {
         arrived_.insert(name.text);
         if (isOneFile_ && kind_ == PassageKind::Move) {
             destroy(*from_, result.passed.back().from);
+        }
+    }
+
+    void trash(const PictureName& name, PicturesPassed& result) {
+        const auto element = to_->group.find(name.text);
+        if (element->kind == ElementKind::Stream && trashing_.isThere()) {
+            result.replaced.push_back(trashing_.add(to_->group, to_->info, *element));
         }
     }
 
@@ -160,6 +171,7 @@ class Passing {
     bool isOneGroup_;
     PassageKind kind_;
     std::set<std::u16string, ByName> arrived_;
+    Trashing trashing_;
     StorageAccess first_;  // of the source, if it is another file
     StorageAccess second_; // of the target
     std::optional<Place> from_;
@@ -170,11 +182,11 @@ class Passing {
 
 PicturesPassed passPictures(const Library& library, const GroupAddress& from,
                             const GroupAddress& to, std::span<const PassingPicture> pictures,
-                            PassageKind kind, Progress& progress) {
+                            PassageKind kind, Progress& progress, compound::Trash* trash) {
     if (from == to && kind == PassageKind::Move) {
         return {};
     }
-    return Passing(library, from, to, kind).run(pictures, progress);
+    return Passing(library, from, to, kind, trash).run(pictures, progress);
 }
 
 } // namespace store

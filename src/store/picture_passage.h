@@ -9,13 +9,6 @@
 
 namespace store {
 
-// What becomes of a picture whose name is taken where it goes.
-enum class IfNameTaken {
-    Replace,  // it takes the other one's place; what came with it, or is itself, is kept
-    KeepBoth, // it gets a number behind its name
-    Skip,     // it stays away
-};
-
 struct PassingPicture {
     PictureName name; // without regard to case
     IfNameTaken ifTaken = IfNameTaken::KeepBoth;
@@ -31,7 +24,8 @@ struct PassedPicture {
 
 struct PicturesPassed {
     std::vector<PassedPicture> passed;
-    std::vector<PictureName> gone; // that were not there any more
+    std::vector<PictureName> gone;        // that were not there any more
+    std::vector<TrashedPicture> replaced; // with a trash
     // Moving only: why the pictures are still in the first group, too, although they came to the
     // other one.
     std::optional<compound::Error> sourceFailure;
@@ -41,10 +35,12 @@ struct PicturesPassed {
 // is moved to another file is durable there before it goes from the first one, so that after a
 // crash it is in one of them or in both. Moving to the group where they are changes nothing.
 //
-// `progress` counts pictures. Stopping (Cancelled) and every failure that is thrown leave both
-// groups as they were.
+// What they replace goes to the trash, if there is one (not nullptr); what keeps it from there is a
+// TrashFailure. `progress` counts pictures. Stopping (Cancelled) and every failure that is thrown
+// leave both groups and the trash as they were.
 PicturesPassed passPictures(const Library& library, const GroupAddress& from,
                             const GroupAddress& to, std::span<const PassingPicture> pictures,
-                            PassageKind kind, Progress& progress = noProgress());
+                            PassageKind kind, Progress& progress = noProgress(),
+                            compound::Trash* trash = nullptr);
 
 } // namespace store

@@ -12,7 +12,14 @@
 
 namespace store {
 
-// A picture that was deleted.
+// What becomes of a picture whose name is taken where it goes.
+enum class IfNameTaken {
+    Replace,  // it takes the other one's place; what came with it, or is itself, is kept
+    KeepBoth, // it gets a number behind its name
+    Skip,     // it stays away
+};
+
+// A picture that was deleted or replaced.
 struct TrashedPicture {
     PictureName name;           // as it was stored
     std::string record;         // the bytes of its record stream
@@ -37,10 +44,12 @@ struct RestoredPictures {
     std::vector<compound::Error> missing; // why the others are not back, in their order
 };
 
-// Brings deleted pictures back into the group in one transaction, with their records, and takes
-// their files out of the trash. Nothing has changed when it throws.
+// Brings such pictures back into the group in one transaction, with their records, and takes their
+// files out of the trash. What they replace goes there; they never stay away because of their
+// names. Nothing has changed when it throws.
 RestoredPictures restorePictures(const Library& library, const GroupAddress& group,
                                  std::span<const TrashedPicture> pictures, compound::Trash& trash,
+                                 IfNameTaken ifTaken = IfNameTaken::KeepBoth,
                                  Progress& progress = noProgress());
 
 } // namespace store

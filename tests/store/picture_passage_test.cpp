@@ -64,6 +64,42 @@ TEST_F(PicturePassage, CopiesAndMovesWithinAFileAndAcross) {
     expectSound(u"Tanks");
 }
 
+TEST_F(PicturePassage, ReplacedPicturesComeBack) {
+    const std::vector<PassingPicture> replacing{{{u"a"}, IfNameTaken::Replace}};
+    const auto everything = disk.content("/library/Tanks.stg");
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Sync && !trash.fileNames().empty()) {
+            throw compound::Error(ErrorCode::Failed, "/library/Tanks.stg", "the disk fails");
+        }
+    });
+    EXPECT_EQ(errorOf([&] {
+                  passPictures(library, pumps_, tanks_, replacing, PassageKind::Move, noProgress(),
+                               &trash);
+              }),
+              ErrorCode::Failed);
+    disk.setInterceptor({});
+    EXPECT_THAT(trash.fileNames(), IsEmpty());
+    EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
+
+    const auto moved =
+        passPictures(library, pumps_, tanks_, replacing, PassageKind::Move, noProgress(), &trash);
+    EXPECT_THAT(trash.fileNames(), ElementsAre("A.BMP"));
+    EXPECT_EQ(textOf(tanks_, u"A"), "of a");
+    const auto back = restorePictures(library, tanks_, moved.replaced, trash, IfNameTaken::Replace);
+    EXPECT_THAT(back.names, ElementsAre(PictureName{u"A"}));
+    EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
+    EXPECT_EQ(readPictureType(library, tanks_, {u"A"}), "BMP");
+    EXPECT_THAT(trash.fileNames(), ElementsAre("a.BMP")) << "what has had to make room";
+
+    const std::vector<ArrivingPicture> arriving{
+        {source("new.bmp", 150, 150), {u"a"}, IfNameTaken::Replace}};
+    const auto arrived = addArriving(library, tanks_, arriving, noProgress(), &trash);
+    ASSERT_THAT(arrived.replaced, SizeIs(1));
+    restorePictures(library, tanks_, arrived.replaced, trash, IfNameTaken::Replace);
+    EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
+    expectSound(u"Tanks");
+}
+
 TEST_F(PicturePassage, CopiesBesideThemselves) {
     const std::vector<PassingPicture> one{{{u"a"}}};
     passPictures(library, pumps_, pumps_, one, PassageKind::Copy);

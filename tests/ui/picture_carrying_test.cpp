@@ -1,5 +1,6 @@
 // Pictures dragged, dropped, copied and pasted, and what can be taken back of it.
 #include "app/message_box.h"
+#include "commands/picture_transfer.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
@@ -250,6 +251,51 @@ TEST_F(PictureCarrying, CopiedPicturesAreFilesForOthersAndPicturesForUs) {
     EXPECT_EQ(stored(tanks_), QStringList({"P1", "P2", "P2 (2)"}));
     EXPECT_EQ(selectedNode(), "Pumpen");
     EXPECT_EQ(label(), "P1");
+}
+
+TEST_F(PictureCarrying, WhatWasReplacedComesBack) {
+    addPicture(pumps_, "P3");
+    clickNode("Tanks");
+    clickNode("Pumpen");
+    click("P2");
+    trigger("Men_Bearbeiten_12");
+    clickNode("Tanks");
+    answerTaken([&] { trigger("Men_Bearbeiten_14"); }, "cmdErsetzen");
+    EXPECT_EQ(colourOf(tanks_, u"P2"), QColor(Qt::green));
+    trigger("Men_Bearbeiten_11");
+    settle();
+    EXPECT_EQ(colourOf(tanks_, u"P2"), QColor(Qt::blue));
+    EXPECT_EQ(colourOf(pumps_, u"P2"), QColor(Qt::green));
+
+    QMimeData data;
+    offer(data, {imageFile("P1.bmp", Qt::yellow, "BMP"), imageFile("P4.bmp", Qt::yellow, "BMP")});
+    clickNode("Pumpen");
+    answerTaken([&] { dropOnPictures(data); }, "cmdErsetzen");
+    EXPECT_EQ(colourOf(pumps_, u"P1"), QColor(Qt::yellow));
+    trigger("Men_Bearbeiten_11");
+    settle();
+    EXPECT_EQ(colourOf(pumps_, u"P1"), QColor(Qt::red));
+    EXPECT_EQ(label(), "P1");
+    EXPECT_TRUE(stored(pumps_).contains("P4"));
+    EXPECT_FALSE(find<QAction>("Men_Bearbeiten_11")->isEnabled());
+}
+
+// As after a deletion.
+TEST_F(PictureCarrying, WhatIsMovedAwayLeavesTheNextOneCurrent) {
+    addPicture(pumps_, "P3");
+    clickNode("Tanks");
+    clickNode("Pumpen");
+    click("P2");
+    const commands::PicturesOfGroup moved{pumps_, window().selectedPictures()};
+    answerTaken(
+        [&] {
+            commands::transferPictures(window(), moved, {tanks_, "Tanks"},
+                                       store::PassageKind::Move);
+        },
+        "cmdBeide");
+    settle();
+    EXPECT_EQ(stored(pumps_), QStringList({"P1", "P3"}));
+    EXPECT_EQ(label(), "P3");
 }
 
 TEST_F(PictureCarrying, RenamingsAndDeletedGroupsAreTakenBack) {
