@@ -338,6 +338,41 @@ TEST_F(GroupTest, CompactingKeepsEverythingAndGivesSpaceBack) {
     expectSound(u"Plant");
 }
 
+// Of another program, whose file has smaller sectors and nothing free.
+TEST_F(GroupTest, CompactingKeepsTheSectorSizeAndNeverMakesAFileLarger) {
+    const GroupAddress plant = topGroup(u"Plant");
+    for (const char16_t* name : {u"a", u"b", u"c", u"d"}) {
+        add(plant, name, std::string(20000, 'x'));
+    }
+    {
+        compound::CompoundFile from = openRaw(u"Plant");
+        compound::CompoundFile to = compound::CompoundFile::create(disk.create("/library/small"),
+                                                                   compound::SectorSize::Bytes512);
+        compound::copyAll(from, to);
+        to.commit();
+    }
+    disk.renameReplacing("/library/small", "/library/Plant.stg");
+    deletePicture(library, plant, {u"b"});
+    const auto size = [&] { return disk.content("/library/Plant.stg").size(); };
+    const std::size_t before = size();
+    compactGroupFile(library, "/library/Plant.stg");
+    EXPECT_EQ(openRaw(u"Plant").sectorSize(), compound::SectorSize::Bytes512);
+    EXPECT_LT(size(), before - 15000);
+    EXPECT_EQ(bytesOf(plant, u"d"), "PIC480 480 " + std::string(20000, 'x'));
+
+    std::vector<std::byte> whole;
+    std::vector<std::byte> dense = disk.content("/library/Plant.stg");
+    do { // until a sector in use would go
+        whole = dense;
+        dense.resize(dense.size() - 512);
+        disk.setContent("/library/Plant.stg", dense);
+    } while (openRaw(u"Plant").check().empty());
+    disk.setContent("/library/Plant.stg", whole);
+    ASSERT_LT(whole.size() + std::size_t{8} * 512, before);
+    compactGroupFile(library, "/library/Plant.stg");
+    EXPECT_EQ(disk.content("/library/Plant.stg"), whole);
+}
+
 TEST_F(GroupTest, LeftoversOfACrashGoWithTheNextNewFile) {
     disk.create("/library/.txs-0123456789abcdef.new");
     const auto alive = disk.create("/library/.txs-fedcba9876543210.new");
