@@ -60,6 +60,17 @@ Written writtenSoFar() {
     return written;
 }
 
+// The order in which the contenders take their turn. All orders come equally often: what one leaves
+// to the medium keeps the next one waiting, and which one that is must not always be the same.
+std::array<std::size_t, kContenders> orderOf(std::size_t turn) {
+    std::array<std::size_t, kContenders> order{kOurs, kFolder, kDatabase};
+    constexpr std::size_t kOrders = 6;
+    for (std::size_t i = 0; i < turn % kOrders; ++i) {
+        std::next_permutation(order.begin(), order.end());
+    }
+    return order;
+}
+
 std::string nameOf(std::uint64_t number) {
     std::string digits = std::to_string(number);
     return "picture-" + std::string(7 - std::min<std::size_t>(7, digits.size()), '0') + digits;
@@ -100,12 +111,11 @@ std::size_t Population::anyPlace() {
     return std::uniform_int_distribution<std::size_t>(0, kept_.size() - 1)(random_);
 }
 
-// Times the operation with each contender; another one begins every turn.
+// Times the operation with each contender.
 template <typename Operation>
 Seconds Population::time(std::size_t turn, Operation operation) {
     Seconds seconds{};
-    for (std::size_t i = 0; i < kContenders; ++i) {
-        const std::size_t index = (turn + i) % kContenders;
+    for (const std::size_t index : orderOf(turn)) {
         seconds[index] = secondsFor([&] { operation(contender(index)); });
     }
     return seconds;
@@ -185,8 +195,7 @@ void Population::addDurably(std::size_t turn, Round& round) {
     const NewPicture picture = next();
     Written before;
     Written after;
-    for (std::size_t i = 0; i < kContenders; ++i) {
-        const std::size_t index = (turn + i) % kContenders;
+    for (const std::size_t index : orderOf(turn)) {
         before = index == kOurs ? writtenSoFar() : before;
         round.add[index] += secondsFor([&] { contender(index).add(picture); });
         after = index == kOurs ? writtenSoFar() : after;
