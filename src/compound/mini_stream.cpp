@@ -71,7 +71,18 @@ void MiniStream::set(std::uint32_t mini, std::uint32_t value) {
     write32(table_->write(mini / perPage_) + std::size_t{4} * (mini % perPage_), value);
 }
 
+// The streams of a group of many thousand small pictures are more than should lie in memory at
+// once. Nobody holds on to a page of them between two calls.
+void MiniStream::boundMemory() {
+    constexpr std::size_t kMost = std::size_t{8} << 20U;
+    if (data_->memory() > kMost) {
+        data_->letGo();
+    }
+}
+
 void MiniStream::read(std::uint32_t first, std::uint64_t offset, std::span<std::byte> into) {
+    load();
+    boundMemory();
     std::uint32_t mini = first;
     std::uint64_t skip = offset / kMiniSectorSize;
     std::size_t within = offset % kMiniSectorSize;
@@ -149,6 +160,8 @@ std::uint32_t MiniStream::allocate() {
 }
 
 std::uint32_t MiniStream::store(std::span<const std::byte> bytes) {
+    load();
+    boundMemory();
     std::uint32_t first = kEndOfChain;
     std::uint32_t previous = kEndOfChain;
     for (std::size_t done = 0; done < bytes.size(); done += kMiniSectorSize) {

@@ -53,6 +53,8 @@ class MiniStream {
     void grow();
     void load();
 
+    void boundMemory();
+
     SectorFile& file_;
     Header& header_;
     AllocationTable& allocation_;

@@ -49,9 +49,19 @@ bool SectorChain::has(std::uint32_t index) {
     return index < sectors_.size();
 }
 
+// Pages to read at once: ever more of a chain that stays in memory. What is soon let go again must
+// have been worth reading, so there only the next one in order brings more.
+std::uint32_t SectorChain::pagesToLoad(std::uint32_t index) const {
+    constexpr std::uint32_t kMost = 64;
+    if (hasLetGo_) {
+        return index == loadedTo_ ? kMost : 1;
+    }
+    return loads_ < 24 ? 1 : loads_ < 64 ? 16 : kMost;
+}
+
 // Reads the page and, once many were asked for, those that lie behind it in one run.
 void SectorChain::loadPages(std::uint32_t index) {
-    const std::uint32_t wanted = loads_ < 24 ? 1 : loads_ < 64 ? 16 : 64;
+    const std::uint32_t wanted = pagesToLoad(index);
     ++loads_;
     const std::uint32_t start = index - index % wanted;
     walkTo(start + wanted - 1);
@@ -75,6 +85,7 @@ void SectorChain::loadPages(std::uint32_t index) {
     for (std::uint32_t at = from; at < to; ++at) {
         pages_[at].bytes = block + size * (at - from);
     }
+    loadedTo_ = to;
 }
 
 std::byte* SectorChain::newBlock(std::size_t pages) {
@@ -176,15 +187,31 @@ bool SectorChain::isReadable(std::uint32_t index) try {
     return false;
 }
 
+void SectorChain::letGo() {
+    SectorWrites writes;
+    addDirty(writes);
+    writes.writeTo(file_);
+    pages_.clear();
+    blocks_.clear();
+    memory_ = 0;
+    hasLetGo_ = true;
+}
+
 void SectorChain::writeOut(SectorWrites& writes) {
     if (!anyDirty_) {
         return;
     }
     giveBackKept();
+    addDirty(writes);
+    for (Page& page : pages_) {
+        page.dirty = false;
+    }
+}
+
+void SectorChain::addDirty(SectorWrites& writes) {
     for (std::uint32_t index = 0; index < pages_.size(); ++index) {
         if (pages_[index].dirty) {
             writes.add(sectors_[index], std::span(pages_[index].bytes, file_.sectorSize()));
-            pages_[index].dirty = false;
         }
     }
 }

@@ -29,7 +29,8 @@ class SectorChain {
     // Whether the chain has a page of that index; walks it that far only.
     bool has(std::uint32_t index);
 
-    // The page's bytes, valid as long as the chain lives. Damaged when the chain ends before it.
+    // The page's bytes, valid as long as the chain lives and letGo() is not called. Damaged when
+    // the chain ends before it.
     const std::byte* read(std::uint32_t index) {
         const bool inMemory = index < pages_.size() && pages_[index].bytes;
         return inMemory ? pages_[index].bytes : load(index);
@@ -50,6 +51,10 @@ class SectorChain {
     // Bytes of the pages in memory.
     std::size_t memory() const { return memory_; }
 
+    // Forgets all pages, after changed ones were written to their new places; they are read again
+    // when they are asked for.
+    void letGo();
+
     bool hasChanges() const { return anyDirty_; }
 
     // Has all changed pages written to their new places.
@@ -66,10 +71,12 @@ class SectorChain {
 
     std::uint32_t takeForAppending();
     void giveBackKept();
+    void addDirty(SectorWrites& writes);
     void move(std::uint32_t index);
     bool isReadable(std::uint32_t index);
     void walkTo(std::uint32_t index);
     const std::byte* load(std::uint32_t index);
+    std::uint32_t pagesToLoad(std::uint32_t index) const;
     void loadPages(std::uint32_t index);
     std::byte* newBlock(std::size_t pages);
 
@@ -81,6 +88,8 @@ class SectorChain {
     bool anyDirty_ = false;
     std::size_t memory_ = 0;
     std::uint32_t loads_ = 0;
+    std::uint32_t loadedTo_ = 0; // behind the pages that were read last
+    bool hasLetGo_ = false;
     std::vector<std::uint32_t> sectors_; // as far as the chain has been walked
     std::vector<std::uint32_t> kept_;    // taken for the next pages, the next one last
     std::uint32_t appended_ = 0;         // pages that this transaction has added

@@ -1,4 +1,5 @@
 // What the process remembers of a file from one opening to the next, and when it must not.
+#include "compound/allocation_meter.h"
 #include "compound/error.h"
 #include "compound/file_helpers.h"
 #include "compound/raw_file.h"
@@ -247,6 +248,56 @@ TEST_F(MemoryTest, OnlyTheHeaderOfTheLastCommitIsKnownToBeDurable) {
     disk_.setInterceptor({});
     EXPECT_EQ(syncs(&cache_), 3);
     EXPECT_EQ(findingsOf(disk_, kPath), "");
+}
+
+// More than lies in memory at once: pages of the mini stream go to the file before the commit, and
+// are read again.
+TEST(ManySmallStreamsTest, AreAddedChangedAndReadInLittleMemory) {
+    constexpr std::size_t kStreams = 6000;
+    constexpr std::size_t kBytes = 4000;
+    constexpr std::size_t kMemory = std::size_t{12} << 20U; // 24 MB of streams
+    const auto nameOf = [](std::size_t number) {
+        const std::string digits = std::to_string(number);
+        return std::u16string(digits.begin(), digits.end());
+    };
+    const auto expectAll = [&](CompoundFile& file, std::uint32_t changed) {
+        for (std::size_t i = 0; i < kStreams; ++i) {
+            const std::size_t at = i * 7919 % kStreams; // all over the file
+            const std::uint32_t seed = at % 3 == 0 ? changed : 1;
+            ASSERT_EQ(file.root().openStream(nameOf(at)).readAll(),
+                      patterned(kBytes, seed + static_cast<std::uint32_t>(at)));
+        }
+    };
+    MemoryDisk disk;
+    {
+        CompoundFile file = CompoundFile::create(disk.create(kPath));
+        for (std::size_t i = 0; i < kStreams; ++i) {
+            file.root().createStream(nameOf(i)).assign(
+                patterned(kBytes, 1 + static_cast<std::uint32_t>(i)));
+        }
+        file.commit();
+    }
+    const std::vector<std::byte> before = disk.content(kPath);
+    CompoundFile file = openFile(disk, kPath);
+    const auto change = [&] {
+        for (std::size_t i = 0; i < kStreams; i += 3) {
+            file.root().openStream(nameOf(i)).assign(
+                patterned(kBytes, 2 + static_cast<std::uint32_t>(i)));
+        }
+    };
+    change();
+    expectAll(file, 2);
+    file.dropChanges();
+    EXPECT_EQ(disk.content(kPath).size(), before.size());
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+    change();
+    file.commit();
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+
+    CompoundFile again = openFile(disk, kPath, Access::Read);
+    startAllocationMeter();
+    expectAll(again, 2);
+    EXPECT_LT(mostAllocated(), kMemory);
 }
 
 } // namespace
