@@ -48,6 +48,7 @@ bool PicturePanel::takeChanges(const groups::GroupContent& content) {
         return true;
     }
     listed_ = content.names;
+    orderedListing_ = -1;
     if (GraphicalPreview_) {
         updatePage();
     } else {

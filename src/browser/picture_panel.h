@@ -162,7 +162,7 @@ class PicturePanel : public QObject {
     void choose(const store::PictureName& picture);
     void chosenInStrip(const QString& name, Selecting how);
     void banded(const QStringList& covered, const QSet<QString>& before);
-    QStringList order() const; // of the group's pictures
+    const QStringList& order() const; // of the group's pictures
     void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);
     void showListRow();
@@ -192,6 +192,8 @@ class PicturePanel : public QObject {
     std::size_t start_ = 0;      // with which the thumbnails began last
     bool turnsToShown_ = false;  // when the thumbnails are laid out
     int listing_ = 0;            // counts how often they were
+    mutable QStringList order_;
+    mutable int orderedListing_ = -1; // for which order_ was made
     int askedListing_ = -1;      // of the last look's question
     app::TwipRect area_;
     std::optional<std::size_t> keptInSight_; // the element to begin with when they are laid out

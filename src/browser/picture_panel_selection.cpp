@@ -6,7 +6,7 @@
 #include "browser/thumbnail_strip.h"
 #include "store/picture_operations.h"
 
-#include <set>
+#include <QSet>
 
 namespace browser {
 namespace {
@@ -15,12 +15,17 @@ constexpr app::TextPair kSelected{u"%1 ausgewählt", u"%1 selected"};
 
 } // namespace
 
-QStringList PicturePanel::order() const {
-    QStringList names;
-    for (const store::PictureName& name : readNames().names) {
-        names.append(QString::fromStdU16String(name.text));
+// Made once for every listing, and not before it is asked for.
+const QStringList& PicturePanel::order() const {
+    if (orderedListing_ != listing_) {
+        order_.clear();
+        const bool isKnown = !listed_.names.empty(); // or not, just after the list was the view
+        for (const store::PictureName& name : isKnown ? listed_.names : readNames().names) {
+            order_.append(QString::fromStdU16String(name.text));
+        }
+        orderedListing_ = isKnown ? listing_ : -1;
     }
-    return names;
+    return order_;
 }
 
 void PicturePanel::chosenInStrip(const QString& name, Selecting how) {
@@ -90,11 +95,7 @@ QStringList PicturePanel::selectedNames() const {
     if (selection_.all().size() < 2) {
         return {selection_.current()};
     }
-    QStringList names;
-    for (const store::PictureName& name : listed_.names) {
-        names.append(QString::fromStdU16String(name.text));
-    }
-    return selection_.among(names);
+    return selection_.among(order());
 }
 
 void PicturePanel::describeSelection() {
@@ -105,8 +106,8 @@ void PicturePanel::describeSelection() {
         return;
     }
     emit pictureDescribed(app::text(kSelected).arg(names.size()));
-    selectedBytes_.start([library = *library_, group = *group_,
-                          selected = std::set<QString>(names.begin(), names.end())] {
+    selectedBytes_.start([library = *library_, group = *group_, names] {
+        const QSet<QString> selected(names.begin(), names.end());
         std::uint64_t bytes = 0;
         try {
             for (const store::PictureEntry& picture : store::listPictures(library, group)) {

@@ -96,9 +96,10 @@ void PictureSelection::rename(const QString& from, const QString& to) {
     }
 }
 
+// Inserting what is there would copy all of them.
 QSet<QString> PictureSelection::all() const {
     QSet<QString> all = marked_;
-    if (!current_.isEmpty()) {
+    if (!current_.isEmpty() && !marked_.contains(current_)) {
         all.insert(current_);
     }
     return all;

@@ -86,6 +86,13 @@ TEST_F(Responsiveness, ManySelectedPicturesAmongTheThumbnails) {
         auto* pages = find<QScrollBar>("imgScroll");
         pages->setValue(pages->value() == pages->maximum() ? 1 : pages->maximum());
     });
+    auto* strip = find<QWidget>("shpVorschau");
+    expectQuick("turning the wheel", [strip] {
+        const QPoint at = strip->rect().center();
+        QWheelEvent wheel(at, strip->mapToGlobal(at), {}, {0, -120}, Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(strip, &wheel);
+    });
     trigger("Men_Bearbeiten_15");
     MessageBoxScript no({}, app::kAnswerNo);
     expectQuick("asking for a deletion", [this] { trigger("Men_Bearbeiten_3"); });
