@@ -4,6 +4,7 @@
 #include "app/message_box.h"
 #include "app/settings.h"
 #include "app/texts.h"
+#include "browser/drag_image.h"
 #include "browser/main_menus.h"
 #include "browser/picture_panel.h"
 #include "browser/status_line.h"
@@ -133,6 +134,8 @@ void PictureCarrying::drag() {
         }
         auto* drag = new QDrag(panel_.strip()); // which deletes itself
         drag->setMimeData(data.release());
+        const auto number = static_cast<qsizetype>(pictures.names.size());
+        drag->setPixmap(dragImage(panel_.currentThumbnail(), number, *panel_.strip()));
         drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::CopyAction);
     } catch (const std::exception& failure) {
         commands::reportFailure(view_,

@@ -87,6 +87,8 @@ class PicturePanel : public QObject {
     // Shows the group's pictures anew, with these selected; the first of them is the shown one.
     void select(const std::vector<store::PictureName>& pictures);
 
+    QImage currentThumbnail() const; // null when it is not on the screen
+
     bool GraphicalPreview() const { return GraphicalPreview_; }
     void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
     bool isSettled() const; // nothing is being laid out or loaded
@@ -194,7 +196,7 @@ class PicturePanel : public QObject {
     int listing_ = 0;            // counts how often they were
     mutable QStringList order_;
     mutable int orderedListing_ = -1; // for which order_ was made
-    int askedListing_ = -1;      // of the last look's question
+    int askedListing_ = -1;           // of the last look's question
     app::TwipRect area_;
     std::optional<std::size_t> keptInSight_; // the element to begin with when they are laid out
     ViewChoices choices_;                    // but for the list's order

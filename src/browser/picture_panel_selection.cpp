@@ -55,6 +55,10 @@ std::vector<store::PictureName> PicturePanel::selectedPictures() const {
     return pictures;
 }
 
+QImage PicturePanel::currentThumbnail() const {
+    return strip_->currentImage();
+}
+
 void PicturePanel::selectAll() {
     if (!GraphicalPreview_) {
         lvwInfo_->selectAll();

@@ -76,7 +76,7 @@ void ThumbnailCell::paintEvent(QPaintEvent*) {
     if (emphasis_ != Emphasis::None) {
         border = emphasis_ == Emphasis::CurrentWithFocus ? highlight
                                                          : app::between(highlight, base, 0.35);
-        fill = app::between(highlight, base, emphasis_ == Emphasis::Selected ? 0.7 : 0.8);
+        fill = app::between(highlight, base, 0.72);
     }
     const double pen =
         emphasis_ == Emphasis::Current || emphasis_ == Emphasis::CurrentWithFocus ? 2 : 1;
@@ -228,6 +228,11 @@ int ThumbnailStrip::markedCell() const {
     return found == cells_.end() ? -1 : static_cast<int>(found - cells_.begin());
 }
 
+QImage ThumbnailStrip::currentImage() const {
+    const int index = markedCell();
+    return index < 0 ? QImage() : cells_[static_cast<std::size_t>(index)]->image();
+}
+
 void ThumbnailStrip::choose(int index, Selecting how) {
     chooseWhenShown_ = -1;
     emit chosen(cells_[static_cast<std::size_t>(index)]->tag(), how);
@@ -318,7 +323,9 @@ void ThumbnailStrip::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ThumbnailStrip::mouseMoveEvent(QMouseEvent* event) {
-    emit pointerOver(nameAt(event->position().toPoint()), event->globalPosition().toPoint());
+    const bool isHeld = event->buttons() != Qt::NoButton; // a band is drawn, or a drag begins
+    emit pointerOver(isHeld ? QString() : nameAt(event->position().toPoint()),
+                     event->globalPosition().toPoint());
     mouse_->moved(*event);
 }
 

@@ -30,6 +30,7 @@ class ThumbnailCell : public QWidget {
 
     // The name of the shown picture; empty for an empty cell.
     const QString& tag() const { return tag_; }
+    const QImage& image() const { return image_; }
     void clearTag();
 
   protected:
@@ -77,6 +78,7 @@ class ThumbnailStrip : public QFrame {
 
     QString nameAt(const QPoint& position) const; // empty for none
     QStringList namesIn(const QRect& area) const; // of the cells that it touches
+    QImage currentImage() const; // of the current picture; null when it is not on the screen
 
     void setCellsVisible(bool visible);
 
