@@ -2,14 +2,18 @@
 
 #include "app/message_box.h"
 #include "app/texts.h"
+#include "groups/group_paths.h"
 #include "store/group_operations.h"
 
+#include <chrono>
+#include <map>
 #include <set>
 #include <utility>
 
 namespace browser {
 namespace {
 
+constexpr std::chrono::milliseconds kLockWait{500};
 constexpr app::TextPair kOneAdded{u"1 Bild hinzugefügt", u"1 picture added"};
 constexpr app::TextPair kManyAdded{u"%1 Bilder hinzugefügt", u"%1 pictures added"};
 constexpr app::TextPair kOneSame{u"schon vorhanden: %1", u"already there: %1"};
@@ -26,16 +30,32 @@ class Stoppable : public store::Progress {
     std::shared_ptr<std::atomic<bool>> stop_;
 };
 
-QString nameOf(const store::Library& library, const store::PictureAddress& picture) {
-    QString group = QString::fromStdU16String(picture.group.storage.text);
-    try {
-        group = QString::fromStdU16String(store::readGroupName(library, picture.group).text);
-    } catch (const std::exception&) {
-        group.clear(); // gone meanwhile: the picture's name alone
+// What pictures are called together with all groups above them; each file is read once.
+class FullNames {
+  public:
+    explicit FullNames(const store::Library& library) : library_(library) {}
+
+    QString of(const store::PictureAddress& picture) {
+        const groups::GroupPaths& paths = pathsIn(picture.group.file);
+        const auto path = paths.find(picture.group.storage.text);
+        const QString name = QString::fromStdU16String(picture.name.text);
+        // Gone or locked meanwhile: the picture's name alone.
+        return path == paths.end() ? name : path->second + QStringLiteral(" / ") + name;
     }
-    const QString name = QString::fromStdU16String(picture.name.text);
-    return group.isEmpty() ? name : group + QStringLiteral(" / ") + name;
-}
+
+  private:
+    const groups::GroupPaths& pathsIn(const store::FileName& file) {
+        const auto [place, isNew] = files_.try_emplace(file.text);
+        if (isNew) {
+            place->second = groups::pathsOf(
+                store::readGroupFile(library_, file, store::LockBudget(kLockWait)).groups);
+        }
+        return place->second;
+    }
+
+    const store::Library& library_;
+    std::map<std::u16string, groups::GroupPaths> files_;
+};
 
 } // namespace
 
@@ -80,6 +100,7 @@ DuplicateWatch::Found DuplicateWatch::findAmong(const store::Library& library,
                                                 store::Progress& progress) {
     Found found;
     found.arrived = pictures.size();
+    FullNames names(library);
     const std::set<store::PictureAddress> arrived(pictures.begin(), pictures.end());
     for (const store::SamePictures& same : store::findSamePictures(
              library, pictures, progress, [&found](const compound::Error& error) {
@@ -88,7 +109,7 @@ DuplicateWatch::Found DuplicateWatch::findAmong(const store::Library& library,
         QStringList others;
         for (const store::PictureAddress& other : same.others) {
             if (!arrived.contains(other)) {
-                others.append(nameOf(library, other));
+                others.append(names.of(other));
             }
         }
         if (!others.isEmpty()) {
@@ -114,7 +135,7 @@ void DuplicateWatch::take() {
     if (!found.unread.isEmpty()) {
         result += QStringLiteral("; ") + app::text(kUnread);
     }
-    emit looked(result, (found.same + found.unread).join(u'\n'));
+    emit looked(result, found.same + found.unread);
 }
 
 } // namespace browser

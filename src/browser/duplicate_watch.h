@@ -33,7 +33,7 @@ class DuplicateWatch : public QObject {
 
   signals:
     // How many have come, which of them the library has elsewhere, and what to tell of them.
-    void looked(const QString& result, const QString& details);
+    void looked(const QString& result, const QStringList& details);
 
   private:
     struct Found {

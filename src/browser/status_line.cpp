@@ -2,12 +2,17 @@
 
 #include "app/named_control.h"
 #include "app/texts.h"
+#include "commands/skipped_files.h"
 
 #include <QFocusEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 #include <QToolTip>
+
+#include <functional>
 
 namespace browser {
 namespace {
@@ -17,21 +22,30 @@ constexpr app::TextPair kOne{u"1 Bild", u"1 picture"};
 constexpr app::TextPair kMany{u"%1 Bilder", u"%1 pictures"};
 constexpr app::TextPair kPage{u"Seite %1 von %2", u"page %1 of %2"};
 constexpr int kSpacing = 16;
+constexpr int kMostTipLines = 30;
 
 } // namespace
 
-// The result, with a place among what Tab goes to while there is more of it than fits.
+// The result; while there is more to be read than what is seen, a place among what Tab goes to.
 class StatusLine::ResultLabel : public QLabel {
   public:
     using QLabel::QLabel;
 
-    void showAll() { QToolTip::showText(mapToGlobal(QPoint(0, 0)), toolTip(), this); }
+    std::function<void()> chosen; // by Enter, the space bar or a click
+
+    void setMore(bool isMore) {
+        setFocusPolicy(isMore ? Qt::TabFocus : Qt::NoFocus);
+        setCursor(isMore ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    }
+
+    void showTip() { QToolTip::showText(mapToGlobal(QPoint(0, 0)), toolTip(), this); }
 
   protected:
     void focusInEvent(QFocusEvent* event) override {
         QLabel::focusInEvent(event);
+        // Later, since tips go when the focus comes.
         if (event->reason() != Qt::ActiveWindowFocusReason) {
-            showAll();
+            QMetaObject::invokeMethod(this, &ResultLabel::showTip, Qt::QueuedConnection);
         }
         update();
     }
@@ -42,9 +56,18 @@ class StatusLine::ResultLabel : public QLabel {
         update();
     }
 
-    void mousePressEvent(QMouseEvent*) override {
-        if (focusPolicy() != Qt::NoFocus) {
-            showAll();
+    void keyPressEvent(QKeyEvent* event) override {
+        const int key = event->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space) {
+            chosen();
+        } else {
+            QLabel::keyPressEvent(event);
+        }
+    }
+
+    void mousePressEvent(QMouseEvent* event) override {
+        if (focusPolicy() != Qt::NoFocus && event->button() == Qt::LeftButton) {
+            chosen();
         }
     }
 
@@ -72,6 +95,10 @@ StatusLine::StatusLine(QWidget* parent)
     lblErgebnis_->setObjectName(QStringLiteral("lblErgebnis"));
     lblErgebnis_->setTextFormat(Qt::PlainText);
     lblErgebnis_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    lblErgebnis_->chosen = [this] {
+        QToolTip::hideText();
+        commands::showSummary(result_, details_, window());
+    };
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(kSpacing);
@@ -79,22 +106,25 @@ StatusLine::StatusLine(QWidget* parent)
     row->addWidget(lblSeiten_);
 }
 
-void StatusLine::tell(const QString& result, const QString& details) {
+void StatusLine::tell(const QString& result, const QStringList& details) {
     result_ = result;
-    hasDetails_ = !details.isEmpty();
-    const QString all = details.isEmpty() ? result : result + u'\n' + details;
+    details_ = details;
+    const QStringList all = QStringList(result) + details;
+    QStringList tip = all.mid(0, kMostTipLines);
+    if (tip.size() < all.size()) {
+        tip.append(QStringLiteral("..."));
+    }
     // A text that looks marked up would be shown so.
-    lblErgebnis_->setToolTip(QStringLiteral("<p style='white-space:pre'>") + all.toHtmlEscaped() +
-                             QStringLiteral("</p>"));
-    lblErgebnis_->setAccessibleDescription(all);
+    lblErgebnis_->setToolTip(QStringLiteral("<p style='white-space:pre'>") +
+                             tip.join(u'\n').toHtmlEscaped() + QStringLiteral("</p>"));
+    lblErgebnis_->setAccessibleDescription(all.join(u'\n'));
     cut();
 }
 
 void StatusLine::cut() {
     lblErgebnis_->setText(
         lblErgebnis_->fontMetrics().elidedText(result_, Qt::ElideRight, lblErgebnis_->width()));
-    const bool isAllSeen = !hasDetails_ && lblErgebnis_->text() == result_;
-    lblErgebnis_->setFocusPolicy(isAllSeen ? Qt::NoFocus : Qt::TabFocus);
+    lblErgebnis_->setMore(!details_.isEmpty() || lblErgebnis_->text() != result_);
 }
 
 void StatusLine::showPages(const ShownPages& pages) {

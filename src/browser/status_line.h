@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QString>
+#include <QStringList>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,8 +26,8 @@ class StatusLine : public QWidget {
     explicit StatusLine(QWidget* parent);
 
     // Stays until something else is told. What does not fit is cut; the tool tip, which Tab brings
-    // up as well, has all of it, and `details`, lines of their own.
-    void tell(const QString& result, const QString& details = {});
+    // up as well, has all of it and the first of the `details`. Enter or a click on it shows all.
+    void tell(const QString& result, const QStringList& details = {});
 
     void showPages(const ShownPages& pages);
     // Of what is selected: sizes; empty for nothing.
@@ -45,7 +46,7 @@ class StatusLine : public QWidget {
     ResultLabel* lblErgebnis_;
     QLabel* lblSeiten_;
     QString result_;
-    bool hasDetails_ = false;
+    QStringList details_;
     QString pages_;
     QString selection_;
 };

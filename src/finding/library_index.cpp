@@ -1,6 +1,7 @@
 #include "finding/library_index.h"
 
 #include "compound/error.h"
+#include "groups/group_paths.h"
 #include "store/picture_operations.h"
 
 #include <algorithm>
@@ -22,17 +23,13 @@ QString textOf(const std::u16string& text) {
     return QString::fromStdU16String(text);
 }
 
-// The groups come with every parent before its children.
 std::vector<NamedGroup> namedGroups(const store::Library& library,
-                                    const std::vector<store::GroupEntry>& groups) {
+                                    const std::vector<store::GroupEntry>& entries) {
     std::vector<NamedGroup> named;
-    std::map<std::u16string, QString> paths;
-    for (const store::GroupEntry& group : groups) {
-        const QString name = textOf(group.name.text);
-        const QString above = group.parent.text.empty() ? QString() : paths[group.parent.text];
-        const QString path = above.isEmpty() ? name : above + QLatin1String(" / ") + name;
-        paths[group.address.storage.text] = path;
-        named.push_back({group.address, name, path, {}});
+    const groups::GroupPaths paths = groups::pathsOf(entries);
+    for (const store::GroupEntry& group : entries) {
+        named.push_back(
+            {group.address, textOf(group.name.text), paths.at(group.address.storage.text), {}});
         for (store::PictureEntry& picture : store::listPictures(library, group.address)) {
             named.back().pictures.push_back(
                 {std::move(picture.name), std::move(picture.record.type)});

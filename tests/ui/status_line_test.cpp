@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QToolTip>
@@ -134,12 +135,12 @@ TEST_P(StatusLineTest, TellsWhatACommandHasDone) {
 
 TEST_P(StatusLineTest, TellsWhatHasComeAndWhereItWasAlready) {
     const auto group = makeGroup("Pumpen");
-    const auto other = makeGroup("Ventile");
+    const auto other = makeGroup("Ventile", makeGroup("Werk"));
     addPicture(group, "Alt", Qt::red);
     addPicture(other, "Neu", Qt::red);
     addPicture(other, "Blau", Qt::blue);
     start();
-    clickNode("Ventile");
+    clickNode("Werk/Ventile");
     arrive({{other, {u"Blau"}}});
     EXPECT_EQ(result(), say("1 Bild hinzugefügt", "1 picture added"));
     arrive({{other, {u"Neu"}}});
@@ -154,15 +155,37 @@ TEST_P(StatusLineTest, TellsWhatHasComeAndWhereItWasAlready) {
     EXPECT_EQ(result(), say("4 Bilder hinzugefügt; 2 davon schon vorhanden",
                             "4 pictures added; 2 of them already there"));
     const QString all = find<QLabel>("lblErgebnis")->accessibleDescription();
-    EXPECT_TRUE(all.endsWith("\nRot = Pumpen / Alt, Ventile / Neu\nZwei = Ventile / Blau"))
+    EXPECT_TRUE(
+        all.endsWith("\nRot = Pumpen / Alt, Werk / Ventile / Neu\nZwei = Werk / Ventile / Blau"))
         << all.toStdString();
-    EXPECT_TRUE(find<QLabel>("lblErgebnis")->toolTip().contains("Zwei = Ventile / Blau"));
-    // Without the mouse, too, and only as long as there is more to be read than what is seen.
+    EXPECT_TRUE(find<QLabel>("lblErgebnis")->toolTip().contains("Zwei = Werk / Ventile / Blau"));
+}
+
+TEST_P(StatusLineTest, TabGoesToItWhileThereIsMoreToBeRead) {
+    const auto group = makeGroup("Pumpen");
+    std::vector<store::PictureAddress> arrived;
+    for (int i = 0; i < 40; ++i) {
+        addPicture(group, QStringLiteral("A%1").arg(i), QColor(i, 0, 0));
+        addPicture(group, QStringLiteral("B%1").arg(i), QColor(i, 0, 0));
+        arrived.push_back({group, {QStringLiteral("B%1").arg(i).toStdU16String()}});
+    }
+    start();
+    arrive(arrived);
     QApplication::setActiveWindow(&window());
     find<QWidget>("imgScroll")->setFocus();
     QTest::keyClick(find<QWidget>("imgScroll"), Qt::Key_Tab);
     EXPECT_TRUE(find<QLabel>("lblErgebnis")->hasFocus());
-    EXPECT_TRUE(QToolTip::text().contains("Zwei = Ventile / Blau"));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(QToolTip::isVisible());
+    EXPECT_TRUE(QToolTip::text().contains("B20 = Pumpen / A20"));
+    EXPECT_FALSE(QToolTip::text().contains("B39")) << "higher than a screen";
+    inDialog([this] { QTest::keyClick(find<QWidget>("lblErgebnis"), Qt::Key_Return); },
+             [](QDialog& dialog) {
+                 const QString shown =
+                     dialog.findChild<QPlainTextEdit*>("txtDateien")->toPlainText();
+                 EXPECT_TRUE(shown.contains("B39 = Pumpen / A39")) << shown.toStdString();
+             });
+    QApplication::setActiveWindow(&window());
     QTest::keyClick(find<QWidget>("lblErgebnis"), Qt::Key_Tab);
     EXPECT_TRUE(tree()->hasFocus());
     window().TellResult("Kurz");
