@@ -105,11 +105,14 @@ QStringList PicturePanel::selectedNames() const {
 void PicturePanel::describeSelection() {
     selectedBytes_.drop();
     const QStringList names = selectedNames();
+    strip_->setAccessibleDescription(shownPicture_.caption());
     if (names.size() < 2 || library_ == nullptr || !group_) {
         emit pictureDescribed(shownSizes_);
         return;
     }
-    emit pictureDescribed(app::text(kSelected).arg(names.size()));
+    const QString count = app::text(kSelected).arg(names.size());
+    strip_->setAccessibleDescription(shownPicture_.caption() + QStringLiteral(", ") + count);
+    emit pictureDescribed(count);
     selectedBytes_.start([library = *library_, group = *group_, names] {
         const QSet<QString> selected(names.begin(), names.end());
         std::uint64_t bytes = 0;

@@ -46,7 +46,9 @@ class TakenNameDialog : public QDialog {
         chkAlle_->setVisible(left > 1);
         auto* buttons = new QHBoxLayout;
         addButton(*buttons, "cmdErsetzen", kReplace, IfNameTaken::Replace);
-        addButton(*buttons, "cmdBeide", kKeepBoth, IfNameTaken::KeepBoth)->setDefault(true);
+        QPushButton* safe = addButton(*buttons, "cmdBeide", kKeepBoth, IfNameTaken::KeepBoth);
+        safe->setDefault(true);
+        safe->setFocus(); // whichever button has it is the default
         addButton(*buttons, "cmdUeberspringen", kSkip, IfNameTaken::Skip);
         auto* cancel = app::makeNamed<QPushButton>("cmdAbbruch", this);
         cancel->setText(app::text(kCancel));

@@ -73,6 +73,7 @@ TEST_F(ManyPictures, AreSelectedByCtrlShiftAndRubberBand) {
     click("P4", Qt::ControlModifier);
     EXPECT_EQ(selected(), QStringList({"P2", "P4"}));
     EXPECT_EQ(label(), "P4");
+    EXPECT_EQ(find<QWidget>("shpVorschau")->accessibleDescription(), "P4, 2 ausgewählt");
     click("P5", Qt::ShiftModifier);
     EXPECT_EQ(selected(), QStringList({"P4", "P5"}));
     click("P2", Qt::ControlModifier | Qt::ShiftModifier);

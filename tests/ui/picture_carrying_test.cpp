@@ -102,6 +102,7 @@ class PictureCarrying : public MainWindowTest {
     void answerTaken(const std::function<void()>& run, const char* button, bool forAll = false) {
         inDialog(run, [&](QDialog& dialog) {
             ASSERT_EQ(dialog.objectName(), "frmVorhanden");
+            EXPECT_TRUE(dialog.findChild<QPushButton*>("cmdBeide")->isDefault()) << "for Enter";
             if (forAll) {
                 dialog.findChild<QAbstractButton*>("chkAlle")->click();
             }
