@@ -23,6 +23,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <system_error>
 
 namespace commands {
 namespace {
@@ -73,8 +74,24 @@ std::string codeOf(picture::PictureKind kind) {
     return std::string(base::kTypeCodes.at(static_cast<std::size_t>(kind)));
 }
 
+// What opening it would only tell as a failure.
+std::optional<Error> refusalOfKind(const std::filesystem::path& file) {
+    std::error_code unknown; // whatever is wrong is told when the file is read
+    const auto status = std::filesystem::status(file, unknown);
+    if (std::filesystem::is_directory(status)) {
+        return Error(ErrorCode::InvalidPicture, file, "it is a folder");
+    }
+    if (std::filesystem::is_other(status)) {
+        return Error(ErrorCode::InvalidPicture, file, "it is a pipe or a device and no file");
+    }
+    return std::nullopt;
+}
+
 Inspected inspect(const store::Library& library, const std::filesystem::path& file) {
     Inspected found;
+    if (found.refusal = refusalOfKind(file); found.refusal) {
+        return found;
+    }
     if (isNamedAsPicture(file)) {
         return found; // what is in it is looked at when it is stored
     }

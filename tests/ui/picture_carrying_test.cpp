@@ -137,6 +137,8 @@ TEST_F(PictureCarrying, FilesComeInByDropAndTellWhatIsWrongWithThem) {
                              "https://example.org/a.bmp"}) {
         EXPECT_EQ(summary.count(QLatin1String(file)), 1) << file << "\n" << summary.toStdString();
     }
+    EXPECT_TRUE(summary.contains("(it is a folder)"));
+    EXPECT_TRUE(summary.contains("(it is a pipe or a device and no file)"));
     EXPECT_TRUE(summary.contains('"' + longName + "\" heißt jetzt \"" + QString(31, 'x') + '"'));
     EXPECT_EQ(label(), "Neu");
     EXPECT_EQ(window().selectedPictures().size(), 3U);
