@@ -18,6 +18,7 @@
 namespace {
 
 using app::LongOperation;
+using Counting = app::LongOperation::Counting;
 using Stopping = app::LongOperation::Stopping;
 
 constexpr std::chrono::milliseconds kAtOnce{0};
@@ -53,8 +54,8 @@ TEST_F(LongOperationTest, RunsElsewhereAndGivesItsResult) {
     QTimer::singleShot(0, [&] { wasAlive = app::isLongOperationRunning(); });
     std::binary_semaphore goOn(0);
     QTimer::singleShot(0, [&] { goOn.release(); });
-    const int result =
-        app::resultOfLong<int>({"Waiting", Stopping::NotOffered, kNever}, nullptr, [&](auto&) {
+    const int result = app::resultOfLong<int>(
+        {"Waiting", Stopping::NotOffered, Counting::Bytes, kNever}, nullptr, [&](auto&) {
             goOn.acquire();
             return std::this_thread::get_id() == here ? 1 : 2;
         });
@@ -95,7 +96,7 @@ TEST_F(LongOperationTest, AfterAMomentAWindowShowsHowFarItIs) {
         }
         return amount == "Finishing";
     });
-    app::runLong({"Copying <b>", Stopping::NotOffered, kAtOnce}, nullptr,
+    app::runLong({"Copying <b>", Stopping::NotOffered, Counting::Bytes, kAtOnce}, nullptr,
                  [&](store::Progress& progress) {
                      progress.report(750'000'000, 1'000'000'000);
                      goOn.acquire();
@@ -122,7 +123,7 @@ TEST_F(LongOperationTest, StoppingIsAskedForByButtonEscapeAndCloseBox) {
             EXPECT_FALSE(find<QPushButton>(window, "cmdAbbruch").isEnabled());
             return true;
         });
-        app::runLong({"Copying", Stopping::Offered, kAtOnce}, nullptr,
+        app::runLong({"Copying", Stopping::Offered, Counting::Bytes, kAtOnce}, nullptr,
                      [](store::Progress& progress) {
                          while (!progress.isStopWanted()) {
                              std::this_thread::yield();
@@ -141,11 +142,12 @@ TEST_F(LongOperationTest, WhatCannotBeStoppedAnyMoreDoesNotOfferIt) {
         goOn.release();
         return true;
     });
-    app::runLong({"Copying", Stopping::Offered, kAtOnce}, nullptr, [&](store::Progress& progress) {
-        progress.report(10, 10);
-        goOn.acquire();
-        EXPECT_FALSE(progress.isStopWanted());
-    });
+    app::runLong({"Copying", Stopping::Offered, Counting::Bytes, kAtOnce}, nullptr,
+                 [&](store::Progress& progress) {
+                     progress.report(10, 10);
+                     goOn.acquire();
+                     EXPECT_FALSE(progress.isStopWanted());
+                 });
 }
 
 // The window's end asks it to stop and comes once it has.
@@ -158,11 +160,12 @@ TEST_F(LongOperationTest, WhatWaitsForItsEndComesAfterIt) {
         app::afterLongOperation(gone.get(), [&] { events.append("never"); });
         gone.reset();
     });
-    app::runLong({"Copying", Stopping::Offered, kNever}, nullptr, [](store::Progress& progress) {
-        while (!progress.isStopWanted()) {
-            std::this_thread::yield();
-        }
-    });
+    app::runLong({"Copying", Stopping::Offered, Counting::Bytes, kNever}, nullptr,
+                 [](store::Progress& progress) {
+                     while (!progress.isStopWanted()) {
+                         std::this_thread::yield();
+                     }
+                 });
     events.append("ended");
     QCoreApplication::processEvents();
     EXPECT_EQ(events, (QStringList{"ended", "then"}));
