@@ -49,7 +49,7 @@ QImage imageOf(const store::StoredPicture& picture) {
 // A folder that nothing was handed out from yet: whoever took earlier files may still read them.
 std::filesystem::path freshFolder(const std::filesystem::path& temporaryFolder) {
     static int number = 0; // of the window's thread
-    const std::filesystem::path folder = temporaryFolder / "Clipboard" / std::to_string(++number);
+    std::filesystem::path folder = temporaryFolder / "Clipboard" / std::to_string(++number);
     std::error_code ignored; // what goes wrong here, the next call tells
     std::filesystem::create_directories(folder, ignored);
     return folder;

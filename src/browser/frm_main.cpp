@@ -174,6 +174,7 @@ void frmMain::connectWatch() {
     });
     connect(&watch_, &LibraryWatch::remembered, index, [index](const auto& files) {
         std::vector<store::FileName> names;
+        names.reserve(files.size());
         for (const groups::GroupFile& file : files) {
             names.push_back(file.file);
         }
@@ -322,8 +323,8 @@ void frmMain::saveSettings() {
     }
 }
 
-void frmMain::PicturesArrived(std::function<std::vector<store::PictureAddress>()> arrived) {
-    duplicates_->look(*library_, std::move(arrived));
+void frmMain::PicturesArrived(const std::function<std::vector<store::PictureAddress>()>& arrived) {
+    duplicates_->look(*library_, arrived);
 }
 
 void frmMain::TellResult(const QString& result) {

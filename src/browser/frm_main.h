@@ -79,7 +79,8 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     bool GraphicalPreview() const override;
     void VorschauAktiviert() override;
     void VorschauDeaktiviert() override;
-    void PicturesArrived(std::function<std::vector<store::PictureAddress>()> arrived) override;
+    void
+    PicturesArrived(const std::function<std::vector<store::PictureAddress>()>& arrived) override;
     void TellResult(const QString& result) override;
     void changeView(commands::ViewChange change) override;
     void HandOver(const QString& path) override;

@@ -28,7 +28,7 @@ constexpr app::TextPair kPreviewName{u"Vorschau", u"Preview"};
 
 // "640 × 480, 12 KB"; without the first part for a picture whose record is missing.
 QString sizesOf(const store::PictureEntry& picture) {
-    const QString bytes = kilobytesRoundedUp(picture.bytes);
+    QString bytes = kilobytesRoundedUp(picture.bytes);
     const store::PictureRecord& record = picture.record;
     if (!(record.width > 0) || !(record.height > 0)) {
         return bytes;

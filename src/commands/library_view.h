@@ -101,7 +101,8 @@ class LibraryView {
 
     // Tells, some time later, how many pictures have come into the library and which of them it had
     // already. `arrived` is called on a worker and may read files.
-    virtual void PicturesArrived(std::function<std::vector<store::PictureAddress>()> /*arrived*/) {}
+    virtual void
+    PicturesArrived(const std::function<std::vector<store::PictureAddress>()>& /*arrived*/) {}
 
     virtual void FillListView(const store::GroupAddress& group) = 0;
 
