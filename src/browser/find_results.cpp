@@ -27,7 +27,7 @@ constexpr app::TextPair kSeveral{u"%1 Treffer", u"%1 matches"};
 constexpr app::TextPair kFirst{u"Die ersten %1 von %2 Treffern", u"The first %1 of %2 matches"};
 constexpr app::TextPair kReading{u" – %1 von %2 Gruppendateien gelesen",
                                  u" – %1 of %2 group files read"};
-constexpr int kTextWidth = 118; // pixels
+constexpr int kTextWidth = 136; // pixels, from one result to the next
 constexpr int kPadding = 8;
 
 } // namespace
