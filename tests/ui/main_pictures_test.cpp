@@ -268,6 +268,7 @@ TEST_F(MainPictures, RightClickOnAThumbnailChoosesItAndShowsThePictureBand) {
     QApplication::sendEvent(cell, &request);
     EXPECT_EQ(label(), "P2");
     EXPECT_TRUE(find<QMenu>("Band1")->isVisible());
+    QTest::mouseRelease(cell, Qt::RightButton); // else the next test's mouse still holds it
 }
 
 TEST_F(MainPictures, ToolTipNamesTheThumbnailAndHidesOverTheFreeSurface) {
