@@ -179,7 +179,9 @@ void PictureList::fill(const std::optional<store::GroupAddress>& group,
         rows.append(new PictureRow(picture, static_cast<std::size_t>(rows.size())));
     }
     addTopLevelItems(rows);
-    sortRows();
+    if (order_ != ListOrder()) { // they come in the group's
+        sortRows();
+    }
 }
 
 void PictureList::update(std::span<const store::PictureEntry> pictures) {

@@ -5,18 +5,9 @@
 
 #include <QLocale>
 
+#include <utility>
+
 namespace browser {
-namespace {
-
-// Nothing is told of a text that stays: its row would be painted anew, and its editor closed.
-void put(QTreeWidgetItem& row, int column, const QString& text) {
-    if (row.text(column) != text) {
-        row.setText(column, text);
-    }
-}
-
-} // namespace
-
 QCollator nameCollator() {
     QCollator collator(
         QLocale(app::languageCode() == app::kEnglishLocale ? QLocale::English : QLocale::German));
@@ -26,37 +17,75 @@ QCollator nameCollator() {
 }
 
 PictureRow::PictureRow(const store::PictureEntry& picture, std::size_t position)
-    : position_(position) {
-    describe(picture, position);
+    : position_(position), values_(valuesOf(picture)) {
     setFlags(flags() | Qt::ItemIsEditable);
 }
 
-void PictureRow::describe(const store::PictureEntry& picture, std::size_t position) {
+PictureRow::Values PictureRow::valuesOf(const store::PictureEntry& picture) {
     const store::PictureRecord& record = picture.record;
-    const bool hasRecord = !record.type.empty();
+    return {QString::fromStdU16String(picture.name.text),
+            !record.type.empty(),
+            picture.bytes,
+            record.height,
+            record.width,
+            QString::fromStdString(record.type)};
+}
+
+void PictureRow::describe(const store::PictureEntry& picture, std::size_t position) {
     position_ = position;
-    bytes_ = static_cast<double>(picture.bytes);
-    height_ = record.height;
-    width_ = record.width;
-    rename(QString::fromStdU16String(picture.name.text));
-    put(*this, 1, kilobytesText(picture.bytes));
-    put(*this, 2, hasRecord ? app::numberText(record.height) : QString());
-    put(*this, 3, hasRecord ? app::numberText(record.width) : QString());
-    type_ = QString::fromStdString(record.type);
-    put(*this, 4, type_);
-    setToolTip(1, bytesText(picture.bytes));
+    Values described = valuesOf(picture);
+    rename(described.name);
+    const Values before = std::exchange(values_, std::move(described));
+    for (int column = 1; column < static_cast<int>(kListColumns); ++column) {
+        const bool hasNewToolTip = column == 1 && before.bytes != values_.bytes;
+        if (hasNewToolTip || before.text(column) != values_.text(column)) {
+            tellChange(column);
+        }
+    }
 }
 
 void PictureRow::rename(const QString& name) {
-    if (text(0) != name) {
-        setText(0, name);
+    if (values_.name != name) {
+        values_.name = name;
         key_.reset();
+        tellChange(0);
+    }
+}
+
+// The list learns of a change when it is given something.
+void PictureRow::tellChange(int column) {
+    constexpr int kChanges = Qt::UserRole;
+    setData(column, kChanges, QTreeWidgetItem::data(column, kChanges).toInt() + 1);
+}
+
+QVariant PictureRow::data(int column, int role) const {
+    if (role == Qt::DisplayRole || role == Qt::EditRole) {
+        return values_.text(column);
+    }
+    if (role == Qt::ToolTipRole && column == 1) {
+        return bytesText(values_.bytes);
+    }
+    return QTreeWidgetItem::data(column, role);
+}
+
+QString PictureRow::Values::text(int column) const {
+    switch (column) {
+    case 0:
+        return name;
+    case 1:
+        return kilobytesText(bytes);
+    case 2:
+        return hasRecord ? app::numberText(height) : QString();
+    case 3:
+        return hasRecord ? app::numberText(width) : QString();
+    default:
+        return type;
     }
 }
 
 const QCollatorSortKey& PictureRow::key() const {
     if (!key_) {
-        key_ = static_cast<const PictureList*>(treeWidget())->collator().sortKey(text(0));
+        key_ = static_cast<const PictureList*>(treeWidget())->collator().sortKey(values_.name);
     }
     return *key_;
 }
@@ -66,13 +95,13 @@ bool PictureRow::isLess(const PictureRow& other, int column) const {
     case 0:
         return key().compare(other.key()) < 0;
     case 1:
-        return bytes_ < other.bytes_;
+        return values_.bytes < other.values_.bytes;
     case 2:
-        return height_ < other.height_;
+        return values_.height < other.values_.height;
     case 3:
-        return width_ < other.width_;
+        return values_.width < other.values_.width;
     case 4:
-        return type_ < other.type_;
+        return values_.type < other.values_.type;
     default:
         return position_ < other.position_;
     }

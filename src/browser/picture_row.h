@@ -7,6 +7,7 @@
 #include <QTreeWidgetItem>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 
 namespace browser {
@@ -20,24 +21,37 @@ class PictureRow : public QTreeWidgetItem {
     // `position`: of the picture in its group.
     PictureRow(const store::PictureEntry& picture, std::size_t position);
 
-    // Texts that stay are not touched: a row that is being edited goes on being so.
+    // What stays is not touched: a row that is being edited goes on being so.
     void describe(const store::PictureEntry& picture, std::size_t position);
     void rename(const QString& name);
 
     std::size_t position() const { return position_; }
 
+    // Texts are made when they are shown: most rows of a large group never are.
+    QVariant data(int column, int role) const override;
+
     // Whether it stands above the other row of its list, were the order an ascending one.
     bool operator<(const QTreeWidgetItem& other) const override;
 
   private:
+    struct Values {
+        QString name;
+        bool hasRecord = false;
+        std::uint64_t bytes = 0;
+        double height = 0; // pixels, as is the width
+        double width = 0;
+        QString type;
+
+        QString text(int column) const;
+    };
+
+    static Values valuesOf(const store::PictureEntry& picture);
+    void tellChange(int column);
     bool isLess(const PictureRow& other, int column) const;
     const QCollatorSortKey& key() const;
 
     std::size_t position_;
-    double bytes_ = 0;
-    double height_ = 0;
-    double width_ = 0;
-    QString type_;
+    Values values_;
     mutable std::optional<QCollatorSortKey> key_; // of the name; not before it is asked for
 };
 

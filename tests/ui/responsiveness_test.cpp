@@ -47,10 +47,13 @@ class Responsiveness : public MainWindowTest {
     }
 
     // The least of three times: what is done for the first time (fonts, caches) is another matter.
-    void expectQuick(const char* what, const std::function<void()>& act) {
+    void expectQuick(
+        const char* what, const std::function<void()>& act,
+        const std::function<void()>& prepare = [] {}) {
         auto* meter = static_cast<EventMeter*>(QCoreApplication::instance());
         EventMeter::Costly least{std::chrono::hours(1), {}};
         for (int i = 0; i < 3; ++i) {
+            prepare();
             settle();
             meter->takeCostliest();
             QMetaObject::invokeMethod(&window(), act, Qt::QueuedConnection); // as an event
@@ -107,6 +110,17 @@ TEST_F(Responsiveness, ManySelectedPicturesInTheList) {
         expectQuickKey("lvwInfo", key);
     }
     expectQuickKey("lvwInfo", Qt::Key_End, Qt::ShiftModifier);
+}
+
+TEST_F(Responsiveness, ChangesOfTheView) {
+    const auto change = [this] { trigger("Men_Extras_0"); };
+    const auto showAs = [&](bool asList) {
+        if ((find<QWidget>("lvwInfo")->isVisible()) != asList) {
+            change();
+        }
+    };
+    expectQuick("showing the list", change, [&] { showAs(false); });
+    expectQuick("showing the thumbnails", change, [&] { showAs(true); });
 }
 
 } // namespace
