@@ -28,7 +28,7 @@ PictureRow::Values PictureRow::valuesOf(const store::PictureEntry& picture) {
             picture.bytes,
             record.height,
             record.width,
-            QString::fromStdString(record.type)};
+            record.type};
 }
 
 void PictureRow::describe(const store::PictureEntry& picture, std::size_t position) {
@@ -79,7 +79,7 @@ QString PictureRow::Values::text(int column) const {
     case 3:
         return hasRecord ? app::numberText(width) : QString();
     default:
-        return type;
+        return QString::fromStdString(type);
     }
 }
 

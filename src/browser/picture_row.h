@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace browser {
 
@@ -38,9 +39,9 @@ class PictureRow : public QTreeWidgetItem {
         QString name;
         bool hasRecord = false;
         std::uint64_t bytes = 0;
-        double height = 0; // pixels, as is the width
-        double width = 0;
-        QString type;
+        float height = 0; // pixels, as is the width
+        float width = 0;
+        std::string type;
 
         QString text(int column) const;
     };
