@@ -1,4 +1,5 @@
 // catalogue: a group's pictures on pages, as PDF.
+#include "app/settings.h"
 #include "catalogue/catalogue.h"
 #include "tool/command.h"
 #include "tool/library_arguments.h"
@@ -22,6 +23,7 @@ catalogue::Paper paperOf(const Arguments& arguments) {
 } // namespace
 
 ExitStatus printCatalogue(const Invocation& invocation) {
+    app::settings().chooseLanguage(); // for the words on the pages
     const catalogue::Paper paper = paperOf(invocation.arguments);
     const store::Library library = libraryOf(invocation.arguments);
     const auto contents = catalogue::readContents(library, groupOf(library, invocation.argument(0)),

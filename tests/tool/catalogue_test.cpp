@@ -1,4 +1,5 @@
 // Catalogues: where things stand on their pages, and the files that come out.
+#include "app/texts.h"
 #include "catalogue/catalogue.h"
 #include "catalogue/page_layout.h"
 #include "metafile/metafile_bytes.h"
@@ -155,6 +156,19 @@ TEST_F(CatalogueTest, TellsOfPicturesThatCannotBeShownAndMakesTheRest) {
     EXPECT_EQ(result.status, ExitStatus::Failed);
     EXPECT_NE(result.err.find("Pumps, good: "), std::string::npos) << result.err;
     EXPECT_EQ(countInPdf("/Type /Page\n"), 1);
+}
+
+TEST_F(CatalogueTest, SpeaksTheLanguageOfTheSettings) {
+    std::filesystem::create_directory(folder() / "out");
+    std::filesystem::create_directories(folder() / "home" / "settings");
+    for (const int language : {app::kEnglishLocale, app::kGermanLocale}) {
+        writeFile(folder() / "home" / "settings" / "machine.conf",
+                  "[SOFTWARE\\NORAVEX GmbH\\Talvix\\4.0]\nLCID=" + std::to_string(language) + "\n");
+        auto command = words();
+        command.push_back("--replace");
+        succeed(command);
+        EXPECT_EQ(app::languageCode(), language);
+    }
 }
 
 class StoppedAtOnce : public store::Progress {
