@@ -164,6 +164,7 @@ class PicturePanel : public QObject {
     void choose(const store::PictureName& picture);
     void chosenInStrip(const QString& name, Selecting how);
     void banded(const QStringList& covered, const QSet<QString>& before);
+    void showSelection();             // of the strip
     const QStringList& order() const; // of the group's pictures
     void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);

@@ -36,6 +36,10 @@ void PicturePanel::chosenInStrip(const QString& name, Selecting how) {
 
 void PicturePanel::banded(const QStringList& covered, const QSet<QString>& before) {
     selection_.chooseBanded(covered, before);
+    showSelection();
+}
+
+void PicturePanel::showSelection() {
     if (selection_.current() != shownPicture_.nameText()) {
         choose(pictureNamed(selection_.current()));
         emit editItemWanted(commands::EditItemCause::Thumbnail);
@@ -65,8 +69,7 @@ void PicturePanel::selectAll() {
         return;
     }
     selection_.chooseAll(order());
-    strip_->mark(selection_.current(), selection_.all());
-    describeSelection();
+    showSelection(); // of which one is the current one, if none was yet
 }
 
 void PicturePanel::select(const std::vector<store::PictureName>& pictures) {

@@ -118,6 +118,20 @@ TEST_F(ManyPictures, AreSelectedByCtrlShiftAndRubberBand) {
     EXPECT_EQ(selected(), QStringList("P1"));
 }
 
+TEST_F(ManyPictures, WithNoneChosenYetAllOfThemHaveACurrentOne) {
+    startWith({"P1", "P2", "P3"});
+    restart(); // the group is shown, and none of its pictures
+    ASSERT_EQ(label(), "");
+    trigger("Men_Bearbeiten_15");
+    settle();
+    EXPECT_EQ(selected().size(), 3);
+    EXPECT_EQ(label(), "P1");
+    EXPECT_TRUE(find<QAction>("Men_Bearbeiten_13")->isEnabled());
+    MessageBoxScript yes({}, app::kAnswerYes);
+    trigger("Men_Bearbeiten_3");
+    EXPECT_EQ(stored(), QStringList());
+}
+
 TEST_F(ManyPictures, OneCommandWorksOnTheCurrentOneDeletingOnAll) {
     startWith({"P1", "P2", "P3", "P4", "P5"});
     click("P2");
