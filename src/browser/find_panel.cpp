@@ -17,6 +17,7 @@ FindPanel::FindPanel(QMenuBar* bar, QWidget* surface)
     connect(field_, &FindField::chosen, results_, &FindResults::chooseCurrent);
     connect(field_, &FindField::left, this, &FindPanel::leave);
     connect(results_, &FindResults::left, this, &FindPanel::leave);
+    connect(results_, &FindResults::currentChanged, this, &FindPanel::currentChanged);
     connect(results_, &FindResults::chosen, this, [this](const finding::Match& match) {
         leave();
         emit wanted(match.group, match.picture ? std::optional(match.picture->name) : std::nullopt);
@@ -50,6 +51,10 @@ void FindPanel::stop() {
 void FindPanel::start() {
     field_->setFocus(Qt::ShortcutFocusReason);
     field_->selectAll();
+}
+
+std::optional<finding::Match> FindPanel::current() const {
+    return results_->isHidden() ? std::nullopt : results_->current();
 }
 
 bool FindPanel::isOwn(const QWidget* widget) const {

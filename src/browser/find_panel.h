@@ -38,11 +38,15 @@ class FindPanel : public QObject {
     // Takes away what was found, and goes back to where the keyboard was unless it went elsewhere.
     void leave();
 
+    // What is selected among what was found.
+    std::optional<finding::Match> current() const;
+
     bool isBusy() const { return index_.isBusy(); } // reading or searching
 
     finding::LibraryIndex& index() { return index_; }
 
   signals:
+    void currentChanged();
     void wanted(const store::GroupAddress& group, const std::optional<store::PictureName>& picture);
 
   private:

@@ -150,6 +150,9 @@ FindResults::FindResults(QWidget* parent)
     connect(list_->verticalScrollBar(), &QScrollBar::valueChanged, &soon_,
             qOverload<>(&QTimer::start));
     connect(thumbnails_, &FoundThumbnails::loaded, model_, [this] { model_->refresh(); });
+    connect(list_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &FindResults::currentChanged);
+    connect(model_, &Model::modelReset, this, &FindResults::currentChanged);
     connect(list_, &QListView::clicked, this,
             [this](const QModelIndex& index) { choose(index.row()); });
     hide();
@@ -225,6 +228,11 @@ void FindResults::enter() {
 
 void FindResults::chooseCurrent() {
     choose(std::max(0, list_->currentIndex().row()));
+}
+
+std::optional<finding::Match> FindResults::current() const {
+    const QModelIndex index = list_->currentIndex();
+    return index.isValid() ? std::optional(model_->match(index.row())) : std::nullopt;
 }
 
 void FindResults::choose(int row) {

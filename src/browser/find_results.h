@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 class QLabel;
 class QListView;
@@ -48,9 +49,13 @@ class FindResults : public QFrame {
     // Chooses the selected one, or the first.
     void chooseCurrent();
 
+    // The selected one.
+    std::optional<finding::Match> current() const;
+
   signals:
     void chosen(const finding::Match& match);
-    void left(); // Escape
+    void left();           // Escape
+    void currentChanged(); // another one is selected, or none any more
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

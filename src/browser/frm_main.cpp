@@ -105,7 +105,7 @@ frmMain::frmMain(StartMode mode, Noticing noticing)
     connectPanel();
     connectWatch();
     connectFinding();
-    carrying_ = new PictureCarrying(*this, *tree_, *panel_, this);
+    carrying_ = new PictureCarrying(*this, *tree_, *panel_, *find_, this);
     carrying_->offerIn(*menus_);
     bindKeys({tree_, panel_->strip(), panel_->list(), menus_});
     setMinimumSize(app::toPixels(kMinimumWindowWidth, kMinimumWindowHeight));

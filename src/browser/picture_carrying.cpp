@@ -5,6 +5,7 @@
 #include "app/settings.h"
 #include "app/texts.h"
 #include "browser/drag_image.h"
+#include "browser/find_panel.h"
 #include "browser/main_menus.h"
 #include "browser/picture_panel.h"
 #include "browser/status_line.h"
@@ -35,8 +36,8 @@ store::PassageKind passageFor(Carrying carrying) {
 } // namespace
 
 PictureCarrying::PictureCarrying(commands::LibraryView& view, groups::GroupTree& tree,
-                                 PicturePanel& panel, QWidget* owner)
-    : QObject(owner), view_(view), tree_(tree), panel_(panel) {
+                                 PicturePanel& panel, FindPanel& find, QWidget* owner)
+    : QObject(owner), view_(view), tree_(tree), panel_(panel), find_(find) {
     connect(&panel_, &PicturePanel::dragWanted, this, &PictureCarrying::drag);
     watchTree();
     watchPictures(panel_.strip());
@@ -45,14 +46,16 @@ PictureCarrying::PictureCarrying(commands::LibraryView& view, groups::GroupTree&
 
 void PictureCarrying::offerIn(MainMenus& menus) {
     using commands::Command;
-    const auto offerPicture = [&menus](bool any) {
+    const auto offerPicture = [this, &menus] {
+        const bool any = !toCopy().names.empty();
         menus.setPossible(Command::CutPictures, any);
         menus.setPossible(Command::CopyPictures, any);
     };
     const auto offerAll = [&menus](bool any) { menus.setPossible(Command::SelectAll, any); };
-    offerPicture(false);
+    offerPicture();
     offerAll(false);
     connect(&panel_, &PicturePanel::pictureShown, &menus, offerPicture);
+    connect(&find_, &FindPanel::currentChanged, &menus, offerPicture);
     connect(&panel_, &PicturePanel::pagesShown, &menus,
             [offerAll](const ShownPages& pages) { offerAll(pages.pictures > 0); });
     connect(&panel_, &PicturePanel::nothingShown, &menus, [offerAll] { offerAll(false); });
@@ -103,8 +106,20 @@ PicturesOfGroup PictureCarrying::selected() const {
     return pictures;
 }
 
+PicturesOfGroup PictureCarrying::toCopy() const {
+    const auto found = find_.current();
+    if (!found) {
+        return selected();
+    }
+    PicturesOfGroup pictures{found->group, {}};
+    if (found->picture) { // and not a group
+        pictures.names.push_back(found->picture->name);
+    }
+    return pictures;
+}
+
 void PictureCarrying::copy(Carrying carrying) {
-    const PicturesOfGroup pictures = selected();
+    const PicturesOfGroup pictures = toCopy();
     if (pictures.names.empty()) {
         return;
     }
@@ -151,8 +166,9 @@ void PictureCarrying::paste() {
         return;
     }
     const OfferedPictures offered = picturesIn(*data, view_.library());
-    take(*target, offered, passageFor(offered.carrying));
-    if (offered.ours && offered.carrying == Carrying::ToMove) {
+    find_.leave();
+    const bool hasCome = take(*target, offered, passageFor(offered.carrying));
+    if (hasCome && offered.ours && offered.carrying == Carrying::ToMove) {
         QGuiApplication::clipboard()->clear(); // they are not where they were any more
     }
 }
@@ -169,15 +185,14 @@ void PictureCarrying::takeSoon(const SelectedGroup& target, const QMimeData& dat
         Qt::QueuedConnection);
 }
 
-void PictureCarrying::take(const SelectedGroup& target, const OfferedPictures& offered,
+bool PictureCarrying::take(const SelectedGroup& target, const OfferedPictures& offered,
                            store::PassageKind kind) {
     if (app::isLongOperationRunning()) {
-        return;
+        return false;
     }
     const ArrivalTarget arrival{target.address, target.name};
     if (offered.ours) {
-        commands::transferPictures(view_, *offered.ours, arrival, kind);
-        return;
+        return commands::transferPictures(view_, *offered.ours, arrival, kind);
     }
     try {
         const auto names = commands::takeIncoming(view_, arrival, offered.incoming, view_.owner());
@@ -186,10 +201,12 @@ void PictureCarrying::take(const SelectedGroup& target, const OfferedPictures& o
             view_.ShowPictures(target.address, names);
         }
         commands::tellArrived(view_, target.address, names);
+        return !names.empty();
     } catch (const std::exception& failure) {
         commands::reportFailure(view_, commands::contextOf(target, {}), failure, app::kProgramTitle,
                                 view_.owner());
     }
+    return false;
 }
 
 } // namespace browser

@@ -17,6 +17,7 @@ struct SelectedGroup;
 
 namespace browser {
 
+class FindPanel;
 class MainMenus;
 class PicturePanel;
 
@@ -26,30 +27,35 @@ class PictureCarrying : public QObject {
   public:
     // All must outlive it.
     PictureCarrying(commands::LibraryView& view, groups::GroupTree& tree, PicturePanel& panel,
-                    QWidget* owner);
+                    FindPanel& find, QWidget* owner);
 
     // Offers in the menus what can be done, from now on.
     void offerIn(MainMenus& menus);
 
-    // The selected pictures, or the shown one, go to the clipboard; nothing without any. With
-    // ToMove pasting takes them away from their group.
+    // The picture that is selected among what was found, else the selected pictures or the shown
+    // one go to the clipboard; nothing without any. With ToMove pasting takes them away from their
+    // group.
     void copy(Carrying carrying);
 
-    // What the clipboard holds goes to the selected group.
+    // What the clipboard holds goes to the selected group, which is shown instead of what was
+    // found. What was to be moved stays on the clipboard until something of it was.
     void paste();
 
   private:
     commands::PicturesOfGroup selected() const;
+    commands::PicturesOfGroup toCopy() const;
     void drag();
     void watchTree();
     void watchPictures(QWidget* widget);
-    void take(const groups::SelectedGroup& target, const OfferedPictures& offered,
+    // Whether something has come.
+    bool take(const groups::SelectedGroup& target, const OfferedPictures& offered,
               store::PassageKind kind);
     void takeSoon(const groups::SelectedGroup& target, const QMimeData& data, DropKind kind);
 
     commands::LibraryView& view_;
     groups::GroupTree& tree_;
     PicturePanel& panel_;
+    FindPanel& find_;
 };
 
 } // namespace browser

@@ -105,15 +105,15 @@ class Transfer {
              PassageKind kind)
         : view_(view), pictures_(pictures), target_(target), kind_(kind) {}
 
-    void run() {
+    bool run() {
         auto passing = askForNames();
         if (!passing || passing->empty()) {
-            return;
+            return false;
         }
         std::optional<store::PictureName> beside; // what is moved
         const auto result = pass(*passing, beside);
         if (!result) {
-            return;
+            return false;
         }
         remember(*result);
         bringUpToDate(newNames(*result), beside);
@@ -124,6 +124,7 @@ class Transfer {
                                  .arg(target_.name));
         }
         tell(*result);
+        return !result->passed.empty();
     }
 
   private:
@@ -229,13 +230,13 @@ class Transfer {
 
 } // namespace
 
-void transferPictures(LibraryView& view, const PicturesOfGroup& pictures,
+bool transferPictures(LibraryView& view, const PicturesOfGroup& pictures,
                       const ArrivalTarget& target, PassageKind kind) {
     if (pictures.group == target.group && kind == PassageKind::Move) {
-        return;
+        return false;
     }
     try {
-        Transfer(view, pictures, target, kind).run();
+        return Transfer(view, pictures, target, kind).run();
     } catch (const std::exception& failure) {
         const auto* error = dynamic_cast<const compound::Error*>(&failure);
         if (error == nullptr || error->code() != compound::ErrorCode::Cancelled) {
@@ -244,6 +245,7 @@ void transferPictures(LibraryView& view, const PicturesOfGroup& pictures,
             showWhatIsLeft(view, failure);
         }
     }
+    return false;
 }
 
 } // namespace commands

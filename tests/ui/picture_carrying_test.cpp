@@ -9,6 +9,7 @@
 #include <QClipboard>
 #include <QDropEvent>
 #include <QLineEdit>
+#include <QListView>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -254,6 +255,50 @@ TEST_F(PictureCarrying, CopiedPicturesAreFilesForOthersAndPicturesForUs) {
     EXPECT_EQ(stored(tanks_), QStringList({"P1", "P2", "P2 (2)"}));
     EXPECT_EQ(selectedNode(), "Pumpen");
     EXPECT_EQ(label(), "P1");
+}
+
+TEST_F(PictureCarrying, WhatWasCutCanBePastedUntilSomethingWasMoved) {
+    click("P2");
+    trigger("Men_Bearbeiten_12");
+    trigger("Men_Bearbeiten_14"); // where it is
+    clickNode("Tanks");
+    answerTaken([&] { trigger("Men_Bearbeiten_14"); }, "cmdAbbruch");
+    answerTaken([&] { trigger("Men_Bearbeiten_14"); }, "cmdUeberspringen");
+    EXPECT_EQ(stored(pumps_), QStringList({"P1", "P2"}));
+    answerTaken([&] { trigger("Men_Bearbeiten_14"); }, "cmdBeide");
+    EXPECT_EQ(stored(pumps_), QStringList({"P1"}));
+    EXPECT_EQ(stored(tanks_), QStringList({"P2", "P2 (2)"}));
+    trigger("Men_Bearbeiten_14");
+    EXPECT_EQ(stored(tanks_).size(), 2);
+}
+
+TEST_F(PictureCarrying, WhatIsSelectedAmongTheFoundIsCopiedAndNotWhatIsHidden) {
+    addPicture(tanks_, "Kessel", Qt::yellow);
+    makeGroup("Kesselhaus");
+    click("P1");
+    window().activateWindow();
+    auto* field = find<QLineEdit>("txtFind");
+    auto* found = find<QListView>("lvwFind");
+    QTest::keyClick(&window(), Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(field, "kessel");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !window().isFinding(); }, 20000));
+    QTest::keyClick(field, Qt::Key_Down); // a group, the picture follows
+    ASSERT_EQ(found->currentIndex().data(Qt::AccessibleTextRole), "Kesselhaus, Kesselhaus");
+    EXPECT_FALSE(find<QAction>("Men_Bearbeiten_12")->isEnabled());
+    QTest::keyClick(found, Qt::Key_Right);
+    ASSERT_EQ(found->currentIndex().data(Qt::AccessibleTextRole), "Kessel, Tanks");
+    QTest::keyClick(found, Qt::Key_X, Qt::ControlModifier);
+    settle();
+    QTest::keyClick(found, Qt::Key_V, Qt::ControlModifier);
+    settle();
+    EXPECT_FALSE(found->isVisible());
+    EXPECT_EQ(stored(pumps_), QStringList({"P1", "P2", "Kessel"}));
+    EXPECT_EQ(colourOf(pumps_, u"Kessel"), QColor(Qt::yellow));
+    EXPECT_EQ(stored(tanks_), QStringList("P2"));
+    EXPECT_EQ(label(), "Kessel");
+    trigger("Men_Bearbeiten_11");
+    settle();
+    EXPECT_EQ(stored(tanks_), QStringList({"P2", "Kessel"}));
 }
 
 TEST_F(PictureCarrying, WhatWasReplacedComesBack) {
