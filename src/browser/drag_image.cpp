@@ -54,7 +54,9 @@ void paintNumber(QPainter& painter, qsizetype number, double extent, const QPale
 
 QPixmap dragImage(const QImage& thumbnail, qsizetype pictures, const QWidget& widget) {
     const qsizetype below = std::min<qsizetype>(pictures - 1, kMostBelow);
-    const double extent = kSheet + kMostBelow * kShift + 1 + kBadge / 4;
+    // No larger than what is painted: without a compositor the rest hides what lies below.
+    const double extent =
+        kSheet + static_cast<double>(below) * kShift + 1 + (pictures > 1 ? kBadge / 4 : 0);
     const double ratio = widget.devicePixelRatioF();
     QPixmap pixmap((QSizeF(extent, extent) * ratio).toSize());
     pixmap.setDevicePixelRatio(ratio);

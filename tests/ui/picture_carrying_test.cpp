@@ -1,5 +1,6 @@
 // Pictures dragged, dropped, copied and pasted, and what can be taken back of it.
 #include "app/message_box.h"
+#include "browser/drag_image.h"
 #include "commands/picture_transfer.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
@@ -386,6 +387,23 @@ TEST_F(PictureCarrying, RenamingsAndDeletedGroupsAreTakenBack) {
     trigger("Men_Bearbeiten_11");
     EXPECT_TRUE(yes.takeText().startsWith("Bild \"P1\" löschen kann nicht"));
     EXPECT_FALSE(find<QAction>("Men_Bearbeiten_11")->isEnabled());
+}
+
+TEST_F(PictureCarrying, TheImageOfADragHasNoEmptyEdges) {
+    for (const int pictures : {1, 2, 3, 200}) {
+        const QImage image = browser::dragImage(QImage(), pictures, *tree())
+                                 .toImage()
+                                 .convertToFormat(QImage::Format_ARGB32);
+        bool isLastRowPainted = false;
+        bool isLastColumnPainted = false;
+        for (int i = 0; i < image.width(); ++i) {
+            isLastRowPainted |= qAlpha(image.pixel(i, image.height() - 1)) > 0 ||
+                                qAlpha(image.pixel(i, image.height() - 2)) > 0;
+            isLastColumnPainted |= qAlpha(image.pixel(image.width() - 1, i)) > 0 ||
+                                   qAlpha(image.pixel(image.width() - 2, i)) > 0;
+        }
+        EXPECT_TRUE(isLastRowPainted && isLastColumnPainted) << pictures;
+    }
 }
 
 } // namespace
