@@ -17,13 +17,13 @@ constexpr app::TextPair kUndoing{u"Wird rückgängig gemacht: %1", u"Undoing: %1
 constexpr app::TextPair kUndone{u"Rückgängig gemacht: %1", u"Undone: %1"};
 constexpr app::TextPair kFailed{u"%1 kann nicht rückgängig gemacht werden.", u"Cannot undo: %1."};
 
-bool maySucceedLater(const std::exception& failure) {
+bool maySucceedLater(const UndoStep& step, const std::exception& failure) {
     using compound::ErrorCode;
     const auto* error = dynamic_cast<const compound::Error*>(&failure);
     return error == nullptr || error->code() == ErrorCode::Locked ||
            error->code() == ErrorCode::Denied || error->code() == ErrorCode::NoSpace ||
-           error->code() == ErrorCode::Exists || error->code() == ErrorCode::Cancelled ||
-           error->code() == ErrorCode::Failed;
+           error->code() == ErrorCode::Cancelled || error->code() == ErrorCode::Failed ||
+           (error->code() == ErrorCode::Exists && !step.isForgottenIfNameTaken);
 }
 
 } // namespace
@@ -59,7 +59,7 @@ void UndoHistory::undoLast(LibraryView& view) {
     } catch (const std::exception& failure) {
         const QString what = step.what;
         const auto* error = dynamic_cast<const compound::Error*>(&failure);
-        if (!maySucceedLater(failure)) {
+        if (!maySucceedLater(step, failure)) {
             drop();
         }
         if (error == nullptr || error->code() != compound::ErrorCode::Cancelled) {

@@ -21,6 +21,10 @@ struct UndoStep {
 
     QString what; // "3 Bilder löschen"
     std::function<Show(const store::Library&, store::Progress&)> undo;
+
+    // The steps before it can be taken back without it: a name that is taken now ends it, for it
+    // would stand in their way for good.
+    bool isForgottenIfNameTaken = false;
 };
 
 class UndoHistory {

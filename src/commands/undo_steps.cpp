@@ -74,7 +74,8 @@ UndoStep pictureRenamed(const store::GroupAddress& group, const store::PictureNa
             [=](const store::Library& library, store::Progress&) -> UndoStep::Show {
                 store::renamePicture(library, group, to, from);
                 return [=](LibraryView& view) { view.ShowPictures(group, {from}); };
-            }};
+            },
+            true};
 }
 
 UndoStep groupDeleted(store::TrashedGroup deleted) {

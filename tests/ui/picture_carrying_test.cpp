@@ -406,4 +406,27 @@ TEST_F(PictureCarrying, TheImageOfADragHasNoEmptyEdges) {
     }
 }
 
+// Else what was deleted before it could never be brought back.
+TEST_F(PictureCarrying, ARenamingWhoseOldNameIsTakenStandsInNoOthersWay) {
+    MessageBoxScript yes({}, app::kAnswerYes);
+    click("P2");
+    trigger("bDelete");
+    settle();
+    click("P1");
+    inDialog([&] { trigger("bRename"); },
+             [](QDialog& dialog) {
+                 dialog.findChild<QLineEdit*>("txtName")->setText("Anders");
+                 dialog.findChild<QPushButton*>("cmdOK")->click();
+             });
+    addPicture(pumps_, "P1");
+    yes.take();
+    trigger("Men_Bearbeiten_11");
+    EXPECT_TRUE(yes.takeText().startsWith("Bild \"P1\" umbenennen kann nicht"));
+    trigger("Men_Bearbeiten_11");
+    settle();
+    EXPECT_EQ(stored(pumps_), QStringList({"P1", "P2", "Anders"}));
+    EXPECT_EQ(colourOf(pumps_, u"P2"), QColor(Qt::green));
+    EXPECT_FALSE(find<QAction>("Men_Bearbeiten_11")->isEnabled());
+}
+
 } // namespace
