@@ -73,6 +73,12 @@ std::size_t FileState::memory() {
     return parts_->table.memory() + parts_->directoryChain.memory() + parts_->mini.memory();
 }
 
+void FileState::forgetPages() {
+    const std::vector<std::uint32_t> sound = parts_->directory.soundStorages();
+    parts_ = std::make_unique<Parts>(file_, header_);
+    parts_->directory.trust(sound);
+}
+
 void FileState::resume(std::unique_ptr<DiskFile> file, Access access) {
     file_.setDisk(std::move(file), identity_->size);
     lengthBefore_ = identity_->size;

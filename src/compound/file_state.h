@@ -75,6 +75,9 @@ class FileState {
     void setIdentity(const std::optional<FileIdentity>& identity) { identity_ = identity; }
     std::size_t memory();
 
+    // Lets go of all that can be read again; there must be no change.
+    void forgetPages();
+
   private:
     struct Parts {
         Parts(SectorFile& file, Header& header);

@@ -9,8 +9,7 @@ namespace compound {
 namespace {
 
 constexpr std::size_t kMostFiles = 8;
-constexpr std::size_t kMostBytes = std::size_t{32} << 20U;         // of one file's state
-constexpr std::size_t kMostBytesTogether = std::size_t{64} << 20U; // of all
+constexpr std::size_t kMostBytesTogether = std::size_t{64} << 20U; // of all files
 constexpr std::size_t kMostCommitted = 64;
 
 bool isSameFile(const FileIdentity& one, const FileIdentity& other) {
@@ -25,7 +24,7 @@ struct ReadCache::Entry {
     std::size_t bytes;
 };
 
-ReadCache::ReadCache() = default;
+ReadCache::ReadCache(std::size_t mostBytes) : mostBytes_(mostBytes) {}
 ReadCache::~ReadCache() = default;
 
 std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const Header& header) {
@@ -45,10 +44,15 @@ std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const H
 }
 
 void ReadCache::keep(const FileIdentity& identity, std::unique_ptr<FileState> state) {
-    const std::size_t bytes = state->memory();
-    if (!identity.settled || bytes > kMostBytes) {
+    if (!identity.settled) {
         return;
     }
+    // That the file is settled may be known from our own commit only, and is not to be learnt from
+    // the file again for some seconds.
+    if (state->memory() > mostBytes_) {
+        state->forgetPages();
+    }
+    const std::size_t bytes = state->memory();
     state->file().takeDisk();
     const std::lock_guard lock(mutex_);
     entries_.remove_if([&](const Entry& entry) { return isSameFile(entry.identity, identity); });

@@ -34,7 +34,10 @@ struct CommittedFile {
 // Safe to be used from several threads.
 class ReadCache {
   public:
-    ReadCache();
+    static constexpr std::size_t kMostBytes = std::size_t{32} << 20U;
+
+    // `mostBytes`: of one file's pages.
+    explicit ReadCache(std::size_t mostBytes = kMostBytes);
     ~ReadCache();
     ReadCache(const ReadCache&) = delete;
     ReadCache& operator=(const ReadCache&) = delete;
@@ -42,8 +45,8 @@ class ReadCache {
     // The state of this file as it is now, or null. Whatever was kept of the file is gone then.
     std::unique_ptr<FileState> take(const FileIdentity& identity, const Header& header);
 
-    // Keeps a state that is as the committed file, if that file is settled; the oldest one goes
-    // when there are too many or they take too much memory.
+    // Keeps a state that is as the committed file, if that file is settled; without its pages when
+    // they are too much. The oldest one goes when there are too many or they take too much memory.
     void keep(const FileIdentity& identity, std::unique_ptr<FileState> state);
 
     // What this process has last committed to the file, if `header` is still in force; without
@@ -58,6 +61,7 @@ class ReadCache {
     void forgetLocked(const FileIdentity& identity);
 
     struct Entry;
+    const std::size_t mostBytes_;
     std::mutex mutex_;
     std::list<Entry> entries_;           // the latest first
     std::list<CommittedFile> committed_; // the latest first

@@ -140,12 +140,15 @@ class MemoryFile : public compound::DiskFile {
 
     bool isStillAtPath() override { return disk_.find(path_) == file_; }
 
-    std::optional<compound::FileIdentity> identity() override {
-        return compound::FileIdentity{
-            1, file_->number, file_->bytes.size(), file_->changes, file_->changes, true};
-    }
+    std::optional<compound::FileIdentity> identity() override { return identity(!disk_.isBusy_); }
+
+    std::optional<compound::FileIdentity> stamp() override { return identity(true); }
 
   private:
+    compound::FileIdentity identity(bool settled) const {
+        return {1, file_->number, file_->bytes.size(), file_->changes, file_->changes, settled};
+    }
+
     void announceWrite(std::uint64_t offset, std::span<const std::byte> bytes) {
         try {
             disk_.announce(MemoryDisk::Call::Write);

@@ -58,6 +58,9 @@ class MemoryDisk : public compound::Disk {
     }
     // Whether half of the 512-byte sectors of a write that is refused by the interceptor reach the
     // file.
+    // Only who has just changed a file can say that its time stamps tell of any later change.
+    void setIsBusy(bool busy) { isBusy_ = busy; }
+
     void setTearsWrites(bool tears) { tearsWrites_ = tears; }
     // Becomes a copy of the other disk's files and folders.
     void copyFilesOf(const MemoryDisk& other);
@@ -97,6 +100,7 @@ class MemoryDisk : public compound::Disk {
     std::vector<std::filesystem::path> trashed_;
     std::function<void(Call)> interceptor_;
     bool tearsWrites_ = false;
+    bool isBusy_ = false;
     std::optional<std::uint64_t> capacity_;
     std::uint64_t filesMade_ = 0;
     bool isSettled_ = true;

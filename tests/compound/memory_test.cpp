@@ -85,6 +85,33 @@ TEST_F(MemoryTest, AChangeAfterAChangeReadsTheHeaderOnly) {
     EXPECT_EQ(findingsOf(disk_, kPath), "");
 }
 
+// Or reading one picture would begin anew each time, as long as the file's last change is recent.
+TEST_F(MemoryTest, MorePagesThanAreKeptDoNotEndTheMemory) {
+    constexpr std::size_t kStreams = 1000;
+    ReadCache small(std::size_t{64} << 10U);
+    disk_.setIsBusy(true);
+    const auto use = [&](Access access) {
+        return CompoundFile::open(disk_.open(kPath, access), access, &small);
+    };
+    {
+        CompoundFile file = use(Access::ReadWrite);
+        auto storage = file.root().openStorage(u"S");
+        for (std::size_t i = 0; i < kStreams; ++i) {
+            const std::string digits = std::to_string(i);
+            storage.createStream(std::u16string(digits.begin(), digits.end()));
+        }
+        file.commit();
+    }
+    const auto reads = [&] {
+        return count(Call::Read,
+                     [&] { EXPECT_TRUE(use(Access::Read).root().openStorage(u"S").find(u"77")); });
+    };
+    EXPECT_EQ(use(Access::Read).root().openStorage(u"S").elements().skip(2 * kStreams),
+              kStreams + 7);
+    EXPECT_GT(reads(), 1);
+    EXPECT_EQ(reads(), 1);
+}
+
 TEST_F(MemoryTest, WhatAnExceptionHasLeftIsNotKept) {
     try {
         CompoundFile file = open(Access::Read);
