@@ -14,27 +14,44 @@ constexpr std::uint32_t kNone = kFreeSector; // no sector
 
 } // namespace
 
-std::uint64_t AllocationTable::surplus(std::uint64_t reserve, std::uint64_t allowed) {
+std::uint64_t AllocationTable::allowedSurplus() const {
+    constexpr std::uint64_t kFew = 16;
+    constexpr std::uint64_t kPart = 128; // of the file
+    return std::max(kFew, file_.count() / kPart);
+}
+
+// The home and the last ranges, where the reserve is, are counted in any case.
+std::uint64_t AllocationTable::surplus(std::uint64_t reserve) {
     constexpr std::uint32_t kSample = 8;
-    const std::uint32_t end = usedEnd();
+    loadDifat();
+    const std::uint32_t end = file_.count();
     const auto count = static_cast<std::uint32_t>(ranges_.size());
-    std::uint64_t free = 0;
+    const std::uint32_t first = count - std::min(count, kSample); // of the last ones
+    const auto freeIn = [&](std::uint32_t index) { return usableIn(index, end, Free::Now); };
+    const auto withoutReserve = [&](std::uint64_t free) { return free - std::min(free, reserve); };
+    std::uint64_t near = home() < first ? freeIn(home()) : 0;
+    for (std::uint32_t index = first; index < count; ++index) {
+        near += freeIn(index);
+    }
+    std::uint64_t sampled = 0;
     std::uint32_t looked = 0;
-    for (std::uint32_t index = 0; index + kSample < count; ++index) { // the reserve lies behind
-        if (ranges_[index] || (index + header_.transaction) % count < kSample) {
-            free += usableIn(index, end, Free::Now);
+    for (std::uint32_t index = 0; index < first; ++index) {
+        if (index != home() &&
+            (ranges_[index] || (index + header_.transaction) % count < kSample)) {
+            sampled += freeIn(index);
             ++looked;
         }
     }
-    const std::uint64_t likely = looked == 0 ? 0 : free * count / looked;
-    if (count > 4 * kSample && likely <= allowed) {
+    const std::uint64_t likely =
+        withoutReserve(near + (looked == 0 ? 0 : sampled * first / looked));
+    if (count > 4 * kSample && likely <= allowedSurplus()) {
         return likely;
     }
-    free = 0;
-    for (std::uint32_t index = 0; index < count && index * perSector_ < end; ++index) {
-        free += usableIn(index, end, Free::Now);
+    std::uint64_t free = 0;
+    for (std::uint32_t index = 0; index < count; ++index) {
+        free += freeIn(index);
     }
-    return free - std::min(free, reserve);
+    return withoutReserve(free);
 }
 
 std::uint64_t AllocationTable::inChainsFrom(std::uint32_t end) {
@@ -44,6 +61,20 @@ std::uint64_t AllocationTable::inChainsFrom(std::uint32_t end) {
         used += isUsed && !tables_.contains(sector) ? 1U : 0U;
     }
     return used;
+}
+
+std::uint64_t AllocationTable::keptAtHome(std::uint64_t reserve) {
+    const std::uint64_t kept = std::min<std::uint64_t>(freeIn(home()), spareForChains());
+    return kept - std::min(kept, reserve);
+}
+
+std::uint32_t AllocationTable::endWithRoom(std::uint32_t end, std::uint32_t most) {
+    for (std::uint32_t sector = (end - 1) / perSector_ * perSector_; sector < most; ++sector) {
+        if (isFreeInside(sector / perSector_, sector % perSector_)) {
+            return std::max(end, sector + 1);
+        }
+    }
+    return end;
 }
 
 void AllocationTable::leave(std::uint32_t end) {
@@ -76,7 +107,7 @@ std::uint32_t AllocationTable::allocateGap() {
         const bool isLast = index == (leftEnd_ - 1) / perSector_;
         const bool isFull = isLast && lastGaps_ == 0;
         const std::uint32_t found =
-            isFull ? kNone : findFree(index, gapAt_ % perSector_, kKeptForFat);
+            isFull ? kNone : findFree(index, gapAt_ % perSector_, keptFromData(index));
         if (found != kNone && found >= gapAt_ && found < leftEnd_) {
             gapAt_ = found + 1;
             lastGaps_ -= isLast ? 1U : 0U;

@@ -170,7 +170,8 @@ std::uint32_t AllocationTable::firstLook(std::uint32_t near, Purpose purpose) {
     if (purpose == Purpose::Fat) {
         return near / perSector_;
     }
-    return freesMuch() ? 0 : home();
+    const bool leavesHome = leftEnd_ > 0 ? home() * perSector_ >= leftEnd_ : freesMuch();
+    return leavesHome ? 0 : home();
 }
 
 std::uint32_t AllocationTable::findFreeIn(std::uint32_t index, std::uint32_t kept) {

@@ -97,10 +97,20 @@ class AllocationTable {
         return promised_ == 0 || provided_ >= promised_ + sectors;
     }
 
-    // Sectors before the last one in use that the transaction may take, beyond `reserve` and one of
-    // each range. Only estimated, from a few ranges of a large file, when that is not more than
-    // `allowed`.
-    std::uint64_t surplus(std::uint64_t reserve, std::uint64_t allowed);
+    // Sectors inside the file that the transaction may take, beyond `reserve` and one of each
+    // range. Only estimated, from a few ranges of a large file, when that is no more than is
+    // allowed.
+    std::uint64_t surplus(std::uint64_t reserve);
+
+    // How large the surplus may get before it is worth giving back.
+    std::uint64_t allowedSurplus() const;
+
+    // How many free sectors of the chains' home data leave alone beyond `reserve`.
+    std::uint64_t keptAtHome(std::uint64_t reserve);
+
+    // Where the file can end, at `end` or, but before `most`, behind it, so that the last range has
+    // a place for its FAT sector.
+    std::uint32_t endWithRoom(std::uint32_t end, std::uint32_t most);
 
     // Sectors from `end` on that are in use, those of FAT and DIFAT apart.
     std::uint64_t inChainsFrom(std::uint32_t end);

@@ -269,11 +269,10 @@ class Checker {
 
     // A crash may leave sectors behind the end that no header in force has ever named.
     void checkTail() {
-        const std::uint32_t needed = file_.neededEnd();
-        const std::uint32_t count = file_.file().count();
-        if (count > needed) {
+        const std::uint32_t tail = file_.unusedTail();
+        if (tail > 0) {
             findings_.push_back({"file",
-                                 "its last " + std::to_string(count - needed) +
+                                 "its last " + std::to_string(tail) +
                                      " sectors are unused and go with the next change",
                                  Severity::Remark});
         }

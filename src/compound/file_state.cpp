@@ -145,7 +145,7 @@ void FileState::makeHeaderDurable() {
     }
     file_.disk().write(0, raw);
     file_.disk().sync();
-    isDurable_ = true;
+    isDurable_ = isInherited_ = true;
 }
 
 // The trees of a file with our signature are looked at one by one, when they are searched in vain.
@@ -164,7 +164,7 @@ void FileState::commit() {
     }
     requireWhole();
     inPieces_ = true;
-    closeGaps();
+    const bool evenFew = closeGaps() || isNew_ || isInherited_;
     SectorWrites writes;
     parts_->mini.writeOut(writes);
     header_.firstDirectory = parts_->directoryChain.first();
@@ -184,7 +184,8 @@ void FileState::commit() {
     parts_->mini.committed();
     parts_->directoryChain.committed();
     parts_->table.committed();
-    cutFreeTail();
+    cutFreeTail(evenFew);
+    isInherited_ = false;
     lengthBefore_ = file_.lengthOf(file_.count());
 }
 
@@ -197,13 +198,11 @@ std::uint64_t FileState::reserve() {
 }
 
 // Not on a full disk, where they are what changes live on.
-void FileState::closeGaps() {
-    if (!parts_->table.isFull()) {
-        Parts& parts = *parts_;
-        GapClosing(file_, parts.table, parts.directory, parts.directoryChain, parts.mini,
-                   parts.content)
-            .run(reserve());
-    }
+bool FileState::closeGaps() {
+    Parts& parts = *parts_;
+    return !parts.table.isFull() && GapClosing(file_, parts.table, parts.directory,
+                                               parts.directoryChain, parts.mini, parts.content)
+                                        .run(reserve());
 }
 
 void FileState::makeRoom(std::uint64_t bytes) {
@@ -270,13 +269,27 @@ std::uint32_t FileState::neededEnd() {
     return static_cast<std::uint32_t>(std::min(end, count));
 }
 
-// Gives back what lies behind the last used sector and the reserve. The change is durable already,
-// so a failure loses nothing but space.
-void FileState::cutFreeTail() noexcept {
+std::uint32_t FileState::behindNeeded() {
+    return file_.count() - std::min(file_.count(), neededEnd());
+}
+
+std::uint32_t FileState::unusedTail() {
+    const std::uint32_t behind = behindNeeded();
+    const bool isLong = behind > parts_->table.allowedSurplus();
+    return isLong || (behind > 0 && !parts_->table.covers(file_.count() - 1)) ? behind : 0;
+}
+
+// Gives back what lies behind the last used sector and the reserve. To give back a few sectors
+// costs more than a small change does, and the next one may fill them; so they stay, but after a
+// change that has taken many, and where somebody else has left them, in holes perhaps. The change
+// is durable already, so a failure loses nothing but space.
+void FileState::cutFreeTail(bool evenFew) noexcept {
     try {
-        const std::uint32_t end = neededEnd();
-        if (file_.count() > end) {
-            file_.resize(end);
+        const std::uint64_t few = parts_->table.allowedSurplus() * file_.sectorSize();
+        const bool hasGrownMuch = file_.lengthOf(file_.count()) > lengthBefore_ + few;
+        const std::uint32_t tail = evenFew || hasGrownMuch ? behindNeeded() : unusedTail();
+        if (tail > 0) {
+            file_.resize(file_.count() - tail);
         }
     } catch (const std::exception&) {
         return;

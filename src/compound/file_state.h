@@ -63,8 +63,9 @@ class FileState {
     // See CompoundFile.
     void makeRoom(std::uint64_t bytes);
 
-    // Sectors that the file keeps after a change; what lies behind them is an unused tail.
-    std::uint32_t neededEnd();
+    // Sectors behind all that the file keeps, which the next change gives back; 0 for a few, which
+    // it may fill.
+    std::uint32_t unusedTail();
 
     // Takes over what this process knows of the header in force.
     void recall(const CommittedFile& known);
@@ -96,10 +97,12 @@ class FileState {
     void startNewFile();
     std::uint64_t reserve();
     void keepReserve();
-    void closeGaps();
+    bool closeGaps();
     void writeHeader();
     void putHeaderBack(const char* cause);
-    void cutFreeTail() noexcept;
+    std::uint32_t neededEnd();
+    std::uint32_t behindNeeded();
+    void cutFreeTail(bool evenFew) noexcept;
     void restoreLength() noexcept;
 
     SectorFile file_;
@@ -110,7 +113,8 @@ class FileState {
     bool changed_ = false;
     bool inPieces_ = false;
     bool outcomeUnknown_ = false;
-    bool isDurable_; // the committed header is known to be on the medium
+    bool isDurable_;           // the committed header is known to be on the medium
+    bool isInherited_ = false; // what the transaction builds on, others may have left unfinished
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
     std::optional<FileIdentity> identity_;

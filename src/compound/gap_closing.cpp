@@ -8,30 +8,35 @@ namespace compound {
 
 using namespace format;
 
-void GapClosing::run(std::uint64_t reserve) {
-    constexpr std::uint64_t kMostBytes = std::uint64_t{16} << 20U; // moved in one transaction
+bool GapClosing::run(std::uint64_t reserve) {
+    constexpr std::uint64_t kMostBytes = std::uint64_t{8} << 20U; // moved in one transaction
     constexpr std::uint64_t kFew = 16;
-    constexpr std::uint32_t kPart = 128; // of the file
+    const std::uint64_t surplus = table_.surplus(reserve);
+    if (surplus <= table_.allowedSurplus()) {
+        return false;
+    }
     const std::uint32_t used = table_.usedEnd();
-    const std::uint64_t allowed = std::max<std::uint64_t>(kFew, used / kPart);
-    const std::uint64_t surplus = table_.surplus(reserve, allowed);
-    if (surplus <= allowed) {
-        return;
+    const std::uint64_t behind = file_.count() - std::min(file_.count(), used);
+    const std::uint64_t kept = behind + table_.keptAtHome(reserve);
+    const std::uint64_t length =
+        std::min(surplus - std::min(surplus, kept), kMostBytes / file_.sectorSize());
+    if (length > kFew && length < used) {
+        leaveTail(table_.endWithRoom(used - static_cast<std::uint32_t>(length), used));
     }
-    const std::uint64_t length = std::min(surplus, kMostBytes / file_.sectorSize());
-    if (length <= kFew || length >= used) {
-        return;
-    }
-    const auto tail = tailFrom(used - static_cast<std::uint32_t>(length));
+    return true;
+}
+
+void GapClosing::leaveTail(std::uint32_t end) {
+    const auto tail = tailFrom(end);
     if (!tail) {
         return;
     }
-    table_.leave(tail->end);
+    table_.leave(end);
     for (const EntryId stream : tail->streams) {
-        content_.leave(stream, tail->end);
+        content_.leave(stream, end);
     }
-    mini_.leave(tail->end);
-    directoryChain_.leave(tail->end);
+    mini_.leave(end);
+    directoryChain_.leave(end);
 }
 
 // Nothing when the sectors in use are more, or others, than the chains hold: another program's

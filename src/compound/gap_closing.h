@@ -1,5 +1,7 @@
-// Gives space back that deletions have left between what is in use: once a good deal of a file
-// stands free, what lies at its end moves into the gaps before, and the commit cuts the file.
+// Gives space back that deletions have left: once a good deal of a file stands free, between what
+// is in use or behind it, what lies at the file's end moves into the gaps before, and the commit
+// cuts the file. Until then it is not cut: to give a few sectors back costs more than to change
+// them.
 #pragma once
 
 #include "compound/allocation_table.h"
@@ -27,10 +29,10 @@ class GapClosing {
           mini_(mini),
           content_(content) {}
 
-    // Part of the transaction, before its chains are written out. Nothing happens as long as little
-    // more than `reserve` sectors stands free, or when the file's end holds what is in no sound
-    // chain; a large surplus goes in steps, one a transaction.
-    void run(std::uint64_t reserve);
+    // Part of the transaction, before its chains are written out. Whether the commit is to cut the
+    // file: not as long as little more than `reserve` sectors stands free. Nothing moves when the
+    // file's end holds what is in no sound chain; a large surplus goes in steps, one a transaction.
+    bool run(std::uint64_t reserve);
 
   private:
     // What the sectors from `end` on hold: streams, in parts at least; how many sectors it is.
@@ -40,6 +42,7 @@ class GapClosing {
         std::uint64_t sectors = 0;
     };
 
+    void leaveTail(std::uint32_t end);
     std::optional<Tail> tailFrom(std::uint32_t end);
     void addStreams(Tail& tail);
 
