@@ -63,18 +63,20 @@ std::uint64_t AllocationTable::inChainsFrom(std::uint32_t end) {
     return used;
 }
 
-std::uint64_t AllocationTable::keptAtHome(std::uint64_t reserve) {
-    const std::uint64_t kept = std::min<std::uint64_t>(freeIn(home()), spareForChains());
+std::uint64_t AllocationTable::keptAtHome(std::uint64_t reserve, std::uint32_t end) {
+    const std::uint64_t kept =
+        liesBefore(home(), end) ? std::min<std::uint64_t>(freeIn(home()), spareForChains()) : 0;
     return kept - std::min(kept, reserve);
 }
 
-std::uint32_t AllocationTable::endWithRoom(std::uint32_t end, std::uint32_t most) {
-    for (std::uint32_t sector = (end - 1) / perSector_ * perSector_; sector < most; ++sector) {
-        if (isFreeInside(sector / perSector_, sector % perSector_)) {
-            return std::max(end, sector + 1);
+std::uint32_t AllocationTable::lowestPlaceForFat(std::uint32_t end) {
+    const std::uint32_t last = (end - 1) / perSector_;
+    for (std::uint32_t at = 0; at < perSector_; ++at) {
+        if (isFreeInside(last, at)) {
+            return last * perSector_ + at;
         }
     }
-    return end;
+    return kNone;
 }
 
 void AllocationTable::leave(std::uint32_t end) {
@@ -106,8 +108,8 @@ std::uint32_t AllocationTable::allocateGap() {
         const std::uint32_t index = gapAt_ / perSector_;
         const bool isLast = index == (leftEnd_ - 1) / perSector_;
         const bool isFull = isLast && lastGaps_ == 0;
-        const std::uint32_t found =
-            isFull ? kNone : findFree(index, gapAt_ % perSector_, keptFromData(index));
+        const std::uint32_t kept = liesBefore(index, leftEnd_) ? keptFromData(index) : kKeptForFat;
+        const std::uint32_t found = isFull ? kNone : findFree(index, gapAt_ % perSector_, kept);
         if (found != kNone && found >= gapAt_ && found < leftEnd_) {
             gapAt_ = found + 1;
             lastGaps_ -= isLast ? 1U : 0U;

@@ -170,7 +170,7 @@ std::uint32_t AllocationTable::firstLook(std::uint32_t near, Purpose purpose) {
     if (purpose == Purpose::Fat) {
         return near / perSector_;
     }
-    const bool leavesHome = leftEnd_ > 0 ? home() * perSector_ >= leftEnd_ : freesMuch();
+    const bool leavesHome = leftEnd_ > 0 ? !liesBefore(home(), leftEnd_) : freesMuch();
     return leavesHome ? 0 : home();
 }
 

@@ -105,12 +105,13 @@ class AllocationTable {
     // How large the surplus may get before it is worth giving back.
     std::uint64_t allowedSurplus() const;
 
-    // How many free sectors of the chains' home data leave alone beyond `reserve`.
-    std::uint64_t keptAtHome(std::uint64_t reserve);
+    // How many free sectors of the chains' home data leave alone beyond `reserve`, for a file that
+    // will end at `end`.
+    std::uint64_t keptAtHome(std::uint64_t reserve, std::uint32_t end);
 
-    // Where the file can end, at `end` or, but before `most`, behind it, so that the last range has
-    // a place for its FAT sector.
-    std::uint32_t endWithRoom(std::uint32_t end, std::uint32_t most);
+    // The first free sector of the range in which `end` lies, which its FAT sector can go to;
+    // kFreeSector when there is none.
+    std::uint32_t lowestPlaceForFat(std::uint32_t end);
 
     // Sectors from `end` on that are in use, those of FAT and DIFAT apart.
     std::uint64_t inChainsFrom(std::uint32_t end);
@@ -184,6 +185,9 @@ class AllocationTable {
     Run runIn(std::uint32_t index, std::uint32_t enough);
     std::uint32_t freeInside(std::uint32_t index);
     bool freesMuch() const;
+    bool liesBefore(std::uint32_t index, std::uint32_t end) const { // the whole range
+        return std::uint64_t{index + 1} * perSector_ <= end;
+    }
     std::uint32_t firstLook(std::uint32_t near, Purpose purpose);
     std::uint32_t home();
     void moveHome();

@@ -17,13 +17,18 @@ bool GapClosing::run(std::uint64_t reserve) {
     }
     const std::uint32_t used = table_.usedEnd();
     const std::uint64_t behind = file_.count() - std::min(file_.count(), used);
-    const std::uint64_t kept = behind + table_.keptAtHome(reserve);
+    const auto least = used - static_cast<std::uint32_t>(std::min<std::uint64_t>(used, surplus));
+    const std::uint64_t kept = behind + table_.keptAtHome(reserve, least);
     const std::uint64_t length =
         std::min(surplus - std::min(surplus, kept), kMostBytes / file_.sectorSize());
-    if (length > kFew && length < used) {
-        leaveTail(table_.endWithRoom(used - static_cast<std::uint32_t>(length), used));
+    if (length <= kFew || length >= used) {
+        return true;
     }
-    return true;
+    const std::uint32_t end = used - static_cast<std::uint32_t>(length);
+    const std::uint32_t place = table_.lowestPlaceForFat(end);
+    const bool hasPlace = place < end + length / 4;
+    leaveTail(hasPlace ? std::max(end, place + 1) : end);
+    return hasPlace;
 }
 
 void GapClosing::leaveTail(std::uint32_t end) {
