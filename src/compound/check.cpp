@@ -269,7 +269,7 @@ class Checker {
 
     // A crash may leave sectors behind the end that no header in force has ever named.
     void checkTail() {
-        const std::uint32_t tail = file_.unusedTail();
+        const std::uint32_t tail = file_.leftTail();
         if (tail > 0) {
             findings_.push_back({"file",
                                  "its last " + std::to_string(tail) +

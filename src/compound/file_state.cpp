@@ -279,6 +279,12 @@ std::uint32_t FileState::unusedTail() {
     return isLong || (behind > 0 && !parts_->table.covers(file_.count() - 1)) ? behind : 0;
 }
 
+// No commit of ours ends within a sector.
+std::uint32_t FileState::leftTail() {
+    const bool isWhole = file_.disk().size() % file_.sectorSize() == 0;
+    return isWhole ? unusedTail() : behindNeeded();
+}
+
 // Gives back what lies behind the last used sector and the reserve. To give back a few sectors
 // costs more than a small change does, and the next one may fill them; so they stay, but after a
 // change that has taken many, and where somebody else has left them, in holes perhaps. The change

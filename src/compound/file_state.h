@@ -63,9 +63,9 @@ class FileState {
     // See CompoundFile.
     void makeRoom(std::uint64_t bytes);
 
-    // Sectors behind all that the file keeps, which the next change gives back; 0 for a few, which
-    // it may fill.
-    std::uint32_t unusedTail();
+    // Sectors behind all that the file keeps, which the next process to change it gives back; 0 for
+    // a few whole ones, which a change of ours may have left for the next to fill.
+    std::uint32_t leftTail();
 
     // Takes over what this process knows of the header in force.
     void recall(const CommittedFile& known);
@@ -102,6 +102,7 @@ class FileState {
     void putHeaderBack(const char* cause);
     std::uint32_t neededEnd();
     std::uint32_t behindNeeded();
+    std::uint32_t unusedTail();
     void cutFreeTail(bool evenFew) noexcept;
     void restoreLength() noexcept;
 

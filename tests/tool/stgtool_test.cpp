@@ -158,8 +158,7 @@ TEST_F(ToolTest, ChecksEachFileForItself) {
     const std::string foreign = (folder() / "note.txt").string();
     EXPECT_EQ(succeed({"check", sound, cut}), "");
 
-    std::ofstream(sound, std::ios::app | std::ios::binary)
-        << std::string(100'000, 'x'); // what a crash has left
+    std::ofstream(sound, std::ios::app | std::ios::binary) << "what a crash has left";
     EXPECT_NE(succeed({"check", sound}).find("unused"), std::string::npos);
 
     std::filesystem::resize_file(cut, std::filesystem::file_size(cut) / 4);
