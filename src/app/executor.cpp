@@ -15,13 +15,14 @@ namespace {
 // Every thread may have a picture of a hundred megabytes in its hands.
 constexpr int kFewestThreads = 2;
 constexpr int kMostThreads = 4;
+// One may wait for a file that another program has locked.
+constexpr int kReadingThreads = 2;
 
 // Tasks are handed over under a mutex of its own: the thread sanitizer cannot see those of Qt.
 class Pool final : public Executor {
   public:
-    Pool() {
-        pool_.setMaxThreadCount(
-            std::clamp(QThread::idealThreadCount(), kFewestThreads, kMostThreads));
+    explicit Pool(int threads) {
+        pool_.setMaxThreadCount(threads);
         pool_.setExpiryTimeout(-1); // a thread keeps the fonts that it has loaded
     }
     void run(std::function<void()> task) override {
@@ -50,7 +51,7 @@ class Pool final : public Executor {
 Executor* replacement = nullptr;
 
 Pool& pool() {
-    static Pool threads;
+    static Pool threads(std::clamp(QThread::idealThreadCount(), kFewestThreads, kMostThreads));
     // The threads keep fonts, which must be gone before the application is.
     static const bool endsInTime = [] {
         qAddPostRoutine([] { pool().finish(); });
@@ -60,10 +61,19 @@ Pool& pool() {
     return threads;
 }
 
+Pool& readingPool() {
+    static Pool threads(kReadingThreads);
+    return threads;
+}
+
 } // namespace
 
 Executor& workers() {
     return replacement != nullptr ? *replacement : pool();
+}
+
+Executor& readers() {
+    return readingPool();
 }
 
 WorkersReplacement::WorkersReplacement(Executor& other)

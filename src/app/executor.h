@@ -26,6 +26,10 @@ class Executor {
 // end with the application object, so tasks may use fonts.
 Executor& workers();
 
+// Threads for short reading that the user waits for, which must not stand behind the decoding of
+// large pictures.
+Executor& readers();
+
 // Has workers() be another executor for as long as this lives: tests step through it.
 class WorkersReplacement {
   public:

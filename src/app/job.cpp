@@ -15,7 +15,8 @@ struct Job::Link {
     std::uint64_t doneOne = 0; // of the one whose work was done last
 };
 
-Job::Job(QObject* parent) : QObject(parent), link_(std::make_shared<Link>()) {
+Job::Job(QObject* parent, Executor& (*by)())
+    : QObject(parent), executor_(by), link_(std::make_shared<Link>()) {
     link_->job = this;
 }
 
@@ -37,7 +38,7 @@ void Job::startWork(std::function<void()> work, std::function<void()> take) {
     drop();
     take_ = std::move(take);
     state_ = State::Waiting;
-    workers().run([link = link_, request = link_->wanted, work = std::move(work)] {
+    executor_().run([link = link_, request = link_->wanted, work = std::move(work)] {
         doWork(*link, request, work);
     });
 }

@@ -28,7 +28,8 @@ class Job : public QObject {
         Done,    // the result is there
     };
 
-    explicit Job(QObject* parent = nullptr);
+    // The work is done by workers(), or by the executor that `by` gives.
+    explicit Job(QObject* parent = nullptr, Executor& (*by)() = workers);
     ~Job() override;
 
     State state() const { return state_; }
@@ -48,6 +49,7 @@ class Job : public QObject {
     struct Link;
     static void doWork(Link& link, std::uint64_t request, const std::function<void()>& work);
 
+    Executor& (*executor_)();
     std::shared_ptr<Link> link_; // to the workers
     std::function<void()> take_;
     State state_ = State::Idle;

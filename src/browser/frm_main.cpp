@@ -118,6 +118,7 @@ frmMain::~frmMain() {
     find_->stop();
     panel_->stopLoading();
     duplicates_->stop();
+    app::readers().finish();
     app::workers().finish();
 }
 
@@ -146,8 +147,10 @@ void frmMain::connectPanel() {
             [this](const QPoint& position) { menus_->popUp(commands::BandId::Picture, position); });
     connect(panel_, &PicturePanel::editWanted, this,
             [this] { dispatcher_.run(commands::Command::EditPicture, commands::Origin::Menu); });
-    connect(panel_, &PicturePanel::editWantedByKey, this,
-            [this] { menus_->trigger(commands::Command::EditPicture); });
+    connect(panel_, &PicturePanel::editWantedByKey, this, [this] {
+        panel_->awaitShown(); // whether it can be edited
+        menus_->trigger(commands::Command::EditPicture);
+    });
     connect(panel_, &PicturePanel::pictureRenamed, this,
             [this](const store::GroupAddress& group, const store::PictureName& from,
                    const store::PictureName& to) {
@@ -526,6 +529,10 @@ void frmMain::ShowPictures(const store::GroupAddress& group,
     }
     panel_->select(pictures);
     updateMenuState();
+}
+
+void frmMain::awaitShown() {
+    panel_->awaitShown();
 }
 
 void frmMain::Aktualisieren() {

@@ -67,6 +67,7 @@ class frmMain : public QMainWindow, public commands::LibraryView {
     void TreeViewAdd(const store::GroupName& name) override;
     void TreeViewRemove(const store::GroupAddress& group) override;
     void SelectFirstGroup() override;
+    void awaitShown() override;
     void Aktualisieren() override;
     void PictureRenamed(const store::GroupAddress& group, const QString& name) override;
     void PictureDeleted(const store::GroupAddress& group,

@@ -12,14 +12,6 @@
 #include <algorithm>
 
 namespace browser {
-namespace {
-
-bool isSameState(const store::PictureNames& one, const store::PictureNames& other) {
-    return one.latest && other.latest && one.latest->isSameStateAs(*other.latest);
-}
-
-} // namespace
-
 std::optional<groups::ShownPictures> PicturePanel::shownPictures() {
     using Want = groups::ShownPictures::Want;
     if (!group_) {
@@ -40,7 +32,7 @@ std::optional<groups::ShownPictures> PicturePanel::shownPictures() {
 
 bool PicturePanel::takeChanges(const groups::GroupContent& content) {
     const bool wantedEntries = content.asked.want == groups::ShownPictures::Want::Entries;
-    if (listing_ != askedListing_ || group_ != content.asked.group ||
+    if (isReading() || listing_ != askedListing_ || group_ != content.asked.group ||
         shownPicture_.name() != content.asked.picture || wantedEntries == GraphicalPreview_) {
         return false;
     }
@@ -63,23 +55,15 @@ bool PicturePanel::takeChanges(const groups::GroupContent& content) {
 
 // What is on the screen stays as long as there is any picture on it.
 void PicturePanel::updatePage() {
-    const std::size_t cells = strip_->cells();
-    if (cells == 0) {
+    if (strip_->cells() == 0) {
         return;
     }
-    {
-        const QSignalBlocker quiet(imgScroll_);
-        imgScroll_->setRange(1, lastPage(listed_.elements, cells));
+    setPageRange();
+    if (listed_.elements.empty()) {
+        strip_->clear();
+    } else {
+        loadPage(pageStart());
     }
-    const std::size_t start = pageStart();
-    const auto first = std::lower_bound(listed_.elements.begin(), listed_.elements.end(), start);
-    std::vector<QString> names;
-    for (auto i = static_cast<std::size_t>(first - listed_.elements.begin());
-         i < listed_.names.size() && names.size() < cells; ++i) {
-        names.push_back(QString::fromStdU16String(listed_.names[i].text));
-    }
-    strip_->keep(names);
-    loadPage(start);
 }
 
 void PicturePanel::takeSelected(const std::optional<store::PictureEntry>& selected) {

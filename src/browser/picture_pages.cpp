@@ -82,32 +82,32 @@ void PicturePanel::onTimer() {
         return;
     }
     layOutGrid();
-    SetImgScrollProperties();
+    setPageRange();
     if (const auto kept = std::exchange(keptInSight_, {})) {
         MiniVorschau(*kept);
         return;
     }
-    if (std::exchange(turnsToShown_, false)) {
+    const bool turns = std::exchange(turnsToShown_, false);
+    if (listedGroup_ != group_ || reading_.isBusy()) {
+        awaitPage(turns ? Awaited::Page::OfShown : Awaited::Page::Stay);
+        read();
+        return;
+    }
+    if (turns) {
         start_ = startIndexOf(imgScroll_->value(), strip_->cells());
         turnToShownPicture();
     }
     onScrollChanged();
 }
 
-store::PictureNames PicturePanel::readNames() const {
-    if (library_ == nullptr || !group_) {
-        return {};
-    }
-    try {
-        return store::listPictureNames(*library_, *group_);
-    } catch (const std::exception&) {
-        return {};
-    }
+void PicturePanel::setPageRange() {
+    const QSignalBlocker quiet(imgScroll_);
+    imgScroll_->setRange(1, lastPage(listed_.elements, strip_->cells()));
 }
 
 void PicturePanel::SetImgScrollProperties() {
-    const QSignalBlocker quiet(imgScroll_);
-    imgScroll_->setRange(1, lastPage(readNames().elements, strip_->cells()));
+    setPageRange();
+    read();
 }
 
 void PicturePanel::onScrollChanged() {
@@ -119,10 +119,6 @@ std::size_t PicturePanel::pageStart() const {
     const bool isBetween = cells > 0 && start_ % cells != 0 && !listed_.elements.empty() &&
                            start_ <= listed_.elements.back();
     return isBetween ? start_ : startIndexOf(imgScroll_->value(), cells);
-}
-
-void PicturePanel::showPageAgain() {
-    MiniVorschau(pageStart());
 }
 
 void PicturePanel::showPage(int page) {
@@ -159,27 +155,41 @@ void PicturePanel::showPageOf(int position) {
     }
 }
 
+// What is listed is shown at once.
 void PicturePanel::MiniVorschau(std::size_t startIndex) {
+    if (!GraphicalPreview_) {
+        loader_.stop();
+        strip_->clear();
+        return;
+    }
+    const bool isListed = group_ && listedGroup_ == group_;
+    if (isListed && !reading_.isBusy()) {
+        strip_->clear();
+        showPageFrom(startIndex);
+        awaitPage(Awaited::Page::AsListed);
+    } else {
+        awaitPage(Awaited::Page::Start, startIndex);
+    }
+    read();
+}
+
+void PicturePanel::showPageFrom(std::size_t startIndex) {
     ++listing_;
     loader_.stop();
-    strip_->clear();
     hideToolTip(); // it names what was below the pointer until now
     const std::size_t cells = strip_->cells();
-    if (!group_ || cells == 0 || !GraphicalPreview_) {
+    if (cells == 0) {
         return;
+    }
+    const std::vector<std::size_t>& all = listed_.elements;
+    if (!all.empty() && all.back() < startIndex) { // others have removed what stood on that page
+        startIndex = startIndexOf(imgScroll_->maximum(), cells);
     }
     start_ = startIndex;
-    listed_ = readNames();
     showPageNumber();
-    const std::vector<std::size_t>& all = listed_.elements;
-    const bool isPastEnd = all.empty() || all.back() < startIndex;
-    if (isPastEnd && !all.empty()) { // another program has removed what stood on that page
-        SetImgScrollProperties();
-        onScrollChanged();
-        return;
-    }
     emit pagesShown({all.size(), imgScroll_->value(), imgScroll_->maximum()});
-    if (isPastEnd) {
+    if (all.empty()) {
+        strip_->clear();
         ShowNoPicture();
         return;
     }
@@ -198,12 +208,16 @@ void PicturePanel::showPageNumber() {
 
 // Cells that show their picture already keep it until it comes anew.
 void PicturePanel::loadPage(std::size_t startIndex) {
-    const std::size_t cells = strip_->cells();
     const std::vector<std::size_t>& all = listed_.elements;
     const auto first = std::lower_bound(all.begin(), all.end(), startIndex);
     const auto count =
-        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(cells));
+        std::min<std::ptrdiff_t>(all.end() - first, static_cast<std::ptrdiff_t>(strip_->cells()));
     const auto firstName = listed_.names.begin() + (first - all.begin());
+    std::vector<QString> names;
+    for (auto name = firstName; name != firstName + count; ++name) {
+        names.push_back(QString::fromStdU16String(name->text));
+    }
+    strip_->keep(names);
     strip_->expect({static_cast<int>(first - all.begin()), static_cast<int>(count),
                     static_cast<int>(all.size())});
     loader_.start(*library_, {*group_,
@@ -216,20 +230,21 @@ void PicturePanel::loadPage(std::size_t startIndex) {
 // What a key acts on next must not stand on a page that nobody sees. The page is not filled yet.
 void PicturePanel::turnToShownPicture() {
     const std::size_t cells = strip_->cells();
-    std::optional<store::PicturePlace> place;
-    try {
-        if (library_ != nullptr && group_ && shownPicture_.name()) {
-            place = store::placeOfPicture(*library_, *group_, *shownPicture_.name());
-        }
-    } catch (const std::exception&) {
-        place.reset();
-    }
-    if (!place || cells == 0 ||
-        isOnPage(readNames().elements, pageStart(), cells, place->element)) {
+    if (!shownPicture_.name() || cells == 0) {
         return;
     }
-    start_ = startIndexOf(pageOf(place->element, cells), cells);
-    showPageNumber();
+    const auto& names = listed_.names;
+    const auto found = std::find_if(names.begin(), names.end(), [&](const auto& name) {
+        return store::sameName(name.text, shownPicture_.name()->text);
+    });
+    if (found == names.end()) {
+        return;
+    }
+    const std::size_t element = listed_.elements[static_cast<std::size_t>(found - names.begin())];
+    if (!isOnPage(listed_.elements, pageStart(), cells, element)) {
+        start_ = startIndexOf(pageOf(element, cells), cells);
+        showPageNumber();
+    }
 }
 
 } // namespace browser

@@ -65,6 +65,7 @@ PicturePanel::PicturePanel(QWidget* surface)
     connect(imgVorschau_, &LargePreview::activated, this, &PicturePanel::editWanted);
     connectStrip();
     connectList();
+    connectReading();
 }
 
 void PicturePanel::connectStrip() {
@@ -84,8 +85,7 @@ void PicturePanel::connectStrip() {
 void PicturePanel::connectList() {
     connect(lvwInfo_, &PictureList::rowClicked, this, [this](const QString& name) {
         if (name != shownPicture_.nameText()) {
-            choose(pictureNamed(name));
-            emit editItemWanted(commands::EditItemCause::Group); // by key no mouse is released
+            choose(pictureNamed(name), commands::EditItemCause::Group);
         }
     });
     connect(lvwInfo_, &PictureList::mouseReleased, this,
@@ -146,12 +146,13 @@ void PicturePanel::setTabOrderAfter(QWidget* before) {
 }
 
 bool PicturePanel::isSettled() const {
-    return !Timer1_->isActive() && !loader_.isBusy() && !imgVorschau_->isBusy() &&
+    return !Timer1_->isActive() && !isReading() && !loader_.isBusy() && !imgVorschau_->isBusy() &&
            !selectedBytes_.isBusy();
 }
 
 void PicturePanel::stopLoading() {
     Timer1_->stop();
+    stopReading();
     loader_.stop();
     selectedBytes_.drop();
     imgVorschau_->showNothing();
@@ -164,57 +165,54 @@ void PicturePanel::showGroup() {
         showGroupAnew();
         return;
     }
-    SelectPicture();
-    if (imgScroll_->value() == 1) {
-        onScrollChanged();
-    } else {
-        imgScroll_->setValue(1);
-    }
-    SetImgScrollProperties();
-    emit menuStateWanted();
+    awaitFirstPicture();
+    showFromStart();
+}
+
+// The thumbnails, when they come back, begin where the list does.
+void PicturePanel::showFromStart() {
+    const QSignalBlocker quiet(imgScroll_);
+    imgScroll_->setValue(1);
+    awaitPage(Awaited::Page::Start, 0);
+    read();
 }
 
 void PicturePanel::showGroupAnew() {
+    awaitFirstPicture();
     if (GraphicalPreview_) {
-        SelectPicture();
-        SetImgScrollProperties();
-        MiniVorschau(0);
+        showFromStart();
     } else {
-        // The thumbnails, when they come back, begin where the list does.
-        const QSignalBlocker quiet(imgScroll_);
-        imgScroll_->setValue(1);
-        strip_->clear(); // and do not show another group until then
-        if (group_) {
-            FillListView(*group_);
-        } else {
-            lvwInfo_->fill(group_, {});
-        }
-        showListRow();
+        strip_->clear(); // and do not show another group when they come back
+        awaitRows({});
+        showFromStart();
     }
     emit menuStateWanted();
 }
 
 void PicturePanel::showGroupAt(const store::PictureName& picture) {
-    setShownPicture(commands::ShownPicture(picture));
-    if (GraphicalPreview_) {
-        SetImgScrollProperties();
-        turnToShownPicture();
-        onScrollChanged();
-    } else if (group_) {
-        FillListView(*group_);
-        lvwInfo_->select(shownPicture_.nameText());
-    }
-    showAgain();
+    awaitPicture(picture);
+    showShown();
     emit menuStateWanted();
+}
+
+void PicturePanel::showShown() {
+    if (GraphicalPreview_) {
+        awaitPage(Awaited::Page::OfShown);
+    } else {
+        awaitRows({shownPicture_.nameText()});
+    }
+    read();
 }
 
 void PicturePanel::showNothing() {
     group_.reset();
+    stopReading();
     loader_.stop();
+    leaveOtherGroup();
     strip_->clear();
     hideToolTip();
     lvwInfo_->fill(group_, {});
-    SetImgScrollProperties();
+    setPageRange();
     setShownPicture({});
     ClearVorschau();
     emit nothingShown();
@@ -230,31 +228,13 @@ void PicturePanel::Aktualisieren() {
         showGroupAnew();
         return;
     }
-    SetImgScrollProperties();
-    showPageAgain();
-    showAgain();
+    // The chosen picture may have got other bytes or another spelling, or be gone; or the group has
+    // its first pictures now.
+    awaitShownPicture();
+    awaitPage(Awaited::Page::Stay);
+    hideToolTip(); // it names what was below the pointer until now
+    read();
     emit menuStateWanted();
-}
-
-// The chosen picture may have got other bytes or another spelling, or be gone; or the group has its
-// first pictures now.
-void PicturePanel::showAgain() {
-    if (shownPicture_.isUnchosen()) {
-        return;
-    }
-    std::optional<store::PictureName> found;
-    try {
-        if (library_ != nullptr && group_ && shownPicture_.name()) {
-            found = store::findPicture(*library_, *group_, *shownPicture_.name());
-        }
-    } catch (const std::exception&) {
-        found.reset();
-    }
-    if (found) {
-        choose(*found);
-    } else {
-        SelectPicture();
-    }
 }
 
 void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QString& name) {
@@ -263,38 +243,27 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
     }
     selection_.rename(shownPicture_.nameText(), name);
     setShownPicture(commands::ShownPicture(pictureNamed(name)));
-    if (!GraphicalPreview_) {
-        FillListView(group);
-        lvwInfo_->select(name);
-        return;
+    if (GraphicalPreview_) {
+        awaitPage(Awaited::Page::Stay);
+    } else {
+        awaitRows({name});
     }
-    SetImgScrollProperties();
-    showPageAgain();
+    read();
 }
 
 void PicturePanel::PictureDeleted(const store::GroupAddress& group,
                                   const std::optional<store::PictureName>& beside) {
     if (GraphicalPreview_ && group_ == group && beside) {
-        setShownPicture(commands::ShownPicture(*beside));
-        turnToShownPicture();
+        awaitPicture(*beside);
+        awaitPage(Awaited::Page::OfShown);
     }
     Aktualisieren();
 }
 
 void PicturePanel::FillListView(const store::GroupAddress& group) {
-    std::vector<store::PictureEntry> pictures;
-    try {
-        if (library_ != nullptr) {
-            pictures = store::listPictures(*library_, group);
-        }
-    } catch (const std::exception&) {
-        pictures.clear(); // shown as a group without pictures
-    }
-    ++listing_;
-    listed_ = {}; // of the strip, and older
-    lvwInfo_->fill(group, pictures);
-    lvwInfo_->selectFirst();
-    emit pagesShown({pictures.size(), 1, 1});
+    setGroup(group);
+    awaitRows({});
+    read();
 }
 
 void PicturePanel::showListRow() {
@@ -302,7 +271,7 @@ void PicturePanel::showListRow() {
     if (name.isEmpty()) {
         ShowNoPicture();
     } else {
-        choose(pictureNamed(name));
+        choose(pictureNamed(name), commands::EditItemCause::Group);
     }
 }
 
@@ -322,11 +291,8 @@ void PicturePanel::VorschauDeaktiviert() {
     imgScroll_->hide();
     lvwInfo_->show();
     if (group_) {
-        FillListView(*group_);
-        lvwInfo_->select(shownPicture_.nameText());
-        if (shownPicture_.isUnchosen() || lvwInfo_->selectedName() != shownPicture_.nameText()) {
-            showListRow();
-        }
+        awaitRows(shownPicture_.name() ? QStringList(shownPicture_.nameText()) : QStringList());
+        read();
     } else {
         lvwInfo_->fill(group_, {});
     }
@@ -339,6 +305,7 @@ void PicturePanel::VorschauDeaktiviert() {
 // --- The shown picture
 
 void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
+    describing_.drop(); // of another one
     shownPicture_ = picture;
     lblAktuell_->setText(picture.caption());
     selection_.setCurrent(picture.nameText());
@@ -348,44 +315,36 @@ void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
 }
 
 void PicturePanel::SelectPicture() {
-    selection_.chooseAlone({});
-    std::optional<store::PictureEntry> first;
-    try {
-        if (library_ != nullptr && group_) {
-            first = store::firstPicture(*library_, *group_);
-        }
-    } catch (const std::exception&) {
-        first.reset();
-    }
-    if (first) {
-        setShownPicture(commands::ShownPicture(first->name));
-        showStored(*first);
-    } else {
-        ShowNoPicture();
-    }
+    awaitFirstPicture();
+    read();
 }
 
-void PicturePanel::choose(const store::PictureName& picture) {
+void PicturePanel::choose(const store::PictureName& picture, commands::EditItemCause cause) {
+    awaited_.choice = Awaited::Choice::None;
     setShownPicture(commands::ShownPicture(picture));
-    shownType_.clear();
-    try {
-        if (library_ != nullptr && group_) {
-            showStored(store::describePicture(*library_, *group_, picture));
-        }
-    } catch (const std::exception&) {
-        shownSizes_.clear();
-        describeSelection();
-        imgVorschau_->showUndecodable();
-    }
+    describeSelection();
+    describedFor_ = cause;
+    describe(picture);
+    loadPreview(picture);
 }
 
 void PicturePanel::showStored(const store::PictureEntry& picture) {
+    takeDescription(picture);
+    loadPreview(picture.name);
+}
+
+void PicturePanel::takeDescription(const store::PictureEntry& picture) {
     shownType_ = QString::fromStdString(picture.record.type);
     shownSizes_ = sizesOf(picture);
     describeSelection();
-    imgVorschau_->load([library = *library_, group = *group_, name = picture.name] {
-        return store::readPicture(library, group, name).bytes;
-    });
+}
+
+void PicturePanel::loadPreview(const store::PictureName& picture) {
+    if (library_ != nullptr && group_) {
+        imgVorschau_->load([library = *library_, group = *group_, picture] {
+            return store::readPicture(library, group, picture).bytes;
+        });
+    }
 }
 
 QWidget* PicturePanel::pictures() const {
@@ -422,6 +381,7 @@ void PicturePanel::NoToolTip() {
 }
 
 void PicturePanel::ShowNoPicture() {
+    awaited_.choice = Awaited::Choice::None;
     setShownPicture(commands::ShownPicture::none());
     ClearVorschau();
 }
@@ -440,6 +400,7 @@ void PicturePanel::renamed(const store::GroupAddress& group, const QString& from
             ++listing_;
             lvwInfo_->rename(from, to);
             setShownPicture(commands::ShownPicture(pictureNamed(to)));
+            read();
         }
     } catch (const std::exception& failure) {
         emit renameFailed(group, failure);

@@ -1,7 +1,9 @@
 // The pictures of the current group: thumbnails or list, large preview, label, tool tip and scroll
 // bar, and how they follow each other.
 //
-// Reading is silent: a group or picture that cannot be read leaves its view empty.
+// Reading is silent: a group or picture that cannot be read leaves its view empty. It is done
+// beside the window: what a routine shows of the group is there when isReading() ends, in the order
+// in which the routines were called.
 #pragma once
 
 #include "app/job.h"
@@ -33,6 +35,9 @@ class PictureList;
 class ThumbnailStrip;
 class ThumbnailToolTip;
 
+// Whether they are known to be the same.
+bool isSameState(const store::PictureNames& one, const store::PictureNames& other);
+
 class PicturePanel : public QObject {
     Q_OBJECT
 
@@ -62,7 +67,7 @@ class PicturePanel : public QObject {
     void layOutGrid();
 
     // Which group is shown. Changes nothing on the screen.
-    void setGroup(const std::optional<store::GroupAddress>& group) { group_ = group; }
+    void setGroup(const std::optional<store::GroupAddress>& group);
     const std::optional<store::GroupAddress>& group() const { return group_; }
 
     // Shows the group's pictures from the beginning, and its first picture.
@@ -91,7 +96,12 @@ class PicturePanel : public QObject {
 
     bool GraphicalPreview() const { return GraphicalPreview_; }
     void setGraphicalPreview(bool on) { GraphicalPreview_ = on; }
-    bool isSettled() const; // nothing is being laid out or loaded
+    bool isSettled() const; // nothing is being laid out, read or loaded
+    bool isReading() const; // names, order or records; not the pictures themselves
+
+    // Returns when nothing is being read; the window paints meanwhile, keys and clicks wait. What
+    // acts on selected pictures begins with it.
+    void awaitShown();
 
     // What a look at the library is to read anew; nothing while no group is shown.
     std::optional<groups::ShownPictures> shownPictures();
@@ -147,13 +157,52 @@ class PicturePanel : public QObject {
     void renameFailed(const store::GroupAddress& group, const std::exception& failure);
 
   private:
+    // What is to be shown when the group has been read.
+    struct Awaited {
+        enum class Choice {
+            None,  // of a picture: the shown one stays
+            First, // as the view stands
+            Shown, // the same once more; the first one if it is gone
+        } choice = Choice::None;
+        enum class Page {
+            None,     // only how many there are
+            AsListed, // is on the screen, unless others have changed the group
+            Stay,     // the one on the screen anew
+            Start,    // the one that begins with `start`
+            OfShown,  // the one with the shown picture
+        } page = Page::None;
+        std::size_t start = 0;
+        bool rows = false; // the list's
+        QStringList selectedRows;
+    };
+
+    void connectReading();
+    void stopReading();
+    void leaveOtherGroup();
+    void awaitFirstPicture();
+    void awaitShownPicture();
+    void awaitPicture(const store::PictureName& picture);
+    void awaitPage(Awaited::Page page, std::size_t start = 0);
+    void awaitRows(const QStringList& selected);
+    void read();
+    void takeReading();
+    void takeChoice(const Awaited& awaited, const std::optional<store::PictureEntry>& selected);
+    void takeRows(const Awaited& awaited, const std::vector<store::PictureEntry>& entries);
+    void takePage(const Awaited& awaited);
+    void setPageRange();
+    void showPageFrom(std::size_t startIndex);
+    void showFromStart();
+    void showShown();
+    void describe(const store::PictureName& picture);
+    void loadPreview(const store::PictureName& picture);
+    void takeDescription(const store::PictureEntry& picture);
+
     void connectStrip();
     void connectList();
     void onScrollChanged();
     void onTimer();
     std::size_t pageStart() const; // the element with which the screen begins
     void showPage(int page);
-    void showPageAgain();
     void showPageNumber();
     void turnPages(int pages);
     void resizeThumbnails(int steps);
@@ -161,7 +210,7 @@ class PicturePanel : public QObject {
     bool isShownPictureInSight() const;
     void scrollRows(int rows);
     void showPageOf(int position);
-    void choose(const store::PictureName& picture);
+    void choose(const store::PictureName& picture, commands::EditItemCause cause);
     void chosenInStrip(const QString& name, Selecting how);
     void banded(const QStringList& covered, const QSet<QString>& before);
     void showSelection();             // of the strip
@@ -172,10 +221,8 @@ class PicturePanel : public QObject {
     QStringList selectedNames() const; // as far as they are listed
     void describeSelection();
     void describeSelectedBytes();
-    void showAgain();
     void turnToShownPicture();
     void renamed(const store::GroupAddress& group, const QString& from, const QString& to);
-    store::PictureNames readNames() const;
     void loadPage(std::size_t startIndex);
     void updatePage();
     void takeSelected(const std::optional<store::PictureEntry>& selected);
@@ -191,10 +238,15 @@ class PicturePanel : public QObject {
     ThumbnailLoader loader_;
     const store::Library* library_ = nullptr;
     std::optional<store::GroupAddress> group_;
-    store::PictureNames listed_; // the group's pictures when they were shown last
-    std::size_t start_ = 0;      // with which the thumbnails began last
-    bool turnsToShown_ = false;  // when the thumbnails are laid out
-    int listing_ = 0;            // counts how often they were
+    app::JobFor<std::optional<groups::GroupContent>> reading_{nullptr, app::readers};
+    Awaited awaited_;
+    app::JobFor<std::optional<store::PictureEntry>> describing_{nullptr, app::readers};
+    commands::EditItemCause describedFor_ = commands::EditItemCause::Group;
+    store::PictureNames listed_; // the group's pictures when they were read last
+    std::optional<store::GroupAddress> listedGroup_; // whose
+    std::size_t start_ = 0;                          // with which the thumbnails began last
+    bool turnsToShown_ = false;                      // when the thumbnails are laid out
+    int listing_ = 0;                                // counts how often they were read or shown
     mutable QStringList order_;
     mutable int orderedListing_ = -1; // for which order_ was made
     int askedListing_ = -1;           // of the last look's question

@@ -19,19 +19,17 @@ constexpr app::TextPair kSelected{u"%1 ausgewählt", u"%1 selected"};
 const QStringList& PicturePanel::order() const {
     if (orderedListing_ != listing_) {
         order_.clear();
-        const bool isKnown = !listed_.names.empty(); // or not, just after the list was the view
-        for (const store::PictureName& name : isKnown ? listed_.names : readNames().names) {
+        for (const store::PictureName& name : listed_.names) {
             order_.append(QString::fromStdU16String(name.text));
         }
-        orderedListing_ = isKnown ? listing_ : -1;
+        orderedListing_ = listing_;
     }
     return order_;
 }
 
 void PicturePanel::chosenInStrip(const QString& name, Selecting how) {
     selection_.choose(name, how, how == Selecting::Alone ? QStringList() : order());
-    choose(pictureNamed(selection_.current()));
-    emit editItemWanted(commands::EditItemCause::Thumbnail);
+    choose(pictureNamed(selection_.current()), commands::EditItemCause::Thumbnail);
 }
 
 void PicturePanel::banded(const QStringList& covered, const QSet<QString>& before) {
@@ -41,8 +39,7 @@ void PicturePanel::banded(const QStringList& covered, const QSet<QString>& befor
 
 void PicturePanel::showSelection() {
     if (selection_.current() != shownPicture_.nameText()) {
-        choose(pictureNamed(selection_.current()));
-        emit editItemWanted(commands::EditItemCause::Thumbnail);
+        choose(pictureNamed(selection_.current()), commands::EditItemCause::Thumbnail);
     } else {
         strip_->mark(selection_.current(), selection_.all());
         describeSelection();
@@ -83,16 +80,13 @@ void PicturePanel::select(const std::vector<store::PictureName>& pictures) {
     }
     selection_.chooseAlone(names.first());
     selection_.chooseBanded(names, {});
-    setShownPicture(commands::ShownPicture(pictures.front()));
+    awaitPicture(pictures.front());
     if (GraphicalPreview_) {
-        SetImgScrollProperties();
-        turnToShownPicture();
-        Aktualisieren();
+        awaitPage(Awaited::Page::OfShown);
     } else {
-        FillListView(*group_);
-        lvwInfo_->select(names);
-        choose(pictures.front());
+        awaitRows(names);
     }
+    read();
 }
 
 QStringList PicturePanel::selectedNames() const {

@@ -116,6 +116,7 @@ void Dispatcher::run(Command command, Origin origin) {
     if (handler == nullptr) {
         return;
     }
+    view_.awaitShown();
     CommandCall call{view_, dialogs_, contextOf(view_.selectedGroup(), view_.shownPicture()),
                      origin};
     try {

@@ -53,6 +53,10 @@ class LibraryView {
 
     virtual const ShownPicture& shownPicture() const = 0;
 
+    // Returns when what has been asked to be shown of the group is shown; keys and clicks wait.
+    // Every command begins with it, so that it acts on what the user was going to see.
+    virtual void awaitShown() {}
+
     // The selected pictures of the selected group, in its order; the shown one is among them.
     virtual std::vector<store::PictureName> selectedPictures() const = 0;
     virtual void selectAll() = 0;

@@ -29,24 +29,6 @@ void nextNotBefore(LibraryChanges& changes, Next next) {
     changes.next = std::max(changes.next, next);
 }
 
-GroupContent contentOf(const store::Library& library, const ShownPictures& shown) {
-    GroupContent content{shown, store::listPictureNames(library, shown.group), {}, {}};
-    if (shown.want == ShownPictures::Want::Entries) {
-        content.entries = store::listPictures(library, shown.group);
-    }
-    const std::vector<store::PictureName>& names = content.names.names;
-    if (!names.empty()) {
-        const auto isSelected = [&](const store::PictureName& name) {
-            return shown.picture && store::sameName(name.text, shown.picture->text);
-        };
-        const auto found = std::find_if(names.begin(), names.end(), isSelected);
-        content.selected = store::describePicture(
-            library, shown.group,
-            found == names.end() ? names[std::min(shown.position, names.size() - 1)] : *found);
-    }
-    return content;
-}
-
 class Look {
   public:
     Look(const store::Library& library, const LookAtLibrary& look)
@@ -141,7 +123,7 @@ class Look {
             return;
         }
         try {
-            changes_.content = contentOf(library_, *look_.shown);
+            changes_.content = groups::readContent(library_, *look_.shown);
         } catch (const compound::Error& error) {
             if (error.code() != compound::ErrorCode::NotFound) { // the group may have gone
                 known.state.reset();
@@ -167,6 +149,24 @@ KnownFiles knownFrom(const std::vector<GroupFile>& files) {
                                  file.reading.state == store::GroupFileState::Damaged};
     }
     return known;
+}
+
+GroupContent readContent(const store::Library& library, const ShownPictures& shown) {
+    GroupContent content{shown, store::listPictureNames(library, shown.group), {}, {}};
+    if (shown.want == ShownPictures::Want::Entries) {
+        content.entries = store::listPictures(library, shown.group);
+    }
+    const std::vector<store::PictureName>& names = content.names.names;
+    if (!names.empty()) {
+        const auto isSelected = [&](const store::PictureName& name) {
+            return shown.picture && store::sameName(name.text, shown.picture->text);
+        };
+        const auto found = std::find_if(names.begin(), names.end(), isSelected);
+        content.selected = store::describePicture(
+            library, shown.group,
+            found == names.end() ? names[std::min(shown.position, names.size() - 1)] : *found);
+    }
+    return content;
 }
 
 LibraryChanges lookForChanges(const store::Library& library, const LookAtLibrary& look) {

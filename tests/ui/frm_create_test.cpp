@@ -188,6 +188,7 @@ TEST_P(FrmCreateTest, WaitsForAFolderThatIsStillBeingRead) {
         EXPECT_EQ(boxes_.take().size(), isGivenUp ? 0 : 1);
         EXPECT_EQ(storagesFolder().size(), isGivenUp ? 0 : 1);
     }
+    window().awaitShown();
     workers.stepAll();
     EXPECT_EQ(thumbnails(), QStringList{"a"});
 }

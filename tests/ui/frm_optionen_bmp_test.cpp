@@ -106,6 +106,7 @@ TEST_F(FrmOptionenBmp, OpensEveryTypeButWmfOnBothWays) {
         SCOPED_TRACE(type.toStdString());
         QWidget* cell = thumbnail(type);
         QTest::mouseClick(cell, Qt::LeftButton);
+        window().awaitShown();
         EXPECT_EQ(find<QAction>("Men_Bearbeiten_2")->isEnabled(), kind != PictureKind::Gif);
         QContextMenuEvent request(QContextMenuEvent::Mouse, cell->rect().center(),
                                   cell->mapToGlobal(cell->rect().center()));

@@ -79,6 +79,7 @@ TEST_P(MainStart, LeavingAServerOnlyHidesItsWindow) {
         server.show();
         ASSERT_TRUE(until([&] { return server.isSettled(); }));
         groups->setCurrentItem(groups->topLevelItem(0));
+        server.awaitShown();
         EXPECT_EQ(server.shownPicture().caption(), "P1") << visit;
         server.findChild<QAction*>("Men_Datei_6")->trigger();
         EXPECT_FALSE(server.isVisible()) << visit;

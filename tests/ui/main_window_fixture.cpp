@@ -127,10 +127,13 @@ void MainWindowTest::clickFreeArea(Qt::MouseButton button) {
 }
 
 void MainWindowTest::trigger(const QString& actionName) {
+    window_->awaitShown();
     find<QAction>(actionName)->trigger();
+    window_->awaitShown();
 }
 
 QString MainWindowTest::label() {
+    window_->awaitShown();
     return find<QLabel>("lblAktuell")->text();
 }
 
@@ -140,6 +143,7 @@ QString MainWindowTest::selectedNode() {
 }
 
 QStringList MainWindowTest::thumbnails() {
+    window_->awaitShown();
     QStringList names;
     for (int i = 0;; ++i) {
         const auto* cell = window_->findChild<QWidget*>(QStringLiteral("img_%1").arg(i));
@@ -153,6 +157,7 @@ QStringList MainWindowTest::thumbnails() {
 }
 
 QWidget* MainWindowTest::thumbnail(const QString& name) {
+    window_->awaitShown();
     for (int i = 0;; ++i) {
         auto* cell = window_->findChild<QWidget*>(QStringLiteral("img_%1").arg(i));
         if (cell == nullptr || cell->accessibleName() == name) {
@@ -163,6 +168,7 @@ QWidget* MainWindowTest::thumbnail(const QString& name) {
 }
 
 QStringList MainWindowTest::rows() {
+    window_->awaitShown();
     QStringList names;
     const auto* list = find<QTreeWidget>("lvwInfo");
     for (int i = 0; i < list->topLevelItemCount(); ++i) {

@@ -4,10 +4,13 @@
 #include "app/stepped_executor.h"
 #include "browser/large_preview.h"
 #include "browser/thumbnail_loader.h"
+#include "platform/held_file.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
+#include <QAction>
 #include <QBuffer>
+#include <QLabel>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTest>
@@ -61,7 +64,7 @@ class PictureLoading : public MainWindowTest {
     void click(const QString& group) {
         QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {},
                           tree()->visualItemRect(node(group)).center());
-        QCoreApplication::processEvents();
+        window().awaitShown();
     }
 
     QColor previewCentre() {
@@ -113,6 +116,48 @@ TEST_F(PictureLoading, WhatIsNoLongerWantedIsNotShown) {
     EXPECT_TRUE(thumbnails().isEmpty());
     EXPECT_EQ(previewCentre(), find<QWidget>("imgVorschau")->palette().color(QPalette::Base));
     EXPECT_TRUE(window().isSettled());
+}
+
+// Another program may hold it, or the disk take its time.
+TEST_F(PictureLoading, TheWindowDoesNotWaitForAGroupFile) {
+    startWith({{"A", {"A1", "A2"}}, {"B", {"B1", "B2"}}});
+    stepped_.reset();
+    auto held = holdLocked(store::pathOf(library(), groups_["B"].file));
+    const auto clickNow = [this](const QString& group) {
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {},
+                          tree()->visualItemRect(node(group)).center());
+    };
+    auto* shown = find<QLabel>("lblAktuell");
+    for (const bool asList : {false, true}) {
+        SCOPED_TRACE(asList);
+        clickNow("B");
+        EXPECT_FALSE(window().isSettled());
+        EXPECT_EQ(shown->text(), "") << "neither of this group nor of the one before";
+        EXPECT_TRUE(window().shownPicture().isUnchosen());
+        clickNow("A");
+        settle();
+        EXPECT_EQ(label(), "A1");
+        trigger("Men_Extras_0");
+    }
+    held.reset();
+    trigger("Men_Extras_0");
+    clickNow("B");
+    settle();
+    EXPECT_EQ(rows(), (QStringList{"B1", "B2"}));
+    EXPECT_EQ(label(), "B1");
+}
+
+// What a key or click acts on is what the user was going to see.
+TEST_F(PictureLoading, ACommandWaitsForItsPictures) {
+    startWith({{"A", {"A1"}}, {"B", {"A1", "B2"}}});
+    stepped_.reset();
+    QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {},
+                      tree()->visualItemRect(node("B")).center());
+    find<QAction>("Men_Extras_0")->trigger();
+    find<QAction>("Men_Bearbeiten_15")->trigger(); // selects all
+    EXPECT_EQ(window().selectedPictures().size(), 2U);
+    settle();
+    EXPECT_EQ(rows(), (QStringList{"A1", "B2"}));
 }
 
 TEST_F(PictureLoading, ResultsThatComeAfterTheWindowsEndAreLost) {
