@@ -1,6 +1,7 @@
 #include "app/long_operation.h"
 
 #include "app/progress_window.h"
+#include "app/texts.h"
 #include "app/wait_cursor.h"
 
 #include <QEventLoop>
@@ -121,6 +122,11 @@ void runBeside(
 }
 
 } // namespace
+
+LongOperation readingLibrary() {
+    constexpr app::TextPair kReading{u"Die Bibliothek wird gelesen", u"The library is being read"};
+    return {text(kReading)};
+}
 
 void runLong(const LongOperation& operation, QWidget* owner,
              const std::function<void(store::Progress&)>& work) {

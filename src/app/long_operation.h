@@ -55,6 +55,17 @@ Result resultOfLong(const LongOperation& operation, QWidget* owner,
     return std::move(*result);
 }
 
+// An operation that only reads, for what the user waits to see.
+LongOperation readingLibrary();
+
+// The same for a few pages of group files: a disk may take its time, or another program hold a
+// lock.
+template <typename Read>
+auto resultOfReading(QWidget* owner, const Read& read) {
+    return resultOfLong<decltype(read())>(readingLibrary(), owner,
+                                          [&](store::Progress&) { return read(); });
+}
+
 // Whether one is running. What would wait for its group file is to be put off until it has ended.
 bool isLongOperationRunning();
 

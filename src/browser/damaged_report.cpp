@@ -1,5 +1,6 @@
 #include "browser/damaged_report.h"
 
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/texts.h"
 #include "compound/error.h"
@@ -15,6 +16,8 @@ constexpr int kDeleteSeveral = 1403;
 constexpr int kAttention = 1404;
 constexpr int kDeletedBegin = 1405;
 constexpr int kDeletedEnd = 1406; // for every count
+constexpr app::TextPair kDeleting{u"Beschädigte Dateien werden gelöscht",
+                                  u"Damaged files are being deleted"};
 
 QString questionFor(std::size_t count) {
     const bool one = count == 1;
@@ -27,7 +30,7 @@ QString questionFor(std::size_t count) {
 void reportDamagedFiles(const store::Library& library, QWidget* owner) {
     std::size_t count = 0;
     try {
-        count = store::damagedFiles(library).size();
+        count = app::resultOfReading(owner, [&] { return store::damagedFiles(library).size(); });
     } catch (const compound::Error&) {
         return; // an unreachable library is shown as an empty one
     }
@@ -40,7 +43,10 @@ void reportDamagedFiles(const store::Library& library, QWidget* owner) {
         return;
     }
     try {
-        const std::size_t removed = store::removeDamagedFiles(library);
+        const std::size_t removed =
+            app::resultOfLong<std::size_t>({app::text(kDeleting)}, owner, [&](store::Progress&) {
+                return store::removeDamagedFiles(library);
+            });
         app::msgBox(app::text(kDeletedBegin) + QString::number(removed) + app::text(kDeletedEnd),
                     app::Buttons::Ok, app::kProgramTitle, owner);
     } catch (const compound::Error& error) {

@@ -252,11 +252,11 @@ void frmMain::load() {
     panel_->hideToolTip();
     panel_->setGraphicalPreview(true);
     placeParts();
-    FillTreeView();
-    showFirstSteps();
 }
 
 void frmMain::activate() {
+    FillTreeView();
+    showFirstSteps();
     if (!loadFailure_.isEmpty()) {
         app::msgBox(loadFailure_, app::Buttons::Ok, app::kProgramTitle, this);
     }

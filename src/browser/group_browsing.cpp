@@ -1,5 +1,6 @@
 #include "browser/group_browsing.h"
 
+#include "app/long_operation.h"
 #include "browser/library_watch.h"
 #include "browser/picture_panel.h"
 #include "groups/group_tree.h"
@@ -38,8 +39,12 @@ void GroupBrowsing::setLibrary(const store::Library& library) {
 }
 
 void GroupBrowsing::fillTree() {
-    const groups::LibraryReading reading =
-        groups::readLibrary(*library_, store::LockBudget(kRefreshLockWait));
+    app::LongOperation operation = app::readingLibrary();
+    operation.counting = app::LongOperation::Counting::Pieces;
+    const auto reading = app::resultOfLong<groups::LibraryReading>(
+        operation, tree_.window(), [this](store::Progress& progress) {
+            return groups::readLibrary(*library_, store::LockBudget(kRefreshLockWait), progress);
+        });
     isReachable_ = reading.reachable;
     tree_.rebuild(reading.files);
     watch_.remember(reading.files);
@@ -198,8 +203,9 @@ void GroupBrowsing::retry(const store::FileName& file) {
     }
     const auto selected = tree_.selected();
     const bool wasSelected = selected && selected->address.file == file;
-    const auto reading =
-        groups::readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait));
+    const auto reading = app::resultOfReading(tree_.window(), [&] {
+        return groups::readGroupFileAgain(*library_, file, store::LockBudget(kRetryLockWait));
+    });
     if (!reading) {
         emit filesSetAside();
     }

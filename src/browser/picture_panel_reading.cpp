@@ -1,7 +1,6 @@
 // How the picture panel reads its group: beside the window, and what is wanted of it is shown when
 // it has come. What is wanted meanwhile goes along.
 #include "app/long_operation.h"
-#include "app/texts.h"
 #include "browser/large_preview.h"
 #include "browser/picture_list.h"
 #include "browser/picture_panel.h"
@@ -19,8 +18,6 @@
 
 namespace browser {
 namespace {
-
-constexpr app::TextPair kReading{u"Die Gruppe wird gelesen", u"The group is being read"};
 
 std::optional<groups::GroupContent> contentIfReadable(const store::Library& library,
                                                       const groups::ShownPictures& shown) {
@@ -70,7 +67,7 @@ void PicturePanel::stopReading() {
 
 void PicturePanel::awaitShown() {
     while (isReading() && !app::isLongOperationRunning()) {
-        app::runLong({app::text(kReading)}, surface_->window(),
+        app::runLong(app::readingLibrary(), surface_->window(),
                      [](store::Progress&) { app::readers().finish(); });
     }
 }

@@ -95,7 +95,9 @@ Names picturesToDelete(const CommandCall& call, const store::GroupAddress& group
     }
     pictures.clear();
     if (const auto shown = call.selection.pictureInGroup()) {
-        if (store::pictureExists(call.view.library(), group, shown->name)) {
+        if (app::resultOfReading(call.view.owner(), [&] {
+                return store::pictureExists(call.view.library(), group, shown->name);
+            })) {
             pictures.push_back(shown->name);
         } else {
             call.view.Aktualisieren();

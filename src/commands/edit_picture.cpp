@@ -1,5 +1,6 @@
 #include "commands/edit_picture.h"
 
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/texts.h"
 #include "commands/command_call.h"
@@ -12,6 +13,7 @@
 #include "store/picture_operations.h"
 
 #include <optional>
+#include <utility>
 
 namespace commands {
 namespace {
@@ -24,9 +26,12 @@ const QString kVectorFromPopUp =
 std::optional<QString> readType(const CommandCall& call, const editing::PictureInGroup& picture) {
     const store::Library& library = call.view.library();
     try {
-        const std::string type = store::readPictureType(library, picture.group, picture.name);
+        const auto [type, isThere] = app::resultOfReading(call.view.owner(), [&] {
+            return std::pair(store::readPictureType(library, picture.group, picture.name),
+                             store::pictureExists(library, picture.group, picture.name));
+        });
         // A picture may lack its record; one that another program has removed lacks it, too.
-        if (type.empty() && !store::pictureExists(library, picture.group, picture.name)) {
+        if (type.empty() && !isThere) {
             throw compound::Error(compound::ErrorCode::NotFound,
                                   store::pathOf(library, picture.group.file),
                                   "the picture is gone");

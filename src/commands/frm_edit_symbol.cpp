@@ -1,6 +1,7 @@
 #include "commands/frm_edit_symbol.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/texts.h"
@@ -103,7 +104,9 @@ QString frmEditSymbol::renameOrRefuse(const QString& name) {
     if (!picture) {
         return app::text(kNoPicture);
     }
-    if (!store::pictureExists(view_.library(), picture->group, picture->name)) {
+    if (!app::resultOfReading(this, [&] {
+            return store::pictureExists(view_.library(), picture->group, picture->name);
+        })) {
         view_.Aktualisieren(); // it went behind the window's back: off the screen with it
         return app::text(kNoPicture);
     }

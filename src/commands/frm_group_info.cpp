@@ -1,6 +1,7 @@
 #include "commands/frm_group_info.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/modal_dialog.h"
 #include "app/number_text.h"
 #include "app/texts.h"
@@ -105,8 +106,10 @@ void frmGroupInfo::openFor(const SelectionContext& context) {
 bool frmGroupInfo::read(const SelectionContext& context) {
     const store::GroupAddress group{context.CurrentGroup, context.CurrentStorage};
     try {
-        const store::GroupName name = store::readGroupName(view_.library(), group);
-        const store::GroupSize size = store::readGroupSize(view_.library(), group);
+        const auto [name, size] = app::resultOfReading(view_.owner(), [&] {
+            return std::pair(store::readGroupName(view_.library(), group),
+                             store::readGroupSize(view_.library(), group));
+        });
         // Another program may have written names of any length.
         lblName2_->setText(lblName2_->fontMetrics().elidedText(QString::fromStdU16String(name.text),
                                                                Qt::ElideMiddle, kWidestName));

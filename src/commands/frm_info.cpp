@@ -1,11 +1,11 @@
 #include "commands/frm_info.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/modal_dialog.h"
 #include "app/named_control.h"
 #include "app/number_text.h"
 #include "app/texts.h"
-#include "app/wait_cursor.h"
 #include "editing/screen_place.h"
 #include "store/library_count.h"
 
@@ -70,8 +70,8 @@ void frmInfo::openFor(const store::Library& library) {
 
 // A picture without its record shows as a half: better than a count that hides it.
 void frmInfo::count(const store::Library& library) {
-    const app::WaitCursor waiting;
-    const store::LibraryCount found = store::countLibrary(library, store::LockBudget(kLockWait));
+    const auto found = app::resultOfReading(
+        parentWidget(), [&] { return store::countLibrary(library, store::LockBudget(kLockWait)); });
     const double pictures =
         static_cast<double>(found.elements) / static_cast<double>(kElementsOfAPicture);
     Label2_->setText(app::text(kGroups) + QString::number(found.groupFiles));

@@ -1,6 +1,7 @@
 #include "commands/frm_infos.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/modal_dialog.h"
 #include "app/named_control.h"
 #include "app/number_text.h"
@@ -194,7 +195,8 @@ void frmInfos::connectControls() {
 
 void frmInfos::openFor(const store::Library& library, const store::GroupAddress& group,
                        const store::PictureName& name) {
-    const store::PictureEntry picture = store::describePicture(library, group, name);
+    const auto picture = app::resultOfReading(
+        parentWidget(), [&] { return store::describePicture(library, group, name); });
     showFacts(picture);
     loadPreview(library, group, name);
     fraBilder_->load(library, group, picture);

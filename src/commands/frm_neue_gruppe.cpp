@@ -1,6 +1,7 @@
 #include "commands/frm_neue_gruppe.h"
 
 #include "app/help.h"
+#include "app/long_operation.h"
 #include "app/message_box.h"
 #include "app/modal_dialog.h"
 #include "app/texts.h"
@@ -27,6 +28,7 @@ constexpr int kNameMissing = 850;
 constexpr int kGroupExists = 851;
 constexpr int kNameInvalid = 852;
 constexpr int kTargetPrompt = 904;
+constexpr app::TextPair kCreating{u"Die Gruppe wird angelegt", u"The group is being created"};
 
 QLabel* plainLabel(const QString& text, QWidget* buddy, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -116,7 +118,8 @@ bool frmNeueGruppe::isAcceptable(const std::optional<store::GroupAddress>& paren
         refuse(kNameMissing);
         return false;
     }
-    switch (stateOfGroupName(view_.library(), parent, name)) {
+    switch (app::resultOfReading(this,
+                                 [&] { return stateOfGroupName(view_.library(), parent, name); })) {
     case GroupNameState::Taken:
         refuse(kGroupExists);
         return false;
@@ -149,7 +152,9 @@ void frmNeueGruppe::create() {
         if (!isAcceptable(parent, name)) {
             return;
         }
-        created = store::createGroup(view_.library(), parent, name);
+        created = app::resultOfLong<store::GroupAddress>(
+            {app::text(kCreating)}, this,
+            [&](store::Progress&) { return store::createGroup(view_.library(), parent, name); });
     } catch (const std::exception& error) {
         tellFailure(error);
         return;

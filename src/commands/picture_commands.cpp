@@ -29,7 +29,10 @@ const std::string kHandOverName = "CopiedPicture";
 // taken off the screen as well.
 std::optional<editing::PictureInGroup> storedPicture(const CommandCall& call) {
     auto picture = call.selection.pictureInGroup();
-    if (picture && !store::pictureExists(call.view.library(), picture->group, picture->name)) {
+    const auto isThere = [&] {
+        return store::pictureExists(call.view.library(), picture->group, picture->name);
+    };
+    if (picture && !app::resultOfReading(call.view.owner(), isThere)) {
         call.view.Aktualisieren();
         picture.reset();
     }

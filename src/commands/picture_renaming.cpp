@@ -32,7 +32,9 @@ QString renameOrRefuse(const store::Library& library, const store::GroupAddress&
         return refusal;
     }
     const store::PictureName to{newName.toStdU16String()};
-    if (store::findPicture(library, group, to) == to) {
+    const auto there = app::resultOfReading(QApplication::activeWindow(),
+                                            [&] { return store::findPicture(library, group, to); });
+    if (there == to) {
         return app::text(kNameExists);
     }
     try {

@@ -7,7 +7,6 @@
 #include "app/named_control.h"
 #include "app/settings.h"
 #include "app/texts.h"
-#include "app/wait_cursor.h"
 #include "compound/error.h"
 #include "editing/drive_list.h"
 #include "editing/file_list.h"
@@ -233,13 +232,14 @@ void frmOpen::load(const store::Library& library, TargetGroup target) {
 }
 
 int frmOpen::Scan() {
-    const app::WaitCursor waiting;
-    const store::LockBudget budget(kScanPatience);
-    int sound = 0;
-    for (const store::FileName& file : filesOf(*library_)) {
-        sound += isSoundOrSetAside(*library_, file, budget) ? 1 : 0;
-    }
-    return sound;
+    return app::resultOfReading(parentWidget(), [this] {
+        const store::LockBudget budget(kScanPatience);
+        int sound = 0;
+        for (const store::FileName& file : filesOf(*library_)) {
+            sound += isSoundOrSetAside(*library_, file, budget) ? 1 : 0;
+        }
+        return sound;
+    });
 }
 
 void frmOpen::showEvent(QShowEvent* event) {
@@ -377,13 +377,17 @@ void frmOpen::tellFailure(const std::exception& error) {
 
 void frmOpen::addToGroup(const store::GroupAddress& group, const store::PictureName& name) {
     auto ifExists = store::IfPictureExists::Refuse;
-    if (store::pictureExists(*library_, group, name)) {
+    const auto [isTaken, isValid] = app::resultOfReading(this, [&] {
+        return std::pair(store::pictureExists(*library_, group, name),
+                         store::testPictureName(*library_, group, name));
+    });
+    if (isTaken) {
         if (app::msgBox(app::text(kTextOverwrite), app::Buttons::YesNo, app::text(kTextTitle),
                         this) != app::kAnswerYes) {
             return;
         }
         ifExists = store::IfPictureExists::Replace;
-    } else if (!store::testPictureName(*library_, group, name)) {
+    } else if (!isValid) {
         tell(kTextInvalidName);
         return;
     }

@@ -44,7 +44,8 @@ struct GroupContent {
     std::optional<store::PictureEntry> selected; // the selected picture, or what took its place
 };
 
-// Reads them; a picture that is gone gives way to the one in its position. Throws as the store does.
+// Reads them; a picture that is gone gives way to the one in its position. Throws as the store
+// does.
 GroupContent readContent(const store::Library& library, const ShownPictures& shown);
 
 struct LookAtLibrary {

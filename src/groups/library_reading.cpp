@@ -45,7 +45,8 @@ std::vector<GroupFile> readSoundFiles(const store::Library& library,
     return files;
 }
 
-LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget) {
+LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget,
+                           store::Progress& progress) {
     LibraryReading result;
     std::vector<store::FileName> names;
     try {
@@ -56,6 +57,7 @@ LibraryReading readLibrary(const store::Library& library, const store::LockBudge
     result.reachable = true;
     result.files.reserve(names.size());
     for (const store::FileName& name : names) {
+        progress.report(result.files.size() + result.setAside, names.size());
         if (std::optional<GroupFile> file = readGroupFileAgain(library, name, budget)) {
             result.files.push_back(std::move(*file));
         } else {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "store/group_operations.h"
+#include "store/progress.h"
 
 #include <QString>
 
@@ -28,7 +29,8 @@ struct LibraryReading {
 // Files by name without regard to case. Waits for locked files as long as the budget lasts. Damaged
 // files are renamed and not delivered; where renaming fails (a read-only folder), the file stays,
 // with the cause.
-LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget);
+LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget,
+                           store::Progress& progress = store::noProgress()); // counts files
 
 // The sound files only; nothing is renamed or told of the others. Throws when the folder cannot be
 // listed.

@@ -1,5 +1,6 @@
 // The program's start: language, main window, event loop.
 
+#include "app/long_operation.h"
 #include "app/settings.h"
 #include "app/texts.h"
 #include "app/unattended.h"
@@ -74,6 +75,15 @@ void loadToolkitTexts(QTranslator& texts) {
     }
 }
 
+void leave(browser::frmMain& window) {
+    if (app::isLongOperationRunning()) { // until it has ended the window does not close
+        app::afterLongOperation(&window, [&window] { leave(window); });
+        return;
+    }
+    window.close();
+    QCoreApplication::exit(); // also out of open dialogs
+}
+
 int run(const startup::Options& options) {
     // The language comes first, so that the window finds its texts.
     app::settings().chooseLanguage();
@@ -88,12 +98,8 @@ int run(const startup::Options& options) {
     if (!options.screenshotFile.empty()) {
         screenshot.emplace(window, QString::fromStdString(options.screenshotFile));
     }
-    const startup::SystemRequests requests(
-        [&window] {
-            window.close();
-            QCoreApplication::exit(); // also out of open dialogs
-        },
-        [&window] { window.saveSettings(); });
+    const startup::SystemRequests requests([&window] { leave(window); },
+                                           [&window] { window.saveSettings(); });
     std::optional<startup::ImportOffer> offer;
     if (!options.groupFile.empty()) {
         offer.emplace(window, options.groupFile);

@@ -1,4 +1,5 @@
 // The strip's own keys, its wheel, and what it shows between two groups.
+#include "app/stepped_executor.h"
 #include "browser/picture_painting.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
@@ -229,10 +230,12 @@ TEST_F(Strip, IsEmptyUntilTheNextGroupsPicturesCome) {
     startWith(6, {3, 3});
     tree()->scrollToItem(node("Tanks"));
     const QRect row = tree()->visualItemRect(node("Tanks"));
+    SteppedExecutor workers;
+    const app::WorkersReplacement stepped(workers);
     QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, row.center());
     EXPECT_EQ(label(), "T1");
     EXPECT_TRUE(thumbnails().isEmpty()) << thumbnails().join(' ').toStdString();
-    settle();
+    workers.stepAll();
     EXPECT_EQ(thumbnails(), QStringList{"T1"});
 }
 
