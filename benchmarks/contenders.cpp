@@ -158,6 +158,8 @@ Seen PlainFolder::readAll() {
 }
 
 std::uint64_t PlainFolder::readOne(const std::string& name) {
+    std::vector<std::byte> record;
+    readFile(folder_ / (name + ".txt"), record);
     readFile(folder_ / (name + ".bmp"), buffer_);
     return buffer_.size();
 }
@@ -287,11 +289,15 @@ Seen Database::readAll() {
 
 std::uint64_t Database::readOne(const std::string& name) {
     sqlite3* const database = openDatabase(file_);
-    sqlite3_stmt* const select = prepare(database, "SELECT bytes FROM pictures WHERE name = ?1");
+    sqlite3_stmt* const select =
+        prepare(database, "SELECT record, bytes FROM pictures WHERE name = ?1");
     bindText(select, 1, name);
     require(sqlite3_step(select) == SQLITE_ROW, name);
-    const auto* const bytes = static_cast<const std::byte*>(sqlite3_column_blob(select, 0));
-    buffer_.assign(bytes, bytes + sqlite3_column_bytes(select, 0));
+    for (const int column : {0, 1}) {
+        const auto* const bytes =
+            static_cast<const std::byte*>(sqlite3_column_blob(select, column));
+        buffer_.assign(bytes, bytes + sqlite3_column_bytes(select, column));
+    }
     sqlite3_finalize(select);
     sqlite3_close(database);
     return buffer_.size();

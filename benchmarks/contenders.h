@@ -46,7 +46,7 @@ class Contender {
 
     virtual Seen list() = 0; // names, sizes and records
     virtual Seen readAll() = 0;
-    // Opens what has to be opened. Returns the picture's size.
+    // A picture and its record; opens what has to be opened. Returns the picture's size.
     virtual std::uint64_t readOne(const std::string& name) = 0;
 
     // One transaction each, durable.
