@@ -211,6 +211,7 @@ void frmMain::showFirstSteps() {
     const bool isEmpty = groups_->isEmptyLibrary();
     if (isEmpty != firstSteps_->isVisibleTo(surface_)) {
         firstSteps_->setVisible(isEmpty);
+        panel_->setReachable(!isEmpty);
         firstSteps_->raise();
     }
 }

@@ -1,5 +1,6 @@
 #include "browser/picture_panel.h"
 
+#include "app/focus_frame.h"
 #include "app/long_operation.h"
 #include "app/texts.h"
 #include "browser/large_preview.h"
@@ -39,13 +40,27 @@ QString sizesOf(const store::PictureEntry& picture) {
         .arg(bytes);
 }
 
+// Styles do not show that a scroll bar has the keyboard's focus.
+class PageBar : public QScrollBar {
+  public:
+    using QScrollBar::QScrollBar;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QScrollBar::paintEvent(event);
+        if (hasFocus()) {
+            app::drawFocusFrame(*this, rect());
+        }
+    }
+};
+
 } // namespace
 
 PicturePanel::PicturePanel(QWidget* surface)
     : QObject(surface),
       surface_(surface),
       strip_(new ThumbnailStrip(surface)),
-      imgScroll_(new QScrollBar(Qt::Vertical, surface)),
+      imgScroll_(new PageBar(Qt::Vertical, surface)),
       lvwInfo_(new PictureList(surface)),
       imgVorschau_(new LargePreview(surface)),
       lblAktuell_(new PictureLabel(surface)),
@@ -143,6 +158,11 @@ void PicturePanel::setTabOrderAfter(QWidget* before) {
     QWidget::setTabOrder(before, strip_);
     QWidget::setTabOrder(strip_, imgScroll_);
     QWidget::setTabOrder(imgScroll_, lvwInfo_);
+}
+
+void PicturePanel::setReachable(bool isReachable) {
+    strip_->setFocusPolicy(isReachable ? Qt::StrongFocus : Qt::NoFocus);
+    imgScroll_->setFocusPolicy(isReachable ? Qt::TabFocus : Qt::NoFocus);
 }
 
 bool PicturePanel::isSettled() const {

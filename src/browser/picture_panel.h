@@ -137,6 +137,9 @@ class PicturePanel : public QObject {
     QWidget* list() const;
     QWidget* listArea() const; // on which its rows stand
 
+    // Whether Tab comes to the thumbnails and their scroll bar; not while something covers them.
+    void setReachable(bool isReachable);
+
     // Tab order: what comes before and after.
     void setTabOrderAfter(QWidget* before);
 

@@ -1,5 +1,6 @@
 #include "browser/status_line.h"
 
+#include "app/focus_frame.h"
 #include "app/named_control.h"
 #include "app/texts.h"
 #include "commands/skipped_files.h"
@@ -8,8 +9,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
-#include <QStyleOptionFocusRect>
 #include <QToolTip>
 
 #include <functional>
@@ -74,10 +73,7 @@ class StatusLine::ResultLabel : public QLabel {
     void paintEvent(QPaintEvent* event) override {
         QLabel::paintEvent(event);
         if (hasFocus()) {
-            QStyleOptionFocusRect option;
-            option.initFrom(this);
-            QPainter painter(this);
-            style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+            app::drawFocusFrame(*this, rect());
         }
     }
 };

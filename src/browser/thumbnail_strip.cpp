@@ -1,6 +1,7 @@
 #include "browser/thumbnail_strip.h"
 
 #include "app/colours.h"
+#include "app/focus_frame.h"
 #include "browser/picture_painting.h"
 #include "browser/strip_mouse.h"
 
@@ -190,6 +191,18 @@ void ThumbnailStrip::refreshEmphasis() {
                           : selected_.contains(cell->tag()) ? Emphasis::Selected
                                                             : Emphasis::None);
     }
+    if (const bool isFramed = hasFocus() && isCurrentElsewhere(); isFramed != isFramed_) {
+        isFramed_ = isFramed;
+        update();
+    }
+}
+
+// Not while the pictures of the page are still to come.
+bool ThumbnailStrip::isCurrentElsewhere() const {
+    const auto filled = std::count_if(cells_.begin(), cells_.end(), [](const ThumbnailCell* cell) {
+        return !cell->tag().isEmpty();
+    });
+    return markedCell() < 0 && (marked_.isEmpty() || filled >= shown_.count);
 }
 
 void ThumbnailStrip::setCellsVisible(bool visible) {
@@ -356,6 +369,15 @@ void ThumbnailStrip::wheelEvent(QWheelEvent* event) {
         emit rowsWanted(-notches);
     }
     event->accept();
+}
+
+// The keyboard's place is the current picture's cell; without one on the page it is the whole
+// strip.
+void ThumbnailStrip::paintEvent(QPaintEvent* event) {
+    QFrame::paintEvent(event);
+    if (isFramed_) {
+        app::drawFocusFrame(*this, contentsRect());
+    }
 }
 
 void ThumbnailStrip::focusInEvent(QFocusEvent* event) {

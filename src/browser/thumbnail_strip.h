@@ -101,6 +101,7 @@ class ThumbnailStrip : public QFrame {
     void pictureWanted(int position); // of the group's pictures: to be brought to the screen
 
   protected:
+    void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -120,6 +121,7 @@ class ThumbnailStrip : public QFrame {
     void step(Step step, Selecting how);
     bool stepByKey(const QKeyEvent& event);
     void refreshEmphasis();
+    bool isCurrentElsewhere() const; // than on the page
 
     std::vector<ThumbnailCell*> cells_;
     GridSize grid_;
@@ -132,6 +134,7 @@ class ThumbnailStrip : public QFrame {
     int chooseWhenShown_ = -1;
     Selecting howWhenShown_ = Selecting::Alone;
     int wheelRest_ = 0;
+    bool isFramed_ = false; // the strip as a whole shows the keyboard's focus
 };
 
 } // namespace browser

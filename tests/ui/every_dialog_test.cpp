@@ -2,6 +2,7 @@
 // not see them, leads the Tab key in the order of reading, shows its topic of the help, and goes
 // away with Escape, changing nothing.
 #include "app/help.h"
+#include "app/patience.h"
 #include "ui/every_language.h"
 #include "ui/mnemonics.h"
 
@@ -172,6 +173,22 @@ TEST_P(EveryDialog, TheMainWindowNamesItsControlsAndLeadsTheTabKeyAsWell) {
     expectNamed(window());
     find<QWidget>("tvwGruppen")->setFocus();
     expectReadingOrder(window());
+}
+
+TEST_P(EveryDialog, TheMainWindowsControlsAreNamed) {
+    start();
+    expectNamed(window()); // of an empty library
+    const auto group = makeGroup("Pumpen");
+    addPicture(group, "P1");
+    window().refresh();
+    settle();
+    clickNode("Pumpen");
+    expectNamed(window());
+    trigger("Men_Extras_0");
+    expectNamed(window());
+    QTest::keyClicks(find<QWidget>("txtFind"), "P1");
+    ASSERT_TRUE(until([&] { return find<QWidget>("lvwFind")->isVisible(); }));
+    expectNamed(window());
 }
 
 } // namespace

@@ -18,6 +18,8 @@
 #include <QTreeWidget>
 #include <QUrl>
 
+#include <utility>
+
 namespace {
 
 class Keyboard : public MainWindowTest {
@@ -61,6 +63,42 @@ TEST_F(Keyboard, F2RenamesWhatHasTheFocus) {
                  EXPECT_FALSE(dialog.isVisible());
              });
     EXPECT_EQ(selectedNode(), "Kreisel");
+}
+
+TEST_F(Keyboard, TheFocusCanBeSeenBesideAPictureAsWell) {
+    startTwoDeep({"P1"});
+    restart(); // none is chosen
+    QApplication::setActiveWindow(&window());
+    tree()->setFocus();
+    QWidget* focused = tree();
+    for (const char* name : {"shpVorschau", "imgScroll"}) {
+        auto* control = find<QWidget>(name);
+        const QImage before = control->grab().toImage();
+        QTest::keyClick(std::exchange(focused, control), Qt::Key_Tab);
+        ASSERT_TRUE(control->hasFocus()) << name;
+        EXPECT_NE(control->grab().toImage(), before) << name;
+    }
+}
+
+TEST_F(Keyboard, TabDoesNotGoBelowWhatCoversThePictures) {
+    start();
+    QApplication::setActiveWindow(&window());
+    tree()->setFocus();
+    QWidgetList met;
+    for (QWidget* now = tree(); !met.contains(now); now = QApplication::focusWidget()) {
+        met.append(now);
+        const QWidget* top = window().childAt(now->mapTo(&window(), now->rect().center()));
+        EXPECT_TRUE(top == now || now->isAncestorOf(top)) << now->objectName().toStdString();
+        QTest::keyClick(now, Qt::Key_Tab);
+    }
+    EXPECT_TRUE(met.contains(find<QPushButton>("cmdNeueGruppe")));
+    const auto group = makeGroup("Pumpen");
+    window().refresh();
+    settle();
+    QCoreApplication::processEvents();
+    tree()->setFocus();
+    QTest::keyClick(tree(), Qt::Key_Tab);
+    EXPECT_TRUE(strip()->hasFocus());
 }
 
 TEST_F(Keyboard, DeleteAsksAndActsOnWhatHasTheFocus) {
