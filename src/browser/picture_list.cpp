@@ -14,6 +14,7 @@
 #include <QScopedValueRollback>
 
 #include <algorithm>
+#include <utility>
 
 namespace browser {
 namespace {
@@ -86,6 +87,29 @@ QString bytesText(std::uint64_t bytes) {
     constexpr app::TextPair kOne{u"1 Byte", u"1 byte"};
     constexpr app::TextPair kSeveral{u"%1 Bytes", u"%1 bytes"};
     return bytes == 1 ? app::text(kOne) : app::text(kSeveral).arg(bytes);
+}
+
+PictureRows makeRows(std::span<const store::PictureEntry> pictures, const ListOrder& order) {
+    const QCollator collator = nameCollator();
+    PictureRows rows;
+    rows.reserve(pictures.size());
+    for (const store::PictureEntry& picture : pictures) {
+        auto row = std::make_unique<PictureRow>(picture, rows.size());
+        if (order.column == 0) {
+            row->prepareToSort(collator);
+        }
+        rows.push_back(std::move(row));
+    }
+    const auto isAbove = [&](const auto& one, const auto& other) {
+        const auto& first = static_cast<const PictureRow&>(*one);
+        const auto& second = static_cast<const PictureRow&>(*other);
+        return order.direction == Qt::AscendingOrder ? first.isLess(second, order.column)
+                                                     : second.isLess(first, order.column);
+    };
+    if (order != ListOrder()) { // they come in the group's
+        std::stable_sort(rows.begin(), rows.end(), isAbove);
+    }
+    return rows;
 }
 
 PictureList::PictureList(QWidget* parent) : QTreeWidget(parent) {
@@ -164,8 +188,7 @@ void PictureList::sortRows() {
     }
 }
 
-void PictureList::fill(const std::optional<store::GroupAddress>& group,
-                       std::span<const store::PictureEntry> pictures) {
+void PictureList::fill(const std::optional<store::GroupAddress>& group, PictureRows made) {
     const QScopedValueRollback guard(selectingByProgram_, true);
     clear();
     group_ = group;
@@ -174,14 +197,12 @@ void PictureList::fill(const std::optional<store::GroupAddress>& group,
         setColumnWidth(static_cast<int>(column), app::toPixels(widths.at(column)));
     }
     QList<QTreeWidgetItem*> rows;
-    rows.reserve(static_cast<qsizetype>(pictures.size()));
-    for (const store::PictureEntry& picture : pictures) {
-        rows.append(new PictureRow(picture, static_cast<std::size_t>(rows.size())));
+    rows.reserve(static_cast<qsizetype>(made.size()));
+    for (auto& row : made) {
+        rows.append(row.release());
     }
     addTopLevelItems(rows);
-    if (order_ != ListOrder()) { // they come in the group's
-        sortRows();
-    }
+    sortRows(); // in case the order was changed meanwhile
 }
 
 void PictureList::update(std::span<const store::PictureEntry> pictures) {

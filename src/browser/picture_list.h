@@ -9,8 +9,10 @@
 #include <QTreeWidget>
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace browser {
 
@@ -35,6 +37,11 @@ struct ListOrder {
 };
 
 class PictureRow;
+using PictureRows = std::vector<std::unique_ptr<QTreeWidgetItem>>;
+
+// Rows for those pictures, which come in the group's order, as they stand in a list of that order.
+// May be called on any thread.
+PictureRows makeRows(std::span<const store::PictureEntry> pictures, const ListOrder& order);
 
 class PictureList : public QTreeWidget {
     Q_OBJECT
@@ -50,10 +57,8 @@ class PictureList : public QTreeWidget {
     void setOrder(const ListOrder& order);
     const QCollator& collator() const { return collator_; } // for names
 
-    // Replaces all rows by the pictures of `group`, which come in the group's order, and sets the
-    // columns' widths.
-    void fill(const std::optional<store::GroupAddress>& group,
-              std::span<const store::PictureEntry> pictures);
+    // Replaces all rows by those of `group`, and sets the columns' widths.
+    void fill(const std::optional<store::GroupAddress>& group, PictureRows made);
 
     // The same group's pictures have changed: rows of those that are still there stay as they are,
     // selected and in their place on the screen.

@@ -19,8 +19,11 @@
 
 #include <QObject>
 #include <QTimer>
+#include <QTreeWidgetItem>
 
+#include <memory>
 #include <optional>
+#include <vector>
 
 class QScrollBar;
 class QWidget;
@@ -179,6 +182,11 @@ class PicturePanel : public QObject {
         QStringList selectedRows;
     };
 
+    struct Reading {
+        std::optional<groups::GroupContent> content; // nothing: it cannot be read
+        std::vector<std::unique_ptr<QTreeWidgetItem>> rows;
+    };
+
     void connectReading();
     void stopReading();
     void leaveOtherGroup();
@@ -190,7 +198,7 @@ class PicturePanel : public QObject {
     void read();
     void takeReading();
     void takeChoice(const Awaited& awaited, const std::optional<store::PictureEntry>& selected);
-    void takeRows(const Awaited& awaited, const std::vector<store::PictureEntry>& entries);
+    void takeRows(const Awaited& awaited, std::vector<std::unique_ptr<QTreeWidgetItem>> rows);
     void takePage(const Awaited& awaited);
     void setPageRange();
     void showPageFrom(std::size_t startIndex);
@@ -241,7 +249,7 @@ class PicturePanel : public QObject {
     ThumbnailLoader loader_;
     const store::Library* library_ = nullptr;
     std::optional<store::GroupAddress> group_;
-    app::JobFor<std::optional<groups::GroupContent>> reading_{nullptr, app::readers};
+    app::JobFor<Reading> reading_{nullptr, app::readers};
     Awaited awaited_;
     app::JobFor<std::optional<store::PictureEntry>> describing_{nullptr, app::readers};
     commands::EditItemCause describedFor_ = commands::EditItemCause::Group;

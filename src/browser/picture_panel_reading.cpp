@@ -143,13 +143,19 @@ void PicturePanel::read() {
     if (awaited_.choice != Awaited::Choice::First) {
         question.picture = shownPicture_.name();
     }
-    reading_.start(
-        [library = *library_, question] { return contentIfReadable(library, question); });
+    reading_.start([library = *library_, question, order = lvwInfo_->order()] {
+        Reading reading{contentIfReadable(library, question), {}};
+        if (reading.content) {
+            reading.rows = makeRows(std::exchange(reading.content->entries, {}), order);
+        }
+        return reading;
+    });
 }
 
 void PicturePanel::takeReading() {
     const Awaited awaited = std::exchange(awaited_, {});
-    const std::optional<groups::GroupContent> content = std::exchange(reading_.result(), {});
+    Reading reading = std::exchange(reading_.result(), {});
+    const std::optional<groups::GroupContent>& content = reading.content;
     const bool isAsListed =
         listedGroup_ == group_ && content && isSameState(listed_, content->names);
     listed_ = content ? content->names : store::PictureNames{};
@@ -158,7 +164,7 @@ void PicturePanel::takeReading() {
     takeChoice(awaited, content ? content->selected : std::nullopt);
     if (!GraphicalPreview_) {
         if (awaited.rows) {
-            takeRows(awaited, content ? content->entries : std::vector<store::PictureEntry>{});
+            takeRows(awaited, std::move(reading.rows));
         }
     } else if (awaited.page != Awaited::Page::AsListed || !isAsListed) {
         takePage(awaited);
@@ -187,13 +193,14 @@ void PicturePanel::takeChoice(const Awaited& awaited,
 }
 
 void PicturePanel::takeRows(const Awaited& awaited,
-                            const std::vector<store::PictureEntry>& entries) {
-    lvwInfo_->fill(group_, entries);
+                            std::vector<std::unique_ptr<QTreeWidgetItem>> rows) {
+    const std::size_t count = rows.size();
+    lvwInfo_->fill(group_, std::move(rows));
     lvwInfo_->selectFirst();
     if (!awaited.selectedRows.isEmpty()) {
         lvwInfo_->select(awaited.selectedRows);
     }
-    emit pagesShown({entries.size(), 1, 1});
+    emit pagesShown({count, 1, 1});
     const bool isShown =
         !shownPicture_.isUnchosen() && lvwInfo_->selectedName() == shownPicture_.nameText();
     if (awaited.choice == Awaited::Choice::First || !isShown) {

@@ -28,6 +28,12 @@ class PictureRow : public QTreeWidgetItem {
 
     std::size_t position() const { return position_; }
 
+    // Makes what comparing names needs, which otherwise is made when it is first asked for.
+    void prepareToSort(const QCollator& collator) { key_ = collator.sortKey(values_.name); }
+
+    // Whether it stands above the other row in a list sorted by that column, ascending.
+    bool isLess(const PictureRow& other, int column) const;
+
     // Texts are made when they are shown: most rows of a large group never are.
     QVariant data(int column, int role) const override;
 
@@ -48,7 +54,6 @@ class PictureRow : public QTreeWidgetItem {
 
     static Values valuesOf(const store::PictureEntry& picture);
     void tellChange(int column);
-    bool isLess(const PictureRow& other, int column) const;
     const QCollatorSortKey& key() const;
 
     std::size_t position_;
