@@ -112,6 +112,16 @@ TEST_F(Responsiveness, ManySelectedPicturesInTheList) {
     expectQuickKey("lvwInfo", Qt::Key_End, Qt::ShiftModifier);
 }
 
+TEST_F(Responsiveness, OrdersOfTheList) {
+    trigger("Men_Extras_0");
+    for (const Qt::Key column : {Qt::Key_1, Qt::Key_2}) {
+        expectQuickKey("lvwInfo", column, Qt::ControlModifier); // ascending, descending, none
+        expectQuickKey("lvwInfo", column, Qt::ControlModifier);
+    }
+    trigger("Men_Bearbeiten_15");
+    expectQuickKey("lvwInfo", Qt::Key_1, Qt::ControlModifier);
+}
+
 TEST_F(Responsiveness, ChangesOfTheView) {
     const auto change = [this] { trigger("Men_Extras_0"); };
     const auto showAs = [&](bool asList) {
