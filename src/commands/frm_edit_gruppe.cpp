@@ -88,9 +88,9 @@ bool frmEditGruppe::isValid(const store::GroupName& name) const {
 
 // What the box says; empty when the group may have the name. The order of the questions decides
 // what the user is told of a name with several faults.
-QString frmEditGruppe::refusalOf(const store::GroupName& name) const {
-    const auto [taken, valid] = app::resultOfReading(
-        const_cast<frmEditGruppe*>(this), [&] { return std::pair(isTaken(name), isValid(name)); });
+QString frmEditGruppe::refusalOf(const store::GroupName& name) {
+    const auto [taken, valid] =
+        app::resultOfReading(this, [&] { return std::pair(isTaken(name), isValid(name)); });
     if (taken) {
         return app::text(kTheGroup) + txtNeu_->text() + app::text(kExists);
     }

@@ -30,7 +30,7 @@ class frmEditGruppe : public QDialog {
   private:
     void connectControls();
     void rename();
-    QString refusalOf(const store::GroupName& name) const;
+    QString refusalOf(const store::GroupName& name);
     bool isTaken(const store::GroupName& name) const;
     bool isValid(const store::GroupName& name) const;
     void closeIfGroupIsGone();
