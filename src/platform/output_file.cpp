@@ -58,6 +58,19 @@ void publish(const std::filesystem::path& temporary, const std::filesystem::path
 
 } // namespace
 
+namespace {
+
+// What has gone wrong before is what the user is told: where nothing can be written, nothing can be
+// removed either.
+void discard(const std::filesystem::path& temporary) noexcept {
+    try {
+        nativeDisk().removeTemporary(temporary);
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch)
+    }
+}
+
+} // namespace
+
 void writeOutputFile(const std::filesystem::path& path, IfFileExists ifExists,
                      const std::function<void(compound::DiskFile&)>& write) {
     if (!path.has_filename()) {
@@ -70,12 +83,12 @@ void writeOutputFile(const std::filesystem::path& path, IfFileExists ifExists,
         writeTemporary(temporary, target, write);
         publish(temporary, target, ifExists);
     } catch (const Error& error) {
-        nativeDisk().removeTemporary(temporary);
+        discard(temporary);
         // The user knows of no temporary file.
         const bool isOwn = error.file() == temporary || error.file() == target;
         throw Error(error.code(), isOwn ? path : error.file(), error.cause());
     } catch (...) {
-        nativeDisk().removeTemporary(temporary);
+        discard(temporary);
         throw;
     }
 }

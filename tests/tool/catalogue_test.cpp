@@ -179,6 +179,9 @@ class StoppedAtOnce : public store::Progress {
 
 TEST_F(CatalogueTest, LeavesNothingHalfDoneBehind) {
     fail(words(), target()); // no such folder
+    writeFile(folder() / "plain", "no folder");
+    const std::string below = (folder() / "plain" / "pumps.pdf").string();
+    fail({"catalogue", "Pumps", below}, below + ": create: ");
     std::filesystem::create_directory(folder() / "out");
     fail({"catalogue", "Valves", target()}, "Valves.stg");
     EXPECT_EQ(filesBesideTarget(), 0U);
