@@ -13,6 +13,7 @@
 
 #include <QCheckBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -36,18 +37,21 @@ constexpr app::TextPair kPdfFiles{u"PDF-Dateien (*.pdf)", u"PDF files (*.pdf)"};
 constexpr app::TextPair kWorking{u"Der Katalog wird erstellt", u"The catalogue is being made"};
 constexpr app::TextPair kUnshown{u"Nicht alle Bilder konnten gezeigt werden:",
                                  u"Not all pictures could be shown:"};
+constexpr app::TextPair kSaved{u"Katalog gespeichert: %1", u"Catalogue saved: %1"};
+constexpr app::TextPair kPrinted{u"Katalog an den Drucker %1 übergeben",
+                                 u"Catalogue sent to the printer %1"};
 constexpr int kWidestPath = 420;
 
 const QString kSuffix = QStringLiteral(".pdf");
 
 // A file's name has no room for what a group's name may hold on another system.
-QString fileNameFor(QString name) {
+QString fittingFileName(QString name) {
     for (QChar& character : name) {
         if (character.unicode() < 0x20 || QStringLiteral("/\\:*?\"<>|").contains(character)) {
             character = u'_';
         }
     }
-    return name + kSuffix;
+    return name;
 }
 
 QStringList textsOf(const std::vector<catalogue::Unshown>& unshown) {
@@ -130,7 +134,8 @@ catalogue::Paper frmKatalog::paper() const {
 }
 
 void frmKatalog::make(const std::function<catalogue::Printed(const std::vector<catalogue::Section>&,
-                                                             store::Progress&)>& work) {
+                                                             store::Progress&)>& work,
+                      const QString& result) {
     const auto subGroups = chkUntergruppen_->isChecked() ? catalogue::SubGroups::Included
                                                          : catalogue::SubGroups::LeftOut;
     try {
@@ -142,6 +147,7 @@ void frmKatalog::make(const std::function<catalogue::Printed(const std::vector<c
             });
         showSummary(app::text(kUnshown), textsOf(printed.unshown), this);
         accept();
+        view_.TellResult(result);
     } catch (const std::exception& failure) {
         reportFailure(view_, context_, failure, app::text(kTitle), this);
     }
@@ -150,7 +156,8 @@ void frmKatalog::make(const std::function<catalogue::Printed(const std::vector<c
 void frmKatalog::print() {
     QPrinter printer(QPrinter::HighResolution);
     printer.setFullPage(true);
-    printer.setDocName(context_.groupPath);
+    printer.setDocName(
+        fittingFileName(context_.groupName)); // a file that is printed to is called so
     printer.setPageSize(
         QPageSize(paper() == catalogue::Paper::A4 ? QPageSize::A4 : QPageSize::Letter));
     QPrintDialog dialog(&printer, this);
@@ -163,10 +170,12 @@ void frmKatalog::print() {
         writePdf(printer.outputFileName());
         return;
     }
-    make([&](const std::vector<catalogue::Section>& contents, store::Progress& progress) {
-        return catalogue::print(view_.library(), contents, printer,
-                                platform::toFilePath(printer.printerName()), progress);
-    });
+    make(
+        [&](const std::vector<catalogue::Section>& contents, store::Progress& progress) {
+            return catalogue::print(view_.library(), contents, printer,
+                                    platform::toFilePath(printer.printerName()), progress);
+        },
+        app::text(kPrinted).arg(printer.printerName()));
 }
 
 void frmKatalog::savePdf() {
@@ -175,7 +184,7 @@ void frmKatalog::savePdf() {
     dialog.setObjectName(QStringLiteral("dlgPdf"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(kSuffix.mid(1));
-    dialog.selectFile(fileNameFor(context_.groupName));
+    dialog.selectFile(fittingFileName(context_.groupName) + kSuffix);
     if (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
         writePdf(dialog.selectedFiles().first());
     }
@@ -183,10 +192,13 @@ void frmKatalog::savePdf() {
 
 // A file that is there the dialog has asked about.
 void frmKatalog::writePdf(const QString& file) {
-    make([&](const std::vector<catalogue::Section>& contents, store::Progress& progress) {
-        return catalogue::writePdf(view_.library(), contents, paper(), platform::toFilePath(file),
-                                   platform::IfFileExists::Replace, progress);
-    });
+    make(
+        [&](const std::vector<catalogue::Section>& contents, store::Progress& progress) {
+            return catalogue::writePdf(view_.library(), contents, paper(),
+                                       platform::toFilePath(file), platform::IfFileExists::Replace,
+                                       progress);
+        },
+        app::text(kSaved).arg(QFileInfo(file).fileName()));
 }
 
 } // namespace commands

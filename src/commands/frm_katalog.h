@@ -39,9 +39,10 @@ class frmKatalog : public QDialog {
     void print();
     void savePdf();
     void writePdf(const QString& file);
-    // `work` gets what the catalogue is to hold.
+    // `work` gets what the catalogue is to hold; the result is told when it is done.
     void make(const std::function<catalogue::Printed(const std::vector<catalogue::Section>&,
-                                                     store::Progress&)>& work);
+                                                     store::Progress&)>& work,
+              const QString& result);
 
     LibraryView& view_;
     SelectionContext context_;

@@ -8,6 +8,8 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QLabel>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QPushButton>
 #include <QTest>
 
@@ -116,6 +118,20 @@ TEST_P(ProgramDialogs, TheHelpOpensAtTheMainWindowsTopicAndGoesWithIt) {
               QStringList{say("Bilder in Gruppen - Hilfe", "Pictures in groups - Help")});
     window().close();
     EXPECT_EQ(helpTitles(), QStringList());
+}
+
+TEST_P(ProgramDialogs, ACatalogueThatIsPrintedToAFileIsCalledLikeTheGroup) {
+    makeGroup("Tanks", makeGroup("Behälter"));
+    start();
+    clickNode("Behälter/Tanks");
+    inDialog([this] { trigger("Men_Datei_8"); },
+             [this](QDialog& catalogue) {
+                 inDialog([&] { catalogue.findChild<QPushButton*>("cmdDrucken")->click(); },
+                          [](QDialog& print) {
+                              EXPECT_EQ(dynamic_cast<QPrintDialog&>(print).printer()->docName(),
+                                        "Tanks");
+                          });
+             });
 }
 
 TEST_P(ProgramDialogs, EditorOptionsOnlyTell) {
