@@ -187,7 +187,7 @@ void PicturePanel::showPageFrom(std::size_t startIndex) {
     }
     start_ = startIndex;
     showPageNumber();
-    emit pagesShown({all.size(), imgScroll_->value(), imgScroll_->maximum()});
+    emit pagesShown({all.size(), imgScroll_->value(), lastPage(all, cells)});
     if (all.empty()) {
         strip_->clear();
         ShowNoPicture();

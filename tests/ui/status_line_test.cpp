@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -47,6 +48,25 @@ TEST_P(StatusLineTest, CountsTheShownGroupsPicturesInBothViews) {
     trigger("Men_Extras_0");
     settle();
     EXPECT_EQ(numbers(), three);
+}
+
+TEST_P(StatusLineTest, CountsThePagesOfTheGroupThatIsShown) {
+    const auto group = makeGroup("Pumpen");
+    for (int i = 0; i < 30; ++i) {
+        addPicture(group, QString::number(i));
+    }
+    addPicture(makeGroup("Ventile"), "V");
+    start();
+    for (int i = 0; i < 6; ++i) {
+        trigger("Men_Extras_4"); // as large as they become
+    }
+    settle();
+    for (int round = 0; round < 2; ++round) {
+        clickNode("Pumpen");
+        EXPECT_TRUE(numbers().contains(say("30 Bilder, Seite 1 von ", "30 pictures, page 1 of ")));
+        clickNode("Ventile");
+        EXPECT_TRUE(numbers().endsWith(say("   1 Bild", "   1 picture")));
+    }
 }
 
 TEST_P(StatusLineTest, CountsWhatOthersAdd) {
@@ -99,6 +119,23 @@ TEST_P(StatusLineTest, AddsUpWhatIsSelected) {
             EXPECT_EQ(numbers(), one);
         }
     }
+}
+
+TEST_P(StatusLineTest, TellsWhichCatalogueWasSaved) {
+    addPicture(makeGroup("Pumpen"), "P1");
+    start();
+    clickNode("Pumpen");
+    inDialog([this] { trigger("Men_Datei_8"); },
+             [this](QDialog& catalogue) {
+                 inDialog([&] { catalogue.findChild<QPushButton*>("cmdPdf")->click(); },
+                          [this](QDialog& file) {
+                              ASSERT_EQ(file.objectName(), "dlgPdf");
+                              dynamic_cast<QFileDialog&>(file).selectFile(home_.at("Alle.pdf"));
+                              QMetaObject::invokeMethod(&file, "accept");
+                          });
+             });
+    EXPECT_TRUE(QFile::exists(home_.at("Alle.pdf")));
+    EXPECT_EQ(result(), say("Katalog gespeichert: Alle.pdf", "Catalogue saved: Alle.pdf"));
 }
 
 TEST_P(StatusLineTest, TellsWhatACommandHasDone) {
