@@ -13,6 +13,15 @@
 #include <QFileInfo>
 
 namespace editing {
+namespace {
+
+// Where to begin before any folder was chosen.
+QString firstFolder() {
+    const QString pictures = platform::picturesFolder();
+    return pictures.isEmpty() ? QDir::homePath() : pictures;
+}
+
+} // namespace
 
 FolderBrowser::FolderBrowser(DriveList* drives, FolderList* folders, FileList* files,
                              UnreadableTexts texts, QWidget* window)
@@ -28,12 +37,13 @@ FolderBrowser::FolderBrowser(DriveList* drives, FolderList* folders, FileList* f
 
 void FolderBrowser::goToRememberedPlace() {
     const app::Settings& settings = app::settings();
-    const QString pictures = settings.isPathChosen() ? QString() : platform::picturesFolder();
-    const bool isFirstTime = !pictures.isEmpty();
+    const bool isFirstTime = // a chosen drive that is gone is told of
+        !settings.isPathChosen() && QDir(platform::nativePath(settings.drive())).exists();
+    const QString first = firstFolder();
     isMemorySuppressed_ = true;
-    drives_->setDrive(isFirstTime ? platform::driveOf(pictures, platform::drives())
+    drives_->setDrive(isFirstTime ? platform::driveOf(first, platform::drives())
                                   : QDir::cleanPath(platform::nativePath(settings.drive())));
-    const QString place = isFirstTime ? pictures : platform::nativePath(settings.path());
+    const QString place = isFirstTime ? first : platform::nativePath(settings.path());
     changeDrive();
     if (!folders_->setFolder(place)) {
         // Perhaps only unplugged: the next start shall look for it again.
