@@ -42,13 +42,18 @@ void StripMouse::pressedOn(const QString& name, const QMouseEvent& event) {
     const Selecting how =
         event.button() == Qt::LeftButton ? selectingFor(event.modifiers()) : Selecting::Alone;
     const bool isOneOfMany = strip_.selected().size() > 1 && strip_.selected().contains(name);
-    if (how != Selecting::Alone || !isOneOfMany) {
+    if (!isOneOfMany) {
         emit chosen(name, how);
         return;
     }
-    // The others go at the release only: until then it may become a drag of all of them.
-    aloneAtRelease_ = event.button() == Qt::LeftButton ? name : QString();
-    emit chosen(name, Selecting::Beside);
+    // The others go at the release only: until then it may become a drag of all of them, which
+    // Shift, held from the beginning, makes a move.
+    if (event.button() == Qt::LeftButton) {
+        atRelease_ = Pressed{name, how};
+    }
+    if (how == Selecting::Alone) {
+        emit chosen(name, Selecting::Beside);
+    }
 }
 
 void StripMouse::moved(const QMouseEvent& event) {
@@ -83,19 +88,20 @@ void StripMouse::drawBand(const QPoint& position) {
 }
 
 void StripMouse::released(const QMouseEvent& event) {
-    const QString alone = event.button() == Qt::LeftButton ? aloneAtRelease_ : QString();
-    if (event.button() == Qt::LeftButton) {
-        forget();
+    if (event.button() != Qt::LeftButton) {
+        return;
     }
-    if (!alone.isEmpty()) {
-        emit chosen(alone, Selecting::Alone);
+    const std::optional<Pressed> pressed = atRelease_;
+    forget();
+    if (pressed) {
+        emit chosen(pressed->name, pressed->how);
     }
 }
 
 void StripMouse::forget() {
     pressedAt_.reset();
     pressedOn_.clear();
-    aloneAtRelease_.clear();
+    atRelease_.reset();
     beforeBand_.clear();
     band_.reset();
 }

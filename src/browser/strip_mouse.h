@@ -42,13 +42,18 @@ class StripMouse : public QObject {
     void dragWanted();
 
   private:
+    struct Pressed {
+        QString name; // of a selected one
+        Selecting how;
+    };
+
     void pressedOn(const QString& name, const QMouseEvent& event);
     void drawBand(const QPoint& position);
 
     ThumbnailStrip& strip_;
-    std::optional<QPoint> pressedAt_; // by the left button
-    QString pressedOn_;               // empty: on none
-    QString aloneAtRelease_;          // a selected one, unless the selected ones are dragged
+    std::optional<QPoint> pressedAt_;  // by the left button
+    QString pressedOn_;                // empty: on none
+    std::optional<Pressed> atRelease_; // unless the selected ones are dragged
     QSet<QString> beforeBand_;
     std::unique_ptr<QRubberBand> band_;
 };

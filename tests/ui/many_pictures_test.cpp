@@ -118,6 +118,25 @@ TEST_F(ManyPictures, AreSelectedByCtrlShiftAndRubberBand) {
     EXPECT_EQ(selected(), QStringList("P1"));
 }
 
+// Shift, held from the beginning, is to move all of them.
+TEST_F(ManyPictures, PressingOneOfThemWithShiftOrCtrlChangesNothingUntilTheRelease) {
+    startWith({"P1", "P2", "P3", "P4", "P5"});
+    click("P1");
+    click("P5", Qt::ShiftModifier);
+    for (const auto modifier : {Qt::ShiftModifier, Qt::ControlModifier}) {
+        QTest::mousePress(thumbnail("P3"), Qt::LeftButton, modifier);
+        settle();
+        EXPECT_EQ(selected(), QStringList({"P1", "P2", "P3", "P4", "P5"}));
+        QTest::mouseRelease(thumbnail("P3"), Qt::LeftButton, modifier);
+        settle();
+        EXPECT_EQ(selected(), modifier == Qt::ShiftModifier
+                                  ? QStringList({"P1", "P2", "P3"})
+                                  : QStringList({"P1", "P2", "P4", "P5"}));
+        click("P1");
+        click("P5", Qt::ShiftModifier);
+    }
+}
+
 TEST_F(ManyPictures, WithNoneChosenYetAllOfThemHaveACurrentOne) {
     startWith({"P1", "P2", "P3"});
     restart(); // the group is shown, and none of its pictures
