@@ -156,6 +156,10 @@ std::unique_ptr<QMimeData> carry(const store::Library& library, const PicturesOf
     return data;
 }
 
+bool isFromLibrary(const QMimeData& data) {
+    return data.hasFormat(kOurs);
+}
+
 bool mayHoldPictures(const QMimeData& data) {
     return data.hasFormat(kOurs) || data.hasUrls() || data.hasImage();
 }

@@ -37,6 +37,9 @@ struct OfferedPictures {
     commands::IncomingPictures incoming; // if they are not ours
 };
 
+// Whether a window of this program offers the data, with the pictures of whatever library.
+bool isFromLibrary(const QMimeData& data);
+
 // Whether there may be pictures in the data, without looking at them.
 bool mayHoldPictures(const QMimeData& data);
 

@@ -11,11 +11,12 @@ namespace {
 
 constexpr int kRestMilliseconds = 700;
 
-// Our own pictures are moved with Shift held; what others offer stays theirs.
+// The library's pictures are moved with Shift held, from another window of it as well; what others
+// offer stays theirs.
 DropKind kindOf(const QDropEvent& event) {
-    const bool isOurs = event.source() != nullptr;
-    return isOurs && event.modifiers().testFlag(Qt::ShiftModifier) ? DropKind::Move
-                                                                   : DropKind::Copy;
+    return isFromLibrary(*event.mimeData()) && event.modifiers().testFlag(Qt::ShiftModifier)
+               ? DropKind::Move
+               : DropKind::Copy;
 }
 
 } // namespace

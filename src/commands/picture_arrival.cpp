@@ -46,13 +46,17 @@ constexpr app::TextPair kManyForeign{
     u"with alpha?"};
 constexpr app::TextPair kSummary{u"%1 von %2 Bildern hinzugefügt.",
                                  u"%1 of %2 pictures were added."};
+constexpr app::TextPair kFolder{u"Das ist ein Ordner und kein Bild.",
+                                u"This is a folder and no picture."};
+constexpr app::TextPair kNoFile{u"Das ist eine Pipe oder ein Gerät und keine Datei.",
+                                u"This is a pipe or a device and no file."};
 constexpr app::TextPair kRenamed{u"\"%1\" heißt jetzt \"%2\".", u"\"%1\" is called \"%2\" now."};
 
 // What a file turned out to be.
 struct Inspected {
     std::string type; // of a picture whose file is named otherwise
     std::optional<editing::ForeignPicture> foreign;
-    std::optional<Error> refusal;
+    QString refusal; // the line that tells it, or empty
 };
 
 struct Findings {
@@ -75,21 +79,24 @@ std::string codeOf(picture::PictureKind kind) {
 }
 
 // What opening it would only tell as a failure.
-std::optional<Error> refusalOfKind(const std::filesystem::path& file) {
+QString refusalOfKind(const std::filesystem::path& file) {
+    const auto line = [&](const app::TextPair& what) {
+        return QString::fromStdU16String(base::fromPath(file)) + u'\n' + app::text(what);
+    };
     std::error_code unknown; // whatever is wrong is told when the file is read
     const auto status = std::filesystem::status(file, unknown);
     if (std::filesystem::is_directory(status)) {
-        return Error(ErrorCode::InvalidPicture, file, "it is a folder");
+        return line(kFolder);
     }
     if (std::filesystem::is_other(status)) {
-        return Error(ErrorCode::InvalidPicture, file, "it is a pipe or a device and no file");
+        return line(kNoFile);
     }
-    return std::nullopt;
+    return {};
 }
 
 Inspected inspect(const store::Library& library, const std::filesystem::path& file) {
     Inspected found;
-    if (found.refusal = refusalOfKind(file); found.refusal) {
+    if (found.refusal = refusalOfKind(file); !found.refusal.isEmpty()) {
         return found;
     }
     if (isNamedAsPicture(file)) {
@@ -100,10 +107,10 @@ Inspected inspect(const store::Library& library, const std::filesystem::path& fi
         if (const auto kind = picture::sniff(bytes)) {
             found.type = codeOf(*kind);
         } else if (found.foreign = editing::inspectForeign(bytes); !found.foreign) {
-            throw Error(ErrorCode::InvalidPicture, file, "it is no picture that can be read here");
+            found.refusal = app::errorText(Error(ErrorCode::InvalidPicture, file, {}));
         }
     } catch (const Error& error) {
-        found.refusal = error;
+        found.refusal = app::errorText(error);
     }
     return found;
 }
@@ -152,7 +159,7 @@ class Arrival {
             [&](store::Progress& progress) {
                 Findings findings;
                 for (std::size_t i = 0; i < incoming_.files.size(); ++i) {
-                    progress.report(i, incoming_.files.size() + 1);
+                    progress.report(i, incoming_.files.size());
                     if (progress.isStopWanted()) {
                         throw Error(ErrorCode::Cancelled, incoming_.files[i], "stopped");
                     }
@@ -199,8 +206,8 @@ class Arrival {
         for (std::size_t i = 0; i < incoming_.files.size(); ++i) {
             const Inspected& found = findings_.files[i];
             const std::filesystem::path& file = incoming_.files[i];
-            if (found.refusal) {
-                lines_.append(app::errorText(*found.refusal));
+            if (!found.refusal.isEmpty()) {
+                lines_.append(found.refusal);
             } else if (!found.foreign) {
                 add({file, {}, {}, found.type, {}}, base::fromPath(file.stem()));
             } else if (takesForeign_) {

@@ -53,14 +53,18 @@ class PictureCarrying : public MainWindowTest {
     }
 
     // Drops the data as another program would.
-    void drop(QWidget* widget, const QPoint& position, const QMimeData& data) {
-        QDragEnterEvent enter(position, Qt::CopyAction, &data, Qt::LeftButton, {});
+    void drop(QWidget* widget, const QPoint& position, const QMimeData& data,
+              Qt::KeyboardModifiers modifiers = {}) {
+        QDragEnterEvent enter(position, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                              modifiers);
         QCoreApplication::sendEvent(widget, &enter);
         EXPECT_TRUE(enter.isAccepted());
-        QDragMoveEvent move(position, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QDragMoveEvent move(position, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                            modifiers);
         QCoreApplication::sendEvent(widget, &move);
         EXPECT_TRUE(move.isAccepted());
-        QDropEvent event(position, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QDropEvent event(position, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                         modifiers);
         QCoreApplication::sendEvent(widget, &event);
         EXPECT_TRUE(event.isAccepted());
         QCoreApplication::processEvents(); // it is taken once the drop is over
@@ -72,8 +76,9 @@ class PictureCarrying : public MainWindowTest {
         drop(strip, strip->rect().center(), data);
     }
 
-    void dropOnNode(const QString& path, const QMimeData& data) {
-        drop(tree()->viewport(), tree()->visualItemRect(node(path)).center(), data);
+    void dropOnNode(const QString& path, const QMimeData& data,
+                    Qt::KeyboardModifiers modifiers = {}) {
+        drop(tree()->viewport(), tree()->visualItemRect(node(path)).center(), data, modifiers);
     }
 
     static void offer(QMimeData& data, const QStringList& files) {
@@ -139,8 +144,8 @@ TEST_F(PictureCarrying, FilesComeInByDropAndTellWhatIsWrongWithThem) {
                              "https://example.org/a.bmp"}) {
         EXPECT_EQ(summary.count(QLatin1String(file)), 1) << file << "\n" << summary.toStdString();
     }
-    EXPECT_TRUE(summary.contains("(it is a folder)"));
-    EXPECT_TRUE(summary.contains("(it is a pipe or a device and no file)"));
+    EXPECT_TRUE(summary.contains("\nDas ist ein Ordner und kein Bild."));
+    EXPECT_TRUE(summary.contains("\nDas ist eine Pipe oder ein Gerät und keine Datei."));
     EXPECT_TRUE(summary.contains('"' + longName + "\" heißt jetzt \"" + QString(31, 'x') + '"'));
     EXPECT_EQ(label(), "Neu");
     EXPECT_EQ(window().selectedPictures().size(), 3U);
@@ -256,6 +261,21 @@ TEST_F(PictureCarrying, CopiedPicturesAreFilesForOthersAndPicturesForUs) {
     EXPECT_EQ(stored(tanks_), QStringList({"P1", "P2", "P2 (2)"}));
     EXPECT_EQ(selectedNode(), "Pumpen");
     EXPECT_EQ(label(), "P1");
+}
+
+TEST_F(PictureCarrying, ShiftMovesWhatAnotherWindowOfTheLibraryDrags) {
+    click("P1");
+    trigger("Men_Bearbeiten_13");
+    QMimeData data;
+    for (const QString& format : QGuiApplication::clipboard()->mimeData()->formats()) {
+        data.setData(format, QGuiApplication::clipboard()->mimeData()->data(format));
+    }
+    dropOnNode("Tanks", data);
+    EXPECT_EQ(stored(tanks_), QStringList({"P1", "P2"}));
+    EXPECT_EQ(stored(pumps_), QStringList({"P1", "P2"}));
+    answerTaken([&] { dropOnNode("Tanks", data, Qt::ShiftModifier); }, "cmdBeide");
+    EXPECT_EQ(stored(tanks_), QStringList({"P1", "P2", "P1 (2)"}));
+    EXPECT_EQ(stored(pumps_), QStringList("P2"));
 }
 
 TEST_F(PictureCarrying, WhatWasCutCanBePastedUntilSomethingWasMoved) {
