@@ -57,6 +57,14 @@ std::vector<store::PictureName> namesOf(const std::vector<store::PassingPicture>
     return names;
 }
 
+QStringList linesAbout(const std::vector<store::PictureName>& gone) {
+    QStringList lines;
+    for (const store::PictureName& name : gone) {
+        lines.append(app::text(kGone).arg(textOf(name)));
+    }
+    return lines;
+}
+
 // What had been in the way of pictures that have just gone back. It may not be stopped any more,
 // and what fails undoes nothing.
 std::vector<compound::Error> bringBackReplaced(const store::Library& library,
@@ -90,10 +98,16 @@ UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to
                 if (result.sourceFailure) {
                     throw compound::Error(*result.sourceFailure);
                 }
+                if (result.passed.empty()) {
+                    throw compound::Error(compound::ErrorCode::NotFound,
+                                          store::pathOf(library, to.file),
+                                          "what was moved is not there any more");
+                }
                 auto missing = bringBackReplaced(library, to, replaced);
-                return [from, names = newNames(result),
+                return [from, names = newNames(result), gone = result.gone,
                         missing = std::move(missing)](LibraryView& view) {
                     view.ShowPictures(from, names);
+                    showSummary(app::text(kLeft), linesAbout(gone), view.owner());
                     showFailures(missing, view.owner());
                 };
             }};
@@ -212,11 +226,7 @@ class Transfer {
     }
 
     void tell(const store::PicturesPassed& result) const {
-        QStringList lines;
-        for (const store::PictureName& name : result.gone) {
-            lines.append(app::text(kGone).arg(textOf(name)));
-        }
-        showSummary(app::text(kLeft), lines, view_.owner());
+        showSummary(app::text(kLeft), linesAbout(result.gone), view_.owner());
         if (result.sourceFailure) {
             showSummary(app::text(kInBoth), {app::errorText(*result.sourceFailure)}, view_.owner());
         }

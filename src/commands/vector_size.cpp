@@ -51,6 +51,7 @@ std::optional<int> askForLongerSide(int suggested, QWidget* owner) {
     all->addWidget(lblFrage);
     all->addWidget(spnSeite, 0, Qt::AlignLeft);
     all->addLayout(buttons);
+    spnSeite->selectAll(); // what is typed takes its place
     app::execModally(dialog);
     return dialog.result() == QDialog::Accepted ? std::optional(spnSeite->value()) : std::nullopt;
 }

@@ -207,7 +207,7 @@ TEST_F(PictureCarrying, OtherTypesAreAskedForOnceAndDrawingsForTheirSize) {
                  EXPECT_EQ(dialog.objectName(), "frmGroesse");
                  auto* side = dialog.findChild<QSpinBox*>("spnSeite");
                  EXPECT_EQ(side->value(), 40);
-                 side->setValue(100);
+                 QTest::keyClicks(side, "100");
                  dialog.findChild<QPushButton*>("cmdOK")->click();
              });
     EXPECT_EQ(yes.takeText(), "3 Bilder haben Typen, die die Bibliothek nicht kennt "
@@ -424,6 +424,28 @@ TEST_F(PictureCarrying, TheImageOfADragHasNoEmptyEdges) {
         }
         EXPECT_TRUE(isLastRowPainted && isLastColumnPainted) << pictures;
     }
+}
+
+TEST_F(PictureCarrying, UndoTellsOfMovedPicturesThatAreGone) {
+    addPicture(pumps_, "P3");
+    window().refresh();
+    settle();
+    const auto move = [&](const std::vector<store::PictureName>& names) {
+        commands::transferPictures(window(), {pumps_, names}, {tanks_, "Tanks"},
+                                   store::PassageKind::Move);
+        settle();
+    };
+    move({{u"P1"}, {u"P3"}});
+    store::deletePicture(library(), tanks_, {u"P3"});
+    EXPECT_EQ(summaryOf([&] { trigger("Men_Bearbeiten_11"); }),
+              "Das Bild \"P3\" war nicht mehr da.");
+    EXPECT_EQ(stored(pumps_), QStringList({"P1", "P2"}));
+    move({{u"P1"}});
+    store::deletePicture(library(), tanks_, {u"P1"});
+    MessageBoxScript ok({}, app::kAnswerOk);
+    trigger("Men_Bearbeiten_11");
+    EXPECT_TRUE(ok.takeText().startsWith("Bild \"P1\" verschieben kann nicht"));
+    EXPECT_FALSE(find<QAction>("Men_Bearbeiten_11")->isEnabled());
 }
 
 // Else what was deleted before it could never be brought back.
