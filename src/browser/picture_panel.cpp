@@ -262,7 +262,7 @@ void PicturePanel::PictureRenamed(const store::GroupAddress& group, const QStrin
         return;
     }
     selection_.rename(shownPicture_.nameText(), name);
-    setShownPicture(commands::ShownPicture(pictureNamed(name)));
+    setShownName(pictureNamed(name));
     if (GraphicalPreview_) {
         awaitPage(Awaited::Page::Stay);
     } else {
@@ -332,6 +332,16 @@ void PicturePanel::setShownPicture(const commands::ShownPicture& picture) {
     strip_->mark(selection_.current(), selection_.all());
     strip_->setAccessibleDescription(picture.caption());
     emit pictureShown(picture.name().has_value());
+}
+
+// What is still being read would not be found under the name of before.
+void PicturePanel::setShownName(const store::PictureName& name) {
+    const bool isDescribed = !describing_.isBusy() && !shownType_.isEmpty();
+    setShownPicture(commands::ShownPicture(name));
+    if (!isDescribed) {
+        describe(name);
+    }
+    loadPreview(name);
 }
 
 void PicturePanel::SelectPicture() {
@@ -419,7 +429,7 @@ void PicturePanel::renamed(const store::GroupAddress& group, const QString& from
         if (isRenamed && group_ == group) { // not if a click on another group ended the editing
             ++listing_;
             lvwInfo_->rename(from, to);
-            setShownPicture(commands::ShownPicture(pictureNamed(to)));
+            setShownName(pictureNamed(to));
             read();
         }
     } catch (const std::exception& failure) {

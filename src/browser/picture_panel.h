@@ -228,6 +228,7 @@ class PicturePanel : public QObject {
     const QStringList& order() const; // of the group's pictures
     void showStored(const store::PictureEntry& picture);
     void setShownPicture(const commands::ShownPicture& picture);
+    void setShownName(const store::PictureName& name); // another one of the same picture
     void showListRow();
     QStringList selectedNames() const; // as far as they are listed
     void describeSelection();

@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QBuffer>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
 #include <QScrollBar>
 #include <QTest>
@@ -158,6 +159,25 @@ TEST_F(PictureLoading, ACommandWaitsForItsPictures) {
     EXPECT_EQ(window().selectedPictures().size(), 2U);
     settle();
     EXPECT_EQ(rows(), (QStringList{"A1", "B2"}));
+}
+
+TEST_F(PictureLoading, APictureThatIsRenamedWhileItIsReadIsShown) {
+    startWith({{"A", {"A1", "A2"}}});
+    const QColor expected = centreOf("A2");
+    trigger("Men_Extras_0");
+    auto* list = find<QTreeWidget>("lvwInfo");
+    list->setFocus();
+    list->setCurrentItem(list->topLevelItem(1));
+    EXPECT_EQ(label(), "A2");
+    list->editItem(list->topLevelItem(1), 0);
+    auto* editor = list->viewport()->findChild<QLineEdit*>();
+    ASSERT_NE(editor, nullptr);
+    editor->setText("Neu");
+    QTest::keyClick(editor, Qt::Key_Return);
+    ASSERT_TRUE(until([this] { return label() == "Neu"; })); // the list ends the editing later
+    workers_.stepAll();
+    EXPECT_EQ(previewCentre(), expected);
+    EXPECT_TRUE(window().isSettled());
 }
 
 TEST_F(PictureLoading, ResultsThatComeAfterTheWindowsEndAreLost) {
