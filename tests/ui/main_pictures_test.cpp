@@ -273,9 +273,14 @@ TEST_F(MainPictures, RightClickOnAThumbnailChoosesItAndShowsThePictureBand) {
 
 TEST_F(MainPictures, ToolTipNamesTheThumbnailAndHidesOverTheFreeSurface) {
     startWith({"Pumpe & <b>Co"});
-    QTest::mouseMove(thumbnail("Pumpe & <b>Co"));
     auto* toolTip = find<QLineEdit>("txtName");
-    ASSERT_TRUE(until([&] { return toolTip->isVisible(); }));
+    int looks = 0;
+    ASSERT_TRUE(until([&] {
+        if (looks++ % 200 == 0) { // when the group is read again meanwhile, the wait begins anew
+            QTest::mouseMove(thumbnail("Pumpe & <b>Co"), QPoint(4 + looks % 3, 4));
+        }
+        return toolTip->isVisible();
+    }));
     EXPECT_EQ(toolTip->text(), "Pumpe & <b>Co");
     window().Aktualisieren(); // another picture may stand below the resting pointer now
     EXPECT_FALSE(toolTip->isVisible());
