@@ -341,6 +341,7 @@ void tellArrived(LibraryView& view, const store::GroupAddress& group,
                  const std::vector<store::PictureName>& names) {
     view.PicturesArrived([group, names] {
         std::vector<store::PictureAddress> pictures;
+        pictures.reserve(names.size());
         for (const store::PictureName& name : names) {
             pictures.push_back({group, name});
         }

@@ -27,7 +27,7 @@ QString refusalOf(const QString& newName) {
 
 QString renameOrRefuse(const store::Library& library, const store::GroupAddress& group,
                        const store::PictureName& from, const QString& newName) {
-    const QString refusal = refusalOf(newName);
+    QString refusal = refusalOf(newName);
     if (!refusal.isEmpty()) {
         return refusal;
     }

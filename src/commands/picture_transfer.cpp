@@ -51,6 +51,7 @@ std::vector<store::PictureName> newNames(const store::PicturesPassed& result) {
 
 std::vector<store::PictureName> namesOf(const std::vector<store::PassingPicture>& passing) {
     std::vector<store::PictureName> names;
+    names.reserve(passing.size());
     for (const store::PassingPicture& picture : passing) {
         names.push_back(picture.name);
     }
@@ -85,6 +86,7 @@ UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to
                   const store::PicturesPassed& moved) {
     const std::vector<store::PassedPicture>& passed = moved.passed;
     std::vector<store::PassingPicture> back;
+    back.reserve(passed.size());
     for (const store::PassedPicture& picture : passed) {
         back.push_back({picture.to, store::IfNameTaken::KeepBoth, picture.from});
     }
