@@ -104,8 +104,11 @@ class NativeFile final : public DiskFile {
     bool isShared_;
     bool isGone_ = false; // found out in locking
     bool hasNewAttributes_ = false;
-    std::uint64_t unsentFrom_ = 0; // written one after the other, see startSending()
-    std::uint64_t unsentTo_ = 0;
+    struct Unsent { // see startSending()
+        std::uint64_t from = UINT64_MAX;
+        std::uint64_t to = 0;
+        std::uint64_t bytes = 0; // of those between: some may not have been written
+    } unsent_;
 };
 
 std::size_t NativeFile::read(std::uint64_t offset, std::span<std::byte> into) {
@@ -138,18 +141,19 @@ void NativeFile::write(std::uint64_t offset, std::span<const std::byte> bytes) {
 }
 
 // The medium is given what was written as soon as that is a good deal, and works while the next
-// pictures are read: the system would have it idle until the sync. A hint, no more; the sync tells
-// whether everything has arrived.
+// pictures are read: the system would have it idle until the sync. What was passed over, to be
+// written with the commit, is not sent and costs nothing. A hint, no more; the sync tells whether
+// everything has arrived.
 void NativeFile::startSending(std::uint64_t offset, std::size_t length) noexcept {
-    constexpr std::uint64_t kGoodDeal = std::uint64_t{1} << 20U;
-    if (offset != unsentTo_) {
-        unsentFrom_ = offset;
-    }
-    unsentTo_ = offset + length;
-    if (unsentTo_ - unsentFrom_ >= kGoodDeal && !isShared_) {
-        (void)::sync_file_range(descriptor(), static_cast<off_t>(unsentFrom_),
-                                static_cast<off_t>(unsentTo_ - unsentFrom_), SYNC_FILE_RANGE_WRITE);
-        unsentFrom_ = unsentTo_;
+    constexpr std::uint64_t kGoodDeal = std::uint64_t{1} << 18U;
+    unsent_.from = std::min(unsent_.from, offset);
+    unsent_.to = std::max(unsent_.to, offset + length);
+    unsent_.bytes += length;
+    if (unsent_.bytes >= kGoodDeal && !isShared_) {
+        (void)::sync_file_range(descriptor(), static_cast<off_t>(unsent_.from),
+                                static_cast<off_t>(unsent_.to - unsent_.from),
+                                SYNC_FILE_RANGE_WRITE);
+        unsent_ = {};
     }
 }
 
@@ -158,6 +162,7 @@ void NativeFile::sync() {
         throw systemError(errno, path_, "sync");
     }
     hasNewAttributes_ = false;
+    unsent_ = {};
 }
 
 void NativeFile::writeParts(std::uint64_t offset,
