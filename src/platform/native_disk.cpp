@@ -3,6 +3,7 @@
 #include "compound/error.h"
 #include "platform/file_attributes.h"
 #include "platform/file_descriptor.h"
+#include "platform/file_identity.h"
 #include "platform/shared_volume.h"
 #include "platform/trash.h"
 
@@ -44,20 +45,6 @@ std::chrono::nanoseconds systemTime() {
     return std::chrono::system_clock::now().time_since_epoch();
 }
 
-std::chrono::nanoseconds sinceEpoch(const struct timespec& time) {
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
-// How coarse the stamps of a file system may be that gives one like this.
-std::chrono::nanoseconds coarsenessOf(std::chrono::nanoseconds stamp) {
-    constexpr std::chrono::nanoseconds kSecond = std::chrono::seconds(1);
-    std::chrono::nanoseconds step{1};
-    while (step < kSecond && stamp % (10 * step) == std::chrono::nanoseconds(0)) {
-        step *= 10;
-    }
-    return step < kSecond ? step : 2 * kSecond; // as FAT has them
-}
-
 class NativeFile final : public DiskFile {
   public:
     NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath,
@@ -68,6 +55,9 @@ class NativeFile final : public DiskFile {
           timeOfDay_(surroundings.timeOfDay),
           isShared_(surroundings.volumes == Volumes::AllShared ||
                     isSharedVolume(descriptor_.get(), opened.st_dev)) {}
+    NativeFile(const NativeFile&) = delete;
+    NativeFile& operator=(const NativeFile&) = delete;
+    ~NativeFile() override { giveLockBack(); }
 
     const std::filesystem::path& path() const override { return path_; }
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override;
@@ -95,6 +85,7 @@ class NativeFile final : public DiskFile {
     void startSending(std::uint64_t offset, std::size_t length) noexcept;
     bool tryLock();
     bool waitForLock(std::chrono::milliseconds wait);
+    void giveLockBack() noexcept;
 
     FileDescriptor descriptor_;
     std::filesystem::path path_;
@@ -103,6 +94,8 @@ class NativeFile final : public DiskFile {
     TimeOfDay timeOfDay_;
     bool isShared_;
     bool isGone_ = false; // found out in locking
+    bool isLocked_ = false;
+    bool isUnsynced_ = false; // something was written since the last sync
     bool hasNewAttributes_ = false;
     struct Unsent { // see startSending()
         std::uint64_t from = UINT64_MAX;
@@ -128,6 +121,7 @@ std::size_t NativeFile::read(std::uint64_t offset, std::span<std::byte> into) {
 }
 
 void NativeFile::write(std::uint64_t offset, std::span<const std::byte> bytes) {
+    isUnsynced_ = true;
     std::size_t done = 0;
     while (done < bytes.size()) {
         const ssize_t count = ::pwrite(descriptor(), bytes.data() + done, bytes.size() - done,
@@ -163,11 +157,13 @@ void NativeFile::sync() {
     }
     hasNewAttributes_ = false;
     unsent_ = {};
+    isUnsynced_ = false;
 }
 
 void NativeFile::writeParts(std::uint64_t offset,
                             std::span<const std::span<const std::byte>> parts) {
     constexpr std::size_t kMostParts = 64;
+    isUnsynced_ = true;
     while (!parts.empty()) {
         std::array<struct iovec, kMostParts> vectors{};
         const std::size_t count = std::min(parts.size(), vectors.size());
@@ -277,10 +273,24 @@ bool NativeFile::lock(std::chrono::milliseconds wait) {
     if (!waitForLock(wait)) {
         return false;
     }
-    if (isShared_ && !isGone_) {
+    isLocked_ = !isGone_;
+    if (isShared_ && isLocked_) {
         forgetContent(descriptor());
     }
     return true;
+}
+
+// The lock goes with the handle, but file systems in user space are told of a closed handle some
+// time after the closing, and whoever does not wait would meet the lock of who is done. What was
+// written and not synced, by a change that was given up, goes to the volume first, as it would in
+// closing: arriving late, it would overwrite what the next holder writes.
+void NativeFile::giveLockBack() noexcept {
+    if (isLocked_ && isShared_) {
+        if (isUnsynced_) {
+            (void)::fdatasync(descriptor());
+        }
+        (void)::flock(descriptor(), LOCK_UN);
+    }
 }
 
 bool NativeFile::isStillAtPath() {
@@ -301,25 +311,13 @@ bool NativeFile::isStillAtPath() {
     return found_.st_dev == opened_.st_dev && found_.st_ino == opened_.st_ino;
 }
 
-compound::FileIdentity identityOf(const struct stat& status, TimeOfDay timeOfDay) {
-    const std::chrono::nanoseconds changed = sinceEpoch(status.st_ctim);
-    // Time stamps go on in ticks of some milliseconds, on some file systems of a second or two.
-    const bool settled = timeOfDay() - changed > std::chrono::seconds(3);
-    return compound::FileIdentity{status.st_dev,
-                                  status.st_ino,
-                                  static_cast<std::uint64_t>(status.st_size),
-                                  sinceEpoch(status.st_mtim).count(),
-                                  changed.count(),
-                                  settled};
-}
-
 // What isStillAtPath() has found under the lock; every call to the system counts in short readings.
 // Clocks of other machines go differently, so the time stamps of a shared volume prove nothing.
 std::optional<compound::FileIdentity> NativeFile::identity() {
     if (isShared_ || found_.st_ino == 0) {
         return std::nullopt;
     }
-    return identityOf(found_, timeOfDay_);
+    return identityOf(found_, timeOfDay_());
 }
 
 void NativeFile::find() {
@@ -328,29 +326,17 @@ void NativeFile::find() {
     }
 }
 
-// Changes are stamped with the time of the clock's last tick. Only a system that gives every change
-// after a look at the file a time of its own can have stamped it later than that; and when there
-// has been a tick since, any later change gets a later stamp. Otherwise the file is given the exact
-// time, which lies between two ticks and is no later change's. A file system that keeps coarser
-// stamps gives back another one, and only the file's owner may set it.
+// Where the file system's own stamp does not do, the file is given the exact time, which lies
+// between two ticks and is no later change's. One that keeps coarser stamps gives back another one.
 std::optional<compound::FileIdentity> NativeFile::stamp() {
     if (isShared_) {
         return std::nullopt;
     }
     find();
-    struct timespec tick {};
-    (void)::clock_gettime(CLOCK_REALTIME_COARSE, &tick);
-    const std::chrono::nanoseconds changed = sinceEpoch(found_.st_ctim);
-    bool settled =
-        changed > sinceEpoch(tick) || changed + coarsenessOf(changed) <= sinceEpoch(tick);
+    bool settled = isStampedBeforeNow(found_);
     if (!settled) {
         const std::chrono::nanoseconds now = timeOfDay_();
-        const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
-        std::array<struct timespec, 2> times{}; // of the last access and the last change
-        times[0].tv_nsec = UTIME_OMIT;
-        times[1].tv_sec = static_cast<time_t>(seconds.count());
-        times[1].tv_nsec = static_cast<long>((now - seconds).count());
-        const bool isSet = ::futimens(descriptor(), times.data()) == 0;
+        const bool isSet = giveTime(descriptor(), now);
         find();
         settled = isSet && sinceEpoch(found_.st_mtim) == now;
     }
@@ -513,7 +499,7 @@ std::optional<compound::FileIdentity> NativeDisk::glance(const path& filePath) {
     if (::stat(filePath.c_str(), &status) != 0) {
         return std::nullopt;
     }
-    return identityOf(status, surroundings_.timeOfDay);
+    return identityOf(status, surroundings_.timeOfDay());
 }
 
 void NativeDisk::renameWithoutReplacing(const path& from, const path& to) {

@@ -10,9 +10,11 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
+#include <span>
 #include <string>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -41,6 +43,17 @@ class SharedVolumeTest : public testing::Test {
             pages += page & 1U;
         }
         return pages;
+    }
+
+    // This process's descriptor of the file.
+    static int descriptorOf(const fs::path& path) {
+        for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+            std::error_code isGone; // the one of this listing
+            if (fs::read_symlink(entry.path(), isGone) == path) {
+                return std::stoi(entry.path().filename().string());
+            }
+        }
+        return -1;
     }
 
     OwnHome home_;
@@ -84,6 +97,23 @@ TEST_F(SharedVolumeTest, aLockDropsWhatTheSystemRemembersOfTheContent) {
     local.reset();
     ASSERT_TRUE(waiting->lock(std::chrono::milliseconds(0)));
     EXPECT_EQ(pagesInMemory(at("a")), 0U);
+}
+
+// File systems in user space are told of a closed handle some time after the closing. A second
+// descriptor keeps the handle open here as the kernel does there.
+TEST_F(SharedVolumeTest, aLockIsGivenBackBeforeTheHandle) {
+    home_.write("a", "text");
+    auto file = disk_->open(at("a"), Access::ReadWrite);
+    ASSERT_TRUE(file->lock(std::chrono::milliseconds(0)));
+    file->write(0, std::as_bytes(std::span("TEXT", 4)));
+    const int kept = ::dup(descriptorOf(at("a")));
+    ASSERT_GE(kept, 0);
+    const auto other = disk_->open(at("a"), Access::ReadWrite);
+    EXPECT_FALSE(other->lock(std::chrono::milliseconds(0)));
+    file.reset();
+    EXPECT_TRUE(other->lock(std::chrono::milliseconds(0)));
+    EXPECT_EQ(home_.read("a"), "TEXT");
+    ::close(kept);
 }
 
 // Time stamps of other machines' clocks prove nothing, so nothing is to be remembered.
