@@ -2,6 +2,7 @@
 #include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
 #include "platform/own_home.h"
+#include "platform/trash.h"
 
 #include <algorithm>
 #include <array>
@@ -426,7 +427,8 @@ TEST_F(NativeDiskTest, leavesAFileWhereItIsWhenTheTrashCannotTakeIt) {
     EXPECT_EQ(read("a.stg"), "kept");
 }
 
-// The desktop's trash knows files by text, so a name that is none has to go elsewhere.
+// The desktop's trash is the home's, or one at the top of the volume where that is another one.
+// Either keeps a note on each file, and knows files by text, so a name that is none goes elsewhere.
 TEST_F(NativeDiskTest, usesTheDesktopsTrashAndKeepsWhatItCannotName) {
     qunsetenv(platform::kHomeVariable);
     qputenv("XDG_DATA_HOME", home_.at("share").toUtf8());
@@ -434,12 +436,20 @@ TEST_F(NativeDiskTest, usesTheDesktopsTrashAndKeepsWhatItCannotName) {
     write("library/a.err", "plain");
     write("library/odd", "odd");
     fs::rename(at("library/odd"), at("library/odd\xff.err"));
-    nativeDisk().trash(at("library/a.err"));
+    const fs::path trashed = platform::moveToTrash(at("library/a.err"));
     nativeDisk().trash(at("library/odd\xff.err"));
     qunsetenv("XDG_DATA_HOME");
     EXPECT_TRUE(fs::is_empty(at("library")));
-    EXPECT_EQ(read("share/Trash/files/a.err"), "plain");
-    EXPECT_TRUE(fs::exists(at("share/TXSGraphicsLib/kept/odd\xff.err")));
+    EXPECT_TRUE(fs::remove(at("share/TXSGraphicsLib/kept/odd\xff.err"))) << "not kept";
+    fs::path note = trashed.parent_path().parent_path() / "info" / trashed.filename();
+    note += ".trashinfo";
+    EXPECT_EQ(trashed.parent_path().filename(), "files");
+    EXPECT_TRUE(fs::exists(note)) << note;
+    platform::restoreFromTrash(trashed, at("library/back.err"));
+    EXPECT_EQ(read("library/back.err"), "plain");
+    EXPECT_FALSE(fs::exists(trashed));
+    EXPECT_FALSE(fs::exists(note)) << note;
+    EXPECT_EQ(codeOf([&] { platform::restoreFromTrash(trashed, at("b")); }), ErrorCode::NotFound);
 }
 
 // Shared memory lies on another volume than the temporary folder, so a rename cannot do it.
