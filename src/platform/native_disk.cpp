@@ -482,16 +482,17 @@ std::vector<compound::FolderEntry> NativeDisk::list(const path& folder) {
 }
 
 bool NativeDisk::exists(const path& filePath) {
+    if (isShared(folderOf(filePath))) {
+        forgetName(filePath); // another machine may have made it, or removed it
+    }
     struct stat status {};
-    int failure = ::lstat(filePath.c_str(), &status) == 0 ? 0 : errno;
-    if (failure == ENOENT && isShared(folderOf(filePath))) {
-        forgetName(filePath);
-        failure = ::lstat(filePath.c_str(), &status) == 0 ? 0 : errno;
+    if (::lstat(filePath.c_str(), &status) == 0) {
+        return true;
     }
-    if (failure != 0 && failure != ENOENT && failure != ENOTDIR) {
-        throw systemError(failure, filePath, "look up");
+    if (errno != ENOENT && errno != ENOTDIR) {
+        throw systemError(errno, filePath, "look up");
     }
-    return failure == 0;
+    return false;
 }
 
 std::optional<compound::FileIdentity> NativeDisk::glance(const path& filePath) {
