@@ -83,10 +83,9 @@ void AllocationTable::leave(std::uint32_t end) {
     leftEnd_ = end;
     gapAt_ = 0;
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        Range& range = load(index);
-        range.next = 0;
-        if (std::uint64_t{index + 1} * perSector_ > end) {
-            range.dirty = anyDirty_ = true; // its FAT sector moves, or goes with it
+        touch(index).next = 0;
+        if (fatSectors_[index] >= end || !liesBefore(index, end)) {
+            change(index); // its FAT sector moves, or goes with it
         }
     }
     // The last range keeps some for its FAT sector and for pages, so that they find room in it.

@@ -39,6 +39,11 @@ std::uint32_t AllocationTable::spareForChains() const {
     return std::min(std::max(kLeast, file_.count() / kPart), perSector_ / 4 * 3);
 }
 
+// Free sectors of the home that FAT sectors leave to the chains.
+std::uint32_t AllocationTable::spareForFat() const {
+    return spareForChains() / 4;
+}
+
 // Free sectors of a range that data leave alone. At the format's end, and on a full disk, all but
 // the FAT sector's are taken.
 std::uint32_t AllocationTable::keptFromData(std::uint32_t index) {
@@ -98,7 +103,7 @@ void AllocationTable::beginRunIn(std::uint32_t index) {
     const Run run = runIn(index, spareForChains());
     runStart_ = index * perSector_ + run.start;
     runEnd_ = runStart_ + run.length;
-    load(index).next = run.start;
+    touch(index).next = run.start;
     home_ = index;
 }
 
@@ -117,10 +122,10 @@ void AllocationTable::beginRunAtEnd(std::uint32_t enough) {
     const auto length =
         static_cast<std::uint32_t>(std::min<std::uint64_t>(spareForChains(), end - start));
     markRangeLock(std::uint64_t{start} + length);
-    file_.extend(start + length);
+    file_.extendByZeros(start + length);
     runStart_ = start;
     runEnd_ = start + length;
-    load(last).next = start % perSector_;
+    touch(last).next = start % perSector_;
     home_ = last;
 }
 
@@ -137,11 +142,14 @@ std::uint32_t AllocationTable::allocate(std::uint32_t near, Purpose purpose) {
 
 std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose) {
     loadDifat();
-    const std::uint32_t kept = purpose == Purpose::Fat ? 0 : kKeptForFat;
-    std::uint32_t found = findFreeIn(firstLook(near, purpose), kept);
-    if (found == kNone && purpose == Purpose::Chain && !freesMuch()) {
+    const bool isFat = purpose == Purpose::Fat;
+    const std::uint32_t first = leavesHome() ? (isFat ? near / perSector_ : 0) : home();
+    std::uint32_t found = findFreeIn(first, isFat && first == home() ? spareForFat() : kKeptForFat);
+    if (found == kNone && isFat) {
+        found = findFreeIn(near / perSector_, 0);
+    } else if (found == kNone && !freesMuch()) {
         moveHome();
-        found = findFreeIn(home(), kept);
+        found = findFreeIn(home(), kKeptForFat);
     }
     for (std::uint32_t index = 0; found == kNone && index < ranges_.size(); ++index) {
         // Only what is in memory anyway, and the last one, in which the file can grow.
@@ -165,13 +173,8 @@ bool AllocationTable::freesMuch() const {
     return leftEnd_ > 0 || pending_.size() > fresh_.size() + perSector_ / 16;
 }
 
-// The range to look into first: a FAT sector stays in its own.
-std::uint32_t AllocationTable::firstLook(std::uint32_t near, Purpose purpose) {
-    if (purpose == Purpose::Fat) {
-        return near / perSector_;
-    }
-    const bool leavesHome = leftEnd_ > 0 ? !liesBefore(home(), leftEnd_) : freesMuch();
-    return leavesHome ? 0 : home();
+bool AllocationTable::leavesHome() {
+    return leftEnd_ > 0 ? !liesBefore(home(), leftEnd_) : freesMuch();
 }
 
 std::uint32_t AllocationTable::findFreeIn(std::uint32_t index, std::uint32_t kept) {
@@ -205,7 +208,7 @@ std::uint32_t AllocationTable::findFreeInRun(std::uint32_t index, std::uint32_t 
     if (freeIn(index) <= reserve) {
         return kNone;
     }
-    std::optional<std::uint32_t>& next = load(index).next;
+    std::optional<std::uint32_t>& next = touch(index).next;
     if (!next) {
         constexpr std::uint32_t kSmallChange = 8; // sectors that it writes
         next = freesMuch() ? 0 : runIn(index, kSmallChange).start;

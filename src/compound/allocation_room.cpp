@@ -120,4 +120,24 @@ void AllocationTable::provide(std::uint64_t wanted, Free which) {
     }
 }
 
+void AllocationTable::growAhead() {
+    constexpr std::uint64_t kMost = std::uint64_t{1} << 20U; // bytes
+    const std::uint32_t before = file_.count();
+    const std::uint64_t step =
+        std::min({allowedSurplus() / 2, kMost / file_.sectorSize(), std::uint64_t{before / 8}});
+    const std::uint64_t end = std::min<std::uint64_t>(
+        {before + step, std::uint64_t{ranges_.size()} * perSector_, limit()});
+    if (end <= before || fresh_.size() > allowedSurplus()) {
+        return;
+    }
+    markRangeLock(end);
+    try {
+        file_.extendByZeros(static_cast<std::uint32_t>(end));
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NoSpace) {
+            throw;
+        }
+    }
+}
+
 } // namespace compound

@@ -84,6 +84,22 @@ AllocationTable::Range& AllocationTable::loadFromFile(std::uint32_t index) {
     return *ranges_[index];
 }
 
+AllocationTable::Range& AllocationTable::touch(std::uint32_t index) {
+    Range& range = load(index);
+    if (!range.touched) {
+        touched_.push_back(index);
+        range.touched = true;
+    }
+    return range;
+}
+
+// Its FAT sector is written anew.
+AllocationTable::Range& AllocationTable::change(std::uint32_t index) {
+    Range& range = touch(index);
+    range.dirty = anyDirty_ = true;
+    return range;
+}
+
 std::uint32_t& AllocationTable::freeIn(std::uint32_t index) {
     Range& range = load(index);
     if (!range.free) {
@@ -123,10 +139,8 @@ const std::vector<std::uint32_t>& AllocationTable::difatSectors() {
 // --- taking and freeing -------------------------------------------------------------------------
 
 void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
-    Range& range = load(sector / perSector_);
+    Range& range = change(sector / perSector_);
     write32(range.bytes.data() + std::size_t{4} * (sector % perSector_), value);
-    range.dirty = true;
-    anyDirty_ = true;
 }
 
 std::uint32_t AllocationTable::take(std::uint32_t sector) {
@@ -163,18 +177,24 @@ void AllocationTable::addRange() {
     }
     auto range = std::make_unique<Range>();
     range->bytes.assign(file_.sectorSize(), std::byte{0xFF}); // all free
-    range->dirty = range->moved = true;
+    range->moved = true;
     ranges_.push_back(std::move(range));
     ++loaded_;
+    const auto index = static_cast<std::uint32_t>(ranges_.size() - 1);
     try {
-        const std::uint32_t place = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, 0);
-        fatSectors_.push_back(takePlaced(place));
+        change(index);
+        fatSectors_.push_back(takePlaced(findFree(index, 0, 0)));
     } catch (...) {
-        ranges_.pop_back();
+        dropLastRange();
         throw;
     }
     markTable(fatSectors_.back(), kFatSector);
     touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
+}
+
+void AllocationTable::dropLastRange() {
+    std::erase(touched_, static_cast<std::uint32_t>(ranges_.size() - 1));
+    ranges_.pop_back();
 }
 
 bool AllocationTable::canGrow() const {
@@ -272,11 +292,14 @@ void AllocationTable::makeSound() {
     difatTouched_ = static_cast<std::uint32_t>(fatSectors_.size());
 }
 
-// Gives every changed FAT sector a new place; true when that changed anything.
-bool AllocationTable::moveFatSectors() {
+// Gives every changed FAT sector a new place, or those only that lie in another range than their
+// own; true when that changed anything.
+bool AllocationTable::moveFatSectors(bool onlyAstray) {
     bool any = false;
-    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        if (!ranges_[index] || !ranges_[index]->dirty || ranges_[index]->moved) {
+    for (std::size_t i = 0; i < touched_.size(); ++i) { // moving one may touch others
+        const std::uint32_t index = touched_[i];
+        const bool isAstray = fatSectors_[index] / perSector_ != index;
+        if (!ranges_[index]->dirty || ranges_[index]->moved || (onlyAstray && !isAstray)) {
             continue;
         }
         any = ranges_[index]->moved = true;
@@ -335,7 +358,7 @@ std::vector<std::byte> AllocationTable::difatSector(std::size_t index) const {
 // Lets go of the last FAT sectors when the sectors that they describe are all free, so that the
 // file can be cut.
 void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
-    while (!ranges_.empty() && ranges_.back() && ranges_.back()->dirty) {
+    while (!ranges_.empty() && ranges_.back()) {
         const auto index = static_cast<std::uint32_t>(ranges_.size() - 1);
         const std::uint32_t own = fatSectors_[index];
         for (std::uint32_t at = 0; at < perSector_; ++at) {
@@ -344,7 +367,7 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
                 return;
             }
         }
-        if (own / perSector_ != index) {
+        if (own / perSector_ > index) {
             return; // another program's arrangement
         }
         if (missing(reserve, index * perSector_, Free::AfterCommit) > 0) {
@@ -352,24 +375,27 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
         }
         releaseTable(own);
         fatSectors_.pop_back();
-        ranges_.pop_back();
+        dropLastRange();
         touchDifat(index == 0 ? 0 : index - 1);
         if (index > 0) {
-            load(index - 1).dirty = true; // looked at next; it is cheap to write
+            load(index - 1); // looked at next
         }
     }
 }
 
 void AllocationTable::writeOut(std::uint64_t reserve, SectorWrites& writes) {
+    if (leavesHome()) {
+        moveFatSectors(true); // they may be all that keeps a range at the end
+    }
     dropEmptyRanges(reserve);
     // Moving one sector changes entries, which may lie in a FAT sector not yet moved; each sector
     // moves once, so this ends.
     for (bool again = true; again;) {
-        again = moveFatSectors();
+        again = moveFatSectors(false);
         again = moveDifat() || again;
     }
-    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
-        if (ranges_[index] && ranges_[index]->dirty) {
+    for (const std::uint32_t index : touched_) {
+        if (ranges_[index]->dirty) {
             writes.add(fatSectors_[index], std::span<const std::byte>(ranges_[index]->bytes));
         }
     }
@@ -387,17 +413,16 @@ void AllocationTable::writeOut(std::uint64_t reserve, SectorWrites& writes) {
 void AllocationTable::committed() {
     pending_.clear();
     fresh_.clear();
-    for (const std::unique_ptr<Range>& range : ranges_) {
-        if (!range) {
-            continue;
+    for (const std::uint32_t index : touched_) {
+        Range& range = *ranges_[index];
+        if (range.free) {
+            *range.free += range.pending; // what was freed counts now
         }
-        if (range->free) {
-            *range->free += range->pending; // what was freed counts now
-        }
-        range->pending = 0;
-        range->dirty = range->moved = false;
-        range->next.reset();
+        range.pending = 0;
+        range.touched = range.dirty = range.moved = false;
+        range.next.reset();
     }
+    touched_.clear();
     difatTouched_ = 0;
     difatMoved_ = 0;
     anyDirty_ = false;

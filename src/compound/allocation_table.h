@@ -92,6 +92,10 @@ class AllocationTable {
     // room. NoSpace.
     void provide(std::uint64_t wanted, Free which);
 
+    // Lengthens the file by zeros that the next changes find room in, within what may stand free.
+    // Not for a transaction that takes more than that; does without on a full disk.
+    void growAhead();
+
     // Whether `sectors` may be taken before they are needed: not of what was provided.
     bool canSpare(std::uint64_t sectors) const {
         return promised_ == 0 || provided_ >= promised_ + sectors;
@@ -149,8 +153,9 @@ class AllocationTable {
     struct Range {
         std::vector<std::byte> bytes;
         std::optional<std::uint32_t> free; // free and allowed to be taken, once counted
+        bool touched = false;              // by this transaction, to which the rest belongs
         std::uint32_t pending = 0;         // freed, but used by the committed state
-        std::optional<std::uint32_t> next; // entry from which this transaction goes on looking
+        std::optional<std::uint32_t> next; // entry from which it goes on looking
         bool dirty = false;
         bool moved = false; // has its new place already
 
@@ -170,6 +175,9 @@ class AllocationTable {
         return isThere ? *ranges_[index] : loadFromFile(index);
     }
     Range& loadFromFile(std::uint32_t index);
+    Range& touch(std::uint32_t index); // loads it for what the transaction keeps there
+    Range& change(std::uint32_t index);
+    void dropLastRange();
     std::uint32_t& freeIn(std::uint32_t index); // counted when first asked for
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();
@@ -188,12 +196,13 @@ class AllocationTable {
     bool liesBefore(std::uint32_t index, std::uint32_t end) const { // the whole range
         return std::uint64_t{index + 1} * perSector_ <= end;
     }
-    std::uint32_t firstLook(std::uint32_t near, Purpose purpose);
+    bool leavesHome();
     std::uint32_t home();
     void moveHome();
     void beginRunIn(std::uint32_t index);
     void beginRunAtEnd(std::uint32_t enough);
     std::uint32_t spareForChains() const;
+    std::uint32_t spareForFat() const;
     std::uint32_t keptFromData(std::uint32_t index);
     std::uint32_t take(std::uint32_t sector);
     std::uint32_t takePlaced(std::uint32_t sector);
@@ -219,7 +228,7 @@ class AllocationTable {
     void mark(std::uint32_t sector, std::uint32_t as);
     void markTable(std::uint32_t sector, std::uint32_t as);
     void releaseTable(std::uint32_t sector);
-    bool moveFatSectors();
+    bool moveFatSectors(bool onlyAstray);
     bool moveDifat();
     std::vector<std::byte> difatSector(std::size_t index) const; // its bytes
 
@@ -231,7 +240,8 @@ class AllocationTable {
     std::vector<std::uint32_t> fatSectors_;
     std::vector<std::uint32_t> difatSectors_;
     std::vector<std::unique_ptr<Range>> ranges_;
-    std::size_t loaded_ = 0; // of the ranges, since this table was made
+    std::size_t loaded_ = 0;             // of the ranges, since this table was made
+    std::vector<std::uint32_t> touched_; // ranges: few of the many of a large file
     SectorSet fresh_;
     SectorSet pending_;              // freed, but used by the committed state
     SectorSet tables_;               // FAT and DIFAT, which another program may have left unmarked

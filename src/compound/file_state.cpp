@@ -214,10 +214,17 @@ void FileState::makeRoom(std::uint64_t bytes) {
 }
 
 // On a full disk a change that frees as much as it takes finds room in the reserve; one that takes
-// more leaves the reserve as it should be, or fails.
+// more leaves the reserve as it should be, or fails. A longer file makes a sync dear, so a process
+// that goes on adding has it grow for several changes at once.
 void FileState::keepReserve() {
-    if (parts_->table.takesMoreThanItFrees()) {
-        parts_->table.provide(reserve(), AllocationTable::Free::AfterCommit);
+    AllocationTable& table = parts_->table;
+    if (!table.takesMoreThanItFrees()) {
+        return;
+    }
+    table.provide(reserve(), AllocationTable::Free::AfterCommit);
+    const bool hasGrown = file_.lengthOf(file_.count()) > lengthBefore_;
+    if (hasGrown && !isNew_ && !isInherited_ && !table.isFull()) {
+        table.growAhead();
     }
 }
 

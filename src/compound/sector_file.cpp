@@ -54,6 +54,19 @@ void SectorFile::extend(std::uint32_t count) {
     count_ = count;
 }
 
+void SectorFile::extendByZeros(std::uint32_t count) {
+    if (count <= count_) {
+        return;
+    }
+    const std::uint32_t before = count_;
+    try {
+        write(before, std::vector<std::byte>(std::size_t{count - before} * sectorSize_));
+    } catch (...) {
+        file_->truncate(lengthOf(before)); // a part of it may have been given
+        throw;
+    }
+}
+
 void SectorFile::resize(std::uint32_t count) {
     file_->truncate(lengthOf(count));
     count_ = count;

@@ -51,6 +51,10 @@ class SectorFile {
     // Lengthens the file to `count` sectors, all with their place on the medium. NoSpace.
     void extend(std::uint32_t count);
 
+    // The same by zeros that are written, where the system could keep a place without: the first
+    // bytes that are stored in such a place cost a sync as much as a longer file does.
+    void extendByZeros(std::uint32_t count);
+
     // Sets the file's length to `count` sectors.
     void resize(std::uint32_t count);
 
