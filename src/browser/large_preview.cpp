@@ -40,7 +40,7 @@ LargePreview::Fit LargePreview::presentFit() const {
     return {area.size().expandedTo({1, 1}), devicePixelRatioF()};
 }
 
-void LargePreview::load(std::function<std::vector<std::byte>()> read) {
+void LargePreview::load(std::function<base::Bytes()> read) {
     if (!patience_.isActive()) {
         patience_.start();
     }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/job.h"
+#include "base/bytes.h"
 #include "picture/picture.h"
 
 #include <QFrame>
@@ -12,7 +13,6 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <vector>
 
 namespace browser {
 
@@ -26,7 +26,7 @@ class LargePreview : public QFrame {
     // like what cannot be decoded, is shown as a torn picture). The picture before stays a moment,
     // then the frame is empty. Of a picture larger than the frame only as much is kept as a screen
     // can show.
-    void load(std::function<std::vector<std::byte>()> read);
+    void load(std::function<base::Bytes()> read);
 
     // For a picture that cannot be read.
     void showUndecodable();

@@ -45,7 +45,7 @@ QImage thumbnailOf(std::span<const std::byte> bytes, const QSizeF& area, double 
 } // namespace
 
 struct ThumbnailLoader::Bytes {
-    std::vector<std::byte> bytes;
+    base::Bytes bytes;
     Fingerprint fingerprint;
 };
 
@@ -137,7 +137,7 @@ void ThumbnailLoader::readOn() {
             return fits || (isFirst && isAlone) ? store::TakePicture::Continue
                                                 : store::TakePicture::Stop;
         };
-        const auto take = [&](std::vector<std::byte> bytes) {
+        const auto take = [&](base::Bytes bytes) {
             read += bytes.size();
             reading.pictures.push_back({std::move(bytes), {}});
         };

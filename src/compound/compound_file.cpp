@@ -105,7 +105,7 @@ std::size_t Stream::read(std::uint64_t offset, std::span<std::byte> into) const 
     return file_->content().read(id_, offset, into);
 }
 
-std::vector<std::byte> Stream::readAll() const {
+base::Bytes Stream::readAll() const {
     return file_->content().readAll(id_);
 }
 

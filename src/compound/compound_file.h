@@ -18,6 +18,7 @@
 // upper-casing of each unit, length first).
 #pragma once
 
+#include "base/bytes.h"
 #include "compound/disk.h"
 
 #include <cstddef>
@@ -62,7 +63,7 @@ class Stream {
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) const;
 
     // The whole content. Memory is taken only after the chain was found to be as long as the size.
-    std::vector<std::byte> readAll() const;
+    base::Bytes readAll() const;
 
     // Replaces the content.
     void assign(std::span<const std::byte> bytes);

@@ -67,12 +67,12 @@ std::size_t StreamContent::read(EntryId id, std::uint64_t offset, std::span<std:
     return length;
 }
 
-std::vector<std::byte> StreamContent::readAll(EntryId id) {
+base::Bytes StreamContent::readAll(EntryId id) {
     const std::uint64_t size = directory_.size(id);
     if (!isMini(size)) {
         chainOf(id);
     }
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    base::Bytes bytes(static_cast<std::size_t>(size));
     read(id, 0, bytes);
     return bytes;
 }
@@ -163,7 +163,8 @@ void StreamContent::append(EntryId id, std::span<const std::byte> bytes) {
         appendSectors(id, bytes);
         return;
     }
-    std::vector<std::byte> all = readAll(id);
+    const base::Bytes before = readAll(id);
+    std::vector<std::byte> all(before.begin(), before.end());
     all.insert(all.end(), bytes.begin(), bytes.end());
     assign(id, all);
 }

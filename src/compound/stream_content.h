@@ -7,6 +7,7 @@
 // chain is longer or shorter than the stream's size, NoSpace on a full disk.
 #pragma once
 
+#include "base/bytes.h"
 #include "compound/directory_entries.h"
 #include "compound/mini_stream.h"
 
@@ -26,7 +27,7 @@ class StreamContent {
     std::size_t read(EntryId id, std::uint64_t offset, std::span<std::byte> into);
 
     // The whole content. Memory is taken only after the chain was found to be as long as the size.
-    std::vector<std::byte> readAll(EntryId id);
+    base::Bytes readAll(EntryId id);
 
     // Replaces the content.
     void assign(EntryId id, std::span<const std::byte> bytes);

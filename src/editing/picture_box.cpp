@@ -28,13 +28,13 @@ PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
     connect(&job_, &app::Job::done, this, &PictureBox::takeScaled);
 }
 
-void PictureBox::load(std::function<std::vector<std::byte>()> read,
+void PictureBox::load(std::function<base::Bytes()> read,
                       std::function<QSize(const picture::PictureFacts&)> sizeFor) {
     clear();
     job_.start([read = std::move(read), sizeFor = std::move(sizeFor), ratio = devicePixelRatioF()] {
         Scaled result;
         try {
-            const std::vector<std::byte> bytes = read();
+            const base::Bytes bytes = read();
             const picture::PictureFacts facts = picture::measure(bytes);
             const QSize device = (sizeFor(facts) * ratio).expandedTo({1, 1});
             result.image = stretched(picture::decodeFor(bytes, device), device);

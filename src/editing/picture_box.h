@@ -5,6 +5,7 @@
 #pragma once
 
 #include "app/job.h"
+#include "base/bytes.h"
 #include "picture/picture.h"
 
 #include <QImage>
@@ -13,7 +14,6 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <vector>
 
 namespace editing {
 
@@ -26,7 +26,7 @@ class PictureBox : public QWidget {
     // Empties the box and shows the picture of these bytes as soon as they are read. Both functions
     // are called on a worker: `read` may throw whatever keeps it from reading, `sizeFor` tells how
     // large the box will be for that picture, in device-independent pixels.
-    void load(std::function<std::vector<std::byte>()> read,
+    void load(std::function<base::Bytes()> read,
               std::function<QSize(const picture::PictureFacts&)> sizeFor);
 
     // Shows nothing and forgets what is being loaded.

@@ -1,6 +1,7 @@
 // Pictures that arrive in a group from files and from memory, several at once.
 #pragma once
 
+#include "base/bytes.h"
 #include "store/picture_passage.h"
 #include "store/pictures_from_files.h"
 
@@ -16,7 +17,7 @@ struct ArrivingPicture {
     std::string type = {}; // the type code; empty: as the file's name says
     // Gives the bytes, on the thread of the run; empty: they are the file's. It may throw anything,
     // which tells why there are none.
-    std::function<std::vector<std::byte>()> bytes = {};
+    std::function<base::Bytes()> bytes = {};
 };
 
 struct PicturesArrived {

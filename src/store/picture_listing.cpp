@@ -81,12 +81,11 @@ PictureEntry entryOf(StorageAccess& access, const GroupAddress& group, const Ele
 }
 
 // One picture with a damaged chain does not hide those behind it: it comes without bytes.
-std::vector<std::byte> readUndamaged(const StorageHandle& group, const Element& element) {
+base::Bytes readUndamaged(const StorageHandle& group, const Element& element) {
     if (element.size > kMaximumPictureBytes) {
         return {};
     }
-    return unlessDamaged([&] { return group.OpenStream(element).Get(); })
-        .value_or(std::vector<std::byte>{});
+    return unlessDamaged([&] { return group.OpenStream(element).Get(); }).value_or(base::Bytes());
 }
 
 } // namespace
@@ -157,7 +156,7 @@ PictureNames listPictureNames(const Library& library, const GroupAddress& group)
 void readPictures(const Library& library, const GroupAddress& group,
                   std::span<const PictureName> names,
                   const std::function<TakePicture(std::uint64_t)>& wanted,
-                  const std::function<void(std::vector<std::byte>)>& take) {
+                  const std::function<void(base::Bytes)>& take) {
     StorageAccess access(library);
     access.openGroup(group, Access::Read);
     for (const PictureName& name : names) {
@@ -168,8 +167,7 @@ void readPictures(const Library& library, const GroupAddress& group,
         if (wanted(isReadable ? element->size : 0) == TakePicture::Stop) {
             return;
         }
-        take(isReadable ? readUndamaged(access.groupStorage(), *element)
-                        : std::vector<std::byte>{});
+        take(isReadable ? readUndamaged(access.groupStorage(), *element) : base::Bytes());
     }
 }
 

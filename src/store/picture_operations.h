@@ -6,6 +6,7 @@
 // are the group's own streams and never a picture's.
 #pragma once
 
+#include "base/bytes.h"
 #include "store/library.h"
 #include "store/picture_record.h"
 
@@ -28,7 +29,7 @@ inline constexpr std::uint64_t kMaximumPictureBytes = std::uint64_t{168} << 20U;
 
 // The whole content of a picture file. TooLarge; Failed for one that grows or shrinks meanwhile,
 // since another program is still writing it.
-std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path);
+base::Bytes readPictureFile(compound::Disk& disk, const std::filesystem::path& path);
 
 // Writes a picture file that windows hand to each other: an earlier file of that name is replaced,
 // a link of that name is never followed, and what cannot be written whole is removed.
@@ -115,7 +116,7 @@ PictureNames listPictureNames(const Library& library, const GroupAddress& group)
 struct StoredPicture {
     PictureName name; // as stored
     PictureRecord record;
-    std::vector<std::byte> bytes;
+    base::Bytes bytes;
 };
 
 StoredPicture readPicture(const Library& library, const GroupAddress& group,
@@ -139,7 +140,7 @@ void walkPictures(const Library& library, const GroupAddress& group, std::size_t
 void readPictures(const Library& library, const GroupAddress& group,
                   std::span<const PictureName> names,
                   const std::function<TakePicture(std::uint64_t)>& wanted,
-                  const std::function<void(std::vector<std::byte>)>& take);
+                  const std::function<void(base::Bytes)>& take);
 
 // Where a picture stands.
 struct PicturePlace {

@@ -142,7 +142,7 @@ class Passing {
             throw Error(ErrorCode::TooLarge, path(),
                         "\"" + base::toUtf8(element.name) + "\" is too large for a picture");
         }
-        const std::vector<std::byte> bytes = from.OpenStream(element).Get();
+        const base::Bytes bytes = from.OpenStream(element).Get();
         to.CreateStream(name.text).Put(bytes);
     }
 

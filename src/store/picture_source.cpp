@@ -12,13 +12,13 @@ namespace store {
 using compound::Error;
 using compound::ErrorCode;
 
-std::vector<std::byte> readPictureFile(compound::Disk& disk, const std::filesystem::path& path) {
+base::Bytes readPictureFile(compound::Disk& disk, const std::filesystem::path& path) {
     const auto file = disk.open(path, compound::Access::Read);
     const std::uint64_t size = file->size();
     if (size > kMaximumPictureBytes) {
         throw Error(ErrorCode::TooLarge, path, "the file is too large for a picture");
     }
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+    base::Bytes bytes(static_cast<std::size_t>(size));
     const std::size_t read = file->read(0, bytes);
     if (read != size || file->size() != size) {
         throw Error(ErrorCode::Failed, path, "the file changes while it is read");

@@ -2,18 +2,18 @@
 // it, before a group file is touched.
 #pragma once
 
+#include "base/bytes.h"
 #include "store/library.h"
 #include "store/picture_record.h"
 #include "store/storage_access.h"
 
 #include <cstddef>
 #include <filesystem>
-#include <vector>
 
 namespace store {
 
 struct PictureSource {
-    std::vector<std::byte> bytes;
+    base::Bytes bytes;
     PictureRecord record;
 };
 

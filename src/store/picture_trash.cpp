@@ -76,7 +76,7 @@ RestoredPictures restorePictures(const Library& library, const GroupAddress& gro
     for (std::size_t i = 0; i < pictures.size(); ++i) {
         goOn(file, progress, i, pictures.size());
         const TrashedPicture& picture = pictures[i];
-        std::vector<std::byte> bytes;
+        base::Bytes bytes;
         try {
             if (picture.file.empty()) {
                 throw Error(ErrorCode::NotFound, file,

@@ -24,7 +24,7 @@ struct Known {
     std::optional<std::size_t> hash = {}; // of its bytes, once they were wanted
 };
 
-std::size_t hashOf(const std::vector<std::byte>& bytes) {
+std::size_t hashOf(const base::Bytes& bytes) {
     return std::hash<std::string_view>()(
         {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
@@ -99,12 +99,12 @@ class Search {
         }
     }
 
-    std::optional<std::vector<std::byte>> bytesOf(const PictureAddress& picture) {
+    std::optional<base::Bytes> bytesOf(const PictureAddress& picture) {
         return ifReadable([&] { return readPicture(library_, picture.group, picture.name).bytes; });
     }
 
     // Two pictures of one hash are nearly always the same, but only bytes tell.
-    bool hasBytes(Known& known, const std::vector<std::byte>& bytes) {
+    bool hasBytes(Known& known, const base::Bytes& bytes) {
         if (known.hash && *known.hash != hashOf(bytes)) {
             return false;
         }

@@ -24,7 +24,7 @@ class StreamHandle {
 
     void Put(std::span<const std::byte> bytes) { stream_.assign(bytes); }
     void Put(std::u16string_view text); // InvalidName when the code page cannot carry it
-    std::vector<std::byte> Get() const { return stream_.readAll(); }
+    base::Bytes Get() const { return stream_.readAll(); }
     std::u16string
     GetText() const; // a `Name` or `Parent`; looks at no more than its first kilobyte
     void PutString(std::string_view record);

@@ -32,7 +32,7 @@ TrashedPicture Trashing::add(const StorageHandle& group, const std::optional<Sto
                          }).value_or(std::string());
     }
     const auto bytes = unlessDamaged([&] {
-        return element.size > kMaximumPictureBytes ? std::vector<std::byte>()
+        return element.size > kMaximumPictureBytes ? base::Bytes()
                                                    : group.OpenStream(element).Get();
     });
     if (bytes && bytes->size() == element.size) {

@@ -48,7 +48,7 @@ InputPicture readPicture(const std::filesystem::path& source, const std::filesys
                        invocation);
 }
 
-InputPicture readPicture(std::vector<std::byte> bytes, const std::filesystem::path& source,
+InputPicture readPicture(base::Bytes bytes, const std::filesystem::path& source,
                          const std::filesystem::path& target, const Invocation& invocation) {
     InputPicture input;
     input.file = std::move(bytes);

@@ -1,6 +1,7 @@
 // Pictures that a command reads from files.
 #pragma once
 
+#include "base/bytes.h"
 #include "picture/picture.h"
 #include "tool/command.h"
 
@@ -10,7 +11,7 @@
 namespace tool {
 
 struct InputPicture {
-    std::vector<std::byte> file;
+    base::Bytes file;
     picture::PictureFacts facts; // of the file
     QImage image;                // the whole picture, in the size that the options ask for
 };
@@ -25,7 +26,7 @@ InputPicture readPicture(const std::filesystem::path& source, const std::filesys
                          const Invocation& invocation);
 
 // The same with the bytes of a picture that was read from `source` already.
-InputPicture readPicture(std::vector<std::byte> bytes, const std::filesystem::path& source,
+InputPicture readPicture(base::Bytes bytes, const std::filesystem::path& source,
                          const std::filesystem::path& target, const Invocation& invocation);
 
 // The image as the bytes of a PNG file, to be written to `target`: compound::Error for that.

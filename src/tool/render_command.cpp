@@ -19,14 +19,14 @@ void writePng(const QImage& image, const std::filesystem::path& target,
 }
 
 // The bytes of the first picture that has any: of the top-level group, else of those below it.
-std::vector<std::byte> firstPictureIn(const std::filesystem::path& path) {
+base::Bytes firstPictureIn(const std::filesystem::path& path) {
     const store::Library library = libraryAround(path);
     const store::GroupFileReading reading =
         store::readGroupFile(library, store::fileNameOf(path), store::LockBudget(library.lockWait));
     if (reading.failure) {
         throw *reading.failure;
     }
-    std::vector<std::byte> bytes;
+    base::Bytes bytes;
     for (const store::GroupEntry& group : reading.groups) {
         store::walkPictures(library, group.address, 0, [&](const store::StoredPicture& picture) {
             bytes = picture.bytes;

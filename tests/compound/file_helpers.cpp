@@ -17,7 +17,8 @@ void collect(const Storage& storage, const std::u16string& path, Content& into) 
     for (Element element; cursor.next(element);) {
         const std::u16string below = path + element.name;
         if (element.kind == ElementKind::Stream) {
-            into[below] = storage.openStream(element).readAll();
+            const base::Bytes bytes = storage.openStream(element).readAll();
+            into[below].assign(bytes.begin(), bytes.end());
         } else {
             into[below + u"/"] = {};
             collect(storage.openStorage(element.name), below + u"/", into);

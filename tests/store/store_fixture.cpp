@@ -130,7 +130,7 @@ std::vector<std::string> StoreTest::pictureNames(const GroupAddress& group) {
 }
 
 std::string StoreTest::bytesOf(const GroupAddress& group, std::u16string_view name) {
-    const std::vector<std::byte> bytes = readPicture(library, group, {std::u16string(name)}).bytes;
+    const base::Bytes bytes = readPicture(library, group, {std::u16string(name)}).bytes;
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 

@@ -18,7 +18,7 @@ struct Loaded {
     PictureKind format;
 };
 
-Loaded load(const std::vector<std::byte>& bytes) {
+Loaded load(const base::Bytes& bytes) {
     try {
         const picture::Picture decoded = picture::decode(bytes);
         const picture::PictureFacts& facts = decoded.facts();

@@ -5,6 +5,7 @@
 // may take as long as a large picture and a slow disk need.
 #pragma once
 
+#include "base/bytes.h"
 #include "editing/bitmap_editor/history_stack.h"
 #include "imaging/operations/edits.h"
 #include "imaging/picture_facts.h"
@@ -72,7 +73,7 @@ class BitmapDocument {
     std::string extension_;
     EditedPicture picture_;
     imaging::PictureKind format_ = imaging::PictureKind::Bmp;
-    std::vector<std::byte> frames_; // an icon's or cursor's whole file
+    base::Bytes frames_; // an icon's or cursor's whole file
     HistoryStack undo_;
     HistoryStack redo_;
 };
