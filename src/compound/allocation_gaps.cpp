@@ -119,4 +119,75 @@ std::uint32_t AllocationTable::allocateGap() {
     return kNone;
 }
 
+// Inside the file, once the transaction is committed.
+bool AllocationTable::willBeFree(std::uint32_t sector) {
+    return sector < file_.count() && entry(sector) == kFreeSector && isUsable(sector);
+}
+
+bool AllocationTable::leaveFullHome() {
+    constexpr std::uint32_t kLittle = 2 * kSmallChange;
+    if (!staysHome() || freeInside(home()) >= kLittle) {
+        return false;
+    }
+    const auto other = roomiestRange(2 * kLittle);
+    if (other) {
+        beginRunIn(*other);
+    }
+    return other.has_value();
+}
+
+bool AllocationTable::staysHome() {
+    loadDifat();
+    return !isFull() && !leavesHome() && home() < ranges_.size();
+}
+
+bool AllocationTable::isHomeCrowded() {
+    if (!staysHome()) {
+        return false;
+    }
+    std::uint32_t length = 0;
+    std::uint32_t longest = 0;
+    for (std::uint32_t at = 0; at < perSector_; ++at) {
+        length = willBeFree(home() * perSector_ + at) ? length + 1 : 0;
+        longest = std::max(longest, length);
+    }
+    return longest < kSmallChange;
+}
+
+std::optional<Stretch> AllocationTable::emptiestPartOfHome(const SectorSet& pages) {
+    constexpr std::uint32_t kLength = 2 * kSmallChange;
+    constexpr std::uint32_t kMostUsed = kLength / 2;
+    const std::uint32_t first = home() * perSector_;
+    const auto costOf = [&](std::uint32_t sector) -> std::uint32_t {
+        const bool isMovable = pages.contains(sector) || tables_.contains(sector);
+        return willBeFree(sector) ? 0 : isMovable && !fresh_.contains(sector) ? 1 : kLength;
+    };
+    std::optional<Stretch> best;
+    std::uint32_t least = kMostUsed + 1;
+    std::uint32_t cost = 0;
+    for (std::uint32_t at = 0; at < perSector_; ++at) {
+        cost += costOf(first + at);
+        cost -= at >= kLength ? costOf(first + at - kLength) : 0;
+        if (at + 1 >= kLength && cost < least) {
+            least = cost;
+            best = {first + at + 1 - kLength, first + at + 1};
+        }
+    }
+    return best && freeInside(home()) > kLength + least ? best : std::nullopt;
+}
+
+void AllocationTable::leavePart(const Stretch& part) {
+    leftPart_ = part;
+    for (std::uint32_t index = 0; index < fatSectors_.size(); ++index) {
+        if (part.contains(fatSectors_[index])) {
+            change(index);
+        }
+    }
+    const bool isDifatThere = std::any_of(difatSectors_.begin(), difatSectors_.end(),
+                                          [&](std::uint32_t at) { return part.contains(at); });
+    if (isDifatThere) {
+        touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
+    }
+}
+
 } // namespace compound

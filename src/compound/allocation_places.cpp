@@ -62,13 +62,11 @@ std::uint32_t AllocationTable::home() {
     return *home_;
 }
 
-// Where the chains go on when their home is full: the range with the most room among those in
-// memory, in which they lie, and the last ones, in which the reserve is; otherwise a run at the
-// file's end.
-void AllocationTable::moveHome() {
+// The range with the most room for the chains among those in memory, in which they lie, and the
+// last ones, in which the reserve is; none with less than `enough` free sectors.
+std::optional<std::uint32_t> AllocationTable::roomiestRange(std::uint32_t enough) {
     constexpr std::size_t kLast = 8;
-    const std::uint32_t spare = spareForChains();
-    const std::uint32_t enough = std::max<std::uint32_t>(spare / 8, 8);
+    const std::uint32_t spare = std::max(spareForChains(), enough);
     std::uint32_t most = 0;
     std::optional<std::uint32_t> best;
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
@@ -81,7 +79,14 @@ void AllocationTable::moveHome() {
             best = index;
         }
     }
-    if (best) {
+    return best;
+}
+
+// Where the chains go on when their home is full: in another range that has room, or in a run at
+// the file's end.
+void AllocationTable::moveHome() {
+    const std::uint32_t enough = std::max<std::uint32_t>(spareForChains() / 8, 8);
+    if (const auto best = roomiestRange(enough)) {
         beginRunIn(*best);
     } else if (canGrow()) {
         beginRunAtEnd(enough);
@@ -210,17 +215,16 @@ std::uint32_t AllocationTable::findFreeInRun(std::uint32_t index, std::uint32_t 
     }
     std::optional<std::uint32_t>& next = touch(index).next;
     if (!next) {
-        constexpr std::uint32_t kSmallChange = 8; // sectors that it writes
         next = freesMuch() ? 0 : runIn(index, kSmallChange).start;
     }
     for (std::uint32_t i = 0; i < perSector_; ++i) {
         const std::uint32_t at = (*next + i) % perSector_;
-        if (isFreeInside(index, at)) {
+        if (isFreeInside(index, at) && !leftPart_.contains(index * perSector_ + at)) {
             next = at + 1;
             return index * perSector_ + at;
         }
     }
-    return findFree(index, 0, reserve); // behind the file's end
+    return findFree(index, 0, reserve); // behind the file's end, or in the part to be left
 }
 
 // As take(), for what is written at the commit: that must not fail for want of space then.

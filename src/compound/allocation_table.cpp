@@ -431,6 +431,7 @@ void AllocationTable::committed() {
     home_.reset();
     runStart_ = runEnd_ = 0;
     leftEnd_ = lastGaps_ = gapAt_ = 0;
+    leftPart_ = {};
     countsAll_ = false;
     scannedTo_ = 0;
     provided_ = 0;

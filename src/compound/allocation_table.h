@@ -19,6 +19,14 @@
 
 namespace compound {
 
+// Sectors from `begin` on, up to the one before `end`.
+struct Stretch {
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+
+    bool contains(std::uint32_t sector) const { return sector >= begin && sector < end; }
+};
+
 class AllocationTable {
   public:
     AllocationTable(SectorFile& file, Header& header);
@@ -127,6 +135,19 @@ class AllocationTable {
     // After leave(): takes a free sector before its end; kFreeSector when there is none.
     std::uint32_t allocateGap();
 
+    // Lets the next transactions' chains go to another range when little is left in their home and
+    // there is one with room, for which the directory's first page has to move. Whether it has.
+    bool leaveFullHome();
+
+    // Whether the chains' home will have no run of free sectors for a small change, and the half
+    // empty stretch of it that is cleared soonest: all that is in use there are `pages`, which can
+    // move, and FAT and DIFAT sectors. None where there is no room for them.
+    bool isHomeCrowded();
+    std::optional<Stretch> emptiestPartOfHome(const SectorSet& pages);
+
+    // What the transaction takes from now on lies elsewhere; FAT and DIFAT sectors there move.
+    void leavePart(const Stretch& part);
+
     // Whether the transaction leaves fewer sectors free than it has found.
     bool takesMoreThanItFrees() const { return fresh_.size() > pending_.size(); }
 
@@ -148,6 +169,9 @@ class AllocationTable {
   private:
     // Free sectors that a range keeps for moving the FAT sector that describes it.
     static constexpr std::uint32_t kKeptForFat = 1;
+
+    // Sectors that most changes of one picture write: a run of so many is looked for.
+    static constexpr std::uint32_t kSmallChange = 16;
 
     // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
@@ -190,6 +214,7 @@ class AllocationTable {
     std::uint32_t findFreeInRun(std::uint32_t index, std::uint32_t reserve);
     std::uint32_t findFreeIn(std::uint32_t index, std::uint32_t kept);
     bool isFreeInside(std::uint32_t index, std::uint32_t at);
+    bool willBeFree(std::uint32_t sector);
     Run runIn(std::uint32_t index, std::uint32_t enough);
     std::uint32_t freeInside(std::uint32_t index);
     bool freesMuch() const;
@@ -197,7 +222,9 @@ class AllocationTable {
         return std::uint64_t{index + 1} * perSector_ <= end;
     }
     bool leavesHome();
+    bool staysHome();
     std::uint32_t home();
+    std::optional<std::uint32_t> roomiestRange(std::uint32_t enough);
     void moveHome();
     void beginRunIn(std::uint32_t index);
     void beginRunAtEnd(std::uint32_t enough);
@@ -255,6 +282,7 @@ class AllocationTable {
     std::uint32_t leftEnd_ = 0;  // see leave(); 0: it was not called
     std::uint32_t lastGaps_ = 0; // that allocateGap() may take of the last range before it
     std::uint32_t gapAt_ = 0;    // where allocateGap() looks next
+    Stretch leftPart_;           // see leavePart()
     bool countsAll_ = false;     // see missing(); the disk has proved full
     std::uint32_t insideLimit_ = format::kMaximumSector; // see stayInside()
     std::uint32_t scannedTo_ = 0; // ranges before it have nothing left for data

@@ -2,6 +2,7 @@
 
 #include "compound/error.h"
 #include "compound/gap_closing.h"
+#include "compound/home_tidying.h"
 
 #include <algorithm>
 #include <array>
@@ -165,6 +166,9 @@ void FileState::commit() {
     requireWhole();
     inPieces_ = true;
     const bool evenFew = closeGaps() || isNew_ || isInherited_;
+    if (!isNew_ && !isInherited_) { // one of several changes
+        HomeTidying(parts_->table, parts_->directoryChain, parts_->mini).run();
+    }
     SectorWrites writes;
     parts_->mini.writeOut(writes);
     header_.firstDirectory = parts_->directoryChain.first();

@@ -203,6 +203,20 @@ void MiniStream::leave(std::uint32_t end) {
     data_->leave(end);
 }
 
+void MiniStream::addTo(SectorSet& pages) const {
+    if (data_) {
+        table_->addTo(pages);
+        data_->addTo(pages);
+    }
+}
+
+void MiniStream::leavePart(const Stretch& part) {
+    if (data_) {
+        table_->leavePart(part);
+        data_->leavePart(part);
+    }
+}
+
 void MiniStream::writeOut(SectorWrites& writes) {
     if (!data_) {
         return;

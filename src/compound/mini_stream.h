@@ -37,6 +37,8 @@ class MiniStream {
     // Of both chains, see SectorChain.
     std::uint64_t sectorsFrom(std::uint32_t end);
     void leave(std::uint32_t end);
+    void addTo(SectorSet& pages) const;
+    void leavePart(const Stretch& part);
 
     std::uint32_t entry(std::uint32_t mini); // as it stands in the mini FAT
     std::uint32_t count();                   // mini sectors that the mini stream holds

@@ -172,8 +172,20 @@ std::uint64_t SectorChain::sectorsFrom(std::uint32_t end) {
 }
 
 void SectorChain::leave(std::uint32_t end) {
-    for (std::uint32_t index = 0; index < count(); ++index) {
-        if (sectors_[index] >= end && isReadable(index)) {
+    count();
+    leavePart({end, kMaximumSector});
+}
+
+void SectorChain::addTo(SectorSet& pages) const {
+    for (const std::uint32_t sector : sectors_) {
+        pages.insert(sector);
+    }
+}
+
+void SectorChain::leavePart(const Stretch& part) {
+    const std::uint32_t known = walked();
+    for (std::uint32_t index = 0; index < known; ++index) {
+        if (part.contains(sectors_[index]) && isReadable(index)) {
             pages_[index].dirty = anyDirty_ = true;
             move(index);
         }

@@ -45,6 +45,10 @@ class SectorChain {
     std::uint64_t sectorsFrom(std::uint32_t end);
     void leave(std::uint32_t end);
 
+    // The same for a part of the file, and for pages known so far.
+    void addTo(SectorSet& pages) const;
+    void leavePart(const Stretch& part);
+
     // Pages known so far, without walking on.
     std::uint32_t walked() const { return static_cast<std::uint32_t>(sectors_.size()); }
 
