@@ -35,9 +35,10 @@ std::uint64_t AllocationTable::surplus(std::uint64_t reserve) {
     }
     std::uint64_t sampled = 0;
     std::uint32_t looked = 0;
-    for (std::uint32_t index = 0; index < first; ++index) {
-        if (index != home() &&
-            (ranges_[index] || (index + header_.transaction) % count < kSample)) {
+    const std::uint32_t step = std::max(1U, first / (4 * kSample));
+    std::uint32_t loads = 0;
+    for (std::uint32_t index = header_.transaction % step; index < first; index += step) {
+        if (index != home() && (ranges_[index] || ++loads <= kSample)) {
             sampled += freeIn(index);
             ++looked;
         }
@@ -119,11 +120,6 @@ std::uint32_t AllocationTable::allocateGap() {
     return kNone;
 }
 
-// Inside the file, once the transaction is committed.
-bool AllocationTable::willBeFree(std::uint32_t sector) {
-    return sector < file_.count() && entry(sector) == kFreeSector && isUsable(sector);
-}
-
 bool AllocationTable::leaveFullHome() {
     constexpr std::uint32_t kLittle = 2 * kSmallChange;
     if (!staysHome() || freeInside(home()) >= kLittle) {
@@ -141,39 +137,48 @@ bool AllocationTable::staysHome() {
     return !isFull() && !leavesHome() && home() < ranges_.size();
 }
 
+// How many of the range's sectors lie inside the file.
+std::uint32_t AllocationTable::insideOf(std::uint32_t index) const {
+    const std::uint32_t first = index * perSector_;
+    return std::min(perSector_, file_.count() - std::min(file_.count(), first));
+}
+
 bool AllocationTable::isHomeCrowded() {
     if (!staysHome()) {
         return false;
     }
-    std::uint32_t length = 0;
-    std::uint32_t longest = 0;
-    for (std::uint32_t at = 0; at < perSector_; ++at) {
-        length = willBeFree(home() * perSector_ + at) ? length + 1 : 0;
-        longest = std::max(longest, length);
+    const Range& range = load(home());
+    const std::uint32_t first = home() * perSector_;
+    std::uint32_t length = 0; // of a run that will be free, as what is pending will
+    for (std::uint32_t at = 0; at < insideOf(home()) && length < kSmallChange; ++at) {
+        length = range.at(at) == kFreeSector && isUsable(first + at) ? length + 1 : 0;
     }
-    return longest < kSmallChange;
+    return length < kSmallChange;
 }
 
-std::optional<Stretch> AllocationTable::emptiestPartOfHome(const SectorSet& pages) {
+std::optional<Stretch> AllocationTable::emptiestPart(const Stretch& home,
+                                                     const std::vector<bool>& canMove) {
     constexpr std::uint32_t kLength = 2 * kSmallChange;
     constexpr std::uint32_t kMostUsed = kLength / 2;
-    const std::uint32_t first = home() * perSector_;
-    const auto costOf = [&](std::uint32_t sector) -> std::uint32_t {
-        const bool isMovable = pages.contains(sector) || tables_.contains(sector);
-        return willBeFree(sector) ? 0 : isMovable && !fresh_.contains(sector) ? 1 : kLength;
-    };
+    std::vector<std::uint8_t> costs; // 0: free; 1: can move; more than that forbids the stretch
+    for (std::uint32_t sector = home.begin; sector < home.end; ++sector) {
+        const bool isFree = entry(sector) == kFreeSector && isUsable(sector);
+        const bool isMovable =
+            (canMove[sector - home.begin] || tables_.contains(sector)) && !fresh_.contains(sector);
+        costs.push_back(isFree ? 0 : isMovable ? 1 : kLength);
+    }
     std::optional<Stretch> best;
     std::uint32_t least = kMostUsed + 1;
     std::uint32_t cost = 0;
-    for (std::uint32_t at = 0; at < perSector_; ++at) {
-        cost += costOf(first + at);
-        cost -= at >= kLength ? costOf(first + at - kLength) : 0;
+    for (std::uint32_t at = 0; at < costs.size(); ++at) {
+        cost += costs[at];
+        cost -= at >= kLength ? costs[at - kLength] : 0U;
         if (at + 1 >= kLength && cost < least) {
             least = cost;
-            best = {first + at + 1 - kLength, first + at + 1};
+            best = {home.begin + at + 1 - kLength, home.begin + at + 1};
         }
     }
-    return best && freeInside(home()) > kLength + least ? best : std::nullopt;
+    return best && freeInside(home.begin / perSector_) > kLength + least ? best : std::nullopt;
 }
 
 void AllocationTable::leavePart(const Stretch& part) {

@@ -139,11 +139,14 @@ class AllocationTable {
     // there is one with room, for which the directory's first page has to move. Whether it has.
     bool leaveFullHome();
 
-    // Whether the chains' home will have no run of free sectors for a small change, and the half
-    // empty stretch of it that is cleared soonest: all that is in use there are `pages`, which can
-    // move, and FAT and DIFAT sectors. None where there is no room for them.
+    // Whether the chains' home will have no run of free sectors for a small change, and the sectors
+    // of the home inside the file.
     bool isHomeCrowded();
-    std::optional<Stretch> emptiestPartOfHome(const SectorSet& pages);
+    Stretch homeInside() { return {home() * perSector_, home() * perSector_ + insideOf(home())}; }
+
+    // The half empty stretch of the home that is cleared soonest: what is in use there `canMove`, a
+    // mark for each sector of the home, or is of FAT and DIFAT. None where there is no room for it.
+    std::optional<Stretch> emptiestPart(const Stretch& home, const std::vector<bool>& canMove);
 
     // What the transaction takes from now on lies elsewhere; FAT and DIFAT sectors there move.
     void leavePart(const Stretch& part);
@@ -214,7 +217,7 @@ class AllocationTable {
     std::uint32_t findFreeInRun(std::uint32_t index, std::uint32_t reserve);
     std::uint32_t findFreeIn(std::uint32_t index, std::uint32_t kept);
     bool isFreeInside(std::uint32_t index, std::uint32_t at);
-    bool willBeFree(std::uint32_t sector);
+    std::uint32_t insideOf(std::uint32_t index) const;
     Run runIn(std::uint32_t index, std::uint32_t enough);
     std::uint32_t freeInside(std::uint32_t index);
     bool freesMuch() const;

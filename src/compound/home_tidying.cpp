@@ -1,5 +1,7 @@
 #include "compound/home_tidying.h"
 
+#include <vector>
+
 namespace compound {
 
 void HomeTidying::run() {
@@ -11,10 +13,11 @@ void HomeTidying::run() {
     if (!table_.isHomeCrowded()) {
         return;
     }
-    SectorSet pages;
-    directoryChain_.addTo(pages);
-    mini_.addTo(pages);
-    if (const auto part = table_.emptiestPartOfHome(pages)) {
+    const Stretch home = table_.homeInside();
+    std::vector<bool> pages(home.end - home.begin);
+    directoryChain_.mark(home, pages);
+    mini_.mark(home, pages);
+    if (const auto part = table_.emptiestPart(home, pages)) {
         directoryChain_.leavePart(*part);
         mini_.leavePart(*part);
         table_.leavePart(*part);

@@ -203,10 +203,10 @@ void MiniStream::leave(std::uint32_t end) {
     data_->leave(end);
 }
 
-void MiniStream::addTo(SectorSet& pages) const {
+void MiniStream::mark(const Stretch& part, std::vector<bool>& pages) const {
     if (data_) {
-        table_->addTo(pages);
-        data_->addTo(pages);
+        table_->mark(part, pages);
+        data_->mark(part, pages);
     }
 }
 

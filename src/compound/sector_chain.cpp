@@ -176,9 +176,11 @@ void SectorChain::leave(std::uint32_t end) {
     leavePart({end, kMaximumSector});
 }
 
-void SectorChain::addTo(SectorSet& pages) const {
+void SectorChain::mark(const Stretch& part, std::vector<bool>& pages) const {
     for (const std::uint32_t sector : sectors_) {
-        pages.insert(sector);
+        if (part.contains(sector)) {
+            pages[sector - part.begin] = true;
+        }
     }
 }
 
