@@ -363,7 +363,8 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
         const std::uint32_t own = fatSectors_[index];
         for (std::uint32_t at = 0; at < perSector_; ++at) {
             const std::uint32_t sector = index * perSector_ + at;
-            if (ranges_[index]->at(at) != kFreeSector && sector != own && sector != rangeLock()) {
+            const bool isUsed = ranges_[index]->at(at) != kFreeSector && sector != rangeLock();
+            if ((isUsed || tables_.contains(sector)) && sector != own) {
                 return;
             }
         }
@@ -442,16 +443,23 @@ void AllocationTable::committed() {
 
 std::uint32_t AllocationTable::usedEnd() {
     loadDifat();
+    // Another program may have left them unmarked.
+    std::uint32_t end = 0;
+    for (const std::vector<std::uint32_t>* sectors : {&fatSectors_, &difatSectors_}) {
+        for (const std::uint32_t sector : *sectors) {
+            end = std::max(end, sector + 1);
+        }
+    }
     for (std::size_t index = ranges_.size(); index-- > 0;) {
         const Range& range = load(static_cast<std::uint32_t>(index));
         for (std::uint32_t at = perSector_; at-- > 0;) {
             const std::uint32_t sector = static_cast<std::uint32_t>(index) * perSector_ + at;
-            if (range.at(at) != kFreeSector && sector != rangeLock()) {
-                return sector + 1;
+            if (sector < end || (range.at(at) != kFreeSector && sector != rangeLock())) {
+                return std::max(end, sector + 1);
             }
         }
     }
-    return 0;
+    return end;
 }
 
 } // namespace compound

@@ -314,6 +314,44 @@ TEST(Foreign512Test, UpperHalvesOfSizesDoNotCount) {
     expectReadAndMended(raw, expected);
 }
 
+// Nothing but the header tells that the file's last sector is in use.
+TEST_P(ForeignTest, FatSectorAtTheEndThatIsMarkedFree) {
+    MemoryDisk disk;
+    Content expected;
+    const auto perSector = static_cast<std::uint32_t>(sectorSize()) / 4;
+    {
+        CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize());
+        expected[u"large"] = patterned(std::size_t{3} * perSector * perSector * 4, 1);
+        expected[u"small"] = patterned(10, 2);
+        for (const auto& [name, bytes] : expected) {
+            file.root().createStream(name).assign(bytes);
+        }
+        file.commit();
+    }
+    RawFile raw(disk.content(kPath));
+    const std::size_t second = header::kDifatAt + 4; // names the second FAT sector
+    const std::uint32_t before = raw.get(second);
+    const std::uint32_t last = raw.sectors();
+    ASSERT_LT(last, raw.get(header::kFatSectorsAt) * perSector);
+    const auto from = raw.bytes().begin() + static_cast<std::ptrdiff_t>(raw.sector(before));
+    const std::vector<std::byte> moved(from, from + std::ptrdiff_t{4} * perSector);
+    raw.bytes().insert(raw.bytes().end(), moved.begin(), moved.end());
+    raw.put(second, last);
+    raw.put(raw.fatEntry(before), kFreeSector);
+    if (std::get<Signature>(GetParam()) == Signature::Theirs) {
+        raw.makeForeign();
+    }
+    disk.setContent(kPath, raw.bytes());
+    ASSERT_TRUE(compound_tests::contentOf(disk, kPath) == expected);
+    CompoundFile file = openFile(disk, kPath);
+    file.root().rename(u"small", u"tiny");
+    file.commit();
+    auto small = expected.extract(u"small");
+    small.key() = u"tiny";
+    expected.insert(std::move(small));
+    EXPECT_TRUE(compound_tests::contentOf(disk, kPath) == expected);
+}
+
 // 110 FAT sectors and more need a DIFAT sector, which other programs chain and mark in their ways.
 class ForeignDifatTest : public testing::TestWithParam<Signature> {
   protected:
