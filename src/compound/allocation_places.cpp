@@ -151,7 +151,7 @@ std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose)
     const std::uint32_t first = leavesHome() ? (isFat ? near / perSector_ : 0) : home();
     std::uint32_t found = findFreeIn(first, isFat && first == home() ? spareForFat() : kKeptForFat);
     if (found == kNone && isFat) {
-        found = findFreeIn(near / perSector_, 0);
+        found = findPlaceForFat(near / perSector_);
     } else if (found == kNone && !freesMuch()) {
         moveHome();
         found = findFreeIn(home(), kKeptForFat);
@@ -162,6 +162,9 @@ std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose)
             found = findFreeInRun(index, kKeptForFat);
         }
     }
+    if (found == kNone && isFat && !canGrow()) {
+        found = findFreeIn(near / perSector_, 0); // rather than that a deletion fails
+    }
     if (found == kNone) {
         addRange();
         found = findFree(static_cast<std::uint32_t>(ranges_.size() - 1), 0, kKeptForFat);
@@ -170,6 +173,14 @@ std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose)
         throwFull();
     }
     return takePlaced(found);
+}
+
+// A place for a range's FAT sector in the range itself or in the home. The range's last free
+// sector is for that only if the commit leaves another one there.
+std::uint32_t AllocationTable::findPlaceForFat(std::uint32_t index) {
+    const bool leavesOne = fatSectors_[index] / perSector_ == index || load(index).pending > 0;
+    const std::uint32_t found = findFreeIn(index, leavesOne ? 0 : kKeptForFat);
+    return found != kNone || leavesHome() ? found : findFreeIn(home(), kKeptForFat);
 }
 
 // A transaction that gives back a good deal: what it writes goes as far to the front as it can, so

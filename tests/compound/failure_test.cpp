@@ -2,9 +2,12 @@
 // be worked with.
 #include "compound/error.h"
 #include "compound/file_helpers.h"
+#include "compound/raw_file.h"
+#include "compound/read_cache.h"
 
 #include <gtest/gtest.h>
 #include <optional>
+#include <random>
 
 namespace compound_tests {
 namespace {
@@ -295,6 +298,57 @@ TEST_P(FailureTest, FullDiskTakesWhatWasDeleted) {
         EXPECT_EQ(findingsOf(disk, kPath), "");
         EXPECT_LE(disk.content(kPath).size(), base.size());
     }
+}
+
+// Ranges of the file whose sectors are all in use, so that a FAT sector finds no place there.
+std::uint32_t rangesWithoutRoom(const std::vector<std::byte>& bytes) {
+    const RawFile raw(bytes);
+    const std::uint32_t perSector = raw.sectorSize() / 4;
+    std::uint32_t full = 0;
+    for (std::uint32_t first = 0; first + perSector <= raw.sectors(); first += perSector) {
+        std::uint32_t free = 0;
+        for (std::uint32_t sector = first; sector < first + perSector; ++sector) {
+            free += raw.get(raw.fatEntry(sector)) == compound::format::kFreeSector ? 1U : 0U;
+        }
+        full += free == 0 ? 1U : 0U;
+    }
+    return full;
+}
+
+// However a process that makes many changes has scattered the FAT sectors: deletions live on it.
+TEST(FullDisk512Test, EachRangeKeepsASectorForItsFatSector) {
+    constexpr std::size_t kSizes[] = {0, 300, 2500, 5000, 9000, 40000};
+    MemoryDisk disk;
+    compound::ReadCache cache;
+    CompoundFile::create(disk.create(kPath), SectorSize::Bytes512).commit();
+    disk.setCapacity(4000000);
+    std::mt19937 random(1);
+    std::vector<std::u16string> names;
+    std::size_t refused = 0;
+    for (std::size_t i = 0; i < 1500; ++i) {
+        CompoundFile file =
+            CompoundFile::open(disk.open(kPath, Access::ReadWrite), Access::ReadWrite, &cache);
+        const std::u16string name = FullDisk::nameOf(i * 37);
+        const std::size_t which = names.empty() ? 0 : random() % names.size();
+        if (!names.empty() && random() % 2 == 0) {
+            file.root().rename(names[which], name);
+            ASSERT_NO_THROW(file.commit()) << i;
+            names[which] = name;
+            continue;
+        }
+        try {
+            file.root().createStream(name).assign(patterned(kSizes[random() % 6], 1));
+            file.commit();
+            names.push_back(name);
+        } catch (const Error&) {
+            ++refused;
+        }
+        if (i % 8 == 0) {
+            ASSERT_EQ(rangesWithoutRoom(disk.content(kPath)), 0U) << i;
+        }
+    }
+    EXPECT_GT(refused, 100U);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
 }
 
 TEST_P(FailureTest, DroppedChangesLeaveNoTrace) {
