@@ -100,9 +100,10 @@ class AllocationTable {
     // room. NoSpace.
     void provide(std::uint64_t wanted, Free which);
 
-    // Lengthens the file by zeros that the next changes find room in, within what may stand free.
-    // Not for a transaction that takes more than that; does without on a full disk.
-    void growAhead();
+    // Lengthens the file by zeros that the next changes find room in: by half of what may still
+    // stand free beyond `reserve`, since one of the next transactions cuts what is more. Not for a
+    // transaction that takes more than that; does without on a full disk.
+    void growAhead(std::uint64_t reserve);
 
     // Whether `sectors` may be taken before they are needed: not of what was provided.
     bool canSpare(std::uint64_t sectors) const {

@@ -228,7 +228,7 @@ void FileState::keepReserve() {
     table.provide(reserve(), AllocationTable::Free::AfterCommit);
     const bool hasGrown = file_.lengthOf(file_.count()) > lengthBefore_;
     if (hasGrown && !isNew_ && !isInherited_ && !table.isFull()) {
-        table.growAhead();
+        table.growAhead(reserve());
     }
 }
 

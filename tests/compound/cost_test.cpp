@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <random>
 #include <set>
 
@@ -111,6 +112,44 @@ TEST(CostTest, TheFileIsCutNowAndThen) {
     }
     EXPECT_LE(traffic.cuts, static_cast<int>(kDeleted / 6));
     EXPECT_LE(disk.content(kPath).size(), filled - (2 * kDeleted - 40) * kSector);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+// Nor is it lengthened for changes to come only to be cut by the next one.
+TEST(CostTest, AddingAndDeletingByTurnsCutsTheFileNowAndThen) {
+    constexpr std::size_t kPictures = 600;
+    constexpr std::size_t kChanges = 300;
+    MemoryDisk disk;
+    makePictures(disk, SectorSize::Bytes512, kPictures, 3000);
+    ReadCache cache;
+    Traffic traffic;
+    std::mt19937 random(5);
+    std::vector<std::size_t> numbers(kPictures);
+    std::iota(numbers.begin(), numbers.end(), 0U);
+    for (std::size_t i = 0; i < kChanges; ++i) {
+        CompoundFile file =
+            openWatched(disk, SectorSize::Bytes512, traffic, Access::ReadWrite, &cache);
+        const bool adds = i % 2 == 0;
+        if (adds) {
+            numbers.push_back(kPictures + i);
+        } else {
+            std::swap(numbers[random() % numbers.size()], numbers.back());
+        }
+        const std::u16string name = nameOf(u'p', numbers.back());
+        const std::vector<std::byte> bytes = patterned(1000 + random() % 6000, 1);
+        auto pictures = file.root().openStorage(u"Pumps");
+        auto records = file.root().openStorage(u"PumpsInfo");
+        if (adds) {
+            pictures.createStream(name).assign(bytes);
+            records.createStream(name).assign(patterned(12, 2));
+        } else {
+            pictures.destroy(name);
+            records.destroy(name);
+            numbers.pop_back();
+        }
+        file.commit();
+    }
+    EXPECT_LE(traffic.cuts, 60);
     EXPECT_EQ(findingsOf(disk, kPath), "");
 }
 
