@@ -144,8 +144,8 @@ std::uint32_t AllocationTable::insideOf(std::uint32_t index) const {
 }
 
 bool AllocationTable::isHomeCrowded() {
-    if (!staysHome()) {
-        return false;
+    if (!staysHome() || fresh_.size() > kSmallChange) {
+        return false; // what writes a good deal is not to write more
     }
     const Range& range = load(home());
     const std::uint32_t first = home() * perSector_;
@@ -162,9 +162,10 @@ std::optional<Stretch> AllocationTable::emptiestPart(const Stretch& home,
     constexpr std::uint32_t kMostUsed = kLength / 2;
     std::vector<std::uint8_t> costs; // 0: free; 1: can move; more than that forbids the stretch
     for (std::uint32_t sector = home.begin; sector < home.end; ++sector) {
-        const bool isFree = entry(sector) == kFreeSector && isUsable(sector);
-        const bool isMovable =
-            (canMove[sector - home.begin] || tables_.contains(sector)) && !fresh_.contains(sector);
+        const std::uint32_t value = entry(sector);
+        const bool isFree = value == kFreeSector && isUsable(sector);
+        const bool isFat = value == kFatSector && tables_.contains(sector);
+        const bool isMovable = (canMove[sector - home.begin] || isFat) && !fresh_.contains(sector);
         costs.push_back(isFree ? 0 : isMovable ? 1 : kLength);
     }
     std::optional<Stretch> best;
@@ -187,11 +188,6 @@ void AllocationTable::leavePart(const Stretch& part) {
         if (part.contains(fatSectors_[index])) {
             change(index);
         }
-    }
-    const bool isDifatThere = std::any_of(difatSectors_.begin(), difatSectors_.end(),
-                                          [&](std::uint32_t at) { return part.contains(at); });
-    if (isDifatThere) {
-        touchDifat(static_cast<std::uint32_t>(fatSectors_.size() - 1));
     }
 }
 

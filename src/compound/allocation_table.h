@@ -140,16 +140,17 @@ class AllocationTable {
     // there is one with room, for which the directory's first page has to move. Whether it has.
     bool leaveFullHome();
 
-    // Whether the chains' home will have no run of free sectors for a small change, and the sectors
-    // of the home inside the file.
+    // Whether the chains' home will have no run of free sectors for a small change, which this
+    // transaction is; the sectors of the home inside the file.
     bool isHomeCrowded();
     Stretch homeInside() { return {home() * perSector_, home() * perSector_ + insideOf(home())}; }
 
     // The half empty stretch of the home that is cleared soonest: what is in use there `canMove`, a
-    // mark for each sector of the home, or is of FAT and DIFAT. None where there is no room for it.
+    // mark for each sector of the home, or is of the FAT; the DIFAT moves as a whole, which is too
+    // much. None where there is no room for it.
     std::optional<Stretch> emptiestPart(const Stretch& home, const std::vector<bool>& canMove);
 
-    // What the transaction takes from now on lies elsewhere; FAT and DIFAT sectors there move.
+    // What the transaction takes from now on lies elsewhere; FAT sectors there move.
     void leavePart(const Stretch& part);
 
     // Whether the transaction leaves fewer sectors free than it has found.
