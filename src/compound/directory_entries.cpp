@@ -31,6 +31,20 @@ void readName(const std::byte* raw, std::u16string& text) {
     }
 }
 
+// How many units at the beginning of the name are surely those that are stored: a multiple of four,
+// which are compared at once. The names on a search's way share long beginnings.
+std::size_t equalUnits(std::u16string_view name, const std::byte* stored) {
+    constexpr std::size_t kAtOnce = 4;
+    std::size_t equal = 0;
+    if constexpr (std::endian::native == std::endian::little) {
+        while (equal + kAtOnce <= name.size() &&
+               std::memcmp(name.data() + equal, stored + 2 * equal, 2 * kAtOnce) == 0) {
+            equal += kAtOnce;
+        }
+    }
+    return equal;
+}
+
 } // namespace
 
 DirectoryEntries::DirectoryEntries(SectorFile& file, SectorChain& chain, std::uint64_t sizeMask)
@@ -139,7 +153,7 @@ int DirectoryEntries::compare(std::u16string_view name, EntryId id) {
     if (name.size() != units) {
         return name.size() < units ? -1 : 1;
     }
-    for (std::size_t i = 0; i < units; ++i) {
+    for (std::size_t i = equalUnits(name, at + entry::kNameAt); i < units; ++i) {
         const auto other = static_cast<char16_t>(read16(at + entry::kNameAt + 2 * i));
         const int difference = name[i] == other ? 0 : int{toUpper(name[i])} - int{toUpper(other)};
         if (difference != 0) {
