@@ -160,8 +160,9 @@ std::size_t ElementCursor::skip(std::size_t count) {
 
 // --- Storage ------------------------------------------------------------------------------------
 
-std::optional<Element> Storage::find(std::u16string_view name) const {
-    const auto id = file_->directory().find(id_, name);
+std::optional<Element> Storage::find(std::u16string_view name, const Element* companion) const {
+    const EntryId near = companion != nullptr ? companion->id : kNoEntry;
+    const auto id = file_->directory().find(id_, name, near);
     return id ? std::optional(elementOf(file_->directory(), *id)) : std::nullopt;
 }
 

@@ -105,7 +105,9 @@ class ElementCursor {
 // A storage's handle; cheap to copy, usable while its CompoundFile lives and the storage exists.
 class Storage {
   public:
-    std::optional<Element> find(std::u16string_view name) const;
+    // `companion`, which may be null: an element, of another storage, that may have been made
+    // together with the one looked for, which then is found sooner.
+    std::optional<Element> find(std::u16string_view name, const Element* companion = nullptr) const;
     ElementCursor elements() const;
 
     // NotFound also when the element is of the other kind.

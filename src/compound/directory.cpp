@@ -72,7 +72,16 @@ EntryId Directory::takeFreeEntry() {
 
 // --- the trees ----------------------------------------------------------------------------------
 
-std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name) {
+std::optional<EntryId> Directory::find(EntryId storage, std::u16string_view name, EntryId near) {
+    for (const EntryId id : {near + 1, near - 1}) {
+        if (id < storageOf_.size() && storageOf_[id] == storage && compare(name, id) == 0) {
+            return id;
+        }
+    }
+    return search(storage, name);
+}
+
+std::optional<EntryId> Directory::search(EntryId storage, std::u16string_view name) {
     EntryId at = child(storage);
     for (std::uint64_t steps = 0; at != kNoEntry; ++steps) {
         if (steps > bound()) {

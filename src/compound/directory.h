@@ -23,7 +23,10 @@ class Directory : public DirectoryEntries {
     // Makes the root entry of a new file.
     void createRoot();
 
-    std::optional<EntryId> find(EntryId storage, std::u16string_view name);
+    // An element that the storage's tree has led to before, and that stands beside the entry
+    // `near`, is not searched for.
+    std::optional<EntryId> find(EntryId storage, std::u16string_view name,
+                                EntryId near = format::kNoEntry);
 
     // Notes that the storage's tree led to the element. Damaged when another storage's tree did so
     // before: trees that cross, or a storage inside itself.
@@ -61,6 +64,7 @@ class Directory : public DirectoryEntries {
     void requireSound(EntryId storage);
     void rebuild(EntryId storage, std::vector<EntryId> ordered);
     bool isSound(EntryId storage, const std::vector<EntryId>& walked);
+    std::optional<EntryId> search(EntryId storage, std::u16string_view name);
     std::optional<EntryId> findAnywhere(EntryId storage, std::u16string_view name);
 
     std::unordered_set<EntryId> sound_; // storages whose trees were walked and found sound

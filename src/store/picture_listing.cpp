@@ -28,8 +28,9 @@ PictureRecord readRecord(const StorageHandle& info, const Element& element) {
     return parseRecord(info.OpenStream(element).GetString());
 }
 
-PictureRecord findRecord(const StorageHandle& info, std::u16string_view name) {
-    const auto element = info.find(name);
+PictureRecord findRecord(const StorageHandle& info, std::u16string_view name,
+                         const Element* picture = nullptr) {
+    const auto element = info.find(name, picture);
     return element ? readRecord(info, *element) : PictureRecord{};
 }
 
@@ -74,7 +75,7 @@ PictureEntry entryOf(StorageAccess& access, const GroupAddress& group, const Ele
     PictureRecord record;
     if (access.openInfo(group)) {
         record = unlessDamaged([&] {
-                     return findRecord(access.infoStorage(), element.name);
+                     return findRecord(access.infoStorage(), element.name, &element);
                  }).value_or(PictureRecord{});
     }
     return {{element.name}, element.size, std::move(record)};
@@ -188,7 +189,7 @@ void walkPictures(const Library& library, const GroupAddress& group, std::size_t
         StoredPicture picture;
         if (hasInfo) {
             picture.record = unlessDamaged([&] {
-                                 return findRecord(access.infoStorage(), element.name);
+                                 return findRecord(access.infoStorage(), element.name, &element);
                              }).value_or(PictureRecord{});
         }
         picture.bytes = readUndamaged(access.groupStorage(), element);

@@ -42,9 +42,10 @@ Element requirePicture(StorageAccess& access, const PictureName& name) {
     return *std::move(element);
 }
 
-PictureRecord readRecord(StorageAccess& access, std::u16string_view name) {
+PictureRecord readRecord(StorageAccess& access, std::u16string_view name,
+                         const Element* picture = nullptr) {
     const auto read = [&]() -> PictureRecord {
-        const auto element = access.infoStorage().find(name);
+        const auto element = access.infoStorage().find(name, picture);
         if (!element || element->kind != ElementKind::Stream) {
             return {};
         }
@@ -171,7 +172,7 @@ StoredPicture readPicture(const Library& library, const GroupAddress& group,
     }
     StoredPicture picture{{element.name}, {}, {}};
     if (access.openInfo(group)) {
-        picture.record = readRecord(access, element.name);
+        picture.record = readRecord(access, element.name, &element);
     }
     access.groupStream().emplace(access.groupStorage().OpenStream(element));
     picture.bytes = access.groupStream()->Get();

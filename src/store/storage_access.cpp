@@ -94,8 +94,9 @@ void StorageHandle::DestroyElement(std::u16string_view name) {
     storage_.destroy(name);
 }
 
-std::optional<compound::Element> StorageHandle::find(std::u16string_view name) const {
-    return storage_.find(name);
+std::optional<compound::Element> StorageHandle::find(std::u16string_view name,
+                                                     const compound::Element* companion) const {
+    return storage_.find(name, companion);
 }
 
 std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,

@@ -49,7 +49,8 @@ class StorageHandle {
 
     // All elements, in the storage's fixed order.
     compound::ElementCursor elements() const { return storage_.elements(); }
-    std::optional<compound::Element> find(std::u16string_view name) const;
+    std::optional<compound::Element> find(std::u16string_view name,
+                                          const compound::Element* companion = nullptr) const;
 
   private:
     compound::Storage storage_;

@@ -1,4 +1,4 @@
-// How names compare.
+// How names compare, and what is found by them.
 #include "compound/file_helpers.h"
 #include "compound/names.h"
 
@@ -12,6 +12,7 @@ namespace {
 using compound::compareNames;
 using compound::CompoundFile;
 using compound::Element;
+using compound::Storage;
 
 CompoundFile newFile(MemoryDisk& disk) {
     return CompoundFile::create(disk.create("names.stg"));
@@ -58,6 +59,40 @@ TEST(NamesTest, TheDirectoryHasTheSameOrder) {
         std::transform(name.begin(), name.end(), inCapitals.begin(), compound::toUpper);
         EXPECT_EQ(file.root().find(inCapitals).value_or(Element{}).name, name);
     }
+}
+
+// The entry beside a companion is the element only when the storage holds it and it has the name.
+TEST(NamesTest, NothingIsFoundThatOnlyStandsBesideACompanion) {
+    MemoryDisk disk;
+    CompoundFile file = newFile(disk);
+    Storage pictures = file.root().createStorage(u"pictures");
+    Storage records = file.root().createStorage(u"records");
+    for (const char16_t* const name : {u"pump", u"valve"}) {
+        pictures.createStream(name);
+        records.createStream(name);
+    }
+    const auto record = [&](const char16_t* name, const char16_t* picture) {
+        const auto companion = pictures.find(picture);
+        return records.find(name, &companion.value()).value_or(Element{}).id;
+    };
+    const compound::EntryId pump = record(u"PUMP", u"pump");
+    EXPECT_EQ(pump, records.find(u"pump")->id);
+    EXPECT_EQ(record(u"pump", u"valve"), pump);
+    EXPECT_EQ(record(u"tank", u"pump"), 0U);
+
+    pictures.createStream(u"tank"); // beside a record, which is no picture
+    const auto valve = records.find(u"valve");
+    EXPECT_EQ(pictures.find(u"tank", &valve.value())->id, pictures.find(u"tank")->id);
+    EXPECT_FALSE(records.find(u"tank", &valve.value()));
+
+    records.rename(u"pump", u"tap");
+    EXPECT_EQ(record(u"pump", u"pump"), 0U);
+    EXPECT_EQ(record(u"tap", u"pump"), pump);
+    records.destroy(u"tap");
+    EXPECT_EQ(record(u"tap", u"pump"), 0U);
+    pictures.createStream(u"tap"); // takes that entry
+    EXPECT_EQ(record(u"tap", u"pump"), 0U);
+    EXPECT_EQ(record(u"valve", u"valve"), valve->id);
 }
 
 } // namespace
