@@ -147,39 +147,55 @@ bool AllocationTable::isHomeCrowded() {
     if (!staysHome() || fresh_.size() > kSmallChange) {
         return false; // what writes a good deal is not to write more
     }
-    const Range& range = load(home());
-    const std::uint32_t first = home() * perSector_;
-    std::uint32_t length = 0; // of a run that will be free, as what is pending will
-    for (std::uint32_t at = 0; at < insideOf(home()) && length < kSmallChange; ++at) {
-        length = range.at(at) == kFreeSector && isUsable(first + at) ? length + 1 : 0;
-    }
-    return length < kSmallChange;
+    const SectorBits free = freeAfterCommit(home());
+    return free.runBefore(insideOf(home()), kSmallChange).length < kSmallChange;
 }
 
-std::optional<Stretch> AllocationTable::emptiestPart(const Stretch& home,
-                                                     const std::vector<bool>& canMove) {
-    constexpr std::uint32_t kLength = 2 * kSmallChange;
-    constexpr std::uint32_t kMostUsed = kLength / 2;
-    std::vector<std::uint8_t> costs; // 0: free; 1: can move; more than that forbids the stretch
-    for (std::uint32_t sector = home.begin; sector < home.end; ++sector) {
-        const std::uint32_t value = entry(sector);
-        const bool isFree = value == kFreeSector && isUsable(sector);
-        const bool isFat = value == kFatSector && tables_.contains(sector);
-        const bool isMovable = (canMove[sector - home.begin] || isFat) && !fresh_.contains(sector);
-        costs.push_back(isFree ? 0 : isMovable ? 1 : kLength);
-    }
-    std::optional<Stretch> best;
-    std::uint32_t least = kMostUsed + 1;
-    std::uint32_t cost = 0;
-    for (std::uint32_t at = 0; at < costs.size(); ++at) {
-        cost += costs[at];
-        cost -= at >= kLength ? costs[at - kLength] : 0U;
-        if (at + 1 >= kLength && cost < least) {
-            least = cost;
-            best = {home.begin + at + 1 - kLength, home.begin + at + 1};
+// Those in chains that the transaction has not moved already, and those of the FAT.
+SectorBits AllocationTable::movableAtHome(const SectorBits& inChains) {
+    const Stretch at{home() * perSector_, home() * perSector_ + insideOf(home())};
+    SectorBits movable = inChains;
+    for (const std::uint32_t sector : fatSectors_) {
+        if (at.contains(sector) && entry(sector) == kFatSector) {
+            movable.insert(sector - at.begin);
         }
     }
-    return best && freeInside(home.begin / perSector_) > kLength + least ? best : std::nullopt;
+    for (std::uint32_t sector = fresh_.next(at.begin, at.end); sector < at.end;
+         sector = fresh_.next(sector + 1, at.end)) {
+        movable.erase(sector - at.begin);
+    }
+    return movable;
+}
+
+std::optional<Stretch> AllocationTable::emptiestPart(const SectorBits& canMove) {
+    constexpr std::uint32_t kLength = 2 * kSmallChange;
+    constexpr std::uint32_t kMostUsed = kLength / 2;
+    const SectorBits movable = movableAtHome(canMove);
+    SectorBits clearable = freeAfterCommit(home());
+    for (std::uint32_t at = movable.next(0); at < perSector_; at = movable.next(at + 1)) {
+        clearable.insert(at);
+    }
+    const std::uint32_t inside = insideOf(home());
+    std::optional<std::uint32_t> best;
+    std::uint32_t least = kMostUsed + 1;
+    for (std::uint32_t start = clearable.next(0), end = 0; start < inside;
+         start = clearable.next(end)) {
+        end = std::min(clearable.nextGap(start), inside);
+        std::uint32_t used = 0;
+        for (std::uint32_t at = start; at < end; ++at) {
+            used += movable.contains(at) ? 1U : 0U;
+            used -= at >= start + kLength && movable.contains(at - kLength) ? 1U : 0U;
+            if (at + 1 >= start + kLength && used < least) {
+                least = used;
+                best = at + 1 - kLength;
+            }
+        }
+    }
+    if (!best || freeInside(home()) <= kLength + least) {
+        return std::nullopt;
+    }
+    const std::uint32_t begin = home() * perSector_ + *best;
+    return Stretch{begin, begin + kLength};
 }
 
 void AllocationTable::leavePart(const Stretch& part) {

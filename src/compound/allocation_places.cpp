@@ -20,15 +20,10 @@ std::uint32_t AllocationTable::findFree(std::uint32_t index, std::uint32_t from,
     if (freeIn(index) <= reserve) {
         return kNone;
     }
-    const Range& range = load(index);
-    for (std::uint32_t i = 0; i < perSector_; ++i) {
-        const std::uint32_t at = (from + i) % perSector_;
-        const std::uint32_t sector = index * perSector_ + at;
-        if (range.at(at) == kFreeSector && isUsable(sector) && !pending_.contains(sector)) {
-            return sector;
-        }
-    }
-    return kNone;
+    const SectorBits& free = freeSectors(index);
+    const std::uint32_t behind = free.next(from);
+    const std::uint32_t found = behind < perSector_ ? behind : free.next(0);
+    return found < perSector_ ? index * perSector_ + found : kNone;
 }
 
 // Free sectors that the chains find in their home range: see home(). The file keeps about as many
@@ -198,24 +193,12 @@ std::uint32_t AllocationTable::findFreeIn(std::uint32_t index, std::uint32_t kep
 }
 
 bool AllocationTable::isFreeInside(std::uint32_t index, std::uint32_t at) {
-    const std::uint32_t sector = index * perSector_ + at;
-    return sector < file_.count() && load(index).at(at) == kFreeSector && isUsable(sector) &&
-           !pending_.contains(sector);
+    return at < insideOf(index) && freeSectors(index).contains(at);
 }
 
 // A run of `enough` free sectors of the range inside the file, or the longest one.
 AllocationTable::Run AllocationTable::runIn(std::uint32_t index, std::uint32_t enough) {
-    Run longest;
-    std::uint32_t length = 0;
-    const Range& range = load(index);
-    for (std::uint32_t at = 0; at < perSector_ && longest.length < enough; ++at) {
-        const bool isFree = range.at(at) == kFreeSector && isFreeInside(index, at);
-        length = isFree ? length + 1 : 0;
-        if (length > longest.length) {
-            longest = {at + 1 - length, length};
-        }
-    }
-    return longest;
+    return freeSectors(index).runBefore(insideOf(index), enough);
 }
 
 // A free sector of the range, kNone when no more than `reserve` are left. The sectors that one
@@ -228,14 +211,23 @@ std::uint32_t AllocationTable::findFreeInRun(std::uint32_t index, std::uint32_t 
     if (!next) {
         next = freesMuch() ? 0 : runIn(index, kSmallChange).start;
     }
-    for (std::uint32_t i = 0; i < perSector_; ++i) {
-        const std::uint32_t at = (*next + i) % perSector_;
-        if (isFreeInside(index, at) && !leftPart_.contains(index * perSector_ + at)) {
-            next = at + 1;
-            return index * perSector_ + at;
+    const std::uint32_t first = index * perSector_;
+    const SectorBits& free = freeSectors(index);
+    const auto findIn = [&](const Stretch& entries) {
+        std::uint32_t at = free.next(entries.begin);
+        while (at < entries.end && leftPart_.contains(first + at)) {
+            at = free.next(at + 1);
         }
+        return at < entries.end ? at : kNone;
+    };
+    const std::uint32_t inside = insideOf(index);
+    const std::uint32_t behind = findIn({*next, inside});
+    const std::uint32_t found = behind != kNone ? behind : findIn({0, std::min(*next, inside)});
+    if (found == kNone) {
+        return findFree(index, 0, reserve); // behind the file's end, or in the part to be left
     }
-    return findFree(index, 0, reserve); // behind the file's end, or in the part to be left
+    next = found + 1;
+    return first + found;
 }
 
 // As take(), for what is written at the commit: that must not fail for want of space then.

@@ -16,11 +16,10 @@ std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count
         free = freeIn(index) + (which == Free::AfterCommit ? range.pending : 0);
         return free > kKeptForFat ? free - kKeptForFat : 0;
     }
-    for (std::uint32_t at = 0, sector = index * perSector_; sector < count; ++at, ++sector) {
-        if (range.at(at) == kFreeSector && isUsable(sector) &&
-            (which == Free::AfterCommit || !pending_.contains(sector))) {
-            ++free;
-        }
+    const std::uint32_t first = index * perSector_;
+    if (first < count) {
+        free = which == Free::AfterCommit ? freeAfterCommit(index).countBefore(count - first)
+                                          : freeSectors(index).countBefore(count - first);
     }
     return free > kKeptForFat ? free - kKeptForFat : 0;
 }

@@ -100,17 +100,29 @@ AllocationTable::Range& AllocationTable::change(std::uint32_t index) {
     return range;
 }
 
-std::uint32_t& AllocationTable::freeIn(std::uint32_t index) {
+SectorBits& AllocationTable::freeSectors(std::uint32_t index) {
     Range& range = load(index);
     if (!range.free) {
-        range.free = 0;
+        SectorBits& free = range.free.emplace();
         for (std::uint32_t i = 0; i < perSector_; ++i) {
             const std::uint32_t sector = index * perSector_ + i;
-            const bool isFree = range.at(i) == kFreeSector && isUsable(sector);
-            *range.free += isFree && !pending_.contains(sector) ? 1U : 0U;
+            if (range.at(i) == kFreeSector && isUsable(sector) && !pending_.contains(sector)) {
+                free.insert(i);
+            }
         }
     }
     return *range.free;
+}
+
+SectorBits AllocationTable::freeAfterCommit(std::uint32_t index) {
+    SectorBits free = freeSectors(index);
+    const std::uint32_t first = index * perSector_;
+    const std::uint32_t end = first + perSector_;
+    for (std::uint32_t sector = pending_.next(first, end); sector < end;
+         sector = pending_.next(sector + 1, end)) {
+        free.insert(sector - first);
+    }
+    return free;
 }
 
 std::uint32_t AllocationTable::entry(std::uint32_t sector) {
@@ -144,7 +156,7 @@ void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
 }
 
 std::uint32_t AllocationTable::take(std::uint32_t sector) {
-    --freeIn(sector / perSector_);
+    freeSectors(sector / perSector_).erase(sector % perSector_);
     provided_ -= std::min<std::uint64_t>(provided_, 1);
     set(sector, kEndOfChain);
     fresh_.insert(sector);
@@ -236,7 +248,7 @@ void AllocationTable::release(std::uint32_t sector) {
         return;
     }
     if (range.free) {
-        ++*range.free;
+        range.free->insert(sector % perSector_);
     }
     scannedTo_ = std::min(scannedTo_, sector / perSector_);
 }
@@ -275,9 +287,7 @@ void AllocationTable::mark(std::uint32_t sector, std::uint32_t as) {
         file_.throwDamaged("a chain runs through sector " + std::to_string(sector) +
                            ", which belongs to the FAT");
     }
-    if (found == kFreeSector && isUsable(sector)) {
-        --freeIn(sector / perSector_);
-    }
+    freeSectors(sector / perSector_).erase(sector % perSector_);
     set(sector, as);
 }
 
@@ -412,18 +422,18 @@ void AllocationTable::writeOut(std::uint64_t reserve, SectorWrites& writes) {
 }
 
 void AllocationTable::committed() {
-    pending_.clear();
-    fresh_.clear();
     for (const std::uint32_t index : touched_) {
         Range& range = *ranges_[index];
         if (range.free) {
-            *range.free += range.pending; // what was freed counts now
+            range.free = freeAfterCommit(index);
         }
         range.pending = 0;
         range.touched = range.dirty = range.moved = false;
         range.next.reset();
     }
     touched_.clear();
+    pending_.clear();
+    fresh_.clear();
     difatTouched_ = 0;
     difatMoved_ = 0;
     anyDirty_ = false;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "compound/header.h"
+#include "compound/sector_bits.h"
 #include "compound/sector_file.h"
 #include "compound/sector_set.h"
 #include "compound/sector_writes.h"
@@ -145,10 +146,10 @@ class AllocationTable {
     bool isHomeCrowded();
     Stretch homeInside() { return {home() * perSector_, home() * perSector_ + insideOf(home())}; }
 
-    // The half empty stretch of the home that is cleared soonest: what is in use there `canMove`, a
-    // mark for each sector of the home, or is of the FAT; the DIFAT moves as a whole, which is too
-    // much. None where there is no room for it.
-    std::optional<Stretch> emptiestPart(const Stretch& home, const std::vector<bool>& canMove);
+    // The half empty stretch of the home that is cleared soonest: what is in use there `canMove`
+    // (numbers in the home), or is of the FAT; the DIFAT moves as a whole, which is too much. None
+    // where there is no room for it.
+    std::optional<Stretch> emptiestPart(const SectorBits& canMove);
 
     // What the transaction takes from now on lies elsewhere; FAT sectors there move.
     void leavePart(const Stretch& part);
@@ -181,7 +182,7 @@ class AllocationTable {
     // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
         std::vector<std::byte> bytes;
-        std::optional<std::uint32_t> free; // free and allowed to be taken, once counted
+        std::optional<SectorBits> free;    // and allowed to be taken, once asked for
         bool touched = false;              // by this transaction, to which the rest belongs
         std::uint32_t pending = 0;         // freed, but used by the committed state
         std::optional<std::uint32_t> next; // entry from which it goes on looking
@@ -193,11 +194,7 @@ class AllocationTable {
         }
     };
 
-    // Sectors of a range that lie in a row.
-    struct Run {
-        std::uint32_t start = 0; // entry of the first
-        std::uint32_t length = 0;
-    };
+    using Run = SectorBits::Run; // of a range's entries
 
     Range& load(std::uint32_t index) {
         const bool isThere = index < ranges_.size() && ranges_[index]; // then the DIFAT is, too
@@ -207,7 +204,10 @@ class AllocationTable {
     Range& touch(std::uint32_t index); // loads it for what the transaction keeps there
     Range& change(std::uint32_t index);
     void dropLastRange();
-    std::uint32_t& freeIn(std::uint32_t index); // counted when first asked for
+    SectorBits& freeSectors(std::uint32_t index);
+    std::uint32_t freeIn(std::uint32_t index) { return freeSectors(index).size(); }
+    SectorBits freeAfterCommit(std::uint32_t index);
+    SectorBits movableAtHome(const SectorBits& inChains);
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();
     [[noreturn]] void throwFull() const;

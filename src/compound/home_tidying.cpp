@@ -1,7 +1,5 @@
 #include "compound/home_tidying.h"
 
-#include <vector>
-
 namespace compound {
 
 void HomeTidying::run() {
@@ -14,10 +12,10 @@ void HomeTidying::run() {
         return;
     }
     const Stretch home = table_.homeInside();
-    std::vector<bool> pages(home.end - home.begin);
+    SectorBits pages;
     directoryChain_.mark(home, pages);
     mini_.mark(home, pages);
-    if (const auto part = table_.emptiestPart(home, pages)) {
+    if (const auto part = table_.emptiestPart(pages)) {
         directoryChain_.leavePart(*part);
         mini_.leavePart(*part);
         table_.leavePart(*part);

@@ -5,7 +5,8 @@
 // No errors but for want of memory; a failed insert() leaves the set as it was.
 #pragma once
 
-#include <bitset>
+#include "compound/sector_bits.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -17,7 +18,8 @@ class SectorSet {
   public:
     bool contains(std::uint32_t sector) const {
         const std::size_t block = sector / kBlock;
-        return block < blocks_.size() && blocks_[block] && (*blocks_[block])[sector % kBlock];
+        return block < blocks_.size() && blocks_[block] &&
+               blocks_[block]->contains(sector % kBlock);
     }
 
     // Inserting a member changes nothing.
@@ -27,10 +29,9 @@ class SectorSet {
             blocks_.resize(block + 1);
         }
         if (!blocks_[block]) {
-            blocks_[block] = std::make_unique<std::bitset<kBlock>>();
+            blocks_[block] = std::make_unique<SectorBits>();
         }
-        size_ += contains(sector) ? 0U : 1U;
-        blocks_[block]->set(sector % kBlock);
+        size_ += blocks_[block]->insert(sector % kBlock) ? 1U : 0U;
     }
 
     // Whether the sector was a member.
@@ -38,9 +39,22 @@ class SectorSet {
         if (!contains(sector)) {
             return false;
         }
-        blocks_[sector / kBlock]->reset(sector % kBlock);
+        blocks_[sector / kBlock]->erase(sector % kBlock);
         --size_;
         return true;
+    }
+
+    // The first member from `from` on that lies before `end`; `end` without one.
+    std::uint32_t next(std::uint32_t from, std::uint32_t end) const {
+        while (from < end && from / kBlock < blocks_.size()) {
+            const auto& block = blocks_[from / kBlock];
+            const std::uint32_t found = block ? block->next(from % kBlock) : kBlock;
+            from += found - from % kBlock;
+            if (found < kBlock) {
+                return from < end ? from : end;
+            }
+        }
+        return end;
     }
 
     void clear() {
@@ -51,8 +65,8 @@ class SectorSet {
     std::size_t size() const { return size_; }
 
   private:
-    static constexpr std::size_t kBlock = 1024;
-    std::vector<std::unique_ptr<std::bitset<kBlock>>> blocks_;
+    static constexpr std::uint32_t kBlock = SectorBits::kCapacity;
+    std::vector<std::unique_ptr<SectorBits>> blocks_;
     std::size_t size_ = 0;
 };
 
