@@ -105,7 +105,7 @@ const std::byte* SectorChain::load(std::uint32_t index) {
 
 std::byte* SectorChain::write(std::uint32_t index) {
     read(index);
-    pages_[index].dirty = anyDirty_ = true;
+    markDirty(index);
     if (!table_.isFresh(sectors_[index])) {
         move(index);
     }
@@ -153,7 +153,7 @@ std::uint32_t SectorChain::append(std::byte fill) {
     pages_.resize(sectors_.size());
     pages_[index].bytes = newBlock(1);
     std::memset(pages_[index].bytes, std::to_integer<int>(fill), file_.sectorSize());
-    pages_[index].dirty = anyDirty_ = true;
+    markDirty(index);
     return index;
 }
 
@@ -188,7 +188,7 @@ void SectorChain::leavePart(const Stretch& part) {
     const std::uint32_t known = walked();
     for (std::uint32_t index = 0; index < known; ++index) {
         if (part.contains(sectors_[index]) && isReadable(index)) {
-            pages_[index].dirty = anyDirty_ = true;
+            markDirty(index);
             move(index);
         }
     }
@@ -206,6 +206,7 @@ void SectorChain::letGo() {
     addDirty(writes);
     writes.writeTo(file_);
     pages_.clear();
+    dirty_.clear();
     blocks_.clear();
     memory_ = 0;
     hasLetGo_ = true;
@@ -217,16 +218,22 @@ void SectorChain::writeOut(SectorWrites& writes) {
     }
     giveBackKept();
     addDirty(writes);
-    for (Page& page : pages_) {
-        page.dirty = false;
+    for (const std::uint32_t index : dirty_) {
+        pages_[index].dirty = false;
     }
+    dirty_.clear();
+}
+
+void SectorChain::markDirty(std::uint32_t index) {
+    if (!pages_[index].dirty) {
+        dirty_.push_back(index);
+    }
+    pages_[index].dirty = anyDirty_ = true;
 }
 
 void SectorChain::addDirty(SectorWrites& writes) {
-    for (std::uint32_t index = 0; index < pages_.size(); ++index) {
-        if (pages_[index].dirty) {
-            writes.add(sectors_[index], std::span(pages_[index].bytes, file_.sectorSize()));
-        }
+    for (const std::uint32_t index : dirty_) {
+        writes.add(sectors_[index], std::span(pages_[index].bytes, file_.sectorSize()));
     }
 }
 

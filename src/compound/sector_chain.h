@@ -75,6 +75,7 @@ class SectorChain {
 
     std::uint32_t takeForAppending();
     void giveBackKept();
+    void markDirty(std::uint32_t index);
     void addDirty(SectorWrites& writes);
     void move(std::uint32_t index);
     bool isReadable(std::uint32_t index);
@@ -98,6 +99,7 @@ class SectorChain {
     std::vector<std::uint32_t> kept_;    // taken for the next pages, the next one last
     std::uint32_t appended_ = 0;         // pages that this transaction has added
     std::vector<Page> pages_;
+    std::vector<std::uint32_t> dirty_;                 // of the pages, in any order
     std::vector<std::unique_ptr<std::byte[]>> blocks_; // pages read together lie in one
 };
 
