@@ -153,16 +153,16 @@ bool AllocationTable::isHomeCrowded() {
 
 // Those in chains that the transaction has not moved already, and those of the FAT.
 SectorBits AllocationTable::movableAtHome(const SectorBits& inChains) {
-    const Stretch at{home() * perSector_, home() * perSector_ + insideOf(home())};
+    const Stretch inside = homeInside();
     SectorBits movable = inChains;
     for (const std::uint32_t sector : fatSectors_) {
-        if (at.contains(sector) && entry(sector) == kFatSector) {
-            movable.insert(sector - at.begin);
+        if (inside.contains(sector) && entry(sector) == kFatSector) {
+            movable.insert(sector - inside.begin);
         }
     }
-    for (std::uint32_t sector = fresh_.next(at.begin, at.end); sector < at.end;
-         sector = fresh_.next(sector + 1, at.end)) {
-        movable.erase(sector - at.begin);
+    for (std::uint32_t sector = fresh_.next(inside.begin, inside.end); sector < inside.end;
+         sector = fresh_.next(sector + 1, inside.end)) {
+        movable.erase(sector - inside.begin);
     }
     return movable;
 }
@@ -178,6 +178,7 @@ std::optional<Stretch> AllocationTable::emptiestPart(const SectorBits& canMove) 
     const std::uint32_t inside = insideOf(home());
     std::optional<std::uint32_t> best;
     std::uint32_t least = kMostUsed + 1;
+    // A stretch with a sector that cannot move is none, so it is sought between two of them.
     for (std::uint32_t start = clearable.next(0), end = 0; start < inside;
          start = clearable.next(end)) {
         end = std::min(clearable.nextGap(start), inside);

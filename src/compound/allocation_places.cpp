@@ -213,16 +213,16 @@ std::uint32_t AllocationTable::findFreeInRun(std::uint32_t index, std::uint32_t 
     }
     const std::uint32_t first = index * perSector_;
     const SectorBits& free = freeSectors(index);
-    const auto findIn = [&](const Stretch& entries) {
-        std::uint32_t at = free.next(entries.begin);
-        while (at < entries.end && leftPart_.contains(first + at)) {
+    const auto find = [&](std::uint32_t from, std::uint32_t end) {
+        std::uint32_t at = free.next(from);
+        while (at < end && leftPart_.contains(first + at)) {
             at = free.next(at + 1);
         }
-        return at < entries.end ? at : kNone;
+        return at < end ? at : kNone;
     };
     const std::uint32_t inside = insideOf(index);
-    const std::uint32_t behind = findIn({*next, inside});
-    const std::uint32_t found = behind != kNone ? behind : findIn({0, std::min(*next, inside)});
+    const std::uint32_t behind = find(*next, inside);
+    const std::uint32_t found = behind != kNone ? behind : find(0, std::min(*next, inside));
     if (found == kNone) {
         return findFree(index, 0, reserve); // behind the file's end, or in the part to be left
     }

@@ -100,7 +100,7 @@ AllocationTable::Range& AllocationTable::change(std::uint32_t index) {
     return range;
 }
 
-SectorBits& AllocationTable::freeSectors(std::uint32_t index) {
+const SectorBits& AllocationTable::freeSectors(std::uint32_t index) {
     Range& range = load(index);
     if (!range.free) {
         SectorBits& free = range.free.emplace();
@@ -120,7 +120,9 @@ SectorBits AllocationTable::freeAfterCommit(std::uint32_t index) {
     const std::uint32_t end = first + perSector_;
     for (std::uint32_t sector = pending_.next(first, end); sector < end;
          sector = pending_.next(sector + 1, end)) {
-        free.insert(sector - first);
+        if (entry(sector) == kFreeSector && isUsable(sector)) { // a damaged chain may say otherwise
+            free.insert(sector - first);
+        }
     }
     return free;
 }
@@ -150,13 +152,23 @@ const std::vector<std::uint32_t>& AllocationTable::difatSectors() {
 
 // --- taking and freeing -------------------------------------------------------------------------
 
+// All entries change here, and with them what is known to be free. Whether a sector is pending is
+// told before it is set free.
 void AllocationTable::set(std::uint32_t sector, std::uint32_t value) {
     Range& range = change(sector / perSector_);
-    write32(range.bytes.data() + std::size_t{4} * (sector % perSector_), value);
+    const std::uint32_t at = sector % perSector_;
+    write32(range.bytes.data() + std::size_t{4} * at, value);
+    if (!range.free) {
+        return;
+    }
+    if (value == kFreeSector && isUsable(sector) && !pending_.contains(sector)) {
+        range.free->insert(at);
+    } else {
+        range.free->erase(at);
+    }
 }
 
 std::uint32_t AllocationTable::take(std::uint32_t sector) {
-    freeSectors(sector / perSector_).erase(sector % perSector_);
     provided_ -= std::min<std::uint64_t>(provided_, 1);
     set(sector, kEndOfChain);
     fresh_.insert(sector);
@@ -241,16 +253,13 @@ void AllocationTable::link(std::uint32_t sector, std::uint32_t next) {
 
 void AllocationTable::release(std::uint32_t sector) {
     Range& range = load(sector / perSector_);
-    set(sector, kFreeSector);
-    if (!fresh_.erase(sector)) {
+    if (fresh_.erase(sector)) {
+        scannedTo_ = std::min(scannedTo_, sector / perSector_);
+    } else {
         range.pending += pending_.contains(sector) ? 0U : 1U;
         pending_.insert(sector);
-        return;
     }
-    if (range.free) {
-        range.free->insert(sector % perSector_);
-    }
-    scannedTo_ = std::min(scannedTo_, sector / perSector_);
+    set(sector, kFreeSector);
 }
 
 void AllocationTable::markTable(std::uint32_t sector, std::uint32_t as) {
@@ -287,7 +296,6 @@ void AllocationTable::mark(std::uint32_t sector, std::uint32_t as) {
         file_.throwDamaged("a chain runs through sector " + std::to_string(sector) +
                            ", which belongs to the FAT");
     }
-    freeSectors(sector / perSector_).erase(sector % perSector_);
     set(sector, as);
 }
 
@@ -432,7 +440,7 @@ void AllocationTable::committed() {
         range.next.reset();
     }
     touched_.clear();
-    pending_.clear();
+    pending_.clear(); // counted above
     fresh_.clear();
     difatTouched_ = 0;
     difatMoved_ = 0;

@@ -182,7 +182,7 @@ class AllocationTable {
     // What one FAT sector describes. Kept as it lies on the disk: most are only looked into.
     struct Range {
         std::vector<std::byte> bytes;
-        std::optional<SectorBits> free;    // and allowed to be taken, once asked for
+        std::optional<SectorBits> free;    // see freeSectors(); nothing until asked for
         bool touched = false;              // by this transaction, to which the rest belongs
         std::uint32_t pending = 0;         // freed, but used by the committed state
         std::optional<std::uint32_t> next; // entry from which it goes on looking
@@ -204,9 +204,13 @@ class AllocationTable {
     Range& touch(std::uint32_t index); // loads it for what the transaction keeps there
     Range& change(std::uint32_t index);
     void dropLastRange();
-    SectorBits& freeSectors(std::uint32_t index);
+
+    // What may be taken of a range: its entry says so, no table lies there, and the committed state
+    // does not use it. The second, what may be taken after the commit.
+    const SectorBits& freeSectors(std::uint32_t index);
     std::uint32_t freeIn(std::uint32_t index) { return freeSectors(index).size(); }
     SectorBits freeAfterCommit(std::uint32_t index);
+
     SectorBits movableAtHome(const SectorBits& inChains);
     void set(std::uint32_t sector, std::uint32_t value);
     void loadDifat();

@@ -24,7 +24,8 @@ class Directory : public DirectoryEntries {
     void createRoot();
 
     // An element that the storage's tree has led to before, and that stands beside the entry
-    // `near`, is not searched for.
+    // `near`, is not searched for. Of several elements of one name, which another program may have
+    // written, it may be another one than without.
     std::optional<EntryId> find(EntryId storage, std::u16string_view name,
                                 EntryId near = format::kNoEntry);
 

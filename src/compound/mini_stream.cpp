@@ -203,10 +203,10 @@ void MiniStream::leave(std::uint32_t end) {
     data_->leave(end);
 }
 
-void MiniStream::mark(const Stretch& range, SectorBits& pages) const {
+void MiniStream::mark(const Stretch& part, SectorBits& pages) const {
     if (data_) {
-        table_->mark(range, pages);
-        data_->mark(range, pages);
+        table_->mark(part, pages);
+        data_->mark(part, pages);
     }
 }
 

@@ -37,7 +37,7 @@ class MiniStream {
     // Of both chains, see SectorChain.
     std::uint64_t sectorsFrom(std::uint32_t end);
     void leave(std::uint32_t end);
-    void mark(const Stretch& range, SectorBits& pages) const;
+    void mark(const Stretch& part, SectorBits& pages) const;
     void leavePart(const Stretch& part);
 
     std::uint32_t entry(std::uint32_t mini); // as it stands in the mini FAT

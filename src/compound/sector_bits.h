@@ -1,4 +1,5 @@
-// A set of numbers below 1024, one bit each: sectors of the stretch that one FAT sector describes.
+// A set of numbers below 1024, one bit each: sectors of the stretch that one FAT sector describes,
+// which are fewer where sectors are small.
 // Whole words are looked at, so that the next member and the runs of members cost next to nothing.
 #pragma once
 
@@ -47,7 +48,8 @@ class SectorBits {
         std::uint32_t count = 0;
         for (std::uint32_t word = 0; word * kBits < end; ++word) {
             const std::uint32_t rest = end - word * kBits;
-            const std::uint64_t kept = rest < kBits ? (std::uint64_t{1} << rest) - 1 : ~0ULL;
+            const std::uint64_t kept =
+                rest < kBits ? (std::uint64_t{1} << rest) - 1 : ~std::uint64_t{0};
             count += static_cast<std::uint32_t>(std::popcount(words_[word] & kept));
         }
         return count;

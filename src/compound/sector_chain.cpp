@@ -176,10 +176,10 @@ void SectorChain::leave(std::uint32_t end) {
     leavePart({end, kMaximumSector});
 }
 
-void SectorChain::mark(const Stretch& range, SectorBits& pages) const {
+void SectorChain::mark(const Stretch& part, SectorBits& pages) const {
     for (const std::uint32_t sector : sectors_) {
-        if (range.contains(sector)) {
-            pages.insert(sector - range.begin);
+        if (part.contains(sector)) {
+            pages.insert(sector - part.begin);
         }
     }
 }

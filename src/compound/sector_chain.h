@@ -46,7 +46,7 @@ class SectorChain {
     void leave(std::uint32_t end);
 
     // The same for a part of the file, and for pages known so far.
-    void mark(const Stretch& range, SectorBits& pages) const;
+    void mark(const Stretch& part, SectorBits& pages) const;
     void leavePart(const Stretch& part);
 
     // Pages known so far, without walking on.

@@ -202,7 +202,7 @@ void renamePicture(const Library& library, const GroupAddress& group, const Pict
         if (!sameName(from.text, to.text) && info.find(to.text)) {
             info.DestroyElement(to.text);
         }
-        if (const auto record = info.find(from.text, &picture)) {
+        if (const auto record = info.find(from.text)) {
             info.RenameElement(record->name, to.text);
         }
     }

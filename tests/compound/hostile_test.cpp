@@ -336,6 +336,58 @@ TEST_P(HostileTest, RandomChanges) {
     }
 }
 
+std::u16string streamName(std::size_t number) {
+    return u"stream" + std::u16string(1, static_cast<char16_t>(0x4E00 + number));
+}
+
+std::vector<std::uint32_t> chainFrom(RawFile& raw, std::uint32_t first) {
+    std::vector<std::uint32_t> chain;
+    for (std::uint32_t at = first; at != kEndOfChain; at = raw.get(raw.fatEntry(at))) {
+        chain.push_back(at);
+    }
+    return chain;
+}
+
+// Streams of ten sectors, of which the last one's chain runs into the directory's last two pages
+// after eight.
+RawFile streamIntoDirectory(std::uint32_t streams) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+    for (std::uint32_t i = 0; i < streams; ++i) {
+        file.root().createStream(streamName(i)).assign(patterned(5000, i));
+    }
+    file.commit();
+    RawFile raw(disk.content(kPath));
+    const auto directory = chainFrom(raw, raw.get(header::kFirstDirectoryAt));
+    const auto chain = chainFrom(raw, raw.get(raw.entry(streams) + entry::kStartAt));
+    raw.put(raw.fatEntry(chain[7]), directory[directory.size() - 2]);
+    raw.put(raw.fatEntry(chain[8]), kFreeSector);
+    raw.put(raw.fatEntry(chain[9]), kFreeSector);
+    return raw;
+}
+
+// The directory links the pages again that were given back with the stream.
+TEST(CrossedChainsTest, WhatWasGivenBackAndLinkedAgainIsNotTaken) {
+    for (std::uint32_t streams = 8; streams < 24; ++streams) {
+        MemoryDisk disk;
+        disk.setContent(kPath, streamIntoDirectory(streams).bytes());
+        CompoundFile file = openFile(disk, kPath);
+        file.makeRoom(1);
+        file.root().destroy(streamName(streams - 1));
+        file.commit();
+        ASSERT_EQ(findingsOf(disk, kPath), "") << streams; // mended by the way
+        Content expected = contentOf(disk, kPath);
+        for (std::uint32_t i = 30; i < 60; ++i) {
+            const auto bytes = patterned(5000, i);
+            file.root().createStream(streamName(i)).assign(bytes);
+            file.commit();
+            expected[streamName(i)] = bytes;
+        }
+        ASSERT_EQ(findingsOf(disk, kPath), "") << streams;
+        ASSERT_EQ(contentOf(disk, kPath), expected) << streams;
+    }
+}
+
 TEST(NotCompoundTest, OtherFilesAreRefused) {
     for (const std::size_t size : {0U, 7U, 8U, 600U, 9000U}) {
         EXPECT_FALSE(exercise(patterned(size, 4)).sound);
