@@ -113,6 +113,7 @@ TEST_F(OthersChanges, TheListKeepsItsRowsAndAnEditedName) {
     auto* list = find<QTreeWidget>("lvwInfo");
     QTreeWidgetItem* row = list->topLevelItem(15);
     list->setCurrentItem(row);
+    settle(); // a look that ends while the row is still being described is made again later
     list->scrollToItem(row, QAbstractItemView::PositionAtTop);
     const int scrolled = list->verticalScrollBar()->value();
     list->editItem(row, 0);
