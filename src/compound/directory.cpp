@@ -139,6 +139,7 @@ EntryId Directory::insert(EntryId storage, std::u16string_view name, EntryType t
     }
     link(storage, id);
     reach(storage, id);
+    ++inserted_[storage];
     return id;
 }
 
@@ -265,9 +266,14 @@ void Directory::sortByName(std::vector<EntryId>& ids) {
                    [&](const auto& entry) { return before[entry.second]; });
 }
 
-// A tree of the least height: all levels but the lowest are full and black, the lowest is red.
-void Directory::rebuild(EntryId storage, std::vector<EntryId> ordered) {
-    sortByName(ordered);
+void Directory::rebuild(EntryId storage, std::vector<EntryId> all) {
+    sortByName(all);
+    arrange(storage, all);
+}
+
+// A tree of the least height: all levels but the lowest are full. The lowest is red, and so is one
+// two above it, so that no part is all black: what is taken out there is mended nearby.
+void Directory::arrange(EntryId storage, const std::vector<EntryId>& ordered) {
     struct Part {
         std::size_t from, to;
         unsigned depth;
@@ -286,12 +292,24 @@ void Directory::rebuild(EntryId storage, std::vector<EntryId> ordered) {
         const std::size_t middle = part.from + (part.to - part.from) / 2;
         const EntryId id = ordered[middle];
         setLink(part.parent, part.side, id);
-        setColour(id, part.depth < fullLevels ? Colour::Black : Colour::Red);
+        const bool isRed =
+            part.depth >= fullLevels || (part.depth > 0 && part.depth + 2 == fullLevels);
+        setColour(id, isRed ? Colour::Red : Colour::Black);
         open.push_back({part.from, middle, part.depth + 1, id, entry::kLeftAt});
         open.push_back({middle + 1, part.to, part.depth + 1, id, entry::kRightAt});
     }
     sound_.insert(storage);
     walked_.erase(storage);
+}
+
+void Directory::balance() {
+    constexpr std::uint32_t kMany = 64;
+    constexpr std::uint64_t kPart = 4; // of the whole directory, which is walked at the most
+    for (const auto& [storage, count] : inserted_) {
+        if (count >= kMany && count * kPart >= this->count() && sound_.contains(storage)) {
+            arrange(storage, elements(storage));
+        }
+    }
 }
 
 } // namespace compound

@@ -47,6 +47,12 @@ class Directory : public DirectoryEntries {
     // Orders elements by name, and those that bear one name by its spelling.
     void sortByName(std::vector<EntryId>& ids);
 
+    // Comes before a transaction is written out. A tree that has grown by a good part is given a
+    // shape that later changes find room in: one that was filled in the order of its names is all
+    // black but for its end, and taking a name out of it changes colours on the whole way up.
+    void balance();
+    void committed() { inserted_.clear(); }
+
     // Rebuilds every tree that is not sound. Damaged for rings and crossings.
     void makeSound();
 
@@ -63,7 +69,8 @@ class Directory : public DirectoryEntries {
     void unlink(EntryId storage, EntryId id);
     void makeSound(EntryId storage, std::vector<EntryId> walked);
     void requireSound(EntryId storage);
-    void rebuild(EntryId storage, std::vector<EntryId> ordered);
+    void rebuild(EntryId storage, std::vector<EntryId> all);
+    void arrange(EntryId storage, const std::vector<EntryId>& ordered);
     bool isSound(EntryId storage, const std::vector<EntryId>& walked);
     std::optional<EntryId> search(EntryId storage, std::u16string_view name);
     std::optional<EntryId> findAnywhere(EntryId storage, std::u16string_view name);
@@ -71,6 +78,7 @@ class Directory : public DirectoryEntries {
     std::unordered_set<EntryId> sound_; // storages whose trees were walked and found sound
     std::unordered_map<EntryId, std::vector<EntryId>> walked_; // elements by name, see findAnywhere
     std::vector<EntryId> storageOf_;                           // of the elements reached so far
+    std::unordered_map<EntryId, std::uint32_t> inserted_;      // into storages by this transaction
     std::vector<EntryId> freed_; // by this transaction, to be taken again first
 };
 

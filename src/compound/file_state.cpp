@@ -165,6 +165,9 @@ void FileState::commit() {
     }
     requireWhole();
     inPieces_ = true;
+    if (!parts_->table.isFull()) {
+        parts_->directory.balance();
+    }
     const bool evenFew = closeGaps() || isNew_ || isInherited_;
     if (!isNew_ && !isInherited_) { // one of several changes
         HomeTidying(parts_->table, parts_->directoryChain, parts_->mini).run();
@@ -186,6 +189,7 @@ void FileState::commit() {
     changed_ = false;
     inPieces_ = false;
     parts_->mini.committed();
+    parts_->directory.committed();
     parts_->directoryChain.committed();
     parts_->table.committed();
     cutFreeTail(evenFew);

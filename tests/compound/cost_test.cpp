@@ -84,6 +84,31 @@ TEST(CostTest, ManySmallChangesKeepTheWalksShort) {
     EXPECT_LT(traffic.reads, 600);
 }
 
+// A tree that is filled in the order of its names would have each of the first changes colour its
+// way up anew.
+TEST(CostTest, ABatchLeavesTreesThatAreCheapToChange) {
+    MemoryDisk disk;
+    disk.setContent(kPath, largeFile().content(kPath));
+    std::mt19937 random(4);
+    ReadCache cache;
+    Traffic traffic;
+    std::uint64_t bytesWritten = 0;
+    constexpr std::size_t kRounds = 60;
+    for (std::size_t round = 0; round < kRounds; ++round) {
+        CompoundFile file =
+            openWatched(disk, SectorSize::Bytes4096, traffic, Access::ReadWrite, &cache);
+        traffic = {};
+        const std::u16string name = nameOf(u'p', random() % 100 + 100 * round);
+        for (const char16_t* storage : {u"Pumps", u"PumpsInfo"}) {
+            file.root().openStorage(storage).rename(name, nameOf(u'q', round));
+        }
+        file.commit();
+        bytesWritten += traffic.bytesWritten;
+    }
+    EXPECT_LE(bytesWritten, kRounds * 12 * 4096);
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
 // What one program frees in many changes it gives back in a few: cutting a file costs more than a
 // small change does.
 TEST(CostTest, TheFileIsCutNowAndThen) {
