@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <random>
 #include <set>
@@ -142,6 +143,17 @@ class Chain {
         return pictures;
     }
 
+    static std::set<std::string> picturesOf(const LibraryDump& dump, const std::string& file) {
+        return dump.contains(file) ? picturesIn({{file, dump.at(file)}}) : std::set<std::string>();
+    }
+
+    static std::set<std::string> inBoth(const std::set<std::string>& one,
+                                        const std::set<std::string>& other) {
+        std::set<std::string> both;
+        std::ranges::set_intersection(one, other, std::inserter(both, both.end()));
+        return both;
+    }
+
     // The library's files and those that were beside it from the beginning. An exported copy, which
     // a command that failed may have left, keeps nothing.
     LibraryDump withoutCopies(LibraryDump view) const {
@@ -164,26 +176,33 @@ class Chain {
     // Whether every view holds the picture. A copy of which a command has said that it may not have
     // been stored does not count when the next command does away with the other one.
     bool isKept(const std::string& picture) const {
-        std::set<std::string> doubtful; // files that stand as no command has promised
+        // What files that stand as no command has promised hold in any case.
+        std::map<std::string, std::set<std::string>> doubtful;
         bool wasSure = true;
         for (std::size_t i = 0; i < views_.size(); ++i) {
             const LibraryDump view = withoutCopies(views_[i]);
+            const auto before = doubtful;
             const auto isChanged = [&](const std::string& file) {
                 return i > 0 && contentOf(views_[i - 1], file) != contentOf(view, file);
             };
             const auto isSure = [&] {
-                LibraryDump sure = view;
-                std::erase_if(sure,
-                              [&](const auto& entry) { return doubtful.contains(entry.first); });
-                return picturesIn(sure).contains(picture);
+                return std::any_of(view.begin(), view.end(), [&](const auto& entry) {
+                    const auto found = doubtful.find(entry.first);
+                    return (found == doubtful.end() ? picturesIn({entry}) : found->second)
+                        .contains(picture);
+                });
             };
-            std::erase_if(doubtful, isChanged);
+            std::erase_if(doubtful, [&](const auto& entry) { return isChanged(entry.first); });
             if (!picturesIn(view).contains(picture) || (wasSure && !isSure())) {
                 return false;
             }
-            for (const auto& [file, content] : view) {
-                if (isChanged(file) && !isPromised_[i]) {
-                    doubtful.insert(file);
+            for (const auto& entry : view) {
+                if (isChanged(entry.first) && !isPromised_[i]) {
+                    const auto found = before.find(entry.first);
+                    doubtful[entry.first] =
+                        inBoth(found == before.end() ? picturesOf(views_[i - 1], entry.first)
+                                                     : found->second,
+                               picturesIn({entry}));
                 }
             }
             wasSure = isSure();
