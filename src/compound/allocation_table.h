@@ -154,6 +154,10 @@ class AllocationTable {
     // What the transaction takes from now on lies elsewhere; FAT sectors there move.
     void leavePart(const Stretch& part);
 
+    // Sectors that the transaction has taken, and those of the committed state that it has freed.
+    std::uint64_t taken() const { return fresh_.size(); }
+    std::uint64_t freed() const { return pending_.size(); }
+
     // Whether the transaction leaves fewer sectors free than it has found.
     bool takesMoreThanItFrees() const { return fresh_.size() > pending_.size(); }
 

@@ -304,15 +304,35 @@ void CompoundFile::commit() {
     if (!state_->hasChanges()) {
         return;
     }
+    const bool isKnown = forgetCommit();
+    state_->commit();
+    if (isKnown) {
+        rememberCommit();
+    }
+}
+
+void CompoundFile::closeGaps() noexcept {
+    try {
+        if (state_->hasLargeGaps()) {
+            const bool isKnown = forgetCommit();
+            state_->closeGaps();
+            if (isKnown) {
+                rememberCommit();
+            }
+        }
+    } catch (const std::exception&) {
+        state_->drop(); // nothing of it is remembered
+    }
+}
+
+// What is known of the file holds no longer once a commit begins. Whether anything was.
+bool CompoundFile::forgetCommit() {
     const std::optional<FileIdentity> before = state_->identity();
     if (cache_ && before) {
         cache_->forget(*before);
     }
     state_->setIdentity(std::nullopt);
-    state_->commit();
-    if (cache_ && before) {
-        rememberCommit();
-    }
+    return cache_ && before;
 }
 
 // The commit is done: what goes wrong here costs the next transaction some time only.

@@ -178,6 +178,14 @@ class CompoundFile {
     // nothing is written.
     void commit();
 
+    // Comes after the commit of a transaction that may have replaced or destroyed a good deal: none
+    // of its old places could be used before, so they stand free inside the file. Where that is
+    // far more than may stand free, what lies at the file's end moves there and the file is cut, in
+    // transactions of their own; otherwise nothing is done. What was committed stays as it is, and
+    // every handle and id valid. A failure costs only the space; but when the old header could not
+    // be put back, the file can be changed again only when it is opened anew.
+    void closeGaps() noexcept;
+
     void dropChanges();
 
     bool hasChanges() const;
@@ -200,6 +208,7 @@ class CompoundFile {
   private:
     friend void copyAll(CompoundFile& from, CompoundFile& to, const CopiedBytes& copied);
     CompoundFile(std::unique_ptr<FileState> state, ReadCache* cache);
+    bool forgetCommit();
     void rememberCommit() noexcept;
     void keep() noexcept;
 

@@ -83,6 +83,7 @@ void FileState::forgetPages() {
 void FileState::resume(std::unique_ptr<DiskFile> file, Access access) {
     file_.setDisk(std::move(file), identity_->size);
     lengthBefore_ = identity_->size;
+    lastTaken_ = lastFreed_ = 0; // by another operation
     access_ = access;
 }
 
@@ -160,15 +161,20 @@ void FileState::makeSound() {
 }
 
 void FileState::commit() {
-    if (!changed_) {
-        return;
+    constexpr std::uint64_t kMostBytes = std::uint64_t{8} << 20U; // a small change waits for them
+    if (changed_) {
+        commitMoving(kMostBytes / file_.sectorSize());
     }
+}
+
+// `most`: sectors that may move for the file to become shorter.
+void FileState::commitMoving(std::uint64_t most) {
     requireWhole();
     inPieces_ = true;
     if (!parts_->table.isFull()) {
         parts_->directory.balance();
     }
-    const bool evenFew = closeGaps() || isNew_ || isInherited_;
+    const bool evenFew = moveIntoGaps(most) || isNew_ || isInherited_;
     if (!isNew_ && !isInherited_) { // one of several changes
         HomeTidying(parts_->table, parts_->directoryChain, parts_->mini).run();
     }
@@ -188,6 +194,8 @@ void FileState::commit() {
     isNew_ = false;
     changed_ = false;
     inPieces_ = false;
+    lastTaken_ = parts_->table.taken();
+    lastFreed_ = parts_->table.freed();
     parts_->mini.committed();
     parts_->directory.committed();
     parts_->directoryChain.committed();
@@ -206,11 +214,34 @@ std::uint64_t FileState::reserve() {
 }
 
 // Not on a full disk, where they are what changes live on.
-bool FileState::closeGaps() {
+bool FileState::moveIntoGaps(std::uint64_t most) {
     Parts& parts = *parts_;
     return !parts.table.isFull() && GapClosing(file_, parts.table, parts.directory,
                                                parts.directoryChain, parts.mini, parts.content)
-                                        .run(reserve());
+                                        .run(reserve(), most);
+}
+
+// After a smaller change, or for less space, the two syncs of another transaction are too dear.
+bool FileState::hasLargeGaps() {
+    constexpr std::uint64_t kLeastBytes = std::uint64_t{256} << 10U;
+    constexpr std::uint64_t kMany = 2;
+    AllocationTable& table = parts_->table;
+    return !changed_ && lastFreed_ * file_.sectorSize() >= kLeastBytes &&
+           table.surplus(reserve()) > kMany * table.allowedSurplus();
+}
+
+// What moves is bounded by what the transaction has written, so that a batch which replaces all
+// takes no more than twice its time, and by some more, since one that only deletes writes little.
+// What was not cut, having no place for the last FAT sector, is cut by the second step.
+void FileState::closeGaps() {
+    constexpr std::uint64_t kMoreBytes = std::uint64_t{64} << 20U;
+    constexpr int kMostSteps = 3;
+    std::uint64_t most = lastTaken_ + kMoreBytes / file_.sectorSize();
+    for (int step = 0; step < kMostSteps && hasLargeGaps(); ++step) {
+        { const Change change(*this); }
+        commitMoving(most);
+        most -= std::min(most, lastFreed_);
+    }
 }
 
 void FileState::makeRoom(std::uint64_t bytes) {

@@ -51,6 +51,13 @@ class FileState {
     // Refuses a transaction in pieces (Failed). One that fails is in pieces.
     void commit();
     void drop() noexcept;
+
+    // Whether the last transaction has freed a good deal, and far more than may stands free now.
+    bool hasLargeGaps();
+
+    // Closes them in transactions of their own. When one fails, it is to be dropped.
+    void closeGaps();
+
     bool hasChanges() const { return changed_; }
     Access access() const { return access_; }
 
@@ -97,7 +104,8 @@ class FileState {
     void startNewFile();
     std::uint64_t reserve();
     void keepReserve();
-    bool closeGaps();
+    bool moveIntoGaps(std::uint64_t most);
+    void commitMoving(std::uint64_t most);
     void writeHeader();
     void putHeaderBack(const char* cause);
     std::uint32_t neededEnd();
@@ -114,8 +122,10 @@ class FileState {
     bool changed_ = false;
     bool inPieces_ = false;
     bool outcomeUnknown_ = false;
-    bool isDurable_;           // the committed header is known to be on the medium
-    bool isInherited_ = false; // what the transaction builds on, others may have left unfinished
+    bool isDurable_;              // the committed header is known to be on the medium
+    bool isInherited_ = false;    // what the transaction builds on, others may have left unfinished
+    std::uint64_t lastTaken_ = 0; // sectors, by the last transaction
+    std::uint64_t lastFreed_ = 0;
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
     std::optional<FileIdentity> identity_;

@@ -8,8 +8,7 @@ namespace compound {
 
 using namespace format;
 
-bool GapClosing::run(std::uint64_t reserve) {
-    constexpr std::uint64_t kMostBytes = std::uint64_t{8} << 20U; // moved in one transaction
+bool GapClosing::run(std::uint64_t reserve, std::uint64_t most) {
     constexpr std::uint64_t kFew = 16;
     const std::uint64_t surplus = table_.surplus(reserve);
     if (surplus <= table_.allowedSurplus()) {
@@ -19,8 +18,7 @@ bool GapClosing::run(std::uint64_t reserve) {
     const std::uint64_t behind = file_.count() - std::min(file_.count(), used);
     const auto least = used - static_cast<std::uint32_t>(std::min<std::uint64_t>(used, surplus));
     const std::uint64_t kept = behind + table_.keptAtHome(reserve, least);
-    const std::uint64_t length =
-        std::min(surplus - std::min(surplus, kept), kMostBytes / file_.sectorSize());
+    const std::uint64_t length = std::min(surplus - std::min(surplus, kept), most);
     if (length <= kFew || length >= used) {
         return true;
     }

@@ -32,9 +32,9 @@ class GapClosing {
     // Part of the transaction, before its chains are written out. Whether the commit is to cut the
     // file: not as long as little more than `reserve` sectors stands free, nor before the next
     // transaction when the last FAT sector has no place before what moves. Nothing moves when
-    // the file's end holds what is in no sound chain; a large surplus goes in steps, one a
-    // transaction.
-    bool run(std::uint64_t reserve);
+    // the file's end holds what is in no sound chain; `most`: sectors that move. A larger surplus
+    // goes in steps, one a transaction.
+    bool run(std::uint64_t reserve, std::uint64_t most);
 
   private:
     // What the sectors from `end` on hold: streams, in parts at least; how many sectors it is.

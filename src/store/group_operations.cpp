@@ -105,7 +105,7 @@ std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
     std::vector<GroupAddress> removed = destroyGroup(access, group);
-    access.Commit();
+    access.CommitMany();
     return removed;
 }
 

@@ -74,7 +74,7 @@ TrashedGroup trashSubGroup(const Library& library, const GroupAddress& group,
     trashed.file = fileInTrash(library, access, group, trashed.name, trash, progress);
     try {
         destroyGroup(access, group);
-        access.Commit();
+        access.CommitMany();
     } catch (const Error& error) {
         if (error.code() != ErrorCode::OutcomeUnknown && !trashed.file.empty()) {
             removeFromTrash(library.disk, trash, trashed.file);

@@ -116,7 +116,7 @@ void PictureBatch::add(const PictureName& name, const std::filesystem::path& sou
 }
 
 void PictureBatch::commit() {
-    state_->access.Commit();
+    state_->access.CommitMany();
 }
 
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,

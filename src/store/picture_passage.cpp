@@ -161,7 +161,7 @@ class Passing {
             for (const PassedPicture& picture : result.passed) {
                 destroy(*from_, picture.from);
             }
-            first_.Commit();
+            first_.CommitMany();
         } catch (const Error& error) {
             result.sourceFailure = error;
         }

@@ -147,7 +147,7 @@ FilesAdded addFiles(const Library& library, const GroupAddress& group,
         access.openOrCreateInfo(group);
         putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
     });
-    access.Commit();
+    access.CommitMany();
     result.group = group;
     return result;
 }

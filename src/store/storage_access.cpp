@@ -184,6 +184,11 @@ void StorageAccess::openOrCreateInfo(const GroupAddress& group) {
     }
 }
 
+void StorageAccess::CommitMany() {
+    fileStorage_->commit();
+    fileStorage_->closeGaps();
+}
+
 void StorageAccess::release() {
     infoStream_.reset();
     infoStorage_.reset();

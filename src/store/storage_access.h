@@ -85,6 +85,9 @@ class StorageAccess {
     // Makes everything durable at one instant.
     void Commit() { fileStorage_->commit(); }
 
+    // The same for what may replace or remove many pictures, whose space is given back at once.
+    void CommitMany();
+
     // Empties all five slots and lets go of the lock.
     void release();
 

@@ -404,6 +404,61 @@ TEST_P(FailureTest, WhatCannotBeReadStaysWhereItIs) {
     EXPECT_EQ(findingsOf(disk, kPath), "");
 }
 
+// Nobody has asked for it, so nobody is told: whatever fails, once or from then on, what was
+// committed is there, and neither the open file nor what the process remembers says otherwise.
+TEST_P(FailureTest, WhatFailsWhileGapsAreClosedCostsSpaceAlone) {
+    constexpr int kPictures = 24;
+    const std::vector<std::byte> base = makeBase(GetParam(), kPictures);
+    const int stride = GetParam() == SectorSize::Bytes512 ? 7 : 1; // of very many calls
+    bool isMet = true;
+    std::size_t longest = 0;
+    std::size_t shortest = base.size() * 2;
+    for (int failing = 0; isMet; failing += stride) {
+        for (const bool forGood : {false, true}) {
+            MemoryDisk disk;
+            disk.setContent(kPath, base);
+            compound::ReadCache cache;
+            Content committed;
+            {
+                CompoundFile file = CompoundFile::open(disk.open(kPath, Access::ReadWrite),
+                                                       Access::ReadWrite, &cache);
+                auto pumps = file.root().openStorage(u"Pumps");
+                for (int i = 0; i < kPictures; ++i) {
+                    pumps
+                        .openStream(u"picture" + std::u16string(1, static_cast<char16_t>(u'a' + i)))
+                        .assign(patterned(12000 + static_cast<std::size_t>(i) * 600, 7));
+                }
+                file.commit();
+                committed = contentOf(disk, kPath);
+                int calls = 0;
+                disk.setInterceptor([&](Call) {
+                    const int call = calls++;
+                    if (call == failing || (forGood && call > failing)) {
+                        throw Error(ErrorCode::Failed, kPath, "the disk has failed");
+                    }
+                });
+                file.closeGaps();
+                disk.setInterceptor({});
+                isMet = calls > failing;
+                ASSERT_FALSE(file.hasChanges());
+                ASSERT_TRUE(contentOf(file) == committed) << "call " << failing;
+            }
+            ASSERT_TRUE(contentOf(disk, kPath) == committed) << "call " << failing;
+            longest = std::max(longest, disk.content(kPath).size());
+            shortest = std::min(shortest, disk.content(kPath).size());
+            CompoundFile next =
+                CompoundFile::open(disk.open(kPath, Access::ReadWrite), Access::ReadWrite, &cache);
+            ASSERT_TRUE(contentOf(next) == committed) << "call " << failing;
+            next.root().openStorage(u"Pumps").destroy(u"picturea");
+            next.commit();
+            committed.erase(u"Pumps/picturea");
+            ASSERT_TRUE(contentOf(disk, kPath) == committed) << "call " << failing;
+            ASSERT_EQ(damageOf(disk, kPath), "") << "call " << failing;
+        }
+    }
+    EXPECT_GT(longest, shortest + base.size() / 2); // it has been in the way
+}
+
 TEST(MessageTest, NamesAreShownAsTheyAreWritten) {
     MemoryDisk disk;
     CompoundFile file = CompoundFile::create(disk.create(kPath));

@@ -259,6 +259,50 @@ TEST_P(SpaceTest, LittleStandsFreeAfterABatchAndAfterALongHistory) {
     expectDense(afterHistory());
 }
 
+// None of the old places can be used before the commit, so a transaction that replaces all doubles
+// the file.
+TEST_P(SpaceTest, GapsThatAReplacementLeavesAreClosedBehindIt) {
+    constexpr std::size_t kPictures = 120;
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), kPictures, 9000);
+    const std::uint32_t before = RawFile(disk.content(kPath)).sectors();
+    Traffic traffic;
+    CompoundFile file = openWatched(disk, GetParam(), traffic);
+    auto pictures = file.root().openStorage(u"Pumps");
+    const auto kept = pictures.openStream(nameOf(u'p', 7));
+    for (std::size_t i = 0; i < kPictures; ++i) {
+        pictures.openStream(nameOf(u'p', i)).assign(patterned(8000 + i * 10, 2));
+    }
+    file.commit();
+    const Content committed = contentOf(disk, kPath);
+    EXPECT_GT(RawFile(disk.content(kPath)).sectors(), before + before / 2);
+    file.closeGaps();
+    const RawFile raw(disk.content(kPath));
+    EXPECT_LE(freeSectors(raw), allowedFree(raw, 2 * std::max(16U, raw.sectors() / 128)));
+    EXPECT_TRUE(traffic.overwritten.empty()) << "sector " << *traffic.overwritten.begin();
+    EXPECT_TRUE(contentOf(disk, kPath) == committed);
+    EXPECT_EQ(kept.readAll(), patterned(8070, 2));
+    pictures.rename(nameOf(u'p', 7), u"other");
+    file.commit();
+    EXPECT_EQ(contentOf(disk, kPath).at(u"Pumps/other"), patterned(8070, 2));
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
+// Two syncs more would make it twice as dear.
+TEST_P(SpaceTest, NothingFollowsASmallChange) {
+    MemoryDisk disk;
+    makePictures(disk, GetParam(), 120, 9000);
+    Traffic traffic;
+    CompoundFile file = openWatched(disk, GetParam(), traffic);
+    auto pictures = file.root().openStorage(u"Pumps");
+    pictures.openStream(nameOf(u'p', 7)).assign(patterned(20000, 2));
+    pictures.destroy(nameOf(u'p', 8));
+    file.commit();
+    const int writes = traffic.writes;
+    file.closeGaps();
+    EXPECT_EQ(traffic.writes, writes);
+}
+
 std::uint64_t miniStreamSize(MemoryDisk& disk) {
     const RawFile raw(disk.content(kPath));
     return raw.get(raw.entry(0U) + entry::kSizeAt);

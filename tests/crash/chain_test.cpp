@@ -32,8 +32,12 @@ constexpr std::size_t kCutsOfAChain = 40;
 // One chain: a library of its own, the commands that were run on it, and what it held after each.
 class Chain {
   public:
-    Chain(compound::SectorSize sectorSize, std::uint32_t seed) : random_(seed) {
+    Chain(compound::SectorSize sectorSize, const Scenario& commands, std::uint32_t seed)
+        : commands_(commands.steps), random_(seed) {
         prepareLibrary(memory_, sectorSize);
+        if (commands.prepare) {
+            commands.prepare(libraryOn(memory_));
+        }
         recording_ = std::make_unique<RecordingDisk>(memory_, recordedFolders());
         for (std::size_t i = 0; i < 2; ++i) {
             processes_.push_back(libraryOn(*recording_));
@@ -216,7 +220,7 @@ class Chain {
     // Whether the command has told that it is done. One that cannot be done on what the one before
     // has left (a picture that is not there) changes nothing.
     bool run() {
-        const Step& command = commands()[below(commands().size())];
+        const Step& command = commands_[below(commands_.size())];
         process_ = below(processes_.size());
         isTold_ = command.isTold;
         story_ += command.name;
@@ -230,6 +234,7 @@ class Chain {
         }
     }
 
+    const std::vector<Step>& commands_;
     std::mt19937 random_;
     MemoryDisk memory_;
     std::unique_ptr<RecordingDisk> recording_;
@@ -245,22 +250,30 @@ class Chain {
 
 class ChainTest : public ::testing::TestWithParam<compound::SectorSize> {};
 
-TEST_P(ChainTest, BrokenCommandsAndAPowerCutLeaveWhatACommandHasLeft) {
+void runChains(compound::SectorSize sectorSize, const Scenario& commands) {
     const std::size_t chains = shareOf(60);
     for (std::uint32_t seed = 1; seed <= chains; ++seed) {
         SCOPED_TRACE("chain " + std::to_string(seed));
-        Chain chain(GetParam(), seed);
+        Chain chain(sectorSize, commands, seed);
         for (std::uint32_t i = 0; i <= seed % 2; ++i) {
             chain.runBadly();
         }
         chain.runToItsEnd();
-        for (std::size_t i = 0; i < kCutsOfAChain && !HasFailure(); ++i) {
+        for (std::size_t i = 0; i < kCutsOfAChain && !::testing::Test::HasFailure(); ++i) {
             chain.cut();
         }
-        if (HasFailure()) {
+        if (::testing::Test::HasFailure()) {
             return;
         }
     }
+}
+
+TEST_P(ChainTest, BrokenCommandsAndAPowerCutLeaveWhatACommandHasLeft) {
+    runChains(GetParam(), {"Commands", commands()});
+}
+
+TEST_P(ChainTest, SoDoThoseThatAnotherTransactionFollows) {
+    runChains(GetParam(), changesOfMany());
 }
 
 INSTANTIATE_TEST_SUITE_P(Sectors, ChainTest,

@@ -203,6 +203,26 @@ TEST(LargeFileScenario, NeedsTheFirstSectorOfTheAllocationSectorList) {
     EXPECT_EQ(listSectors(), std::byte{1});
 }
 
+// So must this one: a second transaction follows each of its operations.
+TEST(ChangeManyScenario, ClosesTheGapsBehindEachOperation) {
+    constexpr std::size_t kSignature = 52; // offset of what counts transactions, [MS-CFB] 2.2
+    for (const auto sectorSize :
+         {compound::SectorSize::Bytes4096, compound::SectorSize::Bytes512}) {
+        MemoryDisk disk;
+        prepareLibrary(disk, sectorSize);
+        const store::Library library = libraryOn(disk);
+        changesOfMany().prepare(library);
+        const auto signature = [&] {
+            return std::to_integer<int>(disk.content("/library/Pumps.stg")[kSignature]);
+        };
+        for (const Step& step : changesOfMany().steps) {
+            const int before = signature();
+            step.run(library);
+            EXPECT_GE(signature(), before + 2) << step.name;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Store, PowerCut, everyScenario(), nameOf);
 
 } // namespace

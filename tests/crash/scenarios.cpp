@@ -35,6 +35,7 @@ std::filesystem::path sourceOf(std::size_t size) {
 }
 
 constexpr std::size_t kSourceSizes[] = {7, 63, 64, 65, 700, 4095, 4096, 4097, 9000, 30000};
+constexpr std::size_t kPanelSizes[] = {29000, 28000}; // many of which make a large change
 
 void writeFile(compound::Disk& disk, const std::filesystem::path& path, std::string_view bytes) {
     disk.create(path)->write(0, std::as_bytes(std::span(bytes)));
@@ -51,6 +52,9 @@ void writeSource(compound::Disk& disk, std::size_t size) {
 
 void writeSources(compound::Disk& disk) {
     for (const std::size_t size : kSourceSizes) {
+        writeSource(disk, size);
+    }
+    for (const std::size_t size : kPanelSizes) {
         writeSource(disk, size);
     }
     writeFile(disk, std::filesystem::path(kSourceFolder) / "broken.bmp", "broken");
@@ -368,6 +372,33 @@ Scenario gapScenario() {
     return scenario;
 }
 
+constexpr char kChangesOfMany[] = "ChangeMany";
+
+// Each is followed by a transaction that closes the gaps that it leaves.
+Scenario manyScenario() {
+    constexpr std::size_t kPanels = 12;
+    const auto putAll = [](std::size_t size) {
+        return [size](const Library& library) {
+            store::PictureBatch batch(library, kSteel);
+            for (std::size_t i = 0; i < kPanels; ++i) {
+                batch.add({numbered(u"panel ", i)}, sourceOf(size), IfPictureExists::Replace);
+            }
+            batch.commit();
+        };
+    };
+    const auto removeMost = [](const Library& library) {
+        std::vector<store::PictureName> names;
+        for (std::size_t i = 0; i + 2 < kPanels; ++i) {
+            names.push_back({numbered(u"panel ", i)});
+        }
+        store::deletePictures(library, kSteel, names, nullptr);
+    };
+    Scenario scenario{kChangesOfMany,
+                      {{"replace many", putAll(kPanelSizes[1])}, {"delete most", removeMost}}};
+    scenario.prepare = putAll(kPanelSizes[0]);
+    return scenario;
+}
+
 // Past 109 allocation sectors of a file with 512-byte sectors, and past the first one of a file
 // with 4096-byte sectors.
 Scenario largeFileScenario() {
@@ -400,15 +431,17 @@ std::vector<Scenario> allScenarios() {
         all.push_back(std::move(scenario));
     }
     all.push_back(gapScenario());
+    all.push_back(manyScenario());
     all.push_back(largeFileScenario());
     return all;
 }
 
-// All but those of the large file, whose sources are not there.
+// All but those of the large file, whose sources are not there, and those that have chains of their
+// own.
 std::vector<Step> allCommands() {
     std::vector<Step> commands;
     for (const Scenario& scenario : scenarios()) {
-        if (&scenario != &scenarios().back()) {
+        if (&scenario != &scenarios().back() && &scenario != &changesOfMany()) {
             commands.insert(commands.end(), scenario.steps.begin(), scenario.steps.end());
         }
     }
@@ -429,6 +462,11 @@ void makeEmptyGroupFile(const Library& library, const GroupAddress& group,
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = allScenarios();
     return all;
+}
+
+const Scenario& changesOfMany() {
+    return *std::find_if(scenarios().begin(), scenarios().end(),
+                         [](const Scenario& scenario) { return scenario.name == kChangesOfMany; });
 }
 
 bool isOnTheWay(const Step& step, const LibraryDump& before, const LibraryDump& after,

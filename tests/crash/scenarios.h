@@ -34,6 +34,9 @@ struct Scenario {
 
 const std::vector<Scenario>& scenarios();
 
+// The one of them whose operations change so much that another transaction follows each.
+const Scenario& changesOfMany();
+
 // For parametrised tests: a scenario's index, and the sectors of its file.
 using ScenarioOnSectors = std::tuple<std::size_t, compound::SectorSize>;
 
@@ -49,7 +52,7 @@ std::string nameOf(const ::testing::TestParamInfo<ScenarioOnSectors>& info);
 bool isOnTheWay(const Step& step, const LibraryDump& before, const LibraryDump& after,
                 const LibraryDump& dump);
 
-// The steps of all scenarios, each to be run on whatever others have left.
+// The steps of the other scenarios, each to be run on whatever others have left.
 const std::vector<Step>& commands();
 
 // The library that every scenario begins with: the groups Pumps (with sub-groups two deep) and

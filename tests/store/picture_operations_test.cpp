@@ -2,6 +2,8 @@
 #include "compound/error.h"
 #include "compound/raw_file.h"
 #include "store/library_count.h"
+#include "store/picture_trash.h"
+#include "store/pictures_from_files.h"
 #include "store/store_fixture.h"
 
 #include <gmock/gmock.h>
@@ -347,6 +349,48 @@ TEST_F(PictureTest, ABatchOnAFullDiskKeepsWhatFits) {
     }
     EXPECT_THAT(pictureNames(group), ElementsAre("old", "one", "three"));
     EXPECT_NE(bytesOf(group, u"old").find("old"), std::string::npos);
+    expectSound(u"Plant");
+}
+
+// Old places cannot be used before the commit; whatever changes many pictures gives them back.
+TEST_F(PictureTest, ManyThatAreReplacedOrRemovedLeaveLittleFree) {
+    constexpr int kPictures = 40;
+    const GroupAddress below = subGroup(plant, u"Valves");
+    const auto nameOfPicture = [](int number) {
+        return PictureName{u"part " + base::fromUtf8(std::to_string(number))};
+    };
+    const auto putAll = [&](const GroupAddress& into, std::size_t bytes) {
+        const auto file = source("part.bmp", 480, 480, std::string(bytes, 'p'));
+        PictureBatch batch(library, into);
+        for (int i = 0; i < kPictures; ++i) {
+            batch.add(nameOfPicture(i), file, IfPictureExists::Replace);
+        }
+        batch.commit();
+    };
+    const auto sizeOfFile = [&] { return disk.content("/library/Plant.stg").size(); };
+    putAll(group, 15000);
+    const std::size_t whole = sizeOfFile();
+    const std::size_t much = whole / 4;
+    putAll(group, 16000);
+    EXPECT_LT(sizeOfFile(), whole + much);
+    std::vector<std::filesystem::path> files;
+    for (int i = 0; i < kPictures; ++i) {
+        const std::string name = "part " + std::to_string(i) + ".bmp";
+        files.push_back(source(name, 480, 480, std::string(15500, 'q')));
+    }
+    addFiles(library, group, files, IfPictureExists::Replace);
+    EXPECT_LT(sizeOfFile(), whole + much);
+    putAll(below, 15000); // at the file's end
+    std::vector<PictureName> most;
+    for (int i = 0; i < kPictures - 4; ++i) {
+        most.push_back(nameOfPicture(i));
+    }
+    deletePictures(library, group, most, nullptr);
+    EXPECT_LT(sizeOfFile(), whole + much);
+    putAll(group, 15000);
+    deleteGroup(library, below);
+    EXPECT_LT(sizeOfFile(), whole + much);
+    EXPECT_EQ(bytesOf(group, u"part 39").size(), 15011U);
     expectSound(u"Plant");
 }
 
