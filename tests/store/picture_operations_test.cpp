@@ -382,6 +382,7 @@ TEST_F(PictureTest, ManyThatAreReplacedOrRemovedLeaveLittleFree) {
     EXPECT_LT(sizeOfFile(), whole + much);
     putAll(below, 15000); // at the file's end
     std::vector<PictureName> most;
+    most.reserve(kPictures);
     for (int i = 0; i < kPictures - 4; ++i) {
         most.push_back(nameOfPicture(i));
     }
