@@ -60,6 +60,10 @@ class DiskFile {
     // Returns once everything written so far, and the file's length, is on the medium.
     virtual void sync() = 0;
 
+    // Returns once the medium has the file under path(): who gave it that name may have been
+    // stopped before that was durable.
+    virtual void syncName() = 0;
+
     // Cuts or extends (with zeros) the file to `size` bytes.
     virtual void truncate(std::uint64_t size) = 0;
 

@@ -139,7 +139,9 @@ void FileState::beginChange() {
 
 // The header in force may be another program's that died before it was durable: then a power cut
 // brings back the one before it, and with it sectors that are free now and would be written over.
-// Writing it again brings it to the medium even when an earlier attempt has failed.
+// Writing it again brings it to the medium even when an earlier attempt has failed. The file as a
+// whole may be one that was to take another one's place: then the power cut brings back that one,
+// without this change.
 void FileState::makeHeaderDurable() {
     std::array<std::byte, kHeaderSize> raw{};
     if (file_.disk().read(0, raw) < raw.size()) {
@@ -147,6 +149,7 @@ void FileState::makeHeaderDurable() {
     }
     file_.disk().write(0, raw);
     file_.disk().sync();
+    file_.disk().syncName();
     isDurable_ = isInherited_ = true;
 }
 

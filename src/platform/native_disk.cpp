@@ -45,6 +45,19 @@ std::chrono::nanoseconds systemTime() {
     return std::chrono::system_clock::now().time_since_epoch();
 }
 
+// The file that a link leads to in the end; any other file is its own.
+path targetOf(const path& filePath) {
+    std::error_code failure;
+    if (!std::filesystem::is_symlink(filePath, failure)) {
+        return filePath;
+    }
+    path target = std::filesystem::canonical(filePath, failure);
+    if (failure) {
+        throw systemError(failure.value(), filePath, "follow link");
+    }
+    return target;
+}
+
 class NativeFile final : public DiskFile {
   public:
     NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath,
@@ -65,6 +78,7 @@ class NativeFile final : public DiskFile {
     void writeParts(std::uint64_t offset,
                     std::span<const std::span<const std::byte>> parts) override;
     void sync() override;
+    void syncName() override;
     void truncate(std::uint64_t size) override;
     std::uint64_t size() override;
     void extend(std::uint64_t size) override;
@@ -158,6 +172,14 @@ void NativeFile::sync() {
     hasNewAttributes_ = false;
     unsent_ = {};
     isUnsynced_ = false;
+}
+
+void NativeFile::syncName() {
+    syncFolderEntries(folderOf(path_));
+    const std::filesystem::path target = targetOf(path_);
+    if (target != path_) {
+        syncFolderEntries(folderOf(target));
+    }
 }
 
 void NativeFile::writeParts(std::uint64_t offset,
@@ -514,15 +536,7 @@ void NativeDisk::renameReplacing(const path& from, const path& to) {
 }
 
 path NativeDisk::resolved(const path& filePath) {
-    std::error_code failure;
-    if (!std::filesystem::is_symlink(filePath, failure)) {
-        return filePath;
-    }
-    path target = std::filesystem::canonical(filePath, failure);
-    if (failure) {
-        throw systemError(failure.value(), filePath, "follow link");
-    }
-    return target;
+    return targetOf(filePath);
 }
 
 bool NativeDisk::isSameFile(const path& one, const path& other) {

@@ -116,6 +116,7 @@ class MemoryFile : public compound::DiskFile {
     }
 
     void sync() override { disk_.announce(MemoryDisk::Call::Sync); }
+    void syncName() override { disk_.announce(MemoryDisk::Call::SyncFolder); }
 
     void truncate(std::uint64_t size) override {
         requireWritable();

@@ -64,6 +64,7 @@ class WatchedFile : public DiskFile {
         traffic_.writes = before + 1;
     }
 
+    void syncName() override { inner_->syncName(); }
     void sync() override {
         ++traffic_.syncs;
         inner_->sync();

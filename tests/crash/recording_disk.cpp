@@ -34,6 +34,12 @@ class RecordingFile : public DiskFile {
         disk_.record({EventKind::SyncFile, id_, 0, {}, {}, {}});
     }
 
+    void syncName() override {
+        disk_.admit(path());
+        inner_->syncName();
+        disk_.record({EventKind::SyncFolder, 0, 0, {}, path().parent_path(), {}});
+    }
+
     void truncate(std::uint64_t size) override {
         disk_.admit(path());
         inner_->truncate(size);

@@ -129,6 +129,9 @@ class FolderFile final : public DiskFile {
     void sync() override {
         told(Call::Sync, [&] { native_->sync(); });
     }
+    void syncName() override {
+        told(Call::SyncFolder, [&] { native_->syncName(); });
+    }
     void truncate(std::uint64_t size) override {
         told(Call::Truncate, [&] { native_->truncate(size); });
     }

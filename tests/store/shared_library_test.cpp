@@ -62,6 +62,7 @@ class MachineFile final : public DiskFile {
         EXPECT_TRUE(isFresh_) << "cut without a look";
         file_->truncate(size);
     }
+    void syncName() override { file_->syncName(); }
     void sync() override { file_->sync(); }
     bool lock(std::chrono::milliseconds wait) override {
         const bool isLocked = file_->lock(wait);
