@@ -182,27 +182,28 @@ Scenario importScenario() {
     const auto merge = [tanks](const Library& library) {
         store::mergeGroupFile(library, kRotary, tanks);
     };
-    return {"ImportAndExport",
-            {{"import as a top-level group",
-              [tanks](const Library& library) { store::importGroupFile(library, tanks); }},
-             told({"merge two deep",
-                   merge,
-                   Outcome::OldOrNew,
-                   {"Pumps.stg", "/elsewhere/Tanks.stg.bak", "/elsewhere/Tanks.stg"}}),
-             {"merge it again, renumbered",
-              [tanks](const Library& library) { store::mergeGroupFile(library, kPumps, tanks); }},
-             {"merge a file of the library",
-              [](const Library& library) {
-                  store::mergeGroupFile(library, kSteel, store::pathOf(library, {u"Valves"}));
-              }},
-             {"export a group",
-              [elsewhere](const Library& library) {
-                  store::exportGroup(library, kRotary, elsewhere / "Rotary.stg");
-              }},
-             {"export a whole file in its place", [elsewhere](const Library& library) {
-                  store::exportGroup(library, kPumps, elsewhere / "Rotary.stg",
-                                     store::IfTaken::Replace);
-              }}}};
+    return {
+        "ImportAndExport",
+        {{"import as a top-level group",
+          [tanks](const Library& library) { store::importGroupFile(library, tanks); }},
+         told({"merge two deep",
+               merge,
+               Outcome::OldOrNew,
+               {"Pumps.stg", "/elsewhere/Tanks.stg.bak", "/elsewhere/Tanks.stg"}}),
+         told({"merge it again, renumbered",
+               [tanks](const Library& library) { store::mergeGroupFile(library, kPumps, tanks); }}),
+         {"merge a file of the library",
+          [](const Library& library) {
+              store::mergeGroupFile(library, kSteel, store::pathOf(library, {u"Valves"}));
+          }},
+         {"export a group",
+          [elsewhere](const Library& library) {
+              store::exportGroup(library, kRotary, elsewhere / "Rotary.stg");
+          }},
+         {"export a whole file in its place", [elsewhere](const Library& library) {
+              store::exportGroup(library, kPumps, elsewhere / "Rotary.stg",
+                                 store::IfTaken::Replace);
+          }}}};
 }
 
 Scenario fillScenario() {

@@ -59,6 +59,11 @@ std::size_t statesOfAGap() {
     return std::max<std::size_t>(1, states);
 }
 
+std::uint32_t firstChain() {
+    static const char* const text = std::getenv("TXS_CRASH_CHAIN");
+    return text == nullptr ? 1 : static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10));
+}
+
 std::size_t shareOf(std::size_t all) {
     return std::max<std::size_t>(1, all * statesOfAGap() / kFullMeasure);
 }

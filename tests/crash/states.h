@@ -11,6 +11,10 @@ namespace crash {
 // in proportion; 64 is the measure. TXS_CRASH_STATES in the environment sets another number.
 std::size_t statesOfAGap();
 
+// The number that the first chain of commands is drawn from, the others from those that follow: 1,
+// or what TXS_CRASH_CHAIN in the environment says.
+std::uint32_t firstChain();
+
 // Of `all`, so many as statesOfAGap() leaves time for; at least one.
 std::size_t shareOf(std::size_t all);
 
