@@ -357,6 +357,7 @@ bool AllocationTable::moveDifat() {
         difatSectors_.pop_back();
         any = true;
     }
+    difatMoved_ = std::min(difatMoved_, difatSectors_.size());
     return any;
 }
 
@@ -374,7 +375,8 @@ std::vector<std::byte> AllocationTable::difatSector(std::size_t index) const {
 }
 
 // Lets go of the last FAT sectors when the sectors that they describe are all free, so that the
-// file can be cut.
+// file can be cut. The DIFAT, which changes with that, gets its places first: the last sectors that
+// may be taken before the commit can be those that go.
 void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
     while (!ranges_.empty() && ranges_.back()) {
         const auto index = static_cast<std::uint32_t>(ranges_.size() - 1);
@@ -391,6 +393,11 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
         }
         if (missing(reserve, index * perSector_, Free::AfterCommit) > 0) {
             return;
+        }
+        if (difatMoved_ < difatSectors_.size()) {
+            touchDifat(index);
+            moveDifat();
+            continue; // it may lie in this range now
         }
         releaseTable(own);
         fatSectors_.pop_back();

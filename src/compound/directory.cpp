@@ -302,11 +302,20 @@ void Directory::arrange(EntryId storage, const std::vector<EntryId>& ordered) {
     walked_.erase(storage);
 }
 
-void Directory::balance() {
+bool Directory::hasGrownMuch(EntryId storage, std::uint32_t inserted) {
     constexpr std::uint32_t kMany = 64;
     constexpr std::uint64_t kPart = 4; // of the whole directory, which is walked at the most
-    for (const auto& [storage, count] : inserted_) {
-        if (count >= kMany && count * kPart >= this->count() && sound_.contains(storage)) {
+    return inserted >= kMany && inserted * kPart >= count() && sound_.contains(storage);
+}
+
+bool Directory::isToBalance() {
+    return std::any_of(inserted_.begin(), inserted_.end(),
+                       [&](const auto& tree) { return hasGrownMuch(tree.first, tree.second); });
+}
+
+void Directory::balance() {
+    for (const auto& [storage, inserted] : inserted_) {
+        if (hasGrownMuch(storage, inserted)) {
             arrange(storage, elements(storage));
         }
     }

@@ -49,7 +49,9 @@ class Directory : public DirectoryEntries {
 
     // Comes before a transaction is written out. A tree that has grown by a good part is given a
     // shape that later changes find room in: one that was filled in the order of its names is all
-    // black but for its end, and taking a name out of it changes colours on the whole way up.
+    // black but for its end, and taking a name out of it changes colours on the whole way up. May
+    // write every page of the directory; isToBalance() tells whether it is to do anything.
+    bool isToBalance();
     void balance();
     void committed() { inserted_.clear(); }
 
@@ -71,6 +73,7 @@ class Directory : public DirectoryEntries {
     void requireSound(EntryId storage);
     void rebuild(EntryId storage, std::vector<EntryId> all);
     void arrange(EntryId storage, const std::vector<EntryId>& ordered);
+    bool hasGrownMuch(EntryId storage, std::uint32_t inserted);
     bool isSound(EntryId storage, const std::vector<EntryId>& walked);
     std::optional<EntryId> search(EntryId storage, std::u16string_view name);
     std::optional<EntryId> findAnywhere(EntryId storage, std::u16string_view name);

@@ -174,7 +174,7 @@ void FileState::commit() {
 void FileState::commitMoving(std::uint64_t most) {
     requireWhole();
     inPieces_ = true;
-    if (!parts_->table.isFull()) {
+    if (hasRoomToBalance()) {
         parts_->directory.balance();
     }
     const bool evenFew = moveIntoGaps(most) || isNew_ || isInherited_;
@@ -206,6 +206,25 @@ void FileState::commitMoving(std::uint64_t most) {
     cutFreeTail(evenFew);
     isInherited_ = false;
     lengthBefore_ = file_.lengthOf(file_.count());
+}
+
+// A transaction that frees a good deal may leave as much as it must and yet have found no more than
+// the pages it changes: on a disk that ends there the trees stay as they are.
+bool FileState::hasRoomToBalance() {
+    constexpr std::uint64_t kFew = 8;
+    AllocationTable& table = parts_->table;
+    if (table.isFull() || !parts_->directory.isToBalance()) {
+        return false;
+    }
+    try {
+        table.provide(parts_->directoryChain.count() + kFew, AllocationTable::Free::Now);
+        return true;
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NoSpace && error.code() != ErrorCode::TooLarge) {
+            throw;
+        }
+        return false;
+    }
 }
 
 // What the largest deletion has to write anew: every page of the directory, of the mini FAT and of

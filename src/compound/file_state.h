@@ -104,6 +104,7 @@ class FileState {
     void startNewFile();
     std::uint64_t reserve();
     void keepReserve();
+    bool hasRoomToBalance();
     bool moveIntoGaps(std::uint64_t most);
     void commitMoving(std::uint64_t most);
     void writeHeader();

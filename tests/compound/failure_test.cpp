@@ -459,6 +459,72 @@ TEST_P(FailureTest, WhatFailsWhileGapsAreClosedCostsSpaceAlone) {
     EXPECT_GT(longest, shortest + base.size() / 2); // it has been in the way
 }
 
+// The least capacity, in sectors, of a disk that a batch fits on which replaces all but ten of
+// `names` and adds those.
+std::uint64_t roomForBatch(SectorSize sectorSize, const std::vector<std::byte>& base, int names) {
+    for (std::uint64_t capacity = base.size();;
+         capacity += static_cast<std::uint64_t>(sectorSize)) {
+        MemoryDisk disk;
+        disk.setContent(kPath, base);
+        disk.setCapacity(capacity);
+        try {
+            CompoundFile file = openFile(disk, kPath);
+            auto pictures = file.root().openStorage(u"Pumps");
+            for (int i = names; i-- > 0;) {
+                const auto number = static_cast<std::size_t>(i < 10 ? 500 + i : 50 + i);
+                pictures.createStream(FullDisk::nameOf(number), compound::IfExists::Replace)
+                    .assign(patterned(300, 2));
+            }
+            file.commit();
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::NoSpace) << error.what();
+            continue;
+        }
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+        return capacity / static_cast<std::uint64_t>(sectorSize);
+    }
+}
+
+// From 64 names on the trees of so small a directory get a new shape, for which every page of it
+// may be written: only where there is room.
+TEST_P(FailureTest, OneNameMoreNeedsLittleMoreRoom) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), GetParam());
+    auto pictures = file.root().createStorage(u"Pumps");
+    for (std::size_t i = 0; i < 180; ++i) {
+        pictures.createStream(FullDisk::nameOf(i)).assign(patterned(300, 1));
+    }
+    file.commit();
+    const std::vector<std::byte> base = disk.content(kPath);
+    EXPECT_LE(roomForBatch(GetParam(), base, 64), roomForBatch(GetParam(), base, 63) + 4);
+}
+
+// What the deletion frees at the end cannot be used before it is committed, and the tables' sectors
+// need a place until then. The next changes cut the file.
+TEST(DeletionTest, TheLastTwoThirdsOfALargeFileGo) {
+    constexpr std::size_t kPictures = 40;
+    constexpr std::size_t kLeft = kPictures / 3 + 1;
+    MemoryDisk disk;
+    const std::vector<std::byte> bytes = patterned(std::size_t{449} << 10U, 1);
+    CompoundFile made = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+    auto filled = made.root().createStorage(u"Pumps");
+    for (std::size_t i = 0; i < kPictures; ++i) {
+        filled.createStream(FullDisk::nameOf(i)).assign(bytes);
+    }
+    made.commit();
+    CompoundFile file = openFile(disk, kPath);
+    auto pictures = file.root().openStorage(u"Pumps");
+    for (std::size_t i = kLeft; i < kPictures; ++i) {
+        pictures.destroy(FullDisk::nameOf(i));
+    }
+    ASSERT_NO_THROW(file.commit());
+    file.closeGaps();
+    pictures.rename(FullDisk::nameOf(0), u"first");
+    file.commit();
+    EXPECT_LT(disk.content(kPath).size(), bytes.size() * (kLeft + 1));
+    EXPECT_EQ(findingsOf(disk, kPath), "");
+}
+
 TEST(MessageTest, NamesAreShownAsTheyAreWritten) {
     MemoryDisk disk;
     CompoundFile file = CompoundFile::create(disk.create(kPath));
