@@ -250,8 +250,7 @@ void CompoundFile::keep() noexcept {
         return;
     }
     try {
-        const FileIdentity identity = *state_->identity();
-        cache_->keep(identity, std::move(state_));
+        cache_->keep(std::move(state_));
     } catch (const std::exception&) {
         return; // no memory to remember with
     }
@@ -259,15 +258,12 @@ void CompoundFile::keep() noexcept {
 
 CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, ReadCache* cache) {
     const Header header = readHeader(*file);
-    const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
-    std::unique_ptr<FileState> state;
-    if (identity) {
-        state = cache->take(*identity, header);
-    }
+    std::unique_ptr<FileState> state = cache ? cache->take(*file, header) : nullptr;
     if (state) {
         state->resume(std::move(file), access);
         return {std::move(state), cache};
     }
+    const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
     state = std::make_unique<FileState>(std::move(file), header, access, false);
     if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt) {
         state->recall(*known);
@@ -335,12 +331,21 @@ bool CompoundFile::forgetCommit() {
     return cache_ && before;
 }
 
-// The commit is done: what goes wrong here costs the next transaction some time only.
+// The commit is done: what goes wrong here costs the next transaction some time only. A process
+// that has changed the file before will do so again, and watches it. Without times there is nothing
+// to tell by, once the state is gone with its watch, that the trees are still sound.
 void CompoundFile::rememberCommit() noexcept {
     try {
-        const std::optional<FileIdentity> identity = disk().stamp();
+        if (state_->isResumed() && state_->watch() == nullptr) {
+            state_->setWatch(disk().watch());
+        }
+        const bool isWatched = state_->watch() != nullptr;
+        std::optional<FileIdentity> identity = isWatched ? disk().place() : disk().stamp();
         if (identity) {
-            cache_->remember({*identity, state_->header(), state_->directory().soundStorages()});
+            identity->size = isWatched ? disk().size() : identity->size;
+            cache_->remember(
+                {*identity, state_->header(),
+                 isWatched ? std::vector<std::uint32_t>() : state_->directory().soundStorages()});
         }
         state_->setIdentity(identity);
     } catch (const std::exception&) {
