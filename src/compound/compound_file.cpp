@@ -369,6 +369,16 @@ std::vector<Finding> CompoundFile::check() {
     return checkFile(*state_);
 }
 
+// Whoever reads something and then asks when the file was changed must not take the time of a
+// change in between for that of what was read: it would look up to date until the next one.
+std::optional<FileIdentity> CompoundFile::identity() {
+    const std::optional<FileIdentity>& known = state_->identity();
+    const std::optional<FileIdentity> now = known ? disk().identity() : std::nullopt;
+    FileWatch* watch = state_->watch();
+    const bool isSame = now && (watch ? watch->isUntouched() : known->isSameStateAs(*now));
+    return isSame ? now : std::nullopt;
+}
+
 SectorSize CompoundFile::sectorSize() const {
     return static_cast<SectorSize>(state_->header().sectorSize());
 }

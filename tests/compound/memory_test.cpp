@@ -220,6 +220,25 @@ TEST_F(MemoryTest, AWatchTellsOfAnEditInPlace) {
     }
 }
 
+// An edit without the lock, while the file is read, must not leave old names with a new time.
+TEST_F(MemoryTest, AStateIsToldOnlyOfWhatWasReadInIt) {
+    for (const bool isWatched : {false, true}) {
+        disk_.setIsWatchable(isWatched);
+        appendTo(u"c");
+        appendTo(u"c");
+        for (const bool isEdited : {false, true, false}) {
+            CompoundFile file = open(Access::Read);
+            EXPECT_TRUE(file.root().openStorage(u"S").find(u"b"));
+            if (isEdited && isWatched) {
+                exchangeUnstamped(u"b", u"e");
+            } else if (isEdited) {
+                exchange(u"b", u"e");
+            }
+            EXPECT_EQ(file.identity().has_value(), !isEdited) << isWatched;
+        }
+    }
+}
+
 // Whatever call fails, and whether the change is dropped or falls: the next operation of the same
 // process sees what is in the file.
 TEST_F(MemoryTest, NothingIsRememberedOfWhatHasFailed) {
