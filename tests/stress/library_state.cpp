@@ -6,6 +6,7 @@
 #include "store/group_operations.h"
 #include "store/picture_operations.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <iterator>
@@ -262,15 +263,29 @@ void Share::readPictures(const GroupAddress& address, std::uint32_t group, State
     });
 }
 
+// A worker that was killed in renaming its file may have left both names. A listing takes the old
+// one away, but not while another worker has one of the two files in use or does the same.
+std::vector<store::FileName> Share::files() const {
+    const store::LockBudget budget(library_.lockWait);
+    do {
+        std::vector<store::FileName> files = store::groupFiles(library_);
+        const auto own = std::count_if(files.begin(), files.end(), [&](const auto& file) {
+            return file.text == ownFile(0) || file.text == ownFile(1);
+        });
+        if (own < 2) {
+            return files;
+        }
+    } while (budget.remaining().count() > 0);
+    throw std::runtime_error("the worker's file is there twice");
+}
+
 State Share::read() const {
     State state;
-    for (const store::FileName& file : store::groupFiles(library_)) {
+    for (const store::FileName& file : files()) {
         const std::vector<store::GroupEntry> groups = groupsOf(file);
         for (const std::uint32_t which : {0U, 1U}) {
             if (file.text == ownFile(which)) {
-                if (!state.emplace("file", which).second) {
-                    throw std::runtime_error("the worker's file is there twice");
-                }
+                state["file"] = which;
                 readPictures(store::topLevelAddress(file.text), kOwnFile, state);
             }
         }

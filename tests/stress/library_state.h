@@ -57,6 +57,7 @@ class Share {
     State read() const;
 
   private:
+    std::vector<store::FileName> files() const;
     std::filesystem::path source(const Operation& operation, std::uint32_t picture) const;
     store::GroupAddress addressOf(std::uint32_t group) const;
     std::u16string ownFile(std::uint32_t which) const;
