@@ -87,8 +87,10 @@ void forEachLeftover(const Library& library, const std::filesystem::path& folder
             continue;
         }
         try {
+            // Another program may have cleared it away since, and a third have made one of its
+            // name.
             const auto file = library.disk.open(folder / entry.name, Access::Read);
-            if (file->lock(std::chrono::milliseconds{0})) {
+            if (file->lock(std::chrono::milliseconds{0}) && file->isStillAtPath()) {
                 use(folder / entry.name);
             }
         } catch (const Error&) {

@@ -131,6 +131,24 @@ TEST_F(LeftoversTest, GoWithTheNextListingUnlessTheirMakerLives) {
     EXPECT_TRUE(disk.exists("/library/.txs-short.new")) << "not one of ours";
 }
 
+TEST_F(LeftoversTest, DoNotTakeALivingFileOfTheirNameAlong) {
+    topGroup(u"Plant");
+    const std::filesystem::path name = "/library/.txs-0123456789abcdef.new";
+    disk.create(name);
+    std::unique_ptr<compound::DiskFile> alive;
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Lock && !alive) {
+            disk.removeTemporary(name); // by another program, just now
+            alive = disk.create(name);
+            ASSERT_TRUE(alive->lock(std::chrono::milliseconds{0}));
+        }
+    });
+    EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
+    disk.setInterceptor({});
+    ASSERT_TRUE(alive);
+    EXPECT_TRUE(alive->isStillAtPath());
+}
+
 TEST_F(LeftoversTest, ThatCannotBeRemovedHideNothing) {
     topGroup(u"Plant");
     disk.create("/library/.txs-0123456789abcdef.new");
