@@ -50,6 +50,7 @@ class Arrival {
         }
         goOn(access_.file().disk().path(), progress, pictures.size(), pictures.size());
         trashing_.commit(access_);
+        access_.CloseGaps(arrived_.names.size());
         return std::move(arrived_);
     }
 

@@ -38,9 +38,14 @@ void writeGroupText(StorageHandle group, std::u16string_view stream, std::u16str
 void createGroupPair(StorageHandle root, const StorageName& storage, std::u16string_view parent,
                      std::u16string_view name);
 
-// Destroys a sub-group and all groups below it, as part of the file's transaction; their addresses,
-// the deepest first. InvalidName for a top-level group.
-std::vector<GroupAddress> destroyGroup(StorageAccess& access, const GroupAddress& group);
+struct DestroyedGroups {
+    std::vector<GroupAddress> groups; // the deepest first
+    std::size_t pictures = 0;         // that went with them; of each group two count at the most
+};
+
+// Destroys a sub-group and all groups below it, as part of the file's transaction. InvalidName for
+// a top-level group.
+DestroyedGroups destroyGroup(StorageAccess& access, const GroupAddress& group);
 
 // Has a top-level group's file moved to the trash; returns what `moveToTrash` does.
 std::filesystem::path

@@ -17,6 +17,18 @@ using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 
+// No more than whether it is none, one or several has to be known, so the rest is not walked.
+std::size_t countUpToTwo(const StorageHandle& group) {
+    std::size_t pictures = 0;
+    compound::ElementCursor cursor = group.elements();
+    compound::Element element;
+    while (pictures < 2 && cursor.next(element)) {
+        const bool isStream = element.kind == compound::ElementKind::Stream;
+        pictures += isStream && !isGroupText(element.name) ? 1U : 0U;
+    }
+    return pictures;
+}
+
 } // namespace
 
 GroupAddress createGroup(const Library& library, const std::optional<GroupAddress>& parent,
@@ -72,7 +84,7 @@ StorageName readGroupParent(const Library& library, const GroupAddress& group) {
     return {access.groupStream()->GetText()};
 }
 
-std::vector<GroupAddress> destroyGroup(StorageAccess& access, const GroupAddress& group) {
+DestroyedGroups destroyGroup(StorageAccess& access, const GroupAddress& group) {
     if (isTopLevel(group)) {
         throw Error(ErrorCode::InvalidName, access.file().disk().path(),
                     "the top-level group goes with its file only");
@@ -84,7 +96,8 @@ std::vector<GroupAddress> destroyGroup(StorageAccess& access, const GroupAddress
     const auto element = access.root().find(group.storage.text); // as the file spells it
     const GroupAddress first{group.file, {element->name}};
     std::set<std::u16string> doomed{first.storage.text};
-    std::vector<GroupAddress> removed{first};
+    DestroyedGroups destroyed{{first}};
+    std::vector<GroupAddress>& removed = destroyed.groups;
     for (const GroupEntry& entry : groups) {
         if (doomed.contains(entry.parent.text) &&
             doomed.insert(entry.address.storage.text).second) {
@@ -93,20 +106,22 @@ std::vector<GroupAddress> destroyGroup(StorageAccess& access, const GroupAddress
     }
     std::reverse(removed.begin(), removed.end());
     for (const GroupAddress& address : removed) {
+        destroyed.pictures += countUpToTwo(access.root().OpenStorage(address.storage.text));
         access.root().DestroyElement(address.storage.text);
         if (const auto info = access.root().find(infoStorageOf(address.storage).text)) {
             access.root().DestroyElement(info->name);
         }
     }
-    return removed;
+    return destroyed;
 }
 
 std::vector<GroupAddress> deleteGroup(const Library& library, const GroupAddress& group) {
     StorageAccess access(library);
     access.openGroup(group, Access::ReadWrite);
-    std::vector<GroupAddress> removed = destroyGroup(access, group);
-    access.CommitMany();
-    return removed;
+    DestroyedGroups destroyed = destroyGroup(access, group);
+    access.Commit();
+    access.CloseGaps(destroyed.pictures);
+    return std::move(destroyed.groups);
 }
 
 std::filesystem::path

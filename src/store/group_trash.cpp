@@ -73,8 +73,9 @@ TrashedGroup trashSubGroup(const Library& library, const GroupAddress& group,
         readGroupText(access.groupStorage(), kNameStream).value_or(group.storage.text);
     trashed.file = fileInTrash(library, access, group, trashed.name, trash, progress);
     try {
-        destroyGroup(access, group);
-        access.CommitMany();
+        const DestroyedGroups destroyed = destroyGroup(access, group);
+        access.Commit();
+        access.CloseGaps(destroyed.pictures);
     } catch (const Error& error) {
         if (error.code() != ErrorCode::OutcomeUnknown && !trashed.file.empty()) {
             removeFromTrash(library.disk, trash, trashed.file);

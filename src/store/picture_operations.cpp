@@ -97,6 +97,7 @@ struct PictureBatch::State {
     const Library& library;
     GroupAddress group;
     StorageAccess access;
+    std::size_t added = 0;
 };
 
 PictureBatch::PictureBatch(const Library& library, const GroupAddress& group)
@@ -113,10 +114,12 @@ void PictureBatch::add(const PictureName& name, const std::filesystem::path& sou
     const PictureSource read = readPictureSource(state_->library, source);
     state_->access.file().makeRoom(read.bytes.size() + kLongestRecord);
     storePicture(state_->library, state_->access, state_->group, name, read);
+    ++state_->added;
 }
 
 void PictureBatch::commit() {
-    state_->access.CommitMany();
+    state_->access.Commit();
+    state_->access.CloseGaps(state_->added);
 }
 
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,

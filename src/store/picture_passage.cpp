@@ -54,6 +54,7 @@ class Passing {
         if (!isOneFile_ && kind_ == PassageKind::Move) {
             removeFromSource(result);
         }
+        closeGaps(result.passed.size());
         return result;
     }
 
@@ -161,9 +162,17 @@ class Passing {
             for (const PassedPicture& picture : result.passed) {
                 destroy(*from_, picture.from);
             }
-            first_.CommitMany();
+            first_.Commit();
         } catch (const Error& error) {
             result.sourceFailure = error;
+        }
+    }
+
+    // Once both groups have what they are to have: a power cut before that leaves pictures in both.
+    void closeGaps(std::size_t pictures) {
+        target().CloseGaps(pictures);
+        if (!isOneFile_ && kind_ == PassageKind::Move) {
+            first_.CloseGaps(pictures);
         }
     }
 

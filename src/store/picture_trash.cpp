@@ -57,6 +57,7 @@ std::vector<TrashedPicture> deletePictures(const Library& library, const GroupAd
     }
     goOn(file, progress, names.size(), names.size());
     trashing.commit(access);
+    access.CloseGaps(deleted.size());
     return deleted;
 }
 
@@ -108,6 +109,7 @@ RestoredPictures restorePictures(const Library& library, const GroupAddress& gro
     for (const std::filesystem::path& trashed : files) {
         removeFromTrash(library.disk, trash, trashed);
     }
+    access.CloseGaps(restored.names.size());
     return restored;
 }
 

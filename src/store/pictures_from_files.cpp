@@ -147,7 +147,8 @@ FilesAdded addFiles(const Library& library, const GroupAddress& group,
         access.openOrCreateInfo(group);
         putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
     });
-    access.CommitMany();
+    access.Commit();
+    access.CloseGaps(result.pictures);
     result.group = group;
     return result;
 }

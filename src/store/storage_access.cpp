@@ -184,9 +184,10 @@ void StorageAccess::openOrCreateInfo(const GroupAddress& group) {
     }
 }
 
-void StorageAccess::CommitMany() {
-    fileStorage_->commit();
-    fileStorage_->closeGaps();
+void StorageAccess::CloseGaps(std::size_t pictures) {
+    if (pictures > 1) {
+        fileStorage_->closeGaps();
+    }
 }
 
 void StorageAccess::release() {

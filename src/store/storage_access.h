@@ -85,8 +85,10 @@ class StorageAccess {
     // Makes everything durable at one instant.
     void Commit() { fileStorage_->commit(); }
 
-    // The same for what may replace or remove many pictures, whose space is given back at once.
-    void CommitMany();
+    // Comes after the Commit of what has changed so many pictures: the space of several that were
+    // replaced or removed is given back at once. What a single one leaves waits for the next
+    // changes, so that it costs one transaction.
+    void CloseGaps(std::size_t pictures);
 
     // Empties all five slots and lets go of the lock.
     void release();

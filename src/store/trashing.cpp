@@ -66,7 +66,7 @@ std::filesystem::path Trashing::move(const std::string& fileName,
 
 void Trashing::commit(StorageAccess& access) {
     try {
-        access.CommitMany();
+        access.Commit();
     } catch (const Error& error) {
         if (error.code() == ErrorCode::OutcomeUnknown) {
             files_.clear();

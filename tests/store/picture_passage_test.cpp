@@ -1,11 +1,16 @@
 // Pictures between groups, pictures that arrive, groups that come back.
+#include "base/utf8.h"
+#include "compound/format.h"
 #include "store/arriving_pictures.h"
 #include "store/fitting_names.h"
 #include "store/group_trash.h"
 #include "store/names.h"
 #include "store/store_fixture.h"
 
+#include <algorithm>
+#include <functional>
 #include <gmock/gmock.h>
+#include <iterator>
 #include <stdexcept>
 
 namespace store::testing {
@@ -203,6 +208,139 @@ TEST_F(PicturePassage, AFileThatGrowsIsLeftOut) {
     ASSERT_EQ(arrived.skipped.size(), 1U);
     EXPECT_EQ(arrived.skipped[0].failure.file(), growing);
     EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b"));
+}
+
+// Changes of pictures that are large enough to leave gaps worth closing.
+class GapsBehindPictures : public StoreTest {
+  protected:
+    // A group of its own file with such pictures, "0" and so on, and others behind them.
+    GroupAddress groupWith(std::u16string_view name, std::size_t pictures) {
+        const GroupAddress top = topGroup(name);
+        GroupAddress below = subGroup(top, u"Valves");
+        for (std::size_t i = 0; i < pictures; ++i) {
+            add(below, numbered(i).text, std::string(kBytes, 'v'));
+        }
+        for (const char16_t* behind : {u"behind", u"it", u"lie", u"others"}) {
+            add(top, behind, std::string(kBytes, 'b'));
+        }
+        return below;
+    }
+
+    static PictureName numbered(std::size_t number) {
+        return {base::fromUtf8(std::to_string(number))};
+    }
+
+    template <typename Item, typename Make>
+    static std::vector<Item> several(std::size_t count, Make make) {
+        std::vector<Item> items;
+        for (std::size_t i = 0; i < count; ++i) {
+            items.push_back(make(i));
+        }
+        return items;
+    }
+
+    // The low byte of what counts a file's transactions.
+    std::uint8_t transactionOf(std::u16string_view file) {
+        const auto bytes = disk.content(pathOf(library, {std::u16string(file)}));
+        return std::to_integer<std::uint8_t>(bytes.at(compound::format::header::kTransactionAt));
+    }
+
+    static constexpr std::size_t kBytes = 300000;
+};
+
+// A power cut between the commits that give and take leaves the pictures in both files.
+TEST_F(GapsBehindPictures, AreClosedWhenBothFilesHaveWhatTheyAreToHave) {
+    const GroupAddress from = groupWith(u"From", 2);
+    const GroupAddress to = groupWith(u"To", 2);
+    const auto both = several<PassingPicture>(2, [](std::size_t i) {
+        return PassingPicture{numbered(i), IfNameTaken::Replace};
+    });
+    std::string order;
+    std::uint8_t last[] = {transactionOf(u"From"), transactionOf(u"To")};
+    const auto look = [&] {
+        const std::uint8_t now[] = {transactionOf(u"From"), transactionOf(u"To")};
+        order += now[0] != last[0] ? "source " : "";
+        order += now[1] != last[1] ? "target " : "";
+        std::copy(std::begin(now), std::end(now), std::begin(last));
+    };
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call == MemoryDisk::Call::Sync) {
+            look();
+        }
+    });
+    passPictures(library, from, to, both, PassageKind::Move);
+    disk.setInterceptor({});
+    EXPECT_EQ(order, "target source target source ");
+    expectSound(u"From");
+    expectSound(u"To");
+}
+
+// What one picture leaves waits for the next changes: two more syncs would double its price.
+TEST_F(GapsBehindPictures, AreClosedAtOnceOnlyBehindSeveral) {
+    const auto sourceOf = [&](std::size_t i) {
+        return source(base::toUtf8(numbered(i).text) + ".bmp", 15, 15, std::string(kBytes, 's'));
+    };
+    const auto namesOf = [](std::size_t count) { return several<PictureName>(count, numbered); };
+    const auto passingOf = [](std::size_t count) {
+        return several<PassingPicture>(count, [](std::size_t i) {
+            return PassingPicture{numbered(i), IfNameTaken::Replace};
+        });
+    };
+    const auto arrivingOf = [&](std::size_t count) {
+        return several<ArrivingPicture>(count, [&](std::size_t i) {
+            return ArrivingPicture{sourceOf(i), numbered(i), IfNameTaken::Replace};
+        });
+    };
+    const GroupAddress elsewhere = topGroup(u"Elsewhere");
+    std::vector<TrashedPicture> trashed;
+    using Group = const GroupAddress&;
+    const std::pair<const char*, std::function<void(Group, std::size_t)>> operations[] = {
+        {"delete",
+         [&](Group group, std::size_t count) {
+             trashed = deletePictures(library, group, namesOf(count), &trash);
+         }},
+        {"replace by those in the trash",
+         [&](Group group, std::size_t count) {
+             restorePictures(library, group, std::span(trashed).first(count), trash,
+                             IfNameTaken::Replace);
+         }},
+        {"move",
+         [&](Group group, std::size_t count) {
+             passPictures(library, group, elsewhere, passingOf(count), PassageKind::Move);
+         }},
+        {"replace by another group's",
+         [&](Group group, std::size_t count) {
+             passPictures(library, elsewhere, group, passingOf(count), PassageKind::Copy);
+         }},
+        {"replace by arriving ones",
+         [&](Group group, std::size_t count) { addArriving(library, group, arrivingOf(count)); }},
+        {"replace by files",
+         [&](Group group, std::size_t count) {
+             addFiles(library, group, several<std::filesystem::path>(count, sourceOf),
+                      IfPictureExists::Replace);
+         }},
+        {"replace in a batch",
+         [&](Group group, std::size_t count) {
+             PictureBatch batch(library, group);
+             for (std::size_t i = 0; i < count; ++i) {
+                 batch.add(numbered(i), sourceOf(i), IfPictureExists::Replace);
+             }
+             batch.commit();
+         }},
+        {"delete the group", [&](Group group, std::size_t) { deleteGroup(library, group); }},
+        {"trash the group", [&](Group group, std::size_t) { trashGroup(library, group, trash); }},
+    };
+    std::u16string file = u"Works";
+    for (const std::size_t count : {2U, 1U}) {
+        for (const auto& [what, change] : operations) {
+            file += u'x';
+            const GroupAddress group = groupWith(file, count);
+            const std::uint8_t before = transactionOf(file);
+            change(group, count);
+            EXPECT_EQ(transactionOf(file) - before, static_cast<int>(count)) << what;
+            expectSound(file);
+        }
+    }
 }
 
 TEST(FittingNames, AreValidAndKeepWhatTheyCan) {
