@@ -21,7 +21,7 @@ std::uint64_t AllocationTable::allowedSurplus() const {
 }
 
 // The home and the last ranges, where the reserve is, are counted in any case.
-std::uint64_t AllocationTable::surplus(std::uint64_t reserve) {
+std::uint64_t AllocationTable::surplus(std::uint64_t reserve, Look look) {
     constexpr std::uint32_t kSample = 8;
     loadDifat();
     const std::uint32_t end = file_.count();
@@ -43,8 +43,9 @@ std::uint64_t AllocationTable::surplus(std::uint64_t reserve) {
             ++looked;
         }
     }
+    const std::uint64_t known = look == Look::Loaded ? usableInLoaded() : 0;
     const std::uint64_t likely =
-        withoutReserve(near + (looked == 0 ? 0 : sampled * first / looked));
+        withoutReserve(std::max(known, near + (looked == 0 ? 0 : sampled * first / looked)));
     if (count > 4 * kSample && likely <= allowedSurplus()) {
         return likely;
     }
@@ -53,6 +54,15 @@ std::uint64_t AllocationTable::surplus(std::uint64_t reserve) {
         free += freeIn(index);
     }
     return withoutReserve(free);
+}
+
+// Ranges at equal distances may miss what pictures of one size have left.
+std::uint64_t AllocationTable::usableInLoaded() {
+    std::uint64_t free = 0;
+    for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
+        free += ranges_[index] ? usableIn(index, file_.count(), Free::Now) : 0;
+    }
+    return free;
 }
 
 std::uint64_t AllocationTable::inChainsFrom(std::uint32_t end) {

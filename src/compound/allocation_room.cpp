@@ -122,7 +122,7 @@ void AllocationTable::provide(std::uint64_t wanted, Free which) {
 void AllocationTable::growAhead(std::uint64_t reserve) {
     constexpr std::uint64_t kMost = std::uint64_t{1} << 20U; // bytes
     const std::uint32_t before = file_.count();
-    const std::uint64_t free = surplus(reserve) + pending_.size();
+    const std::uint64_t free = surplus(reserve, Look::Few) + pending_.size();
     const std::uint64_t left = allowedSurplus() - std::min(allowedSurplus(), free);
     const std::uint64_t step =
         std::min({left / 2, kMost / file_.sectorSize(), std::uint64_t{before / 8}});

@@ -111,10 +111,14 @@ class AllocationTable {
         return promised_ == 0 || provided_ >= promised_ + sectors;
     }
 
+    // What tells whether a large file has a surplus: a few ranges, others in each transaction, or
+    // also all whose FAT sector is in memory, as it is where the transactions before have freed.
+    enum class Look { Few, Loaded };
+
     // Sectors inside the file that the transaction may take, beyond `reserve` and one of each
-    // range. Only estimated, from a few ranges of a large file, when that is no more than is
-    // allowed.
-    std::uint64_t surplus(std::uint64_t reserve);
+    // range. Only estimated, from the ranges that are looked at in a large file, when that is no
+    // more than is allowed.
+    std::uint64_t surplus(std::uint64_t reserve, Look look);
 
     // How large the surplus may get before it is worth giving back.
     std::uint64_t allowedSurplus() const;
@@ -251,6 +255,7 @@ class AllocationTable {
     std::uint32_t allocateOnce(std::uint32_t near, Purpose purpose);
     std::uint64_t usableIn(std::uint32_t index, std::uint32_t count, Free which);
     std::uint64_t usable(std::uint64_t wanted, std::uint32_t count, Free which);
+    std::uint64_t usableInLoaded();
     void lengthen(std::uint64_t sectors, std::uint64_t more);
     void lengthenFreely(std::uint64_t sectors, std::uint64_t more);
     std::uint32_t limit() const {

@@ -21,6 +21,9 @@ namespace {
 constexpr std::uint32_t kOwnSignature = 0x54000000;
 constexpr std::uint32_t kSignatureMask = 0xFF000000;
 
+// After a smaller change, or for less space, the two syncs of another transaction are too dear.
+constexpr std::uint64_t kLeastBytes = std::uint64_t{256} << 10U;
+
 bool isOurs(const Header& header) {
     return (header.transaction & kSignatureMask) == kOwnSignature;
 }
@@ -167,18 +170,18 @@ void FileState::makeSound() {
 void FileState::commit() {
     constexpr std::uint64_t kMostBytes = std::uint64_t{8} << 20U; // a small change waits for them
     if (changed_) {
-        commitMoving(kMostBytes / file_.sectorSize());
+        commitMoving(kMostBytes / file_.sectorSize(), AllocationTable::Look::Few);
     }
 }
 
 // `most`: sectors that may move for the file to become shorter.
-void FileState::commitMoving(std::uint64_t most) {
+void FileState::commitMoving(std::uint64_t most, AllocationTable::Look look) {
     requireWhole();
     inPieces_ = true;
     if (hasRoomToBalance()) {
         parts_->directory.balance();
     }
-    const bool evenFew = moveIntoGaps(most) || isNew_ || isInherited_;
+    const bool evenFew = moveIntoGaps(most, look) || isNew_ || isInherited_;
     if (!isNew_ && !isInherited_) { // one of several changes
         HomeTidying(parts_->table, parts_->directoryChain, parts_->mini).run();
     }
@@ -237,20 +240,18 @@ std::uint64_t FileState::reserve() {
 }
 
 // Not on a full disk, where they are what changes live on.
-bool FileState::moveIntoGaps(std::uint64_t most) {
+bool FileState::moveIntoGaps(std::uint64_t most, AllocationTable::Look look) {
     Parts& parts = *parts_;
     return !parts.table.isFull() && GapClosing(file_, parts.table, parts.directory,
                                                parts.directoryChain, parts.mini, parts.content)
-                                        .run(reserve(), most);
+                                        .run(reserve(), most, look);
 }
 
-// After a smaller change, or for less space, the two syncs of another transaction are too dear.
 bool FileState::hasLargeGaps() {
-    constexpr std::uint64_t kLeastBytes = std::uint64_t{256} << 10U;
     constexpr std::uint64_t kMany = 2;
     AllocationTable& table = parts_->table;
     return !changed_ && lastFreed_ * file_.sectorSize() >= kLeastBytes &&
-           table.surplus(reserve()) > kMany * table.allowedSurplus();
+           table.surplus(reserve(), AllocationTable::Look::Loaded) > kMany * table.allowedSurplus();
 }
 
 // What moves is bounded by what the transaction has written, so that a batch which replaces all
@@ -262,7 +263,7 @@ void FileState::closeGaps() {
     std::uint64_t most = lastTaken_ + kMoreBytes / file_.sectorSize();
     for (int step = 0; step < kMostSteps && hasLargeGaps(); ++step) {
         { const Change change(*this); }
-        commitMoving(most);
+        commitMoving(most, AllocationTable::Look::Loaded);
         most -= std::min(most, lastFreed_);
     }
 }

@@ -115,8 +115,8 @@ class FileState {
     std::uint64_t reserve();
     void keepReserve();
     bool hasRoomToBalance();
-    bool moveIntoGaps(std::uint64_t most);
-    void commitMoving(std::uint64_t most);
+    bool moveIntoGaps(std::uint64_t most, AllocationTable::Look look);
+    void commitMoving(std::uint64_t most, AllocationTable::Look look);
     void writeHeader();
     void putHeaderBack(const char* cause);
     std::uint32_t neededEnd();

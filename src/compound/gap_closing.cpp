@@ -8,9 +8,9 @@ namespace compound {
 
 using namespace format;
 
-bool GapClosing::run(std::uint64_t reserve, std::uint64_t most) {
+bool GapClosing::run(std::uint64_t reserve, std::uint64_t most, AllocationTable::Look look) {
     constexpr std::uint64_t kFew = 16;
-    const std::uint64_t surplus = table_.surplus(reserve);
+    const std::uint64_t surplus = table_.surplus(reserve, look);
     if (surplus <= table_.allowedSurplus()) {
         return false;
     }

@@ -34,7 +34,7 @@ class GapClosing {
     // transaction when the last FAT sector has no place before what moves. Nothing moves when
     // the file's end holds what is in no sound chain; `most`: sectors that move. A larger surplus
     // goes in steps, one a transaction.
-    bool run(std::uint64_t reserve, std::uint64_t most);
+    bool run(std::uint64_t reserve, std::uint64_t most, AllocationTable::Look look);
 
   private:
     // What the sectors from `end` on hold: streams, in parts at least; how many sectors it is.
