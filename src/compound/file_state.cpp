@@ -256,15 +256,20 @@ bool FileState::hasLargeGaps() {
 
 // What moves is bounded by what the transaction has written, so that a batch which replaces all
 // takes no more than twice its time, and by some more, since one that only deletes writes little.
-// What was not cut, having no place for the last FAT sector, is cut by the second step.
+// Pages that have found no place before what moves, since it fills all gaps, may keep the file from
+// being cut: then another step moves at least them.
 void FileState::closeGaps() {
     constexpr std::uint64_t kMoreBytes = std::uint64_t{64} << 20U;
     constexpr int kMostSteps = 3;
+    const std::uint64_t least = kLeastBytes / file_.sectorSize();
     std::uint64_t most = lastTaken_ + kMoreBytes / file_.sectorSize();
-    for (int step = 0; step < kMostSteps && hasLargeGaps(); ++step) {
+    for (int step = 0; step < kMostSteps && most >= least && hasLargeGaps(); ++step) {
+        const std::uint32_t before = file_.count();
         { const Change change(*this); }
         commitMoving(most, AllocationTable::Look::Loaded);
         most -= std::min(most, lastFreed_);
+        const bool isCut = file_.count() + lastFreed_ / 2 <= before;
+        most = isCut ? most : std::max(most, least);
     }
 }
 
@@ -325,6 +330,8 @@ void FileState::putHeaderBack(const char* cause) {
     isDurable_ = true;
 }
 
+// Behind the last range any sector will do for the reserve, with one more for the FAT sector that
+// will describe them; none of them is counted as free, so going on would keep them all.
 std::uint32_t FileState::neededEnd() {
     const std::uint64_t count = file_.count();
     std::uint64_t end = parts_->table.usedEnd();
@@ -332,6 +339,10 @@ std::uint32_t FileState::neededEnd() {
         const std::uint64_t lacking = parts_->table.missing(
             reserve(), static_cast<std::uint32_t>(end), AllocationTable::Free::Now);
         if (lacking == 0) {
+            break;
+        }
+        if (!parts_->table.covers(static_cast<std::uint32_t>(end))) {
+            end += lacking + 1;
             break;
         }
         end += lacking; // one more when the last range had none free so far

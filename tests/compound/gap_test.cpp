@@ -1,10 +1,13 @@
-// What a batch leaves in a large file: gaps are found wherever they are.
+// What a batch leaves in a large file: gaps are found wherever they are, and no transaction is made
+// that cannot gain by it.
 #include "compound/file_helpers.h"
 #include "compound/format.h"
 #include "compound/raw_file.h"
 #include "compound/watched_file.h"
 
+#include <functional>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace compound_tests {
 namespace {
@@ -14,6 +17,71 @@ using compound::SectorSize;
 using namespace compound::format;
 
 const std::filesystem::path& kPath = kWatchedPath;
+
+// Pictures of one file, the bytes of those that are to go, and of the others.
+struct Pictures {
+    std::uint64_t going = 0;
+    std::uint64_t staying = 0;
+};
+
+Pictures makeLargeFile(MemoryDisk& disk, SectorSize sectorSize, std::uint32_t seed,
+                       std::size_t count, const std::function<bool(std::size_t)>& goes) {
+    constexpr std::uint32_t kLeast = 2U << 20U;
+    const auto bytes = patterned(std::size_t{kLeast} * 3 / 2, 1);
+    std::mt19937 random(seed);
+    Pictures made;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), sectorSize);
+    auto pictures = file.root().createStorage(u"Pumps");
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t size = kLeast + random() % (kLeast / 2);
+        pictures.createStream(nameOf(u'p', i)).assign(std::span(bytes).first(size));
+        (goes(i) ? made.going : made.staying) += size;
+    }
+    file.commit();
+    return made;
+}
+
+// 64 MiB move at the most. In one of these files all of it has moved and nothing more can be
+// gained; in one the first step cannot cut the file, since its own pages find no place further to
+// the front; and in one the reserve has no room in what the FAT describes.
+TEST(GapTest, FewStepsCloseWhatMayBeClosedAndCutTheFile) {
+    constexpr std::uint64_t kMost = std::uint64_t{64} << 20U;
+    constexpr std::size_t kCount = 60;
+    constexpr int kSyncsOfTwoSteps = 4;
+    struct Case {
+        const char* what;
+        SectorSize sectorSize;
+        std::uint32_t seed;
+        std::function<bool(std::size_t)> goes;
+    };
+    const auto isInFront = [](std::size_t number) { return number + 1 < kCount / 2; };
+    const auto isEven = [](std::size_t number) { return number % 2 == 0; };
+    const Case cases[] = {{"all has moved", SectorSize::Bytes4096, 1, isInFront},
+                          {"cut by the second step", SectorSize::Bytes512, 2, isInFront},
+                          {"no range for the reserve", SectorSize::Bytes512, 4, isEven}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.what);
+        MemoryDisk disk;
+        const Pictures made = makeLargeFile(disk, each.sectorSize, each.seed, kCount, each.goes);
+        Traffic traffic;
+        CompoundFile file = openWatched(disk, each.sectorSize, traffic);
+        auto pictures = file.root().openStorage(u"Pumps");
+        for (std::size_t i = 0; i < kCount; ++i) {
+            if (each.goes(i)) {
+                pictures.destroy(nameOf(u'p', i));
+            }
+        }
+        file.commit();
+        traffic = {};
+        file.closeGaps();
+        EXPECT_LE(traffic.syncs, kSyncsOfTwoSteps);
+        EXPECT_TRUE(traffic.overwritten.empty());
+        // Where every other one goes, the gaps are a half of what moves away.
+        const std::uint64_t rest = each.goes(1) ? made.going - kMost : 0;
+        EXPECT_LE(file.disk().size(), made.staying + rest + made.staying / 32);
+        EXPECT_EQ(findingsOf(file), "");
+    }
+}
 
 // As 66 pictures of 30 MB in sectors of 4096 bytes, of which every other one goes: few of the FAT's
 // sectors are looked at, and in some transactions only those of what has stayed.
