@@ -310,14 +310,15 @@ void AllocationTable::makeSound() {
     difatTouched_ = static_cast<std::uint32_t>(fatSectors_.size());
 }
 
-// Gives every changed FAT sector a new place, or those only that lie in another range than their
-// own; true when that changed anything.
-bool AllocationTable::moveFatSectors(bool onlyAstray) {
+// Gives every changed FAT sector of the first `count` ranges a new place, or those only that lie in
+// another range than their own; true when that changed anything.
+bool AllocationTable::moveFatSectors(std::size_t count, bool onlyAstray) {
     bool any = false;
     for (std::size_t i = 0; i < touched_.size(); ++i) { // moving one may touch others
         const std::uint32_t index = touched_[i];
         const bool isAstray = fatSectors_[index] / perSector_ != index;
-        if (!ranges_[index]->dirty || ranges_[index]->moved || (onlyAstray && !isAstray)) {
+        if (index >= count || !ranges_[index]->dirty || ranges_[index]->moved ||
+            (onlyAstray && !isAstray)) {
             continue;
         }
         any = ranges_[index]->moved = true;
@@ -374,30 +375,39 @@ std::vector<std::byte> AllocationTable::difatSector(std::size_t index) const {
     return bytes;
 }
 
+// Whether a range holds nothing but its own FAT sector, if that.
+bool AllocationTable::isEmpty(std::uint32_t index) {
+    const Range& range = load(index);
+    const std::uint32_t own = fatSectors_[index];
+    for (std::uint32_t at = 0; at < perSector_; ++at) {
+        const std::uint32_t sector = index * perSector_ + at;
+        const bool isUsed = range.at(at) != kFreeSector && sector != rangeLock();
+        if ((isUsed || tables_.contains(sector)) && sector != own) {
+            return false;
+        }
+    }
+    return own / perSector_ <= index; // or it is another program's arrangement
+}
+
 // Lets go of the last FAT sectors when the sectors that they describe are all free, so that the
-// file can be cut. The DIFAT, which changes with that, gets its places first: the last sectors that
-// may be taken before the commit can be those that go.
+// file can be cut. What changes in the tables gets its places first: the last sectors that may be
+// taken before the commit can be those that go, and a range that comes back has none to take, since
+// the committed state uses what has just left it.
 void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
+    std::size_t kept = ranges_.size();
+    while (kept > 0 && ranges_[kept - 1] && isEmpty(static_cast<std::uint32_t>(kept - 1))) {
+        --kept;
+    }
     while (!ranges_.empty() && ranges_.back()) {
         const auto index = static_cast<std::uint32_t>(ranges_.size() - 1);
         const std::uint32_t own = fatSectors_[index];
-        for (std::uint32_t at = 0; at < perSector_; ++at) {
-            const std::uint32_t sector = index * perSector_ + at;
-            const bool isUsed = ranges_[index]->at(at) != kFreeSector && sector != rangeLock();
-            if ((isUsed || tables_.contains(sector)) && sector != own) {
-                return;
-            }
-        }
-        if (own / perSector_ > index) {
-            return; // another program's arrangement
-        }
-        if (missing(reserve, index * perSector_, Free::AfterCommit) > 0) {
+        if (!isEmpty(index) || missing(reserve, index * perSector_, Free::AfterCommit) > 0) {
             return;
         }
-        if (difatMoved_ < difatSectors_.size()) {
-            touchDifat(index);
-            moveDifat();
-            continue; // it may lie in this range now
+        touchDifat(index);
+        change(own / perSector_);
+        if (moveFatSectors(kept, false) || moveDifat()) {
+            continue; // they may lie in this range now
         }
         releaseTable(own);
         fatSectors_.pop_back();
@@ -411,13 +421,13 @@ void AllocationTable::dropEmptyRanges(std::uint64_t reserve) {
 
 void AllocationTable::writeOut(std::uint64_t reserve, SectorWrites& writes) {
     if (leavesHome()) {
-        moveFatSectors(true); // they may be all that keeps a range at the end
+        moveFatSectors(ranges_.size(), true); // they may be all that keeps a range at the end
     }
     dropEmptyRanges(reserve);
     // Moving one sector changes entries, which may lie in a FAT sector not yet moved; each sector
     // moves once, so this ends.
     for (bool again = true; again;) {
-        again = moveFatSectors(false);
+        again = moveFatSectors(ranges_.size(), false);
         again = moveDifat() || again;
     }
     for (const std::uint32_t index : touched_) {

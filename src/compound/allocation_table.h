@@ -225,6 +225,7 @@ class AllocationTable {
     [[noreturn]] void throwFull() const;
     void addRange();
     bool canGrow() const;
+    bool isEmpty(std::uint32_t index);
     void dropEmptyRanges(std::uint64_t reserve);
     std::uint32_t findFree(std::uint32_t index, std::uint32_t from, std::uint32_t reserve);
     std::uint32_t findFreeForData(std::uint32_t at);
@@ -274,7 +275,7 @@ class AllocationTable {
     void mark(std::uint32_t sector, std::uint32_t as);
     void markTable(std::uint32_t sector, std::uint32_t as);
     void releaseTable(std::uint32_t sector);
-    bool moveFatSectors(bool onlyAstray);
+    bool moveFatSectors(std::size_t count, bool onlyAstray);
     bool moveDifat();
     std::vector<std::byte> difatSector(std::size_t index) const; // its bytes
 

@@ -110,5 +110,30 @@ TEST(GapTest, EvenlySpacedGapsAreFoundInEveryTransaction) {
     }
 }
 
+// What moves away leaves ranges of which each sector is in force until the commit: once they have
+// gone, they cannot come back for a FAT sector that finds no other place.
+TEST(GapTest, AFileThatHasGivenRangesBackCanBeChanged) {
+    constexpr std::size_t kPictures = 20;
+    for (const std::size_t kibibytes : {343U, 406U}) {
+        MemoryDisk disk;
+        CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+        for (std::size_t i = 0; i < kPictures; ++i) {
+            file.root().createStream(nameOf(u'p', i)).assign(patterned(kibibytes << 10U, 1));
+        }
+        file.commit();
+        file = openFile(disk, kPath);
+        for (std::size_t i = 0; i + 1 < kPictures / 2; ++i) {
+            file.root().destroy(nameOf(u'p', i));
+        }
+        file.commit();
+        file.closeGaps();
+        disk.setCapacity(disk.placed());
+        file = openFile(disk, kPath);
+        file.root().rename(nameOf(u'p', kPictures - 1), u"renamed");
+        EXPECT_NO_THROW(file.commit());
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+    }
+}
+
 } // namespace
 } // namespace compound_tests
