@@ -113,19 +113,26 @@ void AllocationTable::leave(std::uint32_t end) {
     }
 }
 
-std::uint32_t AllocationTable::allocateGap() {
-    while (gapAt_ < leftEnd_) {
+// A sector for which none is left before the end goes as far to the front behind it as it can: at
+// the very end it would keep the file from being cut.
+std::uint32_t AllocationTable::allocateGap(std::uint32_t before) {
+    while (gapAt_ < before) {
         const std::uint32_t index = gapAt_ / perSector_;
-        const bool isLast = index == (leftEnd_ - 1) / perSector_;
+        const bool isBehind = gapAt_ >= leftEnd_;
+        const bool isLast = !isBehind && index == (leftEnd_ - 1) / perSector_;
         const bool isFull = isLast && lastGaps_ == 0;
         const std::uint32_t kept = liesBefore(index, leftEnd_) ? keptFromData(index) : kKeptForFat;
         const std::uint32_t found = isFull ? kNone : findFree(index, gapAt_ % perSector_, kept);
-        if (found != kNone && found >= gapAt_ && found < leftEnd_) {
+        const std::uint32_t end = isLast ? leftEnd_ : (index + 1) * perSector_;
+        if (found != kNone && found >= gapAt_ && found < end) {
+            if (found >= before) {
+                return kNone;
+            }
             gapAt_ = found + 1;
             lastGaps_ -= isLast ? 1U : 0U;
             return take(found);
         }
-        gapAt_ = (index + 1) * perSector_;
+        gapAt_ = end;
     }
     return kNone;
 }

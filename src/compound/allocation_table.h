@@ -138,8 +138,9 @@ class AllocationTable {
     // DIFAT sectors behind it move.
     void leave(std::uint32_t end);
 
-    // After leave(): takes a free sector before its end; kFreeSector when there is none.
-    std::uint32_t allocateGap();
+    // After leave(), for what lies at `before`, behind its end: takes a free sector before that
+    // end, or else one between the two; kFreeSector when there is none.
+    std::uint32_t allocateGap(std::uint32_t before);
 
     // Lets the next transactions' chains go to another range when little is left in their home and
     // there is one with room, for which the directory's first page has to move. Whether it has.

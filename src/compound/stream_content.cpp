@@ -202,7 +202,7 @@ void StreamContent::leave(EntryId id, std::uint32_t end) {
     const std::vector<std::uint32_t> before = chainOf(id);
     std::vector<std::uint32_t> after = before;
     for (std::uint32_t& sector : after) {
-        const std::uint32_t gap = sector < end ? kFreeSector : table_.allocateGap();
+        const std::uint32_t gap = sector < end ? kFreeSector : table_.allocateGap(sector);
         sector = gap == kFreeSector ? sector : gap;
     }
     const bool isCopied = copyMoved(before, after);

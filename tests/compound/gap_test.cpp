@@ -110,6 +110,31 @@ TEST(GapTest, EvenlySpacedGapsAreFoundInEveryTransaction) {
     }
 }
 
+// Pages and FAT sectors keep a few of the gaps to themselves, so that the last sectors of the
+// picture at the file's end find none.
+TEST(GapTest, WhatFindsNoGapDoesNotKeepTheFileFromBeingCut) {
+    constexpr std::size_t kPictures = 30;
+    for (const std::size_t kibibytes : {276U, 348U}) {
+        MemoryDisk disk;
+        CompoundFile file = CompoundFile::create(disk.create(kPath));
+        for (std::size_t i = 0; i < kPictures; ++i) {
+            file.root().createStream(nameOf(u'p', i)).assign(patterned(kibibytes << 10U, 1));
+        }
+        file.commit();
+        file = openFile(disk, kPath);
+        for (std::size_t i = 0; i < kPictures / 2; ++i) {
+            file.root().destroy(nameOf(u'p', i));
+        }
+        file.commit();
+        const Content content = contentOf(file);
+        const std::uint64_t before = file.disk().size();
+        file.closeGaps();
+        EXPECT_LT(file.disk().size(), before * 9 / 16);
+        EXPECT_EQ(contentOf(disk, kPath), content);
+        EXPECT_EQ(findingsOf(file), "");
+    }
+}
+
 // What moves away leaves ranges of which each sector is in force until the commit: once they have
 // gone, they cannot come back for a FAT sector that finds no other place.
 TEST(GapTest, AFileThatHasGivenRangesBackCanBeChanged) {
