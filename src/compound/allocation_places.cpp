@@ -157,8 +157,8 @@ std::uint32_t AllocationTable::allocateOnce(std::uint32_t near, Purpose purpose)
             found = findFreeInRun(index, kKeptForFat);
         }
     }
-    if (found == kNone && isFat && !canGrow()) {
-        found = findFreeIn(near / perSector_, 0); // rather than that a deletion fails
+    if (found == kNone && !canGrow()) {
+        found = findKept(); // rather than that a deletion fails
     }
     if (found == kNone) {
         addRange();
@@ -176,6 +176,23 @@ std::uint32_t AllocationTable::findPlaceForFat(std::uint32_t index) {
     const bool leavesOne = fatSectors_[index] / perSector_ == index || load(index).pending > 0;
     const std::uint32_t found = findFreeIn(index, leavesOne ? 0 : kKeptForFat);
     return found != kNone || leavesHome() ? found : findFreeIn(home(), kKeptForFat);
+}
+
+// What a range keeps for its FAT sector, which has its new place already: taking it changes no more
+// FAT sectors. Of a range in which the commit leaves another one, if there is any.
+std::uint32_t AllocationTable::findKept() {
+    std::uint32_t found = kNone;
+    for (const std::uint32_t index : touched_) {
+        const Range& range = *ranges_[index];
+        if (!range.moved || freeIn(index) == 0) {
+            continue;
+        }
+        found = findFree(index, 0, 0);
+        if (range.pending > 0) {
+            break;
+        }
+    }
+    return found;
 }
 
 // A transaction that gives back a good deal: what it writes goes as far to the front as it can, so

@@ -233,6 +233,7 @@ class AllocationTable {
     std::uint32_t findFreeInRun(std::uint32_t index, std::uint32_t reserve);
     std::uint32_t findFreeIn(std::uint32_t index, std::uint32_t kept);
     std::uint32_t findPlaceForFat(std::uint32_t index);
+    std::uint32_t findKept();
     bool isFreeInside(std::uint32_t index, std::uint32_t at);
     std::uint32_t insideOf(std::uint32_t index) const;
     Run runIn(std::uint32_t index, std::uint32_t enough);

@@ -5,9 +5,12 @@
 #include "compound/raw_file.h"
 #include "compound/watched_file.h"
 
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
+#include <string>
 
 namespace compound_tests {
 namespace {
@@ -157,6 +160,62 @@ TEST(GapTest, AFileThatHasGivenRangesBackCanBeChanged) {
         file.root().rename(nameOf(u'p', kPictures - 1), u"renamed");
         EXPECT_NO_THROW(file.commit());
         EXPECT_EQ(findingsOf(disk, kPath), "");
+    }
+}
+
+// Pictures of at least `bytes` bytes and up to `more` beyond, beside a storage of small streams;
+// every other picture has gone.
+struct FullCase {
+    const char* what;
+    std::size_t pictures, bytes, more, smalls;
+};
+
+void makeFileWithGaps(MemoryDisk& disk, const FullCase& each) {
+    std::mt19937 random(23);
+    const auto bytes = patterned(each.bytes + each.more, 1);
+    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+    auto few = file.root().createStorage(u"Few");
+    for (std::size_t i = 0; i < std::max(each.pictures, each.smalls); ++i) {
+        if (i < each.pictures) {
+            const std::size_t size = each.bytes + random() % each.more;
+            file.root().createStream(nameOf(u'p', i)).assign(std::span(bytes).first(size));
+        }
+        if (i < each.smalls) {
+            few.createStream(nameOf(u's', i)).assign(std::span(bytes).first(i % 200));
+        }
+    }
+    file.commit();
+    file = openFile(disk, kPath);
+    for (std::size_t i = 0; i < each.pictures; i += 2) {
+        file.root().destroy(nameOf(u'p', i));
+    }
+    file.commit();
+    file.closeGaps();
+}
+
+// A home at the file's end is filled by FAT sectors of other ranges, which keep theirs: the home's
+// own one, and the DIFAT's sectors, live on those. So does a file whose end is left for gaps that
+// FAT sectors far from their ranges need as well.
+TEST(GapTest, OnAFullDiskTheTablesLiveOnWhatRangesKeep) {
+    const FullCase cases[] = {{"the home's FAT sector", 20, 55 << 10, 1, 600},
+                              {"the DIFAT", 40, 349 << 10, 1, 100},
+                              {"the end is left", 90, 270 << 10, 270 << 7, 10}};
+    const std::function<void(CompoundFile&)> changes[] = {
+        [](CompoundFile& file) { file.root().destroy(u"Few"); },
+        [](CompoundFile& file) { file.root().rename(u"Few", u"Others"); }};
+    for (const FullCase& each : cases) {
+        MemoryDisk made;
+        makeFileWithGaps(made, each);
+        for (std::size_t i = 0; i < std::size(changes); ++i) {
+            SCOPED_TRACE(std::string(each.what) + ", change " + std::to_string(i));
+            MemoryDisk disk;
+            disk.setContent(kPath, made.content(kPath));
+            disk.setCapacity(disk.placed());
+            CompoundFile file = openFile(disk, kPath);
+            changes[i](file);
+            EXPECT_NO_THROW(file.commit());
+            EXPECT_EQ(damageOf(disk, kPath), "");
+        }
     }
 }
 
