@@ -250,7 +250,8 @@ void CompoundFile::keep() noexcept {
         return;
     }
     try {
-        cache_->keep(std::move(state_));
+        const FileIdentity identity = *state_->identity();
+        cache_->keep(identity, std::move(state_));
     } catch (const std::exception&) {
         return; // no memory to remember with
     }
@@ -258,12 +259,15 @@ void CompoundFile::keep() noexcept {
 
 CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, ReadCache* cache) {
     const Header header = readHeader(*file);
-    std::unique_ptr<FileState> state = cache ? cache->take(*file, header) : nullptr;
+    const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
+    std::unique_ptr<FileState> state;
+    if (identity) {
+        state = cache->take(*identity, header);
+    }
     if (state) {
         state->resume(std::move(file), access);
         return {std::move(state), cache};
     }
-    const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
     state = std::make_unique<FileState>(std::move(file), header, access, false);
     if (const auto known = identity ? cache->recall(*identity, header) : std::nullopt) {
         state->recall(*known);
@@ -331,21 +335,12 @@ bool CompoundFile::forgetCommit() {
     return cache_ && before;
 }
 
-// The commit is done: what goes wrong here costs the next transaction some time only. A process
-// that has changed the file before will do so again, and watches it. Without times there is nothing
-// to tell by, once the state is gone with its watch, that the trees are still sound.
+// The commit is done: what goes wrong here costs the next transaction some time only.
 void CompoundFile::rememberCommit() noexcept {
     try {
-        if (state_->isResumed() && state_->watch() == nullptr) {
-            state_->setWatch(disk().watch());
-        }
-        const bool isWatched = state_->watch() != nullptr;
-        std::optional<FileIdentity> identity = isWatched ? disk().place() : disk().stamp();
+        const std::optional<FileIdentity> identity = disk().stamp();
         if (identity) {
-            identity->size = isWatched ? disk().size() : identity->size;
-            cache_->remember(
-                {*identity, state_->header(),
-                 isWatched ? std::vector<std::uint32_t>() : state_->directory().soundStorages()});
+            cache_->remember({*identity, state_->header(), state_->directory().soundStorages()});
         }
         state_->setIdentity(identity);
     } catch (const std::exception&) {
@@ -367,16 +362,6 @@ void CompoundFile::makeRoom(std::uint64_t bytes) {
 
 std::vector<Finding> CompoundFile::check() {
     return checkFile(*state_);
-}
-
-// Whoever reads something and then asks when the file was changed must not take the time of a
-// change in between for that of what was read: it would look up to date until the next one.
-std::optional<FileIdentity> CompoundFile::identity() {
-    const std::optional<FileIdentity>& known = state_->identity();
-    const std::optional<FileIdentity> now = known ? disk().identity() : std::nullopt;
-    FileWatch* watch = state_->watch();
-    const bool isSame = now && (watch ? watch->isUntouched() : known->isSameStateAs(*now));
-    return isSame ? now : std::nullopt;
 }
 
 SectorSize CompoundFile::sectorSize() const {

@@ -198,11 +198,6 @@ class CompoundFile {
     // Damaged, never changes the file.
     std::vector<Finding> check();
 
-    // The file's state, if all that was read since the opening, or the last commit, is of that very
-    // state. Nothing when another program has changed the file meanwhile, when no cache was given,
-    // or when the disk cannot tell. Asks for time stamps, see DiskFile::identity().
-    std::optional<FileIdentity> identity();
-
     SectorSize sectorSize() const;
 
     // Counts commits of this file; part of the header.

@@ -28,36 +28,12 @@ struct FileIdentity {
     std::uint64_t size = 0;
     std::int64_t modified = 0; // time stamps of content and of attributes
     std::int64_t changed = 0;
-    bool settled = false;    // the last change is so old that a further one gets another time stamp
-    std::uint64_t mount = 0; // on which it was found; no two ever have one number; 0: not known
+    bool settled = false; // the last change is so old that a further one gets another time stamp
 
     bool isSameStateAs(const FileIdentity& other) const {
         return device == other.device && number == other.number && size == other.size &&
                modified == other.modified && changed == other.changed;
     }
-
-    // The same but for the time stamps, which places do not have; the content may be another.
-    bool isSamePlaceAs(const FileIdentity& other) const {
-        return device == other.device && number == other.number && size == other.size &&
-               mount == other.mount;
-    }
-};
-
-// Tells of others' changes to a file, for which neither it nor its volume is held.
-class FileWatch {
-  public:
-    virtual ~FileWatch() = default;
-    FileWatch(const FileWatch&) = delete;
-    FileWatch& operator=(const FileWatch&) = delete;
-
-    // Whether no other process has written to the file since the watch was made: if so, and the
-    // place is the same, all that has happened to it is this process's doing. Once false, always
-    // false. A write counts when it is done; one through a mapping, at the latest when that program
-    // closes the file.
-    virtual bool isUntouched() = 0;
-
-  protected:
-    FileWatch() = default;
 };
 
 // One open file. Closing (destruction) releases its lock and writes nothing.
@@ -113,17 +89,8 @@ class DiskFile {
     // happens.
     virtual void retire() noexcept {}
 
-    // The file's present state, if the disk can tell for sure; asked for while the lock is held,
-    // after isStillAtPath(). A look at time stamps may make the next sync dear.
+    // The file's present state, if the disk can tell for sure; asked for while the lock is held.
     virtual std::optional<FileIdentity> identity() { return std::nullopt; }
-
-    // The file as isStillAtPath() has found it, if identity() would tell; its time stamps may be
-    // left out.
-    virtual std::optional<FileIdentity> place() { return identity(); }
-
-    // Starts to watch the file, whose place() is known; null where the disk cannot. Asked for while
-    // the lock is held.
-    virtual std::unique_ptr<FileWatch> watch() { return nullptr; }
 
     // The same for a file that is open for writing and that the caller has just changed: gives it a
     // time stamp that no later change can leave it, however soon that comes. Settled if that went

@@ -88,7 +88,6 @@ void FileState::resume(std::unique_ptr<DiskFile> file, Access access) {
     lengthBefore_ = identity_->size;
     lastTaken_ = lastFreed_ = 0; // by another operation
     access_ = access;
-    isResumed_ = true;
 }
 
 void FileState::startNewFile() {

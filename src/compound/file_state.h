@@ -13,7 +13,6 @@
 
 #include <memory>
 #include <optional>
-#include <utility>
 
 namespace compound {
 
@@ -78,19 +77,10 @@ class FileState {
     // Takes over what this process knows of the header in force.
     void recall(const CommittedFile& known);
 
-    // The file as the disk told it when it was opened or last committed; its place only, if it is
-    // watched.
+    // The file as the disk told it when it was opened or last committed; what is known of the file,
+    // in bytes.
     const std::optional<FileIdentity>& identity() const { return identity_; }
     void setIdentity(const std::optional<FileIdentity>& identity) { identity_ = identity; }
-
-    // Watches the file since a commit whose state this is, or comes from; null if nobody does.
-    FileWatch* watch() const { return watch_.get(); }
-    void setWatch(std::unique_ptr<FileWatch> watch) { watch_ = std::move(watch); }
-
-    // Whether an earlier operation of this process has left the state.
-    bool isResumed() const { return isResumed_; }
-
-    // What is known of the file, in bytes.
     std::size_t memory();
 
     // Lets go of all that can be read again; there must be no change.
@@ -140,8 +130,6 @@ class FileState {
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
     std::optional<FileIdentity> identity_;
-    std::unique_ptr<FileWatch> watch_;
-    bool isResumed_ = false;
 };
 
 } // namespace compound

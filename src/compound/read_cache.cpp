@@ -2,7 +2,6 @@
 
 #include "compound/file_state.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace compound {
@@ -17,15 +16,6 @@ bool isSameFile(const FileIdentity& one, const FileIdentity& other) {
     return one.device == other.device && one.number == other.number;
 }
 
-// Times are asked for only where nothing else tells of others' changes.
-bool isAsKept(const FileState& state, const FileIdentity& place, DiskFile& file) {
-    if (FileWatch* watch = state.watch()) {
-        return state.identity()->isSamePlaceAs(place) && watch->isUntouched();
-    }
-    const std::optional<FileIdentity> now = file.identity();
-    return now && state.identity()->isSameStateAs(*now);
-}
-
 } // namespace
 
 struct ReadCache::Entry {
@@ -37,29 +27,24 @@ struct ReadCache::Entry {
 ReadCache::ReadCache(std::size_t mostBytes) : mostBytes_(mostBytes) {}
 ReadCache::~ReadCache() = default;
 
-std::unique_ptr<FileState> ReadCache::take(DiskFile& file, const Header& header) {
-    const std::optional<FileIdentity> place = file.place();
-    std::unique_ptr<FileState> state = place ? takeOut(*place) : nullptr;
-    const bool isStill = state && state->header() == header && isAsKept(*state, *place, file);
-    return isStill ? std::move(state) : nullptr;
-}
-
-std::unique_ptr<FileState> ReadCache::takeOut(const FileIdentity& place) {
+std::unique_ptr<FileState> ReadCache::take(const FileIdentity& identity, const Header& header) {
     const std::lock_guard lock(mutex_);
-    const auto entry = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& known) {
-        return isSameFile(known.identity, place);
-    });
-    if (entry == entries_.end()) {
-        return nullptr;
+    std::unique_ptr<FileState> state;
+    for (auto entry = entries_.begin(); entry != entries_.end();) {
+        if (!isSameFile(entry->identity, identity)) {
+            ++entry;
+            continue;
+        }
+        if (entry->identity.isSameStateAs(identity) && entry->state->header() == header) {
+            state = std::move(entry->state);
+        }
+        entry = entries_.erase(entry);
     }
-    std::unique_ptr<FileState> state = std::move(entry->state);
-    entries_.erase(entry);
     return state;
 }
 
-void ReadCache::keep(std::unique_ptr<FileState> state) {
-    const FileIdentity identity = *state->identity();
-    if (!identity.settled && state->watch() == nullptr) {
+void ReadCache::keep(const FileIdentity& identity, std::unique_ptr<FileState> state) {
+    if (!identity.settled) {
         return;
     }
     // That the file is settled may be known from our own commit only, and is not to be learnt from

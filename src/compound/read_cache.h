@@ -2,10 +2,9 @@
 // that its last operation has read or committed, and what its own last commit left.
 //
 // Nothing stays open. A file that is opened again, for reading or writing, takes up its state only
-// when its header is the same byte for byte, and the disk says that the file is the same one with
-// the same size, and either that no other process has written to it or that it has the same time
-// stamps. Then nobody has changed the file since, so all that the state knows is still true: see
-// docs/decisions/0020-pages-are-kept-between-changes.md and 0026-a-watch-instead-of-times.md.
+// when the disk says that the file is the same one with the same size and time stamps, and its
+// header is the same byte for byte. Then nobody has changed the file since, so all that the state
+// knows is still true: see docs/decisions/0020-pages-are-kept-between-changes.md.
 //
 // A header that this process has committed is known to be durable, so that the next transaction
 // need not make it so: no two headers of a file are the same, since every one that is written
@@ -44,13 +43,11 @@ class ReadCache {
     ReadCache& operator=(const ReadCache&) = delete;
 
     // The state of this file as it is now, or null. Whatever was kept of the file is gone then.
-    // `file` is locked, and `header` was read from it since.
-    std::unique_ptr<FileState> take(DiskFile& file, const Header& header);
+    std::unique_ptr<FileState> take(const FileIdentity& identity, const Header& header);
 
-    // Keeps a state, of known identity, that is as the committed file, if that file is watched or
-    // settled; without its pages when they are too much. The oldest one goes when there are too
-    // many or they take too much memory.
-    void keep(std::unique_ptr<FileState> state);
+    // Keeps a state that is as the committed file, if that file is settled; without its pages when
+    // they are too much. The oldest one goes when there are too many or they take too much memory.
+    void keep(const FileIdentity& identity, std::unique_ptr<FileState> state);
 
     // What this process has last committed to the file, if `header` is still in force; without
     // sound storages when anything else about the file has changed since.
@@ -61,7 +58,6 @@ class ReadCache {
     void forget(const FileIdentity& identity);
 
   private:
-    std::unique_ptr<FileState> takeOut(const FileIdentity& place);
     void forgetLocked(const FileIdentity& identity);
 
     struct Entry;

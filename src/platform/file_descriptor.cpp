@@ -24,8 +24,8 @@ using compound::systemError;
 constexpr mode_t kUsualMode = 0666;
 constexpr mode_t kOwnersMode = 0600;
 
-void requireRegular(const FilePlace& place, const std::filesystem::path& path) {
-    if (!S_ISREG(place.mode)) {
+void requireRegular(const struct stat& status, const std::filesystem::path& path) {
+    if (!S_ISREG(status.st_mode)) {
         throw Error(ErrorCode::Failed, path, "not a regular file");
     }
 }
@@ -103,16 +103,16 @@ FileDescriptor::~FileDescriptor() {
     }
 }
 
-FileDescriptor openRegularFile(const std::filesystem::path& path, int flags, FilePlace* opened) {
+FileDescriptor openRegularFile(const std::filesystem::path& path, int flags, struct stat* opened) {
     // Without O_NONBLOCK a pipe of that name would make the opening wait for a writer.
-    FilePlace place;
+    struct stat status {};
     FileDescriptor descriptor(::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    if (!descriptor.isOpen() || !askPlace(descriptor.get(), place)) {
+    if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0) {
         throw systemError(errno, path, "open");
     }
-    requireRegular(place, path);
+    requireRegular(status, path);
     if (opened != nullptr) {
-        *opened = place;
+        *opened = status;
     }
     return descriptor;
 }

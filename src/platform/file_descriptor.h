@@ -2,9 +2,8 @@
 // where a rename cannot cross volumes.
 #pragma once
 
-#include "platform/file_identity.h"
-
 #include <filesystem>
+#include <sys/stat.h>
 #include <utility>
 
 namespace platform {
@@ -27,9 +26,9 @@ class FileDescriptor {
 };
 
 // Opens an existing regular file with open(2) `flags`; throws compound::Error naming `path`.
-// `opened`, if given, gets what the system says of it.
+// `opened`, if given, gets what fstat(2) says of it.
 FileDescriptor openRegularFile(const std::filesystem::path& path, int flags,
-                               FilePlace* opened = nullptr);
+                               struct stat* opened = nullptr);
 
 // Who may read a new file: whom the process's mask lets, or its owner only.
 enum class Readers { Usual, OwnerOnly };

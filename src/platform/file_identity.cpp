@@ -3,7 +3,6 @@
 #include <array>
 #include <ctime>
 #include <fcntl.h>
-#include <sys/sysmacros.h>
 
 namespace platform {
 namespace {
@@ -18,40 +17,7 @@ std::chrono::nanoseconds coarsenessOf(std::chrono::nanoseconds stamp) {
     return step < kSecond ? step : 2 * kSecond; // as FAT has them
 }
 
-constexpr unsigned kUniqueMount = 0x4000; // STATX_MNT_ID_UNIQUE, which older headers lack
-
-bool ask(int folder, const char* path, int flags, FilePlace& place) {
-    struct statx told {};
-    if (::statx(folder, path, flags, STATX_TYPE | STATX_INO | STATX_SIZE | kUniqueMount, &told) !=
-        0) {
-        return false;
-    }
-    place.device = ::makedev(told.stx_dev_major, told.stx_dev_minor);
-    place.number = told.stx_ino;
-    place.size = told.stx_size;
-    place.mount = (told.stx_mask & kUniqueMount) != 0 ? told.stx_mnt_id : 0;
-    place.mode = told.stx_mode & S_IFMT;
-    return true;
-}
-
 } // namespace
-
-bool askPlace(int descriptor, FilePlace& place) {
-    return ask(descriptor, "", AT_EMPTY_PATH, place);
-}
-
-bool askPlace(const std::filesystem::path& path, FilePlace& place) {
-    return ask(AT_FDCWD, path.c_str(), 0, place);
-}
-
-FilePlace placeOf(const struct stat& status) {
-    FilePlace place;
-    place.device = status.st_dev;
-    place.number = status.st_ino;
-    place.size = static_cast<std::uint64_t>(status.st_size);
-    place.mode = status.st_mode & S_IFMT;
-    return place;
-}
 
 std::chrono::nanoseconds sinceEpoch(const struct timespec& time) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);

@@ -4,7 +4,6 @@
 #include "platform/file_attributes.h"
 #include "platform/file_descriptor.h"
 #include "platform/file_identity.h"
-#include "platform/file_watch.h"
 #include "platform/shared_volume.h"
 #include "platform/trash.h"
 
@@ -59,30 +58,16 @@ path targetOf(const path& filePath) {
     return target;
 }
 
-// The volume's own answer where others may write to it. `target`: a path or a descriptor.
-template <typename Target>
-bool askPlace(const Target& target, bool isShared, FilePlace& place) {
-    if (!isShared) {
-        return platform::askPlace(target, place);
-    }
-    struct stat status {};
-    if (!askStatus(target, status)) {
-        return false;
-    }
-    place = placeOf(status);
-    return true;
-}
-
 class NativeFile final : public DiskFile {
   public:
-    NativeFile(FileDescriptor descriptor, const FilePlace& opened, std::filesystem::path filePath,
+    NativeFile(FileDescriptor descriptor, const struct stat& opened, std::filesystem::path filePath,
                const Surroundings& surroundings)
         : descriptor_(std::move(descriptor)),
           path_(std::move(filePath)),
           opened_(opened),
           timeOfDay_(surroundings.timeOfDay),
           isShared_(surroundings.volumes == Volumes::AllShared ||
-                    isSharedVolume(descriptor_.get(), opened.device)) {}
+                    isSharedVolume(descriptor_.get(), opened.st_dev)) {}
     NativeFile(const NativeFile&) = delete;
     NativeFile& operator=(const NativeFile&) = delete;
     ~NativeFile() override { giveLockBack(); }
@@ -100,9 +85,7 @@ class NativeFile final : public DiskFile {
     bool lock(std::chrono::milliseconds wait) override;
     bool isStillAtPath() override;
     std::optional<compound::FileIdentity> identity() override;
-    std::optional<compound::FileIdentity> place() override;
     std::optional<compound::FileIdentity> stamp() override;
-    std::unique_ptr<compound::FileWatch> watch() override;
     void retire() noexcept override;
 
     int descriptor() const { return descriptor_.get(); }
@@ -111,7 +94,7 @@ class NativeFile final : public DiskFile {
     void takeAttributes(const NativeFile& from);
 
   private:
-    void find(struct stat& status);
+    void find();
     bool reserve(std::uint64_t from, std::uint64_t to);
     void startSending(std::uint64_t offset, std::size_t length) noexcept;
     bool tryLock();
@@ -120,8 +103,8 @@ class NativeFile final : public DiskFile {
 
     FileDescriptor descriptor_;
     std::filesystem::path path_;
-    FilePlace opened_; // as it was when it was opened
-    FilePlace found_;  // as isStillAtPath() has last found it
+    struct stat opened_ {}; // as it was when it was opened
+    struct stat found_ {};  // as isStillAtPath() or stamp() has last found it
     TimeOfDay timeOfDay_;
     bool isShared_;
     bool isGone_ = false; // found out in locking
@@ -232,11 +215,13 @@ void NativeFile::truncate(std::uint64_t size) {
 }
 
 std::uint64_t NativeFile::size() {
-    FilePlace place;
-    if (!askPlace(descriptor(), isShared_, place)) {
+    struct stat status {};
+    const bool isTold =
+        isShared_ ? askStatus(descriptor(), status) : ::fstat(descriptor(), &status) == 0;
+    if (!isTold) {
         throw systemError(errno, path_, "get size");
     }
-    return place.size;
+    return static_cast<std::uint64_t>(status.st_size);
 }
 
 // A little is written as zeros: what is put there soon lies in one piece with what stands before it
@@ -337,47 +322,28 @@ bool NativeFile::isStillAtPath() {
     if (isGone_ || (isShared_ && isRetired(descriptor()))) {
         return false;
     }
-    if (!askPlace(path_, isShared_, found_)) {
+    const bool isThere = isShared_ ? askStatus(path_, found_) : ::stat(path_.c_str(), &found_) == 0;
+    if (!isThere) {
         // A handle of a file that another machine has removed is stale on some systems.
         if (errno == ENOENT || errno == ENOTDIR || errno == ESTALE) {
             return false;
         }
         throw systemError(errno, path_, "get identity");
     }
-    return found_.device == opened_.device && found_.number == opened_.number;
+    return found_.st_dev == opened_.st_dev && found_.st_ino == opened_.st_ino;
 }
 
 // What isStillAtPath() has found under the lock; every call to the system counts in short readings.
-std::optional<compound::FileIdentity> NativeFile::place() {
-    if (isShared_ || found_.number == 0) {
-        return std::nullopt;
-    }
-    compound::FileIdentity place;
-    place.device = found_.device;
-    place.number = found_.number;
-    place.size = found_.size;
-    place.mount = found_.mount;
-    return place;
-}
-
 // Clocks of other machines go differently, so the time stamps of a shared volume prove nothing.
 std::optional<compound::FileIdentity> NativeFile::identity() {
-    if (isShared_ || found_.number == 0) {
+    if (isShared_ || found_.st_ino == 0) {
         return std::nullopt;
     }
-    struct stat status {};
-    find(status);
-    return identityOf(status, timeOfDay_());
+    return identityOf(found_, timeOfDay_());
 }
 
-// A file on a volume that has been away meanwhile may be changed elsewhere and look the same, and
-// nothing tells of it but the number of the mount. Of a shared volume none is known.
-std::unique_ptr<compound::FileWatch> NativeFile::watch() {
-    return found_.mount == 0 ? nullptr : watchFile(descriptor());
-}
-
-void NativeFile::find(struct stat& status) {
-    if (::fstat(descriptor(), &status) != 0) {
+void NativeFile::find() {
+    if (::fstat(descriptor(), &found_) != 0) {
         throw systemError(errno, path_, "get identity");
     }
 }
@@ -388,17 +354,18 @@ std::optional<compound::FileIdentity> NativeFile::stamp() {
     if (isShared_) {
         return std::nullopt;
     }
-    struct stat status {};
-    find(status);
-    bool settled = isStampedBeforeNow(status);
+    find();
+    bool settled = isStampedBeforeNow(found_);
     if (!settled) {
         const std::chrono::nanoseconds now = timeOfDay_();
         const bool isSet = giveTime(descriptor(), now);
-        find(status);
-        settled = isSet && sinceEpoch(status.st_mtim) == now;
+        find();
+        settled = isSet && sinceEpoch(found_.st_mtim) == now;
     }
-    compound::FileIdentity told = identityOf(status, timeOfDay_());
-    told.settled = told.settled || settled;
+    std::optional<compound::FileIdentity> told = identity();
+    if (told) {
+        told->settled = told->settled || settled;
+    }
     return told;
 }
 
@@ -451,10 +418,10 @@ class NativeDisk final : public compound::Disk {
 };
 
 // A name that still stands for a file that is gone is one of a file that is just being replaced.
-FileDescriptor openAgain(const path& filePath, int flags, FilePlace& place) {
+FileDescriptor openAgain(const path& filePath, int flags, struct stat& status) {
     errno = 0;
     try {
-        return openRegularFile(filePath, flags, &place);
+        return openRegularFile(filePath, flags, &status);
     } catch (const Error& error) {
         if (errno == ESTALE) {
             throw Error(ErrorCode::Locked, filePath, error.cause());
@@ -465,19 +432,19 @@ FileDescriptor openAgain(const path& filePath, int flags, FilePlace& place) {
 
 std::unique_ptr<DiskFile> NativeDisk::open(const path& filePath, Access access) {
     const int flags = access == Access::Read ? O_RDONLY : O_RDWR;
-    FilePlace place;
+    struct stat status {};
     FileDescriptor descriptor;
     try {
-        descriptor = openRegularFile(filePath, flags, &place);
+        descriptor = openRegularFile(filePath, flags, &status);
     } catch (const Error&) {
         // Another machine may have made or replaced the file since its name was remembered here.
         if (!isShared(folderOf(filePath))) {
             throw;
         }
         forgetName(filePath);
-        descriptor = openAgain(filePath, flags, place);
+        descriptor = openAgain(filePath, flags, status);
     }
-    return std::make_unique<NativeFile>(std::move(descriptor), place, filePath, surroundings_);
+    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }
 
 std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath) {
@@ -490,11 +457,11 @@ std::unique_ptr<DiskFile> NativeDisk::createPrivate(const path& filePath) {
 
 std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath, Readers readers) const {
     FileDescriptor descriptor = createFile(filePath, readers);
-    FilePlace place;
-    if (!platform::askPlace(descriptor.get(), place)) {
+    struct stat status {};
+    if (::fstat(descriptor.get(), &status) != 0) {
         throw systemError(errno, filePath, "create");
     }
-    return std::make_unique<NativeFile>(std::move(descriptor), place, filePath, surroundings_);
+    return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }
 
 void NativeDisk::copyAttributes(DiskFile& from, DiskFile& to) {

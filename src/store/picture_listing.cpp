@@ -146,7 +146,7 @@ PictureNames listPictureNames(const Library& library, const GroupAddress& group)
             pictures.names.push_back({std::move(element.name)});
         }
     }
-    const auto identity = access.file().identity();
+    const auto identity = access.file().disk().identity();
     if (identity) {
         pictures.latest = FileStamp{*identity, access.file().transactionSignature()};
         pictures.stamp = identity->settled ? pictures.latest : std::nullopt;

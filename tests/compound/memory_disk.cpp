@@ -87,17 +87,6 @@ std::uint64_t SparseBytes::allocated() const {
     return pages_.size() * kPage;
 }
 
-class MemoryWatch final : public compound::FileWatch {
-  public:
-    explicit MemoryWatch(std::shared_ptr<MemoryDisk::File> file) : file_(std::move(file)) {}
-
-    bool isUntouched() override { return file_->othersWrites == before_; }
-
-  private:
-    std::shared_ptr<MemoryDisk::File> file_;
-    int before_ = file_->othersWrites;
-};
-
 class MemoryFile : public compound::DiskFile {
   public:
     MemoryFile(MemoryDisk& disk, std::shared_ptr<MemoryDisk::File> file, std::filesystem::path path,
@@ -156,17 +145,8 @@ class MemoryFile : public compound::DiskFile {
 
     std::optional<compound::FileIdentity> stamp() override { return identity(true); }
 
-    std::optional<compound::FileIdentity> place() override {
-        return compound::FileIdentity{1, file_->number, file_->bytes.size()};
-    }
-
-    std::unique_ptr<compound::FileWatch> watch() override {
-        return disk_.isWatchable_ ? std::make_unique<MemoryWatch>(file_) : nullptr;
-    }
-
   private:
     compound::FileIdentity identity(bool settled) const {
-        ++disk_.timesAsked_;
         return {1, file_->number, file_->bytes.size(), file_->changes, file_->changes, settled};
     }
 
@@ -212,13 +192,6 @@ void MemoryDisk::setContent(const std::filesystem::path& path, std::span<const s
     auto file = makeFile();
     file->bytes.write(0, bytes);
     files_[path] = std::move(file);
-}
-
-void MemoryDisk::writeAsAnother(const std::filesystem::path& path, std::uint64_t offset,
-                                std::span<const std::byte> bytes) {
-    const auto file = find(path);
-    file->bytes.write(offset, bytes);
-    ++file->othersWrites;
 }
 
 std::shared_ptr<MemoryDisk::File> MemoryDisk::makeFile() {

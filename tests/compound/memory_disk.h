@@ -41,7 +41,6 @@ class MemoryDisk : public compound::Disk {
         bool locked = false;
         std::uint64_t number = 0;
         std::int64_t changes = 0; // stand for the time stamps
-        int othersWrites = 0;     // that leave the time stamps as they were
     };
 
     enum class Call { Read, Write, Sync, Truncate, Size, Lock, Folder, SyncFolder };
@@ -57,18 +56,11 @@ class MemoryDisk : public compound::Disk {
     void setInterceptor(std::function<void(Call)> interceptor) {
         interceptor_ = std::move(interceptor);
     }
+    // Whether half of the 512-byte sectors of a write that is refused by the interceptor reach the
+    // file.
     // Only who has just changed a file can say that its time stamps tell of any later change.
     void setIsBusy(bool busy) { isBusy_ = busy; }
 
-    // Whether files can be watched; how often one was asked for its time stamps.
-    void setIsWatchable(bool watchable) { isWatchable_ = watchable; }
-    int timesAsked() const { return timesAsked_; }
-    // As another program, and so that only a watch tells of it.
-    void writeAsAnother(const std::filesystem::path& path, std::uint64_t offset,
-                        std::span<const std::byte> bytes);
-
-    // Whether half of the 512-byte sectors of a write that is refused by the interceptor reach the
-    // file.
     void setTearsWrites(bool tears) { tearsWrites_ = tears; }
     // Becomes a copy of the other disk's files and folders.
     void copyFilesOf(const MemoryDisk& other);
@@ -109,8 +101,6 @@ class MemoryDisk : public compound::Disk {
     std::function<void(Call)> interceptor_;
     bool tearsWrites_ = false;
     bool isBusy_ = false;
-    bool isWatchable_ = false;
-    int timesAsked_ = 0;
     std::optional<std::uint64_t> capacity_;
     std::uint64_t filesMade_ = 0;
     bool isSettled_ = true;

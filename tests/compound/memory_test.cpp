@@ -60,28 +60,6 @@ class MemoryTest : public testing::Test {
         file->write(second, std::as_bytes(std::span(one)));
     }
 
-    // The same without a trace in the time stamps.
-    void exchangeUnstamped(std::u16string_view one, std::u16string_view other) {
-        RawFile raw(disk_.content(kPath));
-        disk_.writeAsAnother(kPath, raw.entry(one), std::as_bytes(std::span(other)));
-        disk_.writeAsAnother(kPath, raw.entry(other), std::as_bytes(std::span(one)));
-    }
-
-    void appendTo(std::u16string_view name, std::size_t bytes = 10) {
-        CompoundFile file = open(Access::ReadWrite);
-        file.root().openStorage(u"S").openStream(name).append(patterned(bytes, 1));
-        file.commit();
-    }
-
-    // What the file holds after it, if nothing of what it held is lost.
-    Content withAppended(std::u16string_view name) {
-        Content content = contentOf(disk_, kPath);
-        const auto added = patterned(10, 1);
-        auto& stream = content[u"S/" + std::u16string(name)];
-        stream.insert(stream.end(), added.begin(), added.end());
-        return content;
-    }
-
     MemoryDisk disk_;
     ReadCache cache_;
 };
@@ -182,61 +160,19 @@ TEST_F(MemoryTest, AnEditInPlaceEndsTheTrustInATree) {
 
 // Pages of a directory that another program has changed must not come back with our next change.
 TEST_F(MemoryTest, AnEditInPlaceIsNotUndoneByTheNextChange) {
+    const auto appendTo = [&](std::u16string_view name) {
+        CompoundFile file = open(Access::ReadWrite);
+        file.root().openStorage(u"S").openStream(name).append(patterned(10, 1));
+        file.commit();
+    };
     appendTo(u"c");
     exchange(u"a", u"f");
-    const Content expected = withAppended(u"d");
+    const Content before = contentOf(disk_, kPath);
     appendTo(u"d");
+    Content expected = before;
+    const auto added = patterned(10, 1);
+    expected[u"S/d"].insert(expected[u"S/d"].end(), added.begin(), added.end());
     EXPECT_EQ(contentOf(disk_, kPath), expected);
-}
-
-// A system that stamps the change after a question exactly has the sync wait for it.
-TEST_F(MemoryTest, AWatchedFileIsNotAskedForItsTimes) {
-    disk_.setIsWatchable(true);
-    appendTo(u"c");
-    EXPECT_GT(disk_.timesAsked(), 0);
-    appendTo(u"c"); // and is watched from here on
-    const int before = disk_.timesAsked();
-    for (int round = 0; round < 3; ++round) {
-        EXPECT_EQ(count(Call::Sync, [&] { appendTo(u"c", 90000); }), 2)
-            << "not known to be durable";
-        EXPECT_EQ(readsOfOneReading(), 1) << "not known";
-    }
-    EXPECT_EQ(disk_.timesAsked(), before);
-    EXPECT_EQ(findingsOf(disk_, kPath), "");
-}
-
-// Even one that no time tells of: neither the old pages nor the old trees are believed.
-TEST_F(MemoryTest, AWatchTellsOfAnEditInPlace) {
-    disk_.setIsWatchable(true);
-    for (int round = 0; round < 3; ++round) {
-        appendTo(u"c");
-        appendTo(u"d");
-        exchangeUnstamped(u"b", u"e");
-        const Content expected = withAppended(u"d");
-        appendTo(u"d");
-        ASSERT_EQ(contentOf(disk_, kPath), expected) << round;
-        CompoundFile file = open(Access::Read);
-        EXPECT_EQ(contentOf(file), expected) << round;
-    }
-}
-
-// An edit without the lock, while the file is read, must not leave old names with a new time.
-TEST_F(MemoryTest, AStateIsToldOnlyOfWhatWasReadInIt) {
-    for (const bool isWatched : {false, true}) {
-        disk_.setIsWatchable(isWatched);
-        appendTo(u"c");
-        appendTo(u"c");
-        for (const bool isEdited : {false, true, false}) {
-            CompoundFile file = open(Access::Read);
-            EXPECT_TRUE(file.root().openStorage(u"S").find(u"b"));
-            if (isEdited && isWatched) {
-                exchangeUnstamped(u"b", u"e");
-            } else if (isEdited) {
-                exchange(u"b", u"e");
-            }
-            EXPECT_EQ(file.identity().has_value(), !isEdited) << isWatched;
-        }
-    }
 }
 
 // Whatever call fails, and whether the change is dropped or falls: the next operation of the same
@@ -339,24 +275,6 @@ TEST_F(MemoryTest, OnlyTheHeaderOfTheLastCommitIsKnownToBeDurable) {
     disk_.setInterceptor({});
     EXPECT_EQ(syncs(&cache_), 3);
     EXPECT_EQ(findingsOf(disk_, kPath), "");
-}
-
-// Another part of the same process has a memory of its own, and a watch does not tell of it.
-TEST_F(MemoryTest, AWatchedFileIsReadAnewAfterACommitOfAnotherMemory) {
-    disk_.setIsWatchable(true);
-    appendTo(u"c");
-    appendTo(u"d");
-    ReadCache other;
-    {
-        CompoundFile file =
-            CompoundFile::open(disk_.open(kPath, Access::ReadWrite), Access::ReadWrite, &other);
-        file.root().openStorage(u"S").rename(u"b", u"B");
-        file.root().openStorage(u"S").rename(u"e", u"other");
-        file.commit();
-    }
-    const Content expected = withAppended(u"d");
-    appendTo(u"d");
-    EXPECT_EQ(contentOf(disk_, kPath), expected);
 }
 
 // More than lies in memory at once: pages of the mini stream go to the file before the commit, and

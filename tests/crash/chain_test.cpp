@@ -34,7 +34,6 @@ class Chain {
   public:
     Chain(compound::SectorSize sectorSize, const Scenario& commands, std::uint32_t seed)
         : commands_(commands.steps), random_(seed) {
-        memory_.setIsWatchable(seed % 4 < 2);
         prepareLibrary(memory_, sectorSize);
         if (commands.prepare) {
             commands.prepare(libraryOn(memory_));

@@ -50,8 +50,6 @@ class RecordingFile : public DiskFile {
     bool lock(std::chrono::milliseconds wait) override { return inner_->lock(wait); }
     bool isStillAtPath() override { return inner_->isStillAtPath(); }
     std::optional<compound::FileIdentity> identity() override { return inner_->identity(); }
-    std::optional<compound::FileIdentity> place() override { return inner_->place(); }
-    std::unique_ptr<compound::FileWatch> watch() override { return inner_->watch(); }
 
     DiskFile& inner() { return *inner_; }
 
