@@ -177,7 +177,7 @@ GroupAddress Share::addressOf(std::uint32_t group) const {
 }
 
 std::filesystem::path Share::source(const Operation& operation, std::uint32_t picture) const {
-    const auto path = sources_ / (prefixOf(worker_) + std::to_string(picture) + ".bmp");
+    std::filesystem::path path = sources_ / (prefixOf(worker_) + std::to_string(picture) + ".bmp");
     std::ofstream(path, std::ios::binary) << contentOf(operation.version + picture);
     return path;
 }
