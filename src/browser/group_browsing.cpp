@@ -226,9 +226,14 @@ void GroupBrowsing::takeChanges(const groups::LibraryChanges& changes) {
     isReachable_ = true;
     const QString selected = tree_.selectedKey();
     const bool wasMarked = tree_.selectedIsMarked();
-    tree_.takeChanges(changes.files, changes.read);
+    const bool isToFollow = changes.moved && panel_.group() == changes.moved->from;
+    tree_.takeChanges(changes.files, changes.read, changes.moved);
     if (changes.setAside > 0) {
         emit filesSetAside();
+    }
+    if (isToFollow && goTo(changes.moved->to, panel_.shownPicture().name())) {
+        emit changesTaken();
+        return;
     }
     if (!awaitedKey_.isEmpty() && !isInMarkedFile(awaitedKey_)) {
         selectAgain(awaitedKey_);

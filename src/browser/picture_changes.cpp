@@ -19,6 +19,7 @@ std::optional<groups::ShownPictures> PicturePanel::shownPictures() {
     }
     askedListing_ = listing_;
     groups::ShownPictures shown{*group_, shownPicture_.name()};
+    shown.count = listed_.names.size();
     shown.want = GraphicalPreview_ ? Want::Names : Want::Entries;
     if (!GraphicalPreview_) {
         shown.position = lvwInfo_->selectedPosition();

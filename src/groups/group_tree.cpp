@@ -126,6 +126,18 @@ bool isSameNode(const QTreeWidgetItem& one, const QTreeWidgetItem& other) {
     return true;
 }
 
+// The keys as they are once the moved group's file has its other name.
+QSet<QString> inRenamedFile(const QSet<QString>& keys, const MovedGroup& moved) {
+    QSet<QString> renamed;
+    for (const QString& key : keys) {
+        const store::GroupAddress group = store::addressOf(key.toStdU16String());
+        renamed.insert(group.file == moved.from.file
+                           ? keyTextOf(store::inRenamedFile(group, moved.to.file))
+                           : key);
+    }
+    return renamed;
+}
+
 // What stands at the upper edge of the tree stays there, whatever comes or goes above it.
 class PlaceOnScreen {
   public:
@@ -231,15 +243,18 @@ void GroupTree::unfoldAgain(const QSet<QString>& unfolded) {
     }
 }
 
-void GroupTree::takeChanges(std::span<const store::FileName> files,
-                            std::span<const GroupFile> read) {
+void GroupTree::takeChanges(std::span<const store::FileName> files, std::span<const GroupFile> read,
+                            const std::optional<MovedGroup>& moved) {
     const bool isSameCount = files.size() == static_cast<std::size_t>(topLevelItemCount());
     if (read.empty() && isSameCount) {
         return; // what came in another one's place was read
     }
     const QScopedValueRollback guard(selectingByProgram_, true);
     const QString selected = selectedKey();
-    const QSet<QString> unfolded = unfoldedKeys();
+    QSet<QString> unfolded = unfoldedKeys();
+    if (moved) {
+        unfolded = inRenamedFile(unfolded, *moved);
+    }
     PlaceOnScreen place(*this);
     QHash<QString, QTreeWidgetItem*> tops;
     bool isChanged = false;

@@ -38,8 +38,10 @@ class GroupTree : public QTreeWidget {
 
     // Takes over what others have changed: `files` are the library's files in their order, `read`
     // those of them that were read anew. What is still there stays as it is: selected, unfolded and
-    // in its place on the screen. Nothing is selected afterwards if the selected group has gone.
-    void takeChanges(std::span<const store::FileName> files, std::span<const GroupFile> read);
+    // in its place on the screen, and what is in a file that has got another name is unfolded as it
+    // was. Nothing is selected afterwards if the selected group has gone.
+    void takeChanges(std::span<const store::FileName> files, std::span<const GroupFile> read,
+                     const std::optional<MovedGroup>& moved);
 
     // Adds a top-level node with the key NAME & "a".
     void addTopLevelNode(const store::GroupName& name);

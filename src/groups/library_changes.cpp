@@ -50,6 +50,7 @@ class Look {
             auto known = before.extract(file.text);
             lookAt(file, known ? all.insert(std::move(known)).position->second : all[file.text]);
         }
+        followShown();
         for (const store::FileName& file : setAside_) {
             all.erase(file.text);
             std::erase(changes_.files, file);
@@ -72,6 +73,9 @@ class Look {
             if (!known.isSettled) {
                 nextNotBefore(changes_, Next::Later);
             }
+            if (std::exchange(known.isNew, false)) {
+                new_.push_back(group->file);
+            }
             changes_.read.push_back(std::move(*group));
         }
     }
@@ -89,7 +93,7 @@ class Look {
         if (isDamaged && !isToBeShown(group, *now, known)) {
             return std::nullopt;
         }
-        known = {now, now->settled, isDamaged};
+        known = {now, now->settled, isDamaged, known.isNew};
         return group;
     }
 
@@ -102,7 +106,7 @@ class Look {
     // A damaged file is set aside, or will be. One that cannot be stays and is shown.
     bool isToBeShown(GroupFile& group, const compound::FileIdentity& now, KnownFile& known) {
         const bool isAsBefore = known.wasDamaged && known.state && known.state->isSameStateAs(now);
-        known = {now, false, true};
+        known = {now, false, true, known.isNew};
         if (!isAsBefore || !now.settled || !look_.maySetAside) {
             nextNotBefore(changes_, Next::Later);
             return false;
@@ -132,11 +136,53 @@ class Look {
         }
     }
 
+    void followShown() {
+        if (!look_.shown || new_.empty()) {
+            return;
+        }
+        forgetIfGone(look_.shown->group.file);
+        if (changes_.known.contains(look_.shown->group.file.text)) {
+            return;
+        }
+        for (const store::FileName& file : new_) {
+            const store::GroupAddress& shown = look_.shown->group;
+            const MovedGroup moved{shown, store::inRenamedFile(shown, file)};
+            if (holdsShown(moved.to) && std::exchange(changes_.moved, moved)) {
+                changes_.moved.reset(); // either of the two may be it
+                return;
+            }
+        }
+    }
+
+    // A file that gets another name is listed under both for a moment.
+    void forgetIfGone(const store::FileName& file) {
+        if (!library_.disk.glance(store::pathOf(library_, file))) {
+            std::erase(changes_.files, file);
+            std::erase_if(changes_.read, [&](const GroupFile& read) { return read.file == file; });
+            changes_.known.erase(file.text);
+        }
+    }
+
+    bool holdsShown(const store::GroupAddress& group) const {
+        try {
+            ShownPictures there = *look_.shown;
+            there.group = group;
+            there.want = ShownPictures::Want::Names;
+            const GroupContent content = groups::readContent(library_, there);
+            return content.names.names.size() == there.count &&
+                   (!there.picture ||
+                    (content.selected && content.selected->name == *there.picture));
+        } catch (const compound::Error&) {
+            return false; // it has no such group, or is gone as well
+        }
+    }
+
     const store::Library& library_;
     const LookAtLibrary& look_;
     store::LockBudget budget_;
     LibraryChanges changes_;
     std::vector<store::FileName> setAside_;
+    std::vector<store::FileName> new_; // files that were read for the first time
 };
 
 } // namespace
@@ -146,7 +192,7 @@ KnownFiles knownFrom(const std::vector<GroupFile>& files) {
     for (const GroupFile& file : files) {
         const bool isRead = file.reading.state != store::GroupFileState::Locked && file.state;
         known[file.file.text] = {isRead ? file.state : std::nullopt, isRead && file.state->settled,
-                                 file.reading.state == store::GroupFileState::Damaged};
+                                 file.reading.state == store::GroupFileState::Damaged, false};
     }
     return known;
 }

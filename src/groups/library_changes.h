@@ -7,6 +7,7 @@
 #pragma once
 
 #include "groups/library_reading.h"
+#include "groups/selected_group.h"
 #include "store/picture_operations.h"
 
 #include <cstddef>
@@ -23,6 +24,7 @@ struct KnownFile {
     // Whether its last change was some seconds old, so that a further one gets another time stamp.
     bool isSettled = false;
     bool wasDamaged = false; // and was left where it is
+    bool isNew = true;       // has not been shown yet
 };
 using KnownFiles = std::map<std::u16string, KnownFile>; // by name
 
@@ -33,6 +35,7 @@ struct ShownPictures {
     store::GroupAddress group;
     std::optional<store::PictureName> picture; // the selected one
     std::size_t position = 0;                  // of it among the group's pictures
+    std::size_t count = 0;                     // of the group's pictures
     enum class Want { Names, Entries } want = Want::Names;
 };
 
@@ -61,6 +64,9 @@ struct LibraryChanges {
     std::vector<store::FileName> files;  // all that are there, by name without regard to case
     std::vector<GroupFile> read;         // those that were read anew, none of them locked
     std::optional<GroupContent> content; // if its file was one of them and could be read
+    // The shown group, if its file is gone and just one has come that holds such a group with as
+    // many pictures, the selected one among them.
+    std::optional<MovedGroup> moved;
     std::size_t setAside = 0;
     enum class Next { Nothing, Later, AtOnce } next = Next::Nothing; // when to look again
     KnownFiles known;                                                // for the next look

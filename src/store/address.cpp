@@ -19,4 +19,9 @@ GroupAddress topLevelAddress(std::u16string_view name) {
     return {FileName{std::u16string(name)}, StorageName{std::u16string(name)}};
 }
 
+GroupAddress inRenamedFile(const GroupAddress& group, const FileName& file) {
+    return group == topLevelAddress(group.file.text) ? topLevelAddress(file.text)
+                                                     : GroupAddress{file, group.storage};
+}
+
 } // namespace store

@@ -52,4 +52,8 @@ GroupAddress addressOf(std::u16string_view key);
 // The address of the top-level group `name`.
 GroupAddress topLevelAddress(std::u16string_view name);
 
+// The same group in a file that was given another name: only the top-level group is called after
+// its file.
+GroupAddress inRenamedFile(const GroupAddress& group, const FileName& file);
+
 } // namespace store

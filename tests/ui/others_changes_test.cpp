@@ -152,6 +152,36 @@ TEST_F(OthersChanges, AGroupThatIsGoneIsShownNoLonger) {
     EXPECT_EQ(thumbnails(), QStringList{"V1"});
 }
 
+TEST_F(OthersChanges, AGroupIsFollowedToItsOtherName) {
+    makeGroup("Armaturen");
+    addPictures(rotary_, 1, 5);
+    start();
+    clickNode("Pumpen/Kreisel");
+    QTest::mouseClick(thumbnail("P3"), Qt::LeftButton);
+    store::renameGroup(library(), pumps_, {u"Verdichter"});
+    look();
+    EXPECT_EQ(node("Pumpen"), nullptr);
+    EXPECT_TRUE(node("Verdichter")->isExpanded());
+    EXPECT_EQ(selectedNode(), "Kreisel");
+    EXPECT_EQ(thumbnails(), (QStringList{"P1", "P2", "P3", "P4"}));
+    EXPECT_EQ(label(), "P3");
+    // A top-level group changes its key as well.
+    const store::GroupAddress top = store::topLevelAddress(u"Verdichter");
+    addPicture(top, "V1");
+    look();
+    clickNode("Verdichter");
+    store::renameGroup(library(), top, {u"Gebläse"});
+    look();
+    EXPECT_EQ(selectedNode(), QStringLiteral("Gebläse"));
+    EXPECT_EQ(label(), "V1");
+    // What comes in its place is another group.
+    store::removeGroupFile(library(), {u"Gebläse"});
+    addPicture(makeGroup("Filter"), "F1");
+    look();
+    EXPECT_EQ(selectedNode(), "Armaturen");
+    EXPECT_EQ(label(), "- Kein Bild -");
+}
+
 TEST_F(OthersChanges, AnOpenDialogKeepsWhatWasTyped) {
     start();
     clickNode("Pumpen/Kreisel");
