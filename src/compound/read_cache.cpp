@@ -2,6 +2,7 @@
 
 #include "compound/file_state.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace compound {
@@ -68,18 +69,11 @@ void ReadCache::keep(const FileIdentity& identity, std::unique_ptr<FileState> st
 
 std::optional<CommittedFile> ReadCache::recall(const FileIdentity& identity, const Header& header) {
     const std::lock_guard lock(mutex_);
-    for (const CommittedFile& file : committed_) {
-        if (!isSameFile(file.identity, identity) || file.header != header) {
-            continue;
-        }
-        CommittedFile found = file;
-        // Another program may have edited the file in place and left our header as it was.
-        if (!file.identity.isSameStateAs(identity)) {
-            found.soundStorages.clear();
-        }
-        return found;
-    }
-    return std::nullopt;
+    const auto found =
+        std::find_if(committed_.begin(), committed_.end(), [&](const CommittedFile& file) {
+            return file.identity.isSameStateAs(identity) && file.header == header;
+        });
+    return found == committed_.end() ? std::nullopt : std::optional(*found);
 }
 
 void ReadCache::remember(CommittedFile file) {

@@ -7,8 +7,10 @@
 // knows is still true: see docs/decisions/0020-pages-are-kept-between-changes.md.
 //
 // A header that this process has committed is known to be durable, so that the next transaction
-// need not make it so: no two headers of a file are the same, since every one that is written
-// counts the transaction signature up.
+// need not make it so, as long as the file is in that very state. The header's bytes alone do not
+// tell that: they differ from those of every other header of the same file, since each counts the
+// transaction signature up, but another file that has got the number of this one begins to count
+// anew, and whoever has changed it may not have lived to make that durable.
 #pragma once
 
 #include "compound/disk.h"
@@ -49,8 +51,7 @@ class ReadCache {
     // they are too much. The oldest one goes when there are too many or they take too much memory.
     void keep(const FileIdentity& identity, std::unique_ptr<FileState> state);
 
-    // What this process has last committed to the file, if `header` is still in force; without
-    // sound storages when anything else about the file has changed since.
+    // What this process has last committed to the file, if it is still in the state that this left.
     std::optional<CommittedFile> recall(const FileIdentity& identity, const Header& header);
 
     // Takes the place of what was remembered of that file before.

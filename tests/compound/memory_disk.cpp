@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <set>
 #include <utility>
 
 using compound::Access;
@@ -111,7 +112,7 @@ class MemoryFile : public compound::DiskFile {
         requireWritable();
         announceWrite(offset, bytes);
         disk_.checkCapacity(file_->bytes.placed(), file_->bytes.placedAfter(offset, bytes.size()));
-        ++file_->changes;
+        disk_.touch(*file_);
         file_->bytes.write(offset, bytes);
     }
 
@@ -121,7 +122,7 @@ class MemoryFile : public compound::DiskFile {
     void truncate(std::uint64_t size) override {
         requireWritable();
         disk_.announce(MemoryDisk::Call::Truncate);
-        ++file_->changes;
+        disk_.touch(*file_);
         file_->bytes.resize(size);
     }
 
@@ -147,7 +148,7 @@ class MemoryFile : public compound::DiskFile {
 
   private:
     compound::FileIdentity identity(bool settled) const {
-        return {1, file_->number, file_->bytes.size(), file_->changes, file_->changes, settled};
+        return {1, file_->number, file_->bytes.size(), file_->changed, file_->changed, settled};
     }
 
     void announceWrite(std::uint64_t offset, std::span<const std::byte> bytes) {
@@ -155,7 +156,7 @@ class MemoryFile : public compound::DiskFile {
             disk_.announce(MemoryDisk::Call::Write);
         } catch (const Error&) {
             if (disk_.tearsWrites_) {
-                ++file_->changes;
+                disk_.touch(*file_);
                 file_->bytes.write(offset, bytes.first(bytes.size() / 1024 * 512));
             }
             throw;
@@ -194,19 +195,30 @@ void MemoryDisk::setContent(const std::filesystem::path& path, std::span<const s
     files_[path] = std::move(file);
 }
 
+// With the number of a file that has gone, as file systems do.
 std::shared_ptr<MemoryDisk::File> MemoryDisk::makeFile() {
+    std::erase_if(made_, [](const auto& file) { return file.expired(); });
+    std::set<std::uint64_t> taken;
+    for (const auto& file : made_) {
+        taken.insert(file.lock()->number);
+    }
     auto file = std::make_shared<File>();
-    file->number = ++filesMade_;
+    do {
+        ++file->number;
+    } while (taken.contains(file->number));
+    touch(*file);
+    made_.push_back(file);
     return file;
 }
 
 void MemoryDisk::copyFilesOf(const MemoryDisk& other) {
     files_.clear();
+    made_.clear();
     for (const auto& [path, file] : other.files_) {
-        files_.emplace(path, std::make_shared<File>(*file));
+        made_.push_back(files_.emplace(path, std::make_shared<File>(*file)).first->second);
     }
     folders_ = other.folders_;
-    filesMade_ = other.filesMade_;
+    clock_ = other.clock_;
 }
 
 void MemoryDisk::announce(Call call) const {
@@ -285,8 +297,8 @@ std::optional<compound::FileIdentity> MemoryDisk::glance(const std::filesystem::
     return compound::FileIdentity{1,
                                   file->second->number,
                                   file->second->bytes.size(),
-                                  file->second->changes,
-                                  file->second->changes,
+                                  file->second->changed,
+                                  file->second->changed,
                                   isSettled_};
 }
 

@@ -40,7 +40,7 @@ class MemoryDisk : public compound::Disk {
         SparseBytes bytes;
         bool locked = false;
         std::uint64_t number = 0;
-        std::int64_t changes = 0; // stand for the time stamps
+        std::int64_t changed = 0; // the time of the last change
     };
 
     enum class Call { Read, Write, Sync, Truncate, Size, Lock, Folder, SyncFolder };
@@ -94,6 +94,7 @@ class MemoryDisk : public compound::Disk {
     friend class MemoryFile;
     std::shared_ptr<File> find(const std::filesystem::path& path) const;
     std::shared_ptr<File> makeFile();
+    void touch(File& file) { file.changed = ++clock_; }
 
     std::map<std::filesystem::path, std::shared_ptr<File>> files_;
     std::vector<std::filesystem::path> folders_;
@@ -102,6 +103,7 @@ class MemoryDisk : public compound::Disk {
     bool tearsWrites_ = false;
     bool isBusy_ = false;
     std::optional<std::uint64_t> capacity_;
-    std::uint64_t filesMade_ = 0;
+    std::vector<std::weak_ptr<File>> made_;
+    std::int64_t clock_ = 0; // goes on with every change
     bool isSettled_ = true;
 };

@@ -5,6 +5,7 @@
 #include "compound/raw_file.h"
 #include "compound/read_cache.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <stdexcept>
 
@@ -275,6 +276,33 @@ TEST_F(MemoryTest, OnlyTheHeaderOfTheLastCommitIsKnownToBeDurable) {
     disk_.setInterceptor({});
     EXPECT_EQ(syncs(&cache_), 3);
     EXPECT_EQ(findingsOf(disk_, kPath), "");
+}
+
+// Another file may get the number of one that has gone, and come to a header of the same bytes:
+// who has made that one may have been killed before it was durable.
+TEST_F(MemoryTest, AHeaderThatHasComeBackIsNotKnownToBeDurable) {
+    const auto change = [&](ReadCache& process, std::u16string_view name) {
+        CompoundFile file =
+            CompoundFile::open(disk_.open(kPath, Access::ReadWrite), Access::ReadWrite, &process);
+        file.root().openStorage(u"S").rename(u"c", name);
+        file.commit();
+    };
+    ReadCache other;
+    const auto compacted = disk_.content(kPath);
+    const auto number = disk_.glance(kPath)->number;
+    change(cache_, u"x");
+    const auto header = disk_.content(kPath);
+    disk_.removeTemporary(kPath);
+    disk_.create(kPath)->write(0, compacted);
+    ASSERT_EQ(disk_.glance(kPath)->number, number);
+    change(other, u"y");
+    ASSERT_TRUE(std::equal(header.begin(), header.begin() + 512, disk_.content(kPath).begin()));
+    const int syncs = count(Call::Sync, [&] {
+        CompoundFile file = open(Access::ReadWrite);
+        file.root().openStorage(u"S").destroy(u"y");
+        file.commit();
+    });
+    EXPECT_EQ(syncs, 3);
 }
 
 // More than lies in memory at once: pages of the mini stream go to the file before the commit, and
