@@ -7,6 +7,11 @@
 
 namespace store {
 
+// Whether the file's bytes are wrong, and not the way to them.
+inline bool isAboutBytes(compound::ErrorCode code) {
+    return code == compound::ErrorCode::Damaged || code == compound::ErrorCode::NotCompoundFile;
+}
+
 // What `read` returns; nothing when it meets damaged bytes. Every other error goes on.
 template <typename Read>
 auto unlessDamaged(Read read) -> std::optional<decltype(read())> {

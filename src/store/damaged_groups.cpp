@@ -2,6 +2,7 @@
 
 #include "base/utf8.h"
 #include "compound/error.h"
+#include "store/damage.h"
 #include "store/group_layout.h"
 #include "store/storage_access.h"
 
@@ -14,12 +15,8 @@ using compound::Access;
 using compound::Error;
 using compound::ErrorCode;
 
-bool isFindingAboutBytes(ErrorCode code) {
-    return code == ErrorCode::Damaged || code == ErrorCode::NotCompoundFile;
-}
-
 GroupFileState stateOf(const Error& error) {
-    if (isFindingAboutBytes(error.code())) {
+    if (isAboutBytes(error.code())) {
         return GroupFileState::Damaged;
     }
     return error.code() == ErrorCode::Locked ? GroupFileState::Locked : GroupFileState::Unreadable;

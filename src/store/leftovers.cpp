@@ -2,7 +2,8 @@
 
 #include "compound/error.h"
 #include "compound/format.h"
-#include "store/damaged_groups.h"
+#include "store/damage.h"
+#include "store/moved_content.h"
 #include "store/storage_access.h"
 
 #include <algorithm>
@@ -18,8 +19,10 @@ namespace store {
 namespace {
 
 using compound::Access;
+using compound::CompoundFile;
 using compound::DiskFile;
 using compound::Error;
+using compound::ErrorCode;
 
 constexpr std::string_view kPrefix = ".txs-";
 constexpr std::string_view kInTheMaking = ".new";
@@ -99,9 +102,15 @@ void forEachLeftover(const Library& library, const std::filesystem::path& folder
     }
 }
 
-// The old file's content is whole under the new name, durably: the new name came after that.
+// The old file's content is whole and durable under the new name. Who gave it that name may not
+// have lived to make the name durable, and nothing says which of two changes of a folder a power
+// cut leaves.
 void removeOld(const Library& library, const std::filesystem::path& path) {
     const std::filesystem::path target = library.disk.resolved(path);
+    syncPlaceOf(library, path);
+    if (target != path) {
+        syncPlaceOf(library, target);
+    }
     library.disk.removeTemporary(path);
     if (target != path) {
         library.disk.removeTemporary(target);
@@ -115,12 +124,14 @@ enum class MoveEnd {
     Unknown,     // something is in use or cannot be read: ask again
 };
 
-// What the record says of one file that may be the old one.
+// What the record says of one file that may be the old one. It tells names, and another program may
+// have made a group of the new name before the one that moved could: only what stands in both
+// files, byte for byte, may go.
 MoveEnd finishMoveOf(const Library& library, const FileName& old,
                      const std::filesystem::path& record, const std::vector<FileName>& files) {
     const LockBudget noWait(std::chrono::milliseconds{0});
     const std::filesystem::path path = pathOf(library, old);
-    const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
+    auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const Fingerprint fingerprint = fingerprintOf(*held, old);
     const auto moved = std::find_if(files.begin(), files.end(), [&](const FileName& file) {
         return file != old && record.filename() == recordName(fingerprint, file);
@@ -128,11 +139,20 @@ MoveEnd finishMoveOf(const Library& library, const FileName& old,
     if (moved == files.end()) {
         return MoveEnd::NotToFinish;
     }
-    const GroupFileState state = readGroupFile(library, *moved, noWait).state;
-    if (state != GroupFileState::Sound) {
-        return state == GroupFileState::Damaged ? MoveEnd::NotToFinish : MoveEnd::Unknown;
+    StorageAccess access(library);
+    try {
+        access.openFile(pathOf(library, *moved), Access::Read, noWait.remaining());
+        auto oldFile = CompoundFile::open(std::move(held), Access::Read);
+        if (!holdsAllOf(oldFile, old, access.file(), *moved)) {
+            return MoveEnd::NotToFinish;
+        }
+        removeOld(library, path);
+    } catch (const Error& error) {
+        if (isAboutBytes(error.code())) {
+            return MoveEnd::NotToFinish;
+        }
+        throw;
     }
-    removeOld(library, path);
     return MoveEnd::Finished;
 }
 
@@ -177,7 +197,7 @@ MoveRecord::MoveRecord(const Library& library, DiskFile& old, const FileName& ol
         file_ = lockNew(library, library.disk.create(path_));
     } catch (const Error& error) {
         // A record that a crash has left and nobody could clear away serves as well.
-        if (error.code() != compound::ErrorCode::Exists) {
+        if (error.code() != ErrorCode::Exists) {
             throw Error(error.code(), plainPathOf(library, newFile), error.cause());
         }
     }

@@ -81,5 +81,38 @@ TEST(NameTest, WhatIsAddedToAFileStaysThere) {
     }
 }
 
+// The listing of the library that finishes a move has no word from who began it that the new name
+// is durable.
+TEST(NameTest, AMoveThatAnotherProgramFinishesLosesNothing) {
+    bool isDone = false;
+    for (std::size_t changes = 0; !isDone; ++changes) {
+        MemoryDisk memory;
+        prepareLibrary(memory, compound::SectorSize::Bytes4096);
+        RecordingDisk recording(memory, recordedFolders());
+        recording.breakAfter(Breakage::Killed, changes);
+        isDone = true;
+        try {
+            store::renameGroup(libraryOn(recording), store::topLevelAddress(u"Pumps"),
+                               {u"Machines"});
+        } catch (const compound::Error&) {
+            isDone = false;
+        }
+        recording.mend();
+        store::groupFiles(libraryOn(recording));
+        for (std::size_t lost = 0; lost < recording.events().size(); ++lost) {
+            for (std::size_t count = lost + 1; count <= recording.events().size(); ++count) {
+                const auto fate = [&](std::size_t at) {
+                    return at == lost ? Fate::Lost : Fate::Reached;
+                };
+                LibraryDump left = dumpOf(cutPower(recording, count, fate, {}));
+                EXPECT_NE((left["Pumps.stg"] + left["Machines.stg"]).find("  impeller 9000 bytes"),
+                          std::string::npos)
+                    << "killed after change " << changes << ", cut after " << count << " without "
+                    << lost;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace crash

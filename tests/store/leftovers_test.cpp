@@ -3,8 +3,10 @@
 #include "compound/error.h"
 #include "store/store_fixture.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <map>
+#include <string_view>
 
 namespace store::testing {
 namespace {
@@ -69,11 +71,16 @@ class LeftoversTest : public StoreTest {
         }
     }
 
-    // The moment of a move from "Old" to "New" at which both files are there.
-    Files betweenTheNames() {
+    // A move from "Old" to "New".
+    std::vector<Files> momentsOfAMove() {
         const GroupAddress old = topGroup(u"Old");
         add(old, u"logo", "logo bytes");
-        for (const Files& files : momentsOf([&] { renameGroup(library, old, {u"New"}); })) {
+        return momentsOf([&] { renameGroup(library, old, {u"New"}); });
+    }
+
+    // The moment at which both files are there.
+    Files betweenTheNames() {
+        for (const Files& files : momentsOfAMove()) {
             if (files.contains("/library/Old.stg") && files.contains("/library/New.stg")) {
                 return files;
             }
@@ -96,6 +103,28 @@ TEST_F(LeftoversTest, AMoveWhoseOldFileHasChangedSinceIsNotFinished) {
     }
     EXPECT_THAT(listingOf(other), ElementsAre("New", "Old"));
     EXPECT_THAT(entriesOf(other), ::testing::SizeIs(2)) << "the record is still there";
+}
+
+// The record stands before the file has its new name, which another program may take meanwhile.
+TEST_F(LeftoversTest, AGroupOfTheNewNameThatAnotherProgramHasMadeIsNoMove) {
+    std::size_t moments = 0;
+    for (const Files& files : momentsOfAMove()) {
+        const bool isMoving = std::any_of(files.begin(), files.end(), [](const auto& file) {
+            return file.first.extension() == ".was";
+        });
+        if (!isMoving || files.contains("/library/New.stg")) {
+            continue;
+        }
+        MemoryDisk other;
+        fill(other, files);
+        other.setContent("/bolt.bmp", std::as_bytes(std::span(std::string_view("PIC15 15"))));
+        const Library others{other, "/library", measureText, u'.', std::chrono::milliseconds{0}};
+        addPicture(others, createGroup(others, std::nullopt, {u"New"}), {u"logo"}, "/bolt.bmp");
+        EXPECT_THAT(listingOf(other), ElementsAre("New", "Old"));
+        EXPECT_THAT(entriesOf(other), ::testing::SizeIs(2)) << "the record is still there";
+        ++moments;
+    }
+    EXPECT_GT(moments, 0U);
 }
 
 TEST_F(LeftoversTest, AMoveIsNotFinishedWithoutASoundNewFile) {
