@@ -96,10 +96,17 @@ Move moveOf(const Library& library, const FileName& file, const GroupName& newNa
     return move;
 }
 
+// Once the link has gone, the library has the group under its new name only; what keeps the file
+// that the link led to must not undo that.
 void removeOld(const Library& library, const Move& move) {
     library.disk.removeTemporary(move.from);
-    if (move.isLinked()) {
+    if (!move.isLinked()) {
+        return;
+    }
+    try {
         library.disk.removeTemporary(move.fromFile);
+    } catch (const Error&) {
+        return;
     }
 }
 

@@ -76,7 +76,8 @@ StorageName readGroupParent(const Library& library, const GroupAddress& group);
 // Returns the name that the group now has. A sub-group changes its `Name` only; a top-level group
 // moves to a new file, which is complete and durable before the old one goes. Exists when another
 // file has the new name (in any case), or when something else in the group's own file stands where
-// its storages would go; then nothing is changed.
+// its storages would go; then nothing is changed. Where a link stood for the old file, that file
+// may stay behind outside of the library, when it cannot be removed.
 GroupName renameGroup(const Library& library, const GroupAddress& group, const GroupName& newName,
                       Progress& progress = noProgress());
 
