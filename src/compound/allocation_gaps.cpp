@@ -28,12 +28,15 @@ std::uint64_t AllocationTable::surplus(std::uint64_t reserve, Look look) {
     const auto count = static_cast<std::uint32_t>(ranges_.size());
     const std::uint32_t first = count - std::min(count, kSample); // of the last ones
     const auto freeIn = [&](std::uint32_t index) { return usableIn(index, end, Free::Now); };
-    const auto withoutReserve = [&](std::uint64_t free) { return free - std::min(free, reserve); };
-    std::uint64_t near = home() < first ? freeIn(home()) : 0;
+    const auto withoutReserve = [&](std::int64_t free) {
+        const std::int64_t beyond = free - static_cast<std::int64_t>(reserve);
+        return static_cast<std::uint64_t>(std::max<std::int64_t>(beyond, 0));
+    };
+    std::int64_t near = home() < first ? freeIn(home()) : 0;
     for (std::uint32_t index = first; index < count; ++index) {
         near += freeIn(index);
     }
-    std::uint64_t sampled = 0;
+    std::int64_t sampled = 0;
     std::uint32_t looked = 0;
     const std::uint32_t step = std::max(1U, first / (4 * kSample));
     std::uint32_t loads = 0;
@@ -43,13 +46,13 @@ std::uint64_t AllocationTable::surplus(std::uint64_t reserve, Look look) {
             ++looked;
         }
     }
-    const std::uint64_t known = look == Look::Loaded ? usableInLoaded() : 0;
+    const std::int64_t known = look == Look::Loaded ? usableInLoaded() : 0;
     const std::uint64_t likely =
         withoutReserve(std::max(known, near + (looked == 0 ? 0 : sampled * first / looked)));
     if (count > 4 * kSample && likely <= allowedSurplus()) {
         return likely;
     }
-    std::uint64_t free = 0;
+    std::int64_t free = 0;
     for (std::uint32_t index = 0; index < count; ++index) {
         free += freeIn(index);
     }
@@ -57,8 +60,8 @@ std::uint64_t AllocationTable::surplus(std::uint64_t reserve, Look look) {
 }
 
 // Ranges at equal distances may miss what pictures of one size have left.
-std::uint64_t AllocationTable::usableInLoaded() {
-    std::uint64_t free = 0;
+std::int64_t AllocationTable::usableInLoaded() {
+    std::int64_t free = 0;
     for (std::uint32_t index = 0; index < ranges_.size(); ++index) {
         free += ranges_[index] ? usableIn(index, file_.count(), Free::Now) : 0;
     }
@@ -88,6 +91,16 @@ std::uint32_t AllocationTable::lowestPlaceForFat(std::uint32_t end) {
         }
     }
     return kNone;
+}
+
+std::uint64_t AllocationTable::homelessBefore(std::uint32_t end) {
+    std::uint64_t homeless = 0;
+    for (std::uint32_t index = 0; index < ranges_.size() && liesBefore(index, end); ++index) {
+        const bool isAstray = fatSectors_[index] / perSector_ != index;
+        const bool hasPlace = freeIn(index) > 0 && (!isAstray || load(index).pending > 0);
+        homeless += hasPlace || fatSectors_[index] >= end ? 0U : 1U;
+    }
+    return homeless;
 }
 
 void AllocationTable::leave(std::uint32_t end) {

@@ -8,24 +8,25 @@ namespace compound {
 
 using namespace format;
 
-// Free sectors of a range among the file's first `count`, but for one.
-std::uint64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count, Free which) {
+// Free sectors of a range among the file's first `count`, but for one: -1 when there is none, for
+// then its FAT sector takes one of another range.
+std::int64_t AllocationTable::usableIn(std::uint32_t index, std::uint32_t count, Free which) {
     const Range& range = load(index);
-    std::uint32_t free = 0;
+    const std::uint32_t first = index * perSector_;
+    std::int64_t free = 0;
     if (std::uint64_t{index + 1} * perSector_ <= count) { // no need to look at each
         free = freeIn(index) + (which == Free::AfterCommit ? range.pending : 0);
-        return free > kKeptForFat ? free - kKeptForFat : 0;
-    }
-    const std::uint32_t first = index * perSector_;
-    if (first < count) {
+    } else if (first < count) {
         free = which == Free::AfterCommit ? freeAfterCommit(index).countBefore(count - first)
                                           : freeSectors(index).countBefore(count - first);
+    } else {
+        return 0; // it can go
     }
-    return free > kKeptForFat ? free - kKeptForFat : 0;
+    return free - std::int64_t{kKeptForFat};
 }
 
-// The same of several ranges, once `wanted` are found no more than that. Which ranges count follows
-// from the file alone, and not from what is in memory: what a commit keeps is what check() expects.
+// The same of several ranges. Which ranges count follows from the file alone, and not from what is
+// in memory: what a commit keeps is what check() expects.
 std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count, Free which) {
     // At the least; a file of very many elements keeps more than so few can hold.
     constexpr std::uint64_t kCounted = 8;
@@ -34,11 +35,11 @@ std::uint64_t AllocationTable::usable(std::uint64_t wanted, std::uint32_t count,
     const std::uint64_t counted = kCounted + 2 * wanted / perSector_;
     const std::uint64_t first = countsAll_ || !canGrow() || size <= counted ? 0 : size - counted;
     const std::uint32_t atHome = header_.firstDirectory / perSector_;
-    std::uint64_t found = atHome < first ? usableIn(atHome, count, which) : 0;
-    for (std::uint64_t index = size; index-- > first && found < wanted;) {
+    std::int64_t found = atHome < first ? usableIn(atHome, count, which) : 0;
+    for (std::uint64_t index = first; index < size; ++index) {
         found += usableIn(static_cast<std::uint32_t>(index), count, which);
     }
-    return found;
+    return static_cast<std::uint64_t>(std::max<std::int64_t>(found, 0));
 }
 
 std::uint64_t AllocationTable::missing(std::uint64_t wanted, std::uint32_t count, Free which) {
@@ -83,6 +84,23 @@ void AllocationTable::lengthenFreely(std::uint64_t sectors, std::uint64_t more) 
             throw;
         }
         file_.extend(static_cast<std::uint32_t>(end));
+    }
+}
+
+bool AllocationTable::tryLengthen(std::uint64_t sectors) {
+    const std::uint64_t end = file_.count() + sectors;
+    if (end > limit() || end > std::uint64_t{ranges_.size()} * perSector_) {
+        return false;
+    }
+    markRangeLock(end);
+    try {
+        file_.extend(static_cast<std::uint32_t>(end));
+        return true;
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::NoSpace) {
+            throw;
+        }
+        return false;
     }
 }
 

@@ -134,6 +134,13 @@ class AllocationTable {
     // Sectors from `end` on that are in use, those of FAT and DIFAT apart.
     std::uint64_t inChainsFrom(std::uint32_t end);
 
+    // FAT sectors before `end`, and of ranges before it, that need a place in another range when
+    // they change.
+    std::uint64_t homelessBefore(std::uint32_t end);
+
+    // Lengthens the file by `sectors` that its ranges describe already. Whether it could.
+    bool tryLengthen(std::uint64_t sectors);
+
     // What the transaction takes from now on lies before `end`, as long as there is room; FAT and
     // DIFAT sectors behind it move.
     void leave(std::uint32_t end);
@@ -256,9 +263,9 @@ class AllocationTable {
     std::uint32_t takePlaced(std::uint32_t sector);
     void markRangeLock(std::uint64_t end);
     std::uint32_t allocateOnce(std::uint32_t near, Purpose purpose);
-    std::uint64_t usableIn(std::uint32_t index, std::uint32_t count, Free which);
+    std::int64_t usableIn(std::uint32_t index, std::uint32_t count, Free which);
     std::uint64_t usable(std::uint64_t wanted, std::uint32_t count, Free which);
-    std::uint64_t usableInLoaded();
+    std::int64_t usableInLoaded();
     void lengthen(std::uint64_t sectors, std::uint64_t more);
     void lengthenFreely(std::uint64_t sectors, std::uint64_t more);
     std::uint32_t limit() const {

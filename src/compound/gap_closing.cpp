@@ -18,7 +18,8 @@ bool GapClosing::run(std::uint64_t reserve, std::uint64_t most, AllocationTable:
     const std::uint64_t behind = file_.count() - std::min(file_.count(), used);
     const auto least = used - static_cast<std::uint32_t>(std::min<std::uint64_t>(used, surplus));
     const std::uint64_t kept = behind + table_.keptAtHome(reserve, least);
-    const std::uint64_t length = std::min(surplus - std::min(surplus, kept), most);
+    const std::uint64_t length =
+        withPlacesForFat(used, std::min(surplus - std::min(surplus, kept), most), surplus);
     if (length <= kFew || length >= used) {
         return true;
     }
@@ -27,6 +28,25 @@ bool GapClosing::run(std::uint64_t reserve, std::uint64_t most, AllocationTable:
     const bool hasPlace = place < end + length / 4;
     leaveTail(hasPlace ? std::max(end, place + 1) : end);
     return hasPlace;
+}
+
+// What moves fills all gaps but for one of each range. A FAT sector before the end that lies in
+// another range than its own goes to neither: what it leaves is free for the next transaction only.
+// So for these there must be room behind the end, or less moves.
+std::uint64_t GapClosing::withPlacesForFat(std::uint32_t used, std::uint64_t length,
+                                           std::uint64_t surplus) {
+    bool hasAsked = false;
+    while (length > 0 && length < used) {
+        const std::uint64_t homeless =
+            table_.homelessBefore(used - static_cast<std::uint32_t>(length));
+        const std::uint64_t lacking = length + homeless - std::min(length + homeless, surplus);
+        if (lacking == 0 || (!hasAsked && table_.tryLengthen(lacking))) {
+            return length;
+        }
+        hasAsked = true;
+        length -= std::min(length, lacking);
+    }
+    return length;
 }
 
 void GapClosing::leaveTail(std::uint32_t end) {

@@ -44,6 +44,7 @@ class GapClosing {
         std::uint64_t sectors = 0;
     };
 
+    std::uint64_t withPlacesForFat(std::uint32_t used, std::uint64_t length, std::uint64_t surplus);
     void leaveTail(std::uint32_t end);
     std::optional<Tail> tailFrom(std::uint32_t end);
     void addStreams(Tail& tail);

@@ -219,5 +219,35 @@ TEST(GapTest, OnAFullDiskTheTablesLiveOnWhatRangesKeep) {
     }
 }
 
+// Gaps that are closed on a full disk fill all ranges but for one sector each. FAT sectors that lie
+// in another range than their own need places beside those: without them ranges were left with
+// none, and the file cut as if they had one.
+TEST(GapTest, OnAFullDiskOneDeletionAfterAnotherFindsPlaces) {
+    const FullCase cases[] = {{"few lie elsewhere", 54, 245 << 10, 83626, 29},
+                              {"many do", 51, 267 << 10, 267 << 10, 14}};
+    for (const FullCase& each : cases) {
+        SCOPED_TRACE(each.what);
+        MemoryDisk disk;
+        makeFileWithGaps(disk, each);
+        const auto change = [&](const std::function<void(compound::Storage)>& changes) {
+            disk.setCapacity(disk.placed());
+            CompoundFile file = openFile(disk, kPath);
+            changes(file.root());
+            EXPECT_NO_THROW(file.commit());
+            file.closeGaps();
+        };
+        change([](compound::Storage root) { root.rename(u"Few", u"Others"); });
+        change([&](compound::Storage root) {
+            root.destroy(nameOf(u'p', each.pictures - 1 - each.pictures % 2));
+        });
+        change([&](compound::Storage root) {
+            for (std::size_t i = 3; i + 2 < each.pictures; i += 4) {
+                root.destroy(nameOf(u'p', i));
+            }
+        });
+        EXPECT_EQ(findingsOf(disk, kPath), "");
+    }
+}
+
 } // namespace
 } // namespace compound_tests
