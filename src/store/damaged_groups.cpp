@@ -44,6 +44,20 @@ GroupFileReading examine(const Library& library, const std::filesystem::path& pa
     return reading;
 }
 
+// Looks at a file whose lock is held already.
+bool isDamaged(const Library& library, const std::filesystem::path& path, const FileName& file) {
+    try {
+        auto content =
+            compound::CompoundFile::open(library.disk.open(path, Access::Read), Access::Read);
+        return !findTopLevelGroup(StorageHandle(content.root()), file);
+    } catch (const Error& error) {
+        if (!isAboutBytes(error.code())) {
+            throw;
+        }
+        return true;
+    }
+}
+
 } // namespace
 
 GroupFileReading readGroupFile(const Library& library, const FileName& file,
@@ -66,18 +80,13 @@ GroupFileState testGroupFile(const Library& library, const std::filesystem::path
 
 void setAside(const Library& library, const FileName& file) {
     const std::filesystem::path path = pathOf(library, file);
-    // Whoever tested it has let it go meanwhile: it may be sound by now, or in use.
-    const LockBudget noWait(std::chrono::milliseconds{0});
-    const GroupFileReading now = examine(library, path, file, noWait, [](auto&, auto&) {});
-    if (now.state == GroupFileState::Sound) {
+    // Whoever tested it has let it go meanwhile: it may be sound by now, another file, or in use.
+    // From here on nobody puts one in its place.
+    const FileTurns::Turn turn = library.turns->take(path);
+    const auto held = openLocked(library.disk, path, Access::Read, std::chrono::milliseconds{0});
+    if (!isDamaged(library, path, file)) {
         return;
     }
-    if (now.state != GroupFileState::Damaged) {
-        throw Error(now.state == GroupFileState::Locked ? ErrorCode::Locked : ErrorCode::Failed,
-                    path, now.failure->cause());
-    }
-    const FileTurns::Turn turn = library.turns->take(path);
-    const auto held = openLocked(library.disk, path, Access::Read, noWait.remaining());
     const std::filesystem::path aside =
         library.folder / base::toPath(file.text + std::u16string(kDamagedFileSuffix));
     if (library.disk.exists(aside)) {

@@ -2,6 +2,7 @@
 #include "store/store_fixture.h"
 
 #include <gmock/gmock.h>
+#include <string_view>
 
 namespace store::testing {
 namespace {
@@ -94,6 +95,45 @@ TEST_F(DamagedGroupTest, WhatHasBecomeSoundIsNotSetAside) {
     setAside(library, {u"Plant"}); // as after a test of the file that stood there before
     EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
     EXPECT_THAT(damagedFiles(library), IsEmpty());
+}
+
+// Another program may put a sound one in its place before any call to the disk, once it has the
+// lock.
+TEST_F(DamagedGroupTest, WhatBecomesSoundJustNowIsNotSetAside) {
+    topGroup(u"Plant");
+    const auto sound = disk.content("/library/Plant.stg");
+    int replacements = 0;
+    constexpr int kMoreThanAllCalls = 60;
+    for (int replaced = 0; replaced < kMoreThanAllCalls; ++replaced) {
+        disk.setContent("/library/Plant.stg", std::as_bytes(std::span(std::string_view("bad"))));
+        disk.removeTemporary("/library/Plant.err");
+        bool isOther = false; // who calls
+        bool isSound = false;
+        int calls = 0;
+        disk.setInterceptor([&](MemoryDisk::Call) {
+            if (isOther || calls++ != replaced) {
+                return;
+            }
+            isOther = true;
+            if (disk.exists("/library/Plant.stg") &&
+                disk.open("/library/Plant.stg", Access::Read)->lock(std::chrono::milliseconds{0})) {
+                disk.setContent("/library/Plant.stg", sound);
+                isSound = true;
+            }
+            isOther = false;
+        });
+        try {
+            setAside(library, {u"Plant"});
+        } catch (const compound::Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::Locked) << "it is being replaced";
+        }
+        disk.setInterceptor({});
+        ASSERT_LT(calls, kMoreThanAllCalls);
+        replacements += isSound ? 1 : 0;
+        EXPECT_EQ(disk.content("/library/Plant.stg") == sound, isSound)
+            << "replaced before call " << replaced;
+    }
+    EXPECT_GT(replacements, 0);
 }
 
 TEST_F(DamagedGroupTest, ALockedFileIsNeverWrittenOrRemoved) {
