@@ -4,6 +4,7 @@
 #include "platform/file_attributes.h"
 #include "platform/file_descriptor.h"
 #include "platform/file_identity.h"
+#include "platform/folder_entries.h"
 #include "platform/shared_volume.h"
 #include "platform/trash.h"
 
@@ -11,7 +12,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <sys/file.h>
@@ -468,39 +468,16 @@ void NativeDisk::copyAttributes(DiskFile& from, DiskFile& to) {
     nativeFile(to).takeAttributes(nativeFile(from));
 }
 
-bool isRegularEntry(int folder, const dirent& entry) {
-    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK) {
-        return entry.d_type == DT_REG;
-    }
-    struct stat status {};
-    return ::fstatat(folder, entry.d_name, &status, 0) == 0 && S_ISREG(status.st_mode);
-}
-
 std::vector<compound::FolderEntry> NativeDisk::list(const path& folder) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), &::closedir);
-    if (!stream) {
+    const FileDescriptor descriptor(
+        ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor.isOpen()) {
         throw systemError(errno, folder, "list");
     }
-    struct stat status {};
-    if (surroundings_.volumes == Volumes::AllShared || isSharedVolume(::dirfd(stream.get()))) {
-        (void)askStatus(::dirfd(stream.get()), status); // a newer folder is read anew
-    }
-    std::vector<compound::FolderEntry> entries;
-    for (;;) {
-        errno = 0;
-        const dirent* entry = ::readdir(stream.get());
-        if (entry == nullptr) {
-            break;
-        }
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") {
-            entries.push_back({path(name), isRegularEntry(::dirfd(stream.get()), *entry)});
-        }
-    }
-    if (errno != 0) {
-        throw systemError(errno, folder, "list");
-    }
-    return entries;
+    const bool isSharedFolder =
+        surroundings_.volumes == Volumes::AllShared || isSharedVolume(descriptor.get());
+    return readFolder(descriptor.get(), isSharedFolder ? FolderIs::Shared : FolderIs::Local,
+                      folder);
 }
 
 bool NativeDisk::exists(const path& filePath) {

@@ -2,12 +2,15 @@
 #include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
 #include "platform/own_home.h"
+#include "platform/shared_volume.h"
 #include "platform/trash.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 #include <string>
 #include <sys/resource.h>
@@ -87,6 +90,34 @@ TEST_F(NativeDiskTest, refusesWhatIsNoRegularFileWithoutWaiting) {
         }
     }
     EXPECT_EQ(codeOf([&] { nativeDisk().open(at("none"), Access::Read); }), ErrorCode::NotFound);
+}
+
+// What is told of a large folder in pieces may have the file by both names, or by none.
+TEST_F(NativeDiskTest, listsALargeFolderAsItIsAtOneMoment) {
+    if (platform::isSharedVolume(at(""))) {
+        GTEST_SKIP() << "such a file system tells a folder in pieces";
+    }
+    constexpr int kFiles = 2500;
+    constexpr int kListings = 300;
+    for (int i = 0; i < kFiles; ++i) {
+        write("file " + std::to_string(i), "");
+    }
+    std::atomic<bool> isEnough = false;
+    std::thread other([&] {
+        std::string name = "file 0";
+        for (int i = kFiles; !isEnough; ++i) {
+            const std::string next = "file " + std::to_string(i);
+            EXPECT_EQ(::rename(at(name).c_str(), at(next).c_str()), 0);
+            name = next;
+        }
+    });
+    std::map<std::size_t, int> listings; // by how many files they tell
+    for (int i = 0; i < kListings; ++i) {
+        ++listings[nativeDisk().list(at("")).size()];
+    }
+    isEnough = true;
+    other.join();
+    EXPECT_EQ(listings, (std::map<std::size_t, int>{{kFiles, kListings}}));
 }
 
 TEST_F(NativeDiskTest, opensAReadOnlyFileForReadingOnly) {
