@@ -131,6 +131,7 @@ void openToMove(StorageAccess& access, const GroupAddress& group) {
 
 GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
                               const GroupName& newName, Progress& progress) {
+    (void)groupFiles(library); // what a crash has left of it goes while nobody holds the file
     StorageAccess old(library);
     openToMove(old, group); // a vanished group is found out here
     refuseTakenName(library, group, newName);
@@ -145,7 +146,8 @@ GroupName renameTopLevelGroup(const Library& library, const GroupAddress& group,
         renameTopLevelPair(StorageHandle(content.root()), group.storage, newName.text);
     });
     file.takeAttributes(old.file().disk());
-    const MoveRecord record(library, old.file().disk(), group.file, {newName.text});
+    const MoveRecord record(library, old.file().disk(), group.file, file.temporary(),
+                            {newName.text});
     if (move.isLinked() && library.disk.exists(move.to)) {
         throw Error(ErrorCode::Exists, move.to, "the file exists");
     }

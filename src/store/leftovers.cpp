@@ -1,5 +1,6 @@
 #include "store/leftovers.h"
 
+#include "base/utf8.h"
 #include "compound/error.h"
 #include "compound/format.h"
 #include "store/damage.h"
@@ -8,10 +9,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <exception>
 #include <functional>
+#include <optional>
 #include <random>
 #include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -79,12 +83,47 @@ std::string recordName(Fingerprint old, const FileName& newFile) {
     return nameOf(old.value(), kMoving);
 }
 
+// What a record holds. No file's name has the sign between the parts.
+constexpr char kBetweenParts = '/';
+
+struct Move {
+    FileName old;
+    FileName now;
+    std::uint64_t number = 0; // of the file that gets the new name
+};
+
+std::string textOf(const Move& move) {
+    return base::toUtf8(move.old.text) + kBetweenParts + base::toUtf8(move.now.text) +
+           kBetweenParts + std::to_string(move.number);
+}
+
+// Nothing for a record without names: a power cut may have emptied it.
+std::optional<Move> moveIn(DiskFile& record) {
+    constexpr std::size_t kLongest = 1024;
+    std::string text(kLongest, '\0');
+    text.resize(record.read(0, std::as_writable_bytes(std::span(text))));
+    const std::size_t afterOld = text.find(kBetweenParts);
+    const std::size_t afterNew = text.find(kBetweenParts, afterOld + 1);
+    if (afterOld == std::string::npos || afterNew == std::string::npos) {
+        return std::nullopt;
+    }
+    return Move{
+        {base::fromUtf8(std::string_view(text).substr(0, afterOld))},
+        {base::fromUtf8(std::string_view(text).substr(afterOld + 1, afterNew - afterOld - 1))},
+        std::strtoull(text.c_str() + afterNew + 1, nullptr, 10)};
+}
+
+bool isAmong(const std::vector<FileName>& files, const FileName& file) {
+    return std::find(files.begin(), files.end(), file) != files.end();
+}
+
+using UseLeftover = std::function<void(const std::filesystem::path&, DiskFile&)>;
+
 // Calls `use` for every file of passage with this suffix that nobody holds; it stays locked so
 // long. Another program may be clearing away, removing or publishing the same file: nothing depends
 // on our doing it.
 void forEachLeftover(const Library& library, const std::filesystem::path& folder,
-                     std::string_view suffix,
-                     const std::function<void(const std::filesystem::path&)>& use) {
+                     std::string_view suffix, const UseLeftover& use) {
     for (const compound::FolderEntry& entry : library.disk.list(folder)) {
         if (!entry.isRegularFile || !isNameOf(entry.name.string(), suffix)) {
             continue;
@@ -94,7 +133,7 @@ void forEachLeftover(const Library& library, const std::filesystem::path& folder
             // name.
             const auto file = library.disk.open(folder / entry.name, Access::Read);
             if (file->lock(std::chrono::milliseconds{0}) && file->isStillAtPath()) {
-                use(folder / entry.name);
+                use(folder / entry.name, *file);
             }
         } catch (const Error&) {
             continue;
@@ -157,10 +196,18 @@ MoveEnd finishMoveOf(const Library& library, const FileName& old,
 }
 
 // Removes the old file of the pair whose record this is, if both are there.
-MoveEnd finishMove(const Library& library, const std::filesystem::path& record,
-                   const std::vector<FileName>& files) {
+MoveEnd finishMove(const Library& library, const std::filesystem::path& record, DiskFile& file) {
+    // From before the record was locked a listing may lack the name that its maker gave last.
+    const std::vector<FileName> files = everyGroupFile(library);
+    std::vector<FileName> candidates = files;
+    if (const std::optional<Move> move = moveIn(file)) {
+        if (!isAmong(files, move->old)) {
+            return MoveEnd::NotToFinish;
+        }
+        candidates = {move->old};
+    }
     MoveEnd end = MoveEnd::NotToFinish;
-    for (const FileName& old : files) {
+    for (const FileName& old : candidates) {
         try {
             const MoveEnd ofThis = finishMoveOf(library, old, record, files);
             if (ofThis == MoveEnd::Finished) {
@@ -172,6 +219,58 @@ MoveEnd finishMove(const Library& library, const std::filesystem::path& record,
         }
     }
     return end;
+}
+
+enum class Says {
+    Nothing, // the two are not there
+    OldGoes,
+    TwoGroups, // unless this is a later record of the same name
+    OutOfDate, // the move was going on when the folder was listed, and has come to its end
+};
+
+// Another program may have made a group of the new name before the file that is moved got it.
+bool hasNewName(const Library& library, const Move& move) {
+    const auto now = library.disk.glance(pathOf(library, move.now));
+    return now && now->number == move.number;
+}
+
+// Looks at the old file without its lock, which whoever moves it has: nobody changes it then.
+Says compare(const Library& library, const Move& move, const std::filesystem::path& record) {
+    const std::filesystem::path path = pathOf(library, move.old);
+    const auto unlessGone = [&] {
+        return library.disk.exists(record) ? Says::TwoGroups : Says::OutOfDate;
+    };
+    if (!hasNewName(library, move)) {
+        return unlessGone();
+    }
+    try {
+        const auto old = library.disk.open(path, Access::Read);
+        const Fingerprint fingerprint = fingerprintOf(*old, move.old);
+        if (record.filename() == recordName(fingerprint, move.now)) {
+            return Says::OldGoes;
+        }
+        return old->isStillAtPath() ? unlessGone() : Says::OutOfDate;
+    } catch (const Error&) {
+        return library.disk.exists(path) ? unlessGone() : Says::OldGoes;
+    }
+}
+
+Says askRecord(const Library& library, const std::filesystem::path& record,
+               const std::vector<FileName>& files, FileName& old) {
+    std::optional<Move> move;
+    try {
+        move = moveIn(*library.disk.open(record, Access::Read));
+    } catch (const Error&) {
+        return library.disk.exists(record) ? Says::TwoGroups : Says::OutOfDate;
+    }
+    if (!move) {
+        return Says::TwoGroups;
+    }
+    if (!isAmong(files, move->old) || !isAmong(files, move->now)) {
+        return Says::Nothing;
+    }
+    old = move->old;
+    return compare(library, *move, record);
 }
 
 } // namespace
@@ -191,16 +290,48 @@ std::unique_ptr<DiskFile> lockNew(const Library& library, std::unique_ptr<DiskFi
 }
 
 MoveRecord::MoveRecord(const Library& library, DiskFile& old, const FileName& oldFile,
-                       const FileName& newFile)
+                       const std::filesystem::path& unnamed, const FileName& newFile)
     : library_(library), path_(library.folder / recordName(fingerprintOf(old, oldFile), newFile)) {
+    constexpr int kTries = 3; // another program may take it for a leftover before it is locked
+    const auto moving = library.disk.glance(unnamed);
+    const std::string text = textOf({oldFile, newFile, moving ? moving->number : 0});
     try {
-        file_ = lockNew(library, library.disk.create(path_));
+        for (int i = 0; i < kTries && !file_; ++i) {
+            if (auto record = written(text)) {
+                file_ = lockNew(library, std::move(record));
+            }
+        }
     } catch (const Error& error) {
-        // A record that a crash has left and nobody could clear away serves as well.
+        throw Error(error.code(), plainPathOf(library, newFile), error.cause());
+    }
+}
+
+// A record that a crash has left and nobody could clear away serves as well, even one that is not
+// ours to write to.
+std::unique_ptr<DiskFile> MoveRecord::written(const std::string& text) const {
+    std::unique_ptr<DiskFile> file;
+    try {
+        file = library_.disk.create(path_);
+    } catch (const Error& error) {
         if (error.code() != ErrorCode::Exists) {
-            throw Error(error.code(), plainPathOf(library, newFile), error.cause());
+            throw;
         }
     }
+    try {
+        if (!file) {
+            file = library_.disk.open(path_, Access::ReadWrite);
+        }
+    } catch (const Error&) {
+        return nullptr;
+    }
+    try {
+        file->write(0, std::as_bytes(std::span(text)));
+        file->truncate(text.size());
+    } catch (const Error&) {
+        library_.disk.removeTemporary(path_);
+        throw;
+    }
+    return file;
 }
 
 MoveRecord::~MoveRecord() {
@@ -213,20 +344,42 @@ MoveRecord::~MoveRecord() {
 
 void removeUnfinishedFiles(const Library& library, const std::filesystem::path& folder) {
     forEachLeftover(library, folder, kInTheMaking,
-                    [&](const auto& path) { library.disk.removeTemporary(path); });
+                    [&](const auto& path, DiskFile&) { library.disk.removeTemporary(path); });
 }
 
-bool clearLeftovers(const Library& library, const std::vector<FileName>& files) {
+bool clearLeftovers(const Library& library) {
     removeUnfinishedFiles(library, library.folder);
     bool hasGone = false;
-    forEachLeftover(library, library.folder, kMoving, [&](const auto& record) {
-        const MoveEnd end = finishMove(library, record, files);
+    forEachLeftover(library, library.folder, kMoving, [&](const auto& record, DiskFile& file) {
+        const MoveEnd end = finishMove(library, record, file);
         hasGone = hasGone || end == MoveEnd::Finished;
         if (end != MoveEnd::Unknown) {
             library.disk.removeTemporary(record);
         }
     });
     return hasGone;
+}
+
+ListingIs leaveOutOldNames(const Library& library,
+                           const std::vector<compound::FolderEntry>& entries,
+                           std::vector<FileName>& files) {
+    ListingIs listing = ListingIs::Known;
+    for (const compound::FolderEntry& entry : entries) {
+        if (!entry.isRegularFile || !isNameOf(entry.name.string(), kMoving)) {
+            continue;
+        }
+        FileName old;
+        const Says says = askRecord(library, library.folder / entry.name, files, old);
+        if (says == Says::OutOfDate) {
+            return ListingIs::OutOfDate;
+        }
+        if (says == Says::TwoGroups) {
+            listing = ListingIs::Doubtful;
+        } else if (says == Says::OldGoes) {
+            std::erase(files, old);
+        }
+    }
+    return listing;
 }
 
 } // namespace store

@@ -6,6 +6,7 @@
 #include "store/names.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace store {
 namespace {
@@ -33,6 +34,34 @@ std::vector<FileName> groupFilesAmong(const std::vector<compound::FolderEntry>& 
         files.push_back({std::move(name)});
     }
     files.erase(std::unique(files.begin(), files.end()), files.end());
+    return files;
+}
+
+enum class Leftovers { AreCleared, Stay };
+
+std::vector<FileName> listed(const Library& library, Leftovers leftovers) {
+    constexpr int kTries = 10; // on a volume whose listing lags behind what can be opened
+    bool isToBeCleared = leftovers == Leftovers::AreCleared;
+    int doubts = 0;
+    std::vector<FileName> files;
+    for (int i = 0; i < kTries && doubts < 2; ++i) {
+        const std::vector<compound::FolderEntry> entries = library.disk.list(library.folder);
+        files = groupFilesAmong(entries);
+        const bool isPlain = std::none_of(entries.begin(), entries.end(), [](const auto& entry) {
+            return isFileOfPassage(entry.name);
+        });
+        if (isPlain) {
+            break;
+        }
+        if (std::exchange(isToBeCleared, false) && clearLeftovers(library)) {
+            continue;
+        }
+        const ListingIs listing = leaveOutOldNames(library, entries, files);
+        if (listing == ListingIs::Known) {
+            break;
+        }
+        doubts += listing == ListingIs::Doubtful ? 1 : 0;
+    }
     return files;
 }
 
@@ -85,18 +114,14 @@ FileName fileNameOf(const std::filesystem::path& path) {
 }
 
 std::vector<FileName> groupFiles(const Library& library) {
-    const std::vector<compound::FolderEntry> entries = library.disk.list(library.folder);
-    std::vector<FileName> files = groupFilesAmong(entries);
-    const bool hasLeftovers = std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
-        return isFileOfPassage(entry.name);
-    });
-    if (hasLeftovers && clearLeftovers(library, files)) {
-        return groupFilesAmong(library.disk.list(library.folder));
-    }
-    return files;
+    return listed(library, Leftovers::AreCleared);
 }
 
 std::vector<FileName> groupFilesAsTheyAre(const Library& library) {
+    return listed(library, Leftovers::Stay);
+}
+
+std::vector<FileName> everyGroupFile(const Library& library) {
     return groupFilesAmong(library.disk.list(library.folder));
 }
 

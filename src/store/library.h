@@ -75,13 +75,18 @@ std::filesystem::path plainPathOf(const Library& library, const FileName& file);
 FileName fileNameOf(const std::filesystem::path& path);
 
 // The group files, by name without regard to case. Only regular files whose last four characters
-// are ".stg" in any case count. What a crashed program has left beside them is cleared away first,
+// are ".stg" in any case count. A file that is just getting another name is there once, by its new
+// name as soon as it has that. What a crashed program has left beside them is cleared away first,
 // where that is possible (store/leftovers.h). Throws NotFound or Denied when the folder cannot be
 // listed.
 std::vector<FileName> groupFiles(const Library& library);
 
 // The same with nothing cleared away: for whoever looks often.
 std::vector<FileName> groupFilesAsTheyAre(const Library& library);
+
+// Every file that bears the name of a group file: for whoever asks about files and not about
+// groups. One that is just getting another name may be there by both.
+std::vector<FileName> everyGroupFile(const Library& library);
 
 // The files that were set aside as damaged ("*.err"), by name without regard to case.
 std::vector<std::filesystem::path> damagedFiles(const Library& library);

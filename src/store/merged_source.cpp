@@ -67,7 +67,7 @@ void keepOriginal(const Library& library, DiskFile& original) {
 } // namespace
 
 bool belongsToLibrary(const Library& library, const std::filesystem::path& file) {
-    const std::vector<FileName> files = groupFiles(library);
+    const std::vector<FileName> files = everyGroupFile(library);
     return std::any_of(files.begin(), files.end(), [&](const FileName& other) {
         return library.disk.isSameFile(pathOf(library, other), file);
     });

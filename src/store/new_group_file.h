@@ -48,6 +48,9 @@ class NewGroupFile {
 
     bool isPublished() const { return published_; }
 
+    // Where it is until it is published.
+    const std::filesystem::path& temporary() const { return temporary_; }
+
   private:
     void create(Content content, compound::SectorSize sectorSize);
     std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder,

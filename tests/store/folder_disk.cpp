@@ -78,6 +78,9 @@ class FolderDisk final : public MemoryDisk {
     bool exists(const path& filePath) override {
         return told(Call::Folder, [&] { return native_.exists(real(filePath)); });
     }
+    std::optional<compound::FileIdentity> glance(const path& filePath) override {
+        return native_.glance(real(filePath));
+    }
     void renameWithoutReplacing(const path& from, const path& to) override {
         told(Call::Folder, [&] { native_.renameWithoutReplacing(real(from), real(to)); });
     }
