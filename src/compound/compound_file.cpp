@@ -83,7 +83,10 @@ EntryId createElement(FileState& file, EntryId storage, std::u16string_view name
                       IfExists ifExists) {
     requireLegal(file, name);
     const auto existing = file.directory().find(storage, name);
-    if (existing && ifExists == IfExists::Refuse) {
+    const bool isReplaced =
+        existing && (ifExists == IfExists::Replace || (ifExists == IfExists::ReplaceSameKind &&
+                                                       file.directory().type(*existing) == type));
+    if (existing && !isReplaced) {
         throw alreadyThere(file, name);
     }
     const FileState::Change change(file);

@@ -44,7 +44,7 @@ using CopiedBytes = std::function<void(std::uint64_t)>;
 using EntryId = std::uint32_t;
 
 enum class ElementKind : std::uint8_t { Storage = 1, Stream = 2 };
-enum class IfExists { Refuse, Replace };
+enum class IfExists { Refuse, Replace, ReplaceSameKind };
 enum class SectorSize : std::uint16_t { Bytes512 = 512, Bytes4096 = 4096 };
 
 struct Element {
@@ -118,8 +118,8 @@ class Storage {
     Storage openStorage(const Element& element) const;
     Stream openStream(const Element& element) const;
 
-    // Exists when the name is taken (in any case) and `ifExists` is Refuse; Replace destroys the
-    // element first, whatever its kind. InvalidName.
+    // Exists when the name is taken (in any case) and `ifExists` is Refuse, or ReplaceSameKind and
+    // the element is of the other kind; otherwise it is destroyed first. InvalidName.
     Storage createStorage(std::u16string_view name, IfExists ifExists = IfExists::Refuse);
     Stream createStream(std::u16string_view name, IfExists ifExists = IfExists::Refuse);
 

@@ -65,7 +65,7 @@ class Arrival {
                 throw Error(ErrorCode::Exists, picture.source,
                             "there is a picture \"" + base::toUtf8(name.text) + "\" already");
             }
-            if (!isFromBefore || picture.ifTaken == IfNameTaken::KeepBoth) {
+            if (!isFromBefore || picture.ifTaken == IfNameTaken::KeepBoth || isStorage(name)) {
                 name = freePictureName(name, [this](const auto& other) { return isTaken(other); });
             }
             source = sourceOf(library_, picture);
@@ -74,13 +74,19 @@ class Arrival {
             return;
         }
         const auto present = access_.groupStorage().find(name.text);
-        if (present && present->kind == compound::ElementKind::Stream && trashing_.isThere()) {
+        if (present && trashing_.isThere()) {
             arrived_.replaced.push_back(
                 trashing_.add(access_.groupStorage(), access_.infoStorage(), *present));
         }
         putPicture(library_, access_.groupStorage(), access_.infoStorage(), name, *source);
         added_.insert(name.text);
         arrived_.names.push_back({picture.name, name});
+    }
+
+    // Another program's, which no picture replaces.
+    bool isStorage(const PictureName& name) {
+        const auto element = access_.groupStorage().find(name.text);
+        return element && element->kind == compound::ElementKind::Storage;
     }
 
     bool isTaken(const PictureName& name) {

@@ -37,7 +37,8 @@ void writePictureFile(compound::Disk& disk, const std::filesystem::path& path,
                       std::span<const std::byte> bytes);
 
 // Reads, measures and stores a picture file. Everything that can fail for the picture's sake is
-// done before the group file is touched. Exists, InvalidName, InvalidPicture, TooLarge.
+// done before the group file is touched. Exists (in any case for a name that a storage of another
+// program bears), InvalidName, InvalidPicture, TooLarge.
 void addPicture(const Library& library, const GroupAddress& group, const PictureName& name,
                 const std::filesystem::path& source,
                 IfPictureExists ifExists = IfPictureExists::Replace);

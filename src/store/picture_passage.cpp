@@ -127,14 +127,16 @@ class Passing {
 
     void trash(const PictureName& name, PicturesPassed& result) {
         const auto element = to_->group.find(name.text);
-        if (element->kind == ElementKind::Stream && trashing_.isThere()) {
+        if (trashing_.isThere()) {
             result.replaced.push_back(trashing_.add(to_->group, to_->info, *element));
         }
     }
 
-    // Neither what is on its way nor what has just come.
+    // Neither what is on its way nor what has just come, nor another program's storage.
     bool isReplaceable(const PictureName& name) const {
-        return !isOneGroup_ && !arrived_.contains(name.text);
+        const auto element = to_->group.find(name.text);
+        return !isOneGroup_ && !arrived_.contains(name.text) && element &&
+               element->kind == ElementKind::Stream;
     }
 
     void copy(const StorageHandle& from, const Element& element, StorageHandle to,

@@ -47,7 +47,7 @@ void requireValidPictureName(const std::filesystem::path& file, const PictureNam
 
 void putPicture(const Library& library, StorageHandle group, StorageHandle info,
                 const PictureName& name, const PictureSource& source) {
-    group.CreateStream(name.text).Put(source.bytes);
+    group.CreatePicture(name.text).Put(source.bytes);
     info.CreateStream(name.text).PutString(formatRecord(source.record, library.decimalSeparator));
 }
 

@@ -138,11 +138,11 @@ FilesAdded addFiles(const Library& library, const GroupAddress& group,
     StorageAccess access(library);
     access.openGroup(group, compound::Access::ReadWrite);
     Run run(library, access.file().disk().path(), reserved, progress);
-    if (ifExists == IfPictureExists::Refuse) {
-        run.keep([&](const PictureName& name) {
-            return access.groupStorage().find(name.text).has_value();
-        });
-    }
+    run.keep([&](const PictureName& name) {
+        const auto element = access.groupStorage().find(name.text);
+        return element && (ifExists == IfPictureExists::Refuse ||
+                           element->kind == compound::ElementKind::Storage);
+    });
     FilesAdded result = run.add(files, [&](const PictureName& name, const PictureSource& source) {
         access.openOrCreateInfo(group);
         putPicture(library, access.groupStorage(), access.infoStorage(), name, source);

@@ -86,6 +86,10 @@ StreamHandle StorageHandle::CreateStream(std::u16string_view name) {
     return StreamHandle(storage_.createStream(name, compound::IfExists::Replace));
 }
 
+StreamHandle StorageHandle::CreatePicture(std::u16string_view name) {
+    return StreamHandle(storage_.createStream(name, compound::IfExists::ReplaceSameKind));
+}
+
 void StorageHandle::RenameElement(std::u16string_view from, std::u16string_view to) {
     storage_.rename(from, to);
 }

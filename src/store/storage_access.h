@@ -44,6 +44,8 @@ class StorageHandle {
     StreamHandle OpenStream(std::u16string_view name) const;
     StreamHandle OpenStream(const compound::Element& element) const;
     StreamHandle CreateStream(std::u16string_view name); // in place of what has the name
+    // The same, but another program's storage of that name stays: Exists.
+    StreamHandle CreatePicture(std::u16string_view name);
     void RenameElement(std::u16string_view from, std::u16string_view to);
     void DestroyElement(std::u16string_view name);
 

@@ -400,5 +400,32 @@ TEST_F(PicturePassage, GroupsComeBackWhereTheyWere) {
     EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
 }
 
+// A picture may be replaced by another one that is to have its name; what is no picture may not.
+TEST_F(PicturePassage, AStorageOfAnotherProgramIsNeverReplaced) {
+    {
+        compound::CompoundFile raw = openRaw(u"Pumps");
+        raw.root().openStorage(u"Pumps").createStorage(u"Box").createStream(u"x");
+        raw.commit();
+    }
+    const std::vector<std::filesystem::path> box{fileOf("box.bmp", "PIC15 15")};
+    EXPECT_EQ(errorOf([&] { addPicture(library, pumps_, {u"box"}, box[0]); }), ErrorCode::Exists);
+    {
+        PictureBatch batch(library, pumps_);
+        EXPECT_EQ(errorOf([&] { batch.add({u"box"}, box[0], IfPictureExists::Replace); }),
+                  ErrorCode::Exists);
+        batch.add({u"c"}, box[0], IfPictureExists::Replace);
+        batch.commit();
+    }
+    EXPECT_THAT(addFiles(library, pumps_, box, IfPictureExists::Replace).skipped, SizeIs(1));
+    addArriving(library, pumps_,
+                std::vector<ArrivingPicture>{{box[0], {u"box"}, IfNameTaken::Replace}});
+    passPictures(library, tanks_, pumps_,
+                 std::vector<PassingPicture>{{{u"A"}, IfNameTaken::Replace, {u"box"}}},
+                 PassageKind::Copy);
+    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b", "c", "box (2)", "box (3)"));
+    EXPECT_TRUE(openRaw(u"Pumps").root().openStorage(u"Pumps").openStorage(u"Box").find(u"x"));
+    expectSound(u"Pumps");
+}
+
 } // namespace
 } // namespace store::testing
