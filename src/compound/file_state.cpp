@@ -241,34 +241,49 @@ std::uint64_t FileState::reserve() {
 // Not on a full disk, where they are what changes live on.
 bool FileState::moveIntoGaps(std::uint64_t most, AllocationTable::Look look) {
     Parts& parts = *parts_;
-    return !parts.table.isFull() && GapClosing(file_, parts.table, parts.directory,
-                                               parts.directoryChain, parts.mini, parts.content)
-                                        .run(reserve(), most, look);
+    hasMoved_ = false;
+    if (parts.table.isFull()) {
+        return false;
+    }
+    GapClosing closing(file_, parts.table, parts.directory, parts.directoryChain, parts.mini,
+                       parts.content);
+    const bool cuts = closing.run(reserve(), most, look);
+    hasMoved_ = closing.hasMoved();
+    return cuts;
 }
 
 bool FileState::hasLargeGaps() {
+    return !changed_ && lastFreed_ * file_.sectorSize() >= kLeastBytes && surplusToClose() > 0;
+}
+
+// What stands free, if that is far more than may.
+std::uint64_t FileState::surplusToClose() {
     constexpr std::uint64_t kMany = 2;
     AllocationTable& table = parts_->table;
-    return !changed_ && lastFreed_ * file_.sectorSize() >= kLeastBytes &&
-           table.surplus(reserve(), AllocationTable::Look::Loaded) > kMany * table.allowedSurplus();
+    const std::uint64_t surplus = table.surplus(reserve(), AllocationTable::Look::Loaded);
+    return surplus > kMany * table.allowedSurplus() ? surplus : 0;
 }
 
 // What moves is bounded by what the transaction has written, so that a batch which replaces all
 // takes no more than twice its time, and by some more, since one that only deletes writes little.
-// Pages that have found no place before what moves, since it fills all gaps, may keep the file from
-// being cut: then another step moves at least them.
+// Pages and FAT sectors that have found no place before what moves, since it fills all gaps, may
+// keep the file from being cut: then another step moves at least them. However little that is, it
+// is worth it where much stands free; but the second step in a row that cuts little is the last.
 void FileState::closeGaps() {
     constexpr std::uint64_t kMoreBytes = std::uint64_t{64} << 20U;
-    constexpr int kMostSteps = 3;
     const std::uint64_t least = kLeastBytes / file_.sectorSize();
     std::uint64_t most = lastTaken_ + kMoreBytes / file_.sectorSize();
-    for (int step = 0; step < kMostSteps && most >= least && hasLargeGaps(); ++step) {
+    bool goesOn = hasLargeGaps();
+    for (int inVain = 0; goesOn && inVain < 2 && most >= least;) {
         const std::uint32_t before = file_.count();
         { const Change change(*this); }
         commitMoving(most, AllocationTable::Look::Loaded);
+        const std::uint64_t cut = before - std::min(before, file_.count());
         most -= std::min(most, lastFreed_);
-        const bool isCut = file_.count() + lastFreed_ / 2 <= before;
-        most = isCut ? most : std::max(most, least);
+        most = cut >= lastFreed_ / 2 ? most : std::max(most, least);
+        inVain = cut >= least ? 0 : inVain + 1;
+        const std::uint64_t surplus = surplusToClose();
+        goesOn = hasMoved_ && surplus > 0 && std::max(lastFreed_, surplus) >= least;
     }
 }
 

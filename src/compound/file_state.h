@@ -104,6 +104,7 @@ class FileState {
     void startNewFile();
     std::uint64_t reserve();
     void keepReserve();
+    std::uint64_t surplusToClose();
     bool hasRoomToBalance();
     bool moveIntoGaps(std::uint64_t most, AllocationTable::Look look);
     void commitMoving(std::uint64_t most, AllocationTable::Look look);
@@ -127,6 +128,7 @@ class FileState {
     bool isInherited_ = false;    // what the transaction builds on, others may have left unfinished
     std::uint64_t lastTaken_ = 0; // sectors, by the last transaction
     std::uint64_t lastFreed_ = 0;
+    bool hasMoved_ = false; // it has moved something into gaps
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
     std::optional<FileIdentity> identity_;

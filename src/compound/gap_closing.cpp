@@ -60,6 +60,7 @@ void GapClosing::leaveTail(std::uint32_t end) {
     }
     mini_.leave(end);
     directoryChain_.leave(end);
+    hasMoved_ = true;
 }
 
 // Nothing when the sectors in use are more, or others, than the chains hold: another program's

@@ -36,6 +36,9 @@ class GapClosing {
     // goes in steps, one a transaction.
     bool run(std::uint64_t reserve, std::uint64_t most, AllocationTable::Look look);
 
+    // Whether run() has moved anything.
+    bool hasMoved() const { return hasMoved_; }
+
   private:
     // What the sectors from `end` on hold: streams, in parts at least; how many sectors it is.
     struct Tail {
@@ -55,6 +58,7 @@ class GapClosing {
     SectorChain& directoryChain_;
     MiniStream& mini_;
     StreamContent& content_;
+    bool hasMoved_ = false;
 };
 
 } // namespace compound

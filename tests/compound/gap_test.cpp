@@ -138,6 +138,33 @@ TEST(GapTest, WhatFindsNoGapDoesNotKeepTheFileFromBeingCut) {
     }
 }
 
+// Of a file with hundreds of FAT sectors little is left, and these find no places before the end
+// that is to be: they keep the file from being cut at first, however little has moved.
+TEST(GapTest, AStepThatCutsLittleIsNotTheLast) {
+    struct Case {
+        std::size_t pictures, kibibytes, staying;
+    };
+    for (const Case& each : {Case{59, 134, 18}, Case{109, 91, 8}}) {
+        MemoryDisk disk;
+        CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
+        file.root().createStorage(u"Few");
+        for (std::size_t i = 0; i < each.pictures; ++i) {
+            file.root().createStream(nameOf(u'p', i)).assign(patterned(each.kibibytes << 10U, 1));
+        }
+        file.commit();
+        file = openFile(disk, kPath);
+        for (std::size_t i = each.staying; i < each.pictures; ++i) {
+            file.root().destroy(nameOf(u'p', i));
+        }
+        file.commit();
+        const std::uint32_t transaction = file.transactionSignature();
+        file.closeGaps();
+        EXPECT_LT(file.disk().size(), (each.staying * each.kibibytes << 10U) * 5 / 4);
+        EXPECT_LE(file.transactionSignature(), transaction + 2);
+        EXPECT_EQ(findingsOf(file), "");
+    }
+}
+
 // What moves away leaves ranges of which each sector is in force until the commit: once they have
 // gone, they cannot come back for a FAT sector that finds no other place.
 TEST(GapTest, AFileThatHasGivenRangesBackCanBeChanged) {
