@@ -151,10 +151,15 @@ bool renameByLinking(const std::filesystem::path& from, const std::filesystem::p
         }
         return false;
     }
-    if (::unlink(from.c_str()) != 0) {
-        const int cause = errno;
+    try {
+        // Nothing says which of two changes of a folder a power cut leaves.
+        syncFolderEntries(folderOf(to));
+        if (::unlink(from.c_str()) != 0) {
+            throw systemError(errno, from, "rename");
+        }
+    } catch (const Error&) {
         ::unlink(to.c_str());
-        throw systemError(cause, from, "rename");
+        throw;
     }
     return true;
 }
