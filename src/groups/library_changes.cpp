@@ -112,8 +112,12 @@ class Look {
             return false;
         }
         try {
-            store::setAside(library_, group.file);
-            setAside_.push_back(group.file);
+            if (store::setAside(library_, group.file)) {
+                setAside_.push_back(group.file);
+            } else {
+                known.state.reset(); // somebody has mended it just now
+                nextNotBefore(changes_, Next::AtOnce);
+            }
             return false;
         } catch (const std::exception& error) {
             group.trouble += u'\n' + app::errorText(error);

@@ -24,8 +24,10 @@ std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
     GroupFile group = readAsItIs(library, file, budget);
     if (group.reading.state == store::GroupFileState::Damaged) {
         try {
-            store::setAside(library, file);
-            return std::nullopt;
+            if (store::setAside(library, file)) {
+                return std::nullopt;
+            }
+            return readAsItIs(library, file, budget); // somebody has mended it just now
         } catch (const std::exception& error) {
             group.trouble += u'\n' + app::errorText(error);
         }

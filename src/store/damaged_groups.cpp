@@ -44,12 +44,17 @@ GroupFileReading examine(const Library& library, const std::filesystem::path& pa
     return reading;
 }
 
-// Looks at a file whose lock is held already.
+// Looks at a file whose lock is held already, as readGroupFile() does.
 bool isDamaged(const Library& library, const std::filesystem::path& path, const FileName& file) {
     try {
         auto content =
             compound::CompoundFile::open(library.disk.open(path, Access::Read), Access::Read);
-        return !findTopLevelGroup(StorageHandle(content.root()), file);
+        const StorageHandle root(content.root());
+        const auto top = findTopLevelGroup(root, file);
+        if (top) {
+            (void)readGroups(root, file, *top);
+        }
+        return !top;
     } catch (const Error& error) {
         if (!isAboutBytes(error.code())) {
             throw;
@@ -78,14 +83,14 @@ GroupFileState testGroupFile(const Library& library, const std::filesystem::path
         .state;
 }
 
-void setAside(const Library& library, const FileName& file) {
+bool setAside(const Library& library, const FileName& file) {
     const std::filesystem::path path = pathOf(library, file);
     // Whoever tested it has let it go meanwhile: it may be sound by now, another file, or in use.
     // From here on nobody puts one in its place.
     const FileTurns::Turn turn = library.turns->take(path);
     const auto held = openLocked(library.disk, path, Access::Read, std::chrono::milliseconds{0});
     if (!isDamaged(library, path, file)) {
-        return;
+        return false;
     }
     const std::filesystem::path aside =
         library.folder / base::toPath(file.text + std::u16string(kDamagedFileSuffix));
@@ -94,6 +99,7 @@ void setAside(const Library& library, const FileName& file) {
     }
     library.disk.renameWithoutReplacing(path, aside);
     syncPlaceOf(library, aside);
+    return true;
 }
 
 std::size_t removeDamagedFiles(const Library& library) {

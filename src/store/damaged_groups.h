@@ -12,9 +12,10 @@ namespace store {
 GroupFileState testGroupFile(const Library& library, const std::filesystem::path& path,
                              const LockBudget& budget);
 
-// Renames T.stg to T.err, if it still is damaged. An older T.err goes to the trash first. Locked
-// (and nothing changed) when another program holds the file.
-void setAside(const Library& library, const FileName& file);
+// Renames T.stg to T.err, if readGroupFile() still finds it damaged, and returns whether it has. An
+// older T.err goes to the trash first. Locked (and nothing changed) when another program holds the
+// file.
+bool setAside(const Library& library, const FileName& file);
 
 // Moves every "*.err" of the folder to the trash; returns how many went. A file that cannot be
 // moved is left where it is and not counted.

@@ -1,4 +1,5 @@
 #include "compound/error.h"
+#include "compound/raw_file.h"
 #include "store/store_fixture.h"
 
 #include <gmock/gmock.h>
@@ -88,6 +89,20 @@ TEST_F(DamagedGroupTest, SettingAsideKeepsWhatWasSetAsideBefore) {
     EXPECT_THAT(damagedFiles(library), IsEmpty());
     EXPECT_EQ(disk.trashed().size(), 3U);
     EXPECT_EQ(removeDamagedFiles(library), 0U);
+}
+
+// The group itself is found, but whoever lists the groups meets a ring.
+TEST_F(DamagedGroupTest, WhatIsFoundDamagedByItsGroupsIsSetAside) {
+    topGroup(u"Plant");
+    const std::u16string last = u"the last oneInfo";
+    makeForeignGroup(u"Plant", u"the last one", u"Last", u"Plant");
+    compound_tests::RawFile raw(disk.content("/library/Plant.stg"));
+    raw.put(raw.entry(last) + compound::format::entry::kRightAt, raw.idOf(last));
+    disk.setContent("/library/Plant.stg", raw.bytes());
+    EXPECT_EQ(reading(u"Plant").state, GroupFileState::Damaged);
+    setAside(library, {u"Plant"});
+    EXPECT_THAT(groupFiles(library), IsEmpty());
+    EXPECT_THAT(damagedFiles(library), ElementsAre("/library/Plant.err"));
 }
 
 TEST_F(DamagedGroupTest, WhatHasBecomeSoundIsNotSetAside) {

@@ -96,6 +96,42 @@ TEST_F(LibraryChangesTest, AFileThatIsBeingWrittenIsNotSetAside) {
     EXPECT_EQ(last_.setAside, 0U) << "it is told once";
 }
 
+TEST_F(LibraryChangesTest, AFileThatIsMendedWhileItIsSetAsideStaysInTheList) {
+    makeGroup(u"Neu");
+    const auto sound = disk_.content("/library/Neu.stg");
+    const auto expectItStays = [&](auto listsIt) {
+        std::size_t calls = 0;
+        std::size_t mended = 0;
+        for (std::size_t end = 0; end <= calls; ++end) {
+            disk_.removeTemporary("/library/Neu.err");
+            write("/library/Neu.stg", 100);
+            known_.clear();
+            (void)look();
+            calls = 0;
+            disk_.setInterceptor([&](MemoryDisk::Call) { // another program, before this call
+                if (calls++ == end && disk_.exists("/library/Neu.stg")) {
+                    disk_.setContent("/library/Neu.stg", sound);
+                }
+            });
+            const bool isListed = listsIt();
+            disk_.setInterceptor({});
+            const bool isThere = disk_.exists("/library/Neu.stg");
+            EXPECT_EQ(isListed, isThere) << "mended before call " << end;
+            mended += isThere ? 1U : 0U;
+        }
+        EXPECT_GT(mended, 0U);
+    };
+    expectItStays([&] {
+        (void)look();
+        EXPECT_EQ(last_.setAside + last_.files.size(), 1U);
+        return !last_.files.empty();
+    });
+    expectItStays([&] {
+        const store::LockBudget noWait(std::chrono::milliseconds(0));
+        return groups::readGroupFileAgain(library_, {u"Neu"}, noWait).has_value();
+    });
+}
+
 TEST_F(LibraryChangesTest, ALockedFileIsLeftAsItWasKnown) {
     makeGroup(u"Pumpen");
     auto held = disk_.open("/library/Pumpen.stg", compound::Access::Read);
