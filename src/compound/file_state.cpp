@@ -271,10 +271,12 @@ std::uint64_t FileState::surplusToClose() {
 // is worth it where much stands free; but the second step in a row that cuts little is the last.
 void FileState::closeGaps() {
     constexpr std::uint64_t kMoreBytes = std::uint64_t{64} << 20U;
+    constexpr int kMostSteps = 8; // three have been the most
     const std::uint64_t least = kLeastBytes / file_.sectorSize();
     std::uint64_t most = lastTaken_ + kMoreBytes / file_.sectorSize();
     bool goesOn = hasLargeGaps();
-    for (int inVain = 0; goesOn && inVain < 2 && most >= least;) {
+    int inVain = 0;
+    for (int step = 0; step < kMostSteps && goesOn && inVain < 2 && most >= least; ++step) {
         const std::uint32_t before = file_.count();
         { const Change change(*this); }
         commitMoving(most, AllocationTable::Look::Loaded);

@@ -35,6 +35,7 @@ bool GapClosing::run(std::uint64_t reserve, std::uint64_t most, AllocationTable:
 // So for these there must be room behind the end, or less moves.
 std::uint64_t GapClosing::withPlacesForFat(std::uint32_t used, std::uint64_t length,
                                            std::uint64_t surplus) {
+    constexpr std::uint64_t kParts = 16; // so that the ranges are gone through a few times only
     bool hasAsked = false;
     while (length > 0 && length < used) {
         const std::uint64_t homeless =
@@ -44,7 +45,7 @@ std::uint64_t GapClosing::withPlacesForFat(std::uint32_t used, std::uint64_t len
             return length;
         }
         hasAsked = true;
-        length -= std::min(length, lacking);
+        length -= std::min(length, std::max(lacking, length / kParts));
     }
     return length;
 }
