@@ -35,17 +35,24 @@ class FolderReading {
         : folder_(folder), folderIs_(folderIs), path_(path) {}
 
     std::vector<FolderEntry> read() {
-        constexpr int kTries = 4;
+        constexpr int kTries = 8;
+        std::vector<FolderEntry> most;
         for (int i = 0; i < kTries; ++i) {
             const struct stat before = status(); // a newer shared folder is read anew
             const bool isWhole = readPieces(i == 0 ? kRoom : kAmpleRoom) < 2;
+            const bool isShared = folderIs_ == FolderIs::Shared;
             // A local folder's time stamps may be too coarse: more room is better than they are.
-            const bool tellsTime = i > 0 || folderIs_ == FolderIs::Shared;
-            if (isWhole || (tellsTime && isUnchangedSince(before))) {
-                break;
+            const bool tellsTime = isWhole || isShared || i > 0;
+            if ((isWhole && isShared) || (tellsTime && isUnchangedSince(before))) {
+                return std::move(entries_);
+            }
+            // Btrfs tells no name that is given between the beginning of a reading and its first
+            // piece, so that a file that is renamed then is missing.
+            if (isWhole && entries_.size() > most.size()) {
+                most = std::move(entries_);
             }
         }
-        return std::move(entries_);
+        return most.empty() ? std::move(entries_) : std::move(most);
     }
 
   private:

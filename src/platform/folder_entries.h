@@ -13,9 +13,10 @@ namespace platform {
 enum class FolderIs { Local, Shared };
 
 // The entries of the open folder, in no particular order, without "." and "..". They are those of
-// one moment where the file system tells them in one piece, as local ones do. Where it does not,
-// the folder is read anew, a few times at most, when its time stamps have changed meanwhile. Throws
-// compound::Error naming `path`.
+// one moment where the file system tells them in one piece, as local ones do, but for names given
+// at the very beginning. When a local folder's time stamps have changed meanwhile, or those of
+// a shared one that came in pieces, it is read anew, a few times at most; of what was told in one
+// piece the longest counts then. Throws compound::Error naming `path`.
 std::vector<compound::FolderEntry> readFolder(int folder, FolderIs folderIs,
                                               const std::filesystem::path& path);
 
