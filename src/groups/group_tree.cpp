@@ -280,7 +280,7 @@ void GroupTree::takeChanges(std::span<const store::FileName> files, std::span<co
     }
     if (isChanged) {
         unfoldAgain(unfolded);
-        if (!selected.isEmpty() && selectedKey() != selected) {
+        if (selectedKey() != selected) { // a current node that goes has its neighbour selected
             selectItem(itemOf(selected), Reveal::KeepFolded);
         }
         executeDelayedItemsLayout(); // until then there is nothing to scroll

@@ -203,6 +203,20 @@ TEST_F(OthersChanges, AnOpenDialogKeepsWhatWasTyped) {
     EXPECT_NE(node("Pumpen/Radial/Edelstahl"), nullptr);
 }
 
+TEST_F(OthersChanges, NothingIsSelectedWhereNothingWas) {
+    makeGroup("Armaturen");
+    makeGroup("Ventile");
+    start();
+    clickNode("Ventile");
+    tree()->clearSelection();
+    settle();
+    store::removeGroupFile(library(), {u"Ventile"});
+    look();
+    EXPECT_EQ(node("Ventile"), nullptr);
+    EXPECT_TRUE(tree()->selectedItems().isEmpty());
+    EXPECT_EQ(thumbnails(), QStringList());
+}
+
 // Counts what the workers are given.
 class CountingExecutor : public app::Executor {
   public:
