@@ -117,7 +117,7 @@ bool isSoundOrSetAside(const store::Library& library, const store::FileName& fil
     const auto state = store::testGroupFile(library, store::pathOf(library, file), budget);
     try {
         if (state == store::GroupFileState::Damaged) {
-            store::setAside(library, file);
+            return !store::setAside(library, file); // unless somebody has mended it just now
         }
     } catch (const compound::Error&) {
         return false;
