@@ -99,8 +99,7 @@ class Look {
 
     // Somebody holds it, or has taken it away since it was listed.
     static bool isInUse(const store::GroupFileReading& reading) {
-        return reading.state == store::GroupFileState::Locked ||
-               (reading.failure && reading.failure->code() == compound::ErrorCode::NotFound);
+        return reading.state == store::GroupFileState::Locked || reading.isGone();
     }
 
     // A damaged file is set aside, or will be. One that cannot be stays and is shown.

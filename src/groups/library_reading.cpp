@@ -3,7 +3,10 @@
 #include "app/message_box.h"
 #include "compound/error.h"
 #include "store/damaged_groups.h"
+#include "store/library_walk.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace groups {
@@ -37,33 +40,39 @@ std::optional<GroupFile> readGroupFileAgain(const store::Library& library,
 
 std::vector<GroupFile> readSoundFiles(const store::Library& library,
                                       const store::LockBudget& budget) {
-    std::vector<GroupFile> files;
-    for (const store::FileName& name : store::groupFiles(library)) {
-        GroupFile file{name, store::readGroupFile(library, name, budget)};
-        if (file.reading.state == store::GroupFileState::Sound) {
-            files.push_back(std::move(file));
-        }
-    }
+    auto files = store::readEachGroupFile<GroupFile>(
+        library, [&](const store::FileName& name, std::size_t, GroupFile& file) {
+            file = {name, store::readGroupFile(library, name, budget)};
+            return !file.reading.isGone();
+        });
+    std::erase_if(files, [](const GroupFile& file) {
+        return file.reading.state != store::GroupFileState::Sound;
+    });
     return files;
 }
 
 LibraryReading readLibrary(const store::Library& library, const store::LockBudget& budget,
                            store::Progress& progress) {
     LibraryReading result;
-    std::vector<store::FileName> names;
+    std::size_t read = 0;
+    std::vector<std::optional<GroupFile>> files;
     try {
-        names = store::groupFiles(library);
+        files = store::readEachGroupFile<std::optional<GroupFile>>(
+            library,
+            [&](const store::FileName& name, std::size_t listed, std::optional<GroupFile>& file) {
+                progress.report(std::min(read++, listed), listed);
+                file = readGroupFileAgain(library, name, budget);
+                result.setAside += file ? 0 : 1;
+                return !file || !file->reading.isGone();
+            });
     } catch (const compound::Error&) {
-        return result; // an unreachable library is shown as an empty tree
+        return {}; // an unreachable library is shown as an empty tree
     }
     result.reachable = true;
-    result.files.reserve(names.size());
-    for (const store::FileName& name : names) {
-        progress.report(result.files.size() + result.setAside, names.size());
-        if (std::optional<GroupFile> file = readGroupFileAgain(library, name, budget)) {
+    result.files.reserve(files.size());
+    for (std::optional<GroupFile>& file : files) {
+        if (file) {
             result.files.push_back(std::move(*file));
-        } else {
-            ++result.setAside;
         }
     }
     return result;

@@ -38,6 +38,9 @@ struct GroupFileReading {
     // Sound only: the top-level group first, every parent before its children. Groups whose parent
     // is missing, themselves, or part of a ring hang directly under the top-level group.
     std::vector<GroupEntry> groups;
+
+    // Another program has renamed or removed it since it was listed.
+    bool isGone() const { return failure && failure->code() == compound::ErrorCode::NotFound; }
 };
 
 // Tests a group file and reads its groups in one opening. Never throws for the file's sake.

@@ -1,6 +1,7 @@
 #include "store/library_count.h"
 
 #include "compound/error.h"
+#include "store/library_walk.h"
 #include "store/names.h"
 #include "store/storage_access.h"
 
@@ -25,9 +26,9 @@ std::uint64_t countStreams(const StorageHandle& storage) {
     return count;
 }
 
-// Nothing for a file that cannot be read to its end.
-std::optional<std::uint64_t> countFile(const Library& library, const FileName& file,
-                                       const LockBudget& budget) {
+// Into `result`, unless the file cannot be read to its end. Whether it was there.
+bool countFile(const Library& library, const FileName& file, const LockBudget& budget,
+               std::optional<std::uint64_t>& result) {
     try {
         StorageAccess access(library);
         access.openFile(pathOf(library, file), Access::Read, budget.remaining());
@@ -39,18 +40,23 @@ std::optional<std::uint64_t> countFile(const Library& library, const FileName& f
                 count += countStreams(access.root().OpenStorage(element.name));
             }
         }
-        return count;
-    } catch (const compound::Error&) {
-        return std::nullopt;
+        result = count;
+    } catch (const compound::Error& error) {
+        return error.code() != compound::ErrorCode::NotFound;
     }
+    return true;
 }
 
 } // namespace
 
 LibraryCount countLibrary(const Library& library, const LockBudget& budget) {
     LibraryCount total;
-    for (const FileName& file : groupFiles(library)) {
-        if (const auto elements = countFile(library, file, budget)) {
+    const auto counts = readEachGroupFile<std::optional<std::uint64_t>>(
+        library, [&](const FileName& file, std::size_t, std::optional<std::uint64_t>& count) {
+            return countFile(library, file, budget, count);
+        });
+    for (const std::optional<std::uint64_t>& elements : counts) {
+        if (elements) {
             ++total.groupFiles;
             total.elements += *elements;
         }

@@ -2,14 +2,17 @@
 
 #include "compound/error.h"
 #include "store/group_operations.h"
+#include "store/library_walk.h"
 #include "store/names.h"
 #include "store/picture_operations.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace store {
 namespace {
@@ -45,31 +48,34 @@ class Search {
         }
     }
 
-    // Calls `take` with every group that can be read.
-    void forEachGroup(const std::function<void(const GroupAddress&)>& take) {
-        const std::vector<FileName> files = groupFiles(library_);
-        for (std::size_t i = 0; i < files.size(); ++i) {
-            if (progress_.isStopWanted()) {
-                throw Error(ErrorCode::Cancelled, library_.folder, "stopped");
+    // Calls `take` with every picture of every group that can be read.
+    void forEachPicture(const std::function<void(const GroupAddress&, const PictureEntry&)>& take) {
+        std::size_t read = 0;
+        const auto files = readEachGroupFile<FileContent>(
+            library_, [&](const FileName& file, std::size_t listed, FileContent& content) {
+                if (progress_.isStopWanted()) {
+                    throw Error(ErrorCode::Cancelled, library_.folder, "stopped");
+                }
+                progress_.report(std::min(read++, listed), listed + 1);
+                return readFile(file, content);
+            });
+        for (const FileContent& file : files) {
+            for (const auto& [group, pictures] : file.groups) {
+                for (const PictureEntry& picture : pictures) {
+                    take(group, picture);
+                }
             }
-            progress_.report(i, files.size() + 1);
-            const LockBudget budget(library_.lockWait);
-            const GroupFileReading reading = readGroupFile(library_, files[i], budget);
-            if (reading.failure) {
-                tell(*reading.failure);
-            }
-            for (const GroupEntry& group : reading.groups) {
-                take(group.address);
+            for (const Error& failure : file.failures) {
+                tell(failure);
             }
         }
     }
 
     // By size: whatever has another one is another picture.
-    void collect(const GroupAddress& group) {
-        const auto pictures = ifReadable([&] { return listPictures(library_, group); });
-        for (const PictureEntry& picture : pictures.value_or(std::vector<PictureEntry>())) {
+    void collect() {
+        forEachPicture([this](const GroupAddress& group, const PictureEntry& picture) {
             bySize_[picture.bytes].push_back({{group, picture.name}, {}});
-        }
+        });
     }
 
     std::vector<PictureAddress> othersOf(const PictureAddress& picture) {
@@ -92,6 +98,30 @@ class Search {
     }
 
   private:
+    struct FileContent {
+        std::vector<std::pair<GroupAddress, std::vector<PictureEntry>>> groups;
+        std::vector<Error> failures;
+    };
+
+    // Whether all was there.
+    bool readFile(const FileName& file, FileContent& content) {
+        const GroupFileReading reading =
+            readGroupFile(library_, file, LockBudget(library_.lockWait));
+        bool isThere = !reading.isGone();
+        if (reading.failure) {
+            content.failures.push_back(*reading.failure);
+        }
+        for (const GroupEntry& group : reading.groups) {
+            try {
+                content.groups.emplace_back(group.address, listPictures(library_, group.address));
+            } catch (const Error& error) {
+                isThere = isThere && error.code() != ErrorCode::NotFound;
+                content.failures.push_back(error);
+            }
+        }
+        return isThere;
+    }
+
     // A picture is read as often as another has its size, and a group's file twice.
     void tell(const Error& error) {
         if (unread_ && told_.insert(error.what()).second) {
@@ -126,7 +156,7 @@ std::vector<SamePictures> findSamePictures(const Library& library,
                                            std::span<const PictureAddress> pictures,
                                            Progress& progress, const TellUnread& unread) {
     Search search(library, progress, unread);
-    search.forEachGroup([&](const GroupAddress& group) { search.collect(group); });
+    search.collect();
     std::vector<SamePictures> result;
     for (const PictureAddress& picture : pictures) {
         if (progress.isStopWanted()) {
@@ -143,20 +173,16 @@ std::vector<SamePictures> findSamePictures(const Library& library,
 std::vector<PictureAddress> allPictures(const Library& library,
                                         const std::optional<GroupAddress>& group) {
     std::vector<PictureAddress> pictures;
-    const auto add = [&](const GroupAddress& from, const std::vector<PictureEntry>& entries) {
-        for (const PictureEntry& entry : entries) {
-            pictures.push_back({from, entry.name});
-        }
-    };
     if (group) {
-        add(*group, listPictures(library, *group));
+        for (const PictureEntry& entry : listPictures(library, *group)) {
+            pictures.push_back({*group, entry.name});
+        }
         return pictures;
     }
-    Search search(library, noProgress());
-    search.forEachGroup([&](const GroupAddress& each) {
-        const auto entries = search.ifReadable([&] { return listPictures(library, each); });
-        add(each, entries.value_or(std::vector<PictureEntry>()));
-    });
+    Search(library, noProgress())
+        .forEachPicture([&](const GroupAddress& from, const PictureEntry& entry) {
+            pictures.push_back({from, entry.name});
+        });
     return pictures;
 }
 

@@ -120,6 +120,7 @@ std::unique_ptr<compound::DiskFile> openLocked(compound::Disk& disk,
         }
         if (!budget) {
             budget.emplace(wait);
+            continue; // at once, also without patience: the name may lead to nothing now
         }
         const std::chrono::milliseconds left = budget->remaining();
         if (left.count() == 0) {

@@ -2,6 +2,7 @@
 #include "base/utf8.h"
 #include "compound/error.h"
 #include "store/group_operations.h"
+#include "store/library_walk.h"
 #include "tool/command.h"
 #include "tool/folder_input.h"
 #include "tool/library_arguments.h"
@@ -9,8 +10,10 @@
 #include "tool/terminal_progress.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace tool {
 namespace {
@@ -20,18 +23,39 @@ using compound::ErrorCode;
 
 constexpr std::chrono::milliseconds kListingWait{1000}; // for all files of the library together
 
-// Nothing for a group that is not there, or damaged, behind what tells of it.
-std::optional<store::GroupSize> sizeOf(const store::Library& library,
-                                       const store::GroupAddress& group, Console& console) {
-    try {
-        return store::readGroupSize(library, group);
-    } catch (const Error& error) {
-        if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotFound) {
-            throw;
-        }
-        complain(console, error.what());
-        return std::nullopt;
+struct ListedGroup {
+    store::GroupEntry entry;
+    std::optional<store::GroupSize> size;
+};
+
+struct ListedFile {
+    std::vector<ListedGroup> groups;
+    std::vector<Error> failures;
+};
+
+// One file, or one group in it, that cannot be read does not hide the others. Whether all was
+// there.
+bool listFile(const store::Library& library, const store::FileName& file,
+              const store::LockBudget& budget, ListedFile& listed) {
+    store::GroupFileReading reading = store::readGroupFile(library, file, budget);
+    bool isThere = !reading.isGone();
+    if (reading.failure) {
+        listed.failures.push_back(*reading.failure);
     }
+    for (store::GroupEntry& group : reading.groups) {
+        std::optional<store::GroupSize> size;
+        try {
+            size = store::readGroupSize(library, group.address);
+        } catch (const Error& error) {
+            listed.failures.push_back(error);
+            if (error.code() != ErrorCode::Damaged && error.code() != ErrorCode::NotFound) {
+                return isThere; // it is the file that cannot be read
+            }
+            isThere = isThere && error.code() == ErrorCode::Damaged;
+        }
+        listed.groups.push_back({std::move(group), size});
+    }
+    return isThere;
 }
 
 void addGroupRow(Table& table, const store::GroupEntry& group,
@@ -81,21 +105,16 @@ ExitStatus listGroups(const Invocation& invocation) {
     const store::LockBudget budget(kListingWait);
     Table table({"key", "name", "parent", "pictures", "bytes"});
     ExitStatus status = ExitStatus::Done;
-    // One file, or one group in it, that cannot be read does not hide the others.
-    for (const store::FileName& file : store::groupFiles(library)) {
-        try {
-            const store::GroupFileReading reading = store::readGroupFile(library, file, budget);
-            if (reading.failure) {
-                complain(invocation.console, reading.failure->what());
-                status = ExitStatus::Failed;
-            }
-            for (const store::GroupEntry& group : reading.groups) {
-                const auto size = sizeOf(library, group.address, invocation.console);
-                status = size ? status : ExitStatus::Failed;
-                addGroupRow(table, group, size);
-            }
-        } catch (const Error& error) {
-            complain(invocation.console, error.what());
+    const auto files = store::readEachGroupFile<ListedFile>(
+        library, [&](const store::FileName& file, std::size_t, ListedFile& listed) {
+            return listFile(library, file, budget, listed);
+        });
+    for (const ListedFile& file : files) {
+        for (const ListedGroup& group : file.groups) {
+            addGroupRow(table, group.entry, group.size);
+        }
+        for (const Error& failure : file.failures) {
+            complain(invocation.console, failure.what());
             status = ExitStatus::Failed;
         }
     }

@@ -1,6 +1,8 @@
 // What crashed programs leave beside the group files, and what moves do on the way.
 #include "base/utf8.h"
 #include "compound/error.h"
+#include "store/library_count.h"
+#include "store/same_pictures.h"
 #include "store/store_fixture.h"
 
 #include <algorithm>
@@ -381,6 +383,51 @@ TEST_F(LeftoversTest, OfTwoFilesThatDifferInTheSuffixOneCounts) {
     removeGroupFile(library, {u"Plant"});
     EXPECT_THAT(disk.trashed(), ElementsAre("/library/Plant.stg"));
     EXPECT_THAT(pictureNames(plant), ElementsAre("ours")) << "the other one is not reached";
+}
+
+// Another program does so before any call of the one that reads, unless that holds the file.
+TEST_F(LeftoversTest, AGroupThatGetsAnotherNameIsFoundByWhoeverReadsTheWholeLibrary) {
+    add(topGroup(u"Old"), u"logo", "logo bytes");
+    add(topGroup(u"Other"), u"valve", "valve bytes");
+    const auto old = disk.content("/library/Old.stg");
+    renameGroup(library, topLevelAddress(u"Old"), {u"Again"}); // listed before the old name
+    const auto renamed = disk.content("/library/Again.stg");
+    disk.removeTemporary("/library/Again.stg");
+    const auto readWhileMoving = [&](std::size_t move, auto read) {
+        disk.setContent("/library/Old.stg", old);
+        std::size_t calls = 0;
+        disk.setInterceptor([&](MemoryDisk::Call) {
+            if (calls++ == move) {
+                const auto file = disk.open("/library/Old.stg", compound::Access::Read);
+                if (file->lock(std::chrono::milliseconds{0})) {
+                    disk.removeTemporary("/library/Old.stg");
+                    disk.setContent("/library/Again.stg", renamed);
+                }
+            }
+        });
+        read();
+        disk.setInterceptor({});
+        disk.removeTemporary("/library/Again.stg");
+        return calls > move;
+    };
+    for (std::size_t move = 0;
+         readWhileMoving(move,
+                         [&] {
+                             const LibraryCount count =
+                                 countLibrary(library, LockBudget(library.lockWait));
+                             EXPECT_EQ(count.groupFiles, 2U) << "moved at " << move;
+                             EXPECT_EQ(count.elements, 4U) << "moved at " << move;
+                         });
+         ++move) {
+    }
+    for (std::size_t move = 0;
+         readWhileMoving(move,
+                         [&] {
+                             EXPECT_THAT(allPictures(library), ::testing::SizeIs(2))
+                                 << "moved at " << move;
+                         });
+         ++move) {
+    }
 }
 
 } // namespace
