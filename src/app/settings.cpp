@@ -4,8 +4,6 @@
 #include "platform/paths.h"
 #include "platform/temporary_folder.h"
 
-#include <QDir>
-
 namespace app {
 
 namespace {
@@ -91,7 +89,7 @@ QString Settings::readCommon() const {
 // folder shall notice when it is missing. A failure shows when the folder is used.
 void Settings::createDefaultStoragesFolder() const {
     if (storagesFolder_ == kDefaultCommon + kStoragesSuffix) {
-        (void)QDir().mkpath(platform::nativePath(storagesFolder_));
+        (void)platform::makeFolder(platform::nativePath(storagesFolder_));
     }
 }
 

@@ -202,6 +202,29 @@ void syncFolderEntries(const std::filesystem::path& folder) {
     }
 }
 
+void syncWayTo(const std::filesystem::path& path) {
+    std::filesystem::path folder = std::filesystem::absolute(folderOf(path));
+    syncFolderEntries(folder);
+    struct stat status {};
+    if (::stat(folder.c_str(), &status) != 0) {
+        throw systemError(errno, folder, "status");
+    }
+    const dev_t volume = status.st_dev;
+    while (folder.has_relative_path()) {
+        folder = folder.parent_path();
+        if (::stat(folder.c_str(), &status) != 0 || status.st_dev != volume) {
+            return;
+        }
+        try {
+            syncFolderEntries(folder);
+        } catch (const Error& error) {
+            if (error.code() != ErrorCode::Denied) {
+                throw;
+            }
+        }
+    }
+}
+
 std::filesystem::path folderOf(const std::filesystem::path& path) {
     return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
 }

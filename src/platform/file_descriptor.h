@@ -55,6 +55,11 @@ void renameInTurn(const std::filesystem::path& from, const std::filesystem::path
 // Makes the entries of `folder` durable. A file system that cannot sync folders is no error.
 void syncFolderEntries(const std::filesystem::path& folder);
 
+// The same for the folder that holds `path` and for those above it, up to the root of their volume:
+// a file is not to be lost because a folder that was made for it is. Folders above that may not be
+// read are left out.
+void syncWayTo(const std::filesystem::path& path);
+
 // The folder that holds `path`; "." for a bare name.
 std::filesystem::path folderOf(const std::filesystem::path& path);
 

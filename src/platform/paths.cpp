@@ -1,6 +1,8 @@
 #include "platform/paths.h"
 
 #include "base/utf8.h"
+#include "compound/error.h"
+#include "platform/file_descriptor.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -111,6 +113,21 @@ QString nativePath(const QString& text) {
     }
     const QString rest = path.mid(2);
     return rest.startsWith(u'/') ? rest : u'/' + rest;
+}
+
+bool makeFolder(const QString& path) {
+    if (QFileInfo(path).isDir()) {
+        return true;
+    }
+    if (!QDir().mkpath(path)) {
+        return false;
+    }
+    try {
+        syncWayTo(toFilePath(path));
+    } catch (const compound::Error&) {
+        return false; // a drive that fails here is not to be trusted with what goes into the folder
+    }
+    return true;
 }
 
 QString joinPath(const QString& folder, const QString& name) {

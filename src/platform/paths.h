@@ -44,6 +44,11 @@ QStringList systemSettingsFolders();
 // repeated separators one; a text that begins with "/" is such a path already.
 QString nativePath(const QString& text);
 
+// Makes the folder `path` of this system, and those above it that are missing, such that a power
+// cut does not take them and what is put into them. False if it cannot be made; true if it is
+// there.
+bool makeFolder(const QString& path);
+
 // `folder` and `name` with one separator in between; a folder that ends in one gets none. A folder
 // that holds backslashes and no slash is joined with a backslash.
 QString joinPath(const QString& folder, const QString& name);

@@ -4,7 +4,6 @@
 #include "platform/file_descriptor.h"
 #include "platform/paths.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <cerrno>
@@ -56,7 +55,7 @@ void moveTo(const std::filesystem::path& file, const std::filesystem::path& targ
 
 // Moves `file` into `folder` under its own name, or that name and the first free number.
 std::filesystem::path moveIntoFolder(const std::filesystem::path& file, const QString& folder) {
-    if (!QDir().mkpath(folder)) {
+    if (!makeFolder(folder)) {
         throw Error(ErrorCode::Failed, toFilePath(folder), "the folder cannot be created");
     }
     const std::filesystem::path target = toFilePath(folder);
@@ -86,7 +85,7 @@ std::optional<std::filesystem::path> moveToDesktopTrash(const std::filesystem::p
         return std::nullopt;
     }
     if (!trashed.isEmpty()) {
-        syncFolderEntries(folderOf(toFilePath(trashed)));
+        syncWayTo(toFilePath(trashed));
     }
     if (isThere(file)) {
         return std::nullopt;
