@@ -8,10 +8,14 @@
 #include <cstddef>
 #include <cstdio>
 #include <fcntl.h>
+#include <random>
+#include <string>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 
@@ -70,6 +74,10 @@ bool isSameFile(const std::filesystem::path& one, const std::filesystem::path& o
 // unfinished group file.
 constexpr std::string_view kTurnFile = ".txs-0000000000000000.new";
 
+// Around sixteen digits: a file that no listing shows until it is whole and gets its name.
+constexpr std::string_view kPrefix = ".txs-";
+constexpr std::string_view kInTheMaking = ".new";
+
 // Whether the path still names the open file.
 bool isAt(const FileDescriptor& file, const std::filesystem::path& path) {
     struct stat opened {};
@@ -91,6 +99,52 @@ FileDescriptor takeTurn(const std::filesystem::path& path) {
             }
         } else if (errno != EINTR) {
             throw systemError(errno, path, "lock");
+        }
+    }
+}
+
+struct Unfinished {
+    std::filesystem::path path;
+    FileDescriptor file; // locked where there are locks, so that nobody takes it for a leftover
+};
+
+bool isUnfinished(const std::string& name) {
+    constexpr std::size_t kDigits = 16;
+    return name.size() == kPrefix.size() + kDigits + kInTheMaking.size() &&
+           name.starts_with(kPrefix) && name.ends_with(kInTheMaking);
+}
+
+Unfinished createUnfinished(const std::filesystem::path& folder) {
+    constexpr int kTries = 10; // another program may clear it away before it is locked
+    std::random_device random;
+    for (int i = 0; i < kTries; ++i) {
+        std::array<char, 17> digits{};
+        (void)std::snprintf(digits.data(), digits.size(), "%08x%08x", random(), random());
+        std::filesystem::path path =
+            folder / (std::string(kPrefix) + digits.data() + std::string(kInTheMaking));
+        FileDescriptor file = createFile(path, Readers::OwnerOnly);
+        const bool isOurs = ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+        if (isOurs && isAt(file, path)) {
+            return {std::move(path), std::move(file)};
+        }
+    }
+    throw Error(ErrorCode::Locked, folder, "other programs clear it away");
+}
+
+// What a crash has left of copies. The library's folder is cleared by its listings, any other one
+// by the next copy only.
+void removeUnfinishedCopies(const std::filesystem::path& folder) {
+    std::error_code unreadable; // tells itself when the copy is made
+    for (std::filesystem::directory_iterator entry(folder, unreadable), end;
+         !unreadable && entry != end; entry.increment(unreadable)) {
+        const std::filesystem::path& path = entry->path();
+        if (!isUnfinished(path.filename().string())) {
+            continue;
+        }
+        const FileDescriptor file(
+            ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && isAt(file, path)) {
+            ::unlink(path.c_str());
         }
     }
 }
@@ -128,15 +182,17 @@ FileDescriptor createFile(const std::filesystem::path& path, Readers readers) {
 
 void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to) {
     const FileDescriptor source = openRegularFile(from, O_RDONLY);
-    const FileDescriptor target = createFile(to, Readers::OwnerOnly);
+    removeUnfinishedCopies(folderOf(to));
+    const Unfinished copy = createUnfinished(folderOf(to));
     try {
-        copyBytes(source, from, target, to);
-        copyFileAttributes(source.get(), from, target.get(), to);
-        if (::fsync(target.get()) != 0) {
+        copyBytes(source, from, copy.file, to);
+        copyFileAttributes(source.get(), from, copy.file.get(), to);
+        if (::fsync(copy.file.get()) != 0) {
             throw systemError(errno, to, "sync");
         }
+        renameFileWithoutReplacing(copy.path, to);
     } catch (...) {
-        ::unlink(to.c_str());
+        ::unlink(copy.path.c_str());
         throw;
     }
 }

@@ -36,8 +36,9 @@ enum class Readers { Usual, OwnerOnly };
 // Creates `path`, which must not exist (compound::ErrorCode::Exists), for reading and writing.
 FileDescriptor createFile(const std::filesystem::path& path, Readers readers);
 
-// Writes a new file `to` with the content and attributes of `from` and syncs it. A failure leaves
-// no `to` behind; `from` is never changed.
+// Writes a new file `to` with the content and attributes of `from` and syncs it. It bears that name
+// once it is whole; until then it is a file of passage (see docs/file-format.md). A failure leaves
+// nothing behind; `from` is never changed. Exists when `to` is taken.
 void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // Renames; throws Exists, with nothing changed, when `to` is taken, and Failed on a file system

@@ -8,8 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -484,18 +486,53 @@ TEST_F(NativeDiskTest, usesTheDesktopsTrashAndKeepsWhatItCannotName) {
 }
 
 // Shared memory lies on another volume than the temporary folder, so a rename cannot do it.
-TEST_F(NativeDiskTest, movesAFileToTheTrashOfAnotherVolume) {
-    const fs::path volume = "/dev/shm";
-    std::string name = (volume / "txs-XXXXXX").string();
-    if (!fs::exists(volume) || ::mkdtemp(name.data()) == nullptr) {
-        GTEST_SKIP() << "no second volume";
+class OtherVolume : public NativeDiskTest {
+  protected:
+    void SetUp() override {
+        name_ = "/dev/shm/txs-XXXXXX";
+        if (!fs::exists("/dev/shm") || ::mkdtemp(name_.data()) == nullptr) {
+            name_.clear();
+            GTEST_SKIP() << "no second volume";
+        }
     }
-    const fs::path file = fs::path(name) / "a.err";
-    nativeDisk().create(file)->write(0, bytesOf("content"));
-    nativeDisk().trash(file);
-    EXPECT_FALSE(fs::exists(file));
+    void TearDown() override {
+        if (!name_.empty()) {
+            fs::remove_all(name_);
+        }
+    }
+    fs::path there(const std::string& name) const { return fs::path(name_) / name; }
+
+    std::string name_;
+};
+
+TEST_F(OtherVolume, getsAFileFromTheTrashOrGivesItOne) {
+    nativeDisk().create(there("a.err"))->write(0, bytesOf("content"));
+    const fs::path trashed = platform::moveToTrash(there("a.err"));
+    EXPECT_FALSE(fs::exists(there("a.err")));
     EXPECT_EQ(read("trash/a.err"), "content");
-    fs::remove(name);
+    nativeDisk().create(there("taken"))->write(0, bytesOf("mine"));
+    EXPECT_EQ(codeOf([&] { platform::restoreFromTrash(trashed, there("taken")); }),
+              ErrorCode::Exists);
+    platform::restoreFromTrash(trashed, there("b.err"));
+    EXPECT_FALSE(fs::exists(trashed));
+    EXPECT_EQ(textAt(*nativeDisk().open(there("b.err"), Access::Read), 0, 99), "content");
+}
+
+// Whoever lists the library meanwhile would set half a group aside as damaged.
+TEST_F(OtherVolume, hasAFileThatComesThereUnderItsNameOnceItIsWhole) {
+    write("trash/Pumps.stg", std::string(std::size_t{1} << 20U, 'p'));
+    const auto moveAndGetKilled = [&] {
+        std::signal(SIGXFSZ, SIG_DFL);
+        const struct rlimit half { std::size_t{1} << 19U, std::size_t{1} << 19U };
+        ::setrlimit(RLIMIT_FSIZE, &half);
+        platform::restoreFromTrash(at("trash/Pumps.stg"), there("Pumps.stg"));
+    };
+    EXPECT_EXIT(moveAndGetKilled(), testing::KilledBySignal(SIGXFSZ), "");
+    EXPECT_FALSE(fs::exists(there("Pumps.stg")));
+    EXPECT_EQ(std::distance(fs::directory_iterator(name_), {}), 1) << "none was begun";
+    platform::restoreFromTrash(at("trash/Pumps.stg"), there("Pumps.stg"));
+    EXPECT_EQ(fs::file_size(there("Pumps.stg")), std::size_t{1} << 20U);
+    EXPECT_EQ(std::distance(fs::directory_iterator(name_), {}), 1) << "what was left stays";
 }
 
 } // namespace
