@@ -54,9 +54,9 @@ void Settings::readCurrentGroup() {
 }
 
 void Settings::save() {
-    backend_.write(kProgramKey, kCurrentGroupName, currentGroup_);
-    backend_.write(kProgramKey, kDriveName, drive_);
-    backend_.write(kProgramKey, kPathName, path_);
+    backend_.write({{kProgramKey, kCurrentGroupName, currentGroup_},
+                    {kProgramKey, kDriveName, drive_},
+                    {kProgramKey, kPathName, path_}});
 }
 
 std::filesystem::path Settings::storagesFolderPath() const {

@@ -33,8 +33,8 @@ class Settings {
     // Reads `CurrentGroup` (the key S/T of the group last selected; empty for none).
     void readCurrentGroup();
 
-    // Writes `CurrentGroup`, `Drive` and `Path`, in this order. Throws compound::Error naming the
-    // settings file; what was written before the failure stays written.
+    // Writes `CurrentGroup`, `Drive` and `Path`, in this order, all or nothing. Throws
+    // compound::Error naming the settings file.
     void save();
 
     const QString& storagesFolder() const { return storagesFolder_; }

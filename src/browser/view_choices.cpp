@@ -53,13 +53,13 @@ void writeViewChoices(const ViewChoices& choices) {
     if (choices == readViewChoices()) {
         return;
     }
-    const auto write = [](const QString& name, int number) {
-        platform::nativeSettings().write(kSection, name, QString::number(number));
+    const auto number = [](const QString& name, int value) {
+        return platform::Setting{kSection, name, QString::number(value)};
     };
-    write(kColumn, choices.order.column + 1);
-    write(kDescending, choices.order.direction == Qt::DescendingOrder ? 1 : 0);
-    write(kSide, choices.thumbnailSide);
-    write(kNames, choices.hasNames ? 1 : 0);
+    platform::nativeSettings().write(
+        {number(kColumn, choices.order.column + 1),
+         number(kDescending, choices.order.direction == Qt::DescendingOrder ? 1 : 0),
+         number(kSide, choices.thumbnailSide), number(kNames, choices.hasNames ? 1 : 0)});
 }
 
 } // namespace browser

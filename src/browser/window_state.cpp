@@ -53,13 +53,15 @@ WindowState readWindowState() {
 }
 
 void writeWindowState(const WindowState& state) {
-    platform::SettingsBackend& settings = platform::nativeSettings();
-    settings.write(kSection, QStringLiteral("Left"), QString::number(state.place.left()));
-    settings.write(kSection, QStringLiteral("Top"), QString::number(state.place.top()));
-    settings.write(kSection, QStringLiteral("Width"), QString::number(state.place.width()));
-    settings.write(kSection, QStringLiteral("Height"), QString::number(state.place.height()));
-    settings.write(kSection, QStringLiteral("Maximised"),
-                   state.maximised ? QStringLiteral("1") : QStringLiteral("0"));
+    const auto number = [](const QString& name, int value) {
+        return platform::Setting{kSection, name, QString::number(value)};
+    };
+    platform::nativeSettings().write(
+        {number(QStringLiteral("Left"), state.place.left()),
+         number(QStringLiteral("Top"), state.place.top()),
+         number(QStringLiteral("Width"), state.place.width()),
+         number(QStringLiteral("Height"), state.place.height()),
+         number(QStringLiteral("Maximised"), state.maximised ? 1 : 0)});
 }
 
 QRect placeOnScreens(const QRect& place, QSize minimum, const QList<QRect>& screens) {
@@ -85,9 +87,9 @@ Columns readColumns() {
 }
 
 void writeColumns(const Columns& columns) {
-    platform::SettingsBackend& settings = platform::nativeSettings();
-    settings.write(kSection, kLeftWidth, QString::number(columns.leftWidth));
-    settings.write(kSection, kPreviewHeightName, QString::number(columns.previewHeight));
+    platform::nativeSettings().write(
+        {{kSection, kLeftWidth, QString::number(columns.leftWidth)},
+         {kSection, kPreviewHeightName, QString::number(columns.previewHeight)}});
 }
 
 void restoreWindowState(QWidget& window) {

@@ -1,6 +1,7 @@
 #include "platform/settings_backend.h"
 
 #include "compound/error.h"
+#include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
 #include "platform/paths.h"
 #include "platform/settings_file.h"
@@ -10,8 +11,13 @@
 #include <QSaveFile>
 #include <QSet>
 
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
 #include <iostream>
 #include <span>
+#include <sys/file.h>
+#include <thread>
 
 namespace platform {
 
@@ -19,6 +25,9 @@ namespace {
 
 using compound::Error;
 using compound::ErrorCode;
+
+constexpr std::chrono::milliseconds kLongestWait{1000};
+constexpr std::chrono::milliseconds kLookAgain{1};
 
 QString machineFile(const QString& folder) {
     return joinPath(folder, QStringLiteral("machine.conf"));
@@ -88,6 +97,20 @@ SettingsFile loadForWriting(const QString& path) {
     }
 }
 
+// Programs that write settings take turns: each changes a few lines of the whole file, and would
+// take back what another one writes meanwhile. The file is replaced by each of them, so it is their
+// folder that is locked. Whoever holds the lock for long, or a folder without locks, keeps nobody
+// from saving.
+FileDescriptor turnAt(const std::filesystem::path& folder) {
+    FileDescriptor held(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const auto end = std::chrono::steady_clock::now() + kLongestWait;
+    while (held.isOpen() && ::flock(held.get(), LOCK_EX | LOCK_NB) != 0 &&
+           (errno == EWOULDBLOCK || errno == EINTR) && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(kLookAgain);
+    }
+    return held;
+}
+
 class FileSettings final : public SettingsBackend {
   public:
     QString read(Hive hive, const QString& key, const QString& name,
@@ -109,21 +132,27 @@ class FileSettings final : public SettingsBackend {
         return fallback;
     }
 
-    void write(const QString& key, const QString& name, const QString& value) override {
-        const QString path = userFile();
+    using SettingsBackend::write;
+
+    void write(const std::vector<Setting>& settings) override {
         if (!QDir().mkpath(userSettingsFolder())) {
             throw Error(ErrorCode::Denied, toFilePath(userSettingsFolder()),
                         "the folder cannot be created");
         }
-        SettingsFile settings = loadForWriting(path);
-        settings.setValue(key, name, value);
-        const QByteArray bytes = settings.toBytes();
+        const FileDescriptor turn = turnAt(toFilePath(userSettingsFolder()));
+        const QString path = userFile();
+        SettingsFile content = loadForWriting(path);
+        for (const Setting& setting : settings) {
+            content.setValue(setting.key, setting.name, setting.value);
+        }
+        const QByteArray bytes = content.toBytes();
         QSaveFile file(path);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
             !file.commit()) {
             throw Error(ErrorCode::Failed, toFilePath(path),
                         "write: " + file.errorString().toStdString());
         }
+        nativeDisk().syncFolder(nativeDisk().resolved(toFilePath(path)).parent_path());
     }
 };
 

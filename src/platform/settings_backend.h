@@ -19,9 +19,17 @@
 
 #include <QString>
 
+#include <vector>
+
 namespace platform {
 
 enum class Hive { LocalMachine, CurrentUser };
+
+struct Setting {
+    QString key;
+    QString name;
+    QString value;
+};
 
 inline constexpr qint64 kMaximumSettingsBytes = qint64{1} << 20;
 
@@ -33,10 +41,14 @@ class SettingsBackend {
     virtual QString read(Hive hive, const QString& key, const QString& name,
                          const QString& fallback) = 0;
 
-    // Writes one text of the current user, durably and all or nothing; everything else that the
-    // file holds, comments too, stays. A file that cannot be understood is moved to the trash
-    // first. Throws compound::Error naming the file.
-    virtual void write(const QString& key, const QString& name, const QString& value) = 0;
+    // Writes texts of the current user, durably and all or nothing; everything else that the file
+    // holds, comments too, stays, also what another program writes at the same time. A file that
+    // cannot be understood is moved to the trash first. Throws compound::Error naming the file.
+    virtual void write(const std::vector<Setting>& settings) = 0;
+
+    void write(const QString& key, const QString& name, const QString& value) {
+        write({{key, name, value}});
+    }
 };
 
 SettingsBackend& nativeSettings();

@@ -26,9 +26,11 @@ class MemorySettings final : public platform::SettingsBackend {
         return values.value(name, fallback);
     }
 
-    void write(const QString& key, const QString& name, const QString& value) override {
-        log += "write " + key + ' ' + name + '=' + value;
-        values[name] = value;
+    void write(const std::vector<platform::Setting>& settings) override {
+        for (const auto& [key, name, value] : settings) {
+            log += "write " + key + ' ' + name + '=' + value;
+            values[name] = value;
+        }
     }
 
     QMap<QString, QString> values;

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -106,6 +108,35 @@ TEST(SettingsBackend, movesAFileThatItCannotReadAsideBeforeWriting) {
     nativeSettings().write(kKey, "Drive", "C:");
     EXPECT_EQ(readUser("Drive"), "C:");
     EXPECT_EQ(home.read("trash/user.conf"), garbage);
+}
+
+// As programs do that are closed together. Threads exclude each other as programs do.
+TEST(SettingsBackend, losesNothingOfWritersThatMeet) {
+    const OwnHome home;
+    constexpr int kWriters = 4;
+    constexpr int kEach = 25;
+    const auto nameOf = [](int writer, int i) {
+        return QStringLiteral("%1.%2").arg(writer).arg(i);
+    };
+    std::vector<std::thread> writers;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        writers.emplace_back([&, writer] {
+            for (int i = 0; i < kEach; ++i) {
+                nativeSettings().write(kKey, nameOf(writer, i), QString::number(i));
+            }
+        });
+    }
+    for (std::thread& writer : writers) {
+        writer.join();
+    }
+    int lost = 0;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        for (int i = 0; i < kEach; ++i) {
+            lost += readUser(nameOf(writer, i)) == QString::number(i) ? 0 : 1;
+        }
+    }
+    EXPECT_EQ(lost, 0);
+    EXPECT_EQ(QDir(home.at("settings")).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 TEST(SettingsBackend, refusesAPipeInPlaceOfAFileWithoutWaiting) {
