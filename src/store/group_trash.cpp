@@ -9,7 +9,6 @@
 #include "store/storage_access.h"
 #include "store/told_copying.h"
 
-#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -72,6 +71,7 @@ TrashedGroup trashSubGroup(const Library& library, const GroupAddress& group,
     trashed.name.text =
         readGroupText(access.groupStorage(), kNameStream).value_or(group.storage.text);
     trashed.file = fileInTrash(library, access, group, trashed.name, trash, progress);
+    trashed.state = stateInTrash(library.disk, trashed.file);
     try {
         const DestroyedGroups destroyed = destroyGroup(access, group);
         access.Commit();
@@ -96,12 +96,11 @@ GroupAddress restoreGroupFile(const Library& library, const TrashedGroup& group,
     return group.address;
 }
 
-// What the group's storage is called where it comes back to; another one if the old one is taken.
-std::u16string topOf(const std::vector<Passage>& passages, const StorageName& source) {
-    const auto found = std::find_if(passages.begin(), passages.end(), [&](const Passage& passage) {
-        return sameName(passage.element.name, source.text);
-    });
-    return found == passages.end() ? std::u16string() : found->name;
+// The old storage of a group that comes back, or a further one when that is taken. Never one called
+// like the group, whose name may end as those of info storages do.
+StorageName freeStorage(const StorageHandle& root, const StorageName& old) {
+    const bool isTaken = root.find(old.text) || root.find(infoStorageOf(old).text);
+    return isTaken ? nextSubGroup(root) : old;
 }
 
 } // namespace
@@ -120,15 +119,16 @@ std::size_t countGroupsBelow(const Library& library, const GroupAddress& group) 
 TrashedGroup trashGroup(const Library& library, const GroupAddress& group, compound::Trash& trash,
                         Progress& progress) {
     if (isTopLevel(group)) {
-        return {group, {}, {group.file.text}, throwAway(library, group.file, [&](const auto& file) {
-                    return trash.moveThere(file);
-                })};
+        const std::filesystem::path file =
+            throwAway(library, group.file, [&](const auto& path) { return trash.moveThere(path); });
+        return {group, {}, {group.file.text}, file, stateInTrash(library.disk, file)};
     }
     return trashSubGroup(library, group, trash, progress);
 }
 
 GroupAddress restoreGroup(const Library& library, const TrashedGroup& group, compound::Trash& trash,
                           Progress& progress) {
+    requireInTrash(library.disk, group.file, group.state);
     if (isTopLevel(group.address)) {
         return restoreGroupFile(library, group, trash);
     }
@@ -139,9 +139,8 @@ GroupAddress restoreGroup(const Library& library, const TrashedGroup& group, com
     const StorageName source{nameInTrash(group.name)};
     const auto groups = passingGroups(from.root(), FileName{source.text}, source);
     const std::u16string parent = parentText(into.root(), group.parent, into.file().disk().path());
-    const auto passages =
-        planPassages(groups, into.root(), {group.address.storage.text, parent, 0});
-    const std::u16string top = topOf(passages, source);
+    const std::u16string top = freeStorage(into.root(), group.address.storage).text;
+    const auto passages = planPassages(groups, into.root(), {top, parent, 0});
     ToldCopying copying(from.file(), progress);
     copyPassages(passages, from.file(), into.file(), copying.copied());
     writeGroupText(into.root().OpenStorage(top), kNameStream, group.name.text);

@@ -5,6 +5,7 @@
 #include "store/group_operations.h"
 
 #include <filesystem>
+#include <optional>
 
 namespace store {
 
@@ -14,6 +15,7 @@ struct TrashedGroup {
     StorageName parent; // empty for a top-level group
     GroupName name;
     std::filesystem::path file; // in the trash: a group file; empty when the trash does not tell
+    std::optional<compound::FileIdentity> state = {}; // of the file there, if the disk can tell
 };
 
 // How many groups lie below the group, at whatever depth. 0 when its file cannot be read.
@@ -29,8 +31,9 @@ TrashedGroup trashGroup(const Library& library, const GroupAddress& group, compo
 
 // Brings a deleted group back to where it was, under its old name. Returns its address, which is
 // another one, as are those of the groups below it, when other groups have taken the old ones.
-// NotFound when the trash was emptied or the group above it has gone; Exists when there is a
-// top-level group of that name now. Nothing has changed when it throws.
+// NotFound when the trash was emptied (whatever has the file's name there since) or the group above
+// it has gone; Exists when there is a top-level group of that name now. Nothing has changed when it
+// throws.
 GroupAddress restoreGroup(const Library& library, const TrashedGroup& group, compound::Trash& trash,
                           Progress& progress = noProgress());
 

@@ -84,6 +84,7 @@ RestoredPictures restorePictures(const Library& library, const GroupAddress& gro
                             "no file of \"" + base::toUtf8(picture.name.text) +
                                 "\" came to the trash");
             }
+            requireInTrash(library.disk, picture.file, picture.state);
             bytes = readPictureFile(library.disk, picture.file);
         } catch (const Error& error) {
             restored.missing.push_back(error);

@@ -6,6 +6,7 @@
 #include "store/progress.h"
 
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -24,6 +25,7 @@ struct TrashedPicture {
     PictureName name;           // as it was stored
     std::string record;         // the bytes of its record stream
     std::filesystem::path file; // in the trash; empty when it could not be read, or is not known
+    std::optional<compound::FileIdentity> state = {}; // of the file there, if the disk can tell
 };
 
 // Removes the pictures from the group in one transaction. Before that a file of each, called like
@@ -45,8 +47,9 @@ struct RestoredPictures {
 };
 
 // Brings such pictures back into the group in one transaction, with their records, and takes their
-// files out of the trash. What they replace goes there; they never stay away because of their
-// names. Nothing has changed when it throws.
+// files out of the trash; what else stands there by now under a file's name is left alone. What
+// they replace goes there; they never stay away because of their names. Nothing has changed when it
+// throws.
 RestoredPictures restorePictures(const Library& library, const GroupAddress& group,
                                  std::span<const TrashedPicture> pictures, compound::Trash& trash,
                                  IfNameTaken ifTaken = IfNameTaken::KeepBoth,

@@ -15,6 +15,20 @@ void goOn(const std::filesystem::path& file, Progress& progress, std::size_t don
     }
 }
 
+std::optional<compound::FileIdentity> stateInTrash(compound::Disk& disk,
+                                                   const std::filesystem::path& trashed) {
+    return trashed.empty() ? std::nullopt : disk.glance(trashed);
+}
+
+// Not by its number, which some file systems give anew each time that they read a folder.
+void requireInTrash(compound::Disk& disk, const std::filesystem::path& trashed,
+                    const std::optional<compound::FileIdentity>& state) {
+    const auto now = stateInTrash(disk, trashed);
+    if (state && (!now || now->size != state->size || now->modified != state->modified)) {
+        throw Error(ErrorCode::NotFound, trashed, "the trash does not hold it any more");
+    }
+}
+
 void removeFromTrash(compound::Disk& disk, compound::Trash& trash,
                      const std::filesystem::path& trashed) {
     try {

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 
 namespace store {
 
@@ -14,6 +15,15 @@ namespace store {
 // shall stop.
 void goOn(const std::filesystem::path& file, Progress& progress, std::size_t done,
           std::size_t total);
+
+// What stands at a path in the trash once a file has come there.
+std::optional<compound::FileIdentity> stateInTrash(compound::Disk& disk,
+                                                   const std::filesystem::path& trashed);
+
+// NotFound unless that is still there. Names are given again in a trash that was emptied, and
+// nobody's else file is to come back, or to go from there.
+void requireInTrash(compound::Disk& disk, const std::filesystem::path& trashed,
+                    const std::optional<compound::FileIdentity>& state);
 
 // Removes a file of the program's own from the trash, as if it had never been there. One that
 // cannot be removed stays: a copy too many harms nobody.

@@ -39,6 +39,7 @@ TrashedPicture Trashing::add(const StorageHandle& group, const std::optional<Sto
         const std::string type = parseRecord(picture.record).type;
         picture.file =
             put(fileBaseNameFor(picture.name) + "." + (type.empty() ? "JPG" : type), *bytes);
+        picture.state = stateInTrash(disk_, picture.file);
     }
     return picture;
 }

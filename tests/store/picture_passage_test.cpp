@@ -400,6 +400,43 @@ TEST_F(PicturePassage, GroupsComeBackWhereTheyWere) {
     EXPECT_EQ(textOf(tanks_, u"A"), "of tanks");
 }
 
+// What is called as info storages are must not become one.
+TEST_F(PicturePassage, AGroupThatComesBackBesideAnotherIsSeen) {
+    const GroupAddress info = subGroup(pumps_, u"TradeInfo");
+    add(info, u"fair", "of a fair");
+    const auto trashed = trashGroup(library, info, trash);
+    ASSERT_EQ(subGroup(pumps_, u"Screw"), info) << "its place is not taken";
+    const GroupAddress back = restoreGroup(library, trashed, trash);
+    EXPECT_THAT(treeOf(u"Pumps"),
+                ElementsAre("Pumps>Sub1:Rotary", "Pumps>Sub2:Screw", "Pumps>Sub3:TradeInfo"));
+    EXPECT_EQ(textOf(back, u"fair"), "of a fair");
+    expectSound(u"Pumps");
+}
+
+// Once the trash was emptied, something else may get the place there.
+TEST_F(PicturePassage, WhatIsNotTheirsInTheTrashDoesNotComeBack) {
+    const std::vector<PictureName> name{{u"b"}};
+    const auto pictures = deletePictures(library, pumps_, name, &trash);
+    const auto sub = trashGroup(library, rotary_, trash);
+    const auto file = trashGroup(library, tanks_, trash);
+    const std::vector<std::filesystem::path> places{pictures[0].file, sub.file, file.file};
+    for (const std::filesystem::path& place : places) {
+        const auto bytes = disk.content(place);
+        disk.removeTemporary(place);
+        disk.create(place)->write(0, bytes); // of the same name, of the same size
+    }
+    const auto restored = restorePictures(library, pumps_, pictures, trash);
+    EXPECT_THAT(restored.names, IsEmpty());
+    ASSERT_THAT(restored.missing, SizeIs(1));
+    EXPECT_EQ(restored.missing[0].code(), ErrorCode::NotFound);
+    for (const TrashedGroup& group : {sub, file}) {
+        EXPECT_EQ(errorOf([&] { restoreGroup(library, group, trash); }), ErrorCode::NotFound);
+    }
+    for (const std::filesystem::path& place : places) {
+        EXPECT_TRUE(disk.exists(place)) << place << " was somebody else's";
+    }
+}
+
 // A picture may be replaced by another one that is to have its name; what is no picture may not.
 TEST_F(PicturePassage, AStorageOfAnotherProgramIsNeverReplaced) {
     {
