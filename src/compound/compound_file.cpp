@@ -260,7 +260,7 @@ void CompoundFile::keep() noexcept {
     }
 }
 
-CompoundFile CompoundFile::open(std::unique_ptr<DiskFile> file, Access access, ReadCache* cache) {
+CompoundFile CompoundFile::open(std::unique_ptr<DiskFile>&& file, Access access, ReadCache* cache) {
     const Header header = readHeader(*file);
     const std::optional<FileIdentity> identity = cache ? file->identity() : std::nullopt;
     std::unique_ptr<FileState> state;

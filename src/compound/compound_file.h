@@ -154,10 +154,11 @@ class CompoundFile {
   public:
     // Opens a compound file; `file` is locked by the caller as it needs. Reads the header only.
     // NotCompoundFile when the signature is missing, Damaged when the header contradicts itself.
-    // Access::Read refuses every change with Denied.
+    // Access::Read refuses every change with Denied. A file whose header is refused stays with the
+    // caller.
     // `cache`, if given, must live as long as the file; it is asked for and told what this process
     // knows of the file.
-    static CompoundFile open(std::unique_ptr<DiskFile> file, Access access,
+    static CompoundFile open(std::unique_ptr<DiskFile>&& file, Access access,
                              ReadCache* cache = nullptr);
 
     // Starts a new, empty compound file in the empty `file`; nothing is readable before commit().

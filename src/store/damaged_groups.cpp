@@ -7,6 +7,9 @@
 #include "store/storage_access.h"
 
 #include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
 
 namespace store {
 namespace {
@@ -44,12 +47,13 @@ GroupFileReading examine(const Library& library, const std::filesystem::path& pa
     return reading;
 }
 
-// Looks at a file whose lock is held already, as readGroupFile() does.
-bool isDamaged(const Library& library, const std::filesystem::path& path, const FileName& file) {
+// Looks at a locked file as readGroupFile() does, and through its own handle: some locks let no
+// other one read. The file, still locked, stays with the caller or with `content`.
+bool isDamaged(std::unique_ptr<compound::DiskFile>& held,
+               std::optional<compound::CompoundFile>& content, const FileName& file) {
     try {
-        auto content =
-            compound::CompoundFile::open(library.disk.open(path, Access::Read), Access::Read);
-        const StorageHandle root(content.root());
+        content.emplace(compound::CompoundFile::open(std::move(held), Access::Read));
+        const StorageHandle root(content->root());
         const auto top = findTopLevelGroup(root, file);
         if (top) {
             (void)readGroups(root, file, *top);
@@ -88,8 +92,9 @@ bool setAside(const Library& library, const FileName& file) {
     // Whoever tested it has let it go meanwhile: it may be sound by now, another file, or in use.
     // From here on nobody puts one in its place.
     const FileTurns::Turn turn = library.turns->take(path);
-    const auto held = openLocked(library.disk, path, Access::Read, std::chrono::milliseconds{0});
-    if (!isDamaged(library, path, file)) {
+    auto held = openLocked(library.disk, path, Access::Read, std::chrono::milliseconds{0});
+    std::optional<compound::CompoundFile> content;
+    if (!isDamaged(held, content, file)) {
         return false;
     }
     const std::filesystem::path aside =

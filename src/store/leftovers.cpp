@@ -234,7 +234,8 @@ bool hasNewName(const Library& library, const Move& move) {
     return now && now->number == move.number;
 }
 
-// Looks at the old file without its lock, which whoever moves it has: nobody changes it then.
+// Looks at the old file without its lock, which whoever moves it has: nobody changes it then. Where
+// locks keep other handles from reading, that it is locked has to do.
 Says compare(const Library& library, const Move& move, const std::filesystem::path& record) {
     const std::filesystem::path path = pathOf(library, move.old);
     const auto unlessGone = [&] {
@@ -250,8 +251,9 @@ Says compare(const Library& library, const Move& move, const std::filesystem::pa
             return Says::OldGoes;
         }
         return old->isStillAtPath() ? unlessGone() : Says::OutOfDate;
-    } catch (const Error&) {
-        return library.disk.exists(path) ? unlessGone() : Says::OldGoes;
+    } catch (const Error& error) {
+        const bool isHeld = error.code() == ErrorCode::Denied;
+        return !isHeld && library.disk.exists(path) ? unlessGone() : Says::OldGoes;
     }
 }
 
@@ -292,13 +294,14 @@ std::unique_ptr<DiskFile> lockNew(const Library& library, std::unique_ptr<DiskFi
 MoveRecord::MoveRecord(const Library& library, DiskFile& old, const FileName& oldFile,
                        const std::filesystem::path& unnamed, const FileName& newFile)
     : library_(library), path_(library.folder / recordName(fingerprintOf(old, oldFile), newFile)) {
-    constexpr int kTries = 3; // another program may take it for a leftover before it is locked
+    constexpr int kTries = 3; // another program may be clearing away what a crash has left of it
     const auto moving = library.disk.glance(unnamed);
     const std::string text = textOf({oldFile, newFile, moving ? moving->number : 0});
+    bool isThere = false;
     try {
-        for (int i = 0; i < kTries && !file_; ++i) {
+        for (int i = 0; i < kTries && !isThere; ++i) {
             if (auto record = written(text)) {
-                file_ = lockNew(library, std::move(record));
+                isThere = lockNew(library, std::move(record)) != nullptr;
             }
         }
     } catch (const Error& error) {

@@ -8,7 +8,9 @@
 //                               the new file's number on its device. One that a power cut has
 //                               emptied is as good, only slower.
 //
-// Whoever makes one holds its lock, so one whose lock is free was left by a crash.
+// Whoever makes a file holds its lock, so one whose lock is free was left by a crash. A record has
+// to be read by whoever lists, which some locks keep everybody else from: the lock of the old file,
+// which its maker holds until the end, stands for the record's.
 //
 // Nothing syncs the folder between the record and the new name. A file system that loses the older
 // of two changes in a power cut may leave both groups, each of them whole, as ever.
@@ -51,7 +53,6 @@ class MoveRecord {
 
     const Library& library_;
     std::filesystem::path path_;
-    std::unique_ptr<compound::DiskFile> file_;
 };
 
 // Removes from the folder the group files in the making that nobody makes any more.

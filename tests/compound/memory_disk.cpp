@@ -105,11 +105,13 @@ class MemoryFile : public compound::DiskFile {
 
     std::size_t read(std::uint64_t offset, std::span<std::byte> into) override {
         disk_.announce(MemoryDisk::Call::Read);
+        requireNoOthersLock();
         return file_->bytes.read(offset, into);
     }
 
     void write(std::uint64_t offset, std::span<const std::byte> bytes) override {
         requireWritable();
+        requireNoOthersLock();
         announceWrite(offset, bytes);
         disk_.checkCapacity(file_->bytes.placed(), file_->bytes.placedAfter(offset, bytes.size()));
         disk_.touch(*file_);
@@ -160,6 +162,12 @@ class MemoryFile : public compound::DiskFile {
                 file_->bytes.write(offset, bytes.first(bytes.size() / 1024 * 512));
             }
             throw;
+        }
+    }
+
+    void requireNoOthersLock() const {
+        if (file_->locked && !locked_) {
+            throw Error(ErrorCode::Denied, path_, "another handle has locked the file");
         }
     }
 

@@ -1,4 +1,6 @@
-// A disk in memory for tests: sparse files, locks, a trash, a capacity, and calls made to fail.
+// A disk in memory for tests: sparse files, locks, a trash, a capacity, and calls made to fail. As
+// on some network file systems, a locked file can be read and written through the handle that has
+// the lock only.
 #pragma once
 
 #include "compound/disk.h"
