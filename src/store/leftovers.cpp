@@ -304,7 +304,9 @@ MoveRecord::MoveRecord(const Library& library, DiskFile& old, const FileName& ol
                 isThere = lockNew(library, std::move(record)) != nullptr;
             }
         }
+        library.disk.syncFolder(library.folder); // its name, before the new one's can be durable
     } catch (const Error& error) {
+        remove();
         throw Error(error.code(), plainPathOf(library, newFile), error.cause());
     }
 }
@@ -338,6 +340,10 @@ std::unique_ptr<DiskFile> MoveRecord::written(const std::string& text) const {
 }
 
 MoveRecord::~MoveRecord() {
+    remove();
+}
+
+void MoveRecord::remove() noexcept {
     try {
         library_.disk.removeTemporary(path_);
     } catch (const std::exception&) {
@@ -357,6 +363,7 @@ bool clearLeftovers(const Library& library) {
         const MoveEnd end = finishMove(library, record, file);
         hasGone = hasGone || end == MoveEnd::Finished;
         if (end != MoveEnd::Unknown) {
+            library.disk.syncFolder(library.folder); // that one of two has gone, before the record
             library.disk.removeTemporary(record);
         }
     });

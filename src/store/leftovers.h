@@ -41,15 +41,17 @@ std::unique_ptr<compound::DiskFile> lockNew(const Library& library,
 class MoveRecord {
   public:
     // `old`, locked, is the file that goes; `oldFile` and `newFile` are the names. `unnamed` is the
-    // file that will get the latter.
+    // file that will get the latter. The record's name is durable afterwards; what it says need not
+    // be.
     MoveRecord(const Library& library, compound::DiskFile& old, const FileName& oldFile,
                const std::filesystem::path& unnamed, const FileName& newFile);
-    ~MoveRecord(); // removes the record; whatever is in the way, the next listing does it
+    ~MoveRecord(); // removes the record
     MoveRecord(const MoveRecord&) = delete;
     MoveRecord& operator=(const MoveRecord&) = delete;
 
   private:
     std::unique_ptr<compound::DiskFile> written(const std::string& text) const;
+    void remove() noexcept; // whatever is in the way, the next listing does it
 
     const Library& library_;
     std::filesystem::path path_;

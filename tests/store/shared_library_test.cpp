@@ -220,12 +220,13 @@ TEST_F(SharedLibraryTest, AFileThatLosesItsPathIsRetiredLast) {
     EXPECT_THAT(firstMachine_.steps, ElementsAre("sync", "retire Plant.stg"));
     firstMachine_.steps.clear();
     renameGroup(first_, plant_, {u"Works"});
-    EXPECT_THAT(firstMachine_.steps, ElementsAre("sync", "remove", "sync", "retire Plant.stg"));
+    EXPECT_THAT(firstMachine_.steps, // the first makes known what is going to be
+                ElementsAre("sync", "sync", "remove", "sync", "retire Plant.stg"));
     firstMachine_.steps.clear();
     topGroup(u"Taken");
     EXPECT_EQ(errorOf([&] { renameGroup(first_, topLevelAddress(u"Works"), {u"Taken"}); }),
               ErrorCode::Exists);
-    EXPECT_THAT(firstMachine_.steps, ::testing::IsEmpty());
+    EXPECT_THAT(firstMachine_.steps, ElementsAre("sync"));
 }
 
 TEST_F(SharedLibraryTest, AFileThatIsBeingReplacedIsWaitedFor) {
