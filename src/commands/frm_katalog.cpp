@@ -190,13 +190,15 @@ void frmKatalog::savePdf() {
     }
 }
 
-// A file that is there the dialog has asked about.
+// A file that is there the dialog has asked about; one that comes while the catalogue is made it
+// has not.
 void frmKatalog::writePdf(const QString& file) {
+    const auto ifExists =
+        QFileInfo::exists(file) ? platform::IfFileExists::Replace : platform::IfFileExists::Refuse;
     make(
         [&](const std::vector<catalogue::Section>& contents, store::Progress& progress) {
             return catalogue::writePdf(view_.library(), contents, paper(),
-                                       platform::toFilePath(file), platform::IfFileExists::Replace,
-                                       progress);
+                                       platform::toFilePath(file), ifExists, progress);
         },
         app::text(kSaved).arg(QFileInfo(file).fileName()));
 }

@@ -1,4 +1,5 @@
 // The library information and the editor options, in both languages.
+#include "app/long_operation.h"
 #include "platform/held_file.h"
 #include "platform/native_disk.h"
 #include "store/picture_operations.h"
@@ -7,11 +8,13 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -132,6 +135,37 @@ TEST_P(ProgramDialogs, ACatalogueThatIsPrintedToAFileIsCalledLikeTheGroup) {
                                         "Tanks");
                           });
              });
+}
+
+// Nobody was asked about it when the name was chosen.
+TEST_P(ProgramDialogs, ACatalogueTakesNotThePlaceOfAFileThatHasComeMeanwhile) {
+    makeGroup("Tanks");
+    start();
+    clickNode("Tanks");
+    const QString pdf = home_.at("Alle.pdf");
+    std::unique_ptr<compound::DiskFile> held;
+    QTimer other;
+    QObject::connect(&other, &QTimer::timeout, [&] {
+        if (app::isLongOperationRunning()) {
+            home_.write("Alle.pdf", "another program's");
+            held.reset(); // and the catalogue can be made
+            other.stop();
+        }
+    });
+    inDialog([this] { trigger("Men_Datei_8"); },
+             [&](QDialog& catalogue) {
+                 inDialog([&] { catalogue.findChild<QPushButton*>("cmdPdf")->click(); },
+                          [&](QDialog& file) {
+                              dynamic_cast<QFileDialog&>(file).selectFile(pdf);
+                              held = holdLocked(library().folder / "Tanks.stg");
+                              other.start(0);
+                              QMetaObject::invokeMethod(&file, "accept");
+                          });
+                 EXPECT_TRUE(catalogue.isVisible());
+             });
+    EXPECT_EQ(home_.read("Alle.pdf"), "another program's");
+    const QString text = boxes_.takeText();
+    EXPECT_TRUE(text.contains(pdf)) << qPrintable(text);
 }
 
 TEST_P(ProgramDialogs, EditorOptionsOnlyTell) {
