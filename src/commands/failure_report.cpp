@@ -38,6 +38,11 @@ void showWhatIsLeft(LibraryView& view, const std::exception& failure) {
     view.Aktualisieren();
 }
 
+bool hasVanished(const LibraryView& view, const SelectionContext& selection) {
+    const std::optional<SelectedGroup> selected = view.selectedGroup();
+    return selection.hasGroup() && (!selected || selected->address != *selection.group());
+}
+
 bool isDeletionForGoodConfirmed(const compound::TrashFailure& failure, QWidget* owner) {
     return isConfirmed(kDelete, failure, owner);
 }

@@ -25,4 +25,8 @@ bool isReplacingForGoodConfirmed(const compound::TrashFailure& failure, QWidget*
 void reportFailure(LibraryView& view, const SelectionContext& selection,
                    const std::exception& failure, const QString& title, QWidget* owner);
 
+// Whether the selection's group has left the window, which may show another one by now: it notices
+// by itself what others remove. To be asked once the failure has been reported.
+bool hasVanished(const LibraryView& view, const SelectionContext& selection);
+
 } // namespace commands

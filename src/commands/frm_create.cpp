@@ -320,7 +320,7 @@ void frmCreate::showInLibrary(const store::GroupAddress& group) {
 void frmCreate::tellFailure(const std::exception& failure) {
     const bool isBelow = cboGruppe_->target() == GroupTarget::BelowSelected;
     reportFailure(view_, isBelow ? context_ : SelectionContext{}, failure, app::text(kTitle), this);
-    if (isBelow && !view_.selectedGroup()) {
+    if (isBelow && hasVanished(view_, context_)) {
         cboGruppe_->offer({}, GroupTarget::TopLevel);
     }
 }

@@ -136,7 +136,7 @@ void frmEditGruppe::rename() {
 
 // Nothing is left to be renamed when the report has found the group vanished.
 void frmEditGruppe::closeIfGroupIsGone() {
-    if (context_.hasGroup() && !view_.selectedGroup()) {
+    if (hasVanished(view_, context_)) {
         reject();
     } else {
         txtNeu_->setFocus();

@@ -79,7 +79,7 @@ void frmEditSymbol::rename() {
         refusal = renameOrRefuse(txtName_->text());
     } catch (const std::exception& error) {
         reportFailure(view_, context_, error, app::text(kCaption), this);
-        if (context_.hasGroup() && !view_.selectedGroup()) {
+        if (hasVanished(view_, context_)) {
             reject(); // the report has found the group vanished: nothing is left to be renamed
         } else {
             txtName_->setFocus();

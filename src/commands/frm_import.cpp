@@ -214,7 +214,7 @@ void frmImport::tellFailure(const std::exception& failure, const std::filesystem
         const bool isBelow = cboGruppe_->target() == GroupTarget::BelowSelected;
         reportFailure(view_, isBelow ? context_ : SelectionContext{}, failure, app::text(kTitle),
                       this);
-        if (isBelow && !view_.selectedGroup()) {
+        if (isBelow && hasVanished(view_, context_)) {
             cboGruppe_->offer({}, GroupTarget::TopLevel);
         }
     }

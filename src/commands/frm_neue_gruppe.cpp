@@ -138,7 +138,7 @@ void frmNeueGruppe::tellFailure(const std::exception& failure) {
     const bool isBelow = target_->target() == GroupTarget::BelowSelected;
     reportFailure(view_, isBelow ? context_ : SelectionContext{}, failure, app::text(kCaption),
                   this);
-    if (isBelow && !view_.selectedGroup()) {
+    if (isBelow && hasVanished(view_, context_)) {
         target_->offer({}, GroupTarget::TopLevel);
     }
     txtNeu_->setFocus();

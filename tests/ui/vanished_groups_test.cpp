@@ -156,4 +156,37 @@ TEST_P(VanishedGroups, AreNamedWhenTheyWereToTakeAnotherGroup) {
     }
 }
 
+// Another group is selected by then.
+TEST_P(VanishedGroups, AreOfferedNoMoreWhenTheWindowHasNoticedIt) {
+    home_.write("files/a.bmp", "");
+    for (const QString action : {"gNew", "Men_Datei_1", "Men_Datei_2", "gRename", "bRename"}) {
+        SCOPED_TRACE(action.toStdString());
+        startAtSubGroup();
+        QFile::copy(QString::fromStdString((library().folder / "Armaturen.stg").string()),
+                    home_.at("files/Ventile.stg"));
+        app::settings().setDrive("/");
+        app::settings().setPath(home_.at("files"));
+        inDialog([&] { trigger(action); },
+                 [&](QDialog& dialog) {
+                     remove(Vanished::SubGroup);
+                     window().lookForChanges();
+                     settle();
+                     EXPECT_EQ(selectedNode(), "Armaturen");
+                     for (auto* field : dialog.findChildren<QLineEdit*>()) {
+                         field->setText("Neu");
+                     }
+                     if (auto* files = dialog.findChild<QListWidget*>("filDatei")) {
+                         files->setCurrentRow(0);
+                     }
+                     auto* create = dialog.findChild<QPushButton*>("cmdCreate");
+                     (create ? create : dialog.findChild<QPushButton*>("cmdOK"))->click();
+                     const auto* target = dialog.findChild<QComboBox*>("cboGruppe");
+                     EXPECT_EQ(dialog.isVisible(), target != nullptr);
+                     EXPECT_TRUE(target == nullptr || target->count() == 1);
+                 });
+        const QString text = boxes_.takeText();
+        EXPECT_TRUE(text.startsWith(failure(gone()))) << qPrintable(text);
+    }
+}
+
 } // namespace
