@@ -126,7 +126,7 @@ void frmEditGruppe::rename() {
         return;
     }
     view_.history().add(groupRenamed({context_.CurrentGroup, context_.CurrentStorage},
-                                     {context_.groupName.toStdU16String()}, renamedTo(name)));
+                                     {context_.groupName.toStdU16String()}, renamedTo(name), name));
     app::msgBox(app::text(kTheGroup) + context_.groupName + app::text(kWasRenamed) +
                     QString::fromStdU16String(name.text) + app::text(kRenamedAfter),
                 app::Buttons::Ok, app::text(kCaption), this);

@@ -88,9 +88,14 @@ UndoStep groupDeleted(store::TrashedGroup deleted) {
 }
 
 UndoStep groupRenamed(const store::GroupAddress& before, const store::GroupName& from,
-                      const store::GroupAddress& after) {
+                      const store::GroupAddress& after, const store::GroupName& to) {
     return {app::text(kRenameGroup).arg(textOf(from.text)),
             [=](const store::Library& library, store::Progress& progress) -> UndoStep::Show {
+                if (!store::isTopLevel(after) && store::readGroupName(library, after) != to) {
+                    throw compound::Error(compound::ErrorCode::NotFound,
+                                          store::pathOf(library, after.file),
+                                          "the group is called otherwise now");
+                }
                 store::renameGroup(library, after, from, progress);
                 return showGroup(before);
             }};

@@ -18,8 +18,9 @@ UndoStep pictureRenamed(const store::GroupAddress& group, const store::PictureNa
                         const store::PictureName& to);
 UndoStep groupDeleted(store::TrashedGroup deleted);
 
-// `before` and `after` are the group's addresses.
+// `before` and `after` are the group's addresses. A group that is called otherwise by then is not
+// renamed: somebody else has done that, or another group has got the storage of one that is gone.
 UndoStep groupRenamed(const store::GroupAddress& before, const store::GroupName& from,
-                      const store::GroupAddress& after);
+                      const store::GroupAddress& after, const store::GroupName& to);
 
 } // namespace commands

@@ -448,6 +448,33 @@ TEST_F(PictureCarrying, UndoTellsOfMovedPicturesThatAreGone) {
     EXPECT_FALSE(find<QAction>("Men_Bearbeiten_11")->isEnabled());
 }
 
+// Its storage may be another group's by now.
+TEST_F(PictureCarrying, ARenamingOfAGroupIsNotTakenBackFromAnother) {
+    const auto rotary = makeGroup("Kreisel", pumps_);
+    window().FillTreeView();
+    const auto rename = [&](const QString& group, const QString& name) {
+        clickNode("Pumpen/" + group);
+        inDialog([&] { trigger("gRename"); },
+                 [&](QDialog& dialog) {
+                     dialog.findChild<QLineEdit*>("txtNeu")->setText(name);
+                     dialog.findChild<QPushButton*>("cmdOK")->click();
+                 });
+    };
+    MessageBoxScript ok({}, app::kAnswerOk);
+    rename("Kreisel", "Radial");
+    store::deleteGroup(library(), rotary);
+    ASSERT_EQ(makeGroup("Axial", pumps_), rotary);
+    ok.take();
+    trigger("Men_Bearbeiten_11");
+    EXPECT_TRUE(ok.takeText().startsWith("Gruppe \"Kreisel\" umbenennen kann nicht"));
+    EXPECT_EQ(store::readGroupName(library(), rotary).text, u"Axial");
+    EXPECT_NE(node("Pumpen/Axial"), nullptr);
+    EXPECT_FALSE(find<QAction>("Men_Bearbeiten_11")->isEnabled());
+    rename("Axial", "Halbaxial");
+    trigger("Men_Bearbeiten_11");
+    EXPECT_EQ(store::readGroupName(library(), rotary).text, u"Axial");
+}
+
 // Else what was deleted before it could never be brought back.
 TEST_F(PictureCarrying, ARenamingWhoseOldNameIsTakenStandsInNoOthersWay) {
     MessageBoxScript yes({}, app::kAnswerYes);
