@@ -65,10 +65,13 @@ std::optional<std::filesystem::path> copyToFile(const CommandCall& call,
         });
 }
 
-void handOverShownPicture(const CommandCall& call) {
-    if (const auto path = copyToFile(call, kHandOverName)) {
+// False when there is no such picture.
+bool handOverShownPicture(const CommandCall& call) {
+    const auto path = copyToFile(call, kHandOverName);
+    if (path) {
         call.view.HandOver(platform::fromFilePath(*path));
     }
+    return path.has_value();
 }
 
 } // namespace
@@ -104,8 +107,10 @@ void handOver(CommandCall& call) {
 
 void handOverAndClose(CommandCall& call) {
     withGroupNamed(call, [&call] {
-        handOverShownPicture(call);
-        call.view.ExitAfterHandOver();
+        const bool wasShown = call.selection.pictureInGroup().has_value();
+        if (handOverShownPicture(call) || !wasShown) { // the user has yet to see that it is gone
+            call.view.ExitAfterHandOver();
+        }
     });
 }
 

@@ -94,6 +94,10 @@ TEST_F(HandOver, WithoutSuchAPictureNothingIsToldAnywhere) {
     store::deletePicture(library(), group_, {u"P1"}); // still on the screen
     trigger("bCopy");
     EXPECT_EQ(label(), "P2");
+    store::deletePicture(library(), group_, {u"P2"});
+    trigger("bCopyEnd");
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(label(), app::text(app::kTextNoPicture));
     clickNode("Leer");
     ASSERT_EQ(label(), app::text(app::kTextNoPicture));
     trigger("bCopy");
