@@ -84,6 +84,9 @@ int showBox(const QString& text, Buttons buttons, const QString& title, QWidget*
     box.setEscapeButton(kindOf(answers.back()).standard);
     leaveRoomForTitle(box);
     box.exec();
+    if (box.clickedButton() == nullptr) { // closed by the program's end: nobody has answered
+        return kAnswerNo;
+    }
     const QMessageBox::StandardButton pressed = box.standardButton(box.clickedButton());
     for (const Answer answer : answers) {
         if (kindOf(answer).standard == pressed) {

@@ -51,6 +51,13 @@ TEST_F(MessageBoxTest, answersTheCloseBox) {
     EXPECT_EQ(answer(Buttons::RetryCancel, close), 2);
 }
 
+// The program's end closes what is open; nobody has said that anything is to be done.
+TEST_F(MessageBoxTest, answersNoForABoxThatNobodyHasAnswered) {
+    for (const Buttons buttons : {Buttons::OkCancel, Buttons::YesNo, Buttons::RetryCancel}) {
+        EXPECT_EQ(answer(buttons, [](QMessageBox* box) { box->reject(); }), app::kAnswerNo);
+    }
+}
+
 TEST_F(MessageBoxTest, showsPlainTextAndCaptionsInTheProgramsLanguage) {
     for (const int locale : {1031, 1033}) {
         app::setLanguage(locale);
