@@ -3,12 +3,13 @@
 #include "compound/error.h"
 #include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
+#include "platform/output_file.h"
 #include "platform/paths.h"
 #include "platform/settings_file.h"
 #include "platform/trash.h"
 
 #include <QDir>
-#include <QSaveFile>
+#include <QFileInfo>
 #include <QSet>
 
 #include <cerrno>
@@ -111,6 +112,14 @@ FileDescriptor turnAt(const std::filesystem::path& folder) {
     return held;
 }
 
+// The file is replaced, which only its folder could refuse.
+void refuseReadOnly(const QString& path) {
+    const QFileInfo file(path);
+    if (file.exists() && !file.isWritable()) {
+        throw Error(ErrorCode::Denied, toFilePath(path), "the file is read-only");
+    }
+}
+
 class FileSettings final : public SettingsBackend {
   public:
     QString read(Hive hive, const QString& key, const QString& name,
@@ -145,14 +154,13 @@ class FileSettings final : public SettingsBackend {
         for (const Setting& setting : settings) {
             content.setValue(setting.key, setting.name, setting.value);
         }
+        refuseReadOnly(path);
         const QByteArray bytes = content.toBytes();
-        QSaveFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
-            !file.commit()) {
-            throw Error(ErrorCode::Failed, toFilePath(path),
-                        "write: " + file.errorString().toStdString());
-        }
-        nativeDisk().syncFolder(nativeDisk().resolved(toFilePath(path)).parent_path());
+        // Not the toolkit's file for saving: what it could not write, on a full disk, took the
+        // place of the settings all the same.
+        writeOutputFile(
+            toFilePath(path), IfFileExists::Replace,
+            std::as_bytes(std::span(bytes.data(), static_cast<std::size_t>(bytes.size()))));
     }
 };
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <vector>
@@ -108,6 +109,24 @@ TEST(SettingsBackend, movesAFileThatItCannotReadAsideBeforeWriting) {
     nativeSettings().write(kKey, "Drive", "C:");
     EXPECT_EQ(readUser("Drive"), "C:");
     EXPECT_EQ(home.read("trash/user.conf"), garbage);
+}
+
+// A limit for the length of files fails what a full disk fails.
+TEST(SettingsBackend, leavesTheFileAsItIsWhenItCannotBeWritten) {
+    const OwnHome home;
+    nativeSettings().write(kKey, "Drive", "C:");
+    const QByteArray before = home.read(kUserFile);
+    struct rlimit limit {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+    for (const rlim_t length : {0, 10}) {
+        struct rlimit small = limit;
+        small.rlim_cur = length;
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+        EXPECT_THROW(nativeSettings().write(kKey, "Drive", "D:"), compound::Error);
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        EXPECT_EQ(home.read(kUserFile), before);
+        EXPECT_EQ(QDir(home.at("settings")).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    }
 }
 
 // As programs do that are closed together. Threads exclude each other as programs do.
