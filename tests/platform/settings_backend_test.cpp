@@ -133,7 +133,7 @@ TEST(SettingsBackend, leavesTheFileAsItIsWhenItCannotBeWritten) {
 TEST(SettingsBackend, losesNothingOfWritersThatMeet) {
     const OwnHome home;
     constexpr int kWriters = 4;
-    constexpr int kEach = 25;
+    constexpr int kEach = 6;
     const auto nameOf = [](int writer, int i) {
         return QStringLiteral("%1.%2").arg(writer).arg(i);
     };
