@@ -134,6 +134,7 @@ void FileState::beginChange() {
     if (!isDurable_) {
         makeHeaderDurable();
     }
+    partsBefore_ = std::make_unique<Parts>(file_, header_);
     changed_ = true;
     inPieces_ = true;
     makeSound();
@@ -199,6 +200,7 @@ void FileState::commitMoving(std::uint64_t most, AllocationTable::Look look) {
     isDurable_ = true;
     isNew_ = false;
     changed_ = false;
+    partsBefore_.reset();
     inPieces_ = false;
     lastTaken_ = parts_->table.taken();
     lastFreed_ = parts_->table.freed();
@@ -399,18 +401,21 @@ void FileState::cutFreeTail(bool evenFew) noexcept {
     }
 }
 
-void FileState::drop() noexcept {
+void FileState::drop() {
     if (!changed_) {
         return;
     }
     restoreLength();
-    changed_ = false;
-    inPieces_ = false;
     header_ = committed_;
-    parts_ = std::make_unique<Parts>(file_, header_);
     if (isNew_) {
+        inPieces_ = true; // unless all of the following goes well
+        parts_ = std::make_unique<Parts>(file_, header_);
         startNewFile();
+    } else {
+        parts_ = std::move(partsBefore_);
+        changed_ = false;
     }
+    inPieces_ = false;
 }
 
 // What the transaction added to the file's length goes with it; should that fail, the tail is of

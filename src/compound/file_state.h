@@ -50,7 +50,9 @@ class FileState {
 
     // Refuses a transaction in pieces (Failed). One that fails is in pieces.
     void commit();
-    void drop() noexcept;
+
+    // Needs no memory, unless the file is new; where that is lacking it can be told again.
+    void drop();
 
     // Whether the last transaction has freed a good deal, and far more than may stands free now.
     bool hasLargeGaps();
@@ -131,6 +133,7 @@ class FileState {
     bool hasMoved_ = false; // it has moved something into gaps
     std::uint64_t lengthBefore_;
     std::unique_ptr<Parts> parts_;
+    std::unique_ptr<Parts> partsBefore_; // as the committed state has them, while there are changes
     std::optional<FileIdentity> identity_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <malloc.h>
 #include <new>
@@ -11,12 +12,17 @@ namespace {
 std::atomic<std::size_t> held{0};
 std::atomic<std::size_t> most{0};
 std::atomic<std::size_t> atStart{0};
+std::atomic<std::size_t> left{SIZE_MAX}; // allocations
 
 void* allocate(std::size_t size) {
+    if (left == 0) {
+        throw std::bad_alloc();
+    }
     void* const memory = std::malloc(std::max<std::size_t>(size, 1));
     if (!memory) {
         throw std::bad_alloc();
     }
+    left -= left == SIZE_MAX ? 0U : 1U;
     const std::size_t now = held += malloc_usable_size(memory);
     if (now > most) {
         most = now;
@@ -62,6 +68,14 @@ namespace compound_tests {
 void startAllocationMeter() {
     atStart = held.load();
     most = held.load();
+}
+
+void failAllocationsAfter(std::size_t count) {
+    left = count;
+}
+
+void allowAllocations() {
+    left = SIZE_MAX;
 }
 
 std::size_t mostAllocated() {

@@ -1,5 +1,6 @@
 // A disk that fails or fills up in the middle of a change: the old state stands, and the file can
 // be worked with.
+#include "compound/allocation_meter.h"
 #include "compound/error.h"
 #include "compound/file_helpers.h"
 #include "compound/raw_file.h"
@@ -457,6 +458,35 @@ TEST_P(FailureTest, WhatFailsWhileGapsAreClosedCostsSpaceAlone) {
         }
     }
     EXPECT_GT(longest, shortest + base.size() / 2); // it has been in the way
+}
+
+TEST_P(FailureTest, MemoryThatRunsOutWhileGapsAreClosedCostsOnlyTheSpace) {
+    constexpr int kPictures = 24;
+    const std::vector<std::byte> base = makeBase(GetParam(), kPictures);
+    std::uint64_t before = 0;
+    std::uint64_t after = UINT64_MAX;
+    for (std::size_t allocations = 0; after >= before; allocations += 1 + allocations / 8) {
+        MemoryDisk disk;
+        disk.setContent(kPath, base);
+        CompoundFile file = openFile(disk, kPath);
+        const compound::Storage pumps = file.root().openStorage(u"Pumps");
+        for (int i = 0; i < kPictures; ++i) {
+            pumps.openStream(u"picture" + std::u16string(1, static_cast<char16_t>(u'a' + i)))
+                .assign(patterned(12000 + static_cast<std::size_t>(i) * 600, 7));
+        }
+        file.commit();
+        const Content committed = contentOf(disk, kPath);
+        before = file.disk().size();
+        failAllocationsAfter(allocations);
+        file.closeGaps();
+        allowAllocations();
+        after = file.disk().size();
+        ASSERT_FALSE(file.hasChanges());
+        ASSERT_TRUE(contentOf(file) == committed) << "allocation " << allocations;
+        file.root().openStorage(u"Pumps").destroy(u"picturea");
+        file.commit();
+        ASSERT_EQ(damageOf(disk, kPath), "") << "allocation " << allocations;
+    }
 }
 
 // The least capacity, in sectors, of a disk that a batch fits on which replaces all but ten of
