@@ -65,7 +65,8 @@ class Arrival {
                 throw Error(ErrorCode::Exists, picture.source,
                             "there is a picture \"" + base::toUtf8(name.text) + "\" already");
             }
-            if (!isFromBefore || picture.ifTaken == IfNameTaken::KeepBoth || isStorage(name)) {
+            if (!isFromBefore || picture.ifTaken == IfNameTaken::KeepBoth ||
+                isBarred(access_.groupStorage(), access_.infoStorage(), name)) {
                 name = freePictureName(name, [this](const auto& other) { return isTaken(other); });
             }
             source = sourceOf(library_, picture);
@@ -83,14 +84,9 @@ class Arrival {
         arrived_.names.push_back({picture.name, name});
     }
 
-    // Another program's, which no picture replaces.
-    bool isStorage(const PictureName& name) {
-        const auto element = access_.groupStorage().find(name.text);
-        return element && element->kind == compound::ElementKind::Storage;
-    }
-
     bool isTaken(const PictureName& name) {
-        return access_.groupStorage().find(name.text).has_value();
+        return access_.groupStorage().find(name.text) ||
+               access_.infoStorage().holdsStorage(name.text);
     }
 
     const Library& library_;

@@ -59,6 +59,11 @@ PictureRecord readRecord(StorageAccess& access, std::u16string_view name,
 void storePicture(const Library& library, StorageAccess& access, const GroupAddress& group,
                   const PictureName& name, const PictureSource& source) {
     access.openOrCreateInfo(group);
+    if (isBarred(access.groupStorage(), access.infoStorage(), name)) {
+        throw Error(ErrorCode::Exists, access.file().disk().path(),
+                    "a storage of another program has the name \"" + base::toUtf8(name.text) +
+                        "\"");
+    }
     putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
 }
 
@@ -202,10 +207,11 @@ void renamePicture(const Library& library, const GroupAddress& group, const Pict
     if (access.openInfo(group)) {
         StorageHandle& info = access.infoStorage();
         // A record that stands under the new name belongs to no picture.
-        if (!sameName(from.text, to.text) && info.find(to.text)) {
-            info.DestroyElement(to.text);
+        if (!sameName(from.text, to.text)) {
+            info.DestroyStreamIfThere(to.text);
         }
-        if (const auto record = info.find(from.text)) {
+        const auto record = info.find(from.text);
+        if (record && record->kind == ElementKind::Stream) {
             info.RenameElement(record->name, to.text);
         }
     }
@@ -221,9 +227,7 @@ void deletePicture(const Library& library, const GroupAddress& group, const Pict
     const Element picture = requirePicture(access, name);
     access.groupStorage().DestroyElement(picture.name);
     if (access.openInfo(group)) {
-        if (const auto record = access.infoStorage().find(picture.name)) {
-            access.infoStorage().DestroyElement(record->name);
-        }
+        access.infoStorage().DestroyStreamIfThere(picture.name);
     }
     access.Commit();
 }

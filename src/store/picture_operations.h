@@ -153,8 +153,9 @@ struct PicturePlace {
 std::optional<PicturePlace> placeOfPicture(const Library& library, const GroupAddress& group,
                                            const PictureName& name);
 
-// Renames stream and record. Exists when another picture has the new name in any case, InvalidName,
-// NotFound. A missing record is no error; a stale one under the new name is replaced.
+// Renames stream and record. Exists when another picture, or another program's storage where the
+// record goes, has the new name in any case; InvalidName, NotFound. A missing record is no error; a
+// stale one under the new name is replaced.
 void renamePicture(const Library& library, const GroupAddress& group, const PictureName& from,
                    const PictureName& to);
 

@@ -4,6 +4,7 @@
 #include "compound/error.h"
 #include "store/fitting_names.h"
 #include "store/names.h"
+#include "store/picture_source.h"
 #include "store/steps.h"
 #include "store/storage_access.h"
 #include "store/trashing.h"
@@ -98,7 +99,7 @@ class Passing {
             return;
         }
         const auto isTaken = [&](const PictureName& name) {
-            return to_->group.find(name.text).has_value();
+            return to_->group.find(name.text) || to_->info->holdsStorage(name.text);
         };
         PictureName name{picture.as.text.empty() ? element->name : picture.as.text};
         if (isTaken(name)) {
@@ -115,8 +116,8 @@ class Passing {
         const auto record = from_->info ? from_->info->find(element->name) : std::nullopt;
         if (record && record->kind == ElementKind::Stream) {
             copy(*from_->info, *record, *to_->info, name);
-        } else if (to_->info->find(name.text)) {
-            to_->info->DestroyElement(name.text); // it would be another picture's
+        } else {
+            to_->info->DestroyStreamIfThere(name.text); // it would be another picture's
         }
         result.passed.push_back({{element->name}, name});
         arrived_.insert(name.text);
@@ -134,9 +135,8 @@ class Passing {
 
     // Neither what is on its way nor what has just come, nor another program's storage.
     bool isReplaceable(const PictureName& name) const {
-        const auto element = to_->group.find(name.text);
-        return !isOneGroup_ && !arrived_.contains(name.text) && element &&
-               element->kind == ElementKind::Stream;
+        return !isOneGroup_ && !arrived_.contains(name.text) &&
+               !isBarred(to_->group, *to_->info, name);
     }
 
     void copy(const StorageHandle& from, const Element& element, StorageHandle to,
@@ -152,9 +152,7 @@ class Passing {
     static void destroy(Place& place, const PictureName& name) {
         place.group.DestroyElement(name.text);
         if (place.info) {
-            if (const auto record = place.info->find(name.text)) {
-                place.info->DestroyElement(record->name);
-            }
+            place.info->DestroyStreamIfThere(name.text);
         }
     }
 

@@ -45,9 +45,13 @@ void requireValidPictureName(const std::filesystem::path& file, const PictureNam
     }
 }
 
+bool isBarred(const StorageHandle& group, const StorageHandle& info, const PictureName& name) {
+    return group.holdsStorage(name.text) || info.holdsStorage(name.text);
+}
+
 void putPicture(const Library& library, StorageHandle group, StorageHandle info,
                 const PictureName& name, const PictureSource& source) {
-    group.CreatePicture(name.text).Put(source.bytes);
+    group.CreateStream(name.text).Put(source.bytes);
     info.CreateStream(name.text).PutString(formatRecord(source.record, library.decimalSeparator));
 }
 

@@ -24,8 +24,12 @@ PictureSource readPictureSource(const Library& library, const std::filesystem::p
 // InvalidName, naming the group file `file`.
 void requireValidPictureName(const std::filesystem::path& file, const PictureName& name);
 
-// Stores bytes and record under `name`, in place of what has that name, as part of the file's
-// transaction.
+// Whether another program's storage stands where the picture or its record would. No picture takes
+// its place.
+bool isBarred(const StorageHandle& group, const StorageHandle& info, const PictureName& name);
+
+// Stores bytes and record under `name`, which is not barred, in place of the picture that has that
+// name, as part of the file's transaction.
 void putPicture(const Library& library, StorageHandle group, StorageHandle info,
                 const PictureName& name, const PictureSource& source);
 

@@ -30,9 +30,7 @@ std::optional<Element> findPicture(StorageAccess& access, const PictureName& nam
 void destroyPicture(StorageAccess& access, bool hasInfo, const PictureName& name) {
     access.groupStorage().DestroyElement(name.text);
     if (hasInfo) {
-        if (const auto record = access.infoStorage().find(name.text)) {
-            access.infoStorage().DestroyElement(record->name);
-        }
+        access.infoStorage().DestroyStreamIfThere(name.text);
     }
 }
 
@@ -69,7 +67,8 @@ RestoredPictures restorePictures(const Library& library, const GroupAddress& gro
     access.openOrCreateInfo(group);
     const std::filesystem::path file = access.file().disk().path();
     const auto isTaken = [&](const PictureName& name) {
-        return access.groupStorage().find(name.text).has_value();
+        return access.groupStorage().find(name.text) ||
+               access.infoStorage().holdsStorage(name.text);
     };
     RestoredPictures restored;
     Trashing trashing(library.disk, &trash);
@@ -92,7 +91,8 @@ RestoredPictures restorePictures(const Library& library, const GroupAddress& gro
         }
         PictureName name = picture.name;
         const auto present = findPicture(access, name);
-        if (ifTaken == IfNameTaken::Replace && present) {
+        if (ifTaken == IfNameTaken::Replace && present &&
+            !access.infoStorage().holdsStorage(name.text)) {
             trashing.add(access.groupStorage(), access.infoStorage(), *present);
             destroyPicture(access, true, name);
         } else {

@@ -139,12 +139,11 @@ FilesAdded addFiles(const Library& library, const GroupAddress& group,
     access.openGroup(group, compound::Access::ReadWrite);
     Run run(library, access.file().disk().path(), reserved, progress);
     run.keep([&](const PictureName& name) {
-        const auto element = access.groupStorage().find(name.text);
-        return element && (ifExists == IfPictureExists::Refuse ||
-                           element->kind == compound::ElementKind::Storage);
+        access.openOrCreateInfo(group);
+        return isBarred(access.groupStorage(), access.infoStorage(), name) ||
+               (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text));
     });
     FilesAdded result = run.add(files, [&](const PictureName& name, const PictureSource& source) {
-        access.openOrCreateInfo(group);
         putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
     });
     access.Commit();

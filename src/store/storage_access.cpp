@@ -83,10 +83,6 @@ StreamHandle StorageHandle::OpenStream(const compound::Element& element) const {
 }
 
 StreamHandle StorageHandle::CreateStream(std::u16string_view name) {
-    return StreamHandle(storage_.createStream(name, compound::IfExists::Replace));
-}
-
-StreamHandle StorageHandle::CreatePicture(std::u16string_view name) {
     return StreamHandle(storage_.createStream(name, compound::IfExists::ReplaceSameKind));
 }
 
@@ -96,6 +92,18 @@ void StorageHandle::RenameElement(std::u16string_view from, std::u16string_view 
 
 void StorageHandle::DestroyElement(std::u16string_view name) {
     storage_.destroy(name);
+}
+
+void StorageHandle::DestroyStreamIfThere(std::u16string_view name) {
+    const auto element = find(name);
+    if (element && element->kind == compound::ElementKind::Stream) {
+        storage_.destroy(element->name);
+    }
+}
+
+bool StorageHandle::holdsStorage(std::u16string_view name) const {
+    const auto element = find(name);
+    return element && element->kind == compound::ElementKind::Storage;
 }
 
 std::optional<compound::Element> StorageHandle::find(std::u16string_view name,

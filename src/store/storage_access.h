@@ -43,16 +43,17 @@ class StorageHandle {
     StorageHandle CreateStorage(std::u16string_view name);
     StreamHandle OpenStream(std::u16string_view name) const;
     StreamHandle OpenStream(const compound::Element& element) const;
-    StreamHandle CreateStream(std::u16string_view name); // in place of what has the name
-    // The same, but another program's storage of that name stays: Exists.
-    StreamHandle CreatePicture(std::u16string_view name);
+    // In place of the stream that has the name. Another program's storage stays: Exists.
+    StreamHandle CreateStream(std::u16string_view name);
     void RenameElement(std::u16string_view from, std::u16string_view to);
     void DestroyElement(std::u16string_view name);
+    void DestroyStreamIfThere(std::u16string_view name); // a storage stays
 
     // All elements, in the storage's fixed order.
     compound::ElementCursor elements() const { return storage_.elements(); }
     std::optional<compound::Element> find(std::u16string_view name,
                                           const compound::Element* companion = nullptr) const;
+    bool holdsStorage(std::u16string_view name) const;
 
   private:
     compound::Storage storage_;

@@ -264,6 +264,7 @@ TEST_F(PictureTest, ADamagedRecordDoesNotHideThePicture) {
     }
     expectAllRead();
 
+    destroyRaw(u"Sub1Info", u"b");
     add(group, u"b", "second");
     const compound::EntryId record =
         openRaw(u"Plant").root().openStorage(u"Sub1Info").find(u"b")->id;

@@ -438,29 +438,45 @@ TEST_F(PicturePassage, WhatIsNotTheirsInTheTrashDoesNotComeBack) {
 }
 
 // A picture may be replaced by another one that is to have its name; what is no picture may not.
+// Nor does its record take the place of anything but a record.
 TEST_F(PicturePassage, AStorageOfAnotherProgramIsNeverReplaced) {
     {
         compound::CompoundFile raw = openRaw(u"Pumps");
         raw.root().openStorage(u"Pumps").createStorage(u"Box").createStream(u"x");
+        raw.root().openStorage(u"PumpsInfo").createStorage(u"Lid").createStream(u"x");
         raw.commit();
     }
-    const std::vector<std::filesystem::path> box{fileOf("box.bmp", "PIC15 15")};
-    EXPECT_EQ(errorOf([&] { addPicture(library, pumps_, {u"box"}, box[0]); }), ErrorCode::Exists);
-    {
-        PictureBatch batch(library, pumps_);
-        EXPECT_EQ(errorOf([&] { batch.add({u"box"}, box[0], IfPictureExists::Replace); }),
+    const auto file = fileOf("box.bmp", "PIC15 15");
+    for (const char16_t* name : {u"box", u"lid"}) {
+        const std::vector<std::filesystem::path> files{
+            fileOf(base::toUtf8(name) + ".bmp", "PIC15 15")};
+        EXPECT_EQ(errorOf([&] { addPicture(library, pumps_, {name}, file); }), ErrorCode::Exists);
+        {
+            PictureBatch batch(library, pumps_);
+            EXPECT_EQ(errorOf([&] { batch.add({name}, file, IfPictureExists::Replace); }),
+                      ErrorCode::Exists);
+            batch.add({u"c"}, file, IfPictureExists::Replace);
+            batch.commit();
+        }
+        EXPECT_EQ(errorOf([&] { renamePicture(library, pumps_, {u"c"}, {name}); }),
                   ErrorCode::Exists);
-        batch.add({u"c"}, box[0], IfPictureExists::Replace);
-        batch.commit();
+        EXPECT_THAT(addFiles(library, pumps_, files, IfPictureExists::Replace).skipped, SizeIs(1));
+        addArriving(library, pumps_,
+                    std::vector<ArrivingPicture>{{file, {name}, IfNameTaken::Replace}});
+        passPictures(library, tanks_, pumps_,
+                     std::vector<PassingPicture>{{{u"A"}, IfNameTaken::Replace, {name}}},
+                     PassageKind::Copy);
     }
-    EXPECT_THAT(addFiles(library, pumps_, box, IfPictureExists::Replace).skipped, SizeIs(1));
-    addArriving(library, pumps_,
-                std::vector<ArrivingPicture>{{box[0], {u"box"}, IfNameTaken::Replace}});
-    passPictures(library, tanks_, pumps_,
-                 std::vector<PassingPicture>{{{u"A"}, IfNameTaken::Replace, {u"box"}}},
-                 PassageKind::Copy);
-    EXPECT_THAT(pictureNames(pumps_), ElementsAre("a", "b", "c", "box (2)", "box (3)"));
+    EXPECT_THAT(pictureNames(pumps_),
+                ElementsAre("a", "b", "c", "box (2)", "box (3)", "lid (2)", "lid (3)"));
+    {
+        compound::CompoundFile raw = openRaw(u"Pumps");
+        raw.root().openStorage(u"Pumps").createStream(u"lid"); // whose record this program lacks
+        raw.commit();
+    }
+    deletePicture(library, pumps_, {u"lid"});
     EXPECT_TRUE(openRaw(u"Pumps").root().openStorage(u"Pumps").openStorage(u"Box").find(u"x"));
+    EXPECT_TRUE(openRaw(u"Pumps").root().openStorage(u"PumpsInfo").openStorage(u"Lid").find(u"x"));
     expectSound(u"Pumps");
 }
 
