@@ -34,6 +34,8 @@ constexpr app::TextPair kGone{u"Das Bild \"%1\" war nicht mehr da.",
                               u"The picture \"%1\" was not there any more."};
 constexpr app::TextPair kInBoth{u"Die Bilder sind jetzt in beiden Gruppen:",
                                 u"The pictures are in both groups now:"};
+constexpr app::TextPair kPerhapsInBoth{u"Die Bilder sind jetzt vielleicht in beiden Gruppen:",
+                                       u"The pictures are perhaps in both groups now:"};
 constexpr app::TextPair kLeft{u"Nicht alle Bilder konnten übertragen werden:",
                               u"Not all pictures could be transferred:"};
 
@@ -66,6 +68,12 @@ QStringList linesAbout(const std::vector<store::PictureName>& gone) {
     return lines;
 }
 
+// Pictures that have arrived although the group where they were cannot do without them.
+void tellInBoth(const compound::Error& failure, QWidget* owner) {
+    const bool isKnown = failure.code() != compound::ErrorCode::OutcomeUnknown;
+    showSummary(app::text(isKnown ? kInBoth : kPerhapsInBoth), {app::errorText(failure)}, owner);
+}
+
 // What had been in the way of pictures that have just gone back. It may not be stopped any more,
 // and what fails undoes nothing.
 std::vector<compound::Error> bringBackReplaced(const store::Library& library,
@@ -80,6 +88,21 @@ std::vector<compound::Error> bringBackReplaced(const store::Library& library,
     } catch (const compound::Error& failure) {
         return {failure};
     }
+}
+
+// They are back, and a further try would bring them once more. What they had replaced can come back
+// in place of those that have stayed.
+UndoStep::Show showInBoth(const store::GroupAddress& from, const store::GroupAddress& to,
+                          const store::PicturesPassed& result,
+                          const std::vector<store::TrashedPicture>& replaced) {
+    return [from, to, result, replaced](LibraryView& view) {
+        if (isAnyKept(replaced)) {
+            view.history().add(picturesReplaced(to, replaced));
+        }
+        view.ShowPictures(from, newNames(result));
+        showSummary(app::text(kLeft), linesAbout(result.gone), view.owner());
+        tellInBoth(*result.sourceFailure, view.owner());
+    };
 }
 
 UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to,
@@ -98,7 +121,7 @@ UndoStep stepBack(const store::GroupAddress& from, const store::GroupAddress& to
                 const auto result =
                     store::passPictures(library, to, from, back, PassageKind::Move, progress);
                 if (result.sourceFailure) {
-                    throw compound::Error(*result.sourceFailure);
+                    return showInBoth(from, to, result, replaced);
                 }
                 if (result.passed.empty()) {
                     throw compound::Error(compound::ErrorCode::NotFound,
@@ -230,7 +253,7 @@ class Transfer {
     void tell(const store::PicturesPassed& result) const {
         showSummary(app::text(kLeft), linesAbout(result.gone), view_.owner());
         if (result.sourceFailure) {
-            showSummary(app::text(kInBoth), {app::errorText(*result.sourceFailure)}, view_.owner());
+            tellInBoth(*result.sourceFailure, view_.owner());
         }
     }
 
