@@ -37,6 +37,13 @@ lockReplaced(const Library& library, const std::filesystem::path& file, IfTaken 
     if (ifTaken == IfTaken::Refuse) {
         throw Error(ErrorCode::Exists, file, "the file exists already");
     }
+    try { // for writing, where that is allowed, so that it can be retired afterwards
+        return openLocked(library.disk, file, Access::ReadWrite, library.lockWait);
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::Denied) {
+            throw;
+        }
+    }
     return openLocked(library.disk, file, Access::Read, library.lockWait);
 }
 

@@ -4,6 +4,7 @@
 #include "store/leftovers.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,15 +26,15 @@ void copyBytes(DiskFile& from, DiskFile& to) {
     }
 }
 
-// Gives the copy the first of the names N.stg.bak, N.stg.bak2, ... that is free.
-void publishCopy(compound::Disk& disk, const std::filesystem::path& temporary,
-                 const std::filesystem::path& original) {
+// Gives the copy the first of the names N.stg.bak, N.stg.bak2, ... that is free, and returns it.
+std::filesystem::path publishCopy(compound::Disk& disk, const std::filesystem::path& temporary,
+                                  const std::filesystem::path& original) {
     for (unsigned number = 1;; ++number) {
         std::filesystem::path kept = original;
         kept += number == 1 ? ".bak" : ".bak" + std::to_string(number);
         try {
             disk.renameWithoutReplacing(temporary, kept);
-            return;
+            return kept;
         } catch (const Error& error) {
             if (error.code() != ErrorCode::Exists) {
                 throw;
@@ -42,26 +43,39 @@ void publishCopy(compound::Disk& disk, const std::filesystem::path& temporary,
     }
 }
 
-void keepOriginal(const Library& library, DiskFile& original) {
+// Returns where the bytes are kept, before that is durable.
+std::filesystem::path keepOriginal(const Library& library, DiskFile& original) {
+    constexpr int kTries = 10; // another program may take the copy for a leftover
     compound::Disk& disk = library.disk;
     const std::filesystem::path path = disk.resolved(original.path());
     const std::filesystem::path folder = folderOf(path);
     removeUnfinishedFiles(library, folder);
-    const std::filesystem::path temporary = folder / nameInTheMaking();
-    const auto copy = lockNew(library, disk.createPrivate(temporary));
+    std::filesystem::path temporary;
+    std::unique_ptr<DiskFile> copy;
+    for (int i = 0; i < kTries && !copy; ++i) {
+        temporary = folder / nameInTheMaking();
+        copy = lockNew(library, disk.createPrivate(temporary));
+    }
     if (!copy) {
-        throw Error(ErrorCode::Locked, temporary, "the file is in use by another program");
+        throw Error(ErrorCode::Locked, path, "other programs clear its copy away");
     }
     try {
         copyBytes(original, *copy);
         disk.copyAttributes(original, *copy);
         copy->sync();
-        publishCopy(disk, temporary, path);
+        return publishCopy(disk, temporary, path);
     } catch (...) { // also when memory runs out: nobody looks for leftovers in that folder
         disk.removeTemporary(temporary);
         throw;
     }
-    disk.syncFolder(folder);
+}
+
+// What has kept the source as it is, is what the user is told.
+void discard(compound::Disk& disk, const std::filesystem::path& kept) noexcept {
+    try {
+        disk.removeTemporary(kept);
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch)
+    }
 }
 
 } // namespace
@@ -89,9 +103,17 @@ Access openSource(StorageAccess& source, const Library& library, const std::file
 
 void keepAndRenumber(const Library& library, StorageAccess& source,
                      const std::vector<Passage>& passages) {
-    keepOriginal(library, source.file().disk());
-    renumberSource(passages, source.root());
-    source.Commit();
+    const std::filesystem::path kept = keepOriginal(library, source.file().disk());
+    try {
+        library.disk.syncFolder(folderOf(kept));
+        renumberSource(passages, source.root());
+        source.Commit();
+    } catch (const Error& error) {
+        if (error.code() != ErrorCode::OutcomeUnknown) {
+            discard(library.disk, kept); // nothing needs it, and every further try leaves one more
+        }
+        throw;
+    }
 }
 
 } // namespace store

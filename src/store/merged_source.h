@@ -16,7 +16,7 @@ compound::Access openSource(StorageAccess& source, const Library& library,
                             const std::filesystem::path& path, compound::Access wanted);
 
 // Keeps the bytes of the open source beside it, then renumbers it. Nothing of the source is changed
-// on any failure.
+// on any failure, and nothing kept unless it is not known whether it was (OutcomeUnknown).
 void keepAndRenumber(const Library& library, StorageAccess& source,
                      const std::vector<Passage>& passages);
 

@@ -1,5 +1,6 @@
 #include "base/utf8.h"
 #include "store/group_import.h"
+#include "store/leftovers.h"
 #include "store/store_fixture.h"
 
 #include <algorithm>
@@ -156,6 +157,72 @@ TEST_F(GroupImport, KeepsEveryOriginal) {
     mergeGroupFile(library, plant, kSource);
     EXPECT_EQ(textOf(disk.content("/elsewhere/Pumps.stg.bak")), "mine");
     EXPECT_EQ(disk.content("/elsewhere/Pumps.stg.bak2"), original);
+}
+
+// On a full disk a copy of a source that stays as it is only takes room, one more with every try.
+TEST_F(GroupImport, KeepsNoCopyOfASourceThatStaysAsItIs) {
+    const GroupAddress plant = topGroup(u"Plant");
+    makePumps();
+    const auto original = disk.content(kSource);
+    int failed = 0;
+    bool isMet = true;
+    for (int failing = 0; isMet; ++failing) {
+        int call = 0;
+        disk.setInterceptor([&](MemoryDisk::Call) {
+            if (call++ == failing) {
+                throw compound::Error(ErrorCode::Failed, {}, "told to fail");
+            }
+        });
+        bool isAsItWas = true;
+        try {
+            const MergedGroup merged = mergeGroupFile(library, plant, kSource);
+            isAsItWas = merged.source == SourceAfterMerge::AsItWas;
+            failed += merged.sourceFailure ? 1 : 0;
+            if (merged.sourceFailure) {
+                isAsItWas = merged.sourceFailure->code() != ErrorCode::OutcomeUnknown;
+            }
+        } catch (const compound::Error&) {
+            isAsItWas = true;
+        }
+        disk.setInterceptor({});
+        isMet = call > failing;
+        for (const std::string& file : filesIn("/elsewhere")) {
+            EXPECT_TRUE(!isAsItWas || !file.ends_with(".bak")) << failing;
+            disk.removeTemporary(std::filesystem::path("/elsewhere") / file);
+        }
+        disk.setContent(kSource, original);
+        const LockBudget noWait(std::chrono::milliseconds{0});
+        for (const GroupEntry& group : readGroupFile(library, plant.file, noWait).groups) {
+            if (group.parent == plant.storage) {
+                deleteGroup(library, group.address);
+            }
+        }
+    }
+    EXPECT_GT(failed, 5);
+}
+
+// Between its making and its locking another program may take the copy for a leftover.
+TEST_F(GroupImport, KeepsACopyThatIsClearedAwayAtFirst) {
+    const GroupAddress plant = topGroup(u"Plant");
+    makePumps();
+    const auto original = disk.content(kSource);
+    bool isCleared = false;
+    disk.setInterceptor([&](MemoryDisk::Call call) {
+        if (call != MemoryDisk::Call::Lock || isCleared) {
+            return;
+        }
+        for (const std::string& file : filesIn("/elsewhere")) {
+            isCleared = isCleared || file.ends_with(".new");
+        }
+        if (isCleared) {
+            removeUnfinishedFiles(library, "/elsewhere");
+        }
+    });
+    const MergedGroup merged = mergeGroupFile(library, plant, kSource);
+    disk.setInterceptor({});
+    EXPECT_TRUE(isCleared);
+    EXPECT_EQ(merged.source, SourceAfterMerge::Renumbered);
+    EXPECT_EQ(disk.content("/elsewhere/Pumps.stg.bak"), original);
 }
 
 TEST_F(GroupImport, RefusesTakenNamesDamagedFilesAndTheTargetItself) {

@@ -2,6 +2,7 @@
 // believes that until it has a lock.
 #include "base/utf8.h"
 #include "compound/error.h"
+#include "store/group_import.h"
 #include "store/store_fixture.h"
 
 #include <gmock/gmock.h>
@@ -26,8 +27,10 @@ std::vector<std::byte> contentOf(DiskFile& file) {
 
 class MachineFile final : public DiskFile {
   public:
-    MachineFile(std::unique_ptr<DiskFile> onVolume, Memory& memory, std::vector<std::string>& steps)
+    MachineFile(std::unique_ptr<DiskFile> onVolume, Access access, Memory& memory,
+                std::vector<std::string>& steps)
         : file_(std::move(onVolume)),
+          access_(access),
           memory_(memory),
           steps_(steps),
           isFresh_(!memory.contains(file_->path())) {}
@@ -70,12 +73,17 @@ class MachineFile final : public DiskFile {
         return isLocked;
     }
     bool isStillAtPath() override { return !isReplaced && (!isFresh_ || file_->isStillAtPath()); }
-    void retire() noexcept override { steps_.push_back("retire " + path().filename().string()); }
+    void retire() noexcept override {
+        if (access_ == Access::ReadWrite) {
+            steps_.push_back("retire " + path().filename().string());
+        }
+    }
 
     bool isReplaced = false; // between opening and locking
 
   private:
     std::unique_ptr<DiskFile> file_;
+    Access access_;
     Memory& memory_;
     std::vector<std::string>& steps_;
     bool isFresh_;
@@ -93,13 +101,15 @@ class Machine final : public compound::Disk {
             --replacements;
             throw compound::Error(ErrorCode::Locked, path, "stale");
         }
-        auto file = std::make_unique<MachineFile>(volume_.open(path, access), memory_, steps);
+        auto file =
+            std::make_unique<MachineFile>(volume_.open(path, access), access, memory_, steps);
         file->isReplaced = replacedAfterOpening > 0;
         replacedAfterOpening = std::max(0, replacedAfterOpening - 1);
         return file;
     }
     std::unique_ptr<DiskFile> create(const std::filesystem::path& path) override {
-        return std::make_unique<MachineFile>(volume_.create(path), memory_, steps);
+        return std::make_unique<MachineFile>(volume_.create(path), Access::ReadWrite, memory_,
+                                             steps);
     }
     void copyAttributes(DiskFile&, DiskFile&) override {}
     std::vector<compound::FolderEntry> list(const std::filesystem::path&) override {
@@ -227,6 +237,9 @@ TEST_F(SharedLibraryTest, AFileThatLosesItsPathIsRetiredLast) {
     EXPECT_EQ(errorOf([&] { renameGroup(first_, topLevelAddress(u"Works"), {u"Taken"}); }),
               ErrorCode::Exists);
     EXPECT_THAT(firstMachine_.steps, ElementsAre("sync"));
+    firstMachine_.steps.clear();
+    exportGroup(first_, topLevelAddress(u"Works"), "/library/Taken.stg", IfTaken::Replace);
+    EXPECT_THAT(firstMachine_.steps, ElementsAre("sync", "retire Taken.stg"));
 }
 
 TEST_F(SharedLibraryTest, AFileThatIsBeingReplacedIsWaitedFor) {
