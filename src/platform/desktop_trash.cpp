@@ -4,27 +4,15 @@
 #include "platform/paths.h"
 #include "platform/trash.h"
 
-#include <QDir>
-
 namespace platform {
-namespace {
-
-QString pattern() {
-    const QString parent = dataFolder();
-    (void)QDir().mkpath(parent); // what goes wrong here, the next step tells
-    return joinPath(parent, QStringLiteral("deleted-XXXXXX"));
-}
-
-} // namespace
 
 std::filesystem::path DesktopTrash::stagingFolder() const {
-    if (!folder_) {
-        folder_.emplace(pattern());
-    }
-    if (!folder_->isValid()) {
-        throw compound::TrashFailure(compound::Error(compound::ErrorCode::Failed,
-                                                     toFilePath(dataFolder()),
-                                                     folder_->errorString().toStdString()));
+    try {
+        if (!folder_) {
+            folder_.emplace(dataFolder(), FolderFor::Itself);
+        }
+    } catch (const compound::Error& error) {
+        throw compound::TrashFailure(error);
     }
     return toFilePath(folder_->path());
 }

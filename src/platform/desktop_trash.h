@@ -2,8 +2,7 @@
 #pragma once
 
 #include "compound/trash.h"
-
-#include <QTemporaryDir>
+#include "platform/temporary_folder.h"
 
 #include <optional>
 
@@ -19,7 +18,8 @@ class DesktopTrash final : public compound::Trash {
     void takeBack(const std::filesystem::path& trashed, const std::filesystem::path& to) override;
 
   private:
-    mutable std::optional<QTemporaryDir> folder_; // goes with the object, with what is left in it
+    // Goes with the object, with what is left in it; that of a killed program with the next one.
+    mutable std::optional<TemporaryFolder> folder_;
 };
 
 } // namespace platform

@@ -98,7 +98,7 @@ std::unique_ptr<TemporaryFolder> makeProcessFolder() {
 
 } // namespace
 
-TemporaryFolder::TemporaryFolder(const QString& parent) {
+TemporaryFolder::TemporaryFolder(const QString& parent, FolderFor whom) {
     // The system's temporary path is empty when it names no folder, and then anything joined to it
     // would lie where the program was started.
     if (QDir::isRelativePath(parent)) {
@@ -114,11 +114,11 @@ TemporaryFolder::TemporaryFolder(const QString& parent) {
     }
     path_ = QFile::decodeName(name) + u'/';
     lock_ = openFolder(path_);
-    if (path_.size() > kLongestTemporaryPath) {
+    if (whom == FolderFor::Clients && path_.size() > kLongestTemporaryPath) {
         wipe(CopiedPicture::Remove);
         throw compound::systemError(ENAMETOOLONG, toFilePath(parent), "create a temporary folder");
     }
-    if (!tryLock(lock_)) {
+    if (!tryLock(lock_) && whom == FolderFor::Clients) {
         const int cause = errno;
         wipe(CopiedPicture::Remove);
         throw compound::systemError(cause, toFilePath(parent), "lock the temporary folder");

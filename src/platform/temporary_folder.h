@@ -11,18 +11,24 @@ namespace platform {
 
 enum class CopiedPicture { Remove, Keep };
 
+inline constexpr int kLongestTemporaryPath = 254;
+
+// Clients are given paths, so theirs has a limit. A folder for the program itself is made wherever
+// that is possible, where there are no locks as well: then its leftover stays.
+enum class FolderFor { Clients, Itself };
+
 // A private folder below `parent` (mode 0700, locked by the kernel for as long as the object
 // lives, so that other processes can tell it from the leftover of a dead one). The constructor
 // removes such leftovers of the same user. Throws compound::Error naming the folder, also when
 // `parent` is not absolute.
 class TemporaryFolder {
   public:
-    explicit TemporaryFolder(const QString& parent);
+    explicit TemporaryFolder(const QString& parent, FolderFor whom = FolderFor::Clients);
     ~TemporaryFolder(); // as wipe(CopiedPicture::Remove)
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    // With a trailing separator, at most kLongestTemporaryPath characters.
+    // With a trailing separator; for clients at most kLongestTemporaryPath characters.
     const QString& path() const { return path_; }
 
     // Makes the folder again, private and locked as before, when a cleaner of temporary files has
@@ -40,8 +46,6 @@ class TemporaryFolder {
     FileDescriptor lock_;
     bool isWiped_ = false;
 };
-
-inline constexpr int kLongestTemporaryPath = 254;
 
 // The process's temporary folder, made at the first call below the system's temporary path (or
 // TXSGRAPHICSLIB_HOME/tmp); when nothing can be made there, or its path would be too long, in the

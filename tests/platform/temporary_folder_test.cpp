@@ -1,9 +1,13 @@
 #include "compound/error.h"
+#include "platform/desktop_trash.h"
 #include "platform/own_home.h"
+#include "platform/paths.h"
 #include "platform/temporary_folder.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <optional>
 #include <unistd.h>
 
@@ -65,6 +69,22 @@ TEST_F(TemporaryFolderTest, aLinkInItsPlaceIsNotFollowed) {
     EXPECT_THROW(folder.restore(), compound::Error);
     folder.wipe(CopiedPicture::Remove);
     EXPECT_TRUE(fs::exists(home_.at("elsewhere/kept").toStdString()));
+}
+
+// What a program that was killed had on its way to the trash.
+TEST_F(TemporaryFolderTest, theOneOfTheTrashGoesWithTheNext) {
+    const auto makeAndGetKilled = [] {
+        const platform::DesktopTrash trash;
+        std::ofstream(trash.stagingFolder() / "a.bmp") << "a picture";
+        ::_exit(0);
+    };
+    EXPECT_EXIT(makeAndGetKilled(), testing::ExitedWithCode(0), "");
+    const fs::path parent = platform::dataFolder().toStdString();
+    ASSERT_EQ(std::distance(fs::directory_iterator(parent), {}), 1);
+    makeOld(QString::fromStdString(fs::directory_iterator(parent)->path().string()));
+    const platform::DesktopTrash next;
+    EXPECT_TRUE(fs::is_empty(next.stagingFolder()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(parent), {}), 1);
 }
 
 TEST_F(TemporaryFolderTest, leavesTheClientsPictureOnRequest) {
