@@ -77,6 +77,7 @@ constexpr std::string_view kTurnFile = ".txs-0000000000000000.new";
 // Around sixteen digits: a file that no listing shows until it is whole and gets its name.
 constexpr std::string_view kPrefix = ".txs-";
 constexpr std::string_view kInTheMaking = ".new";
+constexpr std::size_t kDigits = 16;
 
 // Whether the path still names the open file.
 bool isAt(const FileDescriptor& file, const std::filesystem::path& path) {
@@ -109,19 +110,14 @@ struct Unfinished {
 };
 
 bool isUnfinished(const std::string& name) {
-    constexpr std::size_t kDigits = 16;
     return name.size() == kPrefix.size() + kDigits + kInTheMaking.size() &&
            name.starts_with(kPrefix) && name.ends_with(kInTheMaking);
 }
 
 Unfinished createUnfinished(const std::filesystem::path& folder) {
     constexpr int kTries = 10; // another program may clear it away before it is locked
-    std::random_device random;
     for (int i = 0; i < kTries; ++i) {
-        std::array<char, 17> digits{};
-        (void)std::snprintf(digits.data(), digits.size(), "%08x%08x", random(), random());
-        std::filesystem::path path =
-            folder / (std::string(kPrefix) + digits.data() + std::string(kInTheMaking));
+        std::filesystem::path path = folder / nameInTheMaking();
         FileDescriptor file = createFile(path, Readers::OwnerOnly);
         const bool isOurs = ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
         if (isOurs && isAt(file, path)) {
@@ -129,24 +125,6 @@ Unfinished createUnfinished(const std::filesystem::path& folder) {
         }
     }
     throw Error(ErrorCode::Locked, folder, "other programs clear it away");
-}
-
-// What a crash has left of copies. The library's folder is cleared by its listings, any other one
-// by the next copy only.
-void removeUnfinishedCopies(const std::filesystem::path& folder) {
-    std::error_code unreadable; // tells itself when the copy is made
-    for (std::filesystem::directory_iterator entry(folder, unreadable), end;
-         !unreadable && entry != end; entry.increment(unreadable)) {
-        const std::filesystem::path& path = entry->path();
-        if (!isUnfinished(path.filename().string())) {
-            continue;
-        }
-        const FileDescriptor file(
-            ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && isAt(file, path)) {
-            ::unlink(path.c_str());
-        }
-    }
 }
 
 } // namespace
@@ -180,9 +158,32 @@ FileDescriptor createFile(const std::filesystem::path& path, Readers readers) {
     return descriptor;
 }
 
+std::string nameInTheMaking() {
+    thread_local std::random_device random;
+    std::array<char, kDigits + 1> digits{};
+    (void)std::snprintf(digits.data(), digits.size(), "%08x%08x", random(), random());
+    return std::string(kPrefix) + digits.data() + std::string(kInTheMaking);
+}
+
+void removeLeftoversIn(const std::filesystem::path& folder) {
+    std::error_code unreadable; // tells itself when the file is made
+    for (std::filesystem::directory_iterator entry(folder, unreadable), end;
+         !unreadable && entry != end; entry.increment(unreadable)) {
+        const std::filesystem::path& path = entry->path();
+        if (!isUnfinished(path.filename().string())) {
+            continue;
+        }
+        const FileDescriptor file(
+            ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && isAt(file, path)) {
+            ::unlink(path.c_str());
+        }
+    }
+}
+
 void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to) {
     const FileDescriptor source = openRegularFile(from, O_RDONLY);
-    removeUnfinishedCopies(folderOf(to));
+    removeLeftoversIn(folderOf(to));
     const Unfinished copy = createUnfinished(folderOf(to));
     try {
         copyBytes(source, from, copy.file, to);

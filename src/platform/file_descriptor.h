@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <sys/stat.h>
 #include <utility>
 
@@ -35,6 +36,13 @@ enum class Readers { Usual, OwnerOnly };
 
 // Creates `path`, which must not exist (compound::ErrorCode::Exists), for reading and writing.
 FileDescriptor createFile(const std::filesystem::path& path, Readers readers);
+
+// A name for a file of passage (see docs/file-format.md): whoever makes one holds its lock.
+std::string nameInTheMaking();
+
+// Removes what crashes have left of files of passage. The library's folder is cleared by its
+// listings, any other one only by whoever makes the next one there.
+void removeLeftoversIn(const std::filesystem::path& folder);
 
 // Writes a new file `to` with the content and attributes of `from` and syncs it. It bears that name
 // once it is whole; until then it is a file of passage (see docs/file-format.md). A failure leaves

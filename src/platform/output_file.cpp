@@ -1,21 +1,17 @@
 #include "platform/output_file.h"
 
 #include "compound/error.h"
+#include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
 
-#include <random>
-#include <string>
+#include <chrono>
+#include <memory>
 
 namespace platform {
 namespace {
 
 using compound::Error;
 using compound::ErrorCode;
-
-std::filesystem::path temporaryBeside(const std::filesystem::path& path) {
-    std::random_device random;
-    return path.parent_path() / (".output-" + std::to_string(random()) + ".tmp");
-}
 
 // A path that is taken is refused before anything is written.
 void refuseTaken(const std::filesystem::path& path, IfFileExists ifExists) {
@@ -32,17 +28,44 @@ void refuseTaken(const std::filesystem::path& path, IfFileExists ifExists) {
     }
 }
 
+struct Output {
+    std::filesystem::path temporary;
+    std::unique_ptr<compound::DiskFile> file;
+};
+
+// False when another program has taken the file for a leftover.
+bool isLocked(compound::DiskFile& file) {
+    try {
+        return file.lock(std::chrono::milliseconds{0}) && file.isStillAtPath();
+    } catch (const Error&) {
+        return true; // nobody can lock anything there
+    }
+}
+
 // A file that is replaced hands its attributes on, so nobody else may read the new one before.
-void writeTemporary(const std::filesystem::path& temporary, const std::filesystem::path& path,
-                    const std::function<void(compound::DiskFile&)>& write) {
+void create(Output& output, const std::filesystem::path& path) {
+    constexpr int kTries = 10;
     compound::Disk& disk = nativeDisk();
     const bool replaces = disk.exists(path);
-    const auto file = replaces ? disk.createPrivate(temporary) : disk.create(temporary);
-    write(*file);
-    if (replaces) {
-        disk.copyAttributes(*disk.open(path, compound::Access::Read), *file);
+    for (int i = 0; i < kTries; ++i) {
+        output.temporary = path.parent_path() / nameInTheMaking();
+        output.file =
+            replaces ? disk.createPrivate(output.temporary) : disk.create(output.temporary);
+        if (isLocked(*output.file)) {
+            return;
+        }
     }
-    file->sync();
+    throw Error(ErrorCode::Locked, path, "other programs clear it away");
+}
+
+void fill(compound::DiskFile& file, const std::filesystem::path& path,
+          const std::function<void(compound::DiskFile&)>& write) {
+    compound::Disk& disk = nativeDisk();
+    write(file);
+    if (disk.exists(path)) {
+        disk.copyAttributes(*disk.open(path, compound::Access::Read), file);
+    }
+    file.sync();
 }
 
 void publish(const std::filesystem::path& temporary, const std::filesystem::path& path,
@@ -78,17 +101,19 @@ void writeOutputFile(const std::filesystem::path& path, IfFileExists ifExists,
     }
     refuseTaken(path, ifExists);
     const std::filesystem::path target = nativeDisk().resolved(path); // a link stays one
-    const std::filesystem::path temporary = temporaryBeside(target);
+    Output output;
     try {
-        writeTemporary(temporary, target, write);
-        publish(temporary, target, ifExists);
+        removeLeftoversIn(folderOf(target));
+        create(output, target);
+        fill(*output.file, target, write);
+        publish(output.temporary, target, ifExists);
     } catch (const Error& error) {
-        discard(temporary);
+        discard(output.temporary);
         // The user knows of no temporary file.
-        const bool isOwn = error.file() == temporary || error.file() == target;
+        const bool isOwn = error.file() == output.temporary || error.file() == target;
         throw Error(error.code(), isOwn ? path : error.file(), error.cause());
     } catch (...) {
-        discard(temporary);
+        discard(output.temporary);
         throw;
     }
 }

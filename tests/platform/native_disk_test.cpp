@@ -1,6 +1,7 @@
 #include "compound/error.h"
 #include "platform/file_descriptor.h"
 #include "platform/native_disk.h"
+#include "platform/output_file.h"
 #include "platform/own_home.h"
 #include "platform/shared_volume.h"
 #include "platform/trash.h"
@@ -533,6 +534,29 @@ TEST_F(OtherVolume, hasAFileThatComesThereUnderItsNameOnceItIsWhole) {
     platform::restoreFromTrash(at("trash/Pumps.stg"), there("Pumps.stg"));
     EXPECT_EQ(fs::file_size(there("Pumps.stg")), std::size_t{1} << 20U);
     EXPECT_EQ(std::distance(fs::directory_iterator(name_), {}), 1) << "what was left stays";
+}
+
+// Of one that is being written nothing goes.
+TEST_F(NativeDiskTest, whatAKilledProgramLeavesOfAnOutputGoesWithTheNext) {
+    fs::create_directory(at("out"));
+    const auto writeAndGetKilled = [&] {
+        platform::writeOutputFile(at("out/a.pdf"), platform::IfFileExists::Refuse,
+                                  [](compound::DiskFile& file) {
+                                      file.write(0, bytesOf("a part"));
+                                      ::_exit(0);
+                                  });
+    };
+    EXPECT_EXIT(writeAndGetKilled(), testing::ExitedWithCode(0), "");
+    EXPECT_FALSE(fs::is_empty(at("out"))) << "none was begun";
+    platform::writeOutputFile(
+        at("out/a.pdf"), platform::IfFileExists::Refuse, [&](compound::DiskFile& file) {
+            file.write(0, bytesOf("all"));
+            platform::writeOutputFile(at("out/b.pdf"), platform::IfFileExists::Refuse,
+                                      bytesOf("beside"));
+        });
+    EXPECT_EQ(read("out/a.pdf"), "all");
+    EXPECT_EQ(read("out/b.pdf"), "beside");
+    EXPECT_EQ(std::distance(fs::directory_iterator(at("out")), {}), 2) << "what was left stays";
 }
 
 } // namespace
