@@ -1,3 +1,4 @@
+#include "compound/error.h"
 #include "tool/command.h"
 #include "tool/output.h"
 #include "tool/usage.h"
@@ -68,6 +69,11 @@ ExitStatus runToTheEnd(std::span<const std::string> commandLine, Console& consol
         return ExitStatus::WrongUsage;
     } catch (const std::bad_alloc&) {
         complain(console, "out of memory");
+    } catch (const compound::Error& error) {
+        complain(console, error.what());
+        if (error.code() == compound::ErrorCode::OutcomeUnknown) {
+            complain(console, "it is unknown whether the change was saved");
+        }
     } catch (const std::exception& error) {
         complain(console, error.what());
     }
