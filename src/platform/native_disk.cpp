@@ -459,7 +459,9 @@ std::unique_ptr<DiskFile> NativeDisk::create(const path& filePath, Readers reade
     FileDescriptor descriptor = createFile(filePath, readers);
     struct stat status {};
     if (::fstat(descriptor.get(), &status) != 0) {
-        throw systemError(errno, filePath, "create");
+        const int cause = errno;
+        ::unlink(filePath.c_str());
+        throw systemError(cause, filePath, "create");
     }
     return std::make_unique<NativeFile>(std::move(descriptor), status, filePath, surroundings_);
 }

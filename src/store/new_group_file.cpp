@@ -41,7 +41,7 @@ std::unique_ptr<compound::DiskFile> NewGroupFile::createLocked(const std::filesy
         try {
             auto created = content == Content::Copied ? library_.disk.createPrivate(temporary_)
                                                       : library_.disk.create(temporary_);
-            if (auto locked = lockNew(library_, std::move(created))) {
+            if (auto locked = lockOrRemove(std::move(created))) {
                 return locked;
             }
         } catch (const Error& error) {
@@ -51,6 +51,17 @@ std::unique_ptr<compound::DiskFile> NewGroupFile::createLocked(const std::filesy
         }
     }
     throw Error(ErrorCode::Locked, temporary_, "the file is in use by another program");
+}
+
+// Where there are no locks no listing would ever clear it away.
+std::unique_ptr<compound::DiskFile>
+NewGroupFile::lockOrRemove(std::unique_ptr<compound::DiskFile> created) {
+    try {
+        return lockNew(library_, std::move(created));
+    } catch (const Error&) {
+        library_.disk.removeTemporary(temporary_);
+        throw;
+    }
 }
 
 NewGroupFile::~NewGroupFile() {

@@ -55,6 +55,7 @@ class NewGroupFile {
     void create(Content content, compound::SectorSize sectorSize);
     std::unique_ptr<compound::DiskFile> createLocked(const std::filesystem::path& folder,
                                                      Content content);
+    std::unique_ptr<compound::DiskFile> lockOrRemove(std::unique_ptr<compound::DiskFile> created);
     void give(const std::function<void()>& rename);
     void tellOfTarget(const std::function<void()>& action) const;
 

@@ -161,6 +161,8 @@ class FailingCall : public ::testing::TestWithParam<ScenarioOnSectors> {
             EXPECT_TRUE(trouble == Trouble::AllErrors || old != old_.dump ||
                         sizesOf(now) == sizesOf(old_))
                 << "a file has grown";
+            EXPECT_TRUE(trouble == Trouble::AllErrors || now.files.size() <= old_.files.size())
+                << "a file is left";
         }
         expectToldOfTrash(failure->cause(), now);
     }
