@@ -1,6 +1,7 @@
 #include "browser/library_watch.h"
 
 #include "app/long_operation.h"
+#include "platform/shared_volume.h"
 
 #include <QApplication>
 
@@ -13,10 +14,15 @@ namespace {
 using namespace std::chrono_literals;
 using Next = groups::LibraryChanges::Next;
 
-constexpr auto kBurst = 250ms;       // what happens in that time is looked at once
-constexpr auto kLater = 3500ms;      // then a change a moment ago has got another time stamp
+constexpr auto kBurst = 250ms;  // what happens in that time is looked at once
+constexpr auto kLater = 3500ms; // then a change a moment ago has got another time stamp
+constexpr auto kHeld = 50ms;
 constexpr auto kPollUntold = 3000ms; // where nobody tells of changes
 constexpr auto kPollTold = 60s; // a link may lead to a file elsewhere, a queue may have overflowed
+
+bool isMenuOpen() {
+    return QApplication::activePopupWidget() != nullptr;
+}
 
 } // namespace
 
@@ -26,6 +32,9 @@ LibraryWatch::LibraryWatch(Noticing noticing, QObject* parent)
         timer->setSingleShot(true);
         connect(timer, &QTimer::timeout, this, &LibraryWatch::look);
     }
+    held_.setSingleShot(true);
+    held_.setInterval(kHeld);
+    connect(&held_, &QTimer::timeout, this, &LibraryWatch::take);
     soon_.setInterval(kBurst);
     later_.setInterval(kLater);
     connect(&job_, &app::Job::done, this, &LibraryWatch::take);
@@ -43,7 +52,7 @@ void LibraryWatch::start(const store::Library& library,
 
 void LibraryWatch::stop() {
     folder_.reset();
-    job_.drop();
+    dropLook();
     for (QTimer* timer : {&soon_, &later_, &poll_}) {
         timer->stop();
     }
@@ -51,8 +60,13 @@ void LibraryWatch::stop() {
     isUnfinished_ = false;
 }
 
-void LibraryWatch::remember(const std::vector<groups::GroupFile>& files) {
+void LibraryWatch::dropLook() {
     job_.drop();
+    held_.stop();
+}
+
+void LibraryWatch::remember(const std::vector<groups::GroupFile>& files) {
+    dropLook();
     known_ = groups::knownFrom(files);
     if (folder_) {
         later_.start();
@@ -64,8 +78,8 @@ void LibraryWatch::lookAnew(const std::optional<store::FileName>& file) {
     if (file) {
         known_.erase(file->text);
     }
-    if (job_.isBusy() || file) {
-        job_.drop();
+    if (job_.isBusy() || held_.isActive() || file) {
+        dropLook();
         lookSoon();
     }
 }
@@ -81,19 +95,24 @@ void LibraryWatch::look() {
         return;
     }
     // One that runs looks at an older state; a long operation may hold its group's file to its end.
-    if (job_.isBusy() || app::isLongOperationRunning()) {
+    if (job_.isBusy() || held_.isActive() || isMenuOpen() || app::isLongOperationRunning()) {
         lookSoon();
         return;
     }
     job_.start([library = *library_,
                 look = groups::LookAtLibrary{known_, shown_(),
                                              QApplication::activeModalWidget() == nullptr}] {
-        return groups::lookForChanges(library, look);
+        return Looked{groups::lookForChanges(library, look),
+                      platform::isSharedVolume(library.folder)};
     });
 }
 
 void LibraryWatch::take() {
-    groups::LibraryChanges changes = std::exchange(job_.result(), {});
+    if (isMenuOpen()) {
+        held_.start();
+        return;
+    }
+    const auto [changes, isShared] = std::exchange(job_.result(), {});
     if (changes.isReachable) {
         known_ = changes.known;
     }
@@ -104,7 +123,7 @@ void LibraryWatch::take() {
         if (changes.next == Next::Later) {
             later_.start();
         }
-        poll_.start(folder_->tellsAll() ? kPollTold : kPollUntold);
+        poll_.start(folder_->isWatching() && !isShared ? kPollTold : kPollUntold);
     }
     emit changed(changes);
 }

@@ -1,6 +1,7 @@
 // Notices what other programs and machines change in the library: the folder tells of a change on
 // this machine, and where nobody tells, the watch looks every few seconds. Looks are made on a
-// worker; a burst of changes makes one of them.
+// worker; a burst of changes makes one of them. Under an open menu nothing changes: what it was
+// opened for must not become another group or picture before the user has chosen.
 #pragma once
 
 #include "app/job.h"
@@ -49,19 +50,26 @@ class LibraryWatch : public QObject {
     void remembered(const std::vector<groups::GroupFile>& files);
 
   private:
+    struct Looked {
+        groups::LibraryChanges changes;
+        bool isShared = false; // what other machines do to the volume nobody tells
+    };
+
     void lookSoon();
     void take();
+    void dropLook();
 
     Noticing noticing_;
     const store::Library* library_ = nullptr;
     std::function<std::optional<groups::ShownPictures>()> shown_;
     groups::KnownFiles known_;
     std::unique_ptr<platform::FolderWatch> folder_;
-    app::JobFor<groups::LibraryChanges> job_;
+    app::JobFor<Looked> job_;
     bool isUnfinished_ = false; // more than one look can read has changed
     QTimer soon_;
     QTimer later_;
     QTimer poll_;
+    QTimer held_; // runs while what a look has found waits for a menu to be closed
 };
 
 } // namespace browser

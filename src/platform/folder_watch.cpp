@@ -1,7 +1,6 @@
 #include "platform/folder_watch.h"
 
 #include "platform/file_descriptor.h"
-#include "platform/shared_volume.h"
 
 #include <QSocketNotifier>
 
@@ -85,8 +84,8 @@ FolderWatch::FolderWatch(std::filesystem::path folder, std::function<void()> cha
 
 FolderWatch::~FolderWatch() = default;
 
-bool FolderWatch::tellsAll() {
-    return queue_->watch() && !isSharedVolume(queue_->folder);
+bool FolderWatch::isWatching() {
+    return queue_->watch();
 }
 
 } // namespace platform

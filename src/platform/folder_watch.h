@@ -11,15 +11,16 @@ namespace platform {
 class FolderWatch {
   public:
     // `changed` is called from the event loop of the thread that makes the watch; many changes may
-    // be told by one call. A folder that cannot be watched is no error: see tellsAll().
+    // be told by one call. A folder that cannot be watched is no error: see isWatching().
     FolderWatch(std::filesystem::path folder, std::function<void()> changed);
     ~FolderWatch();
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    // Whether no change goes by untold. Nobody tells what another machine does to a volume that is
-    // shared, nor of a folder that is not there. One that could not be watched is tried again.
-    bool tellsAll();
+    // Whether this machine's changes are told. Nobody tells of a folder that is not there, nor what
+    // another machine does to a volume that is shared (platform/shared_volume.h). A folder that
+    // could not be watched is tried again.
+    bool isWatching();
 
   private:
     struct Queue;

@@ -5,6 +5,7 @@
 #include "ui/main_window_fixture.h"
 
 #include <QLineEdit>
+#include <QMenu>
 #include <QScrollBar>
 #include <QTest>
 #include <QTreeWidget>
@@ -201,6 +202,27 @@ TEST_F(OthersChanges, AnOpenDialogKeepsWhatWasTyped) {
              });
     EXPECT_EQ(selectedNode(), "Radial");
     EXPECT_NE(node("Pumpen/Radial/Edelstahl"), nullptr);
+}
+
+// The menu belongs to the group that it was opened for.
+TEST_F(OthersChanges, NothingChangesUnderAnOpenMenu) {
+    makeGroup("Armaturen");
+    addPicture(rotary_, "P1");
+    start();
+    clickNode("Pumpen/Kreisel");
+    auto* menu = find<QMenu>("Band2");
+    menu->popup(tree()->mapToGlobal(QPoint(5, 5)));
+    store::deleteGroup(library(), rotary_);
+    look();
+    EXPECT_EQ(selectedNode(), "Kreisel");
+    menu->close();
+    window().lookForChanges();
+    menu->popup(tree()->mapToGlobal(QPoint(5, 5))); // while it looks
+    app::workers().finish();
+    settle();
+    EXPECT_EQ(selectedNode(), "Kreisel");
+    menu->close();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return selectedNode() == "Armaturen"; }, 20000));
 }
 
 TEST_F(OthersChanges, NothingIsSelectedWhereNothingWas) {
