@@ -127,9 +127,12 @@ void GroupBrowsing::add(const store::GroupName& name) {
     awaitedKey_.clear();
     watch_.lookAnew();
     const QString text = QString::fromStdU16String(name.text);
-    tree_.addTopLevelNode(name);
+    const store::GroupAddress group = store::topLevelAddress(name.text);
+    if (!tree_.find(group)) { // it may have been noticed while the command told of it
+        tree_.addTopLevelNode(name);
+    }
     tree_.selectKey(text + u'a');
-    panel_.setGroup(store::topLevelAddress(name.text));
+    panel_.setGroup(group);
     CurrentGroup_ = text;
     panel_.showGroupAnew();
 }

@@ -1,11 +1,17 @@
 // What the window makes of changes by other programs: it shows them, and keeps all that its user
 // has chosen, unfolded, scrolled to and typed.
 #include "app/executor.h"
+#include "app/message_box.h"
+#include "app/settings.h"
 #include "store/picture_operations.h"
 #include "ui/main_window_fixture.h"
 
+#include <QComboBox>
+#include <QDir>
+#include <QImage>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QTest>
 #include <QTreeWidget>
@@ -223,6 +229,30 @@ TEST_F(OthersChanges, NothingChangesUnderAnOpenMenu) {
     EXPECT_EQ(selectedNode(), "Kreisel");
     menu->close();
     EXPECT_TRUE(QTest::qWaitFor([this] { return selectedNode() == "Armaturen"; }, 20000));
+}
+
+// While the user reads that the group was made.
+TEST_F(OthersChanges, AGroupThatIsNoticedBeforeItIsAddedIsThereOnce) {
+    ASSERT_TRUE(QDir().mkpath(home_.at("files")));
+    ASSERT_TRUE(QImage(9, 9, QImage::Format_RGB32).save(home_.at("files/a.bmp")));
+    start();
+    app::settings().setDrive("/");
+    app::settings().setPath(home_.at("files"));
+    const auto before = app::setMsgBoxHandler([this](auto&&...) {
+        look();
+        return app::kAnswerOk;
+    });
+    inDialog([this] { trigger("Men_Datei_1"); },
+             [](QDialog& dialog) {
+                 dialog.findChild<QComboBox*>("cboGruppe")->setCurrentIndex(0);
+                 dialog.findChild<QLineEdit*>("txtName")->setText("Armaturen");
+                 dialog.findChild<QPushButton*>("cmdCreate")->click();
+             });
+    app::setMsgBoxHandler(before);
+    EXPECT_EQ(tree()->topLevelItemCount(), 2);
+    EXPECT_EQ(selectedNode(), "Armaturen");
+    look();
+    EXPECT_EQ(tree()->topLevelItemCount(), 2);
 }
 
 TEST_F(OthersChanges, NothingIsSelectedWhereNothingWas) {
