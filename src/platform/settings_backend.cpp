@@ -100,8 +100,8 @@ SettingsFile loadForWriting(const QString& path) {
 
 // Programs that write settings take turns: each changes a few lines of the whole file, and would
 // take back what another one writes meanwhile. The file is replaced by each of them, so it is their
-// folder that is locked. Whoever hangs with the lock, or
-// a folder without locks, keeps nobody from saving for good.
+// folder that is locked. Whoever hangs with the lock, or a folder without locks, keeps nobody from
+// saving for good.
 FileDescriptor turnAt(const std::filesystem::path& folder) {
     FileDescriptor held(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const auto end = std::chrono::steady_clock::now() + kLongestWait;
