@@ -47,10 +47,16 @@ void moveTo(const std::filesystem::path& file, const std::filesystem::path& targ
                               ::stat(folderOf(target).c_str(), &folder) == 0 &&
                               source.st_dev == folder.st_dev;
     if (isSameVolume) {
-        renameFileWithoutReplacing(file, target);
-    } else {
-        copyAndRemove(file, target);
+        try {
+            renameFileWithoutReplacing(file, target);
+            return;
+        } catch (const Error& error) {
+            if (error.code() != ErrorCode::Failed) {
+                throw;
+            } // between two mounts of one volume nothing can be renamed
+        }
     }
+    copyAndRemove(file, target);
 }
 
 // Moves `file` into `folder` under its own name, or that name and the first free number.
