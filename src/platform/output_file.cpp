@@ -76,12 +76,12 @@ void publish(const std::filesystem::path& temporary, const std::filesystem::path
     } else {
         disk.renameWithoutReplacing(temporary, path);
     }
-    disk.syncFolder(path.has_parent_path() ? path.parent_path() : ".");
+    try {
+        disk.syncFolder(folderOf(path));
+    } catch (const Error& error) {
+        throw Error(ErrorCode::OutcomeUnknown, path, error.cause());
+    }
 }
-
-} // namespace
-
-namespace {
 
 // What has gone wrong before is what the user is told: where nothing can be written, nothing can be
 // removed either.
