@@ -12,8 +12,8 @@
 // to be read by whoever lists, which some locks keep everybody else from: the lock of the old file,
 // which its maker holds until the end, stands for the record's.
 //
-// Nothing syncs the folder between the record and the new name. A file system that loses the older
-// of two changes in a power cut may leave both groups, each of them whole, as ever.
+// The record's name is durable before the new one is given, and what has become of the two before
+// the record goes: a power cut may leave the later of two changes of a folder without the earlier.
 #pragma once
 
 #include "store/library.h"
