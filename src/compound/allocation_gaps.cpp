@@ -71,7 +71,7 @@ std::int64_t AllocationTable::usableInLoaded() {
 std::uint64_t AllocationTable::inChainsFrom(std::uint32_t end) {
     std::uint64_t used = 0;
     for (std::uint32_t sector = end; covers(sector); ++sector) {
-        const bool isUsed = entry(sector) != kFreeSector && sector != rangeLock();
+        const bool isUsed = entry(sector) != kFreeSector && !isMarkedLock(sector);
         used += isUsed && !tables_.contains(sector) ? 1U : 0U;
     }
     return used;

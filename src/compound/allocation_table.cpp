@@ -308,6 +308,17 @@ void AllocationTable::makeSound() {
         mark(sector, kDifatSector);
     }
     difatTouched_ = static_cast<std::uint32_t>(fatSectors_.size());
+    if (isMarkedLock(rangeLock())) {
+        for (std::uint32_t sector = 0; covers(sector); ++sector) {
+            if (entry(sector) == rangeLock()) {
+                throwLockUsed();
+            }
+        }
+    }
+}
+
+void AllocationTable::throwLockUsed() const {
+    file_.throwDamaged("a chain ends in the sector of the range lock, which no file may use");
 }
 
 // Gives every changed FAT sector of the first `count` ranges a new place, or those only that lie in
@@ -381,7 +392,7 @@ bool AllocationTable::isEmpty(std::uint32_t index) {
     const std::uint32_t own = fatSectors_[index];
     for (std::uint32_t at = 0; at < perSector_; ++at) {
         const std::uint32_t sector = index * perSector_ + at;
-        const bool isUsed = range.at(at) != kFreeSector && sector != rangeLock();
+        const bool isUsed = range.at(at) != kFreeSector && !isMarkedLock(sector);
         if ((isUsed || tables_.contains(sector)) && sector != own) {
             return false;
         }
@@ -489,7 +500,7 @@ std::uint32_t AllocationTable::usedEnd() {
         const Range& range = load(static_cast<std::uint32_t>(index));
         for (std::uint32_t at = perSector_; at-- > 0;) {
             const std::uint32_t sector = static_cast<std::uint32_t>(index) * perSector_ + at;
-            if (sector < end || (range.at(at) != kFreeSector && sector != rangeLock())) {
+            if (sector < end || (range.at(at) != kFreeSector && !isMarkedLock(sector))) {
                 return std::max(end, sector + 1);
             }
         }

@@ -48,6 +48,13 @@ class AllocationTable {
                    : static_cast<std::uint32_t>(format::kRangeLockOffset / file_.sectorSize()) - 1;
     }
 
+    // Whether the sector is the range lock with its mark, which no chain uses. Another program may
+    // have led a chain through it; one that ends there cannot be told from the mark: see
+    // makeSound().
+    bool isMarkedLock(std::uint32_t sector) {
+        return sector == rangeLock() && covers(sector) && entry(sector) == format::kEndOfChain;
+    }
+
     // What a sector is wanted for: a page of the directory, the mini stream, the mini FAT or the
     // DIFAT, or a FAT sector. Only these take the last free sector of a range.
     enum class Purpose { Chain, Fat };
@@ -85,8 +92,9 @@ class AllocationTable {
 
     // Comes before the first change of another program's file: its FAT and DIFAT sectors are marked
     // as such, and the whole DIFAT is written anew by the next writeOut(). Damaged when a chain
-    // runs through one of them.
+    // runs through one of them, or when one ends in the range lock.
     void makeSound();
+    [[noreturn]] void throwLockUsed() const;
 
     // Which free sectors count: those that this transaction may take, or those that are free when
     // it is committed, with what it has freed.

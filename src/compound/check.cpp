@@ -244,8 +244,9 @@ class Checker {
             const std::uint32_t value =
                 file_.table().covers(sector) ? file_.table().entry(sector) : kFreeSector;
             if (sector == lock) {
-                if (value != kEndOfChain) {
-                    find("FAT", "the range-lock sector is not marked");
+                if (value != kEndOfChain || owned_[sector]) {
+                    find("FAT", owned_[sector] ? "the range-lock sector is used"
+                                               : "the range-lock sector is not marked");
                 }
             } else if (owned_[sector] == (value == kFreeSector)) {
                 find("FAT", "sector " + std::to_string(sector) +

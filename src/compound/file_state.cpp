@@ -165,6 +165,25 @@ void FileState::makeSound() {
     }
     parts_->table.makeSound();
     parts_->directory.makeSound();
+    if (parts_->table.isMarkedLock(parts_->table.rangeLock())) {
+        refuseStartInLock();
+    }
+}
+
+// A chain of one sector, which the table knows nothing of.
+void FileState::refuseStartInLock() {
+    const std::uint32_t lock = parts_->table.rangeLock();
+    Directory& directory = parts_->directory;
+    bool isUsed = header_.firstDirectory == lock || header_.firstMiniFat == lock ||
+                  directory.start(DirectoryEntries::kRoot) == lock;
+    for (EntryId id = 0; !isUsed && id < directory.count(); ++id) {
+        const auto type = std::to_integer<std::uint8_t>(directory.raw(id)[format::entry::kTypeAt]);
+        isUsed = type == static_cast<std::uint8_t>(format::EntryType::Stream) &&
+                 directory.start(id) == lock && directory.size(id) >= format::kMiniStreamCutoff;
+    }
+    if (isUsed) {
+        parts_->table.throwLockUsed();
+    }
 }
 
 void FileState::commit() {

@@ -102,6 +102,7 @@ class FileState {
     void beginChange();
     void makeHeaderDurable();
     void makeSound();
+    void refuseStartInLock();
     void requireWhole();
     void startNewFile();
     std::uint64_t reserve();

@@ -5,6 +5,7 @@
 #include "compound/raw_file.h"
 
 #include <gtest/gtest.h>
+#include <optional>
 
 namespace compound_tests {
 namespace {
@@ -188,6 +189,94 @@ TEST(TwoGiBTest, RangeLockIsMarkedBeforeTheFileReachesIt) {
     file.commit();
     EXPECT_LT(file.disk().size(), kTwoGiB);
     EXPECT_EQ(findingsOf(file), "");
+}
+
+// A field of the file, which is too large to be held in memory; changed when there is a value.
+std::uint32_t field(MemoryDisk& disk, std::uint64_t at, std::optional<std::uint32_t> value = {}) {
+    std::vector<std::byte> bytes(4);
+    const auto file = disk.open(kPath, Access::ReadWrite);
+    if (value) {
+        write32(bytes.data(), *value);
+        file->write(at, bytes);
+    }
+    file->read(at, bytes);
+    return read32(bytes.data());
+}
+
+// Lengthens the stream "large" by the sector of the range lock and, perhaps, a free one.
+void useRangeLock(MemoryDisk& disk, std::uint32_t id, std::span<const std::byte> bytes) {
+    constexpr std::uint64_t kSector = 4096;
+    constexpr std::uint32_t kLock = kTwoGiB / kSector - 2;
+    constexpr std::uint32_t kPerSector = kSector / 4;
+    const auto placeOf = [](std::uint32_t sector) { return (sector + 1) * kSector; };
+    const std::uint32_t inDifat =
+        kLock / kPerSector - static_cast<std::uint32_t>(kHeaderDifatEntries);
+    const std::uint32_t fat =
+        field(disk, placeOf(field(disk, header::kFirstDifatAt)) + std::uint64_t{4} * inDifat);
+    const auto entryOf = [&](std::uint32_t sector) {
+        return placeOf(fat) + std::uint64_t{4} * (sector % kPerSector);
+    };
+    std::uint32_t last = kLock - 1; // of the stream, in the same range
+    while (field(disk, entryOf(last)) != last + 1) {
+        --last;
+    }
+    while (field(disk, entryOf(last)) != kEndOfChain) {
+        last = field(disk, entryOf(last));
+    }
+    std::uint32_t at = kLock;
+    for (std::size_t done = 0; done < bytes.size(); done += kSector) {
+        field(disk, entryOf(last), at);
+        disk.open(kPath, Access::ReadWrite)->write(placeOf(at), bytes.subspan(done, kSector));
+        last = at;
+        while (field(disk, entryOf(--at)) != kFreeSector) {
+        }
+    }
+    field(disk, entryOf(last), kEndOfChain);
+    const std::uint64_t size =
+        placeOf(field(disk, header::kFirstDirectoryAt)) + id * kEntrySize + entry::kSizeAt;
+    field(disk, size, field(disk, size) + static_cast<std::uint32_t>(bytes.size()));
+    field(disk, header::kTransactionAt, 0);
+}
+
+TEST(TwoGiBTest, WhatAnotherProgramKeepsInTheRangeLockIsNotLost) {
+    constexpr std::uint64_t kSector = 4096;
+    MemoryDisk whole;
+    CompoundFile made = CompoundFile::create(whole.create(kPath), SectorSize::Bytes4096);
+    made.root().createStream(u"small").assign(patterned(5000, 2));
+    Stream large = made.root().createStream(u"large");
+    appendZeros(large, kTwoGiB - 1200 * kSector);
+    while (made.disk().size() < kTwoGiB - 400 * kSector) {
+        appendZeros(large, large.size() + 20 * kSector);
+    }
+    made.commit();
+    for (const std::size_t sectors : {1U, 2U}) {
+        MemoryDisk disk;
+        disk.copyFilesOf(whole);
+        const std::vector<std::byte> bytes = patterned(sectors * kSector, 1);
+        useRangeLock(disk, made.root().find(u"large")->id, bytes);
+        const auto lastOfLarge = [&] {
+            std::vector<std::byte> last(bytes.size() + 1);
+            CompoundFile file = openFile(disk, kPath);
+            last.resize(file.root().openStream(u"large").read(large.size(), last));
+            return last;
+        };
+        ASSERT_EQ(lastOfLarge(), bytes);
+        EXPECT_NE(findingsOf(disk, kPath), "");
+        for (const char16_t* name : {u"other", u"small"}) {
+            CompoundFile file = openFile(disk, kPath);
+            try {
+                file.root()
+                    .createStream(name, compound::IfExists::Replace)
+                    .assign(patterned(9000, 3));
+                file.commit();
+                EXPECT_EQ(sectors, 2U) << "its end cannot be told from the mark";
+            } catch (const Error& error) {
+                EXPECT_EQ(error.code(), ErrorCode::Damaged);
+                EXPECT_EQ(sectors, 1U) << error.what();
+            }
+        }
+        EXPECT_EQ(lastOfLarge(), bytes) << sectors;
+    }
 }
 
 TEST(TwoGiBTest, SmallSectorsEndThere) {
