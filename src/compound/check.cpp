@@ -244,10 +244,7 @@ class Checker {
             const std::uint32_t value =
                 file_.table().covers(sector) ? file_.table().entry(sector) : kFreeSector;
             if (sector == lock) {
-                if (value != kEndOfChain || owned_[sector]) {
-                    find("FAT", owned_[sector] ? "the range-lock sector is used"
-                                               : "the range-lock sector is not marked");
-                }
+                checkRangeLock(sector, value);
             } else if (owned_[sector] == (value == kFreeSector)) {
                 find("FAT", "sector " + std::to_string(sector) +
                                 (owned_[sector] ? " is used, but marked free"
@@ -255,6 +252,17 @@ class Checker {
             }
         }
         checkMarksBehindEnd();
+    }
+
+    // A crash may leave a file longer than that whose header in force names nothing behind it.
+    void checkRangeLock(std::uint32_t lock, std::uint32_t value) {
+        const auto behind = owned_.begin() + lock;
+        const bool isPassed = std::find(behind, owned_.end(), true) != owned_.end();
+        if (owned_[lock]) {
+            find("FAT", "the range-lock sector is used");
+        } else if (value != kEndOfChain && (isPassed || value != kFreeSector)) {
+            find("FAT", "the range-lock sector is not marked");
+        }
     }
 
     // A file that grows over such a mark never uses the sector.

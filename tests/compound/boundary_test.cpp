@@ -279,6 +279,15 @@ TEST(TwoGiBTest, WhatAnotherProgramKeepsInTheRangeLockIsNotLost) {
     }
 }
 
+TEST(TwoGiBTest, WhatACrashHasLeftBehindTheRangeLockIsNoDamage) {
+    MemoryDisk disk;
+    CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes4096);
+    file.root().createStream(u"small").assign(patterned(5000, 2));
+    file.commit();
+    disk.open(kPath, Access::ReadWrite)->truncate(kTwoGiB + 65536);
+    EXPECT_EQ(damageOf(disk, kPath), "");
+}
+
 TEST(TwoGiBTest, SmallSectorsEndThere) {
     MemoryDisk disk;
     CompoundFile file = CompoundFile::create(disk.create(kPath), SectorSize::Bytes512);
