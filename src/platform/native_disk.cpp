@@ -369,8 +369,9 @@ std::optional<compound::FileIdentity> NativeFile::stamp() {
     return told;
 }
 
+// A file that had other names is the user's under those.
 void NativeFile::retire() noexcept {
-    if (isShared_) {
+    if (isShared_ && opened_.st_nlink <= 1) {
         markRetired(descriptor());
     }
 }

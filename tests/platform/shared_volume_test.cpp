@@ -162,6 +162,10 @@ TEST_F(SharedVolumeTest, aRetiredFileIsNoLongerAtItsPath) {
     fs::rename(at("c"), at("a")); // as a name that is remembered leads to it
     EXPECT_FALSE(file->isStillAtPath());
     EXPECT_TRUE(disk_->create(at("b"))->isStillAtPath()) << "an empty one is none";
+    home_.write("snapshot", QByteArray(600, 'x'));
+    fs::create_hard_link(at("snapshot"), at("d"));
+    disk_->open(at("d"), Access::ReadWrite)->retire();
+    EXPECT_EQ(home_.read("snapshot"), QByteArray(600, 'x')) << "its other name is still used";
 }
 
 TEST_F(SharedVolumeTest, asksForWhatStatTells) {
