@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QSet>
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -104,11 +105,17 @@ SettingsFile loadForWriting(const QString& path) {
 // saving for good.
 FileDescriptor turnAt(const std::filesystem::path& folder) {
     FileDescriptor held(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const auto end = std::chrono::steady_clock::now() + kLongestWait;
+    static std::atomic<bool> isHeldForGood = false; // what was waited for in vain once
+    const auto end = std::chrono::steady_clock::now() + (isHeldForGood ? kLookAgain : kLongestWait);
     while (held.isOpen() && ::flock(held.get(), LOCK_EX | LOCK_NB) != 0 &&
-           (errno == EWOULDBLOCK || errno == EINTR) && std::chrono::steady_clock::now() < end) {
+           (errno == EWOULDBLOCK || errno == EINTR)) {
+        if (std::chrono::steady_clock::now() >= end) {
+            isHeldForGood = true;
+            return held;
+        }
         std::this_thread::sleep_for(kLookAgain);
     }
+    isHeldForGood = false;
     return held;
 }
 

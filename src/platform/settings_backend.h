@@ -42,8 +42,9 @@ class SettingsBackend {
                          const QString& fallback) = 0;
 
     // Writes texts of the current user, durably and all or nothing; everything else that the file
-    // holds, comments too, stays, also what another program writes at the same time. A file that
-    // cannot be understood is moved to the trash first. Throws compound::Error naming the file.
+    // holds, comments too, stays, also what another program of this machine writes at the same
+    // time, unless that takes ten seconds. A file that cannot be understood is moved to the trash
+    // first. Throws compound::Error naming the file.
     virtual void write(const std::vector<Setting>& settings) = 0;
 
     void write(const QString& key, const QString& name, const QString& value) {
