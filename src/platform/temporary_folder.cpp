@@ -28,8 +28,12 @@ using compound::Error;
 constexpr qint64 kStartUpSeconds = 60;
 const QString kCopiedPicture = QStringLiteral("CopiedPicture.");
 
-QString namePrefix() {
-    return QStringLiteral("TXSGraphicsLib-%1-").arg(::geteuid());
+// The program's own may lie in a home that several machines share, and the lock of a folder is
+// often known to one of them only.
+QString namePrefix(FolderFor whom) {
+    return whom == FolderFor::Clients
+               ? QStringLiteral("TXSGraphicsLib-%1-").arg(::geteuid())
+               : QStringLiteral("deleted-%1-").arg(QSysInfo::machineHostName());
 }
 
 FileDescriptor openFolder(const QString& path) {
@@ -47,11 +51,11 @@ bool isOwnedByUser(const FileDescriptor& folder) {
 }
 
 // Whatever cannot be removed is the next start's business.
-void removeLeftovers(const QString& parent) {
+void removeLeftovers(const QString& parent, FolderFor whom) {
     const QDir::Filters folders =
         QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot;
     const QDateTime youngest = QDateTime::currentDateTime().addSecs(-kStartUpSeconds);
-    QDirIterator leftovers(parent, {namePrefix() + u'*'}, folders);
+    QDirIterator leftovers(parent, {namePrefix(whom) + u'*'}, folders);
     while (leftovers.hasNext()) {
         const QString path = leftovers.next();
         if (leftovers.fileInfo().lastModified() > youngest) {
@@ -105,9 +109,9 @@ TemporaryFolder::TemporaryFolder(const QString& parent, FolderFor whom) {
         throw compound::systemError(ENOENT, toFilePath(parent), "create a temporary folder");
     }
     (void)QDir().mkpath(parent);
-    removeLeftovers(parent);
+    removeLeftovers(parent, whom);
     const QString pattern =
-        joinPath(parent, namePrefix() + QStringLiteral("%1-XXXXXX").arg(::getpid()));
+        joinPath(parent, namePrefix(whom) + QStringLiteral("%1-XXXXXX").arg(::getpid()));
     QByteArray name = QFile::encodeName(pattern);
     if (::mkdtemp(name.data()) == nullptr) {
         throw compound::systemError(errno, toFilePath(parent), "create a temporary folder");
