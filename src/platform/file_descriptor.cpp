@@ -174,7 +174,7 @@ void removeLeftoversIn(const std::filesystem::path& folder) {
             continue;
         }
         const FileDescriptor file(
-            ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+            ::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)); // NFS wants that
         if (file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0 && isAt(file, path)) {
             ::unlink(path.c_str());
         }
@@ -184,17 +184,21 @@ void removeLeftoversIn(const std::filesystem::path& folder) {
 void copyDurably(const std::filesystem::path& from, const std::filesystem::path& to) {
     const FileDescriptor source = openRegularFile(from, O_RDONLY);
     removeLeftoversIn(folderOf(to));
-    const Unfinished copy = createUnfinished(folderOf(to));
     try {
-        copyBytes(source, from, copy.file, to);
-        copyFileAttributes(source.get(), from, copy.file.get(), to);
-        if (::fsync(copy.file.get()) != 0) {
-            throw systemError(errno, to, "sync");
+        const Unfinished copy = createUnfinished(folderOf(to));
+        try {
+            copyBytes(source, from, copy.file, to);
+            copyFileAttributes(source.get(), from, copy.file.get(), to);
+            if (::fsync(copy.file.get()) != 0) {
+                throw systemError(errno, to, "sync");
+            }
+            renameFileWithoutReplacing(copy.path, to);
+        } catch (...) {
+            ::unlink(copy.path.c_str());
+            throw;
         }
-        renameFileWithoutReplacing(copy.path, to);
-    } catch (...) {
-        ::unlink(copy.path.c_str());
-        throw;
+    } catch (const Error& error) { // nobody knows of the file of passage
+        throw error.file() == from ? error : Error(error.code(), to, error.cause());
     }
 }
 
