@@ -115,6 +115,7 @@ void removeNew(const Library& library, const Move& move) {
         library.disk.removeTemporary(move.to);
     }
     library.disk.removeTemporary(move.toFile);
+    syncPlaceOf(library, move.to); // before the record goes
 }
 
 // For writing, where that is allowed, so that the file can be retired afterwards.

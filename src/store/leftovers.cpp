@@ -195,12 +195,29 @@ MoveEnd finishMoveOf(const Library& library, const FileName& old,
     return MoveEnd::Finished;
 }
 
-// Removes the old file of the pair whose record this is, if both are there.
+// Whether the file that gets the new name has yet to get it: its maker lives, or it were gone.
+bool isInTheMaking(const Library& library, const Move& move) {
+    const auto entries = library.disk.list(library.folder);
+    return std::any_of(entries.begin(), entries.end(), [&](const compound::FolderEntry& entry) {
+        if (!entry.isRegularFile || !isNameOf(entry.name.string(), kInTheMaking)) {
+            return false;
+        }
+        const auto file = library.disk.glance(library.folder / entry.name);
+        return file && file->number == move.number;
+    });
+}
+
+// Removes the old file of the pair whose record this is, if both are there. The lock of an old file
+// that its owner could not open for writing may let others in.
 MoveEnd finishMove(const Library& library, const std::filesystem::path& record, DiskFile& file) {
+    const std::optional<Move> move = moveIn(file);
+    if (move && isInTheMaking(library, *move)) {
+        return MoveEnd::Unknown;
+    }
     // From before the record was locked a listing may lack the name that its maker gave last.
     const std::vector<FileName> files = everyGroupFile(library);
     std::vector<FileName> candidates = files;
-    if (const std::optional<Move> move = moveIn(file)) {
+    if (move) {
         if (!isAmong(files, move->old)) {
             return MoveEnd::NotToFinish;
         }

@@ -275,9 +275,13 @@ TEST_F(LeftoversTest, GoWithTheNextListingUnlessTheirMakerLives) {
     }
     const auto alive = disk.create("/library/.txs-fedcba9876543210.new");
     ASSERT_TRUE(alive->lock(std::chrono::milliseconds{0}));
+    const std::string moving =
+        "Plant/New/" + std::to_string(disk.glance("/library/.txs-fedcba9876543210.new")->number);
+    disk.setContent("/library/.txs-fedcba9876543210.was", std::as_bytes(std::span(moving)));
     EXPECT_THAT(groupFiles(library), ElementsAre(FileName{u"Plant"}));
     EXPECT_FALSE(disk.exists("/library/.txs-0123456789abcdef.new"));
     EXPECT_FALSE(disk.exists("/library/.txs-0123456789abcdef.was"));
+    EXPECT_TRUE(disk.exists("/library/.txs-fedcba9876543210.was")) << "the move goes on";
     EXPECT_TRUE(disk.exists("/library/.txs-fedcba9876543210.new"));
     EXPECT_TRUE(disk.exists("/library/.txs-short.new")) << "not one of ours";
 }
