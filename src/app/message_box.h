@@ -35,7 +35,8 @@ enum Answer : int {
 };
 
 // Shows the box and returns an Answer. Escape or the close box answer Cancel, in a Yes/No box No,
-// in a box with OK alone OK. Enter presses the first button unless the buttons say otherwise.
+// in a box with OK alone OK; one that the program's end closes answers No. Enter presses the first
+// button unless the buttons say otherwise.
 int msgBox(const QString& text, Buttons buttons, const QString& title, QWidget* owner);
 
 // What a box says about a failed operation: the file, the kind of failure in the program's

@@ -74,7 +74,7 @@ std::filesystem::path keepOriginal(const Library& library, DiskFile& original) {
 void discard(compound::Disk& disk, const std::filesystem::path& kept) noexcept {
     try {
         disk.removeTemporary(kept);
-    } catch (const Error&) { // NOLINT(bugprone-empty-catch)
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
     }
 }
 
@@ -112,6 +112,9 @@ void keepAndRenumber(const Library& library, StorageAccess& source,
         if (error.code() != ErrorCode::OutcomeUnknown) {
             discard(library.disk, kept); // nothing needs it, and every further try leaves one more
         }
+        throw;
+    } catch (...) {
+        discard(library.disk, kept);
         throw;
     }
 }

@@ -21,7 +21,7 @@ std::optional<compound::FileIdentity> stateInTrash(compound::Disk& disk,
                                                    const std::filesystem::path& trashed);
 
 // NotFound unless that is still there. Names are given again in a trash that was emptied, and
-// nobody's else file is to come back, or to go from there.
+// nobody else's file is to come back, or to go from there.
 void requireInTrash(compound::Disk& disk, const std::filesystem::path& trashed,
                     const std::optional<compound::FileIdentity>& state);
 
