@@ -74,7 +74,8 @@ std::filesystem::path keepOriginal(const Library& library, DiskFile& original) {
 void discard(compound::Disk& disk, const std::filesystem::path& kept) noexcept {
     try {
         disk.removeTemporary(kept);
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        disk.syncFolder(folderOf(kept)); // no power cut brings it back
+    } catch (const std::exception&) {    // NOLINT(bugprone-empty-catch)
     }
 }
 
