@@ -82,7 +82,8 @@ ExitStatus runToTheEnd(std::span<const std::string> commandLine, Console& consol
 
 } // namespace
 
-std::span<const Command> commands() {
+// One table, as long as there are commands.
+std::span<const Command> commands() { // NOLINT(readability-function-size)
     static const std::vector<Command> all{
         {"groups",
          "",

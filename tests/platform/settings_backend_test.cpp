@@ -138,6 +138,7 @@ TEST(SettingsBackend, losesNothingOfWritersThatMeet) {
         return QStringLiteral("%1.%2").arg(writer).arg(i);
     };
     std::vector<std::thread> writers;
+    writers.reserve(kWriters);
     for (int writer = 0; writer < kWriters; ++writer) {
         writers.emplace_back([&, writer] {
             for (int i = 0; i < kEach; ++i) {

@@ -16,7 +16,6 @@ using compound::ErrorCode;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 const std::filesystem::path kSource = "/elsewhere/Pumps.stg";
 

@@ -30,7 +30,7 @@ class HandOver : public MainWindowTest {
 
     // The path that the last event told, which is the value as well.
     QString told() {
-        const QString path = selected_->isEmpty() ? QString() : selected_->last()[0].toString();
+        QString path = selected_->isEmpty() ? QString() : selected_->last()[0].toString();
         EXPECT_EQ(window().handOverValue(), path);
         return path;
     }
