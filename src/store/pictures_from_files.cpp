@@ -138,12 +138,14 @@ FilesAdded addFiles(const Library& library, const GroupAddress& group,
     StorageAccess access(library);
     access.openGroup(group, compound::Access::ReadWrite);
     Run run(library, access.file().disk().path(), reserved, progress);
+    const bool hadInfo = access.openInfo(group); // a new one holds pictures' records only
     run.keep([&](const PictureName& name) {
-        access.openOrCreateInfo(group);
-        return isBarred(access.groupStorage(), access.infoStorage(), name) ||
+        return access.groupStorage().holdsStorage(name.text) ||
+               (hadInfo && access.infoStorage().holdsStorage(name.text)) ||
                (ifExists == IfPictureExists::Refuse && access.groupStorage().find(name.text));
     });
     FilesAdded result = run.add(files, [&](const PictureName& name, const PictureSource& source) {
+        access.openOrCreateInfo(group);
         putPicture(library, access.groupStorage(), access.infoStorage(), name, source);
     });
     access.Commit();

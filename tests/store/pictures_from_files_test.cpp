@@ -1,5 +1,7 @@
 #include "store/group_in_the_making.h"
+#include "store/group_layout.h"
 #include "store/pictures_from_files.h"
+#include "store/storage_access.h"
 #include "store/store_fixture.h"
 
 #include <gmock/gmock.h>
@@ -146,6 +148,16 @@ TEST_F(PicturesFromFiles, ReplaceInAGroupOnlyWhenAsked) {
 
     EXPECT_EQ(addFiles(library, pumps, files, IfPictureExists::Replace).pictures, 2U);
     EXPECT_EQ(textOf(pumps, u"one"), "of one.bmp");
+
+    {
+        StorageAccess access(library); // as a program that keeps no records
+        access.openGroup(pumps, compound::Access::ReadWrite);
+        access.root().DestroyElement(infoStorageOf(pumps.storage).text);
+        access.Commit();
+    }
+    const auto before = disk.content("/library/Pumps.stg");
+    EXPECT_EQ(addFiles(library, pumps, Paths{files[0]}, IfPictureExists::Refuse).pictures, 0U);
+    EXPECT_EQ(disk.content("/library/Pumps.stg"), before) << "nothing was added";
 }
 
 } // namespace
